@@ -1,0 +1,34 @@
+# What 'cmake --install' puts where: the library (component runtime) and all that a program needs to
+# be built against it (component development).
+include(CMakePackageConfigHelpers)
+
+set(misctools_targets MiscTools)
+if(TARGET MiscToolsPlatform)
+  list(APPEND misctools_targets MiscToolsPlatform)
+endif()
+install(TARGETS ${misctools_targets} EXPORT MiscToolsTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    COMPONENT runtime
+    NAMELINK_COMPONENT development)
+
+file(GLOB misctools_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
+install(FILES ${misctools_headers}
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/MiscTools COMPONENT development)
+
+set(misctools_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MiscTools)
+install(EXPORT MiscToolsTargets NAMESPACE MiscTools::
+  DESTINATION ${misctools_cmake_dir} COMPONENT development)
+configure_package_config_file(cmake/MiscToolsConfig.cmake.in MiscToolsConfig.cmake
+  INSTALL_DESTINATION ${misctools_cmake_dir})
+write_basic_package_version_file(MiscToolsConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/MiscToolsConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/MiscToolsConfigVersion.cmake
+  DESTINATION ${misctools_cmake_dir} COMPONENT development)
+
+# Every path relative to the .pc file, so that the installed tree may be moved.
+file(RELATIVE_PATH misctools_pc_to_prefix
+  ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/MiscTools.pc.in MiscTools.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/MiscTools.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

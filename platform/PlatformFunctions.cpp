@@ -1,0 +1,43 @@
+#include "common/PlatformFunctions.h"
+
+#include <QtCore/QtGlobal>
+
+QString DeviceManifestManager::getProductCode()
+{
+    // The environment comes first so that a bench can play any product with one build.
+    static constexpr char environmentVariable[] = "MISCTOOLS_PRODUCT_CODE";
+    if (qEnvironmentVariableIsSet(environmentVariable)) {
+        return qEnvironmentVariable(environmentVariable);
+    }
+    return QStringLiteral(MISCTOOLS_PRODUCT_CODE);
+}
+
+bool readDoubleValueFromJson(const QString& key, const QJsonObject& object, double& value)
+{
+    const QJsonValue member = object.value(key);
+    if (!member.isDouble()) {
+        return false;
+    }
+    value = member.toDouble();
+    return true;
+}
+
+bool readStringValueFromJson(const QString& key, const QJsonObject& object, QString& value)
+{
+    const QJsonValue member = object.value(key);
+    if (!member.isString()) {
+        return false;
+    }
+    value = member.toString();
+    return true;
+}
+
+bool readBoolValueFromJson(const QString& key, const QJsonObject& object, bool& value)
+{
+    const QJsonValue member = object.value(key);
+    if (!member.isBool()) {
+        return false;
+    }
+    value = member.toBool();
+    return true;
+}

@@ -1,0 +1,19 @@
+#ifndef MISCTOOLS_TEXT_H
+#define MISCTOOLS_TEXT_H
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+namespace Text {
+
+// Decodes UTF-8 up to the first zero byte: the files that the library reads are texts, and what
+// follows a zero byte is not.
+inline QString fromBytes(const QByteArray& bytes)
+{
+    return QString::fromUtf8(bytes.constData(),
+                             static_cast<int>(qstrnlen(bytes.constData(), uint(bytes.size()))));
+}
+
+} // namespace Text
+
+#endif

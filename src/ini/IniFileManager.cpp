@@ -1,0 +1,360 @@
+#include "IniFileManager.h"
+
+#include "common/Log.h"
+#include "common/Text.h"
+
+#include <QtCore/QEvent>
+#include <QtCore/QFile>
+#include <QtCore/QMutexLocker>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QSaveFile>
+
+#include <mutex>
+
+namespace {
+
+constexpr char keyIsEmpty[] = "Key is empty!";
+constexpr char groupIsEmpty[] = "Group is empty!";
+constexpr char canNotOpenFile[] = "Can not open file:";
+constexpr char conversionFailed[] = "Conversion failed:";
+
+/*
+ * Guards what QSettings keeps per object and does not lock itself: the group that is entered, and
+ * the note that changes are pending. It is not the manager's mutex, as getGroups() and sync() must
+ * not wait for that one; it is held for one QSettings operation at a time and never while a message
+ * is made.
+ *
+ * It lives as the only child of the settings object, as the manager's fields are a published
+ * layout. As that object's event filter it also covers the flush that QSettings posts to its own
+ * event loop: unguarded, a write that falls between the flush and the clearing of the note would
+ * stay unwritten.
+ */
+class SettingsGuard : public QObject
+{
+public:
+    explicit SettingsGuard(QSettings* settings) : QObject(settings)
+    {
+        settings->installEventFilter(this);
+    }
+
+    static std::mutex& of(const QSettings& settings)
+    {
+        return static_cast<SettingsGuard*>(settings.children().constFirst())->m_mutex;
+    }
+
+    static void sync(QSettings& settings)
+    {
+        const std::lock_guard<std::mutex> locker(of(settings));
+        settings.sync();
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() != QEvent::UpdateRequest) {
+            return false;
+        }
+        // What QSettings does at this event: in INI format a flush is a sync.
+        sync(*static_cast<QSettings*>(watched));
+        return true;
+    }
+
+private:
+    std::mutex m_mutex;
+};
+
+// Enters a group of the settings for the life of the object.
+class GroupScope
+{
+public:
+    GroupScope(QSettings& settings, const QString& group)
+        : m_locker(SettingsGuard::of(settings)), m_settings(settings)
+    {
+        m_settings.beginGroup(group);
+    }
+
+    ~GroupScope() { m_settings.endGroup(); }
+
+    Q_DISABLE_COPY(GroupScope)
+
+private:
+    const std::lock_guard<std::mutex> m_locker;
+    QSettings& m_settings;
+};
+
+} // namespace
+
+QList<void (*)(QString&)> IniFileManager::sm_CleanUpFunctions = {
+    &IniFileManager::cleanUpComments,
+    &IniFileManager::cleanUpListSeperators,
+};
+
+IniFileManager::IniFileManager(const QString& filePath, const char* codecName)
+    : m_settings(filePath, QSettings::IniFormat), m_mutex(QMutex::Recursive)
+{
+    new SettingsGuard(&m_settings); // owned by the settings
+    if (codecName != nullptr) {
+        m_settings.setIniCodec(codecName);
+    }
+    if (!QFile::exists(filePath)) {
+        MISCTOOLS_LOG(IniFileManager).warning() << "Can't find specified ini-file:" << filePath;
+    }
+}
+
+IniFileManager::~IniFileManager() = default;
+
+void IniFileManager::sync()
+{
+    SettingsGuard::sync(m_settings);
+}
+
+QStringList IniFileManager::getGroups() const
+{
+    const std::lock_guard<std::mutex> locker(SettingsGuard::of(m_settings));
+    return m_settings.childGroups();
+}
+
+int IniFileManager::getCount() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return getGroups().count();
+}
+
+QString IniFileManager::getGeneralLogInfo() const
+{
+    return QStringLiteral("Ini-File (") + m_settings.fileName() + QStringLiteral("):");
+}
+
+void IniFileManager::cleanUp(const QString& filePath)
+{
+    QFile source(filePath);
+    // Text mode drops carriage returns.
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
+        return;
+    }
+    QString text = Text::fromBytes(source.readAll());
+    source.close();
+
+    for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
+        if (cleanUpFunction == nullptr) {
+            MISCTOOLS_LOG(IniFileManager).warning() << "Function pointer is Null.";
+            continue;
+        }
+        cleanUpFunction(text);
+    }
+
+    QSaveFile target(filePath);
+    if (!target.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
+        return;
+    }
+    target.write(text.toUtf8());
+    target.commit();
+}
+
+void IniFileManager::cleanUpComments(QString& text)
+{
+    text.replace(QStringLiteral("%23"), QStringLiteral("#"));
+}
+
+void IniFileManager::cleanUpListSeperators(QString& text)
+{
+    text.replace(QLatin1Char(','), QLatin1Char(' '));
+}
+
+void IniFileManager::setGeneralValue(const QString& key, const QVariant& value)
+{
+    const QMutexLocker locker(&m_mutex);
+    if (key.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+        return;
+    }
+    const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
+    m_settings.setValue(key, value);
+}
+
+void IniFileManager::removeGeneralValue(const QString& key)
+{
+    const QMutexLocker locker(&m_mutex);
+    if (key.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+        return;
+    }
+    const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
+    m_settings.remove(key);
+}
+
+bool IniFileManager::containsGeneral(const QString& key)
+{
+    const QMutexLocker locker(&m_mutex);
+    if (key.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+        return false;
+    }
+    return m_settings.contains(key);
+}
+
+QVariant IniFileManager::getGeneralValue(const QString& key, const QVariant& defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    if (key.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+        return defaultValue;
+    }
+    if (!m_settings.childKeys().contains(key)) {
+        MISCTOOLS_LOG(IniFileManager).warning()
+            << getGeneralLogInfo() << "Key" << key << "not found in section 'General'!";
+        return defaultValue;
+    }
+    return m_settings.value(key, defaultValue);
+}
+
+int IniFileManager::getGeneralValueInteger(const QString& key, int defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    const QVariant value = getGeneralValue(key, QVariant(defaultValue));
+    bool ok = false;
+    const int number = value.toInt(&ok);
+    if (!ok) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << conversionFailed << value;
+        return defaultValue;
+    }
+    return number;
+}
+
+QString IniFileManager::getGeneralValueString(const QString& key, const QString& defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return getGeneralValue(key, QVariant(defaultValue)).toString();
+}
+
+bool IniFileManager::getGeneralValueBool(const QString& key, bool defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return getGeneralValue(key, QVariant(defaultValue)).toBool();
+}
+
+QStringList IniFileManager::getGeneralChildKeys() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_settings.childKeys();
+}
+
+void IniFileManager::setValue(const QString& group, const QString& key, const QVariant& value)
+{
+    const QMutexLocker locker(&m_mutex);
+    if (group.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << groupIsEmpty;
+        return;
+    }
+    if (key.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+        return;
+    }
+    const GroupScope scope(m_settings, group);
+    m_settings.setValue(key, value);
+}
+
+void IniFileManager::removeValue(const QString& group, const QString& key)
+{
+    const QMutexLocker locker(&m_mutex);
+    if (group.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << groupIsEmpty;
+        return;
+    }
+    if (key.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+        return;
+    }
+    const GroupScope scope(m_settings, group);
+    m_settings.remove(key);
+}
+
+bool IniFileManager::contains(const QString& group, const QString& key) const
+{
+    const QMutexLocker locker(&m_mutex);
+    if (key.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+        return false;
+    }
+    const GroupScope scope(m_settings, group);
+    return m_settings.contains(key);
+}
+
+QVariant IniFileManager::getValue(const QString& group, const QString& key,
+                                  const QVariant& defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    if (key.isEmpty()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+        return defaultValue;
+    }
+    {
+        const GroupScope scope(m_settings, group);
+        if (m_settings.childKeys().contains(key)) {
+            return m_settings.value(key, defaultValue);
+        }
+    }
+    // The group is left by now: a message handler may read through this very object.
+    MISCTOOLS_LOG(IniFileManager).warning()
+        << getGeneralLogInfo() << "Key" << key << "not found in Group" << group << "!";
+    return defaultValue;
+}
+
+int IniFileManager::getValueInteger(const QString& group, const QString& key,
+                                    int defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    const QVariant value = getValue(group, key, QVariant(defaultValue));
+    bool ok = false;
+    const int number = value.toInt(&ok);
+    if (!ok) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << conversionFailed << value;
+        return defaultValue;
+    }
+    return number;
+}
+
+QString IniFileManager::getValueString(const QString& group, const QString& key,
+                                       const QString& defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return getValue(group, key, QVariant(defaultValue)).toString();
+}
+
+bool IniFileManager::getValueBool(const QString& group, const QString& key, bool defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return getValue(group, key, QVariant(defaultValue)).toBool();
+}
+
+QStringList IniFileManager::getGroups(const QString& filter) const
+{
+    const QMutexLocker locker(&m_mutex);
+    const QRegularExpression beginsWithFilter(QStringLiteral("^") + filter + QStringLiteral(".*"));
+    return getGroups().filter(beginsWithFilter);
+}
+
+bool IniFileManager::containsGroup(const QString& group) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return getGroups().contains(group);
+}
+
+QStringList IniFileManager::getChildKeys(const QString& group) const
+{
+    const QMutexLocker locker(&m_mutex);
+    const GroupScope scope(m_settings, group);
+    return m_settings.childKeys();
+}
+
+QMap<QString, QVariant> IniFileManager::getGroupValues(const QString& group) const
+{
+    const QMutexLocker locker(&m_mutex);
+    QMap<QString, QVariant> values;
+    const QStringList keys = getChildKeys(group);
+    for (const QString& key : keys) {
+        values.insert(key, getValue(group, key, QVariant()));
+    }
+    return values;
+}

@@ -1,0 +1,94 @@
+#include "ChildProcess.h"
+
+#include <QtCore/QtGlobal>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include <grp.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// Written by a program that measures coverage; a child that leaves by _exit() must ask for it.
+extern "C" void __gcov_dump() __attribute__((weak));
+
+namespace {
+
+constexpr unsigned int ordinaryUser = 65534; // "nobody"
+
+[[noreturn]] void runInChild(const std::function<int()>& function, int outputDescriptor)
+{
+    // A crash on purpose needs no core file.
+    const rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    dup2(outputDescriptor, STDOUT_FILENO);
+    dup2(outputDescriptor, STDERR_FILENO);
+    close(outputDescriptor);
+    qInstallMessageHandler(nullptr);
+    // Without this Qt asks whether a terminal is there, and may log to the system's journal.
+    qputenv("QT_LOGGING_TO_CONSOLE", "1");
+
+    const int exitCode = function();
+    fflush(nullptr);
+    if (__gcov_dump != nullptr) {
+        __gcov_dump();
+    }
+    _exit(exitCode);
+}
+
+} // namespace
+
+ChildResult ChildProcess::run(const std::function<int()>& function)
+{
+    int descriptors[2];
+    if (pipe(descriptors) != 0) {
+        qFatal("cannot make a pipe for a child process");
+    }
+    fflush(nullptr);
+    const pid_t child = fork();
+    if (child < 0) {
+        qFatal("cannot start a child process");
+    }
+    if (child == 0) {
+        close(descriptors[0]);
+        runInChild(function, descriptors[1]);
+    }
+    close(descriptors[1]);
+
+    ChildResult result;
+    char buffer[4096];
+    ssize_t count = 0;
+    while ((count = read(descriptors[0], buffer, sizeof buffer)) > 0 ||
+           (count < 0 && errno == EINTR)) {
+        if (count > 0) {
+            result.output.append(buffer, int(count));
+        }
+    }
+    close(descriptors[0]);
+
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    result.exited = WIFEXITED(status);
+    if (result.exited) {
+        result.exitCode = WEXITSTATUS(status);
+    } else if (WIFSIGNALED(status)) {
+        result.signal = WTERMSIG(status);
+    }
+    return result;
+}
+
+ChildResult ChildProcess::runAsOrdinaryUser(const std::function<int()>& function)
+{
+    return run([&function] {
+        if (geteuid() == 0 && (setgroups(0, nullptr) != 0 ||
+                               setresgid(ordinaryUser, ordinaryUser, ordinaryUser) != 0 ||
+                               setresuid(ordinaryUser, ordinaryUser, ordinaryUser) != 0)) {
+            fprintf(stderr, "cannot become an ordinary user\n");
+            return 255;
+        }
+        return function();
+    });
+}

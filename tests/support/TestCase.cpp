@@ -1,0 +1,34 @@
+#include "TestCase.h"
+
+#include <QtCore/QFile>
+
+QString TestCase::writeFile(const QString& name, const QByteArray& content) const
+{
+    const QString filePath = path(name);
+    QFile file(filePath);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        qFatal("cannot write %s", qPrintable(filePath));
+    }
+    return filePath;
+}
+
+QByteArray TestCase::readFile(const QString& filePath)
+{
+    QFile file(filePath);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void TestCase::init()
+{
+    m_folder.reset(new QTemporaryDir);
+    QVERIFY2(m_folder->isValid(), qPrintable(m_folder->errorString()));
+    m_recorder.reset(new MessageRecorder);
+}
+
+void TestCase::cleanup()
+{
+    const QStringList problems = m_recorder->takeProblems();
+    m_recorder.reset();
+    m_folder.reset();
+    QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QStringLiteral("\n   "))));
+}

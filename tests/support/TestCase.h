@@ -1,0 +1,56 @@
+#ifndef TESTS_TESTCASE_H
+#define TESTS_TESTCASE_H
+
+#include "MessageRecorder.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QObject>
+#include <QtCore/QScopedPointer>
+#include <QtCore/QString>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+/*
+ * The base of every test class: each row gets a folder of its own and a message recorder, and fails
+ * when a message came that it did not announce, or one that it announced did not come.
+ */
+class TestCase : public QObject
+{
+    Q_OBJECT
+
+protected:
+    // The row's recorder.
+    MessageRecorder& messages() { return *m_recorder; }
+
+    // The row's folder, and the path of the file name in it.
+    QString folder() const { return m_folder->path(); }
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+
+    // Writes a file into the row's folder; gives its path.
+    QString writeFile(const QString& name, const QByteArray& content) const;
+
+    // The whole content of a file; a null array when it cannot be read.
+    static QByteArray readFile(const QString& filePath);
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+private:
+    QScopedPointer<QTemporaryDir> m_folder;
+    QScopedPointer<MessageRecorder> m_recorder;
+};
+
+/*
+ * Skips the rest of the test function where the machine cannot run it. In continuous integration
+ * everything can be run, so there it is a failure.
+ */
+#define MISCTOOLS_SKIP(reason)                                                                     \
+    do {                                                                                           \
+        if (qgetenv("CI") == "true") {                                                             \
+            QFAIL("must not be skipped where CI=true: " reason);                                   \
+        }                                                                                          \
+        QSKIP(reason);                                                                             \
+    } while (false)
+
+#endif
