@@ -1,0 +1,215 @@
+#include "LiteralIniFile.h"
+
+#include <QtCore/QDebug>
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
+
+LiteralIniFile::LiteralIniFile(const QString& filePath, const char* codecName)
+    : m_settings(filePath, QSettings::IniFormat)
+{
+    if (codecName != nullptr) {
+        m_settings.setIniCodec(codecName);
+    }
+    if (!QFile::exists(filePath)) {
+        qWarning() << "Can't find specified ini-file:" << filePath;
+    }
+}
+
+QDebug LiteralIniFile::warning() const
+{
+    return qWarning() << QStringLiteral("Ini-File (") + m_settings.fileName() +
+                             QStringLiteral("):");
+}
+
+void LiteralIniFile::sync()
+{
+    m_settings.sync();
+}
+
+QStringList LiteralIniFile::getGroups() const
+{
+    return m_settings.childGroups();
+}
+
+int LiteralIniFile::getCount() const
+{
+    return m_settings.childGroups().count();
+}
+
+void LiteralIniFile::setGeneralValue(const QString& key, const QVariant& value)
+{
+    if (key.isEmpty()) {
+        warning() << "Key is empty!";
+        return;
+    }
+    m_settings.setValue(key, value);
+}
+
+void LiteralIniFile::removeGeneralValue(const QString& key)
+{
+    if (key.isEmpty()) {
+        warning() << "Key is empty!";
+        return;
+    }
+    m_settings.remove(key);
+}
+
+bool LiteralIniFile::containsGeneral(const QString& key)
+{
+    if (key.isEmpty()) {
+        warning() << "Key is empty!";
+        return false;
+    }
+    return m_settings.contains(key);
+}
+
+QVariant LiteralIniFile::getGeneralValue(const QString& key, const QVariant& defaultValue) const
+{
+    QVariant result = defaultValue;
+    if (key.isEmpty()) {
+        warning() << "Key is empty!";
+        return result;
+    }
+    if (m_settings.childKeys().contains(key)) {
+        result = m_settings.value(key, defaultValue);
+    } else {
+        warning() << "Key" << key << "not found in section 'General'!";
+    }
+    return result;
+}
+
+int LiteralIniFile::getGeneralValueInteger(const QString& key, int defaultValue) const
+{
+    const QVariant value = getGeneralValue(key, QVariant(defaultValue));
+    bool ok = false;
+    const int number = value.toInt(&ok);
+    if (ok) {
+        return number;
+    }
+    warning() << "Conversion failed:" << value;
+    return defaultValue;
+}
+
+QString LiteralIniFile::getGeneralValueString(const QString& key, const QString& defaultValue) const
+{
+    return getGeneralValue(key, QVariant(defaultValue)).toString();
+}
+
+bool LiteralIniFile::getGeneralValueBool(const QString& key, bool defaultValue) const
+{
+    return getGeneralValue(key, QVariant(defaultValue)).toBool();
+}
+
+QStringList LiteralIniFile::getGeneralChildKeys() const
+{
+    return m_settings.childKeys();
+}
+
+void LiteralIniFile::setValue(const QString& group, const QString& key, const QVariant& value)
+{
+    if (group.isEmpty()) {
+        warning() << "Group is empty!";
+    } else if (key.isEmpty()) {
+        warning() << "Key is empty!";
+    } else {
+        m_settings.beginGroup(group);
+        m_settings.setValue(key, value);
+        m_settings.endGroup();
+    }
+}
+
+void LiteralIniFile::removeValue(const QString& group, const QString& key)
+{
+    if (group.isEmpty()) {
+        warning() << "Group is empty!";
+    } else if (key.isEmpty()) {
+        warning() << "Key is empty!";
+    } else {
+        m_settings.beginGroup(group);
+        m_settings.remove(key);
+        m_settings.endGroup();
+    }
+}
+
+bool LiteralIniFile::contains(const QString& group, const QString& key) const
+{
+    if (key.isEmpty()) {
+        warning() << "Key is empty!";
+        return false;
+    }
+    m_settings.beginGroup(group);
+    const bool found = m_settings.contains(key);
+    m_settings.endGroup();
+    return found;
+}
+
+QVariant LiteralIniFile::getValue(const QString& group, const QString& key,
+                                  const QVariant& defaultValue) const
+{
+    QVariant result = defaultValue;
+    if (key.isEmpty()) {
+        warning() << "Key is empty!";
+        return result;
+    }
+    m_settings.beginGroup(group);
+    if (m_settings.childKeys().contains(key)) {
+        result = m_settings.value(key, defaultValue);
+    } else {
+        warning() << "Key" << key << "not found in Group" << group << "!";
+    }
+    m_settings.endGroup();
+    return result;
+}
+
+int LiteralIniFile::getValueInteger(const QString& group, const QString& key,
+                                    int defaultValue) const
+{
+    const QVariant value = getValue(group, key, QVariant(defaultValue));
+    bool ok = false;
+    const int number = value.toInt(&ok);
+    if (ok) {
+        return number;
+    }
+    warning() << "Conversion failed:" << value;
+    return defaultValue;
+}
+
+QString LiteralIniFile::getValueString(const QString& group, const QString& key,
+                                       const QString& defaultValue) const
+{
+    return getValue(group, key, QVariant(defaultValue)).toString();
+}
+
+bool LiteralIniFile::getValueBool(const QString& group, const QString& key, bool defaultValue) const
+{
+    return getValue(group, key, QVariant(defaultValue)).toBool();
+}
+
+QStringList LiteralIniFile::getGroups(const QString& filter) const
+{
+    const QRegularExpression expression(QStringLiteral("^") + filter + QStringLiteral(".*"));
+    return getGroups().filter(expression);
+}
+
+bool LiteralIniFile::containsGroup(const QString& group) const
+{
+    return m_settings.childGroups().contains(group);
+}
+
+QStringList LiteralIniFile::getChildKeys(const QString& group) const
+{
+    m_settings.beginGroup(group);
+    const QStringList keys = m_settings.childKeys();
+    m_settings.endGroup();
+    return keys;
+}
+
+QMap<QString, QVariant> LiteralIniFile::getGroupValues(const QString& group) const
+{
+    QMap<QString, QVariant> values;
+    const QStringList keys = getChildKeys(group);
+    for (const QString& key : keys) {
+        values.insert(key, getValue(group, key, QVariant()));
+    }
+    return values;
+}

@@ -1,0 +1,51 @@
+#ifndef TESTS_LITERALINIFILE_H
+#define TESTS_LITERALINIFILE_H
+
+#include <QtCore/QMap>
+#include <QtCore/QSettings>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVariant>
+
+/*
+ * What IniFileManager does, written down as plainly as QSettings allows: no thread is thought of,
+ * and nothing is made faster. The differential test holds the library against it.
+ */
+class LiteralIniFile
+{
+public:
+    LiteralIniFile(const QString& filePath, const char* codecName);
+
+    void sync();
+    QStringList getGroups() const;
+    int getCount() const;
+
+    void setGeneralValue(const QString& key, const QVariant& value);
+    void removeGeneralValue(const QString& key);
+    bool containsGeneral(const QString& key);
+    QVariant getGeneralValue(const QString& key, const QVariant& defaultValue) const;
+    int getGeneralValueInteger(const QString& key, int defaultValue) const;
+    QString getGeneralValueString(const QString& key, const QString& defaultValue) const;
+    bool getGeneralValueBool(const QString& key, bool defaultValue) const;
+    QStringList getGeneralChildKeys() const;
+
+    void setValue(const QString& group, const QString& key, const QVariant& value);
+    void removeValue(const QString& group, const QString& key);
+    bool contains(const QString& group, const QString& key) const;
+    QVariant getValue(const QString& group, const QString& key, const QVariant& defaultValue) const;
+    int getValueInteger(const QString& group, const QString& key, int defaultValue) const;
+    QString getValueString(const QString& group, const QString& key,
+                           const QString& defaultValue) const;
+    bool getValueBool(const QString& group, const QString& key, bool defaultValue) const;
+    QStringList getGroups(const QString& filter) const;
+    bool containsGroup(const QString& group) const;
+    QStringList getChildKeys(const QString& group) const;
+    QMap<QString, QVariant> getGroupValues(const QString& group) const;
+
+private:
+    QDebug warning() const;
+
+    mutable QSettings m_settings;
+};
+
+#endif

@@ -1,0 +1,363 @@
+#include "IniFileManager.h"
+#include "LiteralIniFile.h"
+#include "TestCase.h"
+
+#include <QtCore/QRandomGenerator>
+
+namespace {
+
+template <typename T, int N>
+const T& pick(QRandomGenerator& random, const T (&choices)[N])
+{
+    return choices[random.bounded(N)];
+}
+
+// Files of what INI parsers stumble over, in any order.
+QByteArray hostileFile(QRandomGenerator& random)
+{
+    static const QByteArray pieces[] = {
+        "[A]\n",
+        "[A/B]\n",
+        "[A\\B]\n",
+        "[B]\n",
+        "[General]\n",
+        "[%General]\n",
+        "[general]\n",
+        "[%general]\n",
+        "[]\n",
+        "[/]\n",
+        "[A//B]\n",
+        "[A/]\n",
+        "[/A]\n",
+        "[ A ]\n",
+        "[%41]\n",
+        "[A\n",
+        "[A] k=9\n",
+        "[A%2FB]\n",
+        "[\xC3\x84]\n",
+        "[%U00C4]\n",
+        "k=1\n",
+        "k=2\n",
+        "K=3\n",
+        "B\\k=4\n",
+        "B/k=5\n",
+        "A\\k=6\n",
+        "A\\B\\k=7\n",
+        "\\k=8\n",
+        "k\\=9\n",
+        "=5\n",
+        "k\n",
+        "k=\n",
+        "n=abc\n",
+        "n=0x10\n",
+        "n=4294967297\n",
+        "n=-7\n",
+        "n= 12 \n",
+        "n=1.5\n",
+        "l=a,b,c\n",
+        "l=\"a,b\"\n",
+        "l=,\n",
+        "i=@Invalid()\n",
+        "b=@ByteArray(x)\n",
+        "v=@Variant(\\0\\0\\0\\x2\\0\\0\\0\\x7)\n",
+        "s=@@x\n",
+        "; k=1\n",
+        "# k=1\n",
+        "k=1;2\n",
+        "q=\"open\n",
+        "e=\\x41\\n\\\n",
+        "%6B=10\n",
+        "%U006B=11\n",
+        "k%=12\n",
+        "x y=13\n",
+        "\xC3\x84=14\n",
+        "k=\xC3\x84\n",
+        "k=\xFF\n",
+        "\r\n",
+        "k=15\r",
+        "t=true\n",
+        "t=off\n",
+        "\n",
+        "  k  =  16\n",
+        "==\n",
+    };
+    QByteArray file;
+    if (random.bounded(8) == 0) {
+        file += "\xEF\xBB\xBF";
+    }
+    const int count = random.bounded(25);
+    for (int i = 0; i < count; ++i) {
+        file += pick(random, pieces);
+    }
+    if (random.bounded(16) == 0) {
+        file.insert(random.bounded(file.size() + 1), '\0');
+    }
+    return file;
+}
+
+QString anyKey(QRandomGenerator& random)
+{
+    static const QString keys[] = {
+        QString(),
+        QStringLiteral("k"),
+        QStringLiteral("k"),
+        QStringLiteral("K"),
+        QStringLiteral("n"),
+        QStringLiteral("l"),
+        QStringLiteral("i"),
+        QStringLiteral("v"),
+        QStringLiteral("b"),
+        QStringLiteral("t"),
+        QStringLiteral("s"),
+        QStringLiteral("e"),
+        QStringLiteral("q"),
+        QStringLiteral("A"),
+        QStringLiteral("B"),
+        QStringLiteral("A/k"),
+        QStringLiteral("B/k"),
+        QStringLiteral("/k"),
+        QStringLiteral("k/"),
+        QStringLiteral("B//k"),
+        QStringLiteral("/"),
+        QStringLiteral("//"),
+        QStringLiteral("x y"),
+        QStringLiteral("\u00C4"),
+        QStringLiteral("%6B"),
+        QStringLiteral("General"),
+    };
+    return pick(random, keys);
+}
+
+QString anyGroup(QRandomGenerator& random)
+{
+    static const QString groups[] = {
+        QString(),
+        QStringLiteral("A"),
+        QStringLiteral("A"),
+        QStringLiteral("A/B"),
+        QStringLiteral("A/B"),
+        QStringLiteral("B"),
+        QStringLiteral("A/"),
+        QStringLiteral("/A"),
+        QStringLiteral("A//B"),
+        QStringLiteral("/"),
+        QStringLiteral("//"),
+        QStringLiteral("General"),
+        QStringLiteral("general"),
+        QStringLiteral("%General"),
+        QStringLiteral("%general"),
+        QStringLiteral("a"),
+        QStringLiteral("\u00C4"),
+        QStringLiteral("k"),
+        QStringLiteral("Z"),
+    };
+    return pick(random, groups);
+}
+
+QVariant anyValue(QRandomGenerator& random)
+{
+    static const QVariant values[] = {
+        QVariant(),
+        QVariant(7),
+        QVariant(true),
+        QVariant(1.5),
+        QVariant(QStringLiteral("text")),
+        QVariant(QStringLiteral("a,b; c")),
+        QVariant(QStringLiteral("@Invalid()")),
+        QVariant(QStringLiteral("\u00C4\u20AC")),
+        QVariant(QString()),
+        QVariant(QByteArray("a\0b", 3)),
+        QVariant(QStringList()),
+        QVariant(QStringList{QStringLiteral("one")}),
+        QVariant(QStringList{QStringLiteral("one"), QStringLiteral("@two")}),
+        QVariant(QVariantList{1, QStringLiteral("b")}),
+    };
+    return pick(random, values);
+}
+
+QString anyFilter(QRandomGenerator& random)
+{
+    static const QString filters[] = {
+        QString(),
+        QStringLiteral("A"),
+        QStringLiteral("."),
+        QStringLiteral("a|B"),
+        QStringLiteral(".*B"),
+        QStringLiteral("("),
+        QStringLiteral("$"),
+        QStringLiteral("%"),
+    };
+    return pick(random, filters);
+}
+
+// QSettings knows a changed file by its size and time: two changes within the clock's step would be
+// told apart in one run and not in another.
+void giveOwnTime(const QString& filePath, int number)
+{
+    QFile file(filePath);
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(1000000000 + number);
+    if (!file.open(QIODevice::ReadWrite) ||
+        !file.setFileTime(time, QFileDevice::FileModificationTime)) {
+        qFatal("cannot set the time of %s", qPrintable(filePath));
+    }
+}
+
+QString shown(const QVariant& value)
+{
+    QString text;
+    QDebug(&text) << value;
+    return text;
+}
+
+/*
+ * One random call on file. The random numbers alone decide which, so that the same seed drives the
+ * library and the literal version alike. The result is a text that shows call and answer.
+ */
+template <typename File>
+QString callAnything(File& file, QRandomGenerator& random)
+{
+    const int operation = random.bounded(24);
+    const QString group = anyGroup(random);
+    const QString key = anyKey(random);
+    const QVariant value = anyValue(random);
+    const QString filter = anyFilter(random);
+    const QString call =
+        QStringLiteral("%1(<%2>, <%3>) ").arg(QString::number(operation), group, key);
+    switch (operation) {
+    case 0:
+        file.setGeneralValue(key, value);
+        return call + shown(value);
+    case 1:
+        file.removeGeneralValue(key);
+        return call;
+    case 2:
+        return call + shown(file.containsGeneral(key));
+    case 3:
+        return call + shown(file.getGeneralValue(key, value));
+    case 4:
+        return call + shown(file.getGeneralValueInteger(key, 42));
+    case 5:
+        return call + shown(file.getGeneralValueString(key, QStringLiteral("default")));
+    case 6:
+        return call + shown(file.getGeneralValueBool(key, true));
+    case 7:
+        return call + shown(file.getGeneralChildKeys());
+    case 8:
+    case 9:
+        file.setValue(group, key, value);
+        return call + shown(value);
+    case 10:
+        file.removeValue(group, key);
+        return call;
+    case 11:
+        return call + shown(file.contains(group, key));
+    case 12:
+    case 13:
+    case 14:
+        return call + shown(file.getValue(group, key, value));
+    case 15:
+        return call + shown(file.getValueInteger(group, key, 42));
+    case 16:
+        return call + shown(file.getValueString(group, key, QStringLiteral("default")));
+    case 17:
+        return call + shown(file.getValueBool(group, key, true));
+    case 18:
+        return call + filter + shown(file.getGroups(filter));
+    case 19:
+        return call + shown(file.containsGroup(group)) + shown(file.getCount());
+    case 20:
+        return call + shown(file.getChildKeys(group));
+    case 21:
+        return call + shown(QVariant(file.getGroupValues(group)));
+    case 22:
+        return call + shown(file.getGroups());
+    default:
+        file.sync();
+        return call;
+    }
+}
+
+} // namespace
+
+// Drives the library and a literal version of it over the same random files with the same random
+// calls: neither a result nor a message nor a byte of the file may differ.
+class tst_IniFileManagerDifferential : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sameAsLiteral();
+
+private:
+    template <typename File>
+    QStringList play(quint32 seed, const QByteArray& content, const QString& name);
+};
+
+template <typename File>
+QStringList tst_IniFileManagerDifferential::play(quint32 seed, const QByteArray& content,
+                                                 const QString& name)
+{
+    static const char* const codecs[] = {nullptr, nullptr, "UTF-8", "ISO 8859-15"};
+    QRandomGenerator random(seed);
+    const QString filePath = writeFile(name, content);
+    const QString otherPath = path(QStringLiteral("other"));
+    QStringList record;
+    const auto takeMessages = [&] {
+        for (const Message& message : messages().take()) {
+            record += Message(message).text.replace(filePath, otherPath);
+        }
+    };
+    {
+        File file(filePath, pick(random, codecs));
+        File sameFile(filePath, nullptr);
+        const int calls = 1 + random.bounded(30);
+        for (int i = 0; i < calls; ++i) {
+            // Now and then through a second object on the same path, or with the file changed by
+            // somebody else.
+            switch (random.bounded(12)) {
+            case 0:
+                record += callAnything(sameFile, random);
+                break;
+            case 1:
+                giveOwnTime(writeFile(name, hostileFile(random)), i);
+                break;
+            default:
+                record += callAnything(file, random);
+                break;
+            }
+            takeMessages();
+        }
+    }
+    takeMessages(); // a last flush may parse, and so warn, too
+    record += QString::fromLatin1(readFile(filePath).toPercentEncoding());
+    return record;
+}
+
+void tst_IniFileManagerDifferential::sameAsLiteral()
+{
+    bool given = false;
+    const int givenRounds = qEnvironmentVariableIntValue("MISCTOOLS_DIFFERENTIAL_ROUNDS", &given);
+    const quint32 rounds = given ? quint32(givenRounds) : 4000;
+    for (quint32 seed = 0; seed < rounds; ++seed) {
+        QRandomGenerator random(seed);
+        const QByteArray content = hostileFile(random);
+        // Names of their own per round, as QSettings keeps files that it has read.
+        const QString number = QString::number(seed);
+        const QStringList literal =
+            play<LiteralIniFile>(seed, content, QStringLiteral("literal") + number);
+        const QStringList actual =
+            play<IniFileManager>(seed, content, QStringLiteral("library") + number);
+        if (actual != literal) {
+            for (int i = 0; i < qMin(actual.size(), literal.size()); ++i) {
+                QVERIFY2(
+                    actual.at(i) == literal.at(i),
+                    qPrintable(QStringLiteral("seed %1, entry %2:\n   library %3\n   literal %4")
+                                   .arg(number, QString::number(i), actual.at(i), literal.at(i))));
+            }
+            QCOMPARE(actual.size(), literal.size());
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_IniFileManagerDifferential)
+#include "tst_IniFileManagerDifferential.moc"
