@@ -1,0 +1,384 @@
+#include "IniFileManager.h"
+#include "TestCase.h"
+
+#include <QtCore/QSemaphore>
+
+#include <atomic>
+#include <functional>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using Call = std::function<void(IniFileManager&)>;
+
+const QString group = QStringLiteral("Group");
+const QString key = QStringLiteral("Key");
+const QString missing = QStringLiteral("Missing");
+const QString text = QStringLiteral("Text");
+
+// Long enough for any call that does not wait, short enough for many rows.
+constexpr int shortWhileInMs = 40;
+constexpr int longWhileInMs = 10000;
+
+// A thread that makes one call and says when it is done.
+class Caller
+{
+public:
+    Caller(IniFileManager& manager, const Call& call)
+        : m_thread([this, &manager, call] {
+            call(manager);
+            m_done.release();
+        })
+    {
+    }
+    ~Caller() { m_thread.join(); }
+
+    bool isDoneWithin(int milliseconds)
+    {
+        if (!m_done.tryAcquire(1, milliseconds)) {
+            return false;
+        }
+        m_done.release(); // for the next question
+        return true;
+    }
+
+private:
+    QSemaphore m_done;
+    std::thread m_thread;
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Call)
+
+/*
+ * One manager, many threads. What QSettings keeps per object is not meant for that, so these tests
+ * fail at once, or crash, where an operation is left unguarded.
+ */
+class tst_IniFileManagerThreads : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void lockingCallsWait_data();
+    void lockingCallsWait();
+    void unlockedCallsDoNotWait_data();
+    void unlockedCallsDoNotWait();
+    void warningsAreMadeUnderTheLock_data();
+    void warningsAreMadeUnderTheLock();
+    void groupsAreNeverHalfEntered();
+    void noWriteIsLostBetweenFlushes();
+    void eventLoopFlushIsGuarded();
+    void mixedCallsKeepEachThreadsValues();
+
+private:
+    QString iniFile();
+};
+
+QString tst_IniFileManagerThreads::iniFile()
+{
+    return writeFile(QStringLiteral("file.ini"), "Key=1\nText=abc\n[Group]\nKey=2\nText=abc\n");
+}
+
+void tst_IniFileManagerThreads::lockingCallsWait_data()
+{
+    QTest::addColumn<Call>("call");
+
+    const auto row = [](const char* name, const Call& call) { QTest::newRow(name) << call; };
+    row("getCount", [](IniFileManager& file) { file.getCount(); });
+    row("setGeneralValue", [](IniFileManager& file) { file.setGeneralValue(key, 3); });
+    row("removeGeneralValue", [](IniFileManager& file) { file.removeGeneralValue(key); });
+    row("containsGeneral", [](IniFileManager& file) { file.containsGeneral(key); });
+    row("getGeneralValue", [](IniFileManager& file) { file.getGeneralValue(key, 3); });
+    row("getGeneralValueInteger",
+        [](IniFileManager& file) { file.getGeneralValueInteger(key, 3); });
+    row("getGeneralValueString",
+        [](IniFileManager& file) { file.getGeneralValueString(key, text); });
+    row("getGeneralValueBool", [](IniFileManager& file) { file.getGeneralValueBool(key, true); });
+    row("getGeneralChildKeys", [](IniFileManager& file) { file.getGeneralChildKeys(); });
+    row("setValue", [](IniFileManager& file) { file.setValue(group, key, 3); });
+    row("removeValue", [](IniFileManager& file) { file.removeValue(group, key); });
+    row("contains", [](IniFileManager& file) { file.contains(group, key); });
+    row("getValue", [](IniFileManager& file) { file.getValue(group, key, 3); });
+    row("getValueInteger", [](IniFileManager& file) { file.getValueInteger(group, key, 3); });
+    row("getValueString", [](IniFileManager& file) { file.getValueString(group, key, text); });
+    row("getValueBool", [](IniFileManager& file) { file.getValueBool(group, key, true); });
+    row("getGroups with a filter", [](IniFileManager& file) { file.getGroups(text); });
+    row("containsGroup", [](IniFileManager& file) { file.containsGroup(group); });
+    row("getChildKeys", [](IniFileManager& file) { file.getChildKeys(group); });
+    row("getGroupValues", [](IniFileManager& file) { file.getGroupValues(group); });
+}
+
+void tst_IniFileManagerThreads::lockingCallsWait()
+{
+    QFETCH(Call, call);
+
+    IniFileManager manager(iniFile(), nullptr);
+    QSemaphore inside;
+    QSemaphore leave;
+    messages().setObserver([&](const Message&) {
+        inside.release();
+        leave.acquire();
+    });
+    {
+        // Stays inside its warning, and so keeps the object's mutex.
+        Caller holder(manager, [](IniFileManager& file) { file.getValue(group, missing, 0); });
+        inside.acquire();
+        Caller waiter(manager, call);
+        const bool waited = !waiter.isDoneWithin(shortWhileInMs);
+        leave.release();
+        QVERIFY(waited);
+        QVERIFY(waiter.isDoneWithin(longWhileInMs));
+    }
+    QCOMPARE(messages().take().size(), 1);
+}
+
+void tst_IniFileManagerThreads::unlockedCallsDoNotWait_data()
+{
+    QTest::addColumn<Call>("call");
+    QTest::newRow("getGroups") << Call([](IniFileManager& file) { file.getGroups(); });
+    QTest::newRow("sync") << Call([](IniFileManager& file) { file.sync(); });
+    QTest::newRow("getGeneralLogInfo")
+        << Call([](IniFileManager& file) { file.getGeneralLogInfo(); });
+}
+
+void tst_IniFileManagerThreads::unlockedCallsDoNotWait()
+{
+    QFETCH(Call, call);
+
+    IniFileManager manager(iniFile(), nullptr);
+    QSemaphore inside;
+    QSemaphore leave;
+    messages().setObserver([&](const Message&) {
+        inside.release();
+        leave.acquire();
+    });
+    {
+        Caller holder(manager, [](IniFileManager& file) { file.getValue(group, missing, 0); });
+        inside.acquire();
+        Caller caller(manager, call);
+        const bool done = caller.isDoneWithin(longWhileInMs);
+        leave.release();
+        QVERIFY(done);
+    }
+    QCOMPARE(messages().take().size(), 1);
+}
+
+void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock_data()
+{
+    QTest::addColumn<Call>("call");
+
+    const auto row = [](const char* name, const Call& call) { QTest::newRow(name) << call; };
+    const QString none;
+    row("setGeneralValue", [=](IniFileManager& file) { file.setGeneralValue(none, 3); });
+    row("removeGeneralValue", [=](IniFileManager& file) { file.removeGeneralValue(none); });
+    row("containsGeneral", [=](IniFileManager& file) { file.containsGeneral(none); });
+    row("getGeneralValue, no key", [=](IniFileManager& file) { file.getGeneralValue(none, 3); });
+    row("getGeneralValue, missing", [](IniFileManager& file) { file.getGeneralValue(missing, 3); });
+    row("getGeneralValueInteger",
+        [](IniFileManager& file) { file.getGeneralValueInteger(text, 3); });
+    row("setValue, no group", [=](IniFileManager& file) { file.setValue(none, key, 3); });
+    row("setValue, no key", [=](IniFileManager& file) { file.setValue(group, none, 3); });
+    row("removeValue, no group", [=](IniFileManager& file) { file.removeValue(none, key); });
+    row("removeValue, no key", [=](IniFileManager& file) { file.removeValue(group, none); });
+    row("contains", [=](IniFileManager& file) { file.contains(group, none); });
+    row("getValue, no key", [=](IniFileManager& file) { file.getValue(group, none, 3); });
+    row("getValue, missing", [](IniFileManager& file) { file.getValue(group, missing, 3); });
+    row("getValueInteger", [](IniFileManager& file) { file.getValueInteger(group, text, 3); });
+}
+
+void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock()
+{
+    QFETCH(Call, call);
+
+    IniFileManager manager(iniFile(), nullptr);
+    std::unique_ptr<Caller> waiter;
+    bool waited = false;
+    messages().setObserver([&](const Message&) {
+        waiter = std::make_unique<Caller>(manager, [](IniFileManager& file) { file.getCount(); });
+        waited = !waiter->isDoneWithin(shortWhileInMs);
+    });
+    call(manager);
+    waiter.reset();
+    QVERIFY(waited);
+    QCOMPARE(messages().take().size(), 1);
+}
+
+void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
+{
+    constexpr int questions = 60000;
+
+    IniFileManager manager(
+        writeFile(QStringLiteral("groups.ini"), "top=1\n[A]\nk=1\nn/deep=1\n[B]\nk=2\n[C]\nk=3\n"),
+        nullptr);
+    const QStringList expected = {QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")};
+    std::atomic<bool> stop{false};
+    std::atomic<int> wrongValues{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < expected.size(); ++i) {
+        threads.emplace_back([&, i] {
+            const QString ownGroup = expected.at(i);
+            while (!stop) {
+                if (manager.getValueInteger(ownGroup, QStringLiteral("k"), -1) != i + 1 ||
+                    !manager.contains(ownGroup, QStringLiteral("k")) ||
+                    manager.getChildKeys(ownGroup) != QStringList(QStringLiteral("k"))) {
+                    ++wrongValues;
+                }
+                manager.setValue(ownGroup, QStringLiteral("k"), i + 1);
+                manager.removeValue(ownGroup, QStringLiteral("none"));
+            }
+        });
+    }
+    int wrongGroups = 0;
+    for (int i = 0; i < questions; ++i) {
+        if (manager.getGroups() != expected) {
+            ++wrongGroups;
+        }
+    }
+    stop = true;
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    QCOMPARE(wrongGroups, 0);
+    QCOMPARE(wrongValues.load(), 0);
+}
+
+void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes()
+{
+    // A write that falls right behind a flush must leave the note that something is pending, or it
+    // is never written. One thread flushes, the other writes; then the object goes.
+    constexpr int rounds = 300;
+
+    for (int round = 0; round < rounds; ++round) {
+        const QString file = writeFile(QStringLiteral("round%1.ini").arg(round), "[A]\nk=0\n");
+        {
+            IniFileManager manager(file, nullptr);
+            std::atomic<bool> stop{false};
+            std::thread writer([&] {
+                for (int i = 1; i <= 20; ++i) {
+                    manager.setValue(QStringLiteral("A"), QStringLiteral("k"), i);
+                }
+                stop = true;
+            });
+            while (!stop) {
+                manager.sync();
+            }
+            writer.join();
+        }
+        QCOMPARE(readFile(file), QByteArray("[A]\nk=20\n"));
+    }
+}
+
+void tst_IniFileManagerThreads::eventLoopFlushIsGuarded()
+{
+    // As above, with the flush that the settings post to the event loop of their own thread.
+    int argumentCount = 0;
+    QCoreApplication application(argumentCount, nullptr);
+    constexpr int rounds = 100;
+
+    for (int round = 0; round < rounds; ++round) {
+        const QString file = writeFile(QStringLiteral("round%1.ini").arg(round), "[A]\nk=0\n");
+        {
+            IniFileManager manager(file, nullptr);
+            std::atomic<bool> stop{false};
+            std::thread writer([&] {
+                for (int i = 1; i <= 50; ++i) {
+                    manager.setValue(QStringLiteral("A"), QStringLiteral("k"), i);
+                    manager.setGeneralValue(QStringLiteral("g"), i);
+                }
+                stop = true;
+            });
+            while (!stop) {
+                QCoreApplication::processEvents();
+            }
+            writer.join();
+            // The event loop alone writes it, without sync() and before the object goes.
+            QCoreApplication::processEvents();
+            QCOMPARE(readFile(file), QByteArray("[General]\ng=50\n\n[A]\nk=50\n"));
+        }
+    }
+}
+
+void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
+{
+    constexpr int threadCount = 8;
+    bool given = false;
+    const int givenCalls = qEnvironmentVariableIntValue("MISCTOOLS_STRESS_CALLS", &given);
+    const int calls = given ? givenCalls : 3000;
+
+    int argumentCount = 0;
+    QCoreApplication application(argumentCount, nullptr);
+    const QString file = writeFile(QStringLiteral("mixed.ini"), "[Fixed]\nk=1\n");
+    std::atomic<int> mistakes{0};
+    {
+        IniFileManager manager(file, "UTF-8");
+        std::atomic<int> running{threadCount};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < threadCount; ++t) {
+            threads.emplace_back([&, t] {
+                const QString own = QStringLiteral("Thread%1").arg(t);
+                const QString general = QStringLiteral("general%1").arg(t);
+                const auto check = [&mistakes](bool right) { mistakes += right ? 0 : 1; };
+                for (int i = 0; i < calls; ++i) {
+                    manager.setValue(own, QStringLiteral("k"), i);
+                    manager.setGeneralValue(general, i);
+                    check(manager.getValueInteger(own, QStringLiteral("k"), -1) == i);
+                    check(manager.getGeneralValueInteger(general, -1) == i);
+                    check(
+                        manager.getValueBool(QStringLiteral("Fixed"), QStringLiteral("k"), false));
+                    switch (i % 8) {
+                    case 0:
+                        check(manager.getGroups().contains(own));
+                        break;
+                    case 1:
+                        check(manager.getGroups(QStringLiteral("Fix")) ==
+                              QStringList(QStringLiteral("Fixed")));
+                        break;
+                    case 2:
+                        check(manager.getGroupValues(own).value(QStringLiteral("k")).toInt() == i);
+                        break;
+                    case 3:
+                        manager.removeValue(own, QStringLiteral("k"));
+                        check(!manager.contains(own, QStringLiteral("k")));
+                        break;
+                    case 4:
+                        check(manager.containsGeneral(general));
+                        break;
+                    case 5:
+                        check(manager.getGeneralLogInfo().contains(file));
+                        break;
+                    case 6:
+                        check(manager.getCount() >= 1);
+                        break;
+                    default:
+                        if (i % 256 == 7) {
+                            manager.sync();
+                        }
+                        break;
+                    }
+                }
+                manager.setValue(own, QStringLiteral("k"), QStringLiteral("end"));
+                --running;
+            });
+        }
+        while (running > 0) {
+            QCoreApplication::processEvents();
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+    QCOMPARE(mistakes.load(), 0);
+    const IniFileManager reopened(file, "UTF-8");
+    for (int t = 0; t < threadCount; ++t) {
+        QCOMPARE(reopened.getValueString(QStringLiteral("Thread%1").arg(t), QStringLiteral("k"),
+                                         QString()),
+                 QStringLiteral("end"));
+        QCOMPARE(reopened.getGeneralValueInteger(QStringLiteral("general%1").arg(t), -1),
+                 calls - 1);
+    }
+}
+
+QTEST_APPLESS_MAIN(tst_IniFileManagerThreads)
+#include "tst_IniFileManagerThreads.moc"
