@@ -1,0 +1,102 @@
+#include "IniTestCase.h"
+
+#include <QtCore/QFile>
+
+void IniTestCase::writeIni(const QByteArray& content) const
+{
+    writeFile(QStringLiteral("settings.ini"), content);
+}
+
+ExpectedMessage& IniTestCase::expectIniWarning(const QString& items)
+{
+    return messages().expectWarning("IniFileManager", QStringLiteral("\"Ini-File (") + iniFile() +
+                                                          QStringLiteral("):\" ") + items);
+}
+
+QString IniTestCase::copyOfIniFile() const
+{
+    const QString copy = path(QStringLiteral("copy.ini"));
+    if (!QFile::copy(iniFile(), copy)) {
+        qFatal("cannot copy %s", qPrintable(iniFile()));
+    }
+    return copy;
+}
+
+QStringList IniTestCase::words(const char* blankSeparated)
+{
+    return QString::fromUtf8(blankSeparated).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+void IniTestCase::addValueRows()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("string");
+    QTest::addColumn<bool>("truth");
+    QTest::addColumn<bool>("isInteger");
+    QTest::addColumn<int>("integer");
+    QTest::addColumn<QString>("shown"); // in the warning of a failed conversion
+
+    const auto number = [](const char* name, const char* text, const char* string, int integer) {
+        const QString asString = QString::fromUtf8(string);
+        QTest::newRow(name) << QByteArray(text) << QVariant(asString) << asString << (integer != 0)
+                            << true << integer << QString();
+    };
+    const auto word = [](const char* name, const char* text, const char* string, bool truth) {
+        const QString asString = QString::fromUtf8(string);
+        QTest::newRow(name) << QByteArray(text) << QVariant(asString) << asString << truth << false
+                            << 0
+                            << QStringLiteral("QVariant(QString, \"") + asString +
+                                   QStringLiteral("\")");
+    };
+    const auto other = [](const char* name, const char* text, const QVariant& value,
+                          const QString& string, const char* shown) {
+        QTest::newRow(name) << QByteArray(text) << value << string << false << false << 0
+                            << QString::fromUtf8(shown);
+    };
+
+    number("number", "12", "12", 12);
+    number("negative number", "-12", "-12", -12);
+    number("number with a plus", "+12", "+12", 12);
+    number("zero", "0", "0", 0);
+    number("leading zero is decimal", "010", "010", 10);
+    number("blanks around", "  12  ", "12", 12);
+    number("blanks inside quotes", "\" 12 \"", " 12 ", 12);
+    number("number in quotes", "\"12\"", "12", 12);
+    number("comment behind", "12 ;a comment", "12", 12);
+    number("greatest", "2147483647", "2147483647", 2147483647);
+    number("least", "-2147483648", "-2147483648", -2147483647 - 1);
+    number("one more than the greatest is cut", "2147483648", "2147483648", -2147483647 - 1);
+    number("64 bits are cut", "4294967301", "4294967301", 5);
+    number("greatest of 64 bits", "9223372036854775807", "9223372036854775807", -1);
+
+    word("65 bits", "9223372036854775808", "9223372036854775808", true);
+    word("word", "abc", "abc", true);
+    word("number with a unit", "12V", "12V", true);
+    word("hexadecimal", "0x1F", "0x1F", true);
+    word("fraction", "1.5", "1.5", true);
+    word("exponent", "1e3", "1e3", true);
+    word("true", "true", "true", true);
+    word("false", "false", "false", false);
+    word("false in capitals", "FALSE", "FALSE", false);
+    word("off", "off", "off", true);
+    word("no", "no", "no", true);
+    word("zero with a fraction", "0.0", "0.0", true);
+    word("nothing", "", "", false);
+    word("empty quotes", "\"\"", "", false);
+    word("blank in quotes", "\" \"", " ", true);
+    word("hash is no comment", "#5", "#5", true);
+    word("percent escape is left alone", "%235", "%235", true);
+    word("hexadecimal escape", "\\x41\\x42", "AB", true);
+    word("comma in quotes", "\"1,2\"", "1,2", true);
+    word("doubled at sign", "@@Invalid()", "@Invalid()", true);
+    word("Latin-1", "\xe4", "\xc3\xa4", true);
+
+    other("list", "1,2", words("1 2"), QString(), R"(QVariant(QStringList, ("1", "2")))");
+    other("list of nothing", ",", QStringList({QString(), QString()}), QString(),
+          R"(QVariant(QStringList, ("", "")))");
+    other("present and invalid", "@Invalid()", QVariant(), QString(), "QVariant(Invalid)");
+    QTest::newRow("bytes") << QByteArray("@ByteArray(12)") << QVariant(QByteArray("12"))
+                           << QStringLiteral("12") << true << true << 12 << QString();
+    other("point", "@Point(1 2)", QPoint(1, 2), QString(), "QVariant(QPoint, QPoint(1,2))");
+}

@@ -1,0 +1,409 @@
+#include "ChildProcess.h"
+#include "IniFileManager.h"
+#include "IniTestCase.h"
+
+#include <type_traits>
+
+#include <sys/stat.h>
+
+static_assert(
+    std::is_same<decltype(IniFileManager::sm_CleanUpFunctions), QList<void (*)(QString&)>>::value,
+    "the published type");
+
+namespace {
+
+using CleanUpFunctions = QList<void (*)(QString&)>;
+
+// Puts other functions into the process-wide list for the life of the object.
+class CleanUpFunctionsGuard
+{
+public:
+    explicit CleanUpFunctionsGuard(const CleanUpFunctions& functions)
+        : m_functions(IniFileManager::sm_CleanUpFunctions)
+    {
+        IniFileManager::sm_CleanUpFunctions = functions;
+    }
+
+    ~CleanUpFunctionsGuard() { IniFileManager::sm_CleanUpFunctions = m_functions; }
+
+    Q_DISABLE_COPY(CleanUpFunctionsGuard)
+
+private:
+    const CleanUpFunctions m_functions;
+};
+
+// The functions of the list are plain pointers, so what they see and need lies here.
+QStringList seenTexts;
+QString folderToRemove;
+
+void appendA(QString& text)
+{
+    seenTexts.append(text);
+    text += QLatin1Char('A');
+}
+
+void appendB(QString& text)
+{
+    seenTexts.append(text);
+    text += QLatin1Char('B');
+}
+
+void seeOnly(QString& text)
+{
+    seenTexts.append(text);
+}
+
+void removeFolder(QString&)
+{
+    QDir(folderToRemove).removeRecursively();
+}
+
+ino_t inodeOf(const QString& filePath)
+{
+    struct stat status = {};
+    if (stat(QFile::encodeName(filePath).constData(), &status) != 0) {
+        qFatal("cannot find %s", qPrintable(filePath));
+    }
+    return status.st_ino;
+}
+
+} // namespace
+
+class tst_IniFileManagerCleanUp : public IniTestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void commentsStep_data();
+    void commentsStep();
+    void listSeparatorsStep_data();
+    void listSeparatorsStep();
+    void fileIsRewritten_data();
+    void fileIsRewritten();
+    void cleanedFileReadsAsMeant();
+    void defaultFunctions();
+
+    void unchangedFileIsReplacedAtomically();
+    void permissionsStay();
+    void linkStaysALink();
+    void missingFileIsNotCreated_data();
+    void missingFileIsNotCreated();
+    void emptyPathWarns();
+    void fileGoneBeforeItIsWritten();
+    void withoutPermission_data();
+    void withoutPermission();
+
+    void functionsRunInOrder();
+    void textIsWhatWasRead_data();
+    void textIsWhatWasRead();
+    void nullFunctionsAreSkipped_data();
+    void nullFunctionsAreSkipped();
+    void noFunctions();
+};
+
+void tst_IniFileManagerCleanUp::commentsStep_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("cleaned");
+
+    const auto row = [](const char* situation, const char* text, const char* cleaned) {
+        QTest::newRow(situation) << QString::fromUtf8(text) << QString::fromUtf8(cleaned);
+    };
+    row("empty", "", "");
+    row("nothing to do", "a=1, %2 23 #", "a=1, %2 23 #");
+    row("once", "%23", "#");
+    row("every occurrence", "%23a%23%23=%23\n%23", "#a##=#\n#");
+    row("result is not read again", "%2%233", "%2#3");
+    row("left to right", "%%2323", "%#23");
+    row("other escapes stay", "%20%2C%24", "%20%2C%24");
+    row("wide digits stay", "%\xef\xbc\x92\xef\xbc\x93", "%\xef\xbc\x92\xef\xbc\x93");
+}
+
+void tst_IniFileManagerCleanUp::commentsStep()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, cleaned);
+    IniFileManager::cleanUpComments(text);
+    QCOMPARE(text, cleaned);
+}
+
+void tst_IniFileManagerCleanUp::listSeparatorsStep_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("cleaned");
+
+    const auto row = [](const char* situation, const char* text, const char* cleaned) {
+        QTest::newRow(situation) << QString::fromUtf8(text) << QString::fromUtf8(cleaned);
+    };
+    row("empty", "", "");
+    row("nothing to do", "a;b %23 %2C", "a;b %23 %2C");
+    row("once", ",", " ");
+    row("every occurrence", ",a,,b,\n,", " a  b \n ");
+    row("key, section, comment, quotes", "[a,b]\nc,d=\"e,f\"\n;g,h", "[a b]\nc d=\"e f\"\n;g h");
+    row("other commas stay", "\xd8\x8c\xef\xbc\x8c", "\xd8\x8c\xef\xbc\x8c");
+}
+
+void tst_IniFileManagerCleanUp::listSeparatorsStep()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, cleaned);
+    IniFileManager::cleanUpListSeperators(text);
+    QCOMPARE(text, cleaned);
+}
+
+void tst_IniFileManagerCleanUp::fileIsRewritten_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("cleaned");
+
+    const auto row = [](const char* situation, const QByteArray& content,
+                        const QByteArray& cleaned) {
+        QTest::newRow(situation) << content << cleaned;
+    };
+    row("empty", "", "");
+    row("nothing to do", "[A]\nk=1\n", "[A]\nk=1\n");
+    row("no line end at the end", "k=1", "k=1");
+    row("both steps", "c=%23ff,%2300\n", "c=#ff #00\n");
+    row("steps do not meet", "%2,3", "%2 3");
+    row("comma everywhere", "a,b=1,2\n[C,D]\n;e,f\n", "a b=1 2\n[C D]\n;e f\n");
+    row("carriage return and line feed", "a=1\r\nb=2\r\n", "a=1\nb=2\n");
+    row("carriage return alone", "a=1\rb=2\r", "a=1b=2");
+    row("carriage returns only", "\r\r\r", "");
+    row("byte order mark", "\xef\xbb\xbf[A]\nk=1\n", "[A]\nk=1\n");
+    row("byte order mark only", "\xef\xbb\xbf", "");
+    row("byte order mark inside", "k=\xef\xbb\xbf\n", "k=\xef\xbb\xbf\n");
+    row("zero byte", QByteArray("a=1\nb=\0002\nc,=3\n", 14), "a=1\nb=");
+    row("zero byte at the end", QByteArray("a,b\0", 4), "a b");
+    row("zero byte first", QByteArray("\0a=1\n", 5), "");
+    row("text of many bytes", "k=\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80,\n",
+        "k=\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80 \n");
+    row("Latin-1", "k=\xe4\n", "k=\xef\xbf\xbd\n");
+    row("text cut inside a character", "k=\xe2\x82", "k=\xef\xbf\xbd\xef\xbf\xbd");
+    row("more than one buffer", QByteArray(100000, ','), QByteArray(100000, ' '));
+}
+
+void tst_IniFileManagerCleanUp::fileIsRewritten()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, cleaned);
+    writeIni(content);
+    IniFileManager::cleanUp(iniFile());
+    QVERIFY(QFile::exists(iniFile()));
+    QCOMPARE(readFile(iniFile()), cleaned);
+}
+
+void tst_IniFileManagerCleanUp::cleanedFileReadsAsMeant()
+{
+    writeIni("colour=%23ff0000\nlist=a,b,c\n");
+    IniFileManager::cleanUp(iniFile());
+    const IniFileManager manager(iniFile(), nullptr);
+    QCOMPARE(manager.getGeneralValue(QStringLiteral("colour"), 0),
+             QVariant(QStringLiteral("#ff0000")));
+    QCOMPARE(manager.getGeneralValue(QStringLiteral("list"), 0), QVariant(QStringLiteral("a b c")));
+}
+
+void tst_IniFileManagerCleanUp::defaultFunctions()
+{
+    const CleanUpFunctions expected = {&IniFileManager::cleanUpComments,
+                                       &IniFileManager::cleanUpListSeperators};
+    QCOMPARE(IniFileManager::sm_CleanUpFunctions.size(), 2);
+    QVERIFY(IniFileManager::sm_CleanUpFunctions == expected);
+}
+
+void tst_IniFileManagerCleanUp::unchangedFileIsReplacedAtomically()
+{
+    writeIni("k=1\n");
+    const ino_t before = inodeOf(iniFile());
+    IniFileManager::cleanUp(iniFile());
+    QVERIFY(inodeOf(iniFile()) != before);
+    QCOMPARE(readFile(iniFile()), QByteArray("k=1\n"));
+    // No temporary file is left.
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             words("settings.ini"));
+}
+
+void tst_IniFileManagerCleanUp::permissionsStay()
+{
+    writeIni("k=1,2\n");
+    const QFileDevice::Permissions permissions = QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                 QFileDevice::ReadUser | QFileDevice::WriteUser |
+                                                 QFileDevice::ReadGroup;
+    QVERIFY(QFile::setPermissions(iniFile(), permissions));
+    IniFileManager::cleanUp(iniFile());
+    QCOMPARE(readFile(iniFile()), QByteArray("k=1 2\n"));
+    QCOMPARE(QFile::permissions(iniFile()), permissions);
+}
+
+void tst_IniFileManagerCleanUp::linkStaysALink()
+{
+    writeIni("k=1,2\n");
+    const QString link = path(QStringLiteral("link.ini"));
+    QVERIFY(QFile::link(iniFile(), link));
+    IniFileManager::cleanUp(link);
+    QCOMPARE(QFile::symLinkTarget(link), iniFile());
+    QCOMPARE(readFile(iniFile()), QByteArray("k=1 2\n"));
+}
+
+void tst_IniFileManagerCleanUp::missingFileIsNotCreated_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("no file") << QStringLiteral("none.ini");
+    QTest::newRow("no folder") << QStringLiteral("none/none.ini");
+    QTest::newRow("dangling link") << QStringLiteral("link.ini");
+    QTest::newRow("folder") << QStringLiteral("folder.ini");
+}
+
+void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
+{
+    QFETCH(QString, name);
+    QVERIFY(QFile::link(path(QStringLiteral("nowhere")), path(QStringLiteral("link.ini"))));
+    QVERIFY(QDir().mkdir(path(QStringLiteral("folder.ini"))));
+    const CleanUpFunctionsGuard guard({&seeOnly});
+    seenTexts.clear();
+
+    messages()
+        .expectWarning("IniFileManager",
+                       QStringLiteral("Can not open file: \"%1\"").arg(path(name)))
+        .function("static void IniFileManager::cleanUp(const QString&)");
+    IniFileManager::cleanUp(path(name));
+
+    QCOMPARE(seenTexts, QStringList());
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
+                                      QDir::NoDotAndDotDot),
+             words("folder.ini link.ini"));
+    QVERIFY(QDir(path(QStringLiteral("folder.ini"))).isEmpty());
+}
+
+void tst_IniFileManagerCleanUp::emptyPathWarns()
+{
+    // Qt itself has something to say about a file without a name.
+    messages().expect(QtWarningMsg, QStringLiteral("QFSFileEngine::open: No file name specified"));
+    messages().expectWarning("IniFileManager", QStringLiteral("Can not open file: \"\""));
+    IniFileManager::cleanUp(QString());
+}
+
+void tst_IniFileManagerCleanUp::fileGoneBeforeItIsWritten()
+{
+    folderToRemove = path(QStringLiteral("sub"));
+    QVERIFY(QDir().mkdir(folderToRemove));
+    const QString file = writeFile(QStringLiteral("sub/settings.ini"), "k=1\n");
+    const CleanUpFunctionsGuard guard({&removeFolder});
+    messages()
+        .expectWarning("IniFileManager", QStringLiteral("Can not open file: \"%1\"").arg(file))
+        .function("static void IniFileManager::cleanUp(const QString&)");
+    IniFileManager::cleanUp(file);
+    QVERIFY(!QFile::exists(folderToRemove));
+}
+
+void tst_IniFileManagerCleanUp::withoutPermission_data()
+{
+    QTest::addColumn<int>("filePermissions");
+    QTest::addColumn<int>("folderPermissions");
+    QTest::newRow("unreadable file") << 0x2222 << 0x7777;
+    QTest::newRow("read-only file") << 0x4444 << 0x7777;
+    QTest::newRow("read-only folder") << 0x6666 << 0x5555;
+    QTest::newRow("read-only file and folder") << 0x4444 << 0x5555;
+}
+
+void tst_IniFileManagerCleanUp::withoutPermission()
+{
+    QFETCH(int, filePermissions);
+    QFETCH(int, folderPermissions);
+    const QByteArray content = "k=1,2\r\n%23\n";
+    writeIni(content);
+    const ino_t before = inodeOf(iniFile());
+    QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions(filePermissions)));
+    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(folderPermissions)));
+
+    const ChildResult result = ChildProcess::runAsOrdinaryUser([this] {
+        IniFileManager::cleanUp(iniFile());
+        return 0;
+    });
+
+    // First of all, so that the folder can be removed.
+    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7700)));
+    QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions(0x6600)));
+    QVERIFY(result.exited);
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(QString::fromLocal8Bit(result.output),
+             QStringLiteral("Can not open file: \"%1\"\n").arg(iniFile()));
+    QCOMPARE(readFile(iniFile()), content);
+    QCOMPARE(inodeOf(iniFile()), before);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             words("settings.ini"));
+}
+
+void tst_IniFileManagerCleanUp::functionsRunInOrder()
+{
+    writeIni("%23,");
+    const CleanUpFunctionsGuard guard({&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
+                                       &appendA, &IniFileManager::cleanUpComments, &seeOnly});
+    seenTexts.clear();
+    IniFileManager::cleanUp(iniFile());
+    QCOMPARE(seenTexts, QStringList({QStringLiteral("%23,"), QStringLiteral("%23 A"),
+                                     QStringLiteral("%23 AB"), QStringLiteral("# ABA")}));
+    QCOMPARE(readFile(iniFile()), QByteArray("# ABA"));
+}
+
+void tst_IniFileManagerCleanUp::textIsWhatWasRead_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty file") << QByteArray() << QString();
+    QTest::newRow("UTF-8") << QByteArray("\xc3\xa4\r\n,") << QString::fromUtf8("\xc3\xa4\n,");
+    QTest::newRow("zero byte") << QByteArray("a\0b", 3) << QStringLiteral("a");
+}
+
+void tst_IniFileManagerCleanUp::textIsWhatWasRead()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, text);
+    writeIni(content);
+    const CleanUpFunctionsGuard guard({&seeOnly});
+    seenTexts.clear();
+    IniFileManager::cleanUp(iniFile());
+    QCOMPARE(seenTexts, QStringList(text));
+}
+
+void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped_data()
+{
+    QTest::addColumn<QString>("functions"); // "0" is a null
+    QTest::addColumn<QByteArray>("cleaned");
+    QTest::newRow("first") << QStringLiteral("0AB") << QByteArray("xAB");
+    QTest::newRow("middle") << QStringLiteral("A0B") << QByteArray("xAB");
+    QTest::newRow("last") << QStringLiteral("AB0") << QByteArray("xAB");
+    QTest::newRow("several") << QStringLiteral("0B00A0") << QByteArray("xBA");
+    QTest::newRow("nothing else") << QStringLiteral("0") << QByteArray("x");
+}
+
+void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped()
+{
+    QFETCH(QString, functions);
+    QFETCH(QByteArray, cleaned);
+    writeIni("x");
+    CleanUpFunctions list;
+    for (const QChar function : qAsConst(functions)) {
+        if (function == QLatin1Char('0')) {
+            list.append(nullptr);
+            messages()
+                .expectWarning("IniFileManager", QStringLiteral("Function pointer is Null."))
+                .function("static void IniFileManager::cleanUp(const QString&)");
+        } else {
+            list.append(function == QLatin1Char('A') ? &appendA : &appendB);
+        }
+    }
+    const CleanUpFunctionsGuard guard(list);
+    IniFileManager::cleanUp(iniFile());
+    QCOMPARE(readFile(iniFile()), cleaned);
+}
+
+void tst_IniFileManagerCleanUp::noFunctions()
+{
+    writeIni("%23,\r\n");
+    const CleanUpFunctionsGuard guard({});
+    IniFileManager::cleanUp(iniFile());
+    QCOMPARE(readFile(iniFile()), QByteArray("%23,\n"));
+}
+
+QTEST_GUILESS_MAIN(tst_IniFileManagerCleanUp)
+#include "tst_IniFileManagerCleanUp.moc"
