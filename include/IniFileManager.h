@@ -81,7 +81,9 @@ public:
      * file, never while one writes.
      *
      * Warns "Can not open file:" with the path, and leaves the file as it was, when it cannot be
-     * opened for reading or replaced; warns "Function pointer is Null." for each null in the list.
+     * opened for reading or writing; warns "Function pointer is Null." for each null in the list.
+     * When the new text cannot be written, as on a full disk, the file stays as it was, too, but
+     * nothing is logged.
      */
     static void cleanUp(const QString& filePath);
 

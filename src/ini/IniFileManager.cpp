@@ -148,7 +148,11 @@ void IniFileManager::cleanUp(const QString& filePath)
         MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
         return;
     }
-    target.write(text.toUtf8());
+    const QByteArray bytes = text.toUtf8();
+    // QSaveFile would put a text that was cut short, as on a full disk, in the file's place.
+    if (target.write(bytes) != bytes.size() || !target.flush()) {
+        target.cancelWriting();
+    }
     target.commit();
 }
 

@@ -2,8 +2,10 @@
 #include "IniFileManager.h"
 #include "IniTestCase.h"
 
+#include <csignal>
 #include <type_traits>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 static_assert(
@@ -92,6 +94,8 @@ private Q_SLOTS:
     void fileGoneBeforeItIsWritten();
     void withoutPermission_data();
     void withoutPermission();
+    void failedReplacementIsSilent_data();
+    void failedReplacementIsSilent();
 
     void functionsRunInOrder();
     void textIsWhatWasRead_data();
@@ -329,6 +333,42 @@ void tst_IniFileManagerCleanUp::withoutPermission()
              QStringLiteral("Can not open file: \"%1\"\n").arg(iniFile()));
     QCOMPARE(readFile(iniFile()), content);
     QCOMPARE(inodeOf(iniFile()), before);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             words("settings.ini"));
+}
+
+void tst_IniFileManagerCleanUp::failedReplacementIsSilent_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("free");
+    QTest::newRow("small file, nothing free") << 50 << 0;
+    QTest::newRow("small file, little free") << 50 << 10;
+    QTest::newRow("great file, nothing free") << 100000 << 0;
+    QTest::newRow("great file, little free") << 100000 << 20000;
+}
+
+void tst_IniFileManagerCleanUp::failedReplacementIsSilent()
+{
+    QFETCH(int, size);
+    QFETCH(int, free);
+    const QByteArray content = QByteArray(size, ',');
+    writeIni(content);
+    const ChildResult result = ChildProcess::run([this, free] {
+        // The temporary file can be opened but not filled, as on a full disk.
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit limit = {};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        const rlim_t unlimited = limit.rlim_cur;
+        limit.rlim_cur = rlim_t(free);
+        setrlimit(RLIMIT_FSIZE, &limit);
+        IniFileManager::cleanUp(iniFile());
+        limit.rlim_cur = unlimited;
+        setrlimit(RLIMIT_FSIZE, &limit);
+        return 0;
+    });
+    QVERIFY(result.exited);
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(readFile(iniFile()), content);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              words("settings.ini"));
 }
