@@ -1,0 +1,25 @@
+# Builds that watch the program while it runs: sanitizers and coverage, for everything in the tree.
+
+set(MISCTOOLS_SANITIZE "" CACHE STRING
+  "Sanitizers to build with, as -fsanitize= takes them: 'address,undefined' or 'thread'")
+option(MISCTOOLS_COVERAGE "Record which lines and branches the tests reach" OFF)
+
+if(MISCTOOLS_SANITIZE)
+  # A finding ends the program, so that no test passes over it.
+  set(misctools_sanitize_flags -fsanitize=${MISCTOOLS_SANITIZE} -fno-sanitize-recover=all
+    -fno-omit-frame-pointer)
+  add_compile_options(${misctools_sanitize_flags})
+  add_link_options(${misctools_sanitize_flags})
+endif()
+
+if(MISCTOOLS_COVERAGE)
+  # Atomic counters, as tests run threads.
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()
+
+# Such a build is for its own tests only: its files need the tool's runtime, and export symbols of it.
+set(MISCTOOLS_INSTRUMENTED OFF)
+if(MISCTOOLS_SANITIZE OR MISCTOOLS_COVERAGE)
+  set(MISCTOOLS_INSTRUMENTED ON)
+endif()

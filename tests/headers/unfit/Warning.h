@@ -1,0 +1,10 @@
+#ifndef TESTS_WARNING_H
+#define TESTS_WARNING_H
+
+class Warning
+{
+public:
+    void set(int value) {}
+};
+
+#endif

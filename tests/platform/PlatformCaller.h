@@ -1,0 +1,20 @@
+#ifndef TESTS_PLATFORMCALLER_H
+#define TESTS_PLATFORMCALLER_H
+
+#include <QtCore/QJsonObject>
+#include <QtCore/QString>
+
+/*
+ * A shared library that stands as MiscTools does: it calls the platform functions and is linked
+ * against the bundled ones. Which definitions answer is for the loader to decide.
+ */
+namespace PlatformCaller {
+
+Q_DECL_EXPORT QString productCode();
+Q_DECL_EXPORT bool readDouble(const QString& key, const QJsonObject& object, double& value);
+Q_DECL_EXPORT bool readString(const QString& key, const QJsonObject& object, QString& value);
+Q_DECL_EXPORT bool readBool(const QString& key, const QJsonObject& object, bool& value);
+
+} // namespace PlatformCaller
+
+#endif
