@@ -21,7 +21,9 @@ HardwareVersionIniManager::HardwareVersionIniManager(const QByteArray& data,
         return;
     }
     m_tempFile.flush();
-    m_iniFileManager.reset(new (std::nothrow) IniFileManager(m_tempFile.fileName(), nullptr));
+    // On Linux the file has no name, and is in no folder, before its name is asked for.
+    const QString fileName = m_tempFile.fileName();
+    m_iniFileManager.reset(new (std::nothrow) IniFileManager(fileName, nullptr));
     if (m_iniFileManager.isNull()) {
         MISCTOOLS_LOG(HardwareVersionIniManager).critical()
             << "Can't create 'IniFileManager' object!";

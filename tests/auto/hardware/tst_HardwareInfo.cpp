@@ -1,0 +1,113 @@
+#include "HardwareInfo.h"
+#include "TestCase.h"
+
+#include <type_traits>
+
+namespace {
+
+using Setter = void (HardwareInfo::*)(const QString&);
+using Getter = QString (HardwareInfo::*)() const;
+
+// In the order in which the record holds the fields.
+const QVector<Setter> setters = {&HardwareInfo::setType,      &HardwareInfo::setTypeName,
+                                 &HardwareInfo::setHwVersion, &HardwareInfo::setHwCompIndex,
+                                 &HardwareInfo::setLpId,      &HardwareInfo::setComment};
+const QVector<Getter> getters = {&HardwareInfo::type,      &HardwareInfo::typeName,
+                                 &HardwareInfo::hwVersion, &HardwareInfo::hwCompIndex,
+                                 &HardwareInfo::lpId,      &HardwareInfo::Comment};
+
+QStringList values(const HardwareInfo& info)
+{
+    QStringList result;
+    for (const Getter getter : getters) {
+        result.append((info.*getter)());
+    }
+    return result;
+}
+
+const QStringList sixEmptyTexts = {QString(), QString(), QString(),
+                                   QString(), QString(), QString()};
+
+} // namespace
+
+class tst_HardwareInfo : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void newRecordIsEmpty();
+    void settersSetTheirFieldOnly_data();
+    void settersSetTheirFieldOnly();
+    void gettersGiveCopies();
+    void copiesAreIndependent();
+    void fieldsLieInTheirOrder();
+};
+
+void tst_HardwareInfo::newRecordIsEmpty()
+{
+    QCOMPARE(values(HardwareInfo()), sixEmptyTexts);
+}
+
+void tst_HardwareInfo::settersSetTheirFieldOnly_data()
+{
+    QTest::addColumn<int>("field");
+    QTest::newRow("type") << 0;
+    QTest::newRow("type name") << 1;
+    QTest::newRow("version") << 2;
+    QTest::newRow("compatibility index") << 3;
+    QTest::newRow("LP-ID") << 4;
+    QTest::newRow("comment") << 5;
+}
+
+void tst_HardwareInfo::settersSetTheirFieldOnly()
+{
+    QFETCH(int, field);
+    HardwareInfo info;
+    (info.*setters.at(field))(QStringLiteral("text"));
+    QStringList expected = sixEmptyTexts;
+    expected[field] = QStringLiteral("text");
+    QCOMPARE(values(info), expected);
+
+    (info.*setters.at(field))(QString());
+    QCOMPARE(values(info), sixEmptyTexts);
+}
+
+void tst_HardwareInfo::gettersGiveCopies()
+{
+    HardwareInfo info;
+    info.setComment(QStringLiteral("first"));
+    QString comment = info.Comment();
+    comment.append(QStringLiteral(" changed"));
+    QCOMPARE(info.Comment(), QStringLiteral("first"));
+}
+
+void tst_HardwareInfo::copiesAreIndependent()
+{
+    HardwareInfo info;
+    info.setType(QStringLiteral("original"));
+    const HardwareInfo constructed(info);
+    HardwareInfo assigned;
+    assigned = info;
+    info.setType(QStringLiteral("changed"));
+    QCOMPARE(constructed.type(), QStringLiteral("original"));
+    QCOMPARE(assigned.type(), QStringLiteral("original"));
+}
+
+void tst_HardwareInfo::fieldsLieInTheirOrder()
+{
+    static_assert(std::has_virtual_destructor<HardwareInfo>::value, "destroyed through the base");
+    static_assert(sizeof(HardwareInfo) == sizeof(void*) + 6 * sizeof(QString), "a fixed layout");
+
+    HardwareInfo info;
+    for (int i = 0; i < setters.size(); ++i) {
+        (info.*setters.at(i))(QString::number(i));
+    }
+    const auto* fields =
+        reinterpret_cast<const QString*>(reinterpret_cast<const char*>(&info) + sizeof(void*));
+    for (int i = 0; i < setters.size(); ++i) {
+        QCOMPARE(fields[i], QString::number(i));
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_HardwareInfo)
+#include "tst_HardwareInfo.moc"

@@ -1,0 +1,872 @@
+#include "ChildProcess.h"
+#include "EepromImage.h"
+#include "HardwareInfo.h"
+#include "HardwareInfoReader.h"
+#include "ReadLog.h"
+#include "TestCase.h"
+
+#include <QtCore/QPointer>
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QThread>
+#include <QtCore/QtEndian>
+
+#include <cstring>
+#include <memory>
+#include <type_traits>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+const QByteArray boardText = "Type=4711\n"
+                             "TypeName=Sample board\n"
+                             "Version=2.1\n"
+                             "CompatibilityIndex=3\n"
+                             "LP-ID=LP-000815\n"
+                             "Comment=Made up\n";
+// Short enough to lie before the header.
+const QByteArray shortText = "Type=4711\n";
+
+constexpr char readFunction[] = "bool HardwareInfoReader::readHardwareInfoFromSysFs(const "
+                                "QString&, const QString&, HardwareInfo&)";
+
+// Without these keys a read says in which order they were asked for. (A missing comment is silent.)
+const QStringList keysInReadOrder = {QStringLiteral("Version"), QStringLiteral("LP-ID"),
+                                     QStringLiteral("Type"), QStringLiteral("TypeName"),
+                                     QStringLiteral("CompatibilityIndex")};
+
+const QStringList untouched = {QStringLiteral("type"),    QStringLiteral("type name"),
+                               QStringLiteral("version"), QStringLiteral("index"),
+                               QStringLiteral("lp-id"),   QStringLiteral("comment")};
+const QStringList sixEmptyTexts = {QString(), QString(), QString(),
+                                   QString(), QString(), QString()};
+const QStringList boardRecord = {QStringLiteral("4711"),      QStringLiteral("Sample board"),
+                                 QStringLiteral("2.1"),       QStringLiteral("3"),
+                                 QStringLiteral("LP-000815"), QStringLiteral("Made up")};
+
+// A record that shows whether it was touched.
+HardwareInfo usedRecord()
+{
+    HardwareInfo info;
+    info.setType(untouched.at(0));
+    info.setTypeName(untouched.at(1));
+    info.setHwVersion(untouched.at(2));
+    info.setHwCompIndex(untouched.at(3));
+    info.setLpId(untouched.at(4));
+    info.setComment(untouched.at(5));
+    return info;
+}
+
+QStringList values(const HardwareInfo& info)
+{
+    return {info.type(),        info.typeName(), info.hwVersion(),
+            info.hwCompIndex(), info.lpId(),     info.Comment()};
+}
+
+QByteArray randomBytes(int count)
+{
+    QByteArray bytes(count, Qt::Uninitialized);
+    for (char& byte : bytes) {
+        byte = char(QRandomGenerator::global()->bounded(256));
+    }
+    return bytes;
+}
+
+// The reader's warnings.
+QString shortHeader(int count, const QString& image)
+{
+    return QStringLiteral("Number of INI header bytes is %1 , expected 16 (file: \"%2\" )!")
+        .arg(QString::number(count), image);
+}
+
+// The numbers are the header's.
+QString shortBlock(const QString& image)
+{
+    return QStringLiteral("Number of INI file bytes is 16 , expected 16 (file: \"%1\" )!")
+        .arg(image);
+}
+
+QString failedSeek(quint32 address, const QString& image)
+{
+    return QStringLiteral("Seek to start addr %1 failed (file: \"%2\" )!")
+        .arg(QString::number(address), image);
+}
+
+QString tooLong(quint32 length, const QString& image)
+{
+    return QStringLiteral("Max. number of bytes for INI file exceeded (bytesToRead field = %1 , "
+                          "file: \"%2\" )!")
+        .arg(QString::number(length), image);
+}
+
+QString invalidChecksum(const QString& image)
+{
+    return QStringLiteral("Invalid checksum for INI block in eeprom binary file \"%1\" .")
+        .arg(image);
+}
+
+quint16 libraryCrc(const QByteArray& data)
+{
+    return HardwareInfoReader(nullptr).checksumXModemCRC(data.constData(), uint(data.size()));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(QVector<Read>)
+
+class tst_HardwareInfoReader : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void soundImages_data();
+    void soundImages();
+    void blockBeforeAndAcrossTheHeader_data();
+    void blockBeforeAndAcrossTheHeader();
+    void blockAnywhereInAHugeImage_data();
+    void blockAnywhereInAHugeImage();
+    void truncatedImage_data();
+    void truncatedImage();
+    void unreachableBlock_data();
+    void unreachableBlock();
+    void lengthOfTheBlock_data();
+    void lengthOfTheBlock();
+    void emptyBlock_data();
+    void emptyBlock();
+    void wrongChecksum_data();
+    void wrongChecksum();
+    void everyFlippedBitOfTheBlockIsNoticed();
+    void missingFile_data();
+    void missingFile();
+    void imageThatCannotBeOpened_data();
+    void imageThatCannotBeOpened();
+    void imageThatMayNotBeRead();
+    void failedSeeksOfAPipe_data();
+    void failedSeeksOfAPipe();
+    void firstFailingCheckIsReported_data();
+    void firstFailingCheckIsReported();
+    void asksForHeaderAndBlockOnly_data();
+    void asksForHeaderAndBlockOnly();
+    void keysAreReadInOrder();
+    void temporaryFileLivesForTheParseOnly();
+    void unusableTemporaryFile();
+    void oneReaderReadsManyTimes();
+    void readersOnSeveralThreads();
+    void data2HwInfoFillsTheRecord();
+    void bytes2Uint32_data();
+    void bytes2Uint32();
+    void crcTableIsThatOfThePolynomial();
+    void crcVectors_data();
+    void crcVectors();
+    void crcOfRandomBlocks();
+    void crcOfNothingNeedsNoData();
+    void isAPlainQObject();
+    void fieldsLieInTheirOrder();
+
+private:
+    QString fileTemplate() const { return path(QStringLiteral("tmp/hwinfo.XXXXXX")); }
+    QStringList temporaryFiles() const
+    {
+        return QDir(path(QStringLiteral("tmp"))).entryList(QDir::Files);
+    }
+    QString writeImage(const QByteArray& image) const
+    {
+        return writeFile(QStringLiteral("eeprom"), image);
+    }
+    void verifyRead(const QString& image, const QStringList& record);
+    void verifyNotRead(const QString& image);
+    void expectWarning(const QString& text);
+    void expectNoTextInTemporaryFile(const char* reason);
+    void expectMissingKeys(const QStringList& keys);
+};
+
+void tst_HardwareInfoReader::verifyRead(const QString& image, const QStringList& record)
+{
+    QDir(folder()).mkdir(QStringLiteral("tmp"));
+    HardwareInfo info = usedRecord();
+    HardwareInfoReader reader(nullptr);
+    QVERIFY(reader.readHardwareInfoFromSysFs(fileTemplate(), image, info));
+    QCOMPARE(values(info), record);
+    QCOMPARE(temporaryFiles(), QStringList());
+}
+
+void tst_HardwareInfoReader::verifyNotRead(const QString& image)
+{
+    HardwareInfo info = usedRecord();
+    HardwareInfoReader reader(nullptr);
+    QVERIFY(!reader.readHardwareInfoFromSysFs(fileTemplate(), image, info));
+    QCOMPARE(values(info), untouched);
+}
+
+void tst_HardwareInfoReader::expectWarning(const QString& text)
+{
+    messages().expectWarning("HardwareInfoReader", text).function(readFunction);
+}
+
+// All that a read logs when the text did not get into a file.
+void tst_HardwareInfoReader::expectNoTextInTemporaryFile(const char* reason)
+{
+    const char file[] = "HardwareVersionIniManager";
+    messages().expectWarning(file, QString::fromLatin1(reason));
+    for (const QString& key : keysInReadOrder) {
+        messages().expectWarning(file, QStringLiteral("No valid 'IniFileManager' object for "
+                                                      "accessing section \"\" with key \"%1\" !")
+                                           .arg(key));
+    }
+    messages().expectWarning(file,
+                             QStringLiteral("No valid IniFileManager object for accessing section "
+                                            "\"\" with key \"Comment\" !"));
+}
+
+// To be called while the temporary file is there: the messages name it.
+void tst_HardwareInfoReader::expectMissingKeys(const QStringList& keys)
+{
+    QCOMPARE(temporaryFiles().size(), 1);
+    for (const QString& key : keys) {
+        messages().expectWarning(
+            "IniFileManager",
+            QStringLiteral("\"Ini-File (%1/tmp/%2):\" Key \"%3\" not found in Group \"\" !")
+                .arg(folder(), temporaryFiles().first(), key));
+    }
+}
+
+void tst_HardwareInfoReader::soundImages_data()
+{
+    QTest::addColumn<QByteArray>("image");
+
+    using Image = EepromImage;
+    const auto row = [](const char* name, const Image& image) {
+        QTest::newRow(name) << image.bytes();
+    };
+    row("block right after the header", Image(boardText));
+    row("bytes after the block", Image(boardText).size(1024));
+    row("block at the image's end",
+        Image(boardText).startAddress(1024 - quint32(boardText.size())));
+    row("block beyond 64 KiB", Image(boardText).startAddress(0x12345));
+    row("start address of four different bytes", Image(boardText).startAddress(0x01020304));
+    row("filled with zeros", Image(boardText).startAddress(64).size(256).fill('\0'));
+    row("no line end", Image(boardText.left(boardText.size() - 1)));
+    row("reserved word", Image(boardText).reserved(0xDEADBEEF));
+    row("upper checksum bits set", Image(boardText).upperChecksumBits(0xFFFF));
+    row("upper checksum bits mixed", Image(boardText).upperChecksumBits(0xA5C3));
+}
+
+void tst_HardwareInfoReader::soundImages()
+{
+    QFETCH(QByteArray, image);
+    verifyRead(writeImage(image), boardRecord);
+}
+
+void tst_HardwareInfoReader::blockBeforeAndAcrossTheHeader_data()
+{
+    QTest::addColumn<QByteArray>("image");
+
+    using Image = EepromImage;
+    const auto row = [](const char* name, const Image& image) {
+        QTest::newRow(name) << image.bytes();
+    };
+    const auto word = [](const char* text) { return qFromLittleEndian<quint32>(text); };
+    row("at the image's first byte", Image(shortText).startAddress(0));
+    row("ending where the header starts", Image(shortText).startAddress(10));
+    row("ending with the reserved word",
+        Image(shortText).startAddress(14).reserved(word(shortText.constData() + 6)));
+    row("starting with the upper checksum bits",
+        Image(shortText).startAddress(34).upperChecksumBits(quint16(word("Ty\0"))));
+    row("starting with the header's last byte",
+        Image(shortText).startAddress(35).upperChecksumBits(quint16(word("\0T\0"))));
+    row("starting with the start address",
+        Image(QByteArray(12, '?') + '\n' + shortText).startAddress(24));
+    row("around the whole header",
+        Image(';' + QByteArray(35, '?') + '\n' + shortText).startAddress(0));
+}
+
+void tst_HardwareInfoReader::blockBeforeAndAcrossTheHeader()
+{
+    QFETCH(QByteArray, image);
+    QStringList missing = keysInReadOrder;
+    missing.removeOne(QStringLiteral("Type"));
+    messages().setObserver([this, missing](const Message&) {
+        messages().setObserver(nullptr);
+        expectMissingKeys(missing);
+    });
+    QStringList record = sixEmptyTexts;
+    record[0] = QStringLiteral("4711");
+    verifyRead(writeImage(image), record);
+}
+
+void tst_HardwareInfoReader::blockAnywhereInAHugeImage_data()
+{
+    QTest::addColumn<quint32>("address");
+    QTest::newRow("across 2^31") << quint32(0x7FFFFFF0U);
+    QTest::newRow("at 2^31") << quint32(0x80000000U);
+    QTest::newRow("beyond 2^31") << quint32(0x90000001U);
+    QTest::newRow("at the last address, across 2^32") << quint32(0xFFFFFFFFU);
+}
+
+// A sparse file: the gigabytes before the block take no room on the disk.
+void tst_HardwareInfoReader::blockAnywhereInAHugeImage()
+{
+    QFETCH(quint32, address);
+    const QString image =
+        writeImage(EepromImage(boardText).writtenStartAddress(address).bytes().left(36));
+    QFile file(image);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.seek(address));
+    QCOMPARE(file.write(boardText), qint64(boardText.size()));
+    file.close();
+    verifyRead(image, boardRecord);
+}
+
+void tst_HardwareInfoReader::truncatedImage_data()
+{
+    QTest::addColumn<int>("size");
+    const int full = EepromImage(boardText).bytes().size();
+    for (int size = 0; size <= full; ++size) {
+        QTest::addRow("%d of %d bytes", size, full) << size;
+    }
+}
+
+void tst_HardwareInfoReader::truncatedImage()
+{
+    QFETCH(int, size);
+    const QByteArray whole = EepromImage(boardText).bytes();
+    const QString image = writeImage(whole.left(size));
+    if (size == whole.size()) {
+        verifyRead(image, boardRecord);
+        return;
+    }
+    if (size < EepromImage::headerEnd) {
+        expectWarning(shortHeader(qMax(0, size - EepromImage::headerAddress), image));
+    } else {
+        expectWarning(shortBlock(image));
+    }
+    verifyNotRead(image);
+}
+
+void tst_HardwareInfoReader::unreachableBlock_data()
+{
+    QTest::addColumn<quint32>("address");
+    const quint32 end = quint32(EepromImage(boardText).bytes().size());
+    QTest::newRow("one byte too far") << quint32(EepromImage::headerEnd + 1);
+    QTest::newRow("at the end") << end;
+    QTest::newRow("beyond the end") << end + 1;
+    QTest::newRow("2^31 - 1") << quint32(0x7FFFFFFFU);
+    QTest::newRow("2^31") << quint32(0x80000000U);
+    QTest::newRow("2^32 - 1") << quint32(0xFFFFFFFFU);
+}
+
+void tst_HardwareInfoReader::unreachableBlock()
+{
+    QFETCH(quint32, address);
+    const QString image = writeImage(EepromImage(boardText).writtenStartAddress(address).bytes());
+    expectWarning(shortBlock(image));
+    verifyNotRead(image);
+}
+
+void tst_HardwareInfoReader::lengthOfTheBlock_data()
+{
+    QTest::addColumn<quint32>("length");
+    QTest::addColumn<bool>("isAccepted");
+    QTest::newRow("the limit") << 65535U << true;
+    QTest::newRow("one too many") << 65536U << false;
+    QTest::newRow("the limit in the lower half") << 0x1FFFFU << false;
+    QTest::newRow("2^31 - 1") << 0x7FFFFFFFU << false;
+    QTest::newRow("2^31") << 0x80000000U << false;
+    QTest::newRow("2^32 - 1") << 0xFFFFFFFFU << false;
+}
+
+void tst_HardwareInfoReader::lengthOfTheBlock()
+{
+    QFETCH(quint32, length);
+    QFETCH(bool, isAccepted);
+    const int blockSize = int(qMin(length, 70000U));
+    const QByteArray block = boardText + QByteArray(blockSize - boardText.size(), ';');
+    const QString image = writeImage(EepromImage(block).bytesToRead(length).size(80000).bytes());
+    if (isAccepted) {
+        verifyRead(image, boardRecord);
+        return;
+    }
+    expectWarning(tooLong(length, image));
+    verifyNotRead(image);
+}
+
+void tst_HardwareInfoReader::emptyBlock_data()
+{
+    QTest::addColumn<QByteArray>("image");
+    QTest::newRow("header only") << EepromImage(QByteArray()).bytes();
+    QTest::newRow("upper checksum bits")
+        << EepromImage(QByteArray()).upperChecksumBits(0x8001).bytes();
+    QTest::newRow("start address beyond the end")
+        << EepromImage(QByteArray()).writtenStartAddress(0xFFFFFFFFU).bytes();
+    QTest::newRow("nothing but zeros") << QByteArray(256, '\0');
+}
+
+void tst_HardwareInfoReader::emptyBlock()
+{
+    QFETCH(QByteArray, image);
+    expectNoTextInTemporaryFile("Error on writing to temporary file for version data!");
+    verifyRead(writeImage(image), sixEmptyTexts);
+}
+
+void tst_HardwareInfoReader::wrongChecksum_data()
+{
+    QTest::addColumn<QByteArray>("image");
+
+    using Image = EepromImage;
+    const quint16 right = Image::crc(boardText);
+    const auto row = [](const char* name, const Image& image) {
+        QTest::newRow(name) << image.bytes();
+    };
+    row("lowest bit", Image(boardText).checksum(right ^ 0x0001));
+    row("bit 7", Image(boardText).checksum(right ^ 0x0080));
+    row("bit 8", Image(boardText).checksum(right ^ 0x0100));
+    row("highest bit", Image(boardText).checksum(right ^ 0x8000));
+    row("inverted", Image(boardText).checksum(quint16(~right)));
+    row("bytes swapped", Image(boardText).checksum(qbswap(right)));
+    row("right in the upper bits", Image(boardText).checksum(0).upperChecksumBits(right));
+    row("empty block", Image(QByteArray()).checksum(1));
+    row("empty block, highest bit", Image(QByteArray()).checksum(0x8000));
+    row("start address off by one", Image(boardText).writtenStartAddress(35));
+    row("length off by one", Image(boardText).bytesToRead(quint32(boardText.size()) - 1));
+}
+
+void tst_HardwareInfoReader::wrongChecksum()
+{
+    QFETCH(QByteArray, image);
+    const QString file = writeImage(image);
+    expectWarning(invalidChecksum(file));
+    verifyNotRead(file);
+}
+
+void tst_HardwareInfoReader::everyFlippedBitOfTheBlockIsNoticed()
+{
+    for (int bit = 0; bit < 8 * shortText.size(); ++bit) {
+        const QString image = writeImage(
+            EepromImage(shortText).flipBit(EepromImage::headerEnd + bit / 8, bit % 8).bytes());
+        expectWarning(invalidChecksum(image));
+        verifyNotRead(image);
+    }
+}
+
+void tst_HardwareInfoReader::missingFile_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("no such file") << QStringLiteral("none");
+    QTest::newRow("no such folder") << QStringLiteral("none/eeprom");
+    QTest::newRow("a file as folder") << QStringLiteral("file/eeprom");
+}
+
+void tst_HardwareInfoReader::missingFile()
+{
+    QFETCH(QString, name);
+    writeFile(QStringLiteral("file"), "content");
+    messages()
+        .expect(QtDebugMsg,
+                QStringLiteral("Can't find eeprom binary file \"%1\" .").arg(path(name)))
+        .file("HardwareInfoReader")
+        .category("default")
+        .function(readFunction);
+    verifyNotRead(path(name));
+}
+
+void tst_HardwareInfoReader::imageThatCannotBeOpened_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("folder") << QString();
+    // QFile counts the link itself as a file that exists.
+    QTest::newRow("link to nothing") << QStringLiteral("link");
+}
+
+void tst_HardwareInfoReader::imageThatCannotBeOpened()
+{
+    QFETCH(QString, name);
+    QVERIFY(QFile::link(path(QStringLiteral("none")), path(QStringLiteral("link"))));
+    messages()
+        .expect(QtDebugMsg,
+                QStringLiteral("Can't open eeprom binary file \"%1\" .").arg(path(name)))
+        .file("HardwareInfoReader")
+        .category("default")
+        .function(readFunction);
+    verifyNotRead(path(name));
+}
+
+void tst_HardwareInfoReader::imageThatMayNotBeRead()
+{
+    const QString image = writeImage(EepromImage(boardText).bytes());
+    QVERIFY(QFile::setPermissions(image, QFileDevice::Permissions()));
+    // The user may enter the folder, and so sees that the image is there.
+    QVERIFY(QFile::setPermissions(folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                QFileDevice::ExeOwner | QFileDevice::ExeOther));
+    const ChildResult result = ChildProcess::runAsOrdinaryUser([this, &image] {
+        HardwareInfo info = usedRecord();
+        const bool isRead =
+            HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(fileTemplate(), image, info);
+        return !isRead && values(info) == untouched ? 0 : 1;
+    });
+    QVERIFY2(result.exited && result.exitCode == 0, result.output.constData());
+    QCOMPARE(QString::fromLocal8Bit(result.output),
+             QStringLiteral("Can't open eeprom binary file \"%1\" .\n").arg(image));
+}
+
+void tst_HardwareInfoReader::failedSeeksOfAPipe_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("headerBytes");
+
+    const auto header = [](const EepromImage& image) {
+        return image.bytes().mid(EepromImage::headerAddress, EepromImage::headerSize);
+    };
+    // A pipe cannot be positioned: its first bytes are taken for the header, and only the seek to
+    // the block is found to fail.
+    QTest::newRow("whole header") << header(EepromImage(boardText).writtenStartAddress(0x80000001U))
+                                  << 16;
+    QTest::newRow("length over the limit")
+        << header(EepromImage(boardText).writtenStartAddress(0x80000001U).bytesToRead(65536)) << 16;
+    QTest::newRow("header cut short") << QByteArray("seven b") << 7;
+}
+
+void tst_HardwareInfoReader::failedSeeksOfAPipe()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, headerBytes);
+    int ends[2];
+    QCOMPARE(pipe(ends), 0);
+    QCOMPARE(write(ends[1], content.constData(), size_t(content.size())), ssize_t(content.size()));
+    close(ends[1]);
+    const QString image = QStringLiteral("/proc/self/fd/%1").arg(ends[0]);
+    // QFile says of itself that it could not seek; the first such failure has no consequence.
+    const auto expectSeekOfQFile = [this](quint32 address) {
+        messages().expect(QtWarningMsg,
+                          QStringLiteral("QFile::at: Cannot set file position %1").arg(address));
+    };
+    expectSeekOfQFile(EepromImage::headerAddress);
+    if (headerBytes == EepromImage::headerSize) {
+        expectSeekOfQFile(0x80000001U);
+        expectWarning(failedSeek(0x80000001U, image));
+    } else {
+        expectWarning(shortHeader(headerBytes, image));
+    }
+    verifyNotRead(image);
+    close(ends[0]);
+}
+
+void tst_HardwareInfoReader::firstFailingCheckIsReported_data()
+{
+    QTest::addColumn<QByteArray>("image");
+    QTest::addColumn<QString>("message"); // of the image %1
+
+    using Image = EepromImage;
+    const QString file = QStringLiteral("%1");
+    const QByteArray wrong = Image(boardText).checksum(0).bytes();
+    QTest::newRow("header short before all else")
+        << Image(boardText).bytesToRead(0xFFFFFFFFU).checksum(0).bytes().left(35)
+        << shortHeader(15, file);
+    QTest::newRow("length over the limit before block short")
+        << Image(boardText).bytesToRead(65536).writtenStartAddress(0xFFFFFFFFU).bytes()
+        << tooLong(65536, file);
+    QTest::newRow("length over the limit before wrong checksum")
+        << Image(QByteArray(65536, ';')).checksum(0).bytes() << tooLong(65536, file);
+    QTest::newRow("block short before wrong checksum")
+        << wrong.left(wrong.size() - 1) << shortBlock(file);
+}
+
+void tst_HardwareInfoReader::firstFailingCheckIsReported()
+{
+    QFETCH(QByteArray, image);
+    QFETCH(QString, message);
+    const QString file = writeImage(image);
+    expectWarning(message.arg(file));
+    verifyNotRead(file);
+}
+
+void tst_HardwareInfoReader::asksForHeaderAndBlockOnly_data()
+{
+    QTest::addColumn<QByteArray>("image");
+    QTest::addColumn<QVector<Read>>("expected");
+
+    using Image = EepromImage;
+    const auto row = [](const char* name, const QByteArray& image, const QVector<Read>& expected) {
+        QTest::newRow(name) << image << expected;
+    };
+    const Read header = {20, 16};
+    const int textSize = boardText.size();
+    row("sound", Image(boardText).startAddress(4096).size(65536).bytes(),
+        {header, {4096, textSize}});
+    row("block of the greatest length",
+        Image(QByteArray(65535, ';')).checksum(1).size(80000).bytes(), {header, {36, 65535}});
+    row("empty block", Image(QByteArray()).checksum(1).size(65536).bytes(), {header});
+    row("length over the limit", Image(boardText).bytesToRead(65536).size(80000).bytes(), {header});
+    // What is left is asked for again until the file says that it ends.
+    row("header cut short", Image(boardText).bytes().left(30), {header, {30, 6}});
+    row("block cut short", Image(boardText).bytes().left(40),
+        {header, {36, textSize}, {40, textSize - 4}});
+}
+
+// An EEPROM's bus is slow: each byte that is read ahead costs a tenth of a millisecond.
+void tst_HardwareInfoReader::asksForHeaderAndBlockOnly()
+{
+    QFETCH(QByteArray, image);
+    QFETCH(QVector<Read>, expected);
+    const QString file = writeImage(image);
+    HardwareInfo info;
+    const ReadLog log(file);
+    HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(path(QStringLiteral("hwinfo.XXXXXX")),
+                                                          file, info);
+    // What is logged is the matter of other tests.
+    messages().take();
+    QCOMPARE(log.reads().size(), expected.size());
+    for (int i = 0; i < expected.size(); ++i) {
+        QCOMPARE(log.reads().at(i).offset, expected.at(i).offset);
+        QCOMPARE(log.reads().at(i).size, expected.at(i).size);
+    }
+}
+
+void tst_HardwareInfoReader::keysAreReadInOrder()
+{
+    messages().setObserver([this](const Message&) {
+        messages().setObserver(nullptr);
+        expectMissingKeys(keysInReadOrder);
+    });
+    verifyRead(writeImage(EepromImage("[Board]\n" + boardText).bytes()), sixEmptyTexts);
+}
+
+void tst_HardwareInfoReader::temporaryFileLivesForTheParseOnly()
+{
+    const QByteArray text = "Comment=no more\r\n; and \xFF not \xC3\xA9 changed";
+    QStringList contents;
+    messages().setObserver([this, &contents](const Message&) {
+        for (const QString& file : temporaryFiles()) {
+            contents.append(QString::fromLatin1(readFile(path(QStringLiteral("tmp/") + file))));
+        }
+        if (contents.size() == 1) {
+            QVERIFY(temporaryFiles().first().startsWith(QStringLiteral("hwinfo.")));
+            expectMissingKeys(keysInReadOrder);
+        }
+    });
+    QStringList record = sixEmptyTexts;
+    record[5] = QStringLiteral("no more");
+    verifyRead(writeImage(EepromImage(text).bytes()), record);
+    // One file at each of the messages.
+    QStringList expected;
+    for (int i = 0; i < keysInReadOrder.size(); ++i) {
+        expected.append(QString::fromLatin1(text));
+    }
+    QCOMPARE(contents, expected);
+}
+
+// The block is sound, and so the read is, though nothing came of it.
+void tst_HardwareInfoReader::unusableTemporaryFile()
+{
+    expectNoTextInTemporaryFile("Can't open temporary file for version data!");
+    HardwareInfo info = usedRecord();
+    QVERIFY(HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(
+        path(QStringLiteral("none/hwinfo.XXXXXX")), writeImage(EepromImage(boardText).bytes()),
+        info));
+    QCOMPARE(values(info), sixEmptyTexts);
+}
+
+void tst_HardwareInfoReader::oneReaderReadsManyTimes()
+{
+    HardwareInfoReader reader(nullptr);
+    HardwareInfo info;
+    for (int i = 0; i < 20; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        QByteArray text = boardText;
+        text.replace("4711", number);
+        const QString image = writeImage(EepromImage(text).bytes());
+        QVERIFY(reader.readHardwareInfoFromSysFs(path(QStringLiteral("hwinfo")), image, info));
+        QCOMPARE(info.type(), QString::fromLatin1(number));
+
+        const QString damaged = writeImage(EepromImage(text).flipBit(40, 0).bytes());
+        expectWarning(invalidChecksum(damaged));
+        QVERIFY(!reader.readHardwareInfoFromSysFs(path(QStringLiteral("hwinfo")), damaged, info));
+        QCOMPARE(info.type(), QString::fromLatin1(number));
+    }
+}
+
+void tst_HardwareInfoReader::readersOnSeveralThreads()
+{
+    constexpr int threadCount = 4;
+    constexpr int readsPerThread = 25;
+    QDir(folder()).mkdir(QStringLiteral("tmp"));
+    QAtomicInt goodReads;
+    std::vector<std::unique_ptr<QThread>> threads;
+    for (int i = 0; i < threadCount; ++i) {
+        QByteArray text = boardText;
+        text.replace("4711", QByteArray::number(i));
+        const QString image = writeFile(QString::number(i), EepromImage(text).bytes());
+        threads.emplace_back(QThread::create([this, image, i, &goodReads] {
+            HardwareInfoReader reader(nullptr);
+            for (int read = 0; read < readsPerThread; ++read) {
+                HardwareInfo info;
+                if (reader.readHardwareInfoFromSysFs(fileTemplate(), image, info) &&
+                    info.type() == QString::number(i) &&
+                    info.Comment() == boardRecord.constLast()) {
+                    goodReads.ref();
+                }
+            }
+        }));
+        threads.back()->start();
+    }
+    for (const auto& thread : threads) {
+        QVERIFY(thread->wait());
+    }
+    QCOMPARE(goodReads.loadAcquire(), threadCount * readsPerThread);
+    QCOMPARE(temporaryFiles(), QStringList());
+}
+
+void tst_HardwareInfoReader::data2HwInfoFillsTheRecord()
+{
+    HardwareInfo info = usedRecord();
+    HardwareInfoReader(nullptr).data2HwInfo(boardText, path(QStringLiteral("hwinfo")), info);
+    QCOMPARE(values(info), boardRecord);
+
+    expectNoTextInTemporaryFile("Error on writing to temporary file for version data!");
+    HardwareInfoReader(nullptr).data2HwInfo(QByteArray(), path(QStringLiteral("hwinfo")), info);
+    QCOMPARE(values(info), sixEmptyTexts);
+}
+
+void tst_HardwareInfoReader::bytes2Uint32_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<quint32>("number");
+
+    const auto row = [](const char* hex, quint32 number) {
+        QTest::newRow(*hex == '\0' ? "nothing" : hex) << QByteArray::fromHex(hex) << number;
+    };
+    row("", 0);
+    row("12", 0);
+    row("1234", 0x3412);
+    row("123456", 0x3412);
+    row("12345678", 0x78563412);
+    row("123456789a", 0x78563412);
+    row("ff", 0);
+    row("ffff", 0xFFFF);
+    row("ffffff", 0xFFFF);
+    row("ffffffff", 0xFFFFFFFFU);
+    row("00800000", 0x8000);
+    row("ff7f0000", 0x7FFF);
+    row("ffff0000", 0xFFFF);
+    row("00000080", 0x80000000U);
+    row("0000ff7f", 0x7FFF0000);
+    row("00800080", 0x80008000U);
+    row("01000000", 1);
+    row("00010000", 0x100);
+    row("00000100", 0x10000);
+    row("00000001", 0x1000000);
+}
+
+void tst_HardwareInfoReader::bytes2Uint32()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(quint32, number);
+    QCOMPARE(HardwareInfoReader(nullptr).bytes2Uint32(bytes), number);
+}
+
+void tst_HardwareInfoReader::crcTableIsThatOfThePolynomial()
+{
+    for (int i = 0; i < 256; ++i) {
+        QCOMPARE(HardwareInfoReader::sm_CrcLookupTable[i],
+                 EepromImage::crc(QByteArray(1, char(i))));
+    }
+    QCOMPARE(HardwareInfoReader::sm_CrcLookupTable[1], quint16(0x1021));
+    QCOMPARE(HardwareInfoReader::sm_CrcLookupTable[2], quint16(0x2042));
+    QCOMPARE(HardwareInfoReader::sm_CrcLookupTable[255], quint16(0x1EF0));
+}
+
+void tst_HardwareInfoReader::crcVectors_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<quint16>("crc");
+
+    QByteArray allBytes;
+    for (int i = 0; i < 256; ++i) {
+        allBytes.append(char(i));
+    }
+    const auto row = [](const char* name, const QByteArray& data, int crc) {
+        QTest::newRow(name) << data << quint16(crc);
+    };
+    // As crc_hqx() of Python's binascii module has them.
+    row("nothing", QByteArray(), 0x0000);
+    row("check value", "123456789", 0x31C3);
+    row("one letter", "A", 0x58E5);
+    row("256 letters", QByteArray(256, 'A'), 0xABE3);
+    row("one zero", QByteArray(1, '\0'), 0x0000);
+    row("16 zeros", QByteArray(16, '\0'), 0x0000);
+    row("one 0xFF", "\xFF", 0x1EF0);
+    row("two 0xFF", "\xFF\xFF", 0x1D0F);
+    row("every byte", allBytes, 0x7E55);
+    row("sentence", "The quick brown fox jumps over the lazy dog", 0xF0C8);
+    row("own checksum behind", "123456789\x31\xC3", 0x0000);
+}
+
+void tst_HardwareInfoReader::crcVectors()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(quint16, crc);
+    QCOMPARE(libraryCrc(data), crc);
+    QCOMPARE(EepromImage::crc(data), crc);
+}
+
+void tst_HardwareInfoReader::crcOfRandomBlocks()
+{
+    for (int size = 0; size < 300; ++size) {
+        const QByteArray data = randomBytes(size);
+        QVERIFY2(libraryCrc(data) == EepromImage::crc(data), data.toHex().constData());
+    }
+    const QByteArray longest = randomBytes(65535);
+    QCOMPARE(libraryCrc(longest), EepromImage::crc(longest));
+}
+
+void tst_HardwareInfoReader::crcOfNothingNeedsNoData()
+{
+    HardwareInfoReader reader(nullptr);
+    QCOMPARE(reader.checksumXModemCRC(nullptr, 0), quint16(0));
+    QCOMPARE(reader.checksumXModemCRC("A", 0), quint16(0));
+    // No more than the length is looked at.
+    QCOMPARE(reader.checksumXModemCRC("AB", 1), quint16(0x58E5));
+}
+
+void tst_HardwareInfoReader::isAPlainQObject()
+{
+    std::unique_ptr<QObject> parent(new QObject);
+    const QPointer<HardwareInfoReader> reader(new HardwareInfoReader(parent.get()));
+    QCOMPARE(reader->parent(), parent.get());
+    QCOMPARE(HardwareInfoReader(nullptr).parent(), nullptr);
+
+    const QMetaObject* metaObject = reader->metaObject();
+    QCOMPARE(metaObject, &HardwareInfoReader::staticMetaObject);
+    QCOMPARE(metaObject->superClass(), &QObject::staticMetaObject);
+    QCOMPARE(metaObject->className(), "HardwareInfoReader");
+    QCOMPARE(metaObject->methodCount(), QObject::staticMetaObject.methodCount());
+    QCOMPARE(metaObject->propertyCount(), QObject::staticMetaObject.propertyCount());
+    QCOMPARE(metaObject->enumeratorCount(), QObject::staticMetaObject.enumeratorCount());
+    QCOMPARE(metaObject->classInfoCount(), 0);
+    QCOMPARE(metaObject->constructorCount(), 0);
+    QCOMPARE(reader->qt_metacast("HardwareInfoReader"), static_cast<void*>(reader.data()));
+    QCOMPARE(reader->qt_metacast("QObject"), static_cast<void*>(reader.data()));
+    QCOMPARE(reader->qt_metacast("HardwareInfo"), nullptr);
+    QVERIFY(reader->inherits("HardwareInfoReader"));
+    QVERIFY(reader->inherits("QObject"));
+    // What QObject does not take itself is left for nobody.
+    const int firstOwn = QObject::staticMetaObject.methodCount();
+    QCOMPARE(reader->qt_metacall(QMetaObject::InvokeMetaMethod, firstOwn + 3, nullptr), 3);
+
+    parent.reset();
+    QVERIFY(reader.isNull());
+}
+
+void tst_HardwareInfoReader::fieldsLieInTheirOrder()
+{
+    static_assert(std::has_virtual_destructor<HardwareInfoReader>::value, "a QObject");
+    static_assert(sizeof(HardwareInfoReader) == sizeof(QObject) + 10 * sizeof(int),
+                  "a fixed layout");
+    const HardwareInfoReader reader(nullptr);
+    int numbers[10];
+    memcpy(numbers, reinterpret_cast<const char*>(&reader) + sizeof(QObject), sizeof numbers);
+    const QVector<int> expected = {20, 16, 0, 4, 4, 4, 8, 4, 12, 4};
+    QCOMPARE(QVector<int>(std::begin(numbers), std::end(numbers)), expected);
+}
+
+QTEST_GUILESS_MAIN(tst_HardwareInfoReader)
+#include "tst_HardwareInfoReader.moc"
