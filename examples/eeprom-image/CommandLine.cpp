@@ -1,0 +1,107 @@
+#include "CommandLine.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QTextStream>
+
+#include <cstdio>
+
+namespace {
+
+constexpr char help[] =
+    R"(Writes and reads EEPROM images that hold the hardware record of a board.
+
+Usage:
+  eeprom-image create [--start ADDRESS] [--size BYTES] [--fill BYTE] [--allow-overlap]
+                      INI-FILE IMAGE
+  eeprom-image show [--verbose] IMAGE
+  eeprom-image --help | --version
+
+create  writes IMAGE, which holds the text of INI-FILE as its block, a header that points at the
+        block, and the checksum. Numbers are decimal, or hexadecimal after 0x.
+  --start ADDRESS   where the block starts; 36, right after the header, when not given
+  --size BYTES      the size of the image; as small as can be when not given
+  --fill BYTE       what stands where nothing else does; 0xFF when not given
+  --allow-overlap   write even a block that overlaps the header; the header's bytes win. A block
+                    over its own checksum (bytes 32 and 33) is refused all the same.
+
+show    prints the record of IMAGE, which may be the file that the kernel shows for the EEPROM
+        of this machine. Only the folder for temporary files must be writable.
+  --verbose         show on standard error what the library logs
+
+Exit codes:
+   0  done; the image is sound
+   1  wrong usage
+create:
+   2  INI-FILE cannot be read
+   3  the layout is refused: block too long, image too small or too large, header overlapped
+   4  IMAGE cannot be written
+show:
+  10  there is no such image
+  11  the image cannot be opened
+  12  the header is cut short
+  13  the start address cannot be reached
+  14  the length is over the limit of 65535 bytes
+  15  the block is cut short
+  16  the checksum is wrong
+  17  the block is empty
+  18  the block is sound but could not be parsed
+  19  any other failure
+)";
+
+void write(FILE* file, const QString& text)
+{
+    QTextStream(file) << text;
+}
+
+} // namespace
+
+void print(const QString& line)
+{
+    write(stdout, line + QLatin1Char('\n'));
+}
+
+void printError(const QString& line)
+{
+    write(stderr, QStringLiteral("eeprom-image: ") + line + QLatin1Char('\n'));
+}
+
+ExitCode printHelp()
+{
+    write(stdout, QString::fromLatin1(help));
+    return ExitCode::Done;
+}
+
+ExitCode printVersion()
+{
+    print(QStringLiteral("eeprom-image " EEPROM_IMAGE_VERSION));
+    return ExitCode::Done;
+}
+
+ExitCode refuseUsage(const QString& reason)
+{
+    printError(reason);
+    printError(QStringLiteral("try 'eeprom-image --help'"));
+    return ExitCode::WrongUsage;
+}
+
+std::optional<ExitCode> parseArguments(QCommandLineParser& parser, const QStringList& arguments,
+                                       int fileCount)
+{
+    const QCommandLineOption helpOption = parser.addHelpOption();
+    const QCommandLineOption versionOption = parser.addVersionOption();
+    if (!parser.parse(arguments)) {
+        return refuseUsage(parser.errorText());
+    }
+    if (parser.isSet(helpOption)) {
+        return printHelp();
+    }
+    if (parser.isSet(versionOption)) {
+        return printVersion();
+    }
+    if (parser.positionalArguments().size() != fileCount) {
+        return refuseUsage(QStringLiteral("this command needs %1 file name(s), not %2")
+                               .arg(fileCount)
+                               .arg(parser.positionalArguments().size()));
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,207 @@
+#include "CreateCommand.h"
+
+#include "CommandLine.h"
+#include "HardwareInfoReader.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QFile>
+#include <QtCore/QSaveFile>
+#include <QtCore/QtEndian>
+
+namespace {
+
+constexpr qint64 headerAddress = 20;
+constexpr qint64 startAddressField = 24;
+constexpr qint64 lengthField = 28;
+constexpr qint64 checksumField = 32;
+constexpr qint64 headerEnd = 36;
+constexpr qint64 checksumSize = 2; // the field's other two bytes are not evaluated
+constexpr qint64 maxBlockSize = 65535;
+// Far above any EEPROM; a slip of the finger must not fill the disk.
+constexpr qint64 maxImageSize = 16 * 1024 * 1024;
+
+struct Layout
+{
+    qint64 start = headerEnd;
+    std::optional<qint64> size;
+    qint64 fill = 0xFF;
+    bool mayOverlap = false;
+};
+
+struct Options
+{
+    const QCommandLineOption start{QStringLiteral("start"), QString(), QStringLiteral("ADDRESS")};
+    const QCommandLineOption size{QStringLiteral("size"), QString(), QStringLiteral("BYTES")};
+    const QCommandLineOption fill{QStringLiteral("fill"), QString(), QStringLiteral("BYTE")};
+    const QCommandLineOption allowOverlap{QStringLiteral("allow-overlap")};
+};
+
+std::optional<qint64> parseNumber(const QString& text, qint64 max)
+{
+    const bool isHexadecimal = text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive);
+    bool ok = false;
+    const qint64 number = text.toLongLong(&ok, isHexadecimal ? 16 : 10);
+    if (!ok || number < 0 || number > max) {
+        return std::nullopt;
+    }
+    return number;
+}
+
+// Gives the exit code when an option's number is none, or out of its range.
+std::optional<ExitCode> parseLayout(const QCommandLineParser& parser, const Options& options,
+                                    Layout& layout)
+{
+    std::optional<qint64> start = layout.start;
+    std::optional<qint64> fill = layout.fill;
+    const struct
+    {
+        const QCommandLineOption& option;
+        qint64 max;
+        std::optional<qint64>& number;
+    } numbers[] = {{options.start, 0xFFFFFFFF, start},
+                   {options.size, 0xFFFFFFFF, layout.size},
+                   {options.fill, 0xFF, fill}};
+    for (const auto& [option, max, number] : numbers) {
+        if (!parser.isSet(option)) {
+            continue;
+        }
+        number = parseNumber(parser.value(option), max);
+        if (!number) {
+            return refuseUsage(
+                QStringLiteral("--%1 must be a number from 0 to %2, not '%3'")
+                    .arg(option.names().constFirst(), QString::number(max), parser.value(option)));
+        }
+    }
+    layout.start = *start;
+    layout.fill = *fill;
+    layout.mayOverlap = parser.isSet(options.allowOverlap);
+    return std::nullopt;
+}
+
+std::optional<QByteArray> readText(const QString& filePath)
+{
+    QFile file(filePath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        printError(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
+        return std::nullopt;
+    }
+    // One byte over the limit is enough to know that it is exceeded.
+    return file.read(maxBlockSize + 1);
+}
+
+qint64 smallestSize(const Layout& layout, const QByteArray& block)
+{
+    return qMax(headerEnd, layout.start + block.size());
+}
+
+bool blockOverlaps(const Layout& layout, const QByteArray& block, qint64 begin, qint64 end)
+{
+    return layout.start < end && layout.start + block.size() > begin && !block.isEmpty();
+}
+
+// Why there cannot be such an image; empty when there can.
+QString objection(const Layout& layout, const QByteArray& block)
+{
+    if (block.size() > maxBlockSize) {
+        return QStringLiteral("the text is longer than the %1 bytes that a block may have")
+            .arg(maxBlockSize);
+    }
+    if (blockOverlaps(layout, block, checksumField, checksumField + checksumSize)) {
+        return QStringLiteral("the block would cover its own checksum (bytes 32 and 33)");
+    }
+    if (!layout.mayOverlap && blockOverlaps(layout, block, headerAddress, headerEnd)) {
+        return QStringLiteral("the block would overlap the header (bytes 20 to 35); to write it "
+                              "nevertheless, give --allow-overlap");
+    }
+    const qint64 needed = smallestSize(layout, block);
+    const qint64 size = layout.size.value_or(needed);
+    if (size < needed) {
+        return QStringLiteral("an image of %1 bytes is too small; this one needs %2")
+            .arg(size)
+            .arg(needed);
+    }
+    if (size > maxImageSize) {
+        return QStringLiteral("an image of %1 bytes is too large; the limit is %2")
+            .arg(size)
+            .arg(maxImageSize);
+    }
+    return QString();
+}
+
+quint16 checksumOf(const QByteArray& block)
+{
+    return HardwareInfoReader(nullptr).checksumXModemCRC(block.constData(), uint(block.size()));
+}
+
+QByteArray buildImage(const Layout& layout, const QByteArray& block)
+{
+    const qint64 size = layout.size.value_or(smallestSize(layout, block));
+    QByteArray image(int(size), char(layout.fill));
+    const auto putWord = [&image](qint64 address, quint32 word) {
+        qToLittleEndian(word, image.data() + address);
+    };
+    image.replace(int(layout.start), block.size(), block);
+    putWord(headerAddress, 0);
+    putWord(startAddressField, quint32(layout.start));
+    putWord(lengthField, quint32(block.size()));
+    putWord(checksumField, 0);
+    // Of the bytes as they lie in the image: the header may have replaced some of the text.
+    putWord(checksumField, checksumOf(image.mid(int(layout.start), block.size())));
+    return image;
+}
+
+// All or nothing: an image of that name is replaced only when the new one is written whole.
+bool writeImage(const QString& filePath, const QByteArray& image)
+{
+    QSaveFile file(filePath);
+    if (!file.open(QIODevice::WriteOnly) || file.write(image) != image.size() || !file.commit()) {
+        printError(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
+        return false;
+    }
+    return true;
+}
+
+void report(const QString& filePath, const Layout& layout, const QByteArray& block,
+            const QByteArray& image)
+{
+    const quint16 checksum = qFromLittleEndian<quint16>(image.constData() + checksumField);
+    print(QStringLiteral("%1: %2 bytes written").arg(filePath, QString::number(image.size())));
+    print(QStringLiteral("  block     %1 bytes from address %2 (0x%3)")
+              .arg(block.size())
+              .arg(layout.start)
+              .arg(layout.start, 0, 16));
+    print(QStringLiteral("  checksum  0x%1").arg(checksum, 4, 16, QLatin1Char('0')));
+}
+
+} // namespace
+
+ExitCode createImage(const QStringList& arguments)
+{
+    const Options options;
+    QCommandLineParser parser;
+    parser.addOptions({options.start, options.size, options.fill, options.allowOverlap});
+    if (const auto exitCode = parseArguments(parser, arguments, 2)) {
+        return *exitCode;
+    }
+    Layout layout;
+    if (const auto exitCode = parseLayout(parser, options, layout)) {
+        return *exitCode;
+    }
+
+    const QStringList files = parser.positionalArguments();
+    const auto block = readText(files.at(0));
+    if (!block) {
+        return ExitCode::CannotReadText;
+    }
+    const QString reason = objection(layout, *block);
+    if (!reason.isEmpty()) {
+        printError(QStringLiteral("%1: %2").arg(files.at(1), reason));
+        return ExitCode::LayoutRefused;
+    }
+    const QByteArray image = buildImage(layout, *block);
+    if (!writeImage(files.at(1), image)) {
+        return ExitCode::CannotWriteImage;
+    }
+    report(files.at(1), layout, *block, image);
+    return ExitCode::Done;
+}

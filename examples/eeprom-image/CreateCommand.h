@@ -1,0 +1,11 @@
+#ifndef CREATECOMMAND_H
+#define CREATECOMMAND_H
+
+#include "ExitCode.h"
+
+#include <QtCore/QStringList>
+
+// Writes an image; see the help.
+ExitCode createImage(const QStringList& arguments);
+
+#endif

@@ -1,0 +1,24 @@
+#ifndef EXITCODE_H
+#define EXITCODE_H
+
+// What the program tells a script; the numbers stand in its help and must not change.
+enum class ExitCode
+{
+    Done = 0,
+    WrongUsage = 1,
+    CannotReadText = 2,
+    LayoutRefused = 3,
+    CannotWriteImage = 4,
+    NoSuchImage = 10,
+    CannotOpenImage = 11,
+    HeaderShort = 12,
+    StartAddressUnreachable = 13,
+    LengthOverLimit = 14,
+    BlockShort = 15,
+    ChecksumWrong = 16,
+    BlockEmpty = 17,
+    CannotParseBlock = 18,
+    UnknownFailure = 19
+};
+
+#endif

@@ -1,0 +1,162 @@
+#include "ShowCommand.h"
+
+#include "CommandLine.h"
+#include "HardwareInfo.h"
+#include "HardwareInfoReader.h"
+#include "LibraryMessages.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QDir>
+
+namespace {
+
+// How the library's message begins, and what it means to the person at the bench. The first that
+// fits counts.
+struct Failure
+{
+    const char* message;
+    ExitCode exitCode;
+    const char* meaning;
+};
+
+constexpr Failure failures[] = {
+    {"Can't find eeprom binary file", ExitCode::NoSuchImage, "there is no such file"},
+    {"Can't open eeprom binary file", ExitCode::CannotOpenImage,
+     "the file cannot be opened: it may not be read, or it is a folder"},
+    {"Number of INI header bytes is", ExitCode::HeaderShort,
+     "the header is cut short: the image ends before byte 36"},
+    {"Seek to start addr", ExitCode::StartAddressUnreachable,
+     "the start address of the block cannot be reached: the file is a pipe or a device that "
+     "cannot be positioned"},
+    {"Max. number of bytes for INI file exceeded (bytesToRead field = 4294967295 ,",
+     ExitCode::LengthOverLimit,
+     "the header gives no length, all its bits are set: the EEPROM seems to be erased and was "
+     "never written"},
+    {"Max. number of bytes for INI file exceeded", ExitCode::LengthOverLimit,
+     "the header gives the block a length over the limit of 65535 bytes: the header is damaged"},
+    {"Number of INI file bytes is", ExitCode::BlockShort,
+     "the block is cut short: the image ends before it, or the header is damaged"},
+    {"Invalid checksum for INI block", ExitCode::ChecksumWrong,
+     "the checksum is wrong: the block or the header was changed or damaged"},
+    {"Error on writing to temporary file", ExitCode::BlockEmpty,
+     "the block is empty, its length is 0: the image holds no record (an EEPROM full of zeros "
+     "looks like this)"},
+    {"Can't open temporary file", ExitCode::CannotParseBlock,
+     "the block is sound, but no temporary file could be made to parse it"},
+    {"Can't create 'IniFileManager' object!", ExitCode::CannotParseBlock,
+     "the block is sound, but there is not enough memory to parse it"},
+};
+
+struct Field
+{
+    const char* label;
+    const char* key;
+    QString (HardwareInfo::*value)() const;
+    bool isOptional; // the library does not tell a missing one from an empty one
+};
+
+constexpr Field fields[] = {
+    {"Type", "Type", &HardwareInfo::type, false},
+    {"Type name", "TypeName", &HardwareInfo::typeName, false},
+    {"Version", "Version", &HardwareInfo::hwVersion, false},
+    {"Compatibility index", "CompatibilityIndex", &HardwareInfo::hwCompIndex, false},
+    {"LP-ID", "LP-ID", &HardwareInfo::lpId, false},
+    {"Comment", "Comment", &HardwareInfo::Comment, true},
+};
+
+const Failure* findFailure(const LibraryMessages& messages)
+{
+    for (const Failure& failure : failures) {
+        if (messages.anyStartsWith(QString::fromLatin1(failure.message))) {
+            return &failure;
+        }
+    }
+    return nullptr;
+}
+
+// A terminal obeys control characters; those of an unknown board are shown instead.
+QString printable(const QString& text)
+{
+    QString result;
+    for (const QChar character : text) {
+        if (character.isPrint()) {
+            result.append(character);
+        } else {
+            result.append(
+                QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0')));
+        }
+    }
+    return result;
+}
+
+bool isMissing(const Field& field, const LibraryMessages& messages)
+{
+    return messages.anyContains(
+        QStringLiteral("Key \"%1\" not found in Group").arg(QLatin1String(field.key)));
+}
+
+QString shownValue(const Field& field, const HardwareInfo& info, const LibraryMessages& messages)
+{
+    const QString value = (info.*field.value)();
+    if (!value.isEmpty()) {
+        return printable(value);
+    }
+    if (isMissing(field, messages)) {
+        return QStringLiteral("(missing)");
+    }
+    return field.isOptional ? QStringLiteral("(none)")
+                            : QStringLiteral("(empty: no value, or a comma outside of quotes)");
+}
+
+void printRecord(const HardwareInfo& info, const LibraryMessages& messages)
+{
+    bool isAnyFound = false;
+    for (const Field& field : fields) {
+        print(QStringLiteral("  %1  %2")
+                  .arg(QLatin1String(field.label), -19)
+                  .arg(shownValue(field, info, messages)));
+        isAnyFound = isAnyFound || !(field.isOptional || isMissing(field, messages));
+    }
+    if (!isAnyFound) {
+        print(QStringLiteral("None of the keys was found: they must stand before any [section], "
+                             "and the temporary folder must have room."));
+    }
+}
+
+ExitCode fail(const QString& filePath, ExitCode exitCode, const QString& meaning)
+{
+    printError(QStringLiteral("%1: %2").arg(filePath, meaning));
+    return exitCode;
+}
+
+ExitCode showRecord(const QString& filePath, bool isVerbose)
+{
+    const LibraryMessages messages(isVerbose);
+    HardwareInfo info;
+    HardwareInfoReader reader(nullptr);
+    const QString tempFileTemplate = QDir::temp().filePath(QStringLiteral("eeprom-image.XXXXXX"));
+    const bool isRead = reader.readHardwareInfoFromSysFs(tempFileTemplate, filePath, info);
+    if (const Failure* failure = findFailure(messages)) {
+        return fail(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
+    }
+    if (!isRead) {
+        return fail(filePath, ExitCode::UnknownFailure,
+                    QStringLiteral("the library refuses the image; --verbose shows why"));
+    }
+    print(QStringLiteral("%1: the image is sound").arg(filePath));
+    printRecord(info, messages);
+    return ExitCode::Done;
+}
+
+} // namespace
+
+ExitCode showImage(const QStringList& arguments)
+{
+    const QCommandLineOption verbose(QStringLiteral("verbose"));
+    QCommandLineParser parser;
+    parser.addOption(verbose);
+    if (const auto exitCode = parseArguments(parser, arguments, 1)) {
+        return *exitCode;
+    }
+    return showRecord(parser.positionalArguments().constFirst(), parser.isSet(verbose));
+}

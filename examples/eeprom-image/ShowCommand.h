@@ -1,0 +1,11 @@
+#ifndef SHOWCOMMAND_H
+#define SHOWCOMMAND_H
+
+#include "ExitCode.h"
+
+#include <QtCore/QStringList>
+
+// Prints the record of an image; see the help.
+ExitCode showImage(const QStringList& arguments);
+
+#endif

@@ -1,0 +1,463 @@
+#include "EepromImage.h"
+#include "TestCase.h"
+
+#include <QtCore/QProcess>
+
+#include <unistd.h>
+
+namespace {
+
+const QByteArray boardText = "Type=4711\n"
+                             "TypeName=Sample board\n"
+                             "Version=2.1\n"
+                             "CompatibilityIndex=3\n"
+                             "LP-ID=LP-000815\n"
+                             "Comment=Made up\n";
+const QString boardRecord = QStringLiteral("eeprom: the image is sound\n"
+                                           "  Type                 4711\n"
+                                           "  Type name            Sample board\n"
+                                           "  Version              2.1\n"
+                                           "  Compatibility index  3\n"
+                                           "  LP-ID                LP-000815\n"
+                                           "  Comment              Made up\n");
+
+const QString hint = QStringLiteral("eeprom-image: try 'eeprom-image --help'\n");
+
+// What a run of the program leaves behind.
+struct Run
+{
+    int exitCode;
+    QString output;
+    QString errors;
+};
+
+} // namespace
+
+// The example program at the bench: what it says of each image, and the images that it writes.
+class tst_EepromImageProgram : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sampleBoardIsWrittenAndShown();
+    void usage_data();
+    void usage();
+    void helpAndVersion();
+    void everyExitCodeStandsInTheHelp();
+    void showsSoundImages_data();
+    void showsSoundImages();
+    void namesEachKindOfDamage_data();
+    void namesEachKindOfDamage();
+    void namesAnUnreachableStartAddress();
+    void namesAnUnusableTemporaryFolder();
+    void noticesEveryFlippedBit();
+    void verboseShowsWhatTheLibraryLogs();
+    void showLeavesNothingBehind();
+    void createsTheLayoutAskedFor_data();
+    void createsTheLayoutAskedFor();
+    void refusesLayouts_data();
+    void refusesLayouts();
+    void failedCreateKeepsTheOldImage_data();
+    void failedCreateKeepsTheOldImage();
+
+private:
+    Run run(const QStringList& arguments) const { return run(arguments, folder()); }
+    Run run(const QStringList& arguments, const QString& temporaryFolder) const;
+    void verifyRun(const Run& actual, int exitCode, const QString& output, const QString& errors);
+    void verifyShown(const QByteArray& image, int exitCode, const QString& output,
+                     const QString& errors);
+};
+
+// In the row's folder, so that plain file names do.
+Run tst_EepromImageProgram::run(const QStringList& arguments, const QString& temporaryFolder) const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    environment.insert(QStringLiteral("TMPDIR"), temporaryFolder);
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(folder());
+    process.start(QStringLiteral(EEPROM_IMAGE_PROGRAM), arguments);
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit) {
+        return {-1, QString(), process.errorString()};
+    }
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+void tst_EepromImageProgram::verifyRun(const Run& actual, int exitCode, const QString& output,
+                                       const QString& errors)
+{
+    QCOMPARE(actual.errors, errors);
+    QCOMPARE(actual.output, output);
+    QCOMPARE(actual.exitCode, exitCode);
+}
+
+void tst_EepromImageProgram::verifyShown(const QByteArray& image, int exitCode,
+                                         const QString& output, const QString& errors)
+{
+    writeFile(QStringLiteral("eeprom"), image);
+    verifyRun(run({QStringLiteral("show"), QStringLiteral("eeprom")}), exitCode, output, errors);
+}
+
+void tst_EepromImageProgram::sampleBoardIsWrittenAndShown()
+{
+    const QByteArray text = readFile(QStringLiteral(SAMPLE_BOARD));
+    QVERIFY(!text.isEmpty());
+    const QByteArray image = EepromImage(text).bytes();
+    verifyRun(
+        run({QStringLiteral("create"), QStringLiteral(SAMPLE_BOARD), QStringLiteral("eeprom")}), 0,
+        QStringLiteral("eeprom: %1 bytes written\n"
+                       "  block     %2 bytes from address 36 (0x24)\n"
+                       "  checksum  0x%3\n")
+            .arg(image.size())
+            .arg(text.size())
+            .arg(EepromImage::crc(text), 4, 16, QLatin1Char('0')),
+        QString());
+    QCOMPARE(readFile(path(QStringLiteral("eeprom"))), image);
+
+    QString record = boardRecord;
+    record.replace(QStringLiteral("Made up"), QStringLiteral("Made up, for this example"));
+    verifyShown(image, 0, record, QString());
+}
+
+void tst_EepromImageProgram::usage_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char* name, const char* arguments, const char* error) {
+        QTest::newRow(name) << QString::fromLatin1(arguments)
+                            << QStringLiteral("eeprom-image: %1\n").arg(QLatin1String(error)) +
+                                   hint;
+    };
+    row("nothing", "", "a command is needed: create or show");
+    row("unknown command", "erase", "unknown command 'erase'");
+    row("show without a file", "show", "this command needs 1 file name(s), not 0");
+    row("show with two files", "show a b", "this command needs 1 file name(s), not 2");
+    row("create without an image", "create a", "this command needs 2 file name(s), not 1");
+    row("option of the other command", "show --start 36 a", "Unknown option 'start'.");
+    row("unknown option", "create --big a b", "Unknown option 'big'.");
+    row("option without its value", "create a b --start", "Missing value after '--start'.");
+    row("no number", "create --start here a b",
+        "--start must be a number from 0 to 4294967295, not 'here'");
+    row("negative number", "create --start=-1 a b",
+        "--start must be a number from 0 to 4294967295, not '-1'");
+    row("number too large", "create --start 0x100000000 a b",
+        "--start must be a number from 0 to 4294967295, not '0x100000000'");
+    row("hexadecimal without its mark", "create --size 1F a b",
+        "--size must be a number from 0 to 4294967295, not '1F'");
+    row("no byte", "create --fill 256 a b", "--fill must be a number from 0 to 255, not '256'");
+}
+
+void tst_EepromImageProgram::usage()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, error);
+    verifyRun(run(arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts)), 1, QString(), error);
+}
+
+void tst_EepromImageProgram::helpAndVersion()
+{
+    const Run help = run({QStringLiteral("--help")});
+    QCOMPARE(help.exitCode, 0);
+    QVERIFY(help.output.startsWith(QStringLiteral("Writes and reads EEPROM images")));
+    QCOMPARE(help.errors, QString());
+    verifyRun(run({QStringLiteral("show"), QStringLiteral("--help")}), 0, help.output, QString());
+    verifyRun(run({QStringLiteral("create"), QStringLiteral("-h")}), 0, help.output, QString());
+
+    const QString version = QStringLiteral("eeprom-image 1.0.0\n");
+    verifyRun(run({QStringLiteral("--version")}), 0, version, QString());
+    verifyRun(run({QStringLiteral("show"), QStringLiteral("--version")}), 0, version, QString());
+}
+
+void tst_EepromImageProgram::everyExitCodeStandsInTheHelp()
+{
+    const QStringList lines = run({QStringLiteral("--help")}).output.split(QLatin1Char('\n'));
+    for (const int exitCode : {0, 1, 2, 3, 4, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19}) {
+        const QString start = QStringLiteral("  %1  ").arg(exitCode, 2);
+        QVERIFY2(
+            lines.indexOf(QRegularExpression(QLatin1Char('^') + start + QStringLiteral(".+"))) > 0,
+            qPrintable(start));
+    }
+}
+
+void tst_EepromImageProgram::showsSoundImages_data()
+{
+    QTest::addColumn<QByteArray>("image");
+    QTest::addColumn<QString>("record");
+
+    QTest::newRow("all fields") << EepromImage(boardText).bytes() << boardRecord;
+    QTest::newRow("block far behind the header")
+        << EepromImage(boardText).startAddress(0x4000).size(0x8000).bytes() << boardRecord;
+    QTest::newRow("keys missing, values empty")
+        << EepromImage("Type=\nTypeName=a,b\nVersion=2\n").bytes()
+        << QStringLiteral("eeprom: the image is sound\n"
+                          "  Type                 (empty: no value, or a comma outside of quotes)\n"
+                          "  Type name            (empty: no value, or a comma outside of quotes)\n"
+                          "  Version              2\n"
+                          "  Compatibility index  (missing)\n"
+                          "  LP-ID                (missing)\n"
+                          "  Comment              (none)\n");
+    QTest::newRow("keys in a section")
+        << EepromImage("Comment=here\n[Board]\n" + boardText).bytes()
+        << QStringLiteral("eeprom: the image is sound\n"
+                          "  Type                 (missing)\n"
+                          "  Type name            (missing)\n"
+                          "  Version              (missing)\n"
+                          "  Compatibility index  (missing)\n"
+                          "  LP-ID                (missing)\n"
+                          "  Comment              here\n"
+                          "None of the keys was found: they must stand before any [section], and "
+                          "the temporary folder must have room.\n");
+    QByteArray strangeText = boardText;
+    strangeText.replace("Made up", "\\x1b[2J \xE9");
+    QString strangeRecord = boardRecord;
+    strangeRecord.replace(QStringLiteral("Made up"), QStringLiteral("\\x1b[2J \u00E9"));
+    QTest::newRow("control characters") << EepromImage(strangeText).bytes() << strangeRecord;
+}
+
+void tst_EepromImageProgram::showsSoundImages()
+{
+    QFETCH(QByteArray, image);
+    QFETCH(QString, record);
+    verifyShown(image, 0, record, QString());
+}
+
+void tst_EepromImageProgram::namesEachKindOfDamage_data()
+{
+    QTest::addColumn<QByteArray>("image"); // null: no file, or a folder
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("meaning");
+
+    const auto row = [](const char* name, const QByteArray& image, int exitCode,
+                        const char* meaning) {
+        QTest::newRow(name) << image << QStringLiteral("eeprom") << exitCode
+                            << QString::fromLatin1(meaning);
+    };
+    QTest::newRow("no file") << QByteArray() << QStringLiteral("eeprom") << 10
+                             << QStringLiteral("there is no such file");
+    QTest::newRow("folder")
+        << QByteArray() << QStringLiteral(".") << 11
+        << QStringLiteral("the file cannot be opened: it may not be read, or it is a folder");
+    using Image = EepromImage;
+    const QByteArray sound = Image(boardText).bytes();
+    row("empty file", "", 12, "the header is cut short: the image ends before byte 36");
+    row("header short", sound.left(35), 12,
+        "the header is cut short: the image ends before byte 36");
+    row("length over the limit", Image(boardText).bytesToRead(65536).bytes(), 14,
+        "the header gives the block a length over the limit of 65535 bytes: the header is damaged");
+    row("erased", QByteArray(256, '\xFF'), 14,
+        "the header gives no length, all its bits are set: the EEPROM seems to be erased and was "
+        "never written");
+    row("block short", sound.left(sound.size() - 1), 15,
+        "the block is cut short: the image ends before it, or the header is damaged");
+    row("wrong checksum", Image(boardText).checksum(1).bytes(), 16,
+        "the checksum is wrong: the block or the header was changed or damaged");
+    row("zeros", QByteArray(256, '\0'), 17,
+        "the block is empty, its length is 0: the image holds no record (an EEPROM full of zeros "
+        "looks like this)");
+}
+
+void tst_EepromImageProgram::namesEachKindOfDamage()
+{
+    QFETCH(QByteArray, image);
+    QFETCH(QString, name);
+    QFETCH(int, exitCode);
+    QFETCH(QString, meaning);
+    if (!image.isNull()) {
+        writeFile(name, image);
+    }
+    verifyRun(run({QStringLiteral("show"), name}), exitCode, QString(),
+              QStringLiteral("eeprom-image: %1: %2\n").arg(name, meaning));
+}
+
+void tst_EepromImageProgram::namesAnUnreachableStartAddress()
+{
+    // A pipe that the program inherits, as in "... | eeprom-image show /dev/stdin".
+    writeFile(QStringLiteral("header"), EepromImage(boardText).bytes().mid(20, 16));
+    QProcess shell;
+    shell.setWorkingDirectory(folder());
+    shell.start(QStringLiteral("/bin/sh"),
+                {QStringLiteral("-c"), QStringLiteral("cat header | \"$0\" show /dev/stdin"),
+                 QStringLiteral(EEPROM_IMAGE_PROGRAM)});
+    QVERIFY(shell.waitForFinished());
+    QCOMPARE(shell.readAllStandardError(),
+             QByteArray("eeprom-image: /dev/stdin: the start address of the block cannot be "
+                        "reached: the file is a pipe or a device that cannot be positioned\n"));
+    QCOMPARE(shell.readAllStandardOutput(), QByteArray());
+    QCOMPARE(shell.exitCode(), 13);
+}
+
+void tst_EepromImageProgram::namesAnUnusableTemporaryFolder()
+{
+    writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
+    verifyRun(
+        run({QStringLiteral("show"), QStringLiteral("eeprom")}, path(QStringLiteral("none"))), 18,
+        QString(),
+        QStringLiteral("eeprom-image: eeprom: the block is sound, but no temporary file could "
+                       "be made to parse it\n"));
+}
+
+void tst_EepromImageProgram::noticesEveryFlippedBit()
+{
+    const QByteArray block = "Type=B\n";
+    for (int bit = 0; bit < 8 * block.size(); ++bit) {
+        verifyShown(
+            EepromImage(block).flipBit(EepromImage::headerEnd + bit / 8, bit % 8).bytes(), 16,
+            QString(),
+            QStringLiteral("eeprom-image: eeprom: the checksum is wrong: the block or the header "
+                           "was changed or damaged\n"));
+    }
+}
+
+void tst_EepromImageProgram::verboseShowsWhatTheLibraryLogs()
+{
+    writeFile(QStringLiteral("eeprom"), EepromImage(boardText).checksum(1).bytes());
+    verifyRun(
+        run({QStringLiteral("show"), QStringLiteral("--verbose"), QStringLiteral("eeprom")}), 16,
+        QString(),
+        QStringLiteral("eeprom-image: library: Invalid checksum for INI block in eeprom binary "
+                       "file \"eeprom\" .\n"
+                       "eeprom-image: eeprom: the checksum is wrong: the block or the header was "
+                       "changed or damaged\n"));
+}
+
+void tst_EepromImageProgram::showLeavesNothingBehind()
+{
+    QVERIFY(QDir(folder()).mkdir(QStringLiteral("tmp")));
+    writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
+    verifyRun(run({QStringLiteral("show"), QStringLiteral("eeprom")}, path(QStringLiteral("tmp"))),
+              0, boardRecord, QString());
+    QVERIFY(QDir(path(QStringLiteral("tmp"))).isEmpty());
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList({QStringLiteral("eeprom"), QStringLiteral("tmp")}));
+}
+
+void tst_EepromImageProgram::createsTheLayoutAskedFor_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("image");
+    QTest::addColumn<QString>("address");
+
+    using Image = EepromImage;
+    const auto row = [](const char* options, const QByteArray& text, const Image& image,
+                        const char* address) {
+        QTest::newRow(*options == '\0' ? "no options" : options)
+            << QString::fromLatin1(options) << text << image.bytes()
+            << QString::fromLatin1(address);
+    };
+    row("", boardText, Image(boardText), "36 (0x24)");
+    row("--start 100", boardText, Image(boardText).startAddress(100), "100 (0x64)");
+    row("--start 0X1000", boardText, Image(boardText).startAddress(0x1000), "4096 (0x1000)");
+    row("--start 0", "Type=4711\n", Image("Type=4711\n").startAddress(0), "0 (0x0)");
+    row("--size 256", boardText, Image(boardText).size(256), "36 (0x24)");
+    row("--size 0x100 --fill 0", boardText, Image(boardText).size(256).fill('\0'), "36 (0x24)");
+    row("--fill 0x5A --start 64", boardText, Image(boardText).startAddress(64).fill('\x5A'),
+        "64 (0x40)");
+    row("--start 10", "Type=4711\n", Image("Type=4711\n").startAddress(10), "10 (0xa)");
+    row("--start 11 --allow-overlap", "Type=4711\n", Image("Type=4711\n").startAddress(11),
+        "11 (0xb)");
+    row("--start 34 --allow-overlap", "Type=4711\n", Image("Type=4711\n").startAddress(34),
+        "34 (0x22)");
+    row("--start 20", "", Image(QByteArray()).startAddress(20), "20 (0x14)");
+    const QByteArray longest = boardText + QByteArray(65535 - boardText.size(), ';');
+    row("--size 70000", longest, Image(longest).size(70000), "36 (0x24)");
+}
+
+void tst_EepromImageProgram::createsTheLayoutAskedFor()
+{
+    QFETCH(QString, options);
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArray, image);
+    QFETCH(QString, address);
+    writeFile(QStringLiteral("board.ini"), text);
+    const Run created = run(QStringList(QStringLiteral("create")) +
+                            options.split(QLatin1Char(' '), Qt::SkipEmptyParts) +
+                            QStringList({QStringLiteral("board.ini"), QStringLiteral("eeprom")}));
+    verifyRun(created, 0,
+              QStringLiteral("eeprom: %1 bytes written\n"
+                             "  block     %2 bytes from address %3\n"
+                             "  checksum  0x%4\n")
+                  .arg(QString::number(image.size()), QString::number(text.size()), address,
+                       QString::fromLatin1(image.mid(33, 1).toHex() + image.mid(32, 1).toHex())),
+              QString());
+    QCOMPARE(readFile(path(QStringLiteral("eeprom"))), image);
+}
+
+void tst_EepromImageProgram::refusesLayouts_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<int>("textSize");
+    QTest::addColumn<QString>("reason");
+    const auto row = [](const char* name, const char* options, int textSize, const char* reason) {
+        QTest::newRow(name) << QString::fromLatin1(options) << textSize
+                            << QString::fromLatin1(reason);
+    };
+    const char overlap[] = "the block would overlap the header (bytes 20 to 35); to write it "
+                           "nevertheless, give --allow-overlap";
+    const char ownChecksum[] = "the block would cover its own checksum (bytes 32 and 33)";
+    row("text too long", "", 65536,
+        "the text is longer than the 65535 bytes that a block may have");
+    row("over the header's first byte", "--start 10", 11, overlap);
+    row("over the byte before the checksum", "--start 10", 22, overlap);
+    row("over the byte after the checksum", "--start 34", 10, overlap);
+    row("over the header's last byte", "--start 35", 10, overlap);
+    row("over the checksum's first byte", "--start 10 --allow-overlap", 23, ownChecksum);
+    row("over the checksum's last byte", "--start 33 --allow-overlap", 10, ownChecksum);
+    row("image too small for the block", "--size 45", 10,
+        "an image of 45 bytes is too small; this one needs 46");
+    row("image too small for the header", "--size 35 --start 0", 10,
+        "an image of 35 bytes is too small; this one needs 36");
+    row("image too large", "--size 16777217", 10,
+        "an image of 16777217 bytes is too large; the limit is 16777216");
+    row("block too far away", "--start 0xFFFFFFFF", 10,
+        "an image of 4294967305 bytes is too large; the limit is 16777216");
+}
+
+void tst_EepromImageProgram::refusesLayouts()
+{
+    QFETCH(QString, options);
+    QFETCH(int, textSize);
+    QFETCH(QString, reason);
+    writeFile(QStringLiteral("board.ini"), QByteArray(textSize, ';'));
+    verifyRun(run(QStringList(QStringLiteral("create")) +
+                  options.split(QLatin1Char(' '), Qt::SkipEmptyParts) +
+                  QStringList({QStringLiteral("board.ini"), QStringLiteral("eeprom")})),
+              3, QString(), QStringLiteral("eeprom-image: eeprom: %1\n").arg(reason));
+    QVERIFY(!QFile::exists(path(QStringLiteral("eeprom"))));
+}
+
+void tst_EepromImageProgram::failedCreateKeepsTheOldImage_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("no text") << QStringList({QStringLiteral("none.ini"), QStringLiteral("eeprom")})
+                             << 2 << QStringLiteral("none.ini: No such file or directory");
+    QTest::newRow("text is a folder")
+        << QStringList({QStringLiteral("."), QStringLiteral("eeprom")}) << 2
+        << QStringLiteral(".: file to open is a directory");
+    QTest::newRow("image in no folder")
+        << QStringList({QStringLiteral("board.ini"), QStringLiteral("none/eeprom")}) << 4
+        << QStringLiteral("none/eeprom: No such file or directory");
+    QTest::newRow("image is a folder")
+        << QStringList({QStringLiteral("board.ini"), QStringLiteral(".")}) << 4
+        << QStringLiteral(".: Filename refers to a directory");
+}
+
+void tst_EepromImageProgram::failedCreateKeepsTheOldImage()
+{
+    QFETCH(QStringList, files);
+    QFETCH(int, exitCode);
+    QFETCH(QString, error);
+    writeFile(QStringLiteral("board.ini"), boardText);
+    const QString old = writeFile(QStringLiteral("eeprom"), "the old image");
+    verifyRun(run(QStringList(QStringLiteral("create")) + files), exitCode, QString(),
+              QStringLiteral("eeprom-image: %1\n").arg(error));
+    QCOMPARE(readFile(old), QByteArray("the old image"));
+}
+
+QTEST_GUILESS_MAIN(tst_EepromImageProgram)
+#include "tst_EepromImageProgram.moc"
