@@ -6,7 +6,6 @@
 #include "LibraryMessages.h"
 
 #include <QtCore/QCommandLineParser>
-#include <QtCore/QDir>
 
 namespace {
 
@@ -123,6 +122,14 @@ void printRecord(const HardwareInfo& info, const LibraryMessages& messages)
     }
 }
 
+// QDir::temp() takes the current folder for a TMPDIR that is none; this one must not be written to.
+QString temporaryFile()
+{
+    const QString folder = qEnvironmentVariable("TMPDIR");
+    return (folder.isEmpty() ? QStringLiteral("/tmp") : folder) +
+           QStringLiteral("/eeprom-image.XXXXXX");
+}
+
 ExitCode fail(const QString& filePath, ExitCode exitCode, const QString& meaning)
 {
     printError(QStringLiteral("%1: %2").arg(filePath, meaning));
@@ -134,8 +141,7 @@ ExitCode showRecord(const QString& filePath, bool isVerbose)
     const LibraryMessages messages(isVerbose);
     HardwareInfo info;
     HardwareInfoReader reader(nullptr);
-    const QString tempFileTemplate = QDir::temp().filePath(QStringLiteral("eeprom-image.XXXXXX"));
-    const bool isRead = reader.readHardwareInfoFromSysFs(tempFileTemplate, filePath, info);
+    const bool isRead = reader.readHardwareInfoFromSysFs(temporaryFile(), filePath, info);
     if (const Failure* failure = findFailure(messages)) {
         return fail(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
     }

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void namesEachKindOfDamage_data();
     void namesEachKindOfDamage();
     void namesAnUnreachableStartAddress();
+    void namesAnUnusableTemporaryFolder_data();
     void namesAnUnusableTemporaryFolder();
     void noticesEveryFlippedBit();
     void verboseShowsWhatTheLibraryLogs();
@@ -289,12 +290,19 @@ void tst_EepromImageProgram::namesAnUnreachableStartAddress()
     QCOMPARE(shell.exitCode(), 13);
 }
 
+void tst_EepromImageProgram::namesAnUnusableTemporaryFolder_data()
+{
+    QTest::addColumn<QString>("temporaryFolder");
+    QTest::newRow("missing") << QStringLiteral("/none");
+    QTest::newRow("not even root can make a file there") << QStringLiteral("/proc");
+}
+
 void tst_EepromImageProgram::namesAnUnusableTemporaryFolder()
 {
+    QFETCH(QString, temporaryFolder);
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
     verifyRun(
-        run({QStringLiteral("show"), QStringLiteral("eeprom")}, path(QStringLiteral("none"))), 18,
-        QString(),
+        run({QStringLiteral("show"), QStringLiteral("eeprom")}, temporaryFolder), 18, QString(),
         QStringLiteral("eeprom-image: eeprom: the block is sound, but no temporary file could "
                        "be made to parse it\n"));
 }
