@@ -218,6 +218,46 @@ public:
     QMap<QString, QVariant> getGroupValues(const QString& group) const;
 
     /*! @} */
+    /*!
+     * \name Groups by their "Position"
+     *
+     * A file may hold a list of like records, one group each, whose place in the list is the number
+     * under their key "Position". A group without that key, or with one that is no number, counts
+     * as Position 0, with the warning of getValueInteger() each time it is looked at. Positions
+     * are expected to run from 0 to one less than the number of groups; a higher one is never
+     * found. A search looks at one group after the other, in the order of getGroups(), and takes
+     * the first that fits.
+     */
+    /*! @{ */
+
+    /*!
+     * \brief Finds the group whose "Position" is \a externalIndex.
+     *
+     * \param externalIndex the Position; a negative one is searched for like any other
+     * \param groupIndex    the group's place in getGroups(); left as it is when there is none
+     * \return whether there is one
+     *
+     * Warns "Invalid external index!" when \a externalIndex is not below the number of groups.
+     */
+    bool searchIndex(int externalIndex, int& groupIndex) const;
+
+    /*!
+     * \brief The value of \a key in the group at Position \a externalIndex, as a number.
+     *
+     * Warns "Invalid group index!" when \a externalIndex is not below the number of groups, and
+     * "Index not found in group!" when no group has that Position; both give \a defaultValue. Else
+     * as the function of the same name that takes the group.
+     */
+    int getValueInteger(int externalIndex, const QString& key, int defaultValue) const;
+
+    /*! \brief As above, as text. */
+    QString getValueString(int externalIndex, const QString& key,
+                           const QString& defaultValue) const;
+
+    /*! \brief As above, as QVariant::toBool() has it. */
+    bool getValueBool(int externalIndex, const QString& key, bool defaultValue) const;
+
+    /*! @} */
 
 private:
     Q_DISABLE_COPY(IniFileManager)

@@ -81,6 +81,37 @@ private:
     QSettings& m_settings;
 };
 
+// The place in groups of the first group at the Position externalIndex; -1 when there is none.
+int findPosition(const IniFileManager& file, const QStringList& groups, int externalIndex)
+{
+    const QString key = QStringLiteral("Position");
+    for (int i = 0; i < groups.count(); ++i) {
+        if (file.getValueInteger(groups.at(i), key, 0) == externalIndex) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+// Finds the group at the Position externalIndex; warns through log when there is none. The groups
+// are listed once, so that a sync() in another thread cannot shift them.
+bool findIndexedGroup(const IniFileManager& file, int externalIndex, const QMessageLogger& log,
+                      QString& group)
+{
+    const QStringList groups = file.getGroups();
+    if (externalIndex >= groups.count()) {
+        log.warning() << file.getGeneralLogInfo() << "Invalid group index!";
+        return false;
+    }
+    const int groupIndex = findPosition(file, groups, externalIndex);
+    if (groupIndex < 0) {
+        log.warning() << file.getGeneralLogInfo() << "Index not found in group!";
+        return false;
+    }
+    group = groups.at(groupIndex);
+    return true;
+}
+
 } // namespace
 
 QList<void (*)(QString&)> IniFileManager::sm_CleanUpFunctions = {
@@ -361,4 +392,51 @@ QMap<QString, QVariant> IniFileManager::getGroupValues(const QString& group) con
         values.insert(key, getValue(group, key, QVariant()));
     }
     return values;
+}
+
+bool IniFileManager::searchIndex(int externalIndex, int& groupIndex) const
+{
+    const QMutexLocker locker(&m_mutex);
+    const QStringList groups = getGroups();
+    if (externalIndex >= groups.count()) {
+        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << "Invalid external index!";
+        return false;
+    }
+    const int found = findPosition(*this, groups, externalIndex);
+    if (found < 0) {
+        return false;
+    }
+    groupIndex = found;
+    return true;
+}
+
+int IniFileManager::getValueInteger(int externalIndex, const QString& key, int defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    QString group;
+    if (!findIndexedGroup(*this, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
+        return defaultValue;
+    }
+    return getValueInteger(group, key, defaultValue);
+}
+
+QString IniFileManager::getValueString(int externalIndex, const QString& key,
+                                       const QString& defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    QString group;
+    if (!findIndexedGroup(*this, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
+        return defaultValue;
+    }
+    return getValueString(group, key, defaultValue);
+}
+
+bool IniFileManager::getValueBool(int externalIndex, const QString& key, bool defaultValue) const
+{
+    const QMutexLocker locker(&m_mutex);
+    QString group;
+    if (!findIndexedGroup(*this, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
+        return defaultValue;
+    }
+    return getValueBool(group, key, defaultValue);
 }
