@@ -1,5 +1,6 @@
 #include "DeviceRoot.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -8,8 +9,30 @@
 #include <cstring>
 
 #include <sys/mount.h>
+#include <sys/stat.h>
 
 namespace {
+
+QString commandLinePath()
+{
+    return qEnvironmentVariable("MISCTOOLS_DEVICE_ROOT") + QStringLiteral("/cmdline");
+}
+
+bool isSameFile(const char* path, const QString& otherPath)
+{
+    struct stat file;
+    struct stat otherFile;
+    return stat(path, &file) == 0 &&
+           stat(QFile::encodeName(otherPath).constData(), &otherFile) == 0 &&
+           file.st_dev == otherFile.st_dev && file.st_ino == otherFile.st_ino;
+}
+
+void requireDeviceRoot()
+{
+    if (!DeviceRoot::isEntered()) {
+        qFatal("the files of a device may be changed in a device root only");
+    }
+}
 
 void write(const QString& filePath, const QByteArray& content)
 {
@@ -30,31 +53,46 @@ void require(int result, const char* what, const char* path)
 
 bool DeviceRoot::isEntered()
 {
-    return qEnvironmentVariableIsSet("MISCTOOLS_DEVICE_ROOT");
+    // The variable alone proves nothing, and clear() must never reach the files of a real device.
+    static const bool entered = qEnvironmentVariableIsSet("MISCTOOLS_DEVICE_ROOT") &&
+                                isSameFile("/proc/cmdline", commandLinePath());
+    return entered;
 }
 
 void DeviceRoot::clear()
 {
-    Q_ASSERT(isEntered());
+    requireDeviceRoot();
     for (const char* folder : {"/orvalis", "/orvalis-reboot", "/etc/rauc"}) {
         const QString path = QString::fromLatin1(folder);
-        QFile::remove(path);
-        QDir(path).removeRecursively();
+        if (!QFile::remove(path) && !QDir(path).removeRecursively()) {
+            qFatal("cannot remove %s", folder);
+        }
     }
     setCommandLine(QByteArray());
 }
 
 void DeviceRoot::writeFile(const QString& filePath, const QByteArray& content)
 {
-    Q_ASSERT(isEntered());
+    requireDeviceRoot();
     QDir().mkpath(QFileInfo(filePath).path());
     write(filePath, content);
+
+    // QSettings takes a file of the same size and time for the one that it has read before; rows
+    // of a test may follow each other within the resolution of that time.
+    static qint64 latest = 0;
+    latest = qMax(latest + 1, QDateTime::currentMSecsSinceEpoch());
+    QFile file(filePath);
+    if (!file.open(QIODevice::ReadWrite) ||
+        !file.setFileTime(QDateTime::fromMSecsSinceEpoch(latest),
+                          QFileDevice::FileModificationTime)) {
+        qFatal("cannot set the time of %s", qPrintable(filePath));
+    }
 }
 
 void DeviceRoot::setCommandLine(const QByteArray& content)
 {
-    Q_ASSERT(isEntered());
-    write(qEnvironmentVariable("MISCTOOLS_DEVICE_ROOT") + QStringLiteral("/cmdline"), content);
+    requireDeviceRoot();
+    write(commandLinePath(), content);
 }
 
 DeviceRoot::Covered::Covered(const char* folderPath) : m_path(folderPath)
