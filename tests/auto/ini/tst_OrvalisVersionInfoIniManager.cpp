@@ -1,0 +1,181 @@
+#include "DeviceRoot.h"
+#include "IniWarnings.h"
+#include "OrvalisVersionInfoIniManager.h"
+#include "TestCase.h"
+
+#include <type_traits>
+
+namespace {
+
+const QString filePath = QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini");
+const QString groupApplication = QStringLiteral("ApplicationVersion");
+const QString groupGeneral = QStringLiteral("General");
+
+using Name = const QString& (*)();
+using Getter = QString (OrvalisVersionInfoIniManager::*)() const;
+
+} // namespace
+
+// Nothing but the file's manager and the table of virtual functions.
+static_assert(sizeof(OrvalisVersionInfoIniManager) == sizeof(void*) + sizeof(IniFileManager),
+              "layout");
+static_assert(std::has_virtual_destructor<OrvalisVersionInfoIniManager>::value,
+              "virtual destructor");
+static_assert(!std::is_copy_constructible<OrvalisVersionInfoIniManager>::value, "not copyable");
+static_assert(!std::is_copy_assignable<OrvalisVersionInfoIniManager>::value, "not copyable");
+
+Q_DECLARE_METATYPE(Name)
+Q_DECLARE_METATYPE(Getter)
+
+class tst_OrvalisVersionInfoIniManager : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void publishedNames_data();
+    void publishedNames();
+    void values_data();
+    void values();
+    void missingFile();
+    void fileIsNotTouched();
+};
+
+void tst_OrvalisVersionInfoIniManager::publishedNames_data()
+{
+    QTest::addColumn<Name>("name");
+    QTest::addColumn<QString>("text");
+
+    using Manager = OrvalisVersionInfoIniManager;
+    QTest::newRow("file name") << Name(&Manager::getFileNameOrvalisVersionInfoIni)
+                               << QStringLiteral("OrvalisVersionInfo.ini");
+    QTest::newRow("general") << Name(&Manager::getGroupNameGeneral) << QStringLiteral("General");
+    QTest::newRow("application") << Name(&Manager::getGroupNameApplicationVersion)
+                                 << QStringLiteral("ApplicationVersion");
+    QTest::newRow("version") << Name(&Manager::getKeyVersion) << QStringLiteral("Version");
+    QTest::newRow("product code") << Name(&Manager::getKeyProductCode)
+                                  << QStringLiteral("ProductCode");
+    QTest::newRow("creation date")
+        << Name(&Manager::getKeyCreationDate) << QStringLiteral("CreationDate");
+}
+
+void tst_OrvalisVersionInfoIniManager::publishedNames()
+{
+    QFETCH(Name, name);
+    QFETCH(QString, text);
+
+    const QString& first = name();
+    QCOMPARE(first, text);
+    QCOMPARE(&name(), &first);
+}
+
+void tst_OrvalisVersionInfoIniManager::values_data()
+{
+    QTest::addColumn<Getter>("getter");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("group");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("value"); // null: warned of
+
+    struct Source
+    {
+        const char* name;
+        Getter getter;
+        const char* key;
+        QString group;
+    };
+    const Source sources[] = {
+        {"application version", &OrvalisVersionInfoIniManager::getApplicationVersion, "Version",
+         groupApplication},
+        {"product code", &OrvalisVersionInfoIniManager::getProductCode, "ProductCode",
+         groupApplication},
+        {"creation date", &OrvalisVersionInfoIniManager::getCreationDate, "CreationDate",
+         groupGeneral},
+    };
+    for (const Source& source : sources) {
+        const QByteArray key(source.key);
+        // How a group of the name General is written in this dialect.
+        const QByteArray section =
+            source.group == groupGeneral ? QByteArray("[%General]\n") : "[ApplicationVersion]\n";
+        const auto newRow = [&](const char* situation, const QByteArray& content,
+                                const QString& value) {
+            QTest::addRow("%s, %s", source.name, situation)
+                << source.getter << QString::fromLatin1(key) << source.group << content << value;
+        };
+        newRow("there", section + key + "=640917\n", QStringLiteral("640917"));
+        newRow("as it stands", section + key + "=\" 2026-11-15 / x \"\n",
+               QStringLiteral(" 2026-11-15 / x "));
+        newRow("empty", section + key + "=\n", QStringLiteral(""));
+        newRow("Latin-1", section + key + "=\xe4\xc3\xbc\n", QString::fromLatin1("\xe4\xc3\xbc"));
+        newRow("no key", section + "Other=1\n", QString());
+        newRow("other case", section + key.toLower() + "=1\n", QString());
+        newRow("other section", "[Other]\n" + key + "=1\n", QString());
+        newRow("empty file", QByteArray(), QString());
+        // [General] holds what is outside every group.
+        newRow("only [General]", "[General]\n" + key + "=1\n", QString());
+        newRow("[General] and its own", "[General]\n" + key + "=1\n" + section + key + "=2\n",
+               QStringLiteral("2"));
+    }
+    QTest::newRow("creation date, with the application's")
+        << Getter(&OrvalisVersionInfoIniManager::getCreationDate) << QStringLiteral("CreationDate")
+        << groupGeneral << QByteArray("[ApplicationVersion]\nCreationDate=1\n") << QString();
+}
+
+void tst_OrvalisVersionInfoIniManager::values()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(Getter, getter);
+    QFETCH(QString, key);
+    QFETCH(QString, group);
+    QFETCH(QByteArray, content);
+    QFETCH(QString, value);
+
+    DeviceRoot::writeFile(filePath, content);
+    const OrvalisVersionInfoIniManager manager;
+    if (value.isNull()) {
+        IniWarnings::expectMissingKey(messages(), filePath, key, group);
+    }
+    QCOMPARE((manager.*getter)(), value);
+}
+
+void tst_OrvalisVersionInfoIniManager::missingFile()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    {
+        IniWarnings::expectMissingFile(messages(), filePath);
+        const OrvalisVersionInfoIniManager manager;
+        QCOMPARE(messages().takeProblems(), QStringList());
+
+        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("Version"),
+                                      groupApplication);
+        QCOMPARE(manager.getApplicationVersion(), QString());
+        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("ProductCode"),
+                                      groupApplication);
+        QCOMPARE(manager.getProductCode(), QString());
+        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("CreationDate"),
+                                      groupGeneral);
+        QCOMPARE(manager.getCreationDate(), QString());
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(!QFileInfo::exists(QStringLiteral("/orvalis")));
+}
+
+void tst_OrvalisVersionInfoIniManager::fileIsNotTouched()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const QByteArray content("; a comment\n[ApplicationVersion]\nVersion = 1\nProductCode = 2\n"
+                             "[%General]\nCreationDate = 3\n");
+    DeviceRoot::writeFile(filePath, content);
+    const QDateTime modified = QFileInfo(filePath).lastModified();
+    {
+        const OrvalisVersionInfoIniManager manager;
+        QCOMPARE(manager.getApplicationVersion(), QStringLiteral("1"));
+        QCOMPARE(manager.getProductCode(), QStringLiteral("2"));
+        QCOMPARE(manager.getCreationDate(), QStringLiteral("3"));
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(readFile(filePath), content);
+    QCOMPARE(QFileInfo(filePath).lastModified(), modified);
+}
+
+QTEST_GUILESS_MAIN(tst_OrvalisVersionInfoIniManager)
+#include "tst_OrvalisVersionInfoIniManager.moc"

@@ -1,0 +1,160 @@
+#include "DeviceRoot.h"
+#include "IniWarnings.h"
+#include "RaucSystemConfigIniManager.h"
+#include "TestCase.h"
+
+#include <type_traits>
+
+namespace {
+
+const QString filePath = QStringLiteral("/etc/rauc/system.conf");
+
+} // namespace
+
+// Nothing but the file's manager and the table of virtual functions.
+static_assert(sizeof(RaucSystemConfigIniManager) == sizeof(void*) + sizeof(IniFileManager),
+              "layout");
+static_assert(std::has_virtual_destructor<RaucSystemConfigIniManager>::value, "virtual destructor");
+static_assert(!std::is_copy_constructible<RaucSystemConfigIniManager>::value, "not copyable");
+static_assert(!std::is_copy_assignable<RaucSystemConfigIniManager>::value, "not copyable");
+
+class tst_RaucSystemConfigIniManager : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void number_data();
+    void number();
+    void noNumber_data();
+    void noNumber();
+    void missing_data();
+    void missing();
+    void missingFile();
+    void fileIsNotTouched();
+
+private:
+    void expectMissingIndex();
+};
+
+void tst_RaucSystemConfigIniManager::expectMissingIndex()
+{
+    IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("compatible"),
+                                  QStringLiteral("system"));
+}
+
+void tst_RaucSystemConfigIniManager::number_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QString>("index");
+
+    QTest::newRow("one digit") << QByteArray("7") << QStringLiteral("7");
+    QTest::newRow("zero") << QByteArray("0") << QStringLiteral("0");
+    QTest::newRow("negative") << QByteArray("-1") << QStringLiteral("-1");
+    QTest::newRow("plus sign") << QByteArray("+7") << QStringLiteral("7");
+    QTest::newRow("leading zeros") << QByteArray("007") << QStringLiteral("7");
+    QTest::newRow("blanks around") << QByteArray("  7  ") << QStringLiteral("7");
+    QTest::newRow("quoted") << QByteArray("\"7\"") << QStringLiteral("7");
+    QTest::newRow("largest") << QByteArray("2147483647") << QStringLiteral("2147483647");
+    QTest::newRow("smallest") << QByteArray("-2147483648") << QStringLiteral("-2147483648");
+    // A text converts through 64 bits, of which the lower half counts.
+    QTest::newRow("one too large") << QByteArray("2147483648") << QStringLiteral("-2147483648");
+    QTest::newRow("64 bits") << QByteArray("4294967303") << QStringLiteral("7");
+}
+
+void tst_RaucSystemConfigIniManager::number()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, value);
+    QFETCH(QString, index);
+
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=" + value + "\n");
+    QCOMPARE(RaucSystemConfigIniManager().getDeviceIndex(), index);
+}
+
+void tst_RaucSystemConfigIniManager::noNumber_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QString>("shown");
+
+    const auto newRow =
+        [](const char* situation, const char* value) {
+            QTest::newRow(situation)
+                << QByteArray(value)
+                << QStringLiteral("QVariant(QString, \"%1\")").arg(QString::fromLatin1(value));
+        };
+    newRow("number and letter", "7a");
+    newRow("empty", "");
+    newRow("a name", "Orvalis board");
+    newRow("hexadecimal", "0x7");
+    newRow("fraction", "7.0");
+    newRow("more than 64 bits", "99999999999999999999");
+    newRow("two numbers", "7 7");
+    QTest::newRow("list") << QByteArray("7,8")
+                          << QStringLiteral("QVariant(QStringList, (\"7\", \"8\"))");
+}
+
+void tst_RaucSystemConfigIniManager::noNumber()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, value);
+    QFETCH(QString, shown);
+
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=" + value + "\n");
+    IniWarnings::expectNoInteger(messages(), filePath, shown);
+    QCOMPARE(RaucSystemConfigIniManager().getDeviceIndex(), QStringLiteral("0"));
+}
+
+void tst_RaucSystemConfigIniManager::missing_data()
+{
+    QTest::addColumn<QByteArray>("content");
+
+    QTest::newRow("key") << QByteArray("[system]\nbootloader=custom\n");
+    QTest::newRow("section") << QByteArray("[slot.rootfs.0]\ncompatible=7\n");
+    QTest::newRow("anything in the file") << QByteArray();
+    QTest::newRow("section's case") << QByteArray("[System]\ncompatible=7\n");
+    QTest::newRow("key's case") << QByteArray("[system]\nCompatible=7\n");
+    QTest::newRow("section line") << QByteArray("compatible=7\n");
+}
+
+void tst_RaucSystemConfigIniManager::missing()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, content);
+
+    DeviceRoot::writeFile(filePath, content);
+    expectMissingIndex();
+    QCOMPARE(RaucSystemConfigIniManager().getDeviceIndex(), QStringLiteral("0"));
+}
+
+void tst_RaucSystemConfigIniManager::missingFile()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    {
+        IniWarnings::expectMissingFile(messages(), filePath);
+        const RaucSystemConfigIniManager manager;
+        QCOMPARE(messages().takeProblems(), QStringList());
+
+        expectMissingIndex();
+        QCOMPARE(manager.getDeviceIndex(), QStringLiteral("0"));
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(!QFileInfo::exists(QStringLiteral("/etc/rauc")));
+}
+
+void tst_RaucSystemConfigIniManager::fileIsNotTouched()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const QByteArray content("; a comment\n[system]\ncompatible = 7\n");
+    DeviceRoot::writeFile(filePath, content);
+    const QDateTime modified = QFileInfo(filePath).lastModified();
+    {
+        const RaucSystemConfigIniManager manager;
+        QCOMPARE(manager.getDeviceIndex(), QStringLiteral("7"));
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(readFile(filePath), content);
+    QCOMPARE(QFileInfo(filePath).lastModified(), modified);
+}
+
+QTEST_GUILESS_MAIN(tst_RaucSystemConfigIniManager)
+#include "tst_RaucSystemConfigIniManager.moc"

@@ -1,0 +1,149 @@
+#include "DeviceRoot.h"
+#include "IniWarnings.h"
+#include "TestCase.h"
+#include "VersionFileIniManager.h"
+
+#include <type_traits>
+
+namespace {
+
+const QString filePath = QStringLiteral("/orvalis/VersionFile.ini");
+const QString group = QStringLiteral("MainVersion");
+
+} // namespace
+
+// Nothing but the file's manager and the table of virtual functions.
+static_assert(sizeof(VersionFileIniManager) == sizeof(void*) + sizeof(IniFileManager), "layout");
+static_assert(std::has_virtual_destructor<VersionFileIniManager>::value, "virtual destructor");
+static_assert(!std::is_copy_constructible<VersionFileIniManager>::value, "not copyable");
+static_assert(!std::is_copy_assignable<VersionFileIniManager>::value, "not copyable");
+
+class tst_VersionFileIniManager : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void publishedNames();
+    void values_data();
+    void values();
+    void missingFile();
+    void fileIsNotTouched();
+    void changedFileIsReadByTheNextObject();
+};
+
+void tst_VersionFileIniManager::publishedNames()
+{
+    const QString& fileName = VersionFileIniManager::getFileNameVersionFile();
+    QCOMPARE(fileName, QStringLiteral("VersionFile.ini"));
+    QCOMPARE(&VersionFileIniManager::getFileNameVersionFile(), &fileName);
+
+    const QString& section = VersionFileIniManager::getSectionNameMainVersion();
+    QCOMPARE(section, QStringLiteral("MainVersion"));
+    QCOMPARE(&VersionFileIniManager::getSectionNameMainVersion(), &section);
+}
+
+void tst_VersionFileIniManager::values_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("version"); // null: warned of
+    QTest::addColumn<QString>("hash");
+
+    const QString missing;
+    const QString empty = QStringLiteral("");
+    QTest::newRow("both")
+        << QByteArray("[MainVersion]\nVersionString=V8.12.3-45\nVersionStringHash=ab12\n")
+        << QStringLiteral("V8.12.3-45") << QStringLiteral("ab12");
+    QTest::newRow("no hash") << QByteArray("[MainVersion]\nVersionString=1.2.3\n")
+                             << QStringLiteral("1.2.3") << missing;
+    QTest::newRow("no version") << QByteArray("[MainVersion]\nVersionStringHash=ab12\n") << missing
+                                << QStringLiteral("ab12");
+    QTest::newRow("empty values") << QByteArray(
+                                         "[MainVersion]\nVersionString=\nVersionStringHash=\n")
+                                  << empty << empty;
+    QTest::newRow("empty file") << QByteArray() << missing << missing;
+    QTest::newRow("other section")
+        << QByteArray("[Version]\nVersionString=1.2.3\nVersionStringHash=ab12\n") << missing
+        << missing;
+    QTest::newRow("other case")
+        << QByteArray("[MainVersion]\nversionstring=1.2.3\nVERSIONSTRINGHASH=ab12\n") << missing
+        << missing;
+    QTest::newRow("without section")
+        << QByteArray("VersionString=1.2.3\nVersionStringHash=ab12\n") << missing << missing;
+    QTest::newRow("subgroup of the name")
+        << QByteArray("[MainVersion]\nVersionString\\x=1\nVersionStringHash=ab12\n") << missing
+        << QStringLiteral("ab12");
+    QTest::newRow("neither parsed nor checked")
+        << QByteArray("[MainVersion]\nVersionString=\" no.version \"\nVersionStringHash=#?!\n")
+        << QStringLiteral(" no.version ") << QStringLiteral("#?!");
+    QTest::newRow("bytes beyond ASCII are Latin-1")
+        << QByteArray("[MainVersion]\nVersionString=\xe4\nVersionStringHash=\xc3\xbc\n")
+        << QString(QChar(0xe4)) << QString(QChar(0xc3)) + QChar(0xbc);
+    QTest::newRow("a comma makes a list, which is no text")
+        << QByteArray("[MainVersion]\nVersionString=1,2\nVersionStringHash=\"1,2\"\n") << empty
+        << QStringLiteral("1,2");
+}
+
+void tst_VersionFileIniManager::values()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, content);
+    QFETCH(QString, version);
+    QFETCH(QString, hash);
+
+    DeviceRoot::writeFile(filePath, content);
+    const VersionFileIniManager manager;
+    if (version.isNull()) {
+        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("VersionString"), group);
+    }
+    QCOMPARE(manager.getMainVersionVersionString(), version);
+    if (hash.isNull()) {
+        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("VersionStringHash"),
+                                      group);
+    }
+    QCOMPARE(manager.getVersionStringHash(), hash);
+}
+
+void tst_VersionFileIniManager::missingFile()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    {
+        IniWarnings::expectMissingFile(messages(), filePath);
+        const VersionFileIniManager manager;
+        QCOMPARE(messages().takeProblems(), QStringList());
+
+        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("VersionString"), group);
+        QCOMPARE(manager.getMainVersionVersionString(), QString());
+        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("VersionStringHash"),
+                                      group);
+        QCOMPARE(manager.getVersionStringHash(), QString());
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(!QFileInfo::exists(QStringLiteral("/orvalis")));
+}
+
+void tst_VersionFileIniManager::fileIsNotTouched()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const QByteArray content("; a comment\n[MainVersion]\nVersionString = 1.2.3\n");
+    DeviceRoot::writeFile(filePath, content);
+    const QDateTime modified = QFileInfo(filePath).lastModified();
+    {
+        const VersionFileIniManager manager;
+        QCOMPARE(manager.getMainVersionVersionString(), QStringLiteral("1.2.3"));
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(readFile(filePath), content);
+    QCOMPARE(QFileInfo(filePath).lastModified(), modified);
+}
+
+void tst_VersionFileIniManager::changedFileIsReadByTheNextObject()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    DeviceRoot::writeFile(filePath, "[MainVersion]\nVersionString=1.2.3\n");
+    QCOMPARE(VersionFileIniManager().getMainVersionVersionString(), QStringLiteral("1.2.3"));
+    DeviceRoot::writeFile(filePath, "[MainVersion]\nVersionString=1.2.4\n");
+    QCOMPARE(VersionFileIniManager().getMainVersionVersionString(), QStringLiteral("1.2.4"));
+}
+
+QTEST_GUILESS_MAIN(tst_VersionFileIniManager)
+#include "tst_VersionFileIniManager.moc"
