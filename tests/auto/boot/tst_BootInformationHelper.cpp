@@ -1,0 +1,380 @@
+#include "BootInformationHelper.h"
+#include "DeviceRoot.h"
+#include "TestCase.h"
+#include "common/PlatformFunctions.h"
+
+#include <type_traits>
+
+namespace {
+
+QString productCode;
+int productCodeQuestions = 0;
+
+const QString rebootMarker = QStringLiteral("/orvalis-reboot");
+const QString firmwareMarker = QStringLiteral("/orvalis/etc/orvalis-first-boot");
+
+// What stands where a marker may be.
+enum class Marker
+{
+    None,
+    File,
+    Folder,
+    DanglingLink, // counts as none
+    LinkToFile,
+};
+
+struct NamedMarker
+{
+    const char* name;
+    Marker marker;
+};
+
+const NamedMarker markers[] = {
+    {"none", Marker::None},
+    {"file", Marker::File},
+    {"folder", Marker::Folder},
+    {"dangling link", Marker::DanglingLink},
+    {"link to file", Marker::LinkToFile},
+};
+
+bool counts(Marker marker)
+{
+    return marker != Marker::None && marker != Marker::DanglingLink;
+}
+
+void put(const QString& path, Marker marker)
+{
+    switch (marker) {
+    case Marker::None:
+        break;
+    case Marker::File:
+        DeviceRoot::writeFile(path, QByteArray());
+        break;
+    case Marker::Folder:
+        QVERIFY(QDir().mkpath(path));
+        break;
+    case Marker::DanglingLink:
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QVERIFY(QFile::link(QStringLiteral("/orvalis/nothing"), path));
+        break;
+    case Marker::LinkToFile:
+        DeviceRoot::writeFile(QStringLiteral("/orvalis/target"), QByteArray());
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QVERIFY(QFile::link(QStringLiteral("/orvalis/target"), path));
+        break;
+    }
+}
+
+// Whether anything is there, a dangling link too.
+bool isSomethingAt(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
+
+} // namespace
+
+// In place of the bundled platform library's.
+QString DeviceManifestManager::getProductCode()
+{
+    ++productCodeQuestions;
+    return productCode;
+}
+
+Q_DECLARE_METATYPE(Marker)
+
+static_assert(sizeof(BootInformationHelper) == sizeof(void*), "no fields");
+static_assert(std::has_virtual_destructor<BootInformationHelper>::value, "virtual destructor");
+static_assert(std::is_same<std::underlying_type<BootInformationHelper::BootMode>::type, int>::value,
+              "an int");
+static_assert(BootInformationHelper::BootModeNormal == 0, "published");
+static_assert(BootInformationHelper::BootModeFirmwareUpdate == 1, "published");
+static_assert(BootInformationHelper::BootModeFactoryReset == 2, "published");
+static_assert(BootInformationHelper::BootModeHardReset == 3, "published");
+
+class tst_BootInformationHelper : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void bootMode_data();
+    void bootMode();
+    void commandLineIsReadAfresh();
+    void commandLineIsReadOnlyWhenItDecides_data();
+    void commandLineIsReadOnlyWhenItDecides();
+    void questionsLeaveTheMarkers();
+    void deleteFirmwareUpdateMarker_data();
+    void deleteFirmwareUpdateMarker();
+    void deleteOrvalisRebootMarker_data();
+    void deleteOrvalisRebootMarker();
+    void markersThatAreInUse();
+    void deletionLeavesTheRest();
+};
+
+void tst_BootInformationHelper::bootMode_data()
+{
+    QTest::addColumn<Marker>("reboot");
+    QTest::addColumn<QString>("product");
+    QTest::addColumn<Marker>("firmware");
+    QTest::addColumn<QByteArray>("commandLine");
+    QTest::addColumn<bool>("hardReset");
+    QTest::addColumn<bool>("factoryReset");
+    QTest::addColumn<int>("mode");
+
+    struct Product
+    {
+        const char* name;
+        QString code;
+        bool tellsHardResets;
+    };
+    const Product products[] = {
+        {"640917", QStringLiteral("640917"), true},
+        {"other product", QStringLiteral("640918"), false},
+        {"longer code", QStringLiteral("6409170"), false},
+        {"code and blank", QStringLiteral("640917 "), false},
+        {"no product", QString(), false},
+    };
+    struct Argument
+    {
+        const char* name;
+        const char* commandLine;
+        bool asksForFactoryReset;
+    };
+    const Argument arguments[] = {
+        {"no argument", "console=ttyS0 quiet\n", false},
+        {"factory reset", "console=ttyS0 orvalismode=factoryreset quiet\n", true},
+        {"factory reset, blank at the end", "orvalismode=factoryreset \n", true},
+        {"factory reset without line feed", "orvalismode=factoryreset", true},
+        {"factory reset as last word", "console=ttyS0 orvalismode=factoryreset\n", false},
+        {"factory reset after another mode", "orvalismode=x orvalismode=factoryreset quiet\n",
+         false},
+        {"factory reset without equals sign", "orvalismodefactoryreset quiet\n", true},
+        {"another mode", "orvalismode=factory quiet\n", false},
+        {"other case", "orvalismode=FactoryReset quiet\n", false},
+        {"longer value", "orvalismode=factoryresets quiet\n", false},
+        {"longer key", "orvalismodes=factoryreset quiet\n", false},
+        {"no value", "orvalismode quiet\n", false},
+        {"empty line", "", false},
+    };
+
+    for (const NamedMarker& reboot : markers) {
+        for (const Product& product : products) {
+            for (const NamedMarker& firmware : markers) {
+                for (const Argument& argument : arguments) {
+                    const bool hardReset = !counts(reboot.marker) && product.tellsHardResets;
+                    const int mode = hardReset                      ? 3
+                                     : counts(firmware.marker)      ? 1
+                                     : argument.asksForFactoryReset ? 2
+                                                                    : 0;
+                    QTest::addRow("reboot: %s, %s, firmware: %s, %s", reboot.name, product.name,
+                                  firmware.name, argument.name)
+                        << reboot.marker << product.code << firmware.marker
+                        << QByteArray(argument.commandLine) << hardReset
+                        << argument.asksForFactoryReset << mode;
+                }
+            }
+        }
+    }
+}
+
+void tst_BootInformationHelper::bootMode()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(Marker, reboot);
+    QFETCH(QString, product);
+    QFETCH(Marker, firmware);
+    QFETCH(QByteArray, commandLine);
+    QFETCH(bool, hardReset);
+    QFETCH(bool, factoryReset);
+    QFETCH(int, mode);
+
+    put(rebootMarker, reboot);
+    put(firmwareMarker, firmware);
+    DeviceRoot::setCommandLine(commandLine);
+    productCode = product;
+    // Only where the marker leaves it open.
+    const int questions = counts(reboot) ? 0 : 1;
+
+    const BootInformationHelper helper;
+    productCodeQuestions = 0;
+    QCOMPARE(helper.isHardReset(), hardReset);
+    QCOMPARE(productCodeQuestions, questions);
+
+    productCodeQuestions = 0;
+    QCOMPARE(helper.isFactoryReset(), factoryReset);
+    QCOMPARE(productCodeQuestions, 0);
+
+    productCodeQuestions = 0;
+    QCOMPARE(int(helper.getCurrentBootMode()), mode);
+    QCOMPARE(productCodeQuestions, questions);
+}
+
+void tst_BootInformationHelper::commandLineIsReadAfresh()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    productCode.clear();
+    const BootInformationHelper helper;
+    QVERIFY(!helper.isFactoryReset());
+    DeviceRoot::setCommandLine("orvalismode=factoryreset quiet\n");
+    QVERIFY(helper.isFactoryReset());
+    QCOMPARE(helper.getCurrentBootMode(), BootInformationHelper::BootModeFactoryReset);
+    DeviceRoot::setCommandLine("quiet\n");
+    QVERIFY(!helper.isFactoryReset());
+    QCOMPARE(helper.getCurrentBootMode(), BootInformationHelper::BootModeNormal);
+}
+
+void tst_BootInformationHelper::commandLineIsReadOnlyWhenItDecides_data()
+{
+    QTest::addColumn<QString>("product");
+    QTest::addColumn<Marker>("firmware");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<bool>("isRead");
+
+    QTest::newRow("hard reset") << QStringLiteral("640917") << Marker::None << 3 << false;
+    QTest::newRow("firmware update") << QString() << Marker::File << 1 << false;
+    QTest::newRow("neither") << QString() << Marker::None << 0 << true;
+}
+
+void tst_BootInformationHelper::commandLineIsReadOnlyWhenItDecides()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QString, product);
+    QFETCH(Marker, firmware);
+    QFETCH(int, mode);
+    QFETCH(bool, isRead);
+
+    productCode = product;
+    put(firmwareMarker, firmware);
+    const DeviceRoot::Covered covered("/proc");
+    if (isRead) {
+        messages().expectWarning("KernelCommandLineParser",
+                                 QStringLiteral("No kernelCommandLine file"));
+    }
+    const BootInformationHelper helper;
+    QCOMPARE(int(helper.getCurrentBootMode()), mode);
+
+    QCOMPARE(messages().takeProblems(), QStringList());
+    messages().expectWarning("KernelCommandLineParser",
+                             QStringLiteral("No kernelCommandLine file"));
+    QVERIFY(!helper.isFactoryReset());
+}
+
+void tst_BootInformationHelper::questionsLeaveTheMarkers()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    put(rebootMarker, Marker::File);
+    put(firmwareMarker, Marker::File);
+    const BootInformationHelper helper;
+    helper.isHardReset();
+    helper.isFactoryReset();
+    helper.getCurrentBootMode();
+    QVERIFY(QFile::exists(rebootMarker));
+    QVERIFY(QFile::exists(firmwareMarker));
+}
+
+void tst_BootInformationHelper::deleteFirmwareUpdateMarker_data()
+{
+    QTest::addColumn<Marker>("marker");
+    QTest::addColumn<QString>("warning"); // null: silent
+    QTest::addColumn<bool>("isGone");
+
+    const QString missing =
+        QStringLiteral("Unable to delete firmware update marker, file does not exist!");
+    QTest::newRow("none") << Marker::None << missing << true;
+    QTest::newRow("file") << Marker::File << QString() << true;
+    QTest::newRow("folder") << Marker::Folder
+                            << QStringLiteral("Error on removing firmware update marker!") << false;
+    QTest::newRow("dangling link") << Marker::DanglingLink << missing << false;
+    QTest::newRow("link to file") << Marker::LinkToFile << QString() << true;
+}
+
+void tst_BootInformationHelper::deleteFirmwareUpdateMarker()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(Marker, marker);
+    QFETCH(QString, warning);
+    QFETCH(bool, isGone);
+
+    put(firmwareMarker, marker);
+    if (!warning.isNull()) {
+        messages()
+            .expectWarning("BootInformationHelper", warning)
+            .function("void BootInformationHelper::deleteFirmwareUpdateMarker() const");
+    }
+    BootInformationHelper().deleteFirmwareUpdateMarker();
+    QCOMPARE(isSomethingAt(firmwareMarker), !isGone);
+}
+
+void tst_BootInformationHelper::deleteOrvalisRebootMarker_data()
+{
+    QTest::addColumn<Marker>("marker");
+    QTest::addColumn<QString>("warning"); // null: silent
+    QTest::addColumn<bool>("isGone");
+
+    QTest::newRow("none") << Marker::None << QString() << true;
+    QTest::newRow("file") << Marker::File << QString() << true;
+    QTest::newRow("folder") << Marker::Folder
+                            << QStringLiteral("Unable to remove file: \"/orvalis-reboot\"")
+                            << false;
+    QTest::newRow("dangling link") << Marker::DanglingLink << QString() << false;
+    QTest::newRow("link to file") << Marker::LinkToFile << QString() << true;
+}
+
+void tst_BootInformationHelper::deleteOrvalisRebootMarker()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(Marker, marker);
+    QFETCH(QString, warning);
+    QFETCH(bool, isGone);
+
+    put(rebootMarker, marker);
+    if (!warning.isNull()) {
+        messages()
+            .expectWarning("BootInformationHelper", warning)
+            .function("void BootInformationHelper::deleteOrvalisRebootMarker() const");
+    }
+    BootInformationHelper().deleteOrvalisRebootMarker();
+    QCOMPARE(isSomethingAt(rebootMarker), !isGone);
+}
+
+void tst_BootInformationHelper::markersThatAreInUse()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    put(rebootMarker, Marker::File);
+    put(firmwareMarker, Marker::File);
+    const QString other = writeFile(QStringLiteral("other"), "x");
+    {
+        // What is mounted cannot be removed, though it is a file.
+        const DeviceRoot::Covered coveredReboot("/orvalis-reboot", other);
+        const DeviceRoot::Covered coveredFirmware("/orvalis/etc/orvalis-first-boot", other);
+        messages().expectWarning("BootInformationHelper",
+                                 QStringLiteral("Unable to remove file: \"/orvalis-reboot\""));
+        BootInformationHelper().deleteOrvalisRebootMarker();
+        messages().expectWarning("BootInformationHelper",
+                                 QStringLiteral("Error on removing firmware update marker!"));
+        BootInformationHelper().deleteFirmwareUpdateMarker();
+    }
+    QVERIFY(QFile::exists(rebootMarker));
+    QVERIFY(QFile::exists(firmwareMarker));
+}
+
+void tst_BootInformationHelper::deletionLeavesTheRest()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const QString neighbour = QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini");
+    DeviceRoot::writeFile(neighbour, "x");
+
+    put(rebootMarker, Marker::File);
+    put(firmwareMarker, Marker::LinkToFile);
+    BootInformationHelper().deleteFirmwareUpdateMarker();
+    QVERIFY(QFile::exists(QStringLiteral("/orvalis/target")));
+    QVERIFY(QFile::exists(rebootMarker));
+
+    put(firmwareMarker, Marker::File);
+    BootInformationHelper().deleteOrvalisRebootMarker();
+    QVERIFY(QFile::exists(firmwareMarker));
+    QVERIFY(QFile::exists(neighbour));
+}
+
+QTEST_GUILESS_MAIN(tst_BootInformationHelper)
+#include "tst_BootInformationHelper.moc"

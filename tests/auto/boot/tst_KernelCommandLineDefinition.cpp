@@ -1,0 +1,53 @@
+#include "KernelCommandLineDefinition.h"
+#include "TestCase.h"
+
+#include <type_traits>
+
+using Name = const QString& (*)();
+Q_DECLARE_METATYPE(Name)
+
+static_assert(sizeof(KernelCommandLineDefinition) == sizeof(void*), "no fields");
+static_assert(std::has_virtual_destructor<KernelCommandLineDefinition>::value,
+              "virtual destructor");
+static_assert(std::is_default_constructible<KernelCommandLineDefinition>::value, "constructible");
+
+class tst_KernelCommandLineDefinition : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void names_data();
+    void names();
+    void constructionIsSilent();
+};
+
+void tst_KernelCommandLineDefinition::names_data()
+{
+    QTest::addColumn<Name>("name");
+    QTest::addColumn<QString>("text");
+
+    using Definition = KernelCommandLineDefinition;
+    QTest::newRow("file path") << Name(&Definition::getFilePath) << QStringLiteral("/proc/cmdline");
+    QTest::newRow("key") << Name(&Definition::getKeyOrvalisMode) << QStringLiteral("orvalismode");
+    QTest::newRow("value") << Name(&Definition::getValueOrvalisModeFactoryReset)
+                           << QStringLiteral("factoryreset");
+}
+
+void tst_KernelCommandLineDefinition::names()
+{
+    QFETCH(Name, name);
+    QFETCH(QString, text);
+
+    const QString& first = name();
+    QCOMPARE(first, text);
+    QCOMPARE(&name(), &first);
+}
+
+void tst_KernelCommandLineDefinition::constructionIsSilent()
+{
+    const QScopedPointer<KernelCommandLineDefinition> definition(new KernelCommandLineDefinition);
+    QCOMPARE(messages().takeProblems(), QStringList());
+}
+
+QTEST_GUILESS_MAIN(tst_KernelCommandLineDefinition)
+#include "tst_KernelCommandLineDefinition.moc"

@@ -1,0 +1,215 @@
+#include "DeviceRoot.h"
+#include "KernelCommandLineParser.h"
+#include "TestCase.h"
+
+#include <cstring>
+#include <type_traits>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+static_assert(sizeof(KernelCommandLineParser) == sizeof(void*) + sizeof(QStringList),
+              "the arguments alone");
+static_assert(std::has_virtual_destructor<KernelCommandLineParser>::value, "virtual destructor");
+
+class tst_KernelCommandLineParser : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void look_data();
+    void look();
+    void longLine();
+    void isReadOnceByEachObject();
+    void missingFile();
+    void unreadableFile();
+
+private:
+    void verifyNothingIsContained(const KernelCommandLineParser& parser);
+};
+
+void tst_KernelCommandLineParser::look_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("argument"); // empty: none
+    QTest::addColumn<QString>("value");
+
+    const auto newRow = [](const char* situation, const QByteArray& line, const char* key,
+                           const QString& argument, const QString& value) {
+        QTest::newRow(situation) << line << QString::fromUtf8(key) << argument << value;
+    };
+    const QString none;
+    const QString mode = QStringLiteral("mode");
+    const QString x = QStringLiteral("x");
+    const QString modeX = QStringLiteral("mode=x");
+    const QString lineFeed = QStringLiteral("\n");
+
+    const QByteArray usual("console=ttyS0 orvalismode=factoryreset quiet\n");
+    newRow("first word", usual, "console", QStringLiteral("console=ttyS0"),
+           QStringLiteral("ttyS0"));
+    newRow("middle word", usual, "orvalismode", QStringLiteral("orvalismode=factoryreset"),
+           QStringLiteral("factoryreset"));
+    newRow("last word keeps its line feed", usual, "quiet", QStringLiteral("quiet\n"), lineFeed);
+    newRow("last value keeps its line feed", "a mode=x\n", "mode", QStringLiteral("mode=x\n"),
+           QStringLiteral("x\n"));
+    newRow("no line feed", "a mode=x", "mode", modeX, x);
+    newRow("not there", usual, "root", none, none);
+
+    newRow("empty file", "", "a", none, none);
+    newRow("empty file, empty key", "", "", none, none);
+    newRow("blanks alone", "   ", "", none, none);
+    newRow("line feed alone", "\n", "", none, none);
+    newRow("blank and line feed", " \n", "", none, none);
+    newRow("two line feeds are a word", "\n\n", "", QStringLiteral("\n\n"), QStringLiteral("\n\n"));
+
+    newRow("two blanks", "a  mode=x b", "mode", modeX, x);
+    newRow("leading blanks", "  mode=x b", "", modeX, modeX);
+    newRow("trailing blanks", "mode=x  ", "mode", modeX, x);
+    newRow("trailing blank and line feed", "mode=x \n", "mode", modeX, x);
+    newRow("lone line feeds everywhere", "\n \n mode=x \n", "", modeX, modeX);
+    newRow("lone line feeds are not found", "\n mode=x \n", "\n", none, none);
+    newRow("tab does not part", "a\tmode=x", "mode", none, none);
+    newRow("tab stays in the word", "mode=x\ty b", "mode", QStringLiteral("mode=x\ty"),
+           QStringLiteral("x\ty"));
+    newRow("line feed does not part", "a\nmode=x b", "mode", none, none);
+    newRow("line feed in a word stays", "a\nmode=x b", "a", QStringLiteral("a\nmode=x"),
+           QStringLiteral("\nmode=x"));
+    newRow("carriage return stays", "mode=x\r\n", "mode", QStringLiteral("mode=x\r\n"),
+           QStringLiteral("x\r\n"));
+    newRow("lone carriage return is a word", "\r \n", "", QStringLiteral("\r"),
+           QStringLiteral("\r"));
+    newRow("quotes mean nothing", "mode=\"x y\" z", "mode", QStringLiteral("mode=\"x"),
+           QStringLiteral("\"x"));
+
+    newRow("before a zero byte", QByteArray("mode=x\0y b", 10), "mode", modeX, x);
+    newRow("after a zero byte", QByteArray("a \0mode=x b", 11), "mode", none, none);
+    newRow("zero byte first", QByteArray("\0mode=x", 7), "", none, none);
+    newRow("UTF-8", "mode=\xc3\xa4 b", "mode", QStringLiteral("mode=\u00e4"),
+           QStringLiteral("\u00e4"));
+    newRow("UTF-8 key", "m\xc3\xb6=x b", "m\xc3\xb6", QStringLiteral("m\u00f6=x"), x);
+    newRow("invalid UTF-8", "mode=\xff b", "mode", QStringLiteral("mode=\ufffd"),
+           QStringLiteral("\ufffd"));
+    newRow("invalid UTF-8 before it", "\xc3 mode=x b", "mode", modeX, x);
+
+    newRow("longer name that begins with the key", "orvalismodex=1 b", "orvalismode",
+           QStringLiteral("orvalismodex=1"), QStringLiteral("x=1"));
+    newRow("longer name comes first", "modex=1 mode=x b", "mode", QStringLiteral("modex=1"),
+           QStringLiteral("x=1"));
+    newRow("longer name comes second", "mode=x modex=1 b", "mode", modeX, x);
+    newRow("key in the middle of a word", "amode=x b", "mode", none, none);
+    newRow("key longer than the word", "mod=x b", "mode", none, none);
+    newRow("other case", "MODE=x Mode=y b", "mode", none, none);
+    newRow("given twice", "mode=x mode=y b", "mode", modeX, x);
+    newRow("given twice, first without value", "mode mode=y b", "mode", mode, none);
+
+    newRow("bare word", "orvalismode b", "orvalismode", QStringLiteral("orvalismode"), none);
+    newRow("empty value", "mode= b", "mode", QStringLiteral("mode="), none);
+    newRow("equals sign in the value", "mode=a=b c", "mode", QStringLiteral("mode=a=b"),
+           QStringLiteral("a=b"));
+    newRow("two equals signs", "mode==x c", "mode", QStringLiteral("mode==x"),
+           QStringLiteral("=x"));
+    newRow("key with equals sign", "mode=x b", "mode=", modeX, x);
+    newRow("key with equals sign, two in the word", "mode==x b", "mode=", QStringLiteral("mode==x"),
+           x);
+    newRow("key with value", "mode=x b", "mode=x", modeX, none);
+    newRow("empty key finds the first word", "console mode=x b", "", QStringLiteral("console"),
+           QStringLiteral("console"));
+    newRow("empty key, word begins with equals sign", "=x b", "", QStringLiteral("=x"), x);
+    newRow("word without name", "a =x b", "=", QStringLiteral("=x"), x);
+    newRow("word without name, two equals signs", "a ==x b", "=", QStringLiteral("==x"), x);
+    newRow("key with a blank", "a mode=x b", "a mode", none, none);
+}
+
+void tst_KernelCommandLineParser::look()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, line);
+    QFETCH(QString, key);
+    QFETCH(QString, argument);
+    QFETCH(QString, value);
+
+    DeviceRoot::setCommandLine(line);
+    const KernelCommandLineParser parser;
+    QCOMPARE(parser.findKey(key), argument);
+    QCOMPARE(parser.contains(key), !argument.isEmpty());
+    QCOMPARE(parser.getValue(key), value);
+}
+
+void tst_KernelCommandLineParser::longLine()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const QByteArray last(" mode=x \n");
+    const QByteArray filling("argument=value ");
+    QByteArray line;
+    while (line.size() + filling.size() + last.size() < 64 * 1024) {
+        line += filling;
+    }
+    line += QByteArray(64 * 1024 - line.size() - last.size(), 'z') + last;
+    QCOMPARE(line.size(), 64 * 1024);
+
+    DeviceRoot::setCommandLine(line);
+    const KernelCommandLineParser parser;
+    QCOMPARE(parser.getValue(QStringLiteral("mode")), QStringLiteral("x"));
+    QCOMPARE(parser.getValue(QStringLiteral("argument")), QStringLiteral("value"));
+}
+
+void tst_KernelCommandLineParser::isReadOnceByEachObject()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    DeviceRoot::setCommandLine("mode=x b\n");
+    const KernelCommandLineParser first;
+    DeviceRoot::setCommandLine("mode=y b\n");
+    const KernelCommandLineParser second;
+    QCOMPARE(first.getValue(QStringLiteral("mode")), QStringLiteral("x"));
+    QCOMPARE(second.getValue(QStringLiteral("mode")), QStringLiteral("y"));
+}
+
+void tst_KernelCommandLineParser::verifyNothingIsContained(const KernelCommandLineParser& parser)
+{
+    for (const QString& key : {QString(), QStringLiteral("mode")}) {
+        QCOMPARE(parser.findKey(key), QString());
+        QVERIFY(!parser.contains(key));
+        QCOMPARE(parser.getValue(key), QString());
+    }
+}
+
+void tst_KernelCommandLineParser::missingFile()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    DeviceRoot::setCommandLine("mode=x b\n");
+    const DeviceRoot::Covered covered("/proc");
+    messages()
+        .expectWarning("KernelCommandLineParser", QStringLiteral("No kernelCommandLine file"))
+        .function("KernelCommandLineParser::KernelCommandLineParser()");
+    const KernelCommandLineParser parser;
+    verifyNothingIsContained(parser);
+}
+
+void tst_KernelCommandLineParser::unreadableFile()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    // A socket in the file system cannot be opened, not even by root.
+    const QString socketPath = path(QStringLiteral("socket"));
+    const QByteArray name = QFile::encodeName(socketPath);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    QVERIFY(name.size() < int(sizeof address.sun_path));
+    memcpy(address.sun_path, name.constData(), size_t(name.size()));
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
+    QVERIFY(descriptor >= 0);
+    QCOMPARE(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+
+    const DeviceRoot::Covered covered("/proc/cmdline", socketPath);
+    messages()
+        .expectWarning("KernelCommandLineParser",
+                       QStringLiteral("Can't open kernelCommandLine file"))
+        .function("KernelCommandLineParser::KernelCommandLineParser()");
+    const KernelCommandLineParser parser;
+    close(descriptor);
+    verifyNothingIsContained(parser);
+}
+
+QTEST_GUILESS_MAIN(tst_KernelCommandLineParser)
+#include "tst_KernelCommandLineParser.moc"

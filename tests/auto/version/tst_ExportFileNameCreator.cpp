@@ -1,0 +1,252 @@
+#include "DeviceRoot.h"
+#include "ExportFileNameCreator.h"
+#include "IniWarnings.h"
+#include "TestCase.h"
+
+#include <QtCore/QRegularExpression>
+
+#include <chrono>
+#include <ctime>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+const QString filePath = QStringLiteral("/etc/rauc/system.conf");
+
+// The local time as a name shows it; by the C library alone. (Not by time(), whose clock may lag
+// behind at the turn of a second.)
+QString localTime()
+{
+    const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    std::tm parts = {};
+    localtime_r(&now, &parts);
+    char text[32];
+    strftime(text, sizeof text, "%Y_%m_%dT%H_%M_%S", &parts);
+    return QString::fromLatin1(text);
+}
+
+// The time zone for the life of the object.
+class TimeZone
+{
+public:
+    explicit TimeZone(const QByteArray& zone) : m_previous(qgetenv("TZ"))
+    {
+        qputenv("TZ", zone);
+        tzset();
+    }
+
+    ~TimeZone()
+    {
+        if (m_previous.isNull()) {
+            qunsetenv("TZ");
+        } else {
+            qputenv("TZ", m_previous);
+        }
+        tzset();
+    }
+
+    Q_DISABLE_COPY(TimeZone)
+
+private:
+    const QByteArray m_previous;
+};
+
+// The time in a name between what must stand before and after it; null when that is not there.
+QString timeIn(const QString& name, const QString& before, const QString& after)
+{
+    if (!name.startsWith(before) || !name.endsWith(after)) {
+        return QString();
+    }
+    return name.mid(before.size(), name.size() - before.size() - after.size());
+}
+
+} // namespace
+
+static_assert(sizeof(ExportFileNameCreator) == sizeof(void*), "no fields");
+static_assert(std::has_virtual_destructor<ExportFileNameCreator>::value, "virtual destructor");
+static_assert(std::is_default_constructible<ExportFileNameCreator>::value, "constructible");
+
+class tst_ExportFileNameCreator : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void form();
+    void extension_data();
+    void extension();
+    void deviceIndex_data();
+    void deviceIndex();
+    void deviceIndexMissing();
+    void deviceIndexIsReadAtEachCall();
+    void localTimeIsTaken_data();
+    void localTimeIsTaken();
+    void callsInOneSecondAgree();
+    void manyThreads();
+};
+
+void tst_ExportFileNameCreator::form()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
+    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    const QRegularExpression form(
+        QStringLiteral("\\AV3_[0-9]{4}_[0-9]{2}_[0-9]{2}T[0-9]{2}_[0-9]{2}_[0-9]{2}\\.csv\\z"));
+    QVERIFY2(form.match(name).hasMatch(), qPrintable(name));
+}
+
+void tst_ExportFileNameCreator::extension_data()
+{
+    QTest::addColumn<QString>("extension");
+
+    QTest::newRow("plain") << QStringLiteral("csv");
+    QTest::newRow("empty") << QStringLiteral("");
+    QTest::newRow("null") << QString();
+    QTest::newRow("first place") << QStringLiteral("%1");
+    QTest::newRow("second place") << QStringLiteral("%2");
+    QTest::newRow("third place") << QStringLiteral("%3");
+    QTest::newRow("all places") << QStringLiteral("%1%2%3%4");
+    QTest::newRow("percent signs") << QStringLiteral("%%");
+    QTest::newRow("places of the locale") << QStringLiteral("%L1");
+    QTest::newRow("leading dot") << QStringLiteral(".csv");
+    QTest::newRow("what is replaced in the time") << QStringLiteral("tar.gz:a-b");
+    QTest::newRow("folder") << QStringLiteral("../x");
+    QTest::newRow("other script") << QString(QChar(0x4e2d));
+}
+
+void tst_ExportFileNameCreator::extension()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QString, extension);
+
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
+    const QString earliest = localTime();
+    const QString name = ExportFileNameCreator::create(extension);
+    const QString latest = localTime();
+    const QString time = timeIn(name, QStringLiteral("V3_"), QLatin1Char('.') + extension);
+    QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
+}
+
+void tst_ExportFileNameCreator::deviceIndex_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QString>("begin");
+
+    QTest::newRow("zero") << QByteArray("0") << QStringLiteral("V0_");
+    QTest::newRow("large") << QByteArray("2147483647") << QStringLiteral("V2147483647_");
+    QTest::newRow("negative, keeps its dash") << QByteArray("-1") << QStringLiteral("V-1_");
+}
+
+void tst_ExportFileNameCreator::deviceIndex()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, value);
+    QFETCH(QString, begin);
+
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=" + value + "\n");
+    const QString earliest = localTime();
+    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    const QString latest = localTime();
+    const QString time = timeIn(name, begin, QStringLiteral(".csv"));
+    QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
+}
+
+void tst_ExportFileNameCreator::deviceIndexMissing()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    IniWarnings::expectMissingFile(messages(), filePath);
+    IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("compatible"),
+                                  QStringLiteral("system"));
+    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    QVERIFY2(name.startsWith(QLatin1String("V0_")), qPrintable(name));
+}
+
+void tst_ExportFileNameCreator::deviceIndexIsReadAtEachCall()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    for (const char index : {'3', '4'}) {
+        DeviceRoot::writeFile(filePath, QByteArray("[system]\ncompatible=") + index + '\n');
+        const QString name = ExportFileNameCreator::create(QString());
+        QCOMPARE(name.at(1), QChar::fromLatin1(index));
+    }
+}
+
+void tst_ExportFileNameCreator::localTimeIsTaken_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+
+    QTest::newRow("UTC") << QByteArray("UTC0");
+    QTest::newRow("east") << QByteArray("<+0545>-05:45");
+    QTest::newRow("west") << QByteArray("<-0930>+09:30");
+    // Whatever the time of the year: there is always summer in one of the two.
+    QTest::newRow("summer in July") << QByteArray("CET-1CEST,M3.5.0,M10.5.0/3");
+    QTest::newRow("summer in January") << QByteArray("NZST-12NZDT,M9.5.0,M4.1.0/3");
+}
+
+void tst_ExportFileNameCreator::localTimeIsTaken()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, zone);
+
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
+    const TimeZone timeZone(zone);
+    const QString earliest = localTime();
+    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    const QString latest = localTime();
+    const QString time = timeIn(name, QStringLiteral("V3_"), QStringLiteral(".csv"));
+    QVERIFY2(earliest <= time && time <= latest,
+             qPrintable(QStringLiteral("%1 <= %2 <= %3").arg(earliest, time, latest)));
+}
+
+void tst_ExportFileNameCreator::callsInOneSecondAgree()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
+    QString before;
+    QString after;
+    QString first;
+    QString second;
+    do {
+        before = localTime();
+        first = ExportFileNameCreator::create(QStringLiteral("csv"));
+        second = ExportFileNameCreator::create(QStringLiteral("csv"));
+        after = localTime();
+    } while (before != after);
+    QCOMPARE(first, second);
+    QCOMPARE(first, QStringLiteral("V3_") + before + QStringLiteral(".csv"));
+}
+
+void tst_ExportFileNameCreator::manyThreads()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    constexpr int threadCount = 8;
+    constexpr int callsPerThread = 50;
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
+
+    const QString earliest = localTime();
+    std::vector<QStringList> names(threadCount);
+    std::vector<std::thread> threads;
+    for (QStringList& ownNames : names) {
+        threads.emplace_back([&ownNames] {
+            for (int i = 0; i < callsPerThread; ++i) {
+                ownNames.append(ExportFileNameCreator::create(QStringLiteral("csv")));
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const QString latest = localTime();
+
+    for (const QStringList& ownNames : names) {
+        QCOMPARE(ownNames.size(), callsPerThread);
+        for (const QString& name : ownNames) {
+            const QString time = timeIn(name, QStringLiteral("V3_"), QStringLiteral(".csv"));
+            QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_ExportFileNameCreator)
+#include "tst_ExportFileNameCreator.moc"
