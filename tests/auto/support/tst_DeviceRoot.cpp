@@ -1,0 +1,567 @@
+#include "ChildProcess.h"
+#include "DeviceRoot.h"
+#include "TestCase.h"
+
+#include <QtCore/QDirIterator>
+#include <QtCore/QProcess>
+#include <QtCore/QRegularExpression>
+
+#include <csignal>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// How a program in a device root ended, and what it and the launcher wrote.
+struct Result
+{
+    QProcess::ExitStatus status = QProcess::CrashExit;
+    int exitCode = -1; // or the signal
+    QByteArray output;
+    QByteArray errors;
+};
+
+// What a device's paths look like from a shell.
+const QByteArray listDevice("for f in /orvalis /orvalis-reboot /etc/rauc; do "
+                            "[ -e $f ] && echo $f; done; cat /proc/cmdline");
+
+// The names in the machine's own /, and what of a device it has.
+QStringList machine()
+{
+    QStringList entries =
+        QDir(QStringLiteral("/")).entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
+    for (const QString& folder : {QStringLiteral("/orvalis"), QStringLiteral("/etc/rauc")}) {
+        QDirIterator iterator(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                              QDirIterator::Subdirectories);
+        while (iterator.hasNext()) {
+            entries.append(iterator.next());
+        }
+    }
+    return entries;
+}
+
+} // namespace
+
+// The launcher that puts a device's files at their real paths.
+class tst_DeviceRoot : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void filesStandAtTheirPaths();
+    void whatTheTreeLacksIsMissing();
+    void commandLineCanBeChanged();
+    void filesOfTheDeviceCanBeChanged();
+    void machineIsUntouched();
+    void twoSideBySide();
+    void restOfTheMachineIsThere();
+    void argumentsAreHandedThrough();
+    void standardInputIsHandedThrough();
+    void exitCodesAreHandedThrough_data();
+    void exitCodesAreHandedThrough();
+    void signalsAreHandedThrough();
+    void currentFolderStays_data();
+    void currentFolderStays();
+    void linksInTheTreeStayLinks();
+    void relativeTree();
+    void unusableTree_data();
+    void unusableTree();
+    void usage();
+    void ordinaryUser();
+    void unreadableTree_data();
+    void unreadableTree();
+    void withoutNamespaces();
+    void testsAreSkippedWithoutNamespaces();
+    void skipIsAFailureInContinuousIntegration();
+    void variableAloneIsNoDeviceRoot();
+
+private:
+    // The row's folder with an empty tree, and the environment that the test was started with.
+    void prepare();
+    bool isAvailable();
+    QString writeTreeFile(const QString& name, const QByteArray& content);
+    Result runProgram(const QString& program, const QStringList& arguments,
+                      const QByteArray& input = QByteArray());
+    // Runs a shell command in a device root of the row's tree.
+    Result runShell(const QByteArray& command, const QStringList& arguments = QStringList());
+    // Runs a shell command as an ordinary user, with the launcher as "$LAUNCHER", in the row's
+    // folder.
+    ChildResult runAsOrdinaryUser(const QByteArray& command);
+    // Lets the row's programs find an unshare that fails as it does where namespaces are forbidden.
+    void forbidNamespaces();
+
+    const QString m_launcher = QStringLiteral(MISCTOOLS_DEVICE_ROOT_LAUNCHER);
+    QString m_currentFolder;
+    QProcessEnvironment m_environment;
+};
+
+#define NEED_NAMESPACES()                                                                          \
+    do {                                                                                           \
+        prepare();                                                                                 \
+        if (!isAvailable()) {                                                                      \
+            MISCTOOLS_SKIP("needs private namespaces, which are not to be had here");              \
+        }                                                                                          \
+    } while (false)
+
+void tst_DeviceRoot::prepare()
+{
+    m_currentFolder = folder();
+    m_environment = QProcessEnvironment::systemEnvironment();
+    QVERIFY(QDir(folder()).mkpath(QStringLiteral("tree")));
+}
+
+bool tst_DeviceRoot::isAvailable()
+{
+    const Result result = runShell("true");
+    return !result.errors.contains("not available here");
+}
+
+QString tst_DeviceRoot::writeTreeFile(const QString& name, const QByteArray& content)
+{
+    const QString file = QStringLiteral("tree/") + name;
+    QDir().mkpath(QFileInfo(path(file)).path());
+    return writeFile(file, content);
+}
+
+Result tst_DeviceRoot::runProgram(const QString& program, const QStringList& arguments,
+                                  const QByteArray& input)
+{
+    QProcess process;
+    process.setProcessEnvironment(m_environment);
+    process.setWorkingDirectory(m_currentFolder);
+    process.start(program, arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    Result result;
+    if (!process.waitForFinished(60000)) {
+        qFatal("%s does not end", qPrintable(program));
+    }
+    result.status = process.exitStatus();
+    result.exitCode = process.exitCode();
+    result.output = process.readAllStandardOutput();
+    result.errors = process.readAllStandardError();
+    return result;
+}
+
+Result tst_DeviceRoot::runShell(const QByteArray& command, const QStringList& arguments)
+{
+    return runProgram(m_launcher, QStringList{path(QStringLiteral("tree")), QStringLiteral("sh"),
+                                              QStringLiteral("-c"), QString::fromUtf8(command),
+                                              QStringLiteral("sh")} +
+                                      arguments);
+}
+
+ChildResult tst_DeviceRoot::runAsOrdinaryUser(const QByteArray& command)
+{
+    // A checkout may lie where an ordinary user may not look.
+    const QString launcher = path(QStringLiteral("launcher"));
+    if (!QFile::exists(launcher) && !QFile::copy(m_launcher, launcher)) {
+        qFatal("cannot copy the launcher");
+    }
+    const QByteArray place = QFile::encodeName(folder());
+    chmod(place.constData(), 0755);
+    const QByteArray whole = "cd '" + place + "' && LAUNCHER=./launcher && " + command;
+    return ChildProcess::runAsOrdinaryUser([&whole] {
+        // As an ordinary user's often is: without the system's own tools.
+        setenv("PATH", "/usr/bin:/bin", 1);
+        execl("/bin/sh", "sh", "-c", whole.constData(), nullptr);
+        return 254;
+    });
+}
+
+void tst_DeviceRoot::forbidNamespaces()
+{
+    QDir().mkpath(path(QStringLiteral("bin")));
+    const QString unshare = writeFile(
+        QStringLiteral("bin/unshare"),
+        "#!/bin/sh\necho 'unshare: unshare failed: Operation not permitted' >&2\nexit 1\n");
+    QFile::setPermissions(unshare, QFile::ReadOwner | QFile::ExeOwner);
+    const QString searchPath = QStringLiteral("PATH");
+    m_environment.insert(searchPath, path(QStringLiteral("bin")) + QLatin1Char(':') +
+                                         m_environment.value(searchPath));
+}
+
+void tst_DeviceRoot::filesStandAtTheirPaths()
+{
+    NEED_NAMESPACES();
+    writeTreeFile(QStringLiteral("orvalis/VersionFile.ini"), "version");
+    writeTreeFile(QStringLiteral("orvalis/etc/OrvalisVersionInfo.ini"), "info");
+    writeTreeFile(QStringLiteral("orvalis/etc/orvalis-first-boot"), "");
+    writeTreeFile(QStringLiteral("orvalis-reboot"), "");
+    writeTreeFile(QStringLiteral("etc/rauc/system.conf"), "system");
+    writeTreeFile(QStringLiteral("proc/cmdline"), "quiet\n");
+
+    const Result result = runShell(
+        "cat /orvalis/VersionFile.ini; echo; cat /orvalis/etc/OrvalisVersionInfo.ini; echo; "
+        "cat /etc/rauc/system.conf; echo; cat /proc/cmdline; "
+        "find /orvalis /orvalis-reboot /etc/rauc -type f | sort");
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.output, QByteArray("version\ninfo\nsystem\nquiet\n"
+                                       "/etc/rauc/system.conf\n/orvalis-reboot\n"
+                                       "/orvalis/VersionFile.ini\n"
+                                       "/orvalis/etc/OrvalisVersionInfo.ini\n"
+                                       "/orvalis/etc/orvalis-first-boot\n"));
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_DeviceRoot::whatTheTreeLacksIsMissing()
+{
+    NEED_NAMESPACES();
+    const Result result = runShell(listDevice);
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.output, QByteArray());
+}
+
+void tst_DeviceRoot::commandLineCanBeChanged()
+{
+    NEED_NAMESPACES();
+    writeTreeFile(QStringLiteral("proc/cmdline"), "first\n");
+    const Result result = runShell("cat /proc/cmdline; echo second "
+                                   ">$MISCTOOLS_DEVICE_ROOT/cmdline; cat /proc/cmdline");
+    QCOMPARE(result.output, QByteArray("first\nsecond\n"));
+    QCOMPARE(readFile(path(QStringLiteral("tree/proc/cmdline"))), QByteArray("first\n"));
+}
+
+void tst_DeviceRoot::filesOfTheDeviceCanBeChanged()
+{
+    NEED_NAMESPACES();
+    const QString reboot = writeTreeFile(QStringLiteral("orvalis-reboot"), "");
+    const QString version = writeTreeFile(QStringLiteral("orvalis/VersionFile.ini"), "old");
+    const Result result = runShell(
+        "rm /orvalis-reboot && echo new >/orvalis/VersionFile.ini && mkdir /etc/rauc && "
+        "touch /etc/rauc/system.conf && ls / | grep orvalis; cat /orvalis/*; ls /etc/rauc");
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.output, QByteArray("orvalis\nnew\nsystem.conf\n"));
+    // The tree is a pattern only.
+    QVERIFY(QFile::exists(reboot));
+    QCOMPARE(readFile(version), QByteArray("old"));
+    QVERIFY(!QFile::exists(path(QStringLiteral("tree/etc"))));
+}
+
+void tst_DeviceRoot::machineIsUntouched()
+{
+    NEED_NAMESPACES();
+    writeTreeFile(QStringLiteral("orvalis/VersionFile.ini"), "version");
+    writeTreeFile(QStringLiteral("orvalis-reboot"), "");
+    const QStringList before = machine();
+    const QByteArray commandLine = readFile(QStringLiteral("/proc/cmdline"));
+    const QByteArray mounts = readFile(QStringLiteral("/proc/self/mounts"));
+
+    const Result result = runShell("touch /orvalis/new /etc/rauc && mkdir /folder && echo in");
+    QCOMPARE(result.output, QByteArray("in\n"));
+
+    QCOMPARE(machine(), before);
+    QCOMPARE(readFile(QStringLiteral("/proc/cmdline")), commandLine);
+    QCOMPARE(readFile(QStringLiteral("/proc/self/mounts")), mounts);
+}
+
+void tst_DeviceRoot::twoSideBySide()
+{
+    NEED_NAMESPACES();
+    // Each says that it is ready, waits for the other, and then looks.
+    const QStringList names{QStringLiteral("a"), QStringLiteral("b")};
+    QScopedPointer<QProcess> processes[2];
+    for (int i = 0; i < 2; ++i) {
+        writeFile(names.at(i), QByteArray());
+        QVERIFY(QDir(folder()).mkpath(QStringLiteral("tree-") + names.at(i)));
+        writeFile(QStringLiteral("tree-%1/orvalis-reboot").arg(names.at(i)),
+                  names.at(i).toLatin1());
+        processes[i].reset(new QProcess);
+        processes[i]->start(
+            m_launcher,
+            {path(QStringLiteral("tree-") + names.at(i)), QStringLiteral("sh"),
+             QStringLiteral("-c"),
+             QStringLiteral("echo own-%1 >$MISCTOOLS_DEVICE_ROOT/cmdline; mkdir /orvalis; "
+                            "touch /orvalis/%1 /etc/rauc; echo ready; read answer; "
+                            "cat /orvalis-reboot /proc/cmdline; ls /orvalis")
+                 .arg(names.at(i))});
+    }
+    for (const QScopedPointer<QProcess>& process : processes) {
+        QTRY_VERIFY_WITH_TIMEOUT(process->canReadLine(), 30000);
+        QCOMPARE(process->readLine(), QByteArray("ready\n"));
+    }
+    for (int i = 0; i < 2; ++i) {
+        processes[i]->write("go\n");
+        processes[i]->closeWriteChannel();
+        QVERIFY(processes[i]->waitForFinished());
+        const QByteArray name = names.at(i).toLatin1();
+        QCOMPARE(processes[i]->readAllStandardOutput(), name + "own-" + name + '\n' + name + '\n');
+    }
+}
+
+void tst_DeviceRoot::restOfTheMachineIsThere()
+{
+    NEED_NAMESPACES();
+    // Every file of / and /etc that an ordinary look finds here is found there too.
+    QByteArray expected;
+    for (const QString& name : {QStringLiteral("/"), QStringLiteral("/etc")}) {
+        const QStringList entries =
+            QDir(name).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        for (const QString& entry : entries) {
+            const QString file = name + QLatin1Char('/') + entry;
+            if (!entry.startsWith(QLatin1String("orvalis")) && entry != QLatin1String("rauc")) {
+                expected += QFile::encodeName(file) + '\n';
+            }
+        }
+    }
+    const QString list = writeFile(QStringLiteral("list"), expected);
+    const Result result = runShell("while IFS= read -r f; do [ -e \"$f\" ] && echo \"$f\"; done "
+                                   "<\"$1\"; cat /etc/passwd | cmp - \"$2\" >&2",
+                                   {list, QStringLiteral("/etc/passwd")});
+    QCOMPARE(result.output, expected);
+    QCOMPARE(result.errors, QByteArray());
+}
+
+void tst_DeviceRoot::argumentsAreHandedThrough()
+{
+    NEED_NAMESPACES();
+    const QStringList arguments{QStringLiteral("two  blanks"), QString(),
+                                QStringLiteral("*"),           QStringLiteral("--inside"),
+                                QStringLiteral("line\nfeed"),  QStringLiteral("$HOME"),
+                                QStringLiteral("quote'\"")};
+    const Result result = runShell("printf '<%s>' \"$@\"", arguments);
+    QByteArray expected;
+    for (const QString& argument : arguments) {
+        expected += '<' + argument.toUtf8() + '>';
+    }
+    QCOMPARE(result.output, expected);
+}
+
+void tst_DeviceRoot::standardInputIsHandedThrough()
+{
+    NEED_NAMESPACES();
+    const QByteArray input(100000, 'x');
+    const Result result =
+        runProgram(m_launcher, {path(QStringLiteral("tree")), QStringLiteral("cat")}, input);
+    QCOMPARE(result.output.size(), input.size());
+    QCOMPARE(result.output, input);
+}
+
+void tst_DeviceRoot::exitCodesAreHandedThrough_data()
+{
+    QTest::addColumn<int>("code");
+    for (const int code : {0, 1, 2, 77, 125, 255}) {
+        QTest::addRow("%d", code) << code;
+    }
+}
+
+void tst_DeviceRoot::exitCodesAreHandedThrough()
+{
+    NEED_NAMESPACES();
+    QFETCH(int, code);
+    const Result result = runShell("exit " + QByteArray::number(code));
+    QCOMPARE(result.status, QProcess::NormalExit);
+    QCOMPARE(result.exitCode, code);
+}
+
+void tst_DeviceRoot::signalsAreHandedThrough()
+{
+    NEED_NAMESPACES();
+    // One that the program sends to itself ...
+    const Result result = runShell("kill -KILL $$");
+    QCOMPARE(result.status, QProcess::CrashExit);
+    QCOMPARE(result.exitCode, SIGKILL);
+
+    // ... and one that the launcher gets.
+    QProcess process;
+    process.start(m_launcher,
+                  {path(QStringLiteral("tree")), QStringLiteral("sh"), QStringLiteral("-c"),
+                   QStringLiteral("trap 'echo caught; exit 9' TERM; echo ready; "
+                                  "while :; do read answer || exit 8; done")});
+    QTRY_VERIFY_WITH_TIMEOUT(process.canReadLine(), 30000);
+    QCOMPARE(process.readLine(), QByteArray("ready\n"));
+    process.terminate();
+    // The shell looks at its signals between two commands.
+    process.write("\n");
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.readAll(), QByteArray("caught\n"));
+    QCOMPARE(process.exitCode(), 9);
+}
+
+void tst_DeviceRoot::currentFolderStays_data()
+{
+    QTest::addColumn<QString>("folderPath"); // null: the row's own
+    QTest::newRow("in a temporary folder") << QString();
+    QTest::newRow("root") << QStringLiteral("/");
+    QTest::newRow("tmp") << QStringLiteral("/tmp");
+    QTest::newRow("where the new root is made") << QStringLiteral("/mnt");
+    QTest::newRow("the project") << QFileInfo(m_launcher).path();
+    QTest::newRow("etc") << QStringLiteral("/etc");
+}
+
+void tst_DeviceRoot::currentFolderStays()
+{
+    NEED_NAMESPACES();
+    QFETCH(QString, folderPath);
+    m_currentFolder = folderPath.isNull() ? folder() : folderPath;
+    const Result result = runShell("pwd");
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.output, QFile::encodeName(m_currentFolder) + '\n');
+}
+
+void tst_DeviceRoot::linksInTheTreeStayLinks()
+{
+    NEED_NAMESPACES();
+    QVERIFY(QFile::link(QStringLiteral("/nothing"), path(QStringLiteral("tree/orvalis-reboot"))));
+    QVERIFY(QDir(folder()).mkpath(QStringLiteral("tree/orvalis/etc")));
+    QVERIFY(QFile::link(QStringLiteral("/etc/passwd"),
+                        path(QStringLiteral("tree/orvalis/etc/orvalis-first-boot"))));
+    const Result result =
+        runShell("readlink /orvalis-reboot; readlink /orvalis/etc/orvalis-first-boot");
+    QCOMPARE(result.output, QByteArray("/nothing\n/etc/passwd\n"));
+}
+
+void tst_DeviceRoot::relativeTree()
+{
+    NEED_NAMESPACES();
+    QVERIFY(QDir(folder()).mkpath(QStringLiteral("a  tree/-odd")));
+    writeFile(QStringLiteral("a  tree/-odd/orvalis-reboot"), "odd");
+    m_currentFolder = path(QStringLiteral("a  tree"));
+    const Result result = runProgram(m_launcher, {QStringLiteral("-odd"), QStringLiteral("cat"),
+                                                  QStringLiteral("/orvalis-reboot")});
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.output, QByteArray("odd"));
+}
+
+void tst_DeviceRoot::unusableTree_data()
+{
+    QTest::addColumn<QString>("tree");
+    QTest::newRow("missing") << QStringLiteral("none");
+    QTest::newRow("file") << QStringLiteral("file");
+    QTest::newRow("empty name") << QString();
+}
+
+void tst_DeviceRoot::unusableTree()
+{
+    QFETCH(QString, tree);
+    prepare();
+    writeFile(QStringLiteral("file"), "x");
+    const Result result =
+        runProgram(m_launcher, {tree, QStringLiteral("echo"), QStringLiteral("must not run")});
+    QCOMPARE(result.errors, "device root: there is no folder " + tree.toUtf8() + '\n');
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.exitCode, 125);
+}
+
+void tst_DeviceRoot::usage()
+{
+    prepare();
+    const Result result = runProgram(m_launcher, {folder()});
+    QVERIFY(result.errors.contains("script/device-root TREE PROGRAM [ARGUMENT...]"));
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.exitCode, 125);
+}
+
+void tst_DeviceRoot::ordinaryUser()
+{
+    NEED_NAMESPACES();
+    writeTreeFile(QStringLiteral("orvalis/VersionFile.ini"), "version");
+    writeTreeFile(QStringLiteral("proc/cmdline"), "quiet\n");
+    const ChildResult result = runAsOrdinaryUser(
+        "\"$LAUNCHER\" tree sh -c 'cat /orvalis/VersionFile.ini /proc/cmdline; "
+        "echo \"$PATH\"; echo own >/orvalis/VersionFile.ini; touch /orvalis-reboot; "
+        "cat /orvalis/VersionFile.ini; exit 7'");
+    if (result.output.contains("not available here")) {
+        MISCTOOLS_SKIP("needs user namespaces, which are root's alone here");
+    }
+    QCOMPARE(result.output, QByteArray("versionquiet\n/usr/bin:/bin\nown\n"));
+    QCOMPARE(result.exitCode, 7);
+    QVERIFY(!QFile::exists(QStringLiteral("/orvalis-reboot")));
+}
+
+void tst_DeviceRoot::unreadableTree_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("command line is a folder") << QString();
+    // The owner of a file is stopped by nothing inside a device root; root can play another user.
+    if (geteuid() == 0) {
+        QTest::newRow("no permission") << QStringLiteral("orvalis/VersionFile.ini");
+    }
+}
+
+void tst_DeviceRoot::unreadableTree()
+{
+    NEED_NAMESPACES();
+    QFETCH(QString, file);
+    if (file.isEmpty()) {
+        QVERIFY(QDir(folder()).mkpath(QStringLiteral("tree/proc/cmdline")));
+    } else {
+        QVERIFY(QFile::setPermissions(writeTreeFile(file, "x"), QFileDevice::Permissions()));
+    }
+    const ChildResult result = runAsOrdinaryUser("\"$LAUNCHER\" tree echo must not run");
+    if (result.output.contains("not available here")) {
+        MISCTOOLS_SKIP("needs user namespaces, which are root's alone here");
+    }
+    QVERIFY2(result.output.contains("device root: cannot read the device tree "),
+             result.output.constData());
+    QVERIFY2(!result.output.contains("must not run"), result.output.constData());
+    QCOMPARE(result.exitCode, 125);
+}
+
+void tst_DeviceRoot::withoutNamespaces()
+{
+    prepare();
+    writeTreeFile(QStringLiteral("orvalis-reboot"), "");
+    forbidNamespaces();
+    m_environment.insert(QStringLiteral("MISCTOOLS_DEVICE_ROOT"), QStringLiteral("/left-over"));
+
+    const Result result = runShell("echo \"$1,${MISCTOOLS_DEVICE_ROOT-none}\"; pwd; exit 7",
+                                   {QStringLiteral("it runs")});
+    // The program runs on the bare machine, and one line says why.
+    QCOMPARE(result.output, "it runs,none\n" + QFile::encodeName(folder()) + '\n');
+    QCOMPARE(result.exitCode, 7);
+    QVERIFY2(result.errors.startsWith("device root: not available here; to allow it: "),
+             result.errors.constData());
+    QCOMPARE(result.errors.count('\n'), 1);
+    QVERIFY(!result.errors.contains("Operation not permitted"));
+}
+
+void tst_DeviceRoot::testsAreSkippedWithoutNamespaces()
+{
+    prepare();
+    m_environment.remove(QStringLiteral("CI"));
+    forbidNamespaces();
+    const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
+    QCOMPARE(result.exitCode, 0);
+    QVERIFY2(result.output.contains("needs the device's fixed paths; run it through "
+                                    "script/device-root, where namespaces are allowed"),
+             result.output.constData());
+    // The line by which CTest knows a test that skipped something.
+    const QRegularExpression skipped(QStringLiteral(MISCTOOLS_SKIPPED_EXPRESSION));
+    QVERIFY(skipped.isValid());
+    QVERIFY2(skipped.match(QString::fromUtf8(result.output)).hasMatch(), result.output.constData());
+}
+
+void tst_DeviceRoot::skipIsAFailureInContinuousIntegration()
+{
+    prepare();
+    m_environment.insert(QStringLiteral("CI"), QStringLiteral("true"));
+    forbidNamespaces();
+    const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
+    QVERIFY(result.exitCode > 0);
+    QVERIFY2(result.output.contains("must not be skipped where CI=true: needs the device's fixed "
+                                    "paths"),
+             result.output.constData());
+    const QRegularExpression skipped(QStringLiteral(MISCTOOLS_SKIPPED_EXPRESSION));
+    QVERIFY(!skipped.match(QString::fromUtf8(result.output)).hasMatch());
+}
+
+void tst_DeviceRoot::variableAloneIsNoDeviceRoot()
+{
+    // A forgotten variable must not let a test remove the files of a real device.
+    const QString commandLine = writeFile(QStringLiteral("cmdline"), "quiet\n");
+    qputenv("MISCTOOLS_DEVICE_ROOT", QFile::encodeName(folder()));
+    const ChildResult asked = ChildProcess::run([] { return DeviceRoot::isEntered() ? 1 : 0; });
+    const ChildResult changed = ChildProcess::run([] {
+        DeviceRoot::setCommandLine("changed");
+        return 0;
+    });
+    qunsetenv("MISCTOOLS_DEVICE_ROOT");
+    QCOMPARE(asked.exitCode, 0);
+    QCOMPARE(changed.signal, SIGABRT);
+    QCOMPARE(readFile(commandLine), QByteArray("quiet\n"));
+}
+
+QTEST_GUILESS_MAIN(tst_DeviceRoot)
+#include "tst_DeviceRoot.moc"
