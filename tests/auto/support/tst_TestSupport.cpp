@@ -4,6 +4,8 @@
 #include <csignal>
 #include <unistd.h>
 
+Q_DECLARE_METATYPE(ExpectedMessage)
+
 // The tests' own tools: a recorder that misses a message would make every other test worthless.
 class tst_TestSupport : public TestCase
 {
@@ -133,8 +135,6 @@ void tst_TestSupport::ordinaryUserIsStoppedByPermissions()
     QVERIFY(result.exited);
     QCOMPARE(result.exitCode, 0);
 }
-
-Q_DECLARE_METATYPE(ExpectedMessage)
 
 QTEST_GUILESS_MAIN(tst_TestSupport)
 #include "tst_TestSupport.moc"
