@@ -69,6 +69,8 @@ private Q_SLOTS:
     void warningsAreMadeUnderTheLock();
     void groupsAreNeverHalfEntered();
     void listingsAreOfOneMoment();
+    void indexedReadsAreOfOneMoment_data();
+    void indexedReadsAreOfOneMoment();
     void noWriteIsLostBetweenFlushes_data();
     void noWriteIsLostBetweenFlushes();
     void eventLoopFlushes();
@@ -80,7 +82,8 @@ private:
 
 QString tst_IniFileManagerThreads::iniFile()
 {
-    return writeFile(QStringLiteral("file.ini"), "Key=1\nText=abc\n[Group]\nKey=2\nText=abc\n");
+    return writeFile(QStringLiteral("file.ini"),
+                     "Key=1\nText=abc\n[Group]\nKey=2\nText=abc\nPosition=-1\n");
 }
 
 void tst_IniFileManagerThreads::lockingCallsWait_data()
@@ -110,6 +113,14 @@ void tst_IniFileManagerThreads::lockingCallsWait_data()
     row("containsGroup", [](IniFileManager& file) { file.containsGroup(group); });
     row("getChildKeys", [](IniFileManager& file) { file.getChildKeys(group); });
     row("getGroupValues", [](IniFileManager& file) { file.getGroupValues(group); });
+    row("searchIndex", [](IniFileManager& file) {
+        int groupIndex = 0;
+        file.searchIndex(-1, groupIndex);
+    });
+    row("getValueInteger, indexed", [](IniFileManager& file) { file.getValueInteger(-1, key, 3); });
+    row("getValueString, indexed",
+        [](IniFileManager& file) { file.getValueString(-1, key, text); });
+    row("getValueBool, indexed", [](IniFileManager& file) { file.getValueBool(-1, key, true); });
 }
 
 void tst_IniFileManagerThreads::lockingCallsWait()
@@ -188,6 +199,22 @@ void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock_data()
     row("getValue, no key", [=](IniFileManager& file) { file.getValue(group, none, 3); });
     row("getValue, missing", [](IniFileManager& file) { file.getValue(group, missing, 3); });
     row("getValueInteger", [](IniFileManager& file) { file.getValueInteger(group, text, 3); });
+    row("searchIndex, too high", [](IniFileManager& file) {
+        int groupIndex = 0;
+        file.searchIndex(1, groupIndex);
+    });
+    // The only group is at Position -1.
+    for (const int index : {0, 1}) {
+        const auto name = [index](const char* getter) {
+            return QByteArray(getter) + ", indexed, " + (index == 0 ? "missing" : "too high");
+        };
+        row(name("getValueInteger"),
+            [=](IniFileManager& file) { file.getValueInteger(index, key, 3); });
+        row(name("getValueString"),
+            [=](IniFileManager& file) { file.getValueString(index, key, text); });
+        row(name("getValueBool"),
+            [=](IniFileManager& file) { file.getValueBool(index, key, true); });
+    }
 }
 
 void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock()
@@ -261,6 +288,46 @@ void tst_IniFileManagerThreads::listingsAreOfOneMoment()
     });
     for (int i = 0; i < listings; ++i) {
         manager.getGroupValues(group);
+    }
+    stop = true;
+    writer.join();
+    // No warning was announced, so a single "not found" fails this test.
+}
+
+void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment_data()
+{
+    QTest::addColumn<Call>("read");
+    QTest::newRow("getValueInteger")
+        << Call([](IniFileManager& file) { file.getValueInteger(0, key, 3); });
+    QTest::newRow("getValueString")
+        << Call([](IniFileManager& file) { file.getValueString(0, key, text); });
+    QTest::newRow("getValueBool") << Call(
+        [](IniFileManager& file) { file.getValueBool(0, key, true); });
+}
+
+void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment()
+{
+    // The first group leaves its Position before it loses its key, and comes back with it. So the
+    // group that a search finds has the key as long as nobody comes between search and reading.
+    constexpr int reads = 10000;
+
+    QFETCH(Call, read);
+    const QString first = QStringLiteral("A");
+    const QString position = QStringLiteral("Position");
+    IniFileManager manager(writeFile(QStringLiteral("positions.ini"),
+                                     "[A]\nPosition=0\nKey=1\n[B]\nPosition=0\nKey=2\n"),
+                           nullptr);
+    std::atomic<bool> stop{false};
+    std::thread writer([&] {
+        while (!stop) {
+            manager.setValue(first, position, 1);
+            manager.removeValue(first, key);
+            manager.setValue(first, key, 1);
+            manager.setValue(first, position, 0);
+        }
+    });
+    for (int i = 0; i < reads; ++i) {
+        read(manager);
     }
     stop = true;
     writer.join();

@@ -213,3 +213,65 @@ QMap<QString, QVariant> LiteralIniFile::getGroupValues(const QString& group) con
     }
     return values;
 }
+
+bool LiteralIniFile::searchIndex(int externalIndex, int& groupIndex) const
+{
+    const QStringList groups = m_settings.childGroups();
+    if (externalIndex >= groups.count()) {
+        warning() << "Invalid external index!";
+        return false;
+    }
+    for (int i = 0; i < groups.count(); ++i) {
+        if (getValueInteger(groups[i], QStringLiteral("Position"), 0) == externalIndex) {
+            groupIndex = i;
+            return true;
+        }
+    }
+    return false;
+}
+
+int LiteralIniFile::getValueInteger(int externalIndex, const QString& key, int defaultValue) const
+{
+    const QStringList groups = m_settings.childGroups();
+    if (externalIndex < groups.count()) {
+        int groupIndex = 0;
+        if (searchIndex(externalIndex, groupIndex)) {
+            return getValueInteger(groups[groupIndex], key, defaultValue);
+        }
+        warning() << "Index not found in group!";
+        return defaultValue;
+    }
+    warning() << "Invalid group index!";
+    return defaultValue;
+}
+
+QString LiteralIniFile::getValueString(int externalIndex, const QString& key,
+                                       const QString& defaultValue) const
+{
+    const QStringList groups = m_settings.childGroups();
+    if (externalIndex < groups.count()) {
+        int groupIndex = 0;
+        if (searchIndex(externalIndex, groupIndex)) {
+            return getValueString(groups[groupIndex], key, defaultValue);
+        }
+        warning() << "Index not found in group!";
+        return defaultValue;
+    }
+    warning() << "Invalid group index!";
+    return defaultValue;
+}
+
+bool LiteralIniFile::getValueBool(int externalIndex, const QString& key, bool defaultValue) const
+{
+    const QStringList groups = m_settings.childGroups();
+    if (externalIndex < groups.count()) {
+        int groupIndex = 0;
+        if (searchIndex(externalIndex, groupIndex)) {
+            return getValueBool(groups[groupIndex], key, defaultValue);
+        }
+        warning() << "Index not found in group!";
+        return defaultValue;
+    }
+    warning() << "Invalid group index!";
+    return defaultValue;
+}

@@ -42,6 +42,12 @@ public:
     QStringList getChildKeys(const QString& group) const;
     QMap<QString, QVariant> getGroupValues(const QString& group) const;
 
+    bool searchIndex(int externalIndex, int& groupIndex) const;
+    int getValueInteger(int externalIndex, const QString& key, int defaultValue) const;
+    QString getValueString(int externalIndex, const QString& key,
+                           const QString& defaultValue) const;
+    bool getValueBool(int externalIndex, const QString& key, bool defaultValue) const;
+
 private:
     QDebug warning() const;
 

@@ -36,6 +36,19 @@ QByteArray hostileFile(QRandomGenerator& random)
         "[A%2FB]\n",
         "[\xC3\x84]\n",
         "[%U00C4]\n",
+        "Position=0\n",
+        "Position=0\n",
+        "Position=1\n",
+        "Position=1\n",
+        "Position=2\n",
+        "Position=-1\n",
+        "Position=x\n",
+        "Position=\n",
+        "Position=0,1\n",
+        "Position=4294967297\n",
+        "position=1\n",
+        "B\\Position=1\n",
+        "[C]\nPosition=0\n[B]\nPosition=1\n[A]\nPosition=2\n",
         "k=1\n",
         "k=2\n",
         "K=3\n",
@@ -124,6 +137,8 @@ QString anyKey(QRandomGenerator& random)
         QStringLiteral("\u00C4"),
         QStringLiteral("%6B"),
         QStringLiteral("General"),
+        QStringLiteral("Position"),
+        QStringLiteral("Position"),
     };
     return pick(random, keys);
 }
@@ -159,6 +174,8 @@ QVariant anyValue(QRandomGenerator& random)
     static const QVariant values[] = {
         QVariant(),
         QVariant(7),
+        QVariant(0),
+        QVariant(1),
         QVariant(true),
         QVariant(1.5),
         QVariant(QStringLiteral("text")),
@@ -216,13 +233,14 @@ QString shown(const QVariant& value)
 template <typename File>
 QString callAnything(File& file, QRandomGenerator& random)
 {
-    const int operation = random.bounded(24);
+    const int operation = random.bounded(28);
     const QString group = anyGroup(random);
     const QString key = anyKey(random);
     const QVariant value = anyValue(random);
     const QString filter = anyFilter(random);
-    const QString call =
-        QStringLiteral("%1(<%2>, <%3>) ").arg(QString::number(operation), group, key);
+    const int index = random.bounded(-2, 5);
+    const QString call = QStringLiteral("%1(<%2>, <%3>, %4) ")
+                             .arg(QString::number(operation), group, key, QString::number(index));
     switch (operation) {
     case 0:
         file.setGeneralValue(key, value);
@@ -271,6 +289,17 @@ QString callAnything(File& file, QRandomGenerator& random)
         return call + shown(QVariant(file.getGroupValues(group)));
     case 22:
         return call + shown(file.getGroups());
+    case 23: {
+        int groupIndex = 4711;
+        const bool found = file.searchIndex(index, groupIndex);
+        return call + shown(found) + shown(groupIndex);
+    }
+    case 24:
+        return call + shown(file.getValueInteger(index, key, 42));
+    case 25:
+        return call + shown(file.getValueString(index, key, QStringLiteral("default")));
+    case 26:
+        return call + shown(file.getValueBool(index, key, true));
     default:
         file.sync();
         return call;

@@ -23,7 +23,8 @@ private Q_SLOTS:
 private:
     static QByteArray content()
     {
-        return "top=1\nword=abc\n[Net]\nName=eighty\nPort=8080\n[Z]\nk=1\n";
+        return "top=1\nword=abc\n[Net]\nName=eighty\nPort=8080\nPosition=-1\n[Z]\nk=1\nPosition="
+               "1\n";
     }
 };
 
@@ -60,6 +61,14 @@ void tst_IniFileManagerMessages::warning_data()
         "QVariant IniFileManager::getValue(const QString&, const QString&, const QVariant&) const";
     const char getValueInteger[] =
         "int IniFileManager::getValueInteger(const QString&, const QString&, int) const";
+
+    const char searchIndex[] = "bool IniFileManager::searchIndex(int, int&) const";
+    const char getIndexedInteger[] =
+        "int IniFileManager::getValueInteger(int, const QString&, int) const";
+    const char getIndexedString[] =
+        "QString IniFileManager::getValueString(int, const QString&, const QString&) const";
+    const char getIndexedBool[] =
+        "bool IniFileManager::getValueBool(int, const QString&, bool) const";
 
     const char keyIsEmpty[] = "Key is empty!";
     const char groupIsEmpty[] = "Group is empty!";
@@ -193,6 +202,45 @@ void tst_IniFileManagerMessages::warning_data()
             return QVariant(manager.getValueInteger(net, name, 7));
         },
         "Conversion failed: QVariant(QString, \"eighty\")", getValueInteger, 7);
+
+    // Of the two groups, one is at Position -1 and one at 1.
+    row(
+        "searchIndex, too high",
+        [](IniFileManager& manager) {
+            int groupIndex = 0;
+            return QVariant(manager.searchIndex(2, groupIndex));
+        },
+        "Invalid external index!", searchIndex, false);
+    struct Miss
+    {
+        int externalIndex;
+        const char* warning;
+    };
+    const Miss misses[] = {{2, "Invalid group index!"}, {0, "Index not found in group!"}};
+    for (const Miss& miss : misses) {
+        const int index = miss.externalIndex;
+        const auto situation = [&miss](const char* getter) {
+            return QByteArray(getter) + " at an index, " + miss.warning;
+        };
+        row(
+            situation("getValueInteger"),
+            [index, name](IniFileManager& manager) {
+                return QVariant(manager.getValueInteger(index, name, 7));
+            },
+            miss.warning, getIndexedInteger, 7);
+        row(
+            situation("getValueString"),
+            [index, name](IniFileManager& manager) {
+                return QVariant(manager.getValueString(index, name, name));
+            },
+            miss.warning, getIndexedString, name);
+        row(
+            situation("getValueBool"),
+            [index, name](IniFileManager& manager) {
+                return QVariant(manager.getValueBool(index, name, true));
+            },
+            miss.warning, getIndexedBool, true);
+    }
 }
 
 void tst_IniFileManagerMessages::warning()
@@ -238,11 +286,15 @@ void tst_IniFileManagerMessages::handlerUsesTheObject()
         QVERIFY(manager.containsGroup(net));
         QCOMPARE(manager.getValueInteger(net, port, 0), 8080);
         QVERIFY(manager.contains(net, port));
-        QCOMPARE(manager.getChildKeys(net), words("Name Port"));
-        QCOMPARE(manager.getGroupValues(net).size(), 2);
+        QCOMPARE(manager.getChildKeys(net), words("Name Port Position"));
+        QCOMPARE(manager.getGroupValues(net).size(), 3);
         QCOMPARE(manager.getGeneralValueInteger(QStringLiteral("top"), 0), 1);
         QVERIFY(manager.containsGeneral(QStringLiteral("top")));
         QCOMPARE(manager.getGeneralChildKeys(), words("top word"));
+        int groupIndex = -1;
+        QVERIFY(manager.searchIndex(1, groupIndex));
+        QCOMPARE(groupIndex, 1);
+        QCOMPARE(manager.getValueInteger(-1, port, 0), 8080);
         manager.sync();
     });
     const QVariant actual = call(manager);
@@ -265,6 +317,7 @@ void tst_IniFileManagerMessages::handlerWritesThroughTheObject()
         manager.setValue(net, none, 9);
         manager.setGeneralValue(none, 10);
         manager.removeValue(QStringLiteral("Z"), QStringLiteral("k"));
+        manager.removeValue(QStringLiteral("Z"), QStringLiteral("Position"));
     });
     expectIniWarning(QStringLiteral("Key \"none\" not found in Group \"Net\" !"));
     QCOMPARE(manager.getValueInteger(net, none, 7), 7);

@@ -1,0 +1,444 @@
+#include "IniFileManager.h"
+#include "IniTestCase.h"
+
+#include <algorithm>
+#include <functional>
+
+// A file may hold a list of records, one group each, numbered by their key "Position".
+class tst_IniFileManagerIndexed : public IniTestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void searchFindsPosition_data();
+    void searchFindsPosition();
+    void searchRefusesHighIndex_data();
+    void searchRefusesHighIndex();
+    void probesWarnUpToTheMatch_data();
+    void probesWarnUpToTheMatch();
+
+    void gettersRead();
+    void gettersDelegate_data();
+    void gettersDelegate();
+    void gettersRefuseHighIndex_data();
+    void gettersRefuseHighIndex();
+    void gettersMissPosition_data();
+    void gettersMissPosition();
+    void gettersWarnOfProbes();
+
+    void namelessGroupReadsTheTopLevel();
+    void changesOfAnotherManagerCount();
+
+private:
+    void expectNoPosition(const char* group);
+    void expectBadPosition(const char* value);
+};
+
+namespace {
+
+// What groupIndex holds before a search, to see whether it is left alone.
+constexpr int untouched = -4711;
+
+const QString key = QStringLiteral("k");
+const QString defaultText = QStringLiteral("default");
+
+constexpr char searchIndexSignature[] = "bool IniFileManager::searchIndex(int, int&) const";
+constexpr char integerSignature[] =
+    "int IniFileManager::getValueInteger(int, const QString&, int) const";
+constexpr char stringSignature[] =
+    "QString IniFileManager::getValueString(int, const QString&, const QString&) const";
+constexpr char boolSignature[] =
+    "bool IniFileManager::getValueBool(int, const QString&, bool) const";
+constexpr char groupValueSignature[] =
+    "QVariant IniFileManager::getValue(const QString&, const QString&, const QVariant&) const";
+constexpr char groupIntegerSignature[] =
+    "int IniFileManager::getValueInteger(const QString&, const QString&, int) const";
+
+} // namespace
+
+void tst_IniFileManagerIndexed::expectNoPosition(const char* group)
+{
+    expectIniWarning(QStringLiteral("Key \"Position\" not found in Group \"%1\" !")
+                         .arg(QString::fromUtf8(group)))
+        .function(groupValueSignature);
+}
+
+void tst_IniFileManagerIndexed::expectBadPosition(const char* value)
+{
+    expectIniWarning(QStringLiteral("Conversion failed: ") + QString::fromUtf8(value))
+        .function(groupIntegerSignature);
+}
+
+void tst_IniFileManagerIndexed::searchFindsPosition_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("externalIndex");
+    QTest::addColumn<QString>("group"); // null where there is none
+
+    const auto row = [](const char* situation, const char* content, int externalIndex,
+                        const char* group) {
+        QTest::newRow(situation) << QByteArray(content) << externalIndex
+                                 << QString::fromUtf8(group);
+    };
+    const char twisted[] = "[b]\nPosition=0\n[a]\nPosition=1\n";
+    row("list order is by name, 0", twisted, 0, "b");
+    row("list order is by name, 1", twisted, 1, "a");
+    const char mixedCase[] = "[b]\nPosition=0\n[a]\nPosition=0\n[Z]\nPosition=0\n";
+    row("capitals come first", mixedCase, 0, "Z");
+    const char numbers[] = "[R2]\nPosition=0\n[R10]\nPosition=0\n";
+    row("numbers in names are text", numbers, 0, "R10");
+    const char doubled[] = "[c]\nPosition=0\n[b]\nPosition=1\n[a]\nPosition=1\n";
+    row("first of two wins", doubled, 1, "a");
+    row("behind a double", doubled, 0, "c");
+    row("nobody has it", "[a]\nPosition=0\n[b]\nPosition=0\n", 1, nullptr);
+    row("last place", "[a]\nPosition=0\n[b]\nPosition=1\n[c]\nPosition=2\n", 2, "c");
+    row("only one group", "[a]\nPosition=0\n", 0, "a");
+
+    row("negative, nobody has it", "[a]\nPosition=0\n", -1, nullptr);
+    row("negative, found", "[a]\nPosition=0\n[b]\nPosition=-1\n", -1, "b");
+    row("least number, found", "[a]\nPosition=-2147483648\n", -2147483647 - 1, "a");
+    row("negative in an empty file", "", -1, nullptr);
+    row("negative, top-level keys only", "Position=-1\n", -1, nullptr);
+
+    row("in quotes", "[a]\nPosition=\"0\"\n", 0, "a");
+    row("blanks around", "[a]\n Position = 0 \n", 0, "a");
+    row("more than 32 bits are cut", "[a]\nPosition=4294967296\n", 0, "a");
+    row("the last of two keys", "[a]\nPosition=1\nPosition=0\n", 0, "a");
+    row("group given twice", "[a]\nk=1\n[b]\nPosition=1\n[a]\nPosition=0\n", 0, "a");
+    row("top-level Position is no group's", "Position=1\n[a]\nPosition=0\n[b]\nPosition=0\n", 1,
+        nullptr);
+    row("group that is called General", "[%General]\nPosition=0\n", 0, "General");
+    row("subgroup's Position is not the group's",
+        "[a]\nPosition=0\nsub\\Position=1\n[b]\nPosition=0\n", 1, nullptr);
+    row("subgroups are not in the list", "[a/sub]\nk=1\n[a]\nPosition=0\n", 0, "a");
+}
+
+void tst_IniFileManagerIndexed::searchFindsPosition()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, externalIndex);
+    QFETCH(QString, group);
+    writeIni(content);
+    const IniFileManager manager(iniFile(), nullptr);
+
+    int groupIndex = untouched;
+    QCOMPARE(manager.searchIndex(externalIndex, groupIndex), !group.isNull());
+    if (group.isNull()) {
+        QCOMPARE(groupIndex, untouched);
+    } else {
+        QVERIFY(groupIndex >= 0 && groupIndex < manager.getCount());
+        QCOMPARE(manager.getGroups().at(groupIndex), group);
+    }
+}
+
+void tst_IniFileManagerIndexed::searchRefusesHighIndex_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("externalIndex");
+
+    const QByteArray three = "[a]\nPosition=0\n[b]\nPosition=1\n[c]\nPosition=5\n";
+    QTest::newRow("empty file") << QByteArray() << 0;
+    QTest::newRow("top-level keys only") << QByteArray("Position=0\nk=1\n") << 0;
+    QTest::newRow("number of groups") << three << 3;
+    QTest::newRow("above, although a group holds it") << three << 5;
+    QTest::newRow("greatest number") << three << 2147483647;
+    QTest::newRow("groups without any key do not count") << QByteArray("[a]\n[b]\n") << 0;
+    QTest::newRow("subgroups do not count") << QByteArray("[a]\nPosition=0\nb\\Position=1\n") << 1;
+}
+
+void tst_IniFileManagerIndexed::searchRefusesHighIndex()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, externalIndex);
+    writeIni(content);
+    const IniFileManager manager(iniFile(), nullptr);
+
+    // The one warning also shows that no group is looked at.
+    expectIniWarning(QStringLiteral("Invalid external index!")).function(searchIndexSignature);
+    int groupIndex = untouched;
+    QVERIFY(!manager.searchIndex(externalIndex, groupIndex));
+    QCOMPARE(groupIndex, untouched);
+}
+
+void tst_IniFileManagerIndexed::probesWarnUpToTheMatch_data()
+{
+    QTest::addColumn<int>("externalIndex");
+    QTest::addColumn<int>("groupIndex");
+    QTest::addColumn<int>("warnings");
+
+    QTest::newRow("negative, before every warning") << -1 << 0 << 0;
+    QTest::newRow("no Position is 0") << 0 << 1 << 1;
+    QTest::newRow("behind some") << 3 << 6 << 4;
+    QTest::newRow("behind all") << 4 << 8 << 5;
+    QTest::newRow("none") << 5 << untouched << 5;
+}
+
+void tst_IniFileManagerIndexed::probesWarnUpToTheMatch()
+{
+    QFETCH(int, externalIndex);
+    QFETCH(int, groupIndex);
+    QFETCH(int, warnings);
+    writeIni("[a]\nPosition=-1\n"
+             "[b]\nk=1\n"
+             "[c]\nPosition=first\n"
+             "[d]\nposition=3\n" // another key: names are case-sensitive
+             "[e]\nPosition=1,3\n"
+             "[f]\nPosition=0\n"
+             "[g]\nPosition=3\n"
+             "[h]\nPosition=\n"
+             "[i]\nPosition=4\n");
+    const IniFileManager manager(iniFile(), nullptr);
+
+    const std::function<void()> probes[] = {
+        [this] { expectNoPosition("b"); },
+        [this] { expectBadPosition("QVariant(QString, \"first\")"); },
+        [this] { expectNoPosition("d"); },
+        [this] { expectBadPosition("QVariant(QStringList, (\"1\", \"3\"))"); },
+        [this] { expectBadPosition("QVariant(QString, \"\")"); },
+    };
+    std::for_each_n(probes, warnings, [](const auto& expectProbe) { expectProbe(); });
+    int found = untouched;
+    QCOMPARE(manager.searchIndex(externalIndex, found), groupIndex != untouched);
+    QCOMPARE(found, groupIndex);
+}
+
+void tst_IniFileManagerIndexed::gettersRead()
+{
+    writeIni("k=top\n"
+             "[last]\nPosition=0\nk=12\n"
+             "[early]\nPosition=1\nk=-3\n"
+             "[middle]\nPosition=-7\nk=true\n");
+    const IniFileManager manager(iniFile(), nullptr);
+    QCOMPARE(manager.getValueInteger(0, key, 99), 12);
+    QCOMPARE(manager.getValueInteger(1, key, 99), -3);
+    QCOMPARE(manager.getValueString(0, key, defaultText), QStringLiteral("12"));
+    QCOMPARE(manager.getValueString(1, key, defaultText), QStringLiteral("-3"));
+    QCOMPARE(manager.getValueString(-7, key, defaultText), QStringLiteral("true"));
+    QCOMPARE(manager.getValueBool(0, key, false), true);
+    QCOMPARE(manager.getValueBool(-7, key, false), true);
+    QCOMPARE(manager.getValueInteger(1, QStringLiteral("Position"), 99), 1);
+}
+
+void tst_IniFileManagerIndexed::gettersDelegate_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QString>("askedKey");
+    QTest::addColumn<QString>("warning"); // of every getter
+    QTest::addColumn<QString>("shown");   // in the warning of a failed conversion
+    QTest::addColumn<int>("integer");
+    QTest::addColumn<QString>("string");
+    QTest::addColumn<bool>("truth");
+
+    const QString none;
+    QTest::newRow("number") << QByteArray("k=7\n") << key << none << none << 7
+                            << QStringLiteral("7") << true;
+    QTest::newRow("zero") << QByteArray("k=0\n") << key << none << none << 0 << QStringLiteral("0")
+                          << false;
+    QTest::newRow("64 bits are cut") << QByteArray("k=4294967301\n") << key << none << none << 5
+                                     << QStringLiteral("4294967301") << true;
+    QTest::newRow("word") << QByteArray("k=abc\n") << key << none
+                          << QStringLiteral("QVariant(QString, \"abc\")") << 99
+                          << QStringLiteral("abc") << true;
+    QTest::newRow("nothing") << QByteArray("k=\n") << key << none
+                             << QStringLiteral("QVariant(QString, \"\")") << 99
+                             << QStringLiteral("") << false;
+    QTest::newRow("list") << QByteArray("k=1,2\n") << key << none
+                          << QStringLiteral("QVariant(QStringList, (\"1\", \"2\"))") << 99
+                          << QString() << false;
+    const QString notFound = QStringLiteral("Key \"%1\" not found in Group \"b\" !");
+    QTest::newRow("missing key") << QByteArray() << key << notFound.arg(key) << none << 99
+                                 << defaultText << true;
+    QTest::newRow("other case of the key")
+        << QByteArray("K=1\n") << key << notFound.arg(key) << none << 99 << defaultText << true;
+    QTest::newRow("key of a subgroup")
+        << QByteArray("sub\\k=1\n") << QStringLiteral("sub/k")
+        << notFound.arg(QStringLiteral("sub/k")) << none << 99 << defaultText << true;
+    QTest::newRow("null key") << QByteArray("=5\n") << none << QStringLiteral("Key is empty!")
+                              << none << 99 << defaultText << true;
+    QTest::newRow("empty key") << QByteArray("=5\n") << QStringLiteral("")
+                               << QStringLiteral("Key is empty!") << none << 99 << defaultText
+                               << true;
+}
+
+void tst_IniFileManagerIndexed::gettersDelegate()
+{
+    QFETCH(QByteArray, lines);
+    QFETCH(QString, askedKey);
+    QFETCH(QString, warning);
+    QFETCH(QString, shown);
+    QFETCH(int, integer);
+    QFETCH(QString, string);
+    QFETCH(bool, truth);
+    writeIni("k=top\n[a]\nPosition=0\nk=other\n[b]\nPosition=1\n" + lines);
+    const IniFileManager manager(iniFile(), nullptr);
+
+    const auto expectWarning = [&] {
+        if (!warning.isEmpty()) {
+            expectIniWarning(warning).function(groupValueSignature);
+        }
+    };
+    expectWarning();
+    if (!shown.isEmpty()) {
+        expectIniWarning(QStringLiteral("Conversion failed: ") + shown)
+            .function(groupIntegerSignature);
+    }
+    QCOMPARE(manager.getValueInteger(1, askedKey, 99), integer);
+    expectWarning();
+    const QString text = manager.getValueString(1, askedKey, defaultText);
+    QCOMPARE(text, string);
+    QCOMPARE(text.isNull(), string.isNull());
+    expectWarning();
+    QCOMPARE(manager.getValueBool(1, askedKey, true), truth);
+}
+
+void tst_IniFileManagerIndexed::gettersRefuseHighIndex_data()
+{
+    searchRefusesHighIndex_data();
+}
+
+void tst_IniFileManagerIndexed::gettersRefuseHighIndex()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, externalIndex);
+    writeIni(content);
+    const IniFileManager manager(iniFile(), nullptr);
+
+    // Each getter checks by itself, before it searches and before it looks at the key.
+    const QStringList keys = {key, QString()};
+    for (const QString& anyKey : keys) {
+        const QString warning = QStringLiteral("Invalid group index!");
+        expectIniWarning(warning).function(integerSignature);
+        QCOMPARE(manager.getValueInteger(externalIndex, anyKey, -99), -99);
+        expectIniWarning(warning).function(stringSignature);
+        QCOMPARE(manager.getValueString(externalIndex, anyKey, defaultText), defaultText);
+        expectIniWarning(warning).function(boolSignature);
+        QCOMPARE(manager.getValueBool(externalIndex, anyKey, true), true);
+        expectIniWarning(warning).function(boolSignature);
+        QCOMPARE(manager.getValueBool(externalIndex, anyKey, false), false);
+    }
+}
+
+void tst_IniFileManagerIndexed::gettersMissPosition_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("externalIndex");
+
+    const QByteArray two = "k=1\n[a]\nPosition=0\nk=1\n[b]\nPosition=0\nk=1\n";
+    QTest::newRow("negative") << two << -1;
+    QTest::newRow("least number") << two << -2147483647 - 1;
+    QTest::newRow("gap") << two << 1;
+    QTest::newRow("no group at 0") << QByteArray("[a]\nPosition=1\nk=1\n") << 0;
+    QTest::newRow("negative in an empty file") << QByteArray() << -1;
+}
+
+void tst_IniFileManagerIndexed::gettersMissPosition()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, externalIndex);
+    writeIni(content);
+    const IniFileManager manager(iniFile(), nullptr);
+
+    const QStringList keys = {key, QString()};
+    for (const QString& anyKey : keys) {
+        const QString warning = QStringLiteral("Index not found in group!");
+        expectIniWarning(warning).function(integerSignature);
+        QCOMPARE(manager.getValueInteger(externalIndex, anyKey, -99), -99);
+        expectIniWarning(warning).function(stringSignature);
+        QCOMPARE(manager.getValueString(externalIndex, anyKey, defaultText), defaultText);
+        expectIniWarning(warning).function(boolSignature);
+        QCOMPARE(manager.getValueBool(externalIndex, anyKey, true), true);
+        expectIniWarning(warning).function(boolSignature);
+        QCOMPARE(manager.getValueBool(externalIndex, anyKey, false), false);
+    }
+    int groupIndex = untouched;
+    QVERIFY(!manager.searchIndex(externalIndex, groupIndex)); // which warns of nothing itself
+    QCOMPARE(groupIndex, untouched);
+}
+
+void tst_IniFileManagerIndexed::gettersWarnOfProbes()
+{
+    writeIni("[a]\nk=1\n[b]\nPosition=x\nk=2\n[c]\nPosition=2\nk=3\n[d]\nk=4\n");
+    const IniFileManager manager(iniFile(), nullptr);
+    const auto expectProbes = [this] {
+        expectNoPosition("a");
+        expectBadPosition("QVariant(QString, \"x\")");
+    };
+
+    // The group without a Position stands before the ones that would have been meant.
+    expectNoPosition("a");
+    QCOMPARE(manager.getValueInteger(0, key, 99), 1);
+    expectProbes();
+    QCOMPARE(manager.getValueInteger(2, key, 99), 3);
+    expectProbes();
+    QCOMPARE(manager.getValueString(2, key, defaultText), QStringLiteral("3"));
+    expectProbes();
+    QCOMPARE(manager.getValueBool(2, key, false), true);
+    // Nothing is remembered: each call looks at the groups anew. What is found last, or not at all,
+    // is warned of behind the probes.
+    expectProbes();
+    expectNoPosition("d");
+    expectIniWarning(QStringLiteral("Index not found in group!")).function(integerSignature);
+    QCOMPARE(manager.getValueInteger(1, key, 99), 99);
+    expectProbes();
+    expectIniWarning(QStringLiteral("Key \"none\" not found in Group \"c\" !"))
+        .function(groupValueSignature);
+    QCOMPARE(manager.getValueInteger(2, QStringLiteral("none"), 99), 99);
+}
+
+void tst_IniFileManagerIndexed::namelessGroupReadsTheTopLevel()
+{
+    // A nameless group is listed first, but an empty group stands for the top level.
+    writeIni("Position=1\nk=top\n[]\nPosition=0\nk=nameless\n[a]\nPosition=0\nk=5\n");
+    const IniFileManager manager(iniFile(), nullptr);
+    QCOMPARE(manager.getGroups(), QStringList({QStringLiteral(""), QStringLiteral("a")}));
+
+    int groupIndex = untouched;
+    QVERIFY(manager.searchIndex(1, groupIndex));
+    QCOMPARE(groupIndex, 0);
+    QVERIFY(manager.searchIndex(0, groupIndex));
+    QCOMPARE(groupIndex, 1);
+    QCOMPARE(manager.getValueString(1, key, defaultText), QStringLiteral("top"));
+    QCOMPARE(manager.getValueString(0, key, defaultText), QStringLiteral("5"));
+
+    writeFile(QStringLiteral("bare.ini"), "[]\nPosition=0\nk=nameless\n[a]\nPosition=1\nk=5\n");
+    const IniFileManager bare(path(QStringLiteral("bare.ini")), nullptr);
+    const QString warning =
+        QStringLiteral("\"%1\" Key \"%2\" not found in Group \"\" !").arg(bare.getGeneralLogInfo());
+    messages().expectWarning("IniFileManager", warning.arg(QStringLiteral("Position")));
+    messages().expectWarning("IniFileManager", warning.arg(key));
+    QCOMPARE(bare.getValueString(0, key, defaultText), defaultText);
+}
+
+void tst_IniFileManagerIndexed::changesOfAnotherManagerCount()
+{
+    const QString position = QStringLiteral("Position");
+    writeIni("[a]\nPosition=0\nk=1\n[b]\nPosition=1\nk=2\n");
+    const IniFileManager manager(iniFile(), nullptr);
+    IniFileManager other(iniFile(), nullptr);
+    QCOMPARE(manager.getValueInteger(0, key, 99), 1);
+
+    other.setValue(QStringLiteral("a"), position, 1);
+    other.setValue(QStringLiteral("b"), position, 0);
+    QCOMPARE(manager.getValueInteger(0, key, 99), 2);
+    QCOMPARE(manager.getValueInteger(1, key, 99), 1);
+
+    // A new group raises the bound, and may push others back in the list.
+    expectIniWarning(QStringLiteral("Invalid group index!"));
+    QCOMPARE(manager.getValueInteger(2, key, 99), 99);
+    other.setValue(QStringLiteral("A"), position, 2);
+    other.setValue(QStringLiteral("A"), key, 3);
+    QCOMPARE(manager.getValueInteger(2, key, 99), 3);
+    int groupIndex = untouched;
+    QVERIFY(manager.searchIndex(0, groupIndex));
+    QCOMPARE(groupIndex, 2);
+
+    other.removeValue(QStringLiteral("b"), position);
+    other.removeValue(QStringLiteral("b"), key);
+    expectIniWarning(QStringLiteral("Index not found in group!"));
+    QCOMPARE(manager.getValueInteger(0, key, 99), 99);
+    expectIniWarning(QStringLiteral("Invalid group index!"));
+    QCOMPARE(manager.getValueInteger(2, key, 99), 99);
+}
+
+QTEST_GUILESS_MAIN(tst_IniFileManagerIndexed)
+#include "tst_IniFileManagerIndexed.moc"
