@@ -1,0 +1,394 @@
+#include "HardwareIdentification.h"
+#include "TestCase.h"
+
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QRegExp>
+
+#include <type_traits>
+
+// Applications may derive from it and destroy it through the base.
+static_assert(std::is_polymorphic<HardwareIdentification>::value, "has virtual functions");
+static_assert(std::has_virtual_destructor<HardwareIdentification>::value, "may be derived from");
+static_assert(std::is_constructible<HardwareIdentification, const QString&>::value, "takes an ID");
+static_assert(std::is_copy_constructible<HardwareIdentification>::value &&
+                  std::is_copy_assignable<HardwareIdentification>::value,
+              "is a value");
+
+namespace {
+
+constexpr char divideSignature[] = "void HardwareIdentification::divideHardwareID(const QString&)";
+
+const QString goodId = QStringLiteral("1234567891234567");
+
+// What an object tells about its ID.
+struct Parts
+{
+    bool isValid = false;
+    QStringList texts = {QString(), QString(), QString(), QString(), QString()};
+
+    bool operator==(const Parts& other) const
+    {
+        return isValid == other.isValid && texts == other.texts;
+    }
+};
+
+Parts partsOf(const HardwareIdentification& id)
+{
+    return {id.isHardwareIDValid(),
+            {id.getProductGroupNumber(), id.getBasicTypeSupplement(),
+             id.getDocumentTypeCountingNumber(), id.getCustomerVersion(), id.getPartsListSales()}};
+}
+
+char* toString(const Parts& parts)
+{
+    return qstrdup(QByteArray((parts.isValid ? "valid <" : "invalid <") +
+                              parts.texts.join(QStringLiteral("> <")).toUtf8() + '>'));
+}
+
+enum class Outcome
+{
+    WrongSize,
+    NotOnlyNumbers,
+    NoDocumentType,
+    NoPartsList,
+    Valid
+};
+constexpr int outcomeCount = 5;
+
+bool literalContainsOnlyNumbers(const QString& id)
+{
+    return id.indexOf(QRegExp(QStringLiteral("[0-9]{16,16}"), Qt::CaseSensitive), 0) != -1;
+}
+
+// The rules, written down as plainly as they are stated.
+Outcome literalDivide(const QString& id, Parts& parts)
+{
+    if (id.length() != 16) {
+        qWarning() << "Size of hardware ID is invalid" << id.length();
+        return Outcome::WrongSize;
+    }
+    if (!literalContainsOnlyNumbers(id)) {
+        qWarning() << "Hardware ID contains not only numbers" << id;
+        return Outcome::NotOnlyNumbers;
+    }
+    const QString documentType = id.mid(8, 3);
+    const QString partsList = id.mid(14, 2);
+    if (documentType.contains(QStringLiteral("000"), Qt::CaseSensitive)) {
+        qWarning() << "Document type count number is invalid " << documentType;
+        return Outcome::NoDocumentType;
+    }
+    if (partsList.contains(QStringLiteral("00"), Qt::CaseSensitive)) {
+        qWarning() << "Parts list paragrpah is invalid " << partsList;
+        return Outcome::NoPartsList;
+    }
+    parts.isValid = true;
+    parts.texts = QStringList({id.mid(0, 6), id.mid(6, 2), documentType, id.mid(11, 3), partsList});
+    return Outcome::Valid;
+}
+
+QString anyDigit(QRandomGenerator& random)
+{
+    return QString(QLatin1Char(char('0' + (random.bounded(2) == 0 ? 0 : random.bounded(10)))));
+}
+
+// One character, or a surrogate pair, of what an ID may be mistaken to hold.
+QString anyCharacter(QRandomGenerator& random)
+{
+    const auto oneOf = [&random](uint first, int count) {
+        const uint character = first + uint(random.bounded(count));
+        return QString::fromUcs4(&character, 1);
+    };
+    switch (random.bounded(12)) {
+    case 0:
+        return oneOf(0x0660, 10); // Arabic-Indic digits
+    case 1:
+        return oneOf(0x0966, 10); // Devanagari digits
+    case 2:
+        return oneOf(0xFF10, 10); // fullwidth digits
+    case 3:
+        return oneOf(0x2070, 10); // superscripts
+    case 4:
+        return oneOf(0x1D7CE, 50); // mathematical digits, which are surrogate pairs
+    case 5:
+        return QString(QChar(0xD800 + random.bounded(0x800))); // half of a pair
+    case 6:
+        return oneOf('A', 58); // letters and what stands between them
+    case 7:
+        return oneOf(' ', 16); // blank and signs, just below the digits
+    case 8:
+        return oneOf(':', 7); // just above the digits
+    case 9:
+        return oneOf(0, 0x20); // control characters, NUL included
+    case 10:
+        return oneOf(0xA0, 0x60);
+    default:
+        return anyDigit(random);
+    }
+}
+
+QString anyId(QRandomGenerator& random)
+{
+    const int length = random.bounded(3) == 0 ? random.bounded(14, 19) : 16;
+    // Of every 100 characters: only digits, now and then another one, or no matter what.
+    static const int othersOf[] = {0, 0, 0, 4, 50};
+    const int others = othersOf[random.bounded(5)];
+    QString id;
+    while (id.length() < length) {
+        id += random.bounded(100) < others ? anyCharacter(random) : anyDigit(random);
+    }
+    return id;
+}
+
+} // namespace
+
+class tst_HardwareIdentification : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void validIdIsDivided_data();
+    void validIdIsDivided();
+    void invalidIdLeavesNothing_data();
+    void invalidIdLeavesNothing();
+    void failureForgetsTheIdBefore_data();
+    void failureForgetsTheIdBefore();
+    void goodIdReplacesTheOneBefore();
+    void goodIdFollowsABadOne();
+    void partsAreCopies();
+    void containsSixteenDigits_data();
+    void containsSixteenDigits();
+    void sameAsLiteral();
+};
+
+void tst_HardwareIdentification::validIdIsDivided_data()
+{
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<QStringList>("texts");
+
+    const auto row = [](const char* situation, const char* id, const char* texts) {
+        QTest::newRow(situation) << QString::fromLatin1(id)
+                                 << QString::fromLatin1(texts).split(QLatin1Char(' '));
+    };
+    row("all different", "1234567891234567", "123456 78 912 345 67");
+    row("customer version 000", "1234567891200067", "123456 78 912 000 67");
+    row("basic type supplement 00", "1234560091234567", "123456 00 912 345 67");
+    row("product group number 000000", "0000007891234567", "000000 78 912 345 67");
+    row("zeros wherever they may be", "0000000000100001", "000000 00 001 000 01");
+    row("zeros around the document type", "1234500010045607", "123450 00 100 456 07");
+    row("000 from digit 8 on", "1234567000145617", "123456 70 001 456 17");
+    row("000 from digit 10 on", "1234567810005617", "123456 78 100 056 17");
+    row("document type 010", "1234567801034567", "123456 78 010 345 67");
+    row("00 from digit 14 on", "1234567891234007", "123456 78 912 340 07");
+    row("parts list 10", "1234567891234510", "123456 78 912 345 10");
+    row("greatest", "9999999999999999", "999999 99 999 999 99");
+}
+
+void tst_HardwareIdentification::validIdIsDivided()
+{
+    QFETCH(QString, id);
+    QFETCH(QStringList, texts);
+    const Parts expected = {true, texts};
+    const HardwareIdentification identification(id);
+    QCOMPARE(partsOf(identification), expected);
+}
+
+void tst_HardwareIdentification::invalidIdLeavesNothing_data()
+{
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<QString>("warning");
+
+    const auto size = [](const char* situation, const QString& id, int length) {
+        QTest::newRow(situation) << id
+                                 << QStringLiteral("Size of hardware ID is invalid %1").arg(length);
+    };
+    size("null", QString(), 0);
+    size("empty", QStringLiteral(""), 0);
+    size("one digit", QStringLiteral("1"), 1);
+    size("14 digits", QStringLiteral("12345678912345"), 14);
+    size("15 digits", QStringLiteral("123456789123456"), 15);
+    size("17 digits", QStringLiteral("12345678912345678"), 17);
+    size("32 digits", goodId + goodId, 32);
+    size("line feed behind", goodId + QLatin1Char('\n'), 17);
+    size("NUL behind", goodId + QChar(QChar::Null), 17);
+    size("letters, too", QStringLiteral("abc"), 3);
+    size("length counts UTF-16 units", QString::fromUtf8("\xF0\x9D\x9F\x8E").repeated(7), 14);
+
+    // As QDebug shows the ID.
+    const auto numbers = [](const char* situation, const QString& id, const QString& shown) {
+        QTest::newRow(situation) << id
+                                 << QStringLiteral("Hardware ID contains not only numbers \"") +
+                                        shown + QLatin1Char('"');
+    };
+    const auto plain = [&numbers](const char* situation, const char* id) {
+        numbers(situation, QString::fromUtf8(id), QString::fromUtf8(id));
+    };
+    plain("letter at the front", "A234567891234567");
+    plain("letter inside", "12345678912E4567");
+    plain("letter at the end", "123456789123456x");
+    plain("hexadecimal digits", "12345678ABCDEF12");
+    plain("blank at the front", " 123456789123456");
+    plain("blank at the end", "123456789123456 ");
+    plain("minus", "-123456789123456");
+    plain("plus", "+123456789123456");
+    plain("point", "1234567.91234567");
+    plain("slash, just below the digits", "1234567/91234567");
+    plain("colon, just above the digits", "1234567:91234567");
+    plain("only blanks", "                ");
+    plain("a letter before 000", "A234567800034500");
+    numbers("line feed at the end", QStringLiteral("123456789123456\n"),
+            QStringLiteral("123456789123456\\n"));
+    numbers("NUL inside",
+            QStringLiteral("1234567891") + QChar(QChar::Null) + QStringLiteral("34567"),
+            QStringLiteral("1234567891\\u000034567"));
+    const QString arabic = QString::fromUtf8("\xD9\xA1").repeated(16);
+    numbers("Arabic-Indic digits", arabic, arabic);
+    const QString devanagari = QString::fromUtf8("\xE0\xA5\xA7").repeated(16);
+    numbers("Devanagari digits", devanagari, devanagari);
+    const QString fullwidth = QString::fromUtf8("\xEF\xBC\x91").repeated(16);
+    numbers("fullwidth digits", fullwidth, fullwidth);
+    const QString superscript = goodId.left(15) + QChar(0xB2);
+    numbers("one superscript", superscript, superscript);
+    const QString mathematical = QString::fromUtf8("\xF0\x9D\x9F\x8F").repeated(8);
+    numbers("digits of two UTF-16 units", mathematical, mathematical);
+
+    // The text's own blank and the one that QDebug puts between items.
+    const QString documentType = QStringLiteral("Document type count number is invalid  \"000\"");
+    QTest::newRow("document type 000") << QStringLiteral("1234560000000167") << documentType;
+    QTest::newRow("document type 000 alone") << QStringLiteral("1234567800034567") << documentType;
+    QTest::newRow("document type before the parts list")
+        << QStringLiteral("1234567800034500") << documentType;
+    QTest::newRow("all zeros") << QString(16, QLatin1Char('0')) << documentType;
+    QTest::newRow("parts list 00") << QStringLiteral("1234567812345600")
+                                   << QStringLiteral("Parts list paragrpah is invalid  \"00\"");
+}
+
+void tst_HardwareIdentification::invalidIdLeavesNothing()
+{
+    QFETCH(QString, id);
+    QFETCH(QString, warning);
+    messages().expectWarning("HardwareIdentification", warning).function(divideSignature);
+    const HardwareIdentification identification(id);
+    QCOMPARE(partsOf(identification), Parts());
+}
+
+void tst_HardwareIdentification::failureForgetsTheIdBefore_data()
+{
+    invalidIdLeavesNothing_data();
+}
+
+void tst_HardwareIdentification::failureForgetsTheIdBefore()
+{
+    QFETCH(QString, id);
+    QFETCH(QString, warning);
+    HardwareIdentification identification(goodId);
+    QVERIFY(identification.isHardwareIDValid());
+    messages().expectWarning("HardwareIdentification", warning).function(divideSignature);
+    identification.divideHardwareID(id);
+    QCOMPARE(partsOf(identification), Parts());
+}
+
+void tst_HardwareIdentification::goodIdReplacesTheOneBefore()
+{
+    HardwareIdentification identification(goodId);
+    const HardwareIdentification copy(identification);
+    identification.divideHardwareID(QStringLiteral("0000000000100001"));
+    const Parts expected = {true,
+                            {QStringLiteral("000000"), QStringLiteral("00"), QStringLiteral("001"),
+                             QStringLiteral("000"), QStringLiteral("01")}};
+    QCOMPARE(partsOf(identification), expected);
+    QCOMPARE(partsOf(copy), partsOf(HardwareIdentification(goodId)));
+}
+
+void tst_HardwareIdentification::goodIdFollowsABadOne()
+{
+    messages()
+        .expectWarning("HardwareIdentification", QStringLiteral("Size of hardware ID is invalid 3"))
+        .function(divideSignature);
+    HardwareIdentification identification(QStringLiteral("123"));
+    identification.divideHardwareID(goodId);
+    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
+}
+
+void tst_HardwareIdentification::partsAreCopies()
+{
+    const HardwareIdentification identification(goodId);
+    QString part = identification.getProductGroupNumber();
+    part[0] = QLatin1Char('x');
+    QCOMPARE(identification.getProductGroupNumber(), QStringLiteral("123456"));
+}
+
+void tst_HardwareIdentification::containsSixteenDigits_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("contains");
+
+    QTest::newRow("null") << QString() << false;
+    QTest::newRow("15 digits") << goodId.left(15) << false;
+    QTest::newRow("16 digits") << goodId << true;
+    QTest::newRow("16 zeros") << QString(16, QLatin1Char('0')) << true;
+    QTest::newRow("17 digits") << goodId + QLatin1Char('8') << true;
+    QTest::newRow("many digits") << goodId.repeated(100) << true;
+    QTest::newRow("16 digits behind a word") << QStringLiteral("ID ") + goodId << true;
+    QTest::newRow("16 digits before a word") << goodId + QStringLiteral(" is it") << true;
+    QTest::newRow("16 digits between others")
+        << QStringLiteral("1 22 333 x") + goodId + QStringLiteral("x4") << true;
+    QTest::newRow("16 digits in a second line") << QStringLiteral("a\n") + goodId << true;
+    QTest::newRow("16 digits behind a NUL") << QString(1, QChar::Null) + goodId << true;
+    QTest::newRow("twice 15 digits")
+        << goodId.left(15) + QLatin1Char(' ') + goodId.left(15) << false;
+    QTest::newRow("15 digits and another script's") << goodId.left(15) + QChar(0x0661) << false;
+    QTest::newRow("16 of another script") << QString(16, QChar(0x0661)) << false;
+    QTest::newRow("its own expression") << QStringLiteral("[0-9]{16,16}") << false;
+}
+
+void tst_HardwareIdentification::containsSixteenDigits()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, contains);
+    const HardwareIdentification identification(goodId);
+    QCOMPARE(identification.containsHardwareIDOnlyNumbers(text), contains);
+    // It is only asked: the object keeps its ID, and nothing is logged.
+    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
+}
+
+void tst_HardwareIdentification::sameAsLiteral()
+{
+    constexpr int ids = 40000;
+
+    const auto takeTexts = [this] {
+        QStringList texts;
+        for (const Message& message : messages().take()) {
+            texts += message.text;
+        }
+        return texts;
+    };
+    QRandomGenerator random(1);
+    HardwareIdentification reused(goodId);
+    int outcomes[outcomeCount] = {};
+    int longer = 0; // texts with sixteen digits in them
+    for (int i = 0; i < ids; ++i) {
+        const QString id = anyId(random);
+        Parts parts;
+        const Outcome outcome = literalDivide(id, parts);
+        const bool contains = literalContainsOnlyNumbers(id);
+        const QStringList texts = takeTexts();
+        ++outcomes[int(outcome)];
+        longer += id.length() != 16 && contains ? 1 : 0;
+
+        const HardwareIdentification fresh(id);
+        const bool same = partsOf(fresh) == parts && takeTexts() == texts &&
+                          fresh.containsHardwareIDOnlyNumbers(id) == contains;
+        reused.divideHardwareID(id);
+        const bool sameAgain = partsOf(reused) == parts && takeTexts() == texts;
+        QVERIFY2(same && sameAgain,
+                 qPrintable(QStringLiteral("number %1: ").arg(i) +
+                            QString::fromLatin1(id.toUtf8().toPercentEncoding())));
+    }
+    for (const int outcome : outcomes) {
+        QVERIFY(outcome >= 200);
+    }
+    QVERIFY(longer >= 200);
+}
+
+QTEST_GUILESS_MAIN(tst_HardwareIdentification)
+#include "tst_HardwareIdentification.moc"
