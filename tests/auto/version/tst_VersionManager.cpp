@@ -1,0 +1,673 @@
+#include "TestCase.h"
+#include "VersionManager.h"
+
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QRegularExpression>
+
+#include <type_traits>
+
+// Applications may derive from it and destroy it through the base.
+static_assert(std::is_polymorphic<VersionManager>::value, "has virtual functions");
+static_assert(std::has_virtual_destructor<VersionManager>::value, "may be derived from");
+static_assert(std::is_constructible<VersionManager, const QString&>::value, "takes a version");
+static_assert(std::is_copy_constructible<VersionManager>::value &&
+                  std::is_copy_assignable<VersionManager>::value,
+              "is a value");
+static_assert(std::is_same<decltype(&VersionManager::getRegularExpressionVersion),
+                           const QString& (*)()>::value,
+              "is static and gives a reference");
+
+namespace {
+
+constexpr char dotsSignature[] = "bool VersionManager::isOldVersion(const QString&)";
+constexpr char oldSignature[] = "void VersionManager::initializeVersionsOld(const QString&)";
+
+constexpr char onlyOldTest[] = "Test index exist only in old version.";
+constexpr char onlyNewPatch[] = "Patch version exist only in new version.";
+constexpr char onlyNewBuild[] = "Build number exist only in new version.";
+constexpr char onlyNewHash[] = "Git hash exist only in new version.";
+
+/*
+ * The rules, written down as plainly as they are stated, and what is compared: every component, a
+ * null one told apart from an empty one.
+ */
+struct LiteralVersion
+{
+    QString mainVersion;
+    QString baseNumber;
+    QString majorIndex;
+    QString minorIndex;
+    QString testIndex;
+    QString patchVersion;
+    QString buildNumber;
+    QString gitHash;
+    bool isOld = false;
+
+    void read(const QString& version)
+    {
+        const int dots = version.count(QStringLiteral("."), Qt::CaseSensitive);
+        isOld = dots == 2;
+        if (dots != 2 && dots != 4) {
+            qWarning() << "Number of dots" << dots << "in version not allowed:" << version;
+        }
+        if (isOld) {
+            readOld(version);
+        } else {
+            readNew(version);
+        }
+    }
+
+    void readOld(const QString& version)
+    {
+        const QRegularExpression expression(
+            QStringLiteral("V?((\\S*)\\.(\\d{1,2})\\.(\\d{1,2}))\\-?(\\d{1,3})?"));
+        const QRegularExpressionMatch match = expression.match(version);
+        if (match.hasMatch()) {
+            mainVersion = match.captured(1);
+            baseNumber = match.captured(2);
+            majorIndex = match.captured(3);
+            minorIndex = match.captured(4);
+            testIndex = match.captured(5);
+        } else {
+            qWarning() << "Can not convert the following version:" << version;
+        }
+    }
+
+    void readNew(const QString& version)
+    {
+        QStringList pieces = version.split(QStringLiteral("-"), Qt::KeepEmptyParts);
+        mainVersion = pieces.takeFirst();
+        gitHash = pieces.join(QStringLiteral("-"));
+        const QStringList numbers = mainVersion.split(QStringLiteral("."), Qt::KeepEmptyParts);
+        if (numbers.size() > 0) {
+            baseNumber = numbers[0];
+        }
+        if (numbers.size() > 1) {
+            majorIndex = numbers[1];
+        }
+        if (numbers.size() > 2) {
+            minorIndex = numbers[2];
+        }
+        if (numbers.size() > 3) {
+            patchVersion = numbers[3];
+        }
+        if (numbers.size() > 4) {
+            buildNumber = numbers[4];
+        }
+    }
+
+    // The warnings of the getters, in the order in which componentsOf() asks them.
+    void warnAsGetters() const
+    {
+        if (isOld) {
+            qWarning() << onlyNewPatch;
+            qWarning() << onlyNewBuild;
+            qWarning() << onlyNewHash;
+        } else {
+            qWarning() << onlyOldTest;
+        }
+    }
+};
+
+QStringList shown(bool isOld, const QStringList& components)
+{
+    QStringList list(isOld ? QStringLiteral("old") : QStringLiteral("new"));
+    for (const QString& component : components) {
+        list += component.isNull() ? QStringLiteral("null")
+                                   : QLatin1Char('<') + component + QLatin1Char('>');
+    }
+    return list;
+}
+
+QStringList componentsOf(const LiteralVersion& version)
+{
+    version.warnAsGetters();
+    return shown(version.isOld,
+                 {version.mainVersion, version.baseNumber, version.majorIndex, version.minorIndex,
+                  version.testIndex, version.patchVersion, version.buildNumber, version.gitHash});
+}
+
+QStringList componentsOf(const VersionManager& version)
+{
+    const QString mainVersion = version.getMainVersion();
+    const QString baseNumber = version.getBaseNumber();
+    const QString majorIndex = version.getMajorIndex();
+    const QString minorIndex = version.getMinorIndex();
+    const QString testIndex = version.getTestIndex();
+    const QString patchVersion = version.getPatchVersion();
+    const QString buildNumber = version.getBuildNumber();
+    const QString gitHash = version.getGitHash();
+    return shown(version.isOldVersion(), {mainVersion, baseNumber, majorIndex, minorIndex,
+                                          testIndex, patchVersion, buildNumber, gitHash});
+}
+
+QStringList words(const char* blankSeparated)
+{
+    return QString::fromUtf8(blankSeparated).split(QLatin1Char(' '));
+}
+
+template <typename T, int N>
+const T& pick(QRandomGenerator& random, const T (&choices)[N])
+{
+    return choices[random.bounded(N)];
+}
+
+QString anyNumber(QRandomGenerator& random)
+{
+    const int digits = random.bounded(5);
+    QString number;
+    for (int i = 0; i < digits; ++i) {
+        number += QLatin1Char(char('0' + random.bounded(10)));
+    }
+    return number;
+}
+
+// Something like a version: numbers between dots, with what may stand before and behind.
+QString versionLike(QRandomGenerator& random)
+{
+    static const char* const before[] = {"", "", "V", "V", "v", "VV", "x", " ", "a b", "-", "V "};
+    static const char* const behind[] = {"", "", "-", "-", "--", " ", "x", "\n", " - "};
+    static const int dotCounts[] = {0, 1, 2, 2, 2, 2, 3, 4, 4, 4, 5, 6};
+    QString version = QLatin1String(pick(random, before)) + anyNumber(random);
+    for (int dots = pick(random, dotCounts); dots > 0; --dots) {
+        version += QLatin1Char('.') + anyNumber(random);
+    }
+    version += QLatin1String(pick(random, behind)) + anyNumber(random);
+    if (random.bounded(3) == 0) {
+        version += QLatin1String(pick(random, behind)) + QStringLiteral("g1a2b");
+    }
+    return version;
+}
+
+// No matter what, with many dots.
+QString scramble(QRandomGenerator& random)
+{
+    static const QString pieces[] = {
+        QStringLiteral("."),      QStringLiteral("."),      QStringLiteral("."),
+        QStringLiteral("."),      QStringLiteral("1"),      QStringLiteral("2"),
+        QStringLiteral("12"),     QStringLiteral("345"),    QStringLiteral("0"),
+        QStringLiteral("-"),      QStringLiteral("-"),      QStringLiteral("V"),
+        QStringLiteral("v"),      QStringLiteral("x"),      QStringLiteral("A"),
+        QStringLiteral(" "),      QStringLiteral("\t"),     QStringLiteral("\n"),
+        QStringLiteral("\u0663"), QStringLiteral("\uFF11"), QStringLiteral("\u00A0"),
+        QStringLiteral("\u2003"), QStringLiteral("\u00E4"), QString(QChar::Null),
+        QString(QChar(0xD800)),   QString(QChar(0xDC00)),   QStringLiteral("_"),
+    };
+    QString version;
+    for (int count = random.bounded(14); count > 0; --count) {
+        version += pick(random, pieces);
+    }
+    return version;
+}
+
+} // namespace
+
+class tst_VersionManager : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void oldFormat_data();
+    void oldFormat();
+    void oldFormatWithoutMatch_data();
+    void oldFormatWithoutMatch();
+    void newFormat_data();
+    void newFormat();
+    void otherDotCounts_data();
+    void otherDotCounts();
+    void nullVersion();
+
+    void gettersWarnInTheWrongFormat();
+    void isOldVersionCountsDots_data();
+    void isOldVersionCountsDots();
+    void isOldVersionReadsNoField();
+    void oldStepAlone();
+    void newStepAlone();
+    void initializeAgain();
+    void copies();
+    void expression();
+    void sameAsLiteral();
+
+private:
+    void expectWarning(const QString& text, const char* signature);
+    void expectNewGetterWarnings();
+    void expectOldGetterWarnings();
+    QStringList takeTexts();
+};
+
+void tst_VersionManager::expectWarning(const QString& text, const char* signature)
+{
+    messages().expectWarning("VersionManager", text).function(signature);
+}
+
+void tst_VersionManager::expectNewGetterWarnings()
+{
+    expectWarning(QLatin1String(onlyOldTest), "QString VersionManager::getTestIndex() const");
+}
+
+void tst_VersionManager::expectOldGetterWarnings()
+{
+    expectWarning(QLatin1String(onlyNewPatch), "QString VersionManager::getPatchVersion() const");
+    expectWarning(QLatin1String(onlyNewBuild), "QString VersionManager::getBuildNumber() const");
+    expectWarning(QLatin1String(onlyNewHash), "QString VersionManager::getGitHash() const");
+}
+
+QStringList tst_VersionManager::takeTexts()
+{
+    QStringList texts;
+    for (const Message& message : messages().take()) {
+        texts += message.text;
+    }
+    return texts;
+}
+
+void tst_VersionManager::oldFormat_data()
+{
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<QStringList>("components"); // main version to test index
+
+    const auto row = [](const char* situation, const char* version, const char* components) {
+        QTest::newRow(situation) << QString::fromUtf8(version) << words(components);
+    };
+    row("all", "V8.12.3-45", "<8.12.3> <8> <12> <3> <45>");
+    row("leading zeros", "V1.02.03", "<1.02.03> <1> <02> <03> null");
+    row("no V", "1.2.3-7", "<1.2.3> <1> <2> <3> <7>");
+    row("three digits of test index", "1.2.3-123", "<1.2.3> <1> <2> <3> <123>");
+    row("at most three digits of test index", "1.2.3-1234", "<1.2.3> <1> <2> <3> <123>");
+    row("dash without a test index", "1.2.3-", "<1.2.3> <1> <2> <3> null");
+    row("two dashes", "1.2.3--7", "<1.2.3> <1> <2> <3> null");
+    row("word behind the dash", "1.2.3-rc1", "<1.2.3> <1> <2> <3> null");
+    row("test index without a dash", "1.2.345", "<1.2.34> <1> <2> <34> <5>");
+    row("many digits without a dash", "1.2.3456789", "<1.2.34> <1> <2> <34> <567>");
+    row("two digits and a test index", "1.22.33-444", "<1.22.33> <1> <22> <33> <444>");
+    row("blank before the test index", "1.2.3 -4", "<1.2.3> <1> <2> <3> null");
+    row("long base number", "123456.2.3", "<123456.2.3> <123456> <2> <3> null");
+    row("base number is any run without blanks", "x1.2.3", "<x1.2.3> <x1> <2> <3> null");
+    row("small v", "v1.2.3", "<v1.2.3> <v1> <2> <3> null");
+    row("two V: the second is the base number's", "VV1.2.3", "<V1.2.3> <V1> <2> <3> null");
+    row("dashes in the base number", "a-b-1.2.3-4", "<a-b-1.2.3> <a-b-1> <2> <3> <4>");
+    row("no base number", ".1.2", "<.1.2> <> <1> <2> null");
+    row("V without a base number", "V.1.2", "<.1.2> <> <1> <2> null");
+    row("something behind", "1.2.3x", "<1.2.3> <1> <2> <3> null");
+    row("other scripts in the base number", "\xD9\xA3.2.3",
+        "<\xD9\xA3.2.3> <\xD9\xA3> <2> <3> null");
+    row("other script's test index", "1.2.3-\xD9\xA3", "<1.2.3> <1> <2> <3> null");
+
+    // The first place that matches counts, wherever it stands.
+    row("words before", "Release V1.2.3-4", "<1.2.3> <1> <2> <3> <4>");
+    row("words behind", "1.2.3-4 of today", "<1.2.3> <1> <2> <3> <4>");
+    row("blank in the base number", "1 2.3.4", "<2.3.4> <2> <3> <4> null");
+    row("line feed before", "first\n1.2.3", "<1.2.3> <1> <2> <3> null");
+    row("line feed behind", "1.2.3\n", "<1.2.3> <1> <2> <3> null");
+    row("line feed before the test index", "1.2.3\n-4", "<1.2.3> <1> <2> <3> null");
+    row("tabulator before", "\t1.2.3", "<1.2.3> <1> <2> <3> null");
+
+    // Without Unicode properties only ASCII blanks are blanks.
+    QTest::newRow("no-break space in the base number")
+        << QStringLiteral("a\u00A0b.1.2")
+        << QStringList({QStringLiteral("<a\u00A0b.1.2>"), QStringLiteral("<a\u00A0b>"),
+                        QStringLiteral("<1>"), QStringLiteral("<2>"), QStringLiteral("null")});
+    const QString withNul = QStringLiteral("a%1b").arg(QChar(QChar::Null));
+    QTest::newRow("NUL in the base number")
+        << withNul + QStringLiteral(".1.2")
+        << QStringList({QLatin1Char('<') + withNul + QStringLiteral(".1.2>"),
+                        QLatin1Char('<') + withNul + QLatin1Char('>'), QStringLiteral("<1>"),
+                        QStringLiteral("<2>"), QStringLiteral("null")});
+}
+
+void tst_VersionManager::oldFormat()
+{
+    QFETCH(QString, version);
+    QFETCH(QStringList, components);
+    const VersionManager manager(version);
+    expectOldGetterWarnings();
+    QCOMPARE(componentsOf(manager),
+             QStringList(QStringLiteral("old")) + components + words("null null null"));
+}
+
+void tst_VersionManager::oldFormatWithoutMatch_data()
+{
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<QString>("shownVersion"); // as QDebug shows it
+
+    const auto row = [](const char* situation, const QString& version) {
+        QTest::newRow(situation) << version << version;
+    };
+    row("letters", QStringLiteral("A.B.C"));
+    row("three digits of major index", QStringLiteral("1.123.4"));
+    row("only dots", QStringLiteral(".."));
+    row("no minor index", QStringLiteral("1.2."));
+    row("no major index", QStringLiteral("1..2"));
+    row("blank in the major index", QStringLiteral("1.2 .3"));
+    row("blank before the minor index", QStringLiteral("1.2. 3"));
+    row("dash for a dot", QStringLiteral("1.2-3."));
+    row("negative minor index", QStringLiteral("1.2.-3"));
+    row("Arabic-Indic digit", QStringLiteral("1.\u0663.4"));
+    row("fullwidth digit", QStringLiteral("1.2.\uFF13"));
+    QTest::newRow("line feed between the parts")
+        << QStringLiteral("1.2\n.3") << QStringLiteral("1.2\\n.3");
+    // Half a surrogate pair makes the whole text unreadable for the expression.
+    QTest::newRow("half a surrogate pair")
+        << QChar(0xD800) + QStringLiteral(" 1.2.3") << QStringLiteral("\\uD800 1.2.3");
+}
+
+void tst_VersionManager::oldFormatWithoutMatch()
+{
+    QFETCH(QString, version);
+    QFETCH(QString, shownVersion);
+    expectWarning(QStringLiteral("Can not convert the following version: \"%1\"").arg(shownVersion),
+                  oldSignature);
+    const VersionManager manager(version);
+    expectOldGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("old null null null null null null null null"));
+}
+
+void tst_VersionManager::newFormat_data()
+{
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<QStringList>("components"); // main version to minor index, patch to git hash
+
+    const auto row = [](const char* situation, const char* version, const char* components) {
+        QTest::newRow(situation) << QString::fromUtf8(version) << words(components);
+    };
+    row("all", "8.100.2.7.1234-g1a2b3c", "<8.100.2.7.1234> <8> <100> <2> <7> <1234> <g1a2b3c>");
+    row("no git hash", "1.2.3.4.5", "<1.2.3.4.5> <1> <2> <3> <4> <5> null");
+    row("dash without a git hash", "1.2.3.4.5-", "<1.2.3.4.5> <1> <2> <3> <4> <5> null");
+    row("dash in the git hash", "1.2.3.4.5-abc-def", "<1.2.3.4.5> <1> <2> <3> <4> <5> <abc-def>");
+    row("dashes around the git hash", "1.2.3.4.5--a--b-",
+        "<1.2.3.4.5> <1> <2> <3> <4> <5> <-a--b->");
+    row("V is the base number's", "V1.2.3.4.5", "<V1.2.3.4.5> <V1> <2> <3> <4> <5> null");
+    row("widths are not checked", "1.0222.33333.4.555555555",
+        "<1.0222.33333.4.555555555> <1> <0222> <33333> <4> <555555555> null");
+    row("letters", "a.b.c.d.e-f", "<a.b.c.d.e> <a> <b> <c> <d> <e> <f>");
+    row("only dots", "....", "<....> <> <> <> <> <> null");
+    row("only dots and a dash", "....-", "<....> <> <> <> <> <> null");
+    row("dots behind the dash count", "1.2.3-4.5.6", "<1.2.3> <1> <2> <3> null null <4.5.6>");
+    row("all dots behind the dash", "x-1.2.3.4.5", "<x> <x> null null null null <1.2.3.4.5>");
+    row("dash at the front", "-1.2.3.4.5", "<> <> null null null null <1.2.3.4.5>");
+    row("negative part", "1.-2.3.4.5", "<1.> <1> <> null null null <2.3.4.5>");
+    row("line feed behind", "1.2.3.4.5\n", "<1.2.3.4.5\n> <1> <2> <3> <4> <5\n> null");
+    row("other script's digits", "\xD9\xA3.2.3.4.5",
+        "<\xD9\xA3.2.3.4.5> <\xD9\xA3> <2> <3> <4> <5> null");
+    QTest::newRow("blanks are kept")
+        << QStringLiteral(" 1 . 2.3.4.5 - g ")
+        << QStringList({QStringLiteral("< 1 . 2.3.4.5 >"), QStringLiteral("< 1 >"),
+                        QStringLiteral("< 2>"), QStringLiteral("<3>"), QStringLiteral("<4>"),
+                        QStringLiteral("<5 >"), QStringLiteral("< g >")});
+}
+
+void tst_VersionManager::newFormat()
+{
+    QFETCH(QString, version);
+    QFETCH(QStringList, components);
+    const VersionManager manager(version);
+    components.insert(4, QStringLiteral("null"));
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), QStringList(QStringLiteral("new")) + components);
+}
+
+void tst_VersionManager::otherDotCounts_data()
+{
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<int>("dots");
+    QTest::addColumn<QStringList>("components"); // main version to git hash
+
+    const auto row = [](const char* situation, const char* version, int dots,
+                        const char* components) {
+        QTest::newRow(situation) << QString::fromUtf8(version) << dots << words(components);
+    };
+    row("empty", "", 0, "<> <> null null null null null null");
+    row("word", "abc", 0, "<abc> <abc> null null null null null null");
+    row("only a dash", "-", 0, "<> <> null null null null null null");
+    row("word and git hash", "abc-def", 0, "<abc> <abc> null null null null null <def>");
+    row("one dot", "1.2", 1, "<1.2> <1> <2> null null null null null");
+    row("one dot and git hash", "1.2-3", 1, "<1.2> <1> <2> null null null null <3>");
+    row("three dots", "1.2.3.4", 3, "<1.2.3.4> <1> <2> <3> null <4> null null");
+    row("three dots, one behind the dash", "V1.2.3-4.5", 3,
+        "<V1.2.3> <V1> <2> <3> null null null <4.5>");
+    row("five dots: the sixth part is ignored", "1.2.3.4.5.6", 5,
+        "<1.2.3.4.5.6> <1> <2> <3> null <4> <5> null");
+    row("six dots", "1.2.3.4.5.6.7-8", 6, "<1.2.3.4.5.6.7> <1> <2> <3> null <4> <5> <8>");
+    row("other points are no dots", "a\xE3\x80\x82x", 0,
+        "<a\xE3\x80\x82x> <a\xE3\x80\x82x> null null null null null null");
+}
+
+void tst_VersionManager::otherDotCounts()
+{
+    QFETCH(QString, version);
+    QFETCH(int, dots);
+    QFETCH(QStringList, components);
+    expectWarning(QStringLiteral("Number of dots %1 in version not allowed: \"%2\"")
+                      .arg(QString::number(dots), version),
+                  dotsSignature);
+    const VersionManager manager(version);
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), QStringList(QStringLiteral("new")) + components);
+}
+
+void tst_VersionManager::nullVersion()
+{
+    // Shown as an empty text, but every component stays null.
+    expectWarning(QStringLiteral("Number of dots 0 in version not allowed: \"\""), dotsSignature);
+    const VersionManager manager{QString()};
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("new null null null null null null null null"));
+}
+
+void tst_VersionManager::gettersWarnInTheWrongFormat()
+{
+    // One at a time, each time anew; the other getters say nothing in either format.
+    const VersionManager oldVersion(QStringLiteral("V8.12.3-45"));
+    const VersionManager newVersion(QStringLiteral("8.100.2.7.1234-g1a2b3c"));
+    const auto takeOne = [this](const char* text) {
+        return takeTexts() == QStringList(QLatin1String(text));
+    };
+    for (int i = 0; i < 2; ++i) {
+        QCOMPARE(oldVersion.getTestIndex(), QStringLiteral("45"));
+        QCOMPARE(newVersion.getPatchVersion(), QStringLiteral("7"));
+        QCOMPARE(newVersion.getBuildNumber(), QStringLiteral("1234"));
+        QCOMPARE(newVersion.getGitHash(), QStringLiteral("g1a2b3c"));
+        for (const VersionManager* version : {&oldVersion, &newVersion}) {
+            version->getMainVersion();
+            version->getBaseNumber();
+            version->getMajorIndex();
+            version->getMinorIndex();
+            version->isOldVersion();
+        }
+        QCOMPARE(takeTexts(), QStringList());
+
+        QVERIFY(newVersion.getTestIndex().isNull());
+        QVERIFY(takeOne(onlyOldTest));
+        QVERIFY(oldVersion.getPatchVersion().isNull());
+        QVERIFY(takeOne(onlyNewPatch));
+        QVERIFY(oldVersion.getBuildNumber().isNull());
+        QVERIFY(takeOne(onlyNewBuild));
+        QVERIFY(oldVersion.getGitHash().isNull());
+        QVERIFY(takeOne(onlyNewHash));
+    }
+}
+
+void tst_VersionManager::isOldVersionCountsDots_data()
+{
+    QTest::addColumn<int>("dots");
+    for (int dots = 0; dots <= 7; ++dots) {
+        QTest::addRow("%d", dots) << dots;
+    }
+}
+
+void tst_VersionManager::isOldVersionCountsDots()
+{
+    QFETCH(int, dots);
+    const QString version = QStringLiteral(".").repeated(dots);
+    VersionManager oldVersion(QStringLiteral("1.2.3"));
+    if (dots != 2 && dots != 4) {
+        expectWarning(QStringLiteral("Number of dots %1 in version not allowed: \"%2\"")
+                          .arg(QString::number(dots), version),
+                      dotsSignature);
+    }
+    QCOMPARE(oldVersion.isOldVersion(version), dots == 2);
+}
+
+void tst_VersionManager::isOldVersionReadsNoField()
+{
+    VersionManager oldVersion(QStringLiteral("1.2.3"));
+    VersionManager newVersion(QStringLiteral("1.2.3.4.5"));
+    expectOldGetterWarnings();
+    const QStringList oldComponents = componentsOf(oldVersion);
+    expectNewGetterWarnings();
+    const QStringList newComponents = componentsOf(newVersion);
+
+    for (VersionManager* version : {&oldVersion, &newVersion}) {
+        QVERIFY(version->isOldVersion(QStringLiteral("a.b.c")));
+        QVERIFY(!version->isOldVersion(QStringLiteral("a.b.c.d.e")));
+    }
+    QVERIFY(oldVersion.isOldVersion());
+    QVERIFY(!newVersion.isOldVersion());
+    expectOldGetterWarnings();
+    QCOMPARE(componentsOf(oldVersion), oldComponents);
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(newVersion), newComponents);
+}
+
+void tst_VersionManager::oldStepAlone()
+{
+    // It reads whatever it is given, keeps the decided format, and leaves alone what only the new
+    // format has.
+    VersionManager manager(QStringLiteral("1.2.3.4.5-g"));
+    manager.initializeVersionsOld(QStringLiteral("V6.7.8-9"));
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("new <6.7.8> <6> <7> <8> <9> <4> <5> <g>"));
+
+    // The base number takes all that it can.
+    manager.initializeVersionsOld(QStringLiteral("1.2.3.4.5-6"));
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("new <1.2.3.4.5> <1.2.3> <4> <5> <6> <4> <5> <g>"));
+
+    // A test index that is not there replaces the one before.
+    manager.initializeVersionsOld(QStringLiteral("1.2.3"));
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("new <1.2.3> <1> <2> <3> null <4> <5> <g>"));
+
+    // What does not match changes nothing.
+    expectWarning(QStringLiteral("Can not convert the following version: \"1.2\""), oldSignature);
+    manager.initializeVersionsOld(QStringLiteral("1.2"));
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("new <1.2.3> <1> <2> <3> null <4> <5> <g>"));
+}
+
+void tst_VersionManager::newStepAlone()
+{
+    // It counts no dots, keeps the decided format, and leaves alone what only the old format has.
+    VersionManager manager(QStringLiteral("1.2.3-45"));
+    manager.initializeVersionsNew(QStringLiteral("6.7.8.9.10-g"));
+    expectOldGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("old <6.7.8.9.10> <6> <7> <8> <45> <9> <10> <g>"));
+
+    // Parts that are not there keep what was there before; a git hash does not.
+    manager.initializeVersionsNew(QStringLiteral("a.b"));
+    expectOldGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("old <a.b> <a> <b> <8> <45> <9> <10> null"));
+
+    manager.initializeVersionsNew(QStringLiteral("...-"));
+    expectOldGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("old <...> <> <> <> <45> <> <10> null"));
+}
+
+void tst_VersionManager::initializeAgain()
+{
+    VersionManager manager(QStringLiteral("1.2.3-45"));
+    manager.initializeVersions(QStringLiteral("6.7.8.9.10-g"));
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("new <6.7.8.9.10> <6> <7> <8> <45> <9> <10> <g>"));
+
+    manager.initializeVersions(QStringLiteral("V1.2.3"));
+    expectOldGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("old <1.2.3> <1> <2> <3> null <9> <10> <g>"));
+
+    expectWarning(QStringLiteral("Number of dots 1 in version not allowed: \"a.b\""),
+                  dotsSignature);
+    manager.initializeVersions(QStringLiteral("a.b"));
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(manager), words("new <a.b> <a> <b> <3> null <9> <10> null"));
+
+    expectWarning(QStringLiteral("Can not convert the following version: \"..\""), oldSignature);
+    manager.initializeVersions(QStringLiteral(".."));
+    QVERIFY(manager.isOldVersion());
+}
+
+void tst_VersionManager::copies()
+{
+    const VersionManager original(QStringLiteral("1.2.3.4.5-g"));
+    VersionManager copy(original);
+    VersionManager assigned(QStringLiteral("V9.9.9-9"));
+    assigned = original;
+    const QStringList components = words("new <1.2.3.4.5> <1> <2> <3> null <4> <5> <g>");
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(copy), components);
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(assigned), components);
+
+    copy.initializeVersions(QStringLiteral("6.7.8.9.10"));
+    expectNewGetterWarnings();
+    QCOMPARE(componentsOf(original), components);
+}
+
+void tst_VersionManager::expression()
+{
+    const QString& text = VersionManager::getRegularExpressionVersion();
+    QCOMPARE(text, QStringLiteral("V?((\\S*)\\.(\\d{1,2})\\.(\\d{1,2}))\\-?(\\d{1,3})?"));
+    QCOMPARE(&VersionManager::getRegularExpressionVersion(), &text);
+}
+
+void tst_VersionManager::sameAsLiteral()
+{
+    constexpr int versions = 25000;
+
+    QRandomGenerator random(1);
+    LiteralVersion literalReused;
+    literalReused.read(QStringLiteral("1.2.3"));
+    VersionManager reused(QStringLiteral("1.2.3"));
+    int dotCounts[7] = {};
+    int withTestIndex = 0;
+    int withoutTestIndex = 0;
+    int withoutMatch = 0;
+    int withGitHash = 0;
+    for (int i = 0; i < versions; ++i) {
+        const QString version = random.bounded(3) == 0 ? scramble(random) : versionLike(random);
+
+        LiteralVersion literal;
+        literal.read(version);
+        QStringList expected = componentsOf(literal);
+        literalReused.read(version);
+        expected += componentsOf(literalReused);
+        expected += takeTexts();
+
+        const VersionManager fresh(version);
+        QStringList actual = componentsOf(fresh);
+        reused.initializeVersions(version);
+        actual += componentsOf(reused);
+        actual += takeTexts();
+        QVERIFY2(actual == expected,
+                 qPrintable(QStringLiteral("number %1, %2:\n   library %3\n   literal %4")
+                                .arg(QString::number(i), version, actual.join(QLatin1Char('|')),
+                                     expected.join(QLatin1Char('|')))));
+
+        ++dotCounts[qMin(version.count(QLatin1Char('.')), 6)];
+        if (literal.isOld) {
+            withoutMatch += literal.mainVersion.isNull() ? 1 : 0;
+            withTestIndex += literal.testIndex.isNull() ? 0 : 1;
+            withoutTestIndex += !literal.mainVersion.isNull() && literal.testIndex.isNull() ? 1 : 0;
+        } else {
+            withGitHash += literal.gitHash.isNull() ? 0 : 1;
+        }
+    }
+    for (const int count : dotCounts) {
+        QVERIFY(count >= 500);
+    }
+    for (const int count : {withTestIndex, withoutTestIndex, withoutMatch, withGitHash}) {
+        QVERIFY(count >= 500);
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_VersionManager)
+#include "tst_VersionManager.moc"
