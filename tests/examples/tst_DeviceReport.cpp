@@ -1,0 +1,647 @@
+#include "DeviceRoot.h"
+#include "HardwareInfoReader.h"
+#include "TestCase.h"
+
+#include <QtCore/QDirIterator>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QtEndian>
+
+namespace {
+
+const QString versionFile = QStringLiteral("/orvalis/VersionFile.ini");
+const QString versionInfo = QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini");
+const QString firmwareMarker = QStringLiteral("/orvalis/etc/orvalis-first-boot");
+const QString rebootMarker = QStringLiteral("/orvalis-reboot");
+const QString systemConfig = QStringLiteral("/etc/rauc/system.conf");
+
+struct Result
+{
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray errors;
+};
+
+// Standard output goes to outputPath where one is given.
+Result runReport(const QStringList& arguments, const QString& outputPath = QString())
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC0"));
+    environment.insert(QStringLiteral("MISCTOOLS_PRODUCT_CODE"), QStringLiteral("640917"));
+    process.setProcessEnvironment(environment);
+    if (!outputPath.isEmpty()) {
+        process.setStandardOutputFile(outputPath);
+    }
+    process.start(QStringLiteral(DEVICE_REPORT_PROGRAM), arguments);
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
+        qFatal("the report does not end well");
+    }
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+// A word of an image's header.
+QByteArray word(quint32 value)
+{
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(value, bytes.data());
+    return bytes;
+}
+
+QByteArray eepromImage(const QByteArray& iniText)
+{
+    constexpr quint32 startAddress = 64;
+    const quint16 checksum = HardwareInfoReader(nullptr).checksumXModemCRC(
+        iniText.constData(), static_cast<unsigned int>(iniText.size()));
+    const QByteArray front = QByteArray(20, '\xff') + word(0) + word(startAddress) +
+                             word(quint32(iniText.size())) + word(checksum);
+    return front.leftJustified(startAddress, '\xff') + iniText;
+}
+
+QJsonObject toObject(const QByteArray& json)
+{
+    return QJsonDocument::fromJson(json).object();
+}
+
+// Every file of the device with its content and time.
+QStringList device()
+{
+    QStringList files;
+    const auto append = [&files](const QFileInfo& info) {
+        QFile file(info.filePath());
+        const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        files.append(info.filePath() + QLatin1Char(' ') +
+                     info.lastModified().toString(Qt::ISODateWithMs) + QLatin1Char(' ') +
+                     QString::fromLatin1(content));
+    };
+    for (const QString& folder : {QStringLiteral("/orvalis"), QStringLiteral("/etc/rauc")}) {
+        QDirIterator iterator(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                              QDirIterator::Subdirectories);
+        while (iterator.hasNext()) {
+            iterator.next();
+            append(iterator.fileInfo());
+        }
+    }
+    append(QFileInfo(rebootMarker));
+    return files;
+}
+
+} // namespace
+
+// The example program, run as its user would run it.
+class tst_DeviceReport : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void completeDeviceAsText();
+    void completeDeviceAsJson();
+    void emptyDeviceAsText();
+    void emptyDeviceAsJson();
+    void fileMissing_data();
+    void fileMissing();
+    void valueMissing_data();
+    void valueMissing();
+    void commandLineMissing();
+    void versionParts_data();
+    void versionParts();
+    void bootModes_data();
+    void bootModes();
+    void eepromFailures_data();
+    void eepromFailures();
+    void boardWithoutFields();
+    void hardwareIdInvalid();
+    void controlCharactersAreEscaped();
+    void verboseShowsTheLibrarysMessages();
+    void deviceIsNotChanged();
+    void fullDisk();
+    void wrongUsage_data();
+    void wrongUsage();
+    void help();
+
+private:
+    // Puts the sample device at the device's paths.
+    void copySampleDevice();
+    QString writeBoard();
+    // The report's text without the name of the export file, which changes every second.
+    QByteArray withoutFileName(const QByteArray& text);
+};
+
+void tst_DeviceReport::copySampleDevice()
+{
+    const QString sample = QStringLiteral(SAMPLE_DEVICE);
+    for (const QString& file :
+         {versionFile, versionInfo, firmwareMarker, rebootMarker, systemConfig}) {
+        QVERIFY2(QFile::exists(sample + file), qPrintable(file));
+        DeviceRoot::writeFile(file, readFile(sample + file));
+    }
+    DeviceRoot::setCommandLine(readFile(sample + QStringLiteral("/proc/cmdline")));
+}
+
+QString tst_DeviceReport::writeBoard()
+{
+    return writeFile(QStringLiteral("eeprom"),
+                     eepromImage("Type=4711\nTypeName=Sample board\nVersion=2\n"
+                                 "CompatibilityIndex=1\nLP-ID=0815\nComment=made up\n"));
+}
+
+QByteArray tst_DeviceReport::withoutFileName(const QByteArray& text)
+{
+    QString result = QString::fromUtf8(text);
+    result.replace(QRegularExpression(QStringLiteral(
+                       "V([0-9]+)_[0-9]{4}_[0-9]{2}_[0-9]{2}T[0-9]{2}_[0-9]{2}_[0-9]{2}\\.csv")),
+                   QStringLiteral("V\\1_TIME.csv"));
+    return result.toUtf8();
+}
+
+void tst_DeviceReport::completeDeviceAsText()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    copySampleDevice();
+    const QString board = writeBoard();
+    const Result result =
+        runReport({QStringLiteral("--eeprom"), board, QStringLiteral("--hardware-id"),
+                   QStringLiteral("1234567891234567")});
+    const QByteArray expected =
+        "board record:                    read from " + board.toUtf8() +
+        "\n"
+        "board type:                      4711\n"
+        "board type name:                 Sample board\n"
+        "board version:                   2\n"
+        "board compatibility index:       1\n"
+        "board LP-ID:                     0815\n"
+        "board comment:                   made up\n"
+        "\n"
+        "hardware ID:                     1234567891234567\n"
+        "product group number:            123456\n"
+        "basic type supplement:           78\n"
+        "document type counting number:   912\n"
+        "customer version:                345\n"
+        "parts list sales:                67\n"
+        "\n"
+        "software version:                8.100.2.7.1234-g1a2b3c\n"
+        "software version parts:          base number 8, major index 100, minor index 2, "
+        "patch version 7, build number 1234, git hash g1a2b3c\n"
+        "software version hash:           5d41402abc4b2a76b9719d911017c592\n"
+        "\n"
+        "application version:             V8.12.3-45\n"
+        "application version parts:       base number 8, major index 12, minor index 3, "
+        "test index 45\n"
+        "product code:                    640917\n"
+        "creation date:                   2026-11-15\n"
+        "\n"
+        "boot mode:                       first boot after a firmware update\n"
+        "reboot marker:                   present\n"
+        "firmware update marker:          present\n"
+        "orvalismode on the command line: normal\n"
+        "\n"
+        "device index:                    3\n"
+        "next export file:                V3_TIME.csv\n";
+    QCOMPARE(withoutFileName(result.output), expected);
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_DeviceReport::completeDeviceAsJson()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    copySampleDevice();
+    const QString board = writeBoard();
+    const Result result =
+        runReport({QStringLiteral("--json"), QStringLiteral("--eeprom"), board,
+                   QStringLiteral("--hardware-id"), QStringLiteral("1234567891234567")});
+    const QJsonObject expected = toObject(R"({
+        "hardware": {
+            "eeprom": ")" + board.toUtf8() +
+                                          R"(",
+            "type": "4711", "typeName": "Sample board", "version": "2",
+            "compatibilityIndex": "1", "lpId": "0815", "comment": "made up"
+        },
+        "hardwareId": {
+            "id": "1234567891234567", "productGroupNumber": "123456",
+            "basicTypeSupplement": "78", "documentTypeCountingNumber": "912",
+            "customerVersion": "345", "partsListSales": "67"
+        },
+        "software": {
+            "version": "8.100.2.7.1234-g1a2b3c",
+            "hash": "5d41402abc4b2a76b9719d911017c592",
+            "parts": {
+                "format": "new", "baseNumber": "8", "majorIndex": "100", "minorIndex": "2",
+                "testIndex": null, "patchVersion": "7", "buildNumber": "1234",
+                "gitHash": "g1a2b3c"
+            }
+        },
+        "application": {
+            "version": "V8.12.3-45", "productCode": "640917", "creationDate": "2026-11-15",
+            "parts": {
+                "format": "old", "baseNumber": "8", "majorIndex": "12", "minorIndex": "3",
+                "testIndex": "45", "patchVersion": null, "buildNumber": null, "gitHash": null
+            }
+        },
+        "boot": {
+            "mode": "firmwareUpdate", "rebootMarker": true, "firmwareUpdateMarker": true,
+            "commandLineMode": "normal"
+        },
+        "export": { "deviceIndex": "3", "nextFileName": "V3_TIME.csv" },
+        "missing": []
+    })");
+    QVERIFY(!expected.isEmpty());
+    QCOMPARE(toObject(withoutFileName(result.output)), expected);
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_DeviceReport::emptyDeviceAsText()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const Result result = runReport({});
+    QCOMPARE(
+        withoutFileName(result.output),
+        QByteArray(
+            "board record:                    not read (see --eeprom)\n"
+            "\n"
+            "hardware ID:                     not given (see --hardware-id)\n"
+            "\n"
+            "software version:                not known (/orvalis/VersionFile.ini is missing)\n"
+            "software version hash:           not known (/orvalis/VersionFile.ini is missing)\n"
+            "\n"
+            "application version:             not known (/orvalis/etc/OrvalisVersionInfo.ini is "
+            "missing)\n"
+            "product code:                    not known (/orvalis/etc/OrvalisVersionInfo.ini is "
+            "missing)\n"
+            "creation date:                   not known (/orvalis/etc/OrvalisVersionInfo.ini is "
+            "missing)\n"
+            "\n"
+            "boot mode:                       hard reset\n"
+            "reboot marker:                   absent\n"
+            "firmware update marker:          absent\n"
+            "orvalismode on the command line: none\n"
+            "\n"
+            "device index:                    not known (/etc/rauc/system.conf is missing)\n"
+            "next export file:                V0_TIME.csv\n"));
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_DeviceReport::emptyDeviceAsJson()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const Result result = runReport({QStringLiteral("--json")});
+    QJsonObject report = toObject(withoutFileName(result.output));
+    QCOMPARE(report.take(QStringLiteral("missing")).toArray().size(), 6);
+    QCOMPARE(report, toObject(R"({
+        "hardware": {
+            "eeprom": null, "type": null, "typeName": null, "version": null,
+            "compatibilityIndex": null, "lpId": null, "comment": null
+        },
+        "hardwareId": {
+            "id": null, "productGroupNumber": null, "basicTypeSupplement": null,
+            "documentTypeCountingNumber": null, "customerVersion": null, "partsListSales": null
+        },
+        "software": { "version": null, "hash": null, "parts": null },
+        "application": {
+            "version": null, "parts": null, "productCode": null, "creationDate": null
+        },
+        "boot": {
+            "mode": "hardReset", "rebootMarker": false, "firmwareUpdateMarker": false,
+            "commandLineMode": null
+        },
+        "export": { "deviceIndex": null, "nextFileName": "V0_TIME.csv" }
+    })"));
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_DeviceReport::fileMissing_data()
+{
+    QTest::addColumn<QString>("filePath");
+    QTest::addColumn<QStringList>("members");
+
+    QTest::newRow("version file") << versionFile
+                                  << QStringList{QStringLiteral("software.version"),
+                                                 QStringLiteral("software.hash")};
+    QTest::newRow("version information") << versionInfo
+                                         << QStringList{QStringLiteral("application.version"),
+                                                        QStringLiteral("application.productCode"),
+                                                        QStringLiteral("application.creationDate")};
+    QTest::newRow("system configuration")
+        << systemConfig << QStringList{QStringLiteral("export.deviceIndex")};
+    // A marker is rightly absent.
+    QTest::newRow("firmware update marker") << firmwareMarker << QStringList();
+    QTest::newRow("reboot marker") << rebootMarker << QStringList();
+}
+
+void tst_DeviceReport::fileMissing()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QString, filePath);
+    QFETCH(QStringList, members);
+
+    copySampleDevice();
+    QVERIFY(QFile::remove(filePath));
+    const Result result = runReport({QStringLiteral("--json")});
+    QJsonArray expected;
+    for (const QString& member : members) {
+        expected.append(
+            QJsonObject{{QStringLiteral("member"), member},
+                        {QStringLiteral("reason"), filePath + QStringLiteral(" is missing")}});
+    }
+    QCOMPARE(toObject(result.output).value(QStringLiteral("missing")).toArray(), expected);
+    QCOMPARE(result.exitCode, members.isEmpty() ? 0 : 1);
+}
+
+void tst_DeviceReport::valueMissing_data()
+{
+    QTest::addColumn<QString>("filePath");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("line");
+
+    QTest::newRow("software version")
+        << versionFile << QByteArray("[MainVersion]\nVersionStringHash=x\n")
+        << QByteArray("software version:                not known (/orvalis/VersionFile.ini has "
+                      "no VersionString in [MainVersion])\n");
+    QTest::newRow("creation date in the wrong section")
+        << versionInfo
+        << QByteArray("[General]\nCreationDate=x\n[ApplicationVersion]\nVersion=1.2.3\n"
+                      "ProductCode=1\n")
+        << QByteArray("creation date:                   not known "
+                      "(/orvalis/etc/OrvalisVersionInfo.ini has no CreationDate in "
+                      "[%General])\n");
+    QTest::newRow("device index is no number")
+        << systemConfig << QByteArray("[system]\ncompatible=7a\n")
+        << QByteArray("device index:                    not known (/etc/rauc/system.conf has no "
+                      "number under compatible in [system])\n");
+}
+
+void tst_DeviceReport::valueMissing()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QString, filePath);
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, line);
+
+    copySampleDevice();
+    DeviceRoot::writeFile(filePath, content);
+    const Result result = runReport({});
+    QVERIFY2(result.output.contains(line), result.output.constData());
+    QCOMPARE(result.output.count("not known"), 1);
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_DeviceReport::commandLineMissing()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    copySampleDevice();
+    QVERIFY(QFile::remove(firmwareMarker));
+    const DeviceRoot::Covered covered("/proc");
+    const Result result = runReport({});
+    QVERIFY2(result.output.contains(
+                 "boot mode:                       not known (/proc/cmdline is missing)\n"),
+             result.output.constData());
+    QVERIFY2(result.output.contains(
+                 "orvalismode on the command line: not known (/proc/cmdline is missing)\n"),
+             result.output.constData());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_DeviceReport::versionParts_data()
+{
+    QTest::addColumn<QByteArray>("version");
+    QTest::addColumn<QByteArray>("parts"); // empty: not known
+
+    QTest::newRow("old, without test index")
+        << QByteArray("1.2.3") << QByteArray("base number 1, major index 2, minor index 3");
+    QTest::newRow("new, without hash") << QByteArray("1.2.3.4.5")
+                                       << QByteArray("base number 1, major index 2, minor index 3, "
+                                                     "patch version 4, build number 5");
+    QTest::newRow("too few dots") << QByteArray("1.2") << QByteArray();
+    QTest::newRow("letters") << QByteArray("a.b.c") << QByteArray();
+    QTest::newRow("dots alone") << QByteArray("....") << QByteArray();
+}
+
+void tst_DeviceReport::versionParts()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, version);
+    QFETCH(QByteArray, parts);
+
+    copySampleDevice();
+    DeviceRoot::writeFile(versionFile,
+                          "[MainVersion]\nVersionStringHash=x\nVersionString=" + version + "\n");
+    const Result result = runReport({});
+    const QByteArray text =
+        parts.isEmpty() ? "not known (" + version + " is in neither format of a version)" : parts;
+    QVERIFY2(result.output.contains("software version parts:          " + text + "\n"),
+             result.output.constData());
+    QCOMPARE(result.exitCode, parts.isEmpty() ? 1 : 0);
+}
+
+void tst_DeviceReport::bootModes_data()
+{
+    QTest::addColumn<QStringList>("removed");
+    QTest::addColumn<QByteArray>("commandLine");
+    QTest::addColumn<QByteArray>("mode");
+    QTest::addColumn<QByteArray>("commandLineMode");
+
+    QTest::newRow("normal") << QStringList{firmwareMarker} << QByteArray("quiet\n")
+                            << QByteArray("normal") << QByteArray("none");
+    QTest::newRow("firmware update")
+        << QStringList() << QByteArray("orvalismode=factoryreset quiet\n")
+        << QByteArray("first boot after a firmware update") << QByteArray("factoryreset");
+    QTest::newRow("factory reset")
+        << QStringList{firmwareMarker} << QByteArray("orvalismode=factoryreset quiet\n")
+        << QByteArray("factory reset") << QByteArray("factoryreset");
+    QTest::newRow("factory reset as last word")
+        << QStringList{firmwareMarker} << QByteArray("orvalismode=factoryreset\n")
+        << QByteArray("normal") << QByteArray("factoryreset\\n");
+    QTest::newRow("bare argument") << QStringList{firmwareMarker} << QByteArray("orvalismode quiet")
+                                   << QByteArray("normal") << QByteArray("empty");
+    QTest::newRow("hard reset") << QStringList{rebootMarker} << QByteArray("quiet\n")
+                                << QByteArray("hard reset") << QByteArray("none");
+}
+
+void tst_DeviceReport::bootModes()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QStringList, removed);
+    QFETCH(QByteArray, commandLine);
+    QFETCH(QByteArray, mode);
+    QFETCH(QByteArray, commandLineMode);
+
+    copySampleDevice();
+    for (const QString& file : removed) {
+        QVERIFY(QFile::remove(file));
+    }
+    DeviceRoot::setCommandLine(commandLine);
+    const Result result = runReport({});
+    QVERIFY2(result.output.contains("boot mode:                       " + mode + "\n"),
+             result.output.constData());
+    QVERIFY2(result.output.contains("orvalismode on the command line: " + commandLineMode + "\n"),
+             result.output.constData());
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_DeviceReport::eepromFailures_data()
+{
+    QTest::addColumn<QByteArray>("image"); // null: there is no file
+    QTest::addColumn<QByteArray>("reason");
+
+    QByteArray damaged = eepromImage("Type=4711\n");
+    damaged[damaged.size() - 1] = 'x';
+    QTest::newRow("missing") << QByteArray() << QByteArray("is missing");
+    QTest::newRow("empty") << QByteArray("") << QByteArray("does not hold a valid hardware record");
+    QTest::newRow("damaged") << damaged << QByteArray("does not hold a valid hardware record");
+}
+
+void tst_DeviceReport::eepromFailures()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(QByteArray, image);
+    QFETCH(QByteArray, reason);
+
+    copySampleDevice();
+    const QString filePath = path(QStringLiteral("eeprom"));
+    if (!image.isNull()) {
+        writeFile(QStringLiteral("eeprom"), image);
+    }
+    const Result result = runReport({QStringLiteral("--eeprom"), filePath});
+    QVERIFY2(result.output.startsWith("board record:                    not known (" +
+                                      filePath.toUtf8() + ' ' + reason + ")\n\n"),
+             result.output.constData());
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_DeviceReport::boardWithoutFields()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    copySampleDevice();
+    const QString board =
+        writeFile(QStringLiteral("eeprom"), eepromImage("Type=1\nTypeName=b\nVersion=2\n"
+                                                        "CompatibilityIndex=3\n"));
+    const Result result = runReport({QStringLiteral("--eeprom"), board});
+    QVERIFY2(result.output.contains(
+                 "board LP-ID:                     not known (the board record does not say)\n"),
+             result.output.constData());
+    // Not every board has a comment.
+    QVERIFY2(result.output.contains("board comment:                   none\n"),
+             result.output.constData());
+    QCOMPARE(result.output.count("not known"), 1);
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_DeviceReport::hardwareIdInvalid()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    copySampleDevice();
+    const Result result =
+        runReport({QStringLiteral("--hardware-id"), QStringLiteral("1234567800034567")});
+    QVERIFY2(result.output.contains("hardware ID:                     not known "
+                                    "(1234567800034567 is not a hardware ID)\n\n"),
+             result.output.constData());
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_DeviceReport::controlCharactersAreEscaped()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    copySampleDevice();
+    DeviceRoot::writeFile(versionFile, "[MainVersion]\nVersionString=1.2.3\n"
+                                       "VersionStringHash=\"\\x1b[31m\\n\xe4\"\n");
+    const Result result = runReport({});
+    QVERIFY2(result.output.contains("software version hash:           \\x1b[31m\\n\xc3\xa4\n"),
+             result.output.constData());
+    QVERIFY(!result.output.contains('\x1b'));
+}
+
+void tst_DeviceReport::verboseShowsTheLibrarysMessages()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    copySampleDevice();
+    QVERIFY(QFile::remove(versionFile));
+    const Result quiet = runReport({});
+    const Result verbose = runReport({QStringLiteral("--verbose")});
+    QCOMPARE(quiet.errors, QByteArray());
+    QCOMPARE(verbose.errors,
+             QByteArray("IniFileManager: Can't find specified ini-file: "
+                        "\"/orvalis/VersionFile.ini\"\n"
+                        "IniFileManager: \"Ini-File (/orvalis/VersionFile.ini):\" Key "
+                        "\"VersionString\" not found in Group \"MainVersion\" !\n"
+                        "IniFileManager: \"Ini-File (/orvalis/VersionFile.ini):\" Key "
+                        "\"VersionStringHash\" not found in Group \"MainVersion\" !\n"));
+    QCOMPARE(withoutFileName(verbose.output), withoutFileName(quiet.output));
+}
+
+void tst_DeviceReport::deviceIsNotChanged()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const QString board = writeBoard();
+    const QStringList arguments{QStringLiteral("--eeprom"), board};
+    const QByteArray image = readFile(board);
+
+    const QStringList emptyDevice = device();
+    runReport(arguments);
+    QCOMPARE(device(), emptyDevice);
+    QVERIFY(!QFile::exists(QStringLiteral("/orvalis")));
+
+    copySampleDevice();
+    const QStringList fullDevice = device();
+    QVERIFY(fullDevice.size() >= 5);
+    runReport(arguments);
+    QCOMPARE(device(), fullDevice);
+    QCOMPARE(readFile(board), image);
+}
+
+void tst_DeviceReport::fullDisk()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    copySampleDevice();
+    const Result result = runReport({}, QStringLiteral("/dev/full"));
+    QCOMPARE(result.errors, QByteArray("device-report: cannot write the report\n"));
+    QCOMPARE(result.exitCode, 3);
+}
+
+void tst_DeviceReport::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("error");
+
+    QTest::newRow("unknown option")
+        << QStringList{QStringLiteral("--none")} << QByteArray("Unknown option 'none'.");
+    QTest::newRow("argument") << QStringList{QStringLiteral("x")}
+                              << QByteArray("unexpected argument x");
+    QTest::newRow("no path") << QStringList{QStringLiteral("--eeprom")}
+                             << QByteArray("Missing value after '--eeprom'.");
+    QTest::newRow("empty path") << QStringList{QStringLiteral("--eeprom"), QString()}
+                                << QByteArray("--eeprom must not be empty");
+    QTest::newRow("empty hardware ID") << QStringList{QStringLiteral("--hardware-id=")}
+                                       << QByteArray("--hardware-id must not be empty");
+}
+
+void tst_DeviceReport::wrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, error);
+
+    const Result result = runReport(arguments);
+    QCOMPARE(result.errors, "device-report: " + error + " (see --help)\n");
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.exitCode, 2);
+}
+
+void tst_DeviceReport::help()
+{
+    const Result result = runReport({QStringLiteral("--help")});
+    for (const char* word : {"--eeprom", "--hardware-id", "--json", "--verbose", "Exit codes:"}) {
+        QVERIFY2(result.output.contains(word), word);
+    }
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_DeviceReport)
+#include "tst_DeviceReport.moc"
