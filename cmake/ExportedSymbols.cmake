@@ -1,0 +1,32 @@
+# Hidden visibility alone lets inline functions of Qt's own exported classes slip out of a build that
+# does not inline them. A version script, made from what the public headers mark, keeps the library to
+# its interface in every build.
+function(misctools_export_public_interface target)
+  file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
+  # A changed header may mark something else.
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${headers})
+  set(patterns "")
+  foreach(header IN LISTS headers)
+    file(READ ${header} text)
+    string(REGEX MATCHALL "class MISCTOOLS_EXPORT [A-Za-z]+" classes "${text}")
+    foreach(class IN LISTS classes)
+      string(REGEX REPLACE ".* " "" class "${class}")
+      list(APPEND patterns "${class}::*" "*thunk?to?${class}::*" "*?for?${class}")
+    endforeach()
+    string(REGEX REPLACE "class MISCTOOLS_EXPORT" "" text "${text}")
+    string(REGEX MATCHALL "MISCTOOLS_EXPORT [^(;]*\\(" functions "${text}")
+    foreach(function IN LISTS functions)
+      string(REGEX REPLACE ".*[ *&]([^ *&(]+)\\($" "\\1" function "${function}")
+      # Signs that a version script has no room for; the last one is the parenthesis.
+      string(REPLACE "<" "?" function "${function}?*")
+      list(APPEND patterns "${function}")
+    endforeach()
+  endforeach()
+  list(REMOVE_DUPLICATES patterns)
+  list(JOIN patterns ";\n    " patterns)
+  set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.version)
+  file(GENERATE OUTPUT ${script} CONTENT
+    "{\n  global: extern \"C++\" {\n    ${patterns};\n  };\n  local: *;\n};\n")
+  target_link_options(${target} PRIVATE LINKER:--version-script=${script})
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${script})
+endfunction()
