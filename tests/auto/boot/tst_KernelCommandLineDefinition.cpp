@@ -1,6 +1,7 @@
 #include "KernelCommandLineDefinition.h"
 #include "TestCase.h"
 
+#include <thread>
 #include <type_traits>
 
 using Name = const QString& (*)();
@@ -41,6 +42,11 @@ void tst_KernelCommandLineDefinition::names()
     const QString& first = name();
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
+
+    // One text for the whole process.
+    const QString* elsewhere = nullptr;
+    std::thread([&] { elsewhere = &name(); }).join();
+    QCOMPARE(elsewhere, &first);
 }
 
 void tst_KernelCommandLineDefinition::constructionIsSilent()

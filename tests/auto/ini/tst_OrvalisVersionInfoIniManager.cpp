@@ -3,6 +3,7 @@
 #include "OrvalisVersionInfoIniManager.h"
 #include "TestCase.h"
 
+#include <thread>
 #include <type_traits>
 
 namespace {
@@ -66,6 +67,11 @@ void tst_OrvalisVersionInfoIniManager::publishedNames()
     const QString& first = name();
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
+
+    // One text for the whole process.
+    const QString* elsewhere = nullptr;
+    std::thread([&] { elsewhere = &name(); }).join();
+    QCOMPARE(elsewhere, &first);
 }
 
 void tst_OrvalisVersionInfoIniManager::values_data()

@@ -3,12 +3,15 @@
 #include "TestCase.h"
 #include "VersionFileIniManager.h"
 
+#include <thread>
 #include <type_traits>
 
 namespace {
 
 const QString filePath = QStringLiteral("/orvalis/VersionFile.ini");
 const QString group = QStringLiteral("MainVersion");
+
+using Name = const QString& (*)();
 
 } // namespace
 
@@ -18,11 +21,14 @@ static_assert(std::has_virtual_destructor<VersionFileIniManager>::value, "virtua
 static_assert(!std::is_copy_constructible<VersionFileIniManager>::value, "not copyable");
 static_assert(!std::is_copy_assignable<VersionFileIniManager>::value, "not copyable");
 
+Q_DECLARE_METATYPE(Name)
+
 class tst_VersionFileIniManager : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void publishedNames_data();
     void publishedNames();
     void values_data();
     void values();
@@ -31,15 +37,30 @@ private Q_SLOTS:
     void changedFileIsReadByTheNextObject();
 };
 
+void tst_VersionFileIniManager::publishedNames_data()
+{
+    QTest::addColumn<Name>("name");
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("file name") << Name(&VersionFileIniManager::getFileNameVersionFile)
+                               << QStringLiteral("VersionFile.ini");
+    QTest::newRow("section") << Name(&VersionFileIniManager::getSectionNameMainVersion)
+                             << QStringLiteral("MainVersion");
+}
+
 void tst_VersionFileIniManager::publishedNames()
 {
-    const QString& fileName = VersionFileIniManager::getFileNameVersionFile();
-    QCOMPARE(fileName, QStringLiteral("VersionFile.ini"));
-    QCOMPARE(&VersionFileIniManager::getFileNameVersionFile(), &fileName);
+    QFETCH(Name, name);
+    QFETCH(QString, text);
 
-    const QString& section = VersionFileIniManager::getSectionNameMainVersion();
-    QCOMPARE(section, QStringLiteral("MainVersion"));
-    QCOMPARE(&VersionFileIniManager::getSectionNameMainVersion(), &section);
+    const QString& first = name();
+    QCOMPARE(first, text);
+    QCOMPARE(&name(), &first);
+
+    // One text for the whole process.
+    const QString* elsewhere = nullptr;
+    std::thread([&] { elsewhere = &name(); }).join();
+    QCOMPARE(elsewhere, &first);
 }
 
 void tst_VersionFileIniManager::values_data()
