@@ -1,0 +1,81 @@
+#ifndef MISCTOOLS_TEXTFILEPARSER_H
+#define MISCTOOLS_TEXTFILEPARSER_H
+
+#include "MiscToolsGlobal.h"
+
+#include <QtCore/QRegularExpression>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+/*!
+ * \brief Matches regular expressions over the text of a file.
+ *
+ * \code
+ * TextFileParser osRelease(QStringLiteral("/etc/os-release"));
+ * const QString id = osRelease.match(QRegularExpression(QStringLiteral("\\bID=(\\w+)")));
+ * \endcode
+ *
+ * \par Contract
+ * - \b Threads: one object, one thread.
+ * - \b Ownership: the file is read whole at construction and closed again; its later changes are
+ * not seen.
+ * - \b Errors: nothing throws. Each error is a warning, sets hasError() and replaces
+ *   getLastError(); only clearLastError() takes that back. The object stays usable: without a file
+ *   the text is empty.
+ * - \b Units and formats: the text is decoded as UTF-8 up to its first zero byte, without carriage
+ *   returns. Expressions are those of QRegularExpression.
+ *
+ * \since 1.0
+ */
+class MISCTOOLS_EXPORT TextFileParser
+{
+public:
+    /*!
+     * \brief Reads the file at \a filePath.
+     *
+     * Errors: "File doesn't exists: <path>", "Can't open file <path> IO Error: <reason>".
+     */
+    explicit TextFileParser(const QString& filePath);
+    virtual ~TextFileParser();
+
+    TextFileParser(const TextFileParser&) = default;
+    TextFileParser& operator=(const TextFileParser&) = default;
+
+    /*!
+     * \brief The first result of multiMatch(); a null text when there is none.
+     */
+    QString match(const QRegularExpression& regularExpression);
+
+    /*!
+     * \brief One text per match, in the order of the file.
+     *
+     * The text is that of the expression's first group, which may be empty, and the whole match
+     * where the expression has no group or none took part.
+     *
+     * Errors: "Invalid regular expresion: <pattern>", then "Invalid match on expresion: <pattern>".
+     */
+    QStringList multiMatch(const QRegularExpression& regularExpression);
+
+    /*!
+     * \brief All matches over the text; an invalid iterator for an invalid expression.
+     *
+     * Error: "Invalid regular expresion: <pattern>".
+     */
+    QRegularExpressionMatchIterator internallMatch(const QRegularExpression& regularExpression);
+
+    /*! \brief Whether there was an error since clearLastError(). */
+    bool hasError() const;
+    /*! \brief The text of the last error. */
+    QString getLastError() const;
+    /*! \brief Forgets the error. */
+    void clearLastError();
+    /*! \brief Notes the error \a error and warns of it. */
+    void setError(const QString& error);
+
+private:
+    bool m_hasError;
+    QString m_lastError;
+    QString m_content;
+};
+
+#endif
