@@ -1,0 +1,298 @@
+#include "TestCase.h"
+#include "WildcardFilter.h"
+
+#include <memory>
+#include <type_traits>
+
+static_assert(std::has_virtual_destructor<WildcardFilter>::value, "filters may be derived from");
+static_assert(std::is_copy_constructible<WildcardFilter>::value &&
+                  std::is_copy_assignable<WildcardFilter>::value,
+              "filters are values");
+
+Q_DECLARE_METATYPE(QDir::Filters)
+
+namespace {
+
+constexpr char emptyNameText[] = "Can't match filter to empty file name: \"\"";
+constexpr char matchesFiltersSignature[] =
+    "bool WildcardFilter::matchesFilters(const QString&) const";
+
+} // namespace
+
+class tst_WildcardFilter : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void caseFollowsTheFlagAlone_data();
+    void caseFollowsTheFlagAlone();
+    void patternsFitWholeNames_data();
+    void patternsFitWholeNames();
+    void anyOfManyPatternsIsEnough_data();
+    void anyOfManyPatternsIsEnough();
+    void emptyNameWarnsAndFitsNothing_data();
+    void emptyNameWarnsAndFitsNothing();
+    void everyEmptyNameWarns();
+    void filterMayBeAskedAgain();
+    void filterKeepsItsPatterns();
+    void copiesAreIndependent();
+    void derivedFiltersAreDestroyedWhole();
+};
+
+void tst_WildcardFilter::caseFollowsTheFlagAlone_data()
+{
+    QTest::addColumn<QDir::Filters>("filters");
+    QTest::addColumn<bool>("caseCounts");
+
+    const auto row = [](const char* name, QDir::Filters filters, bool caseCounts) {
+        QTest::newRow(name) << filters << caseCounts;
+    };
+    row("no flag", QDir::Filters(), false);
+    row("CaseSensitive", QDir::CaseSensitive, true);
+    row("the flag's value", QDir::Filters(QFlag(0x800)), true);
+    row("NoFilter contains CaseSensitive", QDir::NoFilter, true);
+    row("CaseSensitive among others", QDir::Files | QDir::CaseSensitive | QDir::Hidden, true);
+    row("all others", QDir::Filters(QFlag(int(QDir::NoFilter) & ~int(QDir::CaseSensitive))), false);
+    row("Dirs", QDir::Dirs, false);
+    row("Files", QDir::Files, false);
+    row("Drives", QDir::Drives, false);
+    row("NoSymLinks", QDir::NoSymLinks, false);
+    row("AllEntries", QDir::AllEntries, false);
+    row("Readable", QDir::Readable, false);
+    row("Writable", QDir::Writable, false);
+    row("Executable", QDir::Executable, false);
+    row("Modified", QDir::Modified, false);
+    row("Hidden", QDir::Hidden, false);
+    row("System", QDir::System, false);
+    row("AllDirs", QDir::AllDirs, false);
+    row("NoDot", QDir::NoDot, false);
+    row("NoDotDot", QDir::NoDotDot, false);
+}
+
+void tst_WildcardFilter::caseFollowsTheFlagAlone()
+{
+    QFETCH(QDir::Filters, filters);
+    QFETCH(bool, caseCounts);
+
+    const WildcardFilter filter({QStringLiteral("*.TXT")}, filters);
+    QVERIFY(filter.matchesFilters(QStringLiteral("A.TXT")));
+    QCOMPARE(filter.matchesFilters(QStringLiteral("a.txt")), !caseCounts);
+    QCOMPARE(filter.matchesFilters(QStringLiteral("a.Txt")), !caseCounts);
+    QVERIFY(!filter.matchesFilters(QStringLiteral("a.bin")));
+    // Kinds of entries mean nothing to a filter of names.
+    QVERIFY(filter.matchesFilters(QStringLiteral(".HIDDEN.TXT")));
+}
+
+void tst_WildcardFilter::patternsFitWholeNames_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("fits");
+
+    const auto row = [](const char* rowName, const char* pattern, const QString& name, bool fits) {
+        QTest::newRow(rowName) << QString::fromUtf8(pattern) << name << fits;
+    };
+    const auto text = [](const char* utf8) { return QString::fromUtf8(utf8); };
+
+    row("end of the name", "*.gz", text("archive.tar.gz"), true);
+    row("middle of the name", "*.tar", text("archive.tar.gz"), false);
+    row("start of the name", "archive*", text("archive.tar.gz"), true);
+    row("start alone", "archive", text("archive.tar.gz"), false);
+    row("both ends open", "*tar*", text("archive.tar.gz"), true);
+    row("whole name", "archive.tar.gz", text("archive.tar.gz"), true);
+    row("more than the name", "archive.tar.gz?", text("archive.tar.gz"), false);
+    row("dot is a dot", "a.b", text("axb"), false);
+    row("star fits all", "*", text("anything at all"), true);
+    row("star fits nothing", "a*b", text("ab"), true);
+    row("star fits a hidden name", "*", text(".hidden"), true);
+    row("star fits the folder itself", "*", text("."), true);
+    row("star fits a slash", "*", text("folder/file"), true);
+    row("question mark is one character", "?.txt", text("a.txt"), true);
+    row("question mark is not none", "?.txt", text(".txt"), false);
+    row("question mark is not two", "?.txt", text("ab.txt"), false);
+    row("question mark is one umlaut", "?.txt", text("\xc3\xa4.txt"), true);
+    row("question mark is half a surrogate pair", "?", text("\xf0\x9f\x98\x80"), false);
+    row("two question marks are a surrogate pair", "??", text("\xf0\x9f\x98\x80"), true);
+    row("set", "[abc].txt", text("b.txt"), true);
+    row("not in the set", "[abc].txt", text("d.txt"), false);
+    row("range", "[a-c].txt", text("b.txt"), true);
+    row("beyond the range", "[a-c].txt", text("d.txt"), false);
+    row("set is one character", "[a-c].txt", text("ab.txt"), false);
+    row("circumflex negates", "[^a].txt", text("b.txt"), true);
+    row("circumflex excludes", "[^a].txt", text("a.txt"), false);
+    row("exclamation mark is in the set", "[!a].txt", text("!.txt"), true);
+    row("exclamation mark does not exclude", "[!a].txt", text("a.txt"), true);
+    row("exclamation mark does not negate", "[!a].txt", text("b.txt"), false);
+    row("backslash is a character", "a\\b", text("a\\b"), true);
+    row("backslash does not escape a star", "a\\*", text("a*"), false);
+    row("star after a backslash", "a\\*", text("a\\bcd"), true);
+    row("set with a star escapes it", "a[*]", text("a*"), true);
+    row("set with a star alone", "a[*]", text("ab"), false);
+    row("plus, dollar and parentheses", "a+$(b){2}|^", text("a+$(b){2}|^"), true);
+    row("bar is no alternative", "a|b", text("a"), false);
+    row("unfinished set fits nothing", "[a", text("a"), false);
+    row("unfinished set does not fit itself", "[a", text("[a"), false);
+    row("empty pattern", "", text("a"), false);
+    row("blank around a pattern counts", " *.txt", text("a.txt"), false);
+    row("list in one pattern is none", "*.txt;*.bin", text("a.txt"), false);
+    row("line feed", "a*b", text("a\nb"), true);
+    row("line feed is one character", "a?b", text("a\nb"), true);
+    row("line feed at the end", "a", text("a\n"), false);
+    row("umlauts", "gr\xc3\xbc*", text("gr\xc3\xbc\xc3\x9f"), true);
+    row("umlauts of the other case", "GR\xc3\x9c*", text("gr\xc3\xbcn"), true);
+    row("NUL", "a*c", QString::fromLatin1("a\0c", 3), true);
+    row("lone surrogate", "a*c", QStringLiteral("a") + QChar(0xd800) + QStringLiteral("c"), true);
+    row("long name", "*z", QString(5000, QLatin1Char('a')) + QLatin1Char('z'), true);
+}
+
+void tst_WildcardFilter::patternsFitWholeNames()
+{
+    QFETCH(QString, pattern);
+    QFETCH(QString, name);
+    QFETCH(bool, fits);
+
+    const WildcardFilter filter({pattern}, QDir::Files);
+    QCOMPARE(filter.matchesFilters(name), fits);
+}
+
+void tst_WildcardFilter::anyOfManyPatternsIsEnough_data()
+{
+    QTest::addColumn<QStringList>("patterns");
+    QTest::addColumn<QStringList>("fitting");
+    QTest::addColumn<QStringList>("others");
+
+    const auto list = [](const char* names) {
+        return QString::fromLatin1(names).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    };
+    QTest::newRow("none") << QStringList() << QStringList() << list("a a.txt * . .hidden");
+    QTest::newRow("an empty one") << QStringList(QString()) << QStringList() << list("a * .");
+    QTest::newRow("one") << list("*.txt") << list("a.txt") << list("a.bin a");
+    QTest::newRow("several") << list("*.txt *.bin c*") << list("a.txt a.bin c.zip c")
+                             << list("a.zip b");
+    QTest::newRow("several in another order")
+        << list("c* *.bin *.txt") << list("a.txt a.bin c.zip c") << list("a.zip b");
+    QTest::newRow("the same twice") << list("*.txt *.txt") << list("a.txt") << list("b");
+    QTest::newRow("wide before narrow") << list("* a.txt") << list("a.txt b") << QStringList();
+    QTest::newRow("negated") << list("[^a]* a.txt") << list("b a.txt") << list("a a.bin");
+    QTest::newRow("an invalid one first") << list("[ *.txt") << list("a.txt") << list("[ b");
+
+    QStringList patterns;
+    for (int i = 0; i < 500; ++i) {
+        patterns.append(QStringLiteral("*.%1").arg(i));
+    }
+    QTest::newRow("five hundred") << patterns << list("a.0 a.250 a.499") << list("a.500 a a.");
+}
+
+void tst_WildcardFilter::anyOfManyPatternsIsEnough()
+{
+    QFETCH(QStringList, patterns);
+    QFETCH(QStringList, fitting);
+    QFETCH(QStringList, others);
+
+    const WildcardFilter filter(patterns, QDir::Filters());
+    for (const QString& name : qAsConst(fitting)) {
+        QVERIFY2(filter.matchesFilters(name), qPrintable(name));
+    }
+    for (const QString& name : qAsConst(others)) {
+        QVERIFY2(!filter.matchesFilters(name), qPrintable(name));
+    }
+}
+
+void tst_WildcardFilter::emptyNameWarnsAndFitsNothing_data()
+{
+    QTest::addColumn<QStringList>("patterns");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("a pattern for all names")
+        << QStringList(QStringLiteral("*")) << QStringLiteral("");
+    QTest::newRow("an empty pattern") << QStringList(QString()) << QStringLiteral("");
+    QTest::newRow("no pattern") << QStringList() << QStringLiteral("");
+    QTest::newRow("a null name") << QStringList(QStringLiteral("*")) << QString();
+}
+
+void tst_WildcardFilter::emptyNameWarnsAndFitsNothing()
+{
+    QFETCH(QStringList, patterns);
+    QFETCH(QString, name);
+
+    messages()
+        .expectWarning("WildcardFilter", QLatin1String(emptyNameText))
+        .function(matchesFiltersSignature);
+    const WildcardFilter filter(patterns, QDir::NoFilter);
+    QVERIFY(!filter.matchesFilters(name));
+}
+
+void tst_WildcardFilter::everyEmptyNameWarns()
+{
+    const WildcardFilter filter({QStringLiteral("*")}, QDir::NoFilter);
+    for (int i = 0; i < 3; ++i) {
+        messages().expectWarning("WildcardFilter", QLatin1String(emptyNameText));
+        QVERIFY(!filter.matchesFilters(QString()));
+        QVERIFY(filter.matchesFilters(QStringLiteral("a")));
+    }
+}
+
+void tst_WildcardFilter::filterMayBeAskedAgain()
+{
+    const WildcardFilter filter({QStringLiteral("*.txt"), QStringLiteral("b*")}, QDir::Filters());
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(filter.matchesFilters(QStringLiteral("a.txt")));
+        QVERIFY(!filter.matchesFilters(QStringLiteral("a.bin")));
+        QVERIFY(filter.matchesFilters(QStringLiteral("b.bin")));
+    }
+}
+
+void tst_WildcardFilter::filterKeepsItsPatterns()
+{
+    QStringList patterns(QStringLiteral("*.txt"));
+    const WildcardFilter filter(patterns, QDir::Filters());
+    patterns[0] = QStringLiteral("*.bin");
+    patterns.append(QStringLiteral("*"));
+    QVERIFY(filter.matchesFilters(QStringLiteral("a.txt")));
+    QVERIFY(!filter.matchesFilters(QStringLiteral("a.bin")));
+}
+
+void tst_WildcardFilter::copiesAreIndependent()
+{
+    std::unique_ptr<WildcardFilter> original(
+        new WildcardFilter({QStringLiteral("*.txt")}, QDir::CaseSensitive));
+    const WildcardFilter copy(*original);
+    WildcardFilter assigned({QStringLiteral("*.bin")}, QDir::Filters());
+    assigned = *original;
+    *original = WildcardFilter({QStringLiteral("*.zip")}, QDir::Filters());
+
+    QVERIFY(original->matchesFilters(QStringLiteral("A.ZIP")));
+    QVERIFY(!original->matchesFilters(QStringLiteral("a.txt")));
+    original.reset();
+    for (const WildcardFilter& filter : {copy, assigned}) {
+        QVERIFY(filter.matchesFilters(QStringLiteral("a.txt")));
+        QVERIFY(!filter.matchesFilters(QStringLiteral("A.TXT")));
+        QVERIFY(!filter.matchesFilters(QStringLiteral("a.bin")));
+    }
+}
+
+void tst_WildcardFilter::derivedFiltersAreDestroyedWhole()
+{
+    class DerivedFilter : public WildcardFilter
+    {
+    public:
+        explicit DerivedFilter(bool& isDestroyed)
+            : WildcardFilter({QStringLiteral("*")}, QDir::NoFilter), m_isDestroyed(isDestroyed)
+        {
+        }
+        ~DerivedFilter() override { m_isDestroyed = true; }
+
+    private:
+        bool& m_isDestroyed;
+    };
+
+    bool isDestroyed = false;
+    std::unique_ptr<WildcardFilter> filter(new DerivedFilter(isDestroyed));
+    QVERIFY(filter->matchesFilters(QStringLiteral("a")));
+    filter.reset();
+    QVERIFY(isDestroyed);
+}
+
+QTEST_GUILESS_MAIN(tst_WildcardFilter)
+
+#include "tst_WildcardFilter.moc"

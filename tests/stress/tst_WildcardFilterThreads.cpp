@@ -1,0 +1,121 @@
+#include "TestCase.h"
+#include "WildcardFilter.h"
+
+#include <QtCore/QVector>
+
+#include <atomic>
+#include <functional>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr int threadCount = 8;
+constexpr int defaultRounds = 100000; // per thread
+constexpr char roundsVariable[] = "MISCTOOLS_STRESS_ROUNDS";
+
+int rounds()
+{
+    bool isNumber = false;
+    const int number = qEnvironmentVariableIntValue(roundsVariable, &isNumber);
+    return isNumber ? number : defaultRounds;
+}
+
+struct Name
+{
+    QString text;
+    bool fits;
+};
+
+// Of different lengths, so that no thread's name fits into the buffer of another's.
+QVector<Name> namesOfThread(int thread)
+{
+    const QString stem = QString(1 + 7 * thread, QChar('a' + thread));
+    return {{stem + QStringLiteral(".txt"), true},
+            {stem + QStringLiteral(".txt.bin"), false},
+            {stem + QStringLiteral(".TAR.gz"), true},
+            {QStringLiteral("log") + stem, true},
+            {QStringLiteral("blog") + stem, false}};
+}
+
+WildcardFilter makeFilter()
+{
+    return WildcardFilter(
+        {QStringLiteral("*.txt"), QStringLiteral("*.tar.?z"), QStringLiteral("[k-m]og*")},
+        QDir::Files);
+}
+
+// How many answers were wrong when each thread asked the filter that it is given.
+int wrongAnswers(const std::function<const WildcardFilter&(int)>& filterOfThread)
+{
+    std::atomic<int> waiting(threadCount);
+    std::atomic<int> wrong(0);
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < threadCount; ++thread) {
+        threads.emplace_back([&, thread] {
+            const WildcardFilter& filter = filterOfThread(thread);
+            const QVector<Name> names = namesOfThread(thread);
+            --waiting;
+            while (waiting > 0) { // all begin together
+                std::this_thread::yield();
+            }
+            for (int round = 0, count = rounds(); round < count; ++round) {
+                const Name& name = names.at(round % names.size());
+                if (filter.matchesFilters(name.text) != name.fits) {
+                    ++wrong;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    return wrong;
+}
+
+} // namespace
+
+/*
+ * One filter, many threads. A match writes into the regular expression that makes it, so these
+ * tests crash or count wrong answers where threads match on the same one.
+ */
+class tst_WildcardFilterThreads : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void filterMayBeShared();
+    void copiesOfOneFilterMayBeUsedApart();
+    void equalFiltersMayBeUsedApart();
+};
+
+void tst_WildcardFilterThreads::filterMayBeShared()
+{
+    const WildcardFilter filter = makeFilter();
+    QCOMPARE(wrongAnswers([&filter](int) -> const WildcardFilter& { return filter; }), 0);
+}
+
+void tst_WildcardFilterThreads::copiesOfOneFilterMayBeUsedApart()
+{
+    const std::vector<WildcardFilter> filters(threadCount, makeFilter());
+    QCOMPARE(wrongAnswers([&filters](int thread) -> const WildcardFilter& {
+                 return filters.at(size_t(thread));
+             }),
+             0);
+}
+
+void tst_WildcardFilterThreads::equalFiltersMayBeUsedApart()
+{
+    std::vector<WildcardFilter> filters;
+    for (int thread = 0; thread < threadCount; ++thread) {
+        filters.push_back(makeFilter());
+    }
+    QCOMPARE(wrongAnswers([&filters](int thread) -> const WildcardFilter& {
+                 return filters.at(size_t(thread));
+             }),
+             0);
+}
+
+QTEST_GUILESS_MAIN(tst_WildcardFilterThreads)
+
+#include "tst_WildcardFilterThreads.moc"
