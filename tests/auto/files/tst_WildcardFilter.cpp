@@ -123,9 +123,15 @@ void tst_WildcardFilter::patternsFitWholeNames_data()
     row("exclamation mark is in the set", "[!a].txt", text("!.txt"), true);
     row("exclamation mark does not exclude", "[!a].txt", text("a.txt"), true);
     row("exclamation mark does not negate", "[!a].txt", text("b.txt"), false);
-    row("backslash is a character", "a\\b", text("a\\b"), true);
-    row("backslash does not escape a star", "a\\*", text("a*"), false);
-    row("star after a backslash", "a\\*", text("a\\bcd"), true);
+    // QRegExp takes a backslash for itself, and once more before an ordinary character.
+    row("backslash at the end", "a\\", text("a\\"), true);
+    row("backslash before a letter", "a\\b", text("a\\b"), false);
+    row("backslash before a letter is two", "a\\b", text("a\\\\b"), true);
+    row("backslash and a star", "a\\*", text("a\\*"), true);
+    row("backslash keeps a star from fitting more", "a\\*", text("a\\bcd"), false);
+    row("backslash does not vanish before a star", "a\\*", text("a*"), false);
+    row("backslash and a question mark", "a\\?", text("a\\?"), true);
+    row("backslash in a set", "a[\\]", text("a\\"), true);
     row("set with a star escapes it", "a[*]", text("a*"), true);
     row("set with a star alone", "a[*]", text("ab"), false);
     row("plus, dollar and parentheses", "a+$(b){2}|^", text("a+$(b){2}|^"), true);
