@@ -76,6 +76,9 @@ MISCTOOLS_EXPORT void searchFilesOnPathRecursive(const QString& path,
 
 /*!
  * \brief As above; appends each entry's path relative to \a path, such as "sub/file.txt".
+ *
+ * The path is what QDir::relativeFilePath() makes of it: with a relative \a path other than "." it
+ * is relative to the current folder, so give an absolute one.
  * \since 1.0
  */
 MISCTOOLS_EXPORT void searchFilesOnPathRecursive(const QString& path,

@@ -1,0 +1,676 @@
+#include "ChildProcess.h"
+#include "TestCase.h"
+#include "WildcardFilter.h"
+
+#include <QtCore/QDirIterator>
+#include <QtCore/QFile>
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QTextCodec>
+
+#include <filesystem>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+Q_DECLARE_METATYPE(QDir::Filters)
+
+namespace {
+
+// Entries of a folder by their bytes: Qt can neither make nor remove names that are not UTF-8.
+class Tree
+{
+public:
+    explicit Tree(const QString& root) : m_root(QFile::encodeName(root) + '/') {}
+    ~Tree()
+    {
+        for (const auto& entry : std::filesystem::directory_iterator(m_root.constData())) {
+            std::filesystem::remove_all(entry.path());
+        }
+    }
+
+    void addFolder(const QByteArray& name) const
+    {
+        require(mkdir((m_root + name).constData(), 0755) == 0, name);
+    }
+    void addFile(const QByteArray& name) const
+    {
+        const int descriptor = open((m_root + name).constData(), O_CREAT | O_EXCL | O_WRONLY, 0644);
+        require(descriptor >= 0 && close(descriptor) == 0, name);
+    }
+    void addLink(const QByteArray& name, const QByteArray& target) const
+    {
+        require(symlink(target.constData(), (m_root + name).constData()) == 0, name);
+    }
+    void addPipe(const QByteArray& name) const
+    {
+        require(mkfifo((m_root + name).constData(), 0644) == 0, name);
+    }
+    void setMode(const QByteArray& name, mode_t mode) const
+    {
+        require(chmod((m_root + name).constData(), mode) == 0, name);
+    }
+
+private:
+    Q_DISABLE_COPY(Tree)
+
+    static void require(bool isDone, const QByteArray& name)
+    {
+        if (!isDone) {
+            qFatal("cannot make or change %s", name.constData());
+        }
+    }
+
+    QByteArray m_root;
+};
+
+// One of each kind.
+void addSmallTree(const Tree& tree)
+{
+    tree.addFile(".hidden.txt");
+    tree.addFolder(".hiddenfolder");
+    tree.addFile(".hiddenfolder/inner.txt");
+    tree.addFile("UPPER.TXT");
+    tree.addFile("lower.txt");
+    tree.addFile("data.bin");
+    tree.addFolder("empty");
+    tree.addFolder("sub");
+    tree.addFile("sub/deep.txt");
+    tree.addFolder("sub/deeper.txt");
+    tree.addFile("sub/deeper.txt/deepest.txt");
+    tree.addLink("link.txt", "lower.txt");
+    tree.addLink("linkedfolder", "sub");
+    tree.addLink("broken.txt", "nowhere");
+    tree.addPipe("pipe.txt");
+}
+
+// Several hundred entries, with all that a medium from elsewhere may bring.
+void addLargeTree(const Tree& tree)
+{
+    addSmallTree(tree);
+    for (int i = 0; i < 12; ++i) {
+        const QByteArray folder = "folder" + QByteArray::number(i * 7 % 12);
+        tree.addFolder(folder);
+        tree.addFolder(folder + "/inner");
+        tree.addFile(folder + "/.hidden");
+        for (int j = 0; j < 25; ++j) {
+            tree.addFile(folder + "/file" + QByteArray::number(j * 11 % 25) +
+                         (j % 2 != 0 ? ".txt" : ".bin"));
+        }
+        for (int j = 0; j < 5; ++j) {
+            tree.addFile(folder + "/inner/FILE" + QByteArray::number(j) + ".TXT");
+        }
+        tree.addLink(folder + "/up", "..");
+        tree.addLink(folder + "/self", ".");
+    }
+    tree.addLink("loop", "loop");
+    tree.addLink("linkedpipe", "pipe.txt");
+    const QByteArray oddNames[] = {"line\nfeed.txt",
+                                   "gr\xc3\xbc\xc3\x9f.txt",
+                                   "\xf0\x9f\x98\x80.txt",
+                                   "latin\xe4.txt",
+                                   "cut\xc3",
+                                   " blank .txt ",
+                                   "...",
+                                   "..dots",
+                                   "trailing.",
+                                   "back\\slash.txt",
+                                   "star*.txt",
+                                   "[set].txt",
+                                   "percent%41.txt",
+                                   ":colon.txt",
+                                   "~"};
+    for (const QByteArray& name : oddNames) {
+        tree.addFile(name);
+        tree.addFolder("in " + name);
+        tree.addFile("in " + name + "/" + name);
+    }
+    QByteArray deep = "deep";
+    tree.addFolder(deep);
+    for (int i = 0; i < 40; ++i) {
+        deep += "/d";
+        tree.addFolder(deep);
+    }
+    tree.addFile(deep + "/bottom.txt");
+}
+
+QStringList filePaths(const QFileInfoList& entries)
+{
+    QStringList paths;
+    for (const QFileInfo& entry : entries) {
+        paths.append(entry.filePath());
+    }
+    return paths;
+}
+
+QStringList sorted(QStringList list)
+{
+    list.sort();
+    return list;
+}
+
+// What the searches are measured by.
+QStringList iterated(const QString& path, const QStringList& nameFilters, QDir::Filters filters)
+{
+    QStringList paths;
+    QDirIterator iterator(path, nameFilters, filters, QDirIterator::Subdirectories);
+    while (iterator.hasNext()) {
+        paths.append(iterator.next());
+    }
+    return paths;
+}
+
+QStringList relativeTo(const QString& path, const QStringList& entryPaths)
+{
+    QStringList relativePaths;
+    for (const QString& entryPath : entryPaths) {
+        relativePaths.append(QDir(path).relativeFilePath(entryPath));
+    }
+    return relativePaths;
+}
+
+QStringList searched(const QString& path, const QStringList& nameFilters, QDir::Filters filters)
+{
+    QFileInfoList result;
+    searchFilesOnPathRecursive(path, nameFilters, filters, result);
+    return filePaths(result);
+}
+
+QStringList searched(const QString& path, const QStringList& nameFilters)
+{
+    QFileInfoList result;
+    searchFilesOnPathRecursive(path, nameFilters, result);
+    return filePaths(result);
+}
+
+QStringList searchedRelatively(const QString& path, const QStringList& nameFilters)
+{
+    QStringList result;
+    searchFilesOnPathRecursive(path, nameFilters, result);
+    return result;
+}
+
+bool isUtf8(const char* name)
+{
+    QTextCodec::ConverterState state;
+    QTextCodec::codecForName("UTF-8")->toUnicode(name, int(qstrlen(name)), &state);
+    return state.invalidChars == 0 && state.remainingChars == 0;
+}
+
+// All entries that QDir::NoFilter stands for, asked of the system without any help of Qt.
+void readFolder(const QByteArray& folder, QStringList& result)
+{
+    DIR* const stream = opendir(folder.constData());
+    if (stream == nullptr) {
+        return;
+    }
+    while (const dirent* entry = readdir(stream)) {
+        const QByteArray name = entry->d_name;
+        const QByteArray path = folder + '/' + name;
+        const bool isDotOrDotDot = name == "." || name == "..";
+        struct stat own = {};
+        struct stat target = {};
+        lstat(path.constData(), &own);
+        const bool isLink = S_ISLNK(own.st_mode);
+        const bool exists = stat(path.constData(), &target) == 0;
+        const bool isHidden = name.startsWith('.') && !isDotOrDotDot;
+        const bool isOrdinary = S_ISREG(own.st_mode) || S_ISDIR(own.st_mode) || isLink;
+        if (isHidden || !exists || !isOrdinary || !isUtf8(entry->d_name)) {
+            continue;
+        }
+        result.append(QFile::decodeName(path));
+        if (S_ISDIR(own.st_mode) && !isDotOrDotDot) {
+            readFolder(path, result);
+        }
+    }
+    closedir(stream);
+}
+
+class CurrentFolder
+{
+public:
+    explicit CurrentFolder(const QString& path) : m_previous(QDir::currentPath())
+    {
+        QDir::setCurrent(path);
+    }
+    ~CurrentFolder() { QDir::setCurrent(m_previous); }
+
+private:
+    Q_DISABLE_COPY(CurrentFolder)
+
+    QString m_previous;
+};
+
+QStringList words(const char* text)
+{
+    return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+class tst_FileSearch : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void noFilterListsWhatTheSystemHas();
+    void kindsOfEntries_data();
+    void kindsOfEntries();
+    void largeTreeAsIterated_data();
+    void largeTreeAsIterated();
+    void randomTreesAsIterated();
+    void unreadableFolders();
+    void startPaths_data();
+    void startPaths();
+    void entriesOfAnEmptyFolder();
+    void nothingToFind_data();
+    void nothingToFind();
+    void resultIsAppendedTo();
+    void pathsAreJoined_data();
+    void pathsAreJoined();
+};
+
+void tst_FileSearch::noFilterListsWhatTheSystemHas()
+{
+    const Tree tree(folder());
+    addLargeTree(tree);
+
+    QStringList expected;
+    readFolder(QFile::encodeName(folder()), expected);
+    QVERIFY(expected.size() > 400);
+    QVERIFY(expected.contains(path(QStringLiteral("line\nfeed.txt"))));
+    QVERIFY(expected.contains(path(QFile::decodeName("gr\xc3\xbc\xc3\x9f.txt"))));
+    QVERIFY(expected.contains(path(QStringLiteral("sub/deeper.txt/deepest.txt"))));
+    QVERIFY(expected.contains(path(QStringLiteral("."))));
+    QVERIFY(expected.contains(path(QStringLiteral("linkedpipe"))));
+
+    QCOMPARE(searched(folder(), {}), expected);
+    QCOMPARE(searched(folder(), {}, QDir::NoFilter), expected);
+    QCOMPARE(searched(folder(), {QStringLiteral("*")}), expected);
+    QCOMPARE(searchedRelatively(folder(), {}), relativeTo(folder(), expected));
+}
+
+void tst_FileSearch::kindsOfEntries_data()
+{
+    QTest::addColumn<QDir::Filters>("filters");
+    QTest::addColumn<QStringList>("patterns");
+    QTest::addColumn<QStringList>("expected"); // sorted, relative to the folder
+
+    const auto row = [](const char* name, QDir::Filters filters, const char* patterns,
+                        const char* expected) {
+        QTest::newRow(name) << filters << words(patterns) << sorted(words(expected));
+    };
+    const QDir::Filters filesAndFolders = QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot;
+
+    row("NoFilter ignores case, hidden, broken and special entries", QDir::NoFilter, "*.txt",
+        "UPPER.TXT lower.txt link.txt sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
+    row("NoFilter with a pattern of the other case", QDir::NoFilter, "LOWER.*", "lower.txt");
+    row("NoFilter with a pattern for dots", QDir::NoFilter, ".",
+        ". empty/. sub/. sub/deeper.txt/.");
+    row("NoFilter with a pattern for two dots", QDir::NoFilter, "..",
+        ".. empty/.. sub/.. sub/deeper.txt/..");
+    row("NoFilter with several patterns", QDir::NoFilter, "*.bin deep*",
+        "data.bin sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
+    row("NoFilter with a pattern twice", QDir::NoFilter, "*.bin *.bin", "data.bin");
+    row("NoFilter finds a linked folder, not what is in it", QDir::NoFilter, "linked* deep.txt",
+        "linkedfolder sub/deep.txt");
+    row("NoFilter with a set", QDir::NoFilter, "[ul]*.txt", "UPPER.TXT lower.txt link.txt");
+    row("NoFilter with a pattern for hidden entries", QDir::NoFilter, ".hidden*", "");
+    row("NoFilter with a pattern that holds a folder", QDir::NoFilter, "sub/deep.txt", "");
+    row("Files", QDir::Files, "*.txt",
+        "UPPER.TXT lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
+    row("Files and case", QDir::Files | QDir::CaseSensitive, "*.txt",
+        "lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
+    row("Files, hidden too", QDir::Files | QDir::Hidden, "*.txt",
+        ".hidden.txt .hiddenfolder/inner.txt UPPER.TXT lower.txt link.txt sub/deep.txt "
+        "sub/deeper.txt/deepest.txt");
+    row("Files without links", QDir::Files | QDir::NoSymLinks, "l*.txt", "lower.txt");
+    row("Files and special ones", QDir::Files | QDir::System, "*.txt",
+        "UPPER.TXT lower.txt link.txt broken.txt pipe.txt sub/deep.txt "
+        "sub/deeper.txt/deepest.txt");
+    row("Files without a pattern", QDir::Files, "",
+        "UPPER.TXT lower.txt data.bin link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
+    row("Dirs without dots", QDir::Dirs | QDir::NoDotAndDotDot, "",
+        "empty sub sub/deeper.txt linkedfolder");
+    row("Dirs with their dots", QDir::Dirs | QDir::NoDotDot, "",
+        "empty sub sub/deeper.txt linkedfolder . empty/. sub/. sub/deeper.txt/.");
+    row("Dirs, hidden too", QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, "",
+        ".hiddenfolder empty sub sub/deeper.txt linkedfolder");
+    row("Dirs and a pattern", filesAndFolders, "deep*",
+        "sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
+    row("AllDirs takes no pattern and enters hidden folders",
+        QDir::AllDirs | QDir::Files | QDir::NoDotAndDotDot, "inner.txt",
+        "empty linkedfolder sub sub/deeper.txt .hiddenfolder/inner.txt");
+    row("no kind", QDir::Filters(), "", "");
+}
+
+void tst_FileSearch::kindsOfEntries()
+{
+    QFETCH(QDir::Filters, filters);
+    QFETCH(QStringList, patterns);
+    QFETCH(QStringList, expected);
+    const Tree tree(folder());
+    addSmallTree(tree);
+
+    QStringList expectedPaths;
+    for (const QString& name : qAsConst(expected)) {
+        expectedPaths.append(path(name));
+    }
+    QCOMPARE(sorted(searched(folder(), patterns, filters)), sorted(expectedPaths));
+    if (filters == QDir::NoFilter) {
+        QCOMPARE(sorted(searched(folder(), patterns)), sorted(expectedPaths));
+    }
+}
+
+void tst_FileSearch::largeTreeAsIterated_data()
+{
+    QTest::addColumn<QDir::Filters>("filters");
+    QTest::addColumn<QStringList>("patterns");
+
+    const QVector<QPair<const char*, QDir::Filters>> allFilters = {
+        {"NoFilter", QDir::NoFilter},
+        {"none", QDir::Filters()},
+        {"Files", QDir::Files},
+        {"Files, Hidden", QDir::Files | QDir::Hidden},
+        {"Files, System", QDir::Files | QDir::System},
+        {"Dirs", QDir::Dirs},
+        {"AllDirs", QDir::AllDirs},
+        {"AllEntries", QDir::AllEntries},
+        {"AllEntries, CaseSensitive", QDir::AllEntries | QDir::CaseSensitive},
+        {"AllEntries, NoSymLinks", QDir::AllEntries | QDir::NoSymLinks},
+        {"AllEntries, NoDotAndDotDot", QDir::AllEntries | QDir::NoDotAndDotDot},
+        {"AllEntries, Executable", QDir::AllEntries | QDir::Executable},
+        {"all there is", QDir::AllEntries | QDir::AllDirs | QDir::Hidden | QDir::System}};
+    for (const auto& filters : allFilters) {
+        for (const char* patterns : {"", "*", "*.txt", "FILE? *.bin", "[!a]* .*", "nothing"}) {
+            QTest::addRow("%s: <%s>", filters.first, patterns) << filters.second << words(patterns);
+        }
+    }
+}
+
+void tst_FileSearch::largeTreeAsIterated()
+{
+    QFETCH(QDir::Filters, filters);
+    QFETCH(QStringList, patterns);
+    const Tree tree(folder());
+    addLargeTree(tree);
+
+    QCOMPARE(searched(folder(), patterns, filters), iterated(folder(), patterns, filters));
+    const QStringList expected = iterated(folder(), patterns, QDir::NoFilter);
+    QCOMPARE(searched(folder(), patterns), expected);
+    QCOMPARE(searchedRelatively(folder(), patterns), relativeTo(folder(), expected));
+}
+
+void tst_FileSearch::randomTreesAsIterated()
+{
+    const QByteArray names[] = {"a",   "b.txt", "C.TXT",     ".d", "e f",  "g\nh.txt",
+                                "..i", "\xe4j", "\xc3\xbck", "l.", "m\\n", "o*.txt"};
+    const QStringList patterns = words("* *.txt ?.* .* [a-e]* . .. *k");
+    const int nameCount = int(std::end(names) - std::begin(names));
+    const Tree tree(folder());
+    int found = 0;
+
+    for (quint32 seed = 0; seed < 300; ++seed) {
+        QRandomGenerator random(seed);
+        const QString root = path(QString::number(seed));
+        const QByteArray rootName = QByteArray::number(seed);
+        tree.addFolder(rootName);
+        QVector<QByteArray> folders(1, rootName);
+        QSet<QByteArray> taken;
+        for (int i = random.bounded(20); i > 0; --i) {
+            const QByteArray parent = folders.at(random.bounded(folders.size()));
+            const QByteArray entry = parent + '/' + names[random.bounded(nameCount)];
+            if (taken.contains(entry)) {
+                continue;
+            }
+            taken.insert(entry);
+            switch (random.bounded(5)) {
+            case 0:
+            case 1:
+                tree.addFile(entry);
+                break;
+            case 2:
+                tree.addLink(entry, names[random.bounded(nameCount)]);
+                break;
+            case 3:
+                tree.addLink(entry, "..");
+                break;
+            default:
+                tree.addFolder(entry);
+                folders.append(entry);
+            }
+        }
+        QStringList nameFilters;
+        for (int i = random.bounded(3); i > 0; --i) {
+            nameFilters.append(patterns.at(random.bounded(patterns.size())));
+        }
+        const QDir::Filters filters(QFlag(int(random.bounded(0x8000))));
+
+        const QStringList expected = iterated(root, nameFilters, QDir::NoFilter);
+        const QByteArray seedName = "seed " + QByteArray::number(seed);
+        QVERIFY2(searched(root, nameFilters) == expected, seedName.constData());
+        QVERIFY2(searchedRelatively(root, nameFilters) == relativeTo(root, expected),
+                 seedName.constData());
+        QVERIFY2(searched(root, nameFilters, filters) == iterated(root, nameFilters, filters),
+                 seedName.constData());
+        QStringList systemEntries;
+        readFolder(QFile::encodeName(root), systemEntries);
+        QVERIFY2(searched(root, {}) == systemEntries, seedName.constData());
+        found += expected.size();
+    }
+    QVERIFY(found > 1000); // the trees are no empty ones
+}
+
+void tst_FileSearch::unreadableFolders()
+{
+    const Tree tree(folder());
+    addLargeTree(tree);
+    tree.setMode("", 0755); // a temporary folder is its owner's alone
+    tree.addFolder("listable");
+    tree.addFile("listable/seen.txt");
+    tree.setMode("folder3", 0);
+    tree.setMode("folder4/inner", 0311);
+    tree.setMode("listable", 0444);
+
+    const QString root = folder();
+    const ChildResult child = ChildProcess::runAsOrdinaryUser([&root] {
+        const QStringList patternsOfRows[] = {{}, {QStringLiteral("*.txt")}};
+        const QDir::Filters filtersOfRows[] = {QDir::NoFilter, QDir::Files,
+                                               QDir::AllEntries | QDir::Readable,
+                                               QDir::AllEntries | QDir::System};
+        for (const QStringList& patterns : patternsOfRows) {
+            for (const QDir::Filters filters : filtersOfRows) {
+                if (searched(root, patterns, filters) != iterated(root, patterns, filters)) {
+                    return 1;
+                }
+            }
+        }
+        const QStringList found = searchedRelatively(root, {});
+        if (found != relativeTo(root, iterated(root, {}, QDir::NoFilter))) {
+            return 2;
+        }
+        // They are seen themselves, but not looked into.
+        if (!found.contains(QStringLiteral("folder3")) ||
+            !found.contains(QStringLiteral("folder4/inner"))) {
+            return 3;
+        }
+        for (const QString& entry : found) {
+            if (entry.startsWith(QLatin1String("folder3/")) ||
+                entry.startsWith(QLatin1String("folder4/inner/"))) {
+                return 4;
+            }
+        }
+        if (found.size() < 300) {
+            return 5;
+        }
+        return searchedRelatively(root + QStringLiteral("/folder3"), {}).isEmpty() ? 0 : 6;
+    });
+    for (const char* name : {"folder3", "folder4/inner", "listable"}) {
+        tree.setMode(name, 0755); // so that they can be removed
+    }
+    QCOMPARE(child.output, QByteArray());
+    QVERIFY(child.exited);
+    QCOMPARE(child.exitCode, 0);
+}
+
+void tst_FileSearch::startPaths_data()
+{
+    QTest::addColumn<QString>("current"); // below the row's folder
+    QTest::addColumn<QString>("start");   // %1 is the row's folder
+    QTest::addColumn<QStringList>("expected");
+
+    const auto row = [](const char* name, const char* current, const char* start,
+                        const QStringList& expected) {
+        QTest::newRow(name) << QString::fromLatin1(current) << QString::fromLatin1(start)
+                            << sorted(expected);
+    };
+    const QStringList sub = words("deep.txt deeper.txt deeper.txt/deepest.txt");
+    const QStringList top = words("sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
+    const QStringList subFromTop = top;
+    const QStringList linkedFromTop = words("linkedfolder/deep.txt linkedfolder/deeper.txt "
+                                            "linkedfolder/deeper.txt/deepest.txt");
+    const QStringList topFromEmpty =
+        words("../sub/deep.txt ../sub/deeper.txt ../sub/deeper.txt/deepest.txt");
+    const QStringList subFromEmpty = topFromEmpty;
+
+    row("absolute", "", "%1/sub", sub);
+    row("absolute, trailing slash", "", "%1/sub/", sub);
+    row("absolute, several trailing slashes", "", "%1/sub///", sub);
+    row("absolute, double slash", "", "%1//sub", sub);
+    row("absolute, dotted", "", "%1/./empty/../sub", sub);
+    row("absolute, linked", "", "%1/linkedfolder", sub);
+    row("absolute, linked and back", "", "%1/linkedfolder/..", top);
+    row("absolute, above the current folder", "sub/deeper.txt", "%1/sub", sub);
+    // What QDir is given relative it leaves so: it stays relative to the current folder.
+    row("relative", "", "sub", subFromTop);
+    row("relative, trailing slash", "", "sub/", subFromTop);
+    row("relative, dotted", "", "./sub", subFromTop);
+    row("relative, there and back", "", "sub/../sub", subFromTop);
+    row("relative, linked", "", "linkedfolder", linkedFromTop);
+    row("relative, linked, trailing slash", "", "linkedfolder/", linkedFromTop);
+    row("relative, linked and back", "", "linkedfolder/..", top);
+    row("current folder", "sub", ".", sub);
+    row("current folder, trailing slash", "sub", "./", sub);
+    row("parent folder", "empty", "..", topFromEmpty);
+    row("through the parent folder", "empty", "../sub", subFromEmpty);
+    row("empty path", "sub", "", {});
+    row("file", "", "lower.txt", {});
+    row("missing folder", "", "missing", {});
+    row("missing folder and back", "", "missing/../sub", {});
+}
+
+void tst_FileSearch::startPaths()
+{
+    QFETCH(QString, current);
+    QFETCH(QString, start);
+    QFETCH(QStringList, expected);
+    const Tree tree(folder());
+    addSmallTree(tree);
+    const CurrentFolder currentFolder(path(current));
+    const QString startPath = start.contains(QLatin1Char('%')) ? start.arg(folder()) : start;
+
+    QCOMPARE(sorted(searchedRelatively(startPath, {QStringLiteral("deep*")})), expected);
+    for (const QStringList& patterns : {QStringList(), words("*.txt"), words(". ..")}) {
+        const QStringList entries = iterated(startPath, patterns, QDir::NoFilter);
+        QCOMPARE(searched(startPath, patterns), entries);
+        QCOMPARE(searchedRelatively(startPath, patterns), relativeTo(startPath, entries));
+    }
+}
+
+void tst_FileSearch::entriesOfAnEmptyFolder()
+{
+    const QStringList dots = {path(QStringLiteral(".")), path(QStringLiteral(".."))};
+    QCOMPARE(sorted(searched(folder(), {})), dots);
+    QCOMPARE(sorted(searched(folder(), {QStringLiteral("*")})), dots);
+    QCOMPARE(sorted(searchedRelatively(folder(), {})), words(". ../"));
+    QCOMPARE(sorted(searched(folder(), {QStringLiteral("*.*")})), dots);
+    QCOMPARE(searched(folder(), {QStringLiteral("*.txt")}), QStringList());
+}
+
+void tst_FileSearch::nothingToFind_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("missing folder") << QStringLiteral("missing");
+    QTest::newRow("file") << QStringLiteral("lower.txt");
+    QTest::newRow("broken link") << QStringLiteral("broken.txt");
+    QTest::newRow("pipe") << QStringLiteral("pipe.txt");
+    QTest::newRow("folder below a file") << QStringLiteral("lower.txt/folder");
+    QTest::newRow("name too long") << QString(300, QLatin1Char('a'));
+}
+
+void tst_FileSearch::nothingToFind()
+{
+    QFETCH(QString, name);
+    const Tree tree(folder());
+    addSmallTree(tree);
+
+    QCOMPARE(searched(path(name), {}, QDir::AllEntries | QDir::System), QStringList());
+    QCOMPARE(searched(path(name), {}), QStringList());
+    QCOMPARE(searchedRelatively(path(name), {}), QStringList());
+}
+
+void tst_FileSearch::resultIsAppendedTo()
+{
+    writeFile(QStringLiteral("a.txt"), "");
+    const QStringList patterns(QStringLiteral("*.txt"));
+    const QFileInfo earlier(QStringLiteral("/earlier"));
+    const QString found = path(QStringLiteral("a.txt"));
+
+    QFileInfoList entries = {earlier};
+    searchFilesOnPathRecursive(folder(), patterns, QDir::Files, entries);
+    searchFilesOnPathRecursive(folder(), patterns, entries);
+    searchFilesOnPathRecursive(path(QStringLiteral("missing")), patterns, entries);
+    QCOMPARE(filePaths(entries), QStringList({earlier.filePath(), found, found}));
+
+    QStringList names = {QStringLiteral("earlier")};
+    searchFilesOnPathRecursive(folder(), patterns, names);
+    searchFilesOnPathRecursive(folder(), patterns, names);
+    searchFilesOnPathRecursive(path(QStringLiteral("missing")), patterns, names);
+    QCOMPARE(names, words("earlier a.txt a.txt"));
+}
+
+void tst_FileSearch::pathsAreJoined_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::addColumn<QString>("joined");
+
+    const auto row = [](const char* name, const char* first, const char* second,
+                        const char* joined) {
+        QTest::newRow(name) << QString::fromUtf8(first) << QString::fromUtf8(second)
+                            << QString::fromUtf8(joined);
+    };
+    row("no slash", "/media/usb", "data", "/media/usb/data");
+    row("slash at the end", "/media/usb/", "data", "/media/usb/data");
+    row("two slashes at the end", "/media/usb//", "data", "/media/usb//data");
+    row("slash at the start of the second", "a/", "/b", "a//b");
+    row("slash at the start of the second alone", "a", "/b", "a//b");
+    row("empty first", "", "x", "/x");
+    row("null first", nullptr, "x", "/x");
+    row("empty second", "a", "", "a/");
+    row("empty second after a slash", "a/", "", "a/");
+    row("both empty", "", "", "/");
+    row("root", "/", "x", "/x");
+    row("relative", "a", "b", "a/b");
+    row("dots are kept", "a/..", "../b/./c/", "a/../../b/./c/");
+    row("backslash is no slash", "a\\", "b", "a\\/b");
+    row("slash-like character is no slash", "a\xe2\x88\x95", "b", "a\xe2\x88\x95/b");
+    row("blanks are kept", " a ", " b ", " a / b ");
+    row("umlauts", "\xc3\xa4", "\xc3\xbc", "\xc3\xa4/\xc3\xbc");
+}
+
+void tst_FileSearch::pathsAreJoined()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    QFETCH(QString, joined);
+
+    const QString firstBefore = first;
+    QCOMPARE(concatenatePaths(first, second), joined);
+    QCOMPARE(first, firstBefore);
+}
+
+QTEST_GUILESS_MAIN(tst_FileSearch)
+
+#include "tst_FileSearch.moc"
