@@ -19,10 +19,11 @@
  * - \b Threads: all members belong to the object's thread, which must run an event loop.
  * - \b Ownership: the object owns its watches and its timer; a burst that is not reported yet goes
  *   with it. It must not be deleted by a receiver of its signal; use deleteLater() there.
- * - \b Errors: a path that cannot be watched is passed over; only addPath() tells.
+ * - \b Errors: a path that cannot be watched is passed over; only addPath() tells. Qt itself may
+ *   log why, and warns of an empty path.
  * - \b Units and formats: the delay is in milliseconds, kept to about 5 %. A folder changes when an
- *   entry is added, removed or renamed, not when the content of a file changes. A stream of changes
- *   that never pauses for the delay is never reported.
+ *   entry is added, removed or renamed or has its permissions changed, not when the content of a
+ *   file changes. A stream of changes that never pauses for the delay is never reported.
  *
  * \since 1.0
  */
@@ -45,7 +46,8 @@ public:
     /*!
      * \brief Sets the delay; 1000 ms from the start.
      *
-     * A burst that has begun keeps its delay; the next one takes the new one.
+     * A burst that has begun keeps its delay; the next one takes the new one. A negative delay must
+     * not be set: no burst would ever end, nor another delay be taken.
      */
     void setDelayInMs(int delayInMs);
 
@@ -54,7 +56,8 @@ Q_SIGNALS:
      * \brief A burst is over: \a changedDirectories changed, in the order of their changes.
      *
      * A folder that changed several times is listed several times. Changes that are noticed while
-     * this signal is delivered are not kept: the burst that they begin ends with an empty list.
+     * this signal is delivered are not kept: the burst that they begin ends with an empty list, and
+     * receivers that are still to be called see the list that they left.
      */
     void directoryChanged(const QStringList& changedDirectories);
 
