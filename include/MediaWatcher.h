@@ -43,12 +43,13 @@ Q_SIGNALS:
      * \brief The medium holds \a fileInfoList, which is never empty.
      *
      * Files and folders alike; of a whole medium in the order of the file system, of its top folder
-     * sorted by name without regard to case.
+     * sorted by name without regard to case. Hidden entries are left out; "." and ".." are in where
+     * a pattern lets them through or there is none, even if the medium is empty otherwise.
      */
     void filesFound(const QFileInfoList& fileInfoList);
 
 public Q_SLOTS:
-    /*! \brief Searches the medium at \a strMountPath and emits filesFound() if there is a file. */
+    /*! \brief Searches the medium at \a strMountPath and emits filesFound() if an entry fits. */
     void mediumMounted(const QString& strMountPath);
 
 private:

@@ -43,7 +43,8 @@ Q_SIGNALS:
     /*!
      * \brief The search is over; \a result holds the entries' paths relative to the folder.
      *
-     * Always emitted, also with an empty list.
+     * Always emitted, also with an empty list. The entries are those that the string-list overload
+     * of searchFilesOnPathRecursive() finds.
      */
     void searchFinished(const QStringList& result);
 

@@ -1,0 +1,429 @@
+#include "MediaWatcher.h"
+#include "TestCase.h"
+
+#include <QtCore/QDirIterator>
+#include <QtCore/QMetaMethod>
+#include <QtCore/QMetaType>
+#include <QtCore/QPointer>
+#include <QtCore/QSequentialIterable>
+#include <QtCore/QThread>
+#include <QtCore/QVariant>
+
+#include <memory>
+
+Q_DECLARE_METATYPE(Qt::ConnectionType)
+
+namespace {
+
+constexpr char listTypeName[] = "QFileInfoList";
+
+QStringList filePaths(const QFileInfoList& files)
+{
+    QStringList paths;
+    for (const QFileInfo& file : files) {
+        paths.append(file.filePath());
+    }
+    return paths;
+}
+
+QStringList words(const char* text)
+{
+    return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+// What a watcher finds, signal by signal.
+class Findings
+{
+public:
+    explicit Findings(const MediaWatcher& watcher)
+    {
+        QObject::connect(
+            &watcher, &MediaWatcher::filesFound, &m_context,
+            [this](const QFileInfoList& files) { m_signals.append(filePaths(files)); },
+            Qt::DirectConnection);
+    }
+
+    QVector<QStringList> take()
+    {
+        const QVector<QStringList> taken = m_signals;
+        m_signals.clear();
+        return taken;
+    }
+
+private:
+    Q_DISABLE_COPY(Findings)
+
+    QObject m_context;
+    QVector<QStringList> m_signals;
+};
+
+} // namespace
+
+class tst_MediaWatcher : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void metaObject();
+    void methods();
+    void listTypeIsRegistered();
+    void listTypeIsASequence();
+    void listComesThroughOtherThreads_data();
+    void listComesThroughOtherThreads();
+    void topFolderIsSorted();
+    void wholeMediumIsInFileSystemOrder();
+    void filesAreFound_data();
+    void filesAreFound();
+    void emptyMediumHasItsDots_data();
+    void emptyMediumHasItsDots();
+    void nothingFoundIsNoSignal_data();
+    void nothingFoundIsNoSignal();
+    void settingsAreReplaced();
+    void answerComesWithinTheCall();
+    void parentOwnsTheWatcher();
+
+private:
+    void addMedium();
+    QStringList inFolder(const QStringList& names);
+
+    int m_typeBeforeAnyWatcher = 0;
+};
+
+// In an order that is the sorted one neither forwards nor backwards.
+void tst_MediaWatcher::addMedium()
+{
+    QVERIFY(QDir(folder()).mkpath(QStringLiteral("Music/live")));
+    QVERIFY(QDir(folder()).mkpath(QStringLiteral("empty")));
+    for (const char* name : {"delta.mp3", "Alpha.mp3", "charlie.MP3", "Bravo.txt", "echo.txt",
+                             ".hidden.mp3", "Music/b.mp3", "Music/C.mp3", "Music/a.mp3",
+                             "Music/live/d.mp3", "Music/live/cover.png"}) {
+        writeFile(QString::fromLatin1(name), "");
+    }
+    QVERIFY(QFile::link(QStringLiteral("Music"), path(QStringLiteral("link.mp3"))));
+}
+
+QStringList tst_MediaWatcher::inFolder(const QStringList& names)
+{
+    QStringList paths;
+    for (const QString& name : names) {
+        paths.append(path(name));
+    }
+    return paths;
+}
+
+void tst_MediaWatcher::initTestCase()
+{
+    m_typeBeforeAnyWatcher = QMetaType::type(listTypeName);
+}
+
+void tst_MediaWatcher::metaObject()
+{
+    const QMetaObject& type = MediaWatcher::staticMetaObject;
+    QCOMPARE(type.className(), "MediaWatcher");
+    QCOMPARE(type.superClass(), &QObject::staticMetaObject);
+    QCOMPARE(type.methodCount() - type.methodOffset(), 2);
+    QCOMPARE(type.propertyCount(), type.propertyOffset());
+
+    const MediaWatcher watcher(nullptr);
+    QCOMPARE(watcher.metaObject(), &type);
+    QVERIFY(watcher.parent() == nullptr);
+}
+
+void tst_MediaWatcher::methods()
+{
+    const QMetaObject& type = MediaWatcher::staticMetaObject;
+    const QMetaMethod found = type.method(type.methodOffset());
+    QCOMPARE(found.methodSignature(), QByteArray("filesFound(QFileInfoList)"));
+    QCOMPARE(found.methodType(), QMetaMethod::Signal);
+    QCOMPARE(found.parameterNames(), QList<QByteArray>({"fileInfoList"}));
+    const QMetaMethod mounted = type.method(type.methodOffset() + 1);
+    QCOMPARE(mounted.methodSignature(), QByteArray("mediumMounted(QString)"));
+    QCOMPARE(mounted.methodType(), QMetaMethod::Slot);
+    QCOMPARE(mounted.access(), QMetaMethod::Public);
+    QCOMPARE(mounted.parameterNames(), QList<QByteArray>({"strMountPath"}));
+
+    writeFile(QStringLiteral("a.mp3"), "");
+    MediaWatcher watcher(nullptr);
+    watcher.setFileMatchPatternList({QStringLiteral("*.mp3")});
+    Findings findings(watcher);
+    QVERIFY(QMetaObject::invokeMethod(&watcher, "mediumMounted", Q_ARG(QString, folder())));
+    QCOMPARE(findings.take(), QVector<QStringList>({inFolder(words("a.mp3"))}));
+}
+
+void tst_MediaWatcher::listTypeIsRegistered()
+{
+    QCOMPARE(m_typeBeforeAnyWatcher, int(QMetaType::UnknownType));
+    const MediaWatcher watcher(nullptr);
+    const int type = QMetaType::type(listTypeName);
+    QVERIFY(type >= QMetaType::User);
+    QCOMPARE(QMetaType::typeName(type), "QList<QFileInfo>");
+    QCOMPARE(QMetaType::type("QList<QFileInfo>"), type);
+    QCOMPARE(QMetaType::sizeOf(type), int(sizeof(QFileInfoList)));
+
+    // Another one changes nothing.
+    const MediaWatcher other(nullptr);
+    QCOMPARE(QMetaType::type(listTypeName), type);
+}
+
+void tst_MediaWatcher::listTypeIsASequence()
+{
+    const MediaWatcher watcher(nullptr);
+    const QFileInfoList files = {QFileInfo(QStringLiteral("/a")), QFileInfo(QStringLiteral("/b"))};
+    const QVariant variant(QMetaType::type(listTypeName), &files);
+    QVERIFY(variant.isValid());
+    QCOMPARE(*static_cast<const QFileInfoList*>(variant.constData()), files);
+    QVERIFY(variant.canConvert<QVariantList>());
+    const auto sequence = variant.value<QSequentialIterable>();
+    QCOMPARE(sequence.size(), 2);
+    QCOMPARE(sequence.at(1).value<QFileInfo>().filePath(), QStringLiteral("/b"));
+
+    const QVariant copy = variant;
+    QCOMPARE(*static_cast<const QFileInfoList*>(copy.constData()), files);
+}
+
+void tst_MediaWatcher::listComesThroughOtherThreads_data()
+{
+    QTest::addColumn<bool>("isConnectedByName");
+    QTest::addColumn<Qt::ConnectionType>("connectionType");
+    QTest::newRow("automatic") << false << Qt::AutoConnection;
+    QTest::newRow("queued") << false << Qt::QueuedConnection;
+    QTest::newRow("by name, automatic") << true << Qt::AutoConnection;
+    QTest::newRow("by name, queued") << true << Qt::QueuedConnection;
+}
+
+// Lives in another thread than the watcher, and is asked when that thread is over.
+class Receiver : public QObject
+{
+    Q_OBJECT
+
+public:
+    QStringList paths;
+    QThread* calledIn = nullptr;
+
+public Q_SLOTS:
+    void receive(const QFileInfoList& files)
+    {
+        paths += filePaths(files);
+        calledIn = QThread::currentThread();
+        calledIn->quit();
+    }
+};
+
+void tst_MediaWatcher::listComesThroughOtherThreads()
+{
+    QFETCH(bool, isConnectedByName);
+    QFETCH(Qt::ConnectionType, connectionType);
+    writeFile(QStringLiteral("b.mp3"), "");
+    writeFile(QStringLiteral("a.mp3"), "");
+
+    MediaWatcher watcher(nullptr);
+    watcher.setFileMatchPatternList({QStringLiteral("*.mp3")});
+    QThread thread;
+    Receiver receiver;
+    receiver.moveToThread(&thread);
+    QVERIFY(isConnectedByName ? connect(&watcher, SIGNAL(filesFound(QFileInfoList)), &receiver,
+                                        SLOT(receive(QFileInfoList)), connectionType)
+                              : connect(&watcher, &MediaWatcher::filesFound, &receiver,
+                                        &Receiver::receive, connectionType));
+    watcher.mediumMounted(folder());
+    QCOMPARE(receiver.paths, QStringList()); // nobody runs its event loop yet
+    thread.start();
+    const bool hasEnded = thread.wait(10000);
+    thread.quit();
+    thread.wait();
+    QVERIFY(hasEnded);
+    QCOMPARE(receiver.calledIn, &thread);
+    QCOMPARE(receiver.paths, inFolder(words("a.mp3 b.mp3")));
+}
+
+void tst_MediaWatcher::topFolderIsSorted()
+{
+    addMedium();
+    MediaWatcher watcher(nullptr);
+    Findings findings(watcher);
+    watcher.mediumMounted(folder());
+    QCOMPARE(findings.take(),
+             QVector<QStringList>({inFolder(words(". .. Alpha.mp3 Bravo.txt charlie.MP3 delta.mp3 "
+                                                  "echo.txt empty link.mp3 Music"))}));
+}
+
+void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
+{
+    addMedium();
+    for (int i = 0; i < 100; ++i) {
+        writeFile(QStringLiteral("%1.mp3").arg(i * 37 % 100), "");
+    }
+    const QStringList patterns(QStringLiteral("*.mp3"));
+    QStringList expected;
+    QDirIterator iterator(folder(), patterns, QDir::NoFilter, QDirIterator::Subdirectories);
+    while (iterator.hasNext()) {
+        expected.append(iterator.next());
+    }
+    QCOMPARE(expected.size(), 108);
+    QStringList sorted = expected;
+    sorted.sort(Qt::CaseInsensitive);
+    QVERIFY(expected != sorted);
+
+    MediaWatcher watcher(nullptr);
+    watcher.setRecursive(true);
+    watcher.setFileMatchPatternList(patterns);
+    Findings findings(watcher);
+    watcher.mediumMounted(folder());
+    QCOMPARE(findings.take(), QVector<QStringList>({expected}));
+}
+
+void tst_MediaWatcher::filesAreFound_data()
+{
+    QTest::addColumn<QStringList>("patterns");
+    QTest::addColumn<QStringList>("ofTopFolder"); // sorted without regard to case, as all below
+    QTest::addColumn<QStringList>("ofWholeMedium");
+
+    QTest::newRow("one pattern") << words("*.mp3")
+                                 << words("Alpha.mp3 charlie.MP3 delta.mp3 link.mp3")
+                                 << words("Alpha.mp3 charlie.MP3 delta.mp3 link.mp3 Music/a.mp3 "
+                                          "Music/b.mp3 Music/C.mp3 Music/live/d.mp3");
+    QTest::newRow("several patterns") << words("*.txt d*") << words("Bravo.txt delta.mp3 echo.txt")
+                                      << words("Bravo.txt delta.mp3 echo.txt Music/live/d.mp3");
+    QTest::newRow("folders alike")
+        << words("[lm]*c* live empty") << words("empty Music") << words("empty Music Music/live");
+    QTest::newRow("below the top folder alone")
+        << words("*.png") << QStringList() << words("Music/live/cover.png");
+    QTest::newRow("nowhere") << words("*.ogg") << QStringList() << QStringList();
+    QTest::newRow("hidden") << words(".hidden*") << QStringList() << QStringList();
+}
+
+void tst_MediaWatcher::filesAreFound()
+{
+    QFETCH(QStringList, patterns);
+    QFETCH(QStringList, ofTopFolder);
+    QFETCH(QStringList, ofWholeMedium);
+    addMedium();
+
+    MediaWatcher watcher(nullptr);
+    watcher.setFileMatchPatternList(patterns);
+    Findings findings(watcher);
+    watcher.mediumMounted(folder());
+    QCOMPARE(findings.take(), ofTopFolder.isEmpty()
+                                  ? QVector<QStringList>()
+                                  : QVector<QStringList>({inFolder(ofTopFolder)}));
+
+    watcher.setRecursive(true);
+    watcher.mediumMounted(folder());
+    QVector<QStringList> found = findings.take();
+    for (QStringList& paths : found) {
+        paths.sort(Qt::CaseInsensitive);
+    }
+    QCOMPARE(found, ofWholeMedium.isEmpty() ? QVector<QStringList>()
+                                            : QVector<QStringList>({inFolder(ofWholeMedium)}));
+}
+
+void tst_MediaWatcher::emptyMediumHasItsDots_data()
+{
+    QTest::addColumn<bool>("recursive");
+    QTest::addColumn<QStringList>("patterns");
+    QTest::addColumn<bool>("hasDots");
+    for (const bool recursive : {false, true}) {
+        const char* const mode = recursive ? "recursive" : "top folder";
+        QTest::addRow("%s, no pattern", mode) << recursive << QStringList() << true;
+        QTest::addRow("%s, all names", mode) << recursive << words("*") << true;
+        QTest::addRow("%s, names with a dot", mode) << recursive << words("*.*") << true;
+        QTest::addRow("%s, some names", mode) << recursive << words("*.mp3") << false;
+    }
+}
+
+void tst_MediaWatcher::emptyMediumHasItsDots()
+{
+    QFETCH(bool, recursive);
+    QFETCH(QStringList, patterns);
+    QFETCH(bool, hasDots);
+
+    MediaWatcher watcher(nullptr);
+    watcher.setRecursive(recursive);
+    watcher.setFileMatchPatternList(patterns);
+    Findings findings(watcher);
+    watcher.mediumMounted(folder());
+    QVector<QStringList> found = findings.take();
+    QCOMPARE(found.size(), hasDots ? 1 : 0);
+    if (hasDots) {
+        found.first().sort();
+        QCOMPARE(found.first(), inFolder(words(". ..")));
+    }
+}
+
+void tst_MediaWatcher::nothingFoundIsNoSignal_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("missing") << QStringLiteral("missing");
+    QTest::newRow("file") << QStringLiteral("file");
+    QTest::newRow("below a file") << QStringLiteral("file/folder");
+}
+
+void tst_MediaWatcher::nothingFoundIsNoSignal()
+{
+    QFETCH(QString, name);
+    writeFile(QStringLiteral("file"), "");
+
+    MediaWatcher watcher(nullptr);
+    Findings findings(watcher);
+    for (const bool recursive : {false, true}) {
+        watcher.setRecursive(recursive);
+        watcher.mediumMounted(path(name));
+    }
+    QCOMPARE(findings.take(), QVector<QStringList>());
+}
+
+void tst_MediaWatcher::settingsAreReplaced()
+{
+    QVERIFY(QDir(folder()).mkdir(QStringLiteral("sub")));
+    for (const char* name : {"a.mp3", "b.txt", "sub/c.mp3"}) {
+        writeFile(QString::fromLatin1(name), "");
+    }
+    MediaWatcher watcher(nullptr);
+    Findings findings(watcher);
+    const auto found = [&] {
+        watcher.mediumMounted(folder());
+        QStringList paths = findings.take().value(0);
+        paths.sort();
+        return paths;
+    };
+
+    QStringList patterns = words("*.mp3");
+    watcher.setFileMatchPatternList(patterns);
+    patterns.append(QStringLiteral("*.txt"));
+    QCOMPARE(found(), inFolder(words("a.mp3")));
+    watcher.setRecursive(true);
+    QCOMPARE(found(), inFolder(words("a.mp3 sub/c.mp3")));
+    watcher.setFileMatchPatternList(words("*.txt"));
+    QCOMPARE(found(), inFolder(words("b.txt")));
+    watcher.setFileMatchPatternList(words("*.mp3"));
+    watcher.setRecursive(false);
+    QCOMPARE(found(), inFolder(words("a.mp3")));
+    watcher.setFileMatchPatternList({});
+    QCOMPARE(found(), inFolder(words(". .. a.mp3 b.txt sub")));
+}
+
+void tst_MediaWatcher::answerComesWithinTheCall()
+{
+    writeFile(QStringLiteral("a.mp3"), "");
+    MediaWatcher watcher(nullptr);
+    watcher.setFileMatchPatternList(words("*.mp3"));
+    Findings findings(watcher);
+    for (int i = 0; i < 3; ++i) { // each call answers anew, with nothing of the one before
+        watcher.mediumMounted(folder());
+        QCOMPARE(findings.take(), QVector<QStringList>({inFolder(words("a.mp3"))}));
+    }
+}
+
+void tst_MediaWatcher::parentOwnsTheWatcher()
+{
+    std::unique_ptr<QObject> parent(new QObject);
+    const QPointer<MediaWatcher> watcher(new MediaWatcher(parent.get()));
+    QCOMPARE(watcher->parent(), parent.get());
+    parent.reset();
+    QVERIFY(watcher.isNull());
+}
+
+QTEST_GUILESS_MAIN(tst_MediaWatcher)
+
+#include "tst_MediaWatcher.moc"
