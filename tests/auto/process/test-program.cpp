@@ -1,0 +1,185 @@
+// What the tests of QProcessHandler run: a program that does as it is told, without Qt.
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+void sleepMs(int milliseconds)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+bool writeAll(int descriptor, const std::string& bytes)
+{
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = write(descriptor, bytes.data() + written, bytes.size() - written);
+        if (count < 0) {
+            return false;
+        }
+        written += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+std::string fromHex(const std::string& hex)
+{
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+        bytes.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    }
+    return bytes;
+}
+
+// The file appears with its content or not at all.
+void writeProcessId(const std::string& filePath)
+{
+    const std::string unfinished = filePath + ".part";
+    std::ofstream(unfinished) << getpid();
+    std::rename(unfinished.c_str(), filePath.c_str());
+}
+
+// signal N: ends by that signal.
+int endBySignal(int signal)
+{
+    const rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    raise(signal);
+    return EXIT_FAILURE;
+}
+
+// write OUT ERR: writes these bytes, given in hexadecimal, on the two channels.
+int writeBytes(const std::string& output, const std::string& error)
+{
+    return writeAll(STDOUT_FILENO, fromHex(output)) && writeAll(STDERR_FILENO, fromHex(error))
+               ? EXIT_SUCCESS
+               : EXIT_FAILURE;
+}
+
+// flood OUT ERR: so many bytes on the two channels, by turns.
+int flood(std::size_t output, std::size_t error)
+{
+    constexpr std::size_t blockSize = 4096;
+    while (output > 0 || error > 0) {
+        const std::size_t outputBlock = output < blockSize ? output : blockSize;
+        const std::size_t errorBlock = error < blockSize ? error : blockSize;
+        if (!writeAll(STDOUT_FILENO, std::string(outputBlock, 'o')) ||
+            !writeAll(STDERR_FILENO, std::string(errorBlock, 'e'))) {
+            return EXIT_FAILURE;
+        }
+        output -= outputBlock;
+        error -= errorBlock;
+    }
+    return EXIT_SUCCESS;
+}
+
+// echo: standard input to standard output, up to its end.
+int echo()
+{
+    char buffer[4096];
+    ssize_t count = 0;
+    while ((count = read(STDIN_FILENO, buffer, sizeof buffer)) > 0) {
+        if (!writeAll(STDOUT_FILENO, std::string(buffer, static_cast<std::size_t>(count)))) {
+            return EXIT_FAILURE;
+        }
+    }
+    return count == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+// cwd: the working directory.
+int printWorkingDirectory()
+{
+    char buffer[4096];
+    return getcwd(buffer, sizeof buffer) != nullptr && writeAll(STDOUT_FILENO, buffer)
+               ? EXIT_SUCCESS
+               : EXIT_FAILURE;
+}
+
+// arguments ...: each in hexadecimal, in a line of its own.
+int printArguments(const Arguments& arguments)
+{
+    for (std::size_t i = 2; i < arguments.size(); ++i) {
+        for (const char c : arguments[i]) {
+            std::printf("%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+        }
+        std::printf("\n");
+    }
+    return EXIT_SUCCESS;
+}
+
+// stay FILE: writes its process ID into the file and does not end by itself.
+int stay(const std::string& processIdFile)
+{
+    writeProcessId(processIdFile);
+    while (true) {
+        pause();
+    }
+}
+
+// wait-for GO DONE: writes on both channels, waits until the file GO is there, writes on both
+// channels again and leaves its process ID in the file DONE; the exit code is 7.
+int waitForFile(const std::string& go, const std::string& done)
+{
+    writeAll(STDOUT_FILENO, "early output");
+    writeAll(STDERR_FILENO, "early error");
+    while (access(go.c_str(), F_OK) != 0) {
+        sleepMs(2);
+    }
+    writeAll(STDOUT_FILENO, "late output");
+    writeAll(STDERR_FILENO, "late error");
+    writeProcessId(done);
+    return 7;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const Arguments arguments(argv, argv + argc);
+    const std::string command = argc > 1 ? arguments[1] : std::string();
+    if (command == "exit" && argc == 3) {
+        return std::stoi(arguments[2]);
+    }
+    if (command == "signal" && argc == 3) {
+        return endBySignal(std::stoi(arguments[2]));
+    }
+    if (command == "delay" && argc == 3) {
+        sleepMs(std::stoi(arguments[2]));
+        return EXIT_SUCCESS;
+    }
+    if (command == "write" && argc == 4) {
+        return writeBytes(arguments[2], arguments[3]);
+    }
+    if (command == "flood" && argc == 4) {
+        return flood(std::stoul(arguments[2]), std::stoul(arguments[3]));
+    }
+    if (command == "echo") {
+        return echo();
+    }
+    if (command == "cwd") {
+        return printWorkingDirectory();
+    }
+    if (command == "arguments") {
+        return printArguments(arguments);
+    }
+    if (command == "stay" && argc == 3) {
+        return stay(arguments[2]);
+    }
+    if (command == "wait-for" && argc == 4) {
+        return waitForFile(arguments[2], arguments[3]);
+    }
+    // Without a command it ends well: it was started, that was all.
+    return argc == 1 ? EXIT_SUCCESS : EXIT_FAILURE;
+}

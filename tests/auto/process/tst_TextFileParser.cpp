@@ -1,0 +1,662 @@
+#include "ChildProcess.h"
+#include "TestCase.h"
+#include "TextFileParser.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QRegularExpression>
+
+#include <cstdio>
+
+namespace {
+
+const char* const signature = "void TextFileParser::setError(const QString&)";
+
+using Options = QRegularExpression::PatternOptions;
+
+// As QStringList's comparison, which takes null and empty texts for equal, but does not.
+QString difference(const QStringList& actual, const QStringList& expected)
+{
+    const auto describe = [](const QStringList& texts) {
+        QStringList descriptions;
+        for (const QString& text : texts) {
+            descriptions.append(text.isNull() ? QStringLiteral("null")
+                                              : QLatin1Char('"') + text + QLatin1Char('"'));
+        }
+        return QLatin1Char('[') + descriptions.join(QStringLiteral(", ")) + QLatin1Char(']');
+    };
+    return describe(actual) == describe(expected)
+               ? QString()
+               : describe(actual) + QStringLiteral(" instead of ") + describe(expected);
+}
+
+// The texts of the matches, by the obvious way.
+QStringList literalMultiMatch(const QString& content, const QRegularExpression& expression)
+{
+    QStringList results;
+    QRegularExpressionMatchIterator matches = expression.globalMatch(content);
+    while (matches.hasNext()) {
+        const QStringList texts = matches.next().capturedTexts();
+        if (texts.size() >= 2) {
+            results.append(texts.at(1));
+        } else if (texts.size() == 1) {
+            results.append(texts.at(0));
+        }
+    }
+    return results;
+}
+
+// The text of a file's bytes, by the obvious way.
+QString literalContent(QByteArray bytes)
+{
+    bytes.replace("\r", "");
+    const int zero = bytes.indexOf('\0');
+    if (zero >= 0) {
+        bytes.truncate(zero);
+    }
+    return QString::fromUtf8(bytes);
+}
+
+QString oneOf(QRandomGenerator& random, const QStringList& texts)
+{
+    return texts.at(random.bounded(texts.size()));
+}
+
+QByteArray randomBytes(QRandomGenerator& random)
+{
+    static const QList<QByteArray> pieces = {
+        "a", "b",  "ab",   "A",        "1",        "23",   "=",        " ",
+        "_", "\n", "\r\n", "\xc3\xa4", "\xff\xc3", "\r\r", "a=b1\na=", "\xf0\x9f\x98\x80"};
+    QByteArray bytes;
+    const int count = random.bounded(30);
+    for (int i = 0; i < count; ++i) {
+        bytes += pieces.at(random.bounded(pieces.size()));
+    }
+    if (random.bounded(10) == 0) {
+        bytes.insert(random.bounded(bytes.size() + 1), '\0');
+    }
+    return bytes;
+}
+
+QString randomPattern(QRandomGenerator& random, int depth)
+{
+    if (depth == 0) {
+        return oneOf(random, {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("."),
+                              QStringLiteral("\\w"), QStringLiteral("\\d"), QStringLiteral("\\s"),
+                              QStringLiteral("[ab=]"), QStringLiteral("[^a]"), QStringLiteral("^"),
+                              QStringLiteral("$"), QStringLiteral("\\b"), QStringLiteral("="),
+                              QStringLiteral("\\x{e4}"), QStringLiteral("\\n")});
+    }
+    const QString inner = randomPattern(random, depth - 1);
+    switch (random.bounded(8)) {
+    case 0:
+        return inner + randomPattern(random, depth - 1);
+    case 1:
+        return QStringLiteral("(?:%1|%2)").arg(inner, randomPattern(random, depth - 1));
+    case 2:
+        return QStringLiteral("(%1)").arg(inner);
+    case 3:
+        return QStringLiteral("(%1)%2").arg(
+            inner, oneOf(random, {QStringLiteral("?"), QStringLiteral("*"), QStringLiteral("+?")}));
+    case 4:
+        return QStringLiteral("(?:%1)%2")
+            .arg(inner, oneOf(random, {QStringLiteral("?"), QStringLiteral("*"),
+                                       QStringLiteral("+"), QStringLiteral("{0,2}")}));
+    case 5:
+        return QStringLiteral("(%1)|(%2)").arg(inner, randomPattern(random, depth - 1));
+    case 6:
+        return QStringLiteral("(?%1%2)%3")
+            .arg(oneOf(random, {QStringLiteral("="), QStringLiteral("!")}), inner,
+                 randomPattern(random, depth - 1));
+    default:
+        return QStringLiteral("(?%1a)%2")
+            .arg(oneOf(random, {QStringLiteral("<="), QStringLiteral("<!")}), inner);
+    }
+}
+
+} // namespace
+
+class tst_TextFileParser : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void decodesTheFile_data();
+    void decodesTheFile();
+    void readsFilesWithoutASize();
+    void readsLargeFiles();
+    void keepsTheContentOfItsConstruction();
+
+    void missingFile_data();
+    void missingFile();
+    void directory();
+    void unreadableFile();
+    void fileBehindAClosedFolder();
+    void relativeFileName();
+
+    void matches_data();
+    void matches();
+    void emptyContentStillMatchesEmptyExpressions();
+    void agreesWithTheObviousWay();
+
+    void invalidExpression_data();
+    void invalidExpression();
+    void invalidExpressionAlone();
+    void invalidMatchOfOne();
+    void endlessBacktrackingEnds();
+    void backtrackingIsSparedWhereAMatchIsOutOfQuestion();
+    void backtrackingBehindAMatchEndsTheList();
+
+    void internalMatchGivesAllOfAMatch();
+    void errorsStay();
+    void setErrorWarns_data();
+    void setErrorWarns();
+    void copiesAreIndependent();
+
+private:
+    void expectError(const QString& text)
+    {
+        messages()
+            .expectWarning("TextFileParser", QLatin1Char('"') + text + QLatin1Char('"'))
+            .function(signature);
+    }
+
+    // The whole text that the parser holds.
+    static QString contentOf(TextFileParser& parser)
+    {
+        return parser.match(QRegularExpression(QStringLiteral("\\A.*\\z"),
+                                               QRegularExpression::DotMatchesEverythingOption));
+    }
+};
+
+void tst_TextFileParser::decodesTheFile_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("content");
+
+    QTest::newRow("plain") << QByteArray("one\ntwo\n") << QStringLiteral("one\ntwo\n");
+    QTest::newRow("empty") << QByteArray("") << QString();
+    QTest::newRow("carriage returns before line feeds")
+        << QByteArray("one\r\ntwo\r\n") << QStringLiteral("one\ntwo\n");
+    QTest::newRow("carriage returns elsewhere")
+        << QByteArray("\rone\r\r\ntw\ro\r") << QStringLiteral("one\ntwo");
+    QTest::newRow("zero byte") << QByteArray("one\0two", 7) << QStringLiteral("one");
+    QTest::newRow("zero byte first") << QByteArray("\0two", 4) << QStringLiteral("");
+    QTest::newRow("zero byte last") << QByteArray("one\0", 4) << QStringLiteral("one");
+    QTest::newRow("UTF-8") << QByteArray("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80")
+                           << QStringLiteral("\u00e4\u20ac\U0001f600");
+    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfone") << QStringLiteral("one");
+    QTest::newRow("byte order mark alone") << QByteArray("\xef\xbb\xbf") << QStringLiteral("");
+    QTest::newRow("not UTF-8") << QByteArray("a\xff\xe4z") << QStringLiteral("a\ufffd\ufffdz");
+    QTest::newRow("cut in a character")
+        << QByteArray("a\xe2\x82") << QStringLiteral("a\ufffd\ufffd");
+}
+
+void tst_TextFileParser::decodesTheFile()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, content);
+
+    TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
+    const QString actual = contentOf(parser);
+    QCOMPARE(actual, content);
+    QCOMPARE(actual.isNull(), content.isNull());
+    QVERIFY(!parser.hasError());
+    QVERIFY(parser.getLastError().isNull());
+}
+
+// The kernel's files give their size as 0.
+void tst_TextFileParser::readsFilesWithoutASize()
+{
+    TextFileParser parser(QStringLiteral("/proc/self/status"));
+    QCOMPARE(parser.match(QRegularExpression(QStringLiteral("\\bPid:\\s+(\\d+)"))),
+             QString::number(QCoreApplication::applicationPid()));
+    QVERIFY(!parser.hasError());
+}
+
+void tst_TextFileParser::readsLargeFiles()
+{
+    QByteArray bytes;
+    int count = 0;
+    while (bytes.size() < 5 * 1024 * 1024) {
+        bytes += "some line of no interest\r\nversion=" + QByteArray::number(count++) + "\r\n";
+    }
+    TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
+    const QStringList versions =
+        parser.multiMatch(QRegularExpression(QStringLiteral("version=(\\S+)")));
+    QCOMPARE(versions.size(), count);
+    for (int i = 0; i < count; ++i) {
+        QCOMPARE(versions.at(i), QString::number(i));
+    }
+    QCOMPARE(contentOf(parser), QString::fromLatin1(bytes.replace("\r", "")));
+}
+
+void tst_TextFileParser::keepsTheContentOfItsConstruction()
+{
+    const QString filePath = writeFile(QStringLiteral("file"), "first");
+    TextFileParser parser(filePath);
+    writeFile(QStringLiteral("file"), "second");
+    QCOMPARE(contentOf(parser), QStringLiteral("first"));
+    QVERIFY(QFile::remove(filePath));
+    QCOMPARE(contentOf(parser), QStringLiteral("first"));
+    QVERIFY(!parser.hasError());
+}
+
+void tst_TextFileParser::missingFile_data()
+{
+    QTest::addColumn<QString>("filePath");
+
+    QTest::newRow("absolute") << QStringLiteral("/nowhere/to/be/found");
+    QTest::newRow("relative") << QStringLiteral("nowhere/../to/./be//found");
+    QTest::newRow("home folder is not expanded") << QStringLiteral("~");
+    QTest::newRow("not ASCII") << QStringLiteral("/nowhere/\u00e4\u20ac");
+    QTest::newRow("through a file") << QStringLiteral("/proc/version/file");
+    QTest::newRow("empty") << QString();
+}
+
+void tst_TextFileParser::missingFile()
+{
+    QFETCH(QString, filePath);
+
+    const QString error = QStringLiteral("File doesn't exists: ") + filePath;
+    expectError(error);
+    TextFileParser parser(filePath);
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), error);
+
+    // No further error.
+    const QRegularExpression expression(QStringLiteral("\\w+"));
+    QCOMPARE(parser.multiMatch(expression), QStringList());
+    QVERIFY(parser.match(expression).isNull());
+    QRegularExpressionMatchIterator matches = parser.internallMatch(expression);
+    QVERIFY(matches.isValid());
+    QVERIFY(!matches.hasNext());
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), error);
+}
+
+void tst_TextFileParser::directory()
+{
+    const QString error = QStringLiteral("Can't open file ") + folder() +
+                          QStringLiteral(" IO Error: file to open is a directory");
+    expectError(error);
+    TextFileParser parser(folder());
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), error);
+    QVERIFY(contentOf(parser).isNull());
+    QCOMPARE(parser.getLastError(), error);
+}
+
+void tst_TextFileParser::unreadableFile()
+{
+    const QString filePath = writeFile(QStringLiteral("file"), "secret");
+    QVERIFY(QFile::setPermissions(filePath, QFileDevice::WriteOwner));
+    QVERIFY(QFile::setPermissions(folder(), QFile::permissions(folder()) | QFileDevice::ExeOther));
+
+    const QString error = QStringLiteral("Can't open file ") + filePath +
+                          QStringLiteral(" IO Error: Permission denied");
+    const ChildResult result = ChildProcess::runAsOrdinaryUser([&] {
+        TextFileParser parser(filePath);
+        return parser.hasError() && parser.getLastError() == error && contentOf(parser).isNull()
+                   ? 0
+                   : 1;
+    });
+    QVERIFY(result.exited);
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.output, '"' + error.toUtf8() + "\"\n");
+}
+
+// What cannot be reached does not exist.
+void tst_TextFileParser::fileBehindAClosedFolder()
+{
+    const QString filePath = writeFile(QStringLiteral("file"), "secret");
+    const QString error = QStringLiteral("File doesn't exists: ") + filePath;
+    QVERIFY(QFile::setPermissions(folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+    const ChildResult result = ChildProcess::runAsOrdinaryUser([&] {
+        const TextFileParser parser(filePath);
+        return parser.hasError() && parser.getLastError() == error ? 0 : 1;
+    });
+    QVERIFY(QFile::setPermissions(folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                QFileDevice::ExeOwner));
+    QVERIFY(result.exited);
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.output, '"' + error.toUtf8() + "\"\n");
+}
+
+void tst_TextFileParser::relativeFileName()
+{
+    writeFile(QStringLiteral("file"), "content");
+    QVERIFY(QDir(folder()).mkdir(QStringLiteral("sub")));
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(folder()));
+    TextFileParser file(QStringLiteral("./sub/../file"));
+    const QString error = QStringLiteral("Can't open file ./sub/ IO Error: file to open is a "
+                                         "directory");
+    expectError(error);
+    const TextFileParser sub(QStringLiteral("./sub/"));
+    QVERIFY(QDir::setCurrent(before));
+    QCOMPARE(contentOf(file), QStringLiteral("content"));
+    QCOMPARE(sub.getLastError(), error);
+}
+
+void tst_TextFileParser::matches_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<Options>("options");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QStringList>("texts");
+
+    const auto addRow = [](const char* name, const QString& pattern, const QByteArray& bytes,
+                           const QStringList& texts, Options options = Options()) {
+        QTest::newRow(name) << pattern << options << bytes << texts;
+    };
+    const QByteArray lines("name=x\nversion=1.2 b\nend\nversion=3\n");
+    const QString null;
+    const QString empty = QStringLiteral("");
+
+    addRow("no match", QStringLiteral("nothing"), lines, {});
+    addRow("no group", QStringLiteral("version=\\S+"), lines,
+           {QStringLiteral("version=1.2"), QStringLiteral("version=3")});
+    addRow("one group", QStringLiteral("version=(\\S+)"), lines,
+           {QStringLiteral("1.2"), QStringLiteral("3")});
+    addRow("several groups", QStringLiteral("(\\w+)=(\\S)(\\S*)"), lines,
+           {QStringLiteral("name"), QStringLiteral("version"), QStringLiteral("version")});
+    addRow("group in a group", QStringLiteral("version=((\\d)\\S*)"), lines,
+           {QStringLiteral("1.2"), QStringLiteral("3")});
+    addRow("group that does not capture", QStringLiteral("(?:version|name)=."), lines,
+           {QStringLiteral("name=x"), QStringLiteral("version=1"), QStringLiteral("version=3")});
+    addRow("named group", QStringLiteral("version=(?<number>\\d)"), lines,
+           {QStringLiteral("1"), QStringLiteral("3")});
+    addRow("second group named", QStringLiteral("(v)ersion=(?<number>\\d)"), lines,
+           {QStringLiteral("v"), QStringLiteral("v")});
+    addRow("repeated group keeps its last turn", QStringLiteral("(?:(\\d)\\.?)+"), lines,
+           {QStringLiteral("2"), QStringLiteral("3")});
+    addRow("optional group takes part or not", QStringLiteral("a(b)?"), "ab a",
+           {QStringLiteral("b"), QStringLiteral("a")});
+    addRow("only group takes no part", QStringLiteral("a|(b)"), "a", {QStringLiteral("a")});
+    addRow("first group takes no part, a later one does", QStringLiteral("(a)|(b)"), "ab",
+           {QStringLiteral("a"), null});
+    addRow("first group takes part, the later one does not", QStringLiteral("(a)(b)?"), "a",
+           {QStringLiteral("a")});
+    addRow("group in a negative look-ahead never takes part", QStringLiteral("a(?!(b))"), "ac",
+           {QStringLiteral("a")});
+    addRow("empty group", QStringLiteral("key=(\\w*)"), "key=\nkey=v",
+           {empty, QStringLiteral("v")});
+    addRow("empty group alone", QStringLiteral("()"), "ab", {empty, empty, empty});
+    addRow("empty matches", QStringLiteral("x*"), "axxb",
+           {empty, QStringLiteral("xx"), empty, empty});
+    addRow("empty matches do not part a surrogate pair", QStringLiteral("x*"), "\xf0\x9f\x98\x80",
+           {empty, empty});
+    addRow("empty expression", QString(), "a", {empty, empty});
+    addRow("look-behind", QStringLiteral("(?<==)\\d"), lines,
+           {QStringLiteral("1"), QStringLiteral("3")});
+    addRow("negative look-behind", QStringLiteral("(?<!b)a"), "ba ca", {QStringLiteral("a")});
+    addRow("look-behind sees what was matched before", QStringLiteral("(?<=a)b|a"), "ab",
+           {QStringLiteral("a"), QStringLiteral("b")});
+    addRow("look-ahead", QStringLiteral("\\w+(?==)"), lines,
+           {QStringLiteral("name"), QStringLiteral("version"), QStringLiteral("version")});
+    addRow("group in a look-ahead", QStringLiteral("version(?==(\\S+))"), lines,
+           {QStringLiteral("1.2"), QStringLiteral("3")});
+    addRow("match start moved", QStringLiteral("version=\\K\\d"), lines,
+           {QStringLiteral("1"), QStringLiteral("3")});
+    addRow("back-reference", QStringLiteral("(.)\\1"), "aabcc",
+           {QStringLiteral("a"), QStringLiteral("c")});
+    addRow("overlapping occurrences", QStringLiteral("aa"), "aaaa",
+           {QStringLiteral("aa"), QStringLiteral("aa")});
+    addRow("case counts", QStringLiteral("VERSION"), lines, {});
+    addRow("case does not count", QStringLiteral("VERSION"), lines,
+           {QStringLiteral("version"), QStringLiteral("version")},
+           QRegularExpression::CaseInsensitiveOption);
+    addRow("case beyond ASCII does not count", QStringLiteral("\u00c4"), "\xc3\xa4",
+           {QStringLiteral("\u00e4")}, QRegularExpression::CaseInsensitiveOption);
+    addRow("word without Unicode properties", QStringLiteral("\\w+"), "a\xc3\xa4",
+           {QStringLiteral("a")});
+    addRow("word with Unicode properties", QStringLiteral("\\w+"), "a\xc3\xa4",
+           {QStringLiteral("a\u00e4")}, QRegularExpression::UseUnicodePropertiesOption);
+    addRow("a character beyond the base plane is one", QStringLiteral("^.$"), "\xf0\x9f\x98\x80",
+           {QStringLiteral("\U0001f600")});
+    addRow("anchors are those of the text", QStringLiteral("^\\w+|\\w+$"), "one\ntwo\nthree\n",
+           {QStringLiteral("one"), QStringLiteral("three")});
+    addRow("anchors are those of the lines", QStringLiteral("^\\w+$"), "one\r\ntwo\nthree",
+           {QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")},
+           QRegularExpression::MultilineOption);
+    addRow("a dot is no line feed", QStringLiteral("e.t"), "e\nt", {});
+    addRow("a dot is a line feed", QStringLiteral("e.t"), "e\r\nt", {QStringLiteral("e\nt")},
+           QRegularExpression::DotMatchesEverythingOption);
+    addRow("there is no carriage return", QStringLiteral("\\r"), "one\r\ntwo\r", {});
+    addRow("groups do not capture", QStringLiteral("version=(\\S+)"), lines,
+           {QStringLiteral("version=1.2"), QStringLiteral("version=3")},
+           QRegularExpression::DontCaptureOption);
+    addRow("greed inverted", QStringLiteral("a+"), "aa", {QStringLiteral("a"), QStringLiteral("a")},
+           QRegularExpression::InvertedGreedinessOption);
+    addRow("extended syntax", QStringLiteral("v (\\w) # a comment"), "ve v x",
+           {QStringLiteral("e")}, QRegularExpression::ExtendedPatternSyntaxOption);
+}
+
+void tst_TextFileParser::matches()
+{
+    QFETCH(QString, pattern);
+    QFETCH(Options, options);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QStringList, texts);
+
+    TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
+    const QRegularExpression expression(pattern, options);
+    QCOMPARE(difference(parser.multiMatch(expression), texts), QString());
+    const QString first = parser.match(expression);
+    QCOMPARE(difference({first}, {texts.value(0)}), QString());
+    QVERIFY(!parser.hasError());
+    QVERIFY(parser.getLastError().isNull());
+}
+
+void tst_TextFileParser::emptyContentStillMatchesEmptyExpressions()
+{
+    const QRegularExpression expression(QStringLiteral("x*"));
+    TextFileParser emptyFile(writeFile(QStringLiteral("empty"), QByteArray()));
+    QCOMPARE(difference(emptyFile.multiMatch(expression), {QString()}), QString());
+    TextFileParser zeroByte(writeFile(QStringLiteral("zero"), QByteArray(1, '\0')));
+    QCOMPARE(difference(zeroByte.multiMatch(expression), {QStringLiteral("")}), QString());
+
+    expectError(QStringLiteral("File doesn't exists: nowhere"));
+    TextFileParser missing(QStringLiteral("nowhere"));
+    QCOMPARE(difference(missing.multiMatch(expression), {QString()}), QString());
+}
+
+void tst_TextFileParser::agreesWithTheObviousWay()
+{
+    constexpr int files = 300;
+    constexpr int patternsPerFile = 20;
+    QRandomGenerator random(20240229);
+    int withResults = 0;
+    for (int i = 0; i < files; ++i) {
+        const QByteArray bytes = randomBytes(random);
+        TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
+        QString content = literalContent(bytes);
+        if (bytes.isEmpty()) {
+            content = QString();
+        }
+        for (int j = 0; j < patternsPerFile; ++j) {
+            const QRegularExpression expression(
+                randomPattern(random, 1 + random.bounded(4)),
+                QRegularExpression::PatternOptions(random.bounded(8)));
+            QVERIFY2(expression.isValid(), qPrintable(expression.pattern()));
+            const QStringList expected = literalMultiMatch(content, expression);
+            const QString result = difference(parser.multiMatch(expression), expected);
+            QVERIFY2(result.isEmpty(), qPrintable(expression.pattern() + QStringLiteral(" over ") +
+                                                  content + QStringLiteral(": ") + result));
+            QCOMPARE(difference({parser.match(expression)}, {expected.value(0)}), QString());
+            QVERIFY(!parser.hasError());
+            withResults += expected.isEmpty() ? 0 : 1;
+        }
+    }
+    // The patterns are of use: many match and many do not.
+    QVERIFY(withResults > files * patternsPerFile / 4);
+    QVERIFY(withResults < files * patternsPerFile);
+}
+
+void tst_TextFileParser::invalidExpression_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("shown");
+
+    const auto addRow = [](const char* name, const QString& pattern, const QString& shown) {
+        QTest::newRow(name) << pattern << shown;
+    };
+    addRow("bracket left open", QStringLiteral("version=[a"), QStringLiteral("version=[a"));
+    addRow("group left open", QStringLiteral("version=(\\S+"), QStringLiteral("version=(\\\\S+"));
+    addRow("nothing to repeat", QStringLiteral("*"), QStringLiteral("*"));
+    addRow("quotation mark", QStringLiteral("(\""), QStringLiteral("(\\\""));
+    addRow("line feed", QStringLiteral("(\n"), QStringLiteral("(\\n"));
+    addRow("not ASCII", QStringLiteral("(\u00e4"), QStringLiteral("(\u00e4"));
+}
+
+void tst_TextFileParser::invalidExpression()
+{
+    QFETCH(QString, pattern);
+    QFETCH(QString, shown);
+
+    TextFileParser parser(writeFile(QStringLiteral("file"), "version=[a"));
+    expectError(QStringLiteral("Invalid regular expresion: ") + shown);
+    expectError(QStringLiteral("Invalid match on expresion: ") + shown);
+    QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ") + pattern);
+}
+
+void tst_TextFileParser::invalidExpressionAlone()
+{
+    TextFileParser parser(writeFile(QStringLiteral("file"), "content"));
+    expectError(QStringLiteral("Invalid regular expresion: ["));
+    const QRegularExpressionMatchIterator matches =
+        parser.internallMatch(QRegularExpression(QStringLiteral("[")));
+    QVERIFY(!matches.isValid());
+    QVERIFY(!matches.hasNext());
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), QStringLiteral("Invalid regular expresion: ["));
+}
+
+void tst_TextFileParser::invalidMatchOfOne()
+{
+    TextFileParser parser(writeFile(QStringLiteral("file"), "content"));
+    expectError(QStringLiteral("Invalid regular expresion: ["));
+    expectError(QStringLiteral("Invalid match on expresion: ["));
+    QVERIFY(parser.match(QRegularExpression(QStringLiteral("["))).isNull());
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ["));
+}
+
+// A valid expression can still have no valid match: where the search gives up.
+void tst_TextFileParser::endlessBacktrackingEnds()
+{
+    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray(60, 'x') + " y"));
+    const QString pattern = QStringLiteral("(x+x+)+y");
+    QElapsedTimer timer;
+    timer.start();
+    expectError(QStringLiteral("Invalid match on expresion: ") + pattern);
+    QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
+    QVERIFY(timer.elapsed() < 60000);
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ") + pattern);
+}
+
+// Without a single y there is nothing to search for.
+void tst_TextFileParser::backtrackingIsSparedWhereAMatchIsOutOfQuestion()
+{
+    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray(60, 'x')));
+    QVERIFY(parser.match(QRegularExpression(QStringLiteral("(x+x+)+y"))).isNull());
+    QVERIFY(!parser.hasError());
+}
+
+void tst_TextFileParser::backtrackingBehindAMatchEndsTheList()
+{
+    TextFileParser parser(writeFile(QStringLiteral("file"), "xxy " + QByteArray(60, 'x') + " xxy"));
+    QCOMPARE(parser.multiMatch(QRegularExpression(QStringLiteral("(x+x+)+y"))),
+             QStringList(QStringLiteral("xx")));
+    QVERIFY(!parser.hasError());
+}
+
+void tst_TextFileParser::internalMatchGivesAllOfAMatch()
+{
+    TextFileParser parser(writeFile(QStringLiteral("file"), "a=1\r\nb=2"));
+    QRegularExpressionMatchIterator matches =
+        parser.internallMatch(QRegularExpression(QStringLiteral("(\\w)=(?<value>\\d)")));
+    QVERIFY(matches.isValid());
+    QCOMPARE(matches.matchType(), QRegularExpression::NormalMatch);
+    QCOMPARE(matches.matchOptions(), QRegularExpression::MatchOptions());
+    QCOMPARE(matches.next().capturedStart(), 0);
+    const QRegularExpressionMatch second = matches.next();
+    QCOMPARE(second.capturedStart(), 4);
+    QCOMPARE(second.captured(QStringLiteral("value")), QStringLiteral("2"));
+    QVERIFY(!matches.hasNext());
+    QVERIFY(!parser.hasError());
+}
+
+void tst_TextFileParser::errorsStay()
+{
+    TextFileParser parser(writeFile(QStringLiteral("file"), "content"));
+    const QRegularExpression valid(QStringLiteral("\\w+"));
+    const QString error = QStringLiteral("Invalid regular expresion: (");
+    expectError(error);
+    parser.internallMatch(QRegularExpression(QStringLiteral("(")));
+
+    QCOMPARE(parser.match(valid), QStringLiteral("content"));
+    QCOMPARE(parser.multiMatch(valid), QStringList(QStringLiteral("content")));
+    QVERIFY(parser.internallMatch(valid).isValid());
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), error);
+
+    parser.clearLastError();
+    QVERIFY(!parser.hasError());
+    QVERIFY(parser.getLastError().isNull());
+    QCOMPARE(parser.match(valid), QStringLiteral("content"));
+    QVERIFY(!parser.hasError());
+
+    // The next error counts again.
+    expectError(error);
+    parser.internallMatch(QRegularExpression(QStringLiteral("(")));
+    QVERIFY(parser.hasError());
+    QCOMPARE(parser.getLastError(), error);
+}
+
+void tst_TextFileParser::setErrorWarns_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("warning");
+
+    QTest::newRow("text") << QStringLiteral("some error") << QStringLiteral("\"some error\"");
+    QTest::newRow("quotation marks")
+        << QStringLiteral("a \"b\"") << QStringLiteral("\"a \\\"b\\\"\"");
+    QTest::newRow("empty") << QStringLiteral("") << QStringLiteral("\"\"");
+    QTest::newRow("null") << QString() << QStringLiteral("\"\"");
+}
+
+void tst_TextFileParser::setErrorWarns()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, warning);
+
+    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray()));
+    messages().expectWarning("TextFileParser", warning).function(signature);
+    parser.setError(text);
+    QVERIFY(parser.hasError());
+    QCOMPARE(difference({parser.getLastError()}, {text}), QString());
+}
+
+void tst_TextFileParser::copiesAreIndependent()
+{
+    TextFileParser parser(writeFile(QStringLiteral("file"), "content"));
+    TextFileParser copy(parser);
+    expectError(QStringLiteral("error"));
+    copy.setError(QStringLiteral("error"));
+    QVERIFY(!parser.hasError());
+    QCOMPARE(contentOf(copy), QStringLiteral("content"));
+    parser = copy;
+    QCOMPARE(parser.getLastError(), QStringLiteral("error"));
+}
+
+Q_DECLARE_METATYPE(Options)
+
+QTEST_GUILESS_MAIN(tst_TextFileParser)
+#include "tst_TextFileParser.moc"
