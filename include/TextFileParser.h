@@ -53,6 +53,8 @@ public:
      * where the expression has no group or none took part.
      *
      * Errors: "Invalid regular expresion: <pattern>", then "Invalid match on expresion: <pattern>".
+     * The second one alone where the search for the first match takes too many steps and is given
+     * up; a later match that takes too many ends the list without an error.
      */
     QStringList multiMatch(const QRegularExpression& regularExpression);
 

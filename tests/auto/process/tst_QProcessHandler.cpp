@@ -1,4 +1,835 @@
-int main()
+#include "QProcessHandler.h"
+#include "TestCase.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+const char* const signature =
+    "int QProcessHandler::startProcess(const QString&, const QStringList&)";
+
+// Long enough for the test program to start and to write, even on a busy machine.
+constexpr int shortTimeoutInMs = 300;
+// What only a hang can exceed.
+constexpr int hangInMs = 20000;
+
+QString testProgram()
 {
-    return 0;
+    return QStringLiteral(TEST_PROGRAM);
 }
+
+QString warningText(const QString& text, const QString& program, const QString& arguments,
+                    const QString& output = QString(), const QString& error = QString())
+{
+    return QStringLiteral("%1 \"%2\"   \"%3\" ,  \"%4\"  ,  \"%5\"")
+        .arg(text, program, arguments, output, error);
+}
+
+QString hex(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.toHex());
+}
+
+int openDescriptors()
+{
+    return QDir(QStringLiteral("/proc/self/fd"))
+        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+        .size();
+}
+
+// Whether this process has any child, be it a zombie.
+bool hasChildren()
+{
+    siginfo_t info;
+    return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0;
+}
+
+// Keeps a program from being loaded, by a lease on its file, until it is released.
+class HeldProgram
+{
+public:
+    explicit HeldProgram(const QString& filePath)
+        : m_descriptor(open(QFile::encodeName(filePath).constData(), O_RDONLY | O_CLOEXEC))
+        // The signal that asks for the lease back.
+        , m_previousHandler(std::signal(SIGIO, SIG_IGN))
+        , m_isHeld(fcntl(m_descriptor, F_SETLEASE, F_WRLCK) == 0)
+    {
+    }
+
+    ~HeldProgram()
+    {
+        close(m_descriptor);
+        std::signal(SIGIO, m_previousHandler);
+    }
+
+    bool isHeld() const { return m_isHeld; }
+    void release() { m_isHeld = fcntl(m_descriptor, F_SETLEASE, F_UNLCK) != 0; }
+
+private:
+    Q_DISABLE_COPY(HeldProgram)
+
+    int m_descriptor;
+    void (*m_previousHandler)(int);
+    bool m_isHeld;
+};
+
+// The fields as the binary interface promises them.
+struct Layout
+{
+    virtual ~Layout() = default;
+
+    QProcess process;
+    int waitForStartedTimeout;
+    int waitForFinishedTimeout;
+    QString standardOutput;
+    QString standardError;
+    int lastExitStatus;
+};
+
+static_assert(sizeof(Layout) == sizeof(QProcessHandler), "layout of QProcessHandler");
+
+} // namespace
+
+class tst_QProcessHandler : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void beforeTheFirstRun();
+    void defaultTimeouts();
+
+    void exitCodes();
+    void deathBySignal_data();
+    void deathBySignal();
+    void outputIsDecoded_data();
+    void outputIsDecoded();
+    void largeOutput_data();
+    void largeOutput();
+    void argumentsArriveUnchanged_data();
+    void argumentsArriveUnchanged();
+    void programIsFoundInThePath();
+
+    void programThatCannotBeStarted_data();
+    void programThatCannotBeStarted();
+    void noProgramAtAll();
+    void missingWorkingDirectory();
+    void missingStandardInputFile();
+    void startTimeout();
+
+    void finishTimeout();
+    void finishTimeoutShowsArguments_data();
+    void finishTimeoutShowsArguments();
+    void outputAfterATimeoutIsKept();
+    void finishTimeoutOfNothing();
+    void negativeTimeoutsAreNone();
+    void secondStartWaitsForTheFirstProgram();
+    void secondStartTimesOutOnTheFirstProgram();
+    void startAfterALateEnd();
+
+    void standardInputStaysOpen();
+    void settingsPersist();
+    void settingsCanBeTakenBack();
+    void resultsAreClearedByTheNextRun();
+    void resultsAreClearedWhileTheProgramRuns();
+    void clearLastStatesAlone();
+    void saveLastStatesAlone();
+    void saveLastStatesBeforeTheFirstRun();
+
+    void destructionKillsTheProgram();
+    void destructionKillsAProgramThatStarts();
+    void thousandRunsLeaveNothingBehind();
+
+private:
+    void expectWarning(const QString& text)
+    {
+        messages().expectWarning("QProcessHandler", text).function(signature);
+    }
+
+    void expectDestroyedWhileRunning(const QString& program = testProgram())
+    {
+        messages().expect(
+            QtWarningMsg,
+            QStringLiteral("QProcess: Destroyed while process (\"%1\") is still running.")
+                .arg(program));
+    }
+
+    void expectNotOpen(int times)
+    {
+        for (int i = 0; i < times; ++i) {
+            messages().expect(QtWarningMsg,
+                              QStringLiteral("QIODevice::read (QProcess): device not open"));
+        }
+    }
+
+    // The arguments of a program that waits for release(), and leaves a file when it ends.
+    QStringList waiting() const
+    {
+        return {QStringLiteral("wait-for"), path(QStringLiteral("go")),
+                path(QStringLiteral("done"))};
+    }
+
+    void release() const { writeFile(QStringLiteral("go"), QByteArray()); }
+
+    // Starts the waiting program and sees the time-out.
+    void startWaiting(QProcessHandler& handler)
+    {
+        handler.setWaitForFinishedTimeout(shortTimeoutInMs);
+        expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
+                                  waiting().join(QLatin1Char(' ')), QStringLiteral("early output"),
+                                  QStringLiteral("early error")));
+        QCOMPARE(handler.startProcess(testProgram(), waiting()), -1);
+    }
+};
+
+void tst_QProcessHandler::beforeTheFirstRun()
+{
+    const QProcessHandler handler;
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+    QCOMPARE(handler.getLastExitStatus(), 1);
+}
+
+// 30 seconds are too long to be waited for; they are read where they are kept.
+void tst_QProcessHandler::defaultTimeouts()
+{
+    QProcessHandler handler;
+    const auto timeouts = [&handler] {
+        int values[2];
+        memcpy(values, reinterpret_cast<const char*>(&handler) + sizeof(void*) + sizeof(QProcess),
+               sizeof values);
+        return QPair<int, int>(values[0], values[1]);
+    };
+    QCOMPARE(timeouts(), qMakePair(30000, 30000));
+    handler.setWaitForStartedTimeout(-5);
+    QCOMPARE(timeouts(), qMakePair(-5, 30000));
+    handler.setWaitForFinishedTimeout(7);
+    QCOMPARE(timeouts(), qMakePair(-5, 7));
+}
+
+void tst_QProcessHandler::exitCodes()
+{
+    QProcessHandler handler;
+    for (int exitCode = 0; exitCode <= 255; ++exitCode) {
+        QCOMPARE(handler.startProcess(testProgram(),
+                                      {QStringLiteral("exit"), QString::number(exitCode)}),
+                 exitCode);
+        QCOMPARE(handler.getLastExitStatus(), 0);
+    }
+}
+
+void tst_QProcessHandler::deathBySignal_data()
+{
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("termination") << SIGTERM;
+    QTest::newRow("kill") << SIGKILL;
+    QTest::newRow("segmentation fault") << SIGSEGV;
+    QTest::newRow("abort") << SIGABRT;
+    QTest::newRow("broken pipe") << SIGPIPE;
+}
+
+void tst_QProcessHandler::deathBySignal()
+{
+    QFETCH(int, signal);
+
+    QProcessHandler handler;
+    // The code that QProcess has is the signal.
+    QCOMPARE(
+        handler.startProcess(testProgram(), {QStringLiteral("signal"), QString::number(signal)}),
+        signal);
+    QCOMPARE(handler.getLastExitStatus(), 1);
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+
+    QCOMPARE(handler.startProcess(testProgram(), {}), 0);
+    QCOMPARE(handler.getLastExitStatus(), 0);
+}
+
+void tst_QProcessHandler::outputIsDecoded_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("nothing") << QByteArray() << QString();
+    QTest::newRow("text") << QByteArray("one\ntwo\n") << QStringLiteral("one\ntwo\n");
+    QTest::newRow("carriage returns") << QByteArray("one\r\n") << QStringLiteral("one\r\n");
+    QTest::newRow("zero byte") << QByteArray("a\0b", 3) << QStringLiteral("a");
+    QTest::newRow("zero byte first") << QByteArray("\0b", 2) << QStringLiteral("");
+    QTest::newRow("UTF-8") << QByteArray("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80")
+                           << QStringLiteral("\u00e4\u20ac\U0001f600");
+    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfone") << QStringLiteral("one");
+    QTest::newRow("not UTF-8") << QByteArray("a\xff\xe4z") << QStringLiteral("a\ufffd\ufffdz");
+}
+
+void tst_QProcessHandler::outputIsDecoded()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, text);
+
+    const auto check = [](const QString& actual, const QString& expected) {
+        return actual == expected && actual.isNull() == expected.isNull();
+    };
+    QProcessHandler handler;
+    const QString write = QStringLiteral("write");
+    const QString other = QStringLiteral("other");
+    QCOMPARE(handler.startProcess(testProgram(), {write, hex(bytes), hex("other")}), 0);
+    QVERIFY2(check(handler.getStandardOutput(), text), qPrintable(handler.getStandardOutput()));
+    QCOMPARE(handler.getStandardError(), other);
+
+    QCOMPARE(handler.startProcess(testProgram(), {write, hex("other"), hex(bytes)}), 0);
+    QCOMPARE(handler.getStandardOutput(), other);
+    QVERIFY2(check(handler.getStandardError(), text), qPrintable(handler.getStandardError()));
+}
+
+void tst_QProcessHandler::largeOutput_data()
+{
+    QTest::addColumn<int>("output");
+    QTest::addColumn<int>("error");
+
+    constexpr int tenMegabytes = 10 * 1024 * 1024;
+    QTest::newRow("on both channels") << tenMegabytes << tenMegabytes;
+    QTest::newRow("on standard output") << tenMegabytes << 0;
+    QTest::newRow("on standard error") << 0 << tenMegabytes;
+    QTest::newRow("more on standard error") << 5000 << tenMegabytes + 1;
+}
+
+void tst_QProcessHandler::largeOutput()
+{
+    QFETCH(int, output);
+    QFETCH(int, error);
+
+    QProcessHandler handler;
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("flood"), QString::number(output),
+                                                  QString::number(error)}),
+             0);
+    QCOMPARE(handler.getLastExitStatus(), 0);
+    QVERIFY(handler.getStandardOutput() == QString(output, QLatin1Char('o')));
+    QVERIFY(handler.getStandardError() == QString(error, QLatin1Char('e')));
+}
+
+void tst_QProcessHandler::argumentsArriveUnchanged_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+
+    QTest::newRow("none") << QStringList();
+    QTest::newRow("blanks") << QStringList{QStringLiteral("a b"), QStringLiteral(" c  "),
+                                           QStringLiteral("\t\n")};
+    QTest::newRow("quotation marks")
+        << QStringList{QStringLiteral("\"a\""), QStringLiteral("'b c'"), QStringLiteral("\\\"")};
+    QTest::newRow("empty") << QStringList{QString(), QStringLiteral("a"), QStringLiteral("")};
+    QTest::newRow("shell syntax") << QStringList{QStringLiteral("$HOME"), QStringLiteral("*"),
+                                                 QStringLiteral(";exit 1"), QStringLiteral("~")};
+    QTest::newRow("not ASCII") << QStringList{QStringLiteral("\u00e4\u20ac\U0001f600")};
+}
+
+void tst_QProcessHandler::argumentsArriveUnchanged()
+{
+    QFETCH(QStringList, arguments);
+
+    QProcessHandler handler;
+    QString expected;
+    for (const QString& argument : arguments) {
+        expected += hex(QFile::encodeName(argument)) + QLatin1Char('\n');
+    }
+    QCOMPARE(
+        handler.startProcess(testProgram(), QStringList(QStringLiteral("arguments")) + arguments),
+        0);
+    QCOMPARE(handler.getStandardOutput(), expected);
+}
+
+void tst_QProcessHandler::programIsFoundInThePath()
+{
+    const QByteArray before = qgetenv("PATH");
+    const QFileInfo program(testProgram());
+    qputenv("PATH", QFile::encodeName(program.path()));
+    QProcessHandler handler;
+    const int exitCode =
+        handler.startProcess(program.fileName(), {QStringLiteral("exit"), QStringLiteral("3")});
+    qputenv("PATH", before);
+    QCOMPARE(exitCode, 3);
+}
+
+void tst_QProcessHandler::programThatCannotBeStarted_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("shownArguments");
+
+    // A relative program is one in the row's folder.
+    QTest::newRow("unknown") << QStringLiteral("/nowhere/to/be/found") << QByteArray()
+                             << QStringList{QStringLiteral("a"), QStringLiteral("b c")}
+                             << QStringLiteral("a b c");
+    QTest::newRow("unknown in the path") << QStringLiteral("no-such-program-in-the-path")
+                                         << QByteArray() << QStringList() << QString();
+    QTest::newRow("quotation marks in the arguments")
+        << QStringLiteral("/nowhere") << QByteArray() << QStringList{QStringLiteral("\"a\"")}
+        << QStringLiteral("\\\"a\\\"");
+    QTest::newRow("empty arguments") << QStringLiteral("/nowhere") << QByteArray()
+                                     << QStringList{QString(), QString()} << QStringLiteral(" ");
+    QTest::newRow("not ASCII") << QStringLiteral("/nowhere/\u00e4") << QByteArray()
+                               << QStringList{QStringLiteral("\u20ac")} << QStringLiteral("\u20ac");
+    QTest::newRow("directory") << QStringLiteral("/") << QByteArray() << QStringList() << QString();
+    QTest::newRow("no permission to execute")
+        << QStringLiteral("script") << QByteArray("#!/bin/sh\n") << QStringList() << QString();
+    QTest::newRow("unknown interpreter")
+        << QStringLiteral("script") << QByteArray("#!/nowhere\n") << QStringList() << QString();
+    QTest::newRow("not a program")
+        << QStringLiteral("script") << QByteArray("text") << QStringList() << QString();
+}
+
+void tst_QProcessHandler::programThatCannotBeStarted()
+{
+    QFETCH(QString, program);
+    QFETCH(QByteArray, content);
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, shownArguments);
+
+    if (!content.isEmpty()) {
+        program = writeFile(program, content);
+        if (!content.contains("/bin/sh")) {
+            QVERIFY(QFile::setPermissions(program, QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+        }
+    }
+    QProcessHandler handler;
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}), 0);
+
+    expectWarning(
+        warningText(QStringLiteral("Timeout on starting command "), program, shownArguments));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(handler.startProcess(program, arguments), -1);
+    QVERIFY(timer.elapsed() < hangInMs);
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+    // QProcess knows of no crash.
+    QCOMPARE(handler.getLastExitStatus(), 0);
+
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), QStringLiteral("4")}), 4);
+}
+
+void tst_QProcessHandler::noProgramAtAll()
+{
+    const QString warning =
+        warningText(QStringLiteral("Timeout on starting command "), QString(), QStringLiteral("a"));
+    QProcessHandler handler;
+    // QProcess turns it down before it opens anything to read from.
+    expectNotOpen(2);
+    expectWarning(warning);
+    expectNotOpen(2);
+    QCOMPARE(handler.startProcess(QString(), {QStringLiteral("a")}), -1);
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+    QCOMPARE(handler.getLastExitStatus(), 0);
+
+    // Nothing started, so QProcess still has the exit status of the run before.
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("signal"), QStringLiteral("9")}),
+             9);
+    expectWarning(warning);
+    QCOMPARE(handler.startProcess(QString(), {QStringLiteral("a")}), -1);
+    QCOMPARE(handler.getLastExitStatus(), 1);
+}
+
+void tst_QProcessHandler::missingWorkingDirectory()
+{
+    QProcessHandler handler;
+    handler.setWorkingDirectory(path(QStringLiteral("missing")));
+    for (int i = 0; i < 2; ++i) {
+        expectWarning(warningText(QStringLiteral("Timeout on starting command "), testProgram(),
+                                  QStringLiteral("cwd")));
+        QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), -1);
+        QCOMPARE(handler.getLastExitStatus(), 0);
+    }
+    QVERIFY(QDir(folder()).mkdir(QStringLiteral("missing")));
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
+    QCOMPARE(handler.getStandardOutput(), path(QStringLiteral("missing")));
+}
+
+void tst_QProcessHandler::missingStandardInputFile()
+{
+    QProcessHandler handler;
+    handler.setStandardInputFile(path(QStringLiteral("missing")));
+    expectWarning(warningText(QStringLiteral("Timeout on starting command "), testProgram(),
+                              QStringLiteral("echo")));
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), -1);
+    QCOMPARE(handler.getLastExitStatus(), 0);
+
+    writeFile(QStringLiteral("missing"), "found");
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), 0);
+    QCOMPARE(handler.getStandardOutput(), QStringLiteral("found"));
+}
+
+void tst_QProcessHandler::startTimeout()
+{
+    const QString program = path(QStringLiteral("program"));
+    QVERIFY(QFile::copy(testProgram(), program));
+    HeldProgram held(program);
+    if (!held.isHeld()) {
+        MISCTOOLS_SKIP("needs file leases");
+    }
+    release();
+    const QString done = path(QStringLiteral("done"));
+    const QString text = QStringLiteral("Timeout on starting command ");
+
+    QProcessHandler handler;
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("signal"), QStringLiteral("9")}),
+             9);
+    handler.setWaitForStartedTimeout(50);
+    expectWarning(warningText(text, program, waiting().join(QLatin1Char(' '))));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(handler.startProcess(program, waiting()), -1);
+    QVERIFY(timer.elapsed() >= 50);
+    QVERIFY(timer.elapsed() < hangInMs);
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+    QCOMPARE(handler.getLastExitStatus(), 0);
+
+    // It still starts, so no other one can.
+    handler.setWaitForStartedTimeout(0);
+    messages().expect(QtWarningMsg, QStringLiteral("QProcess::start: Process is already running"));
+    expectWarning(warningText(text, QStringLiteral("other"), QString()));
+    QCOMPARE(handler.startProcess(QStringLiteral("other"), {}), -1);
+    QVERIFY(!QFile::exists(done));
+
+    held.release();
+    QTRY_VERIFY_WITH_TIMEOUT(!hasChildren(), hangInMs);
+    QVERIFY(QFile::exists(done));
+    handler.saveLastStates();
+    QCOMPARE(handler.getStandardOutput(), QStringLiteral("early outputlate output"));
+    QCOMPARE(handler.getStandardError(), QStringLiteral("early errorlate error"));
+
+    handler.setWaitForStartedTimeout(hangInMs);
+    QCOMPARE(handler.startProcess(program, {QStringLiteral("exit"), QStringLiteral("6")}), 6);
+}
+
+void tst_QProcessHandler::destructionKillsAProgramThatStarts()
+{
+    const QString program = path(QStringLiteral("program"));
+    QVERIFY(QFile::copy(testProgram(), program));
+    const HeldProgram held(program);
+    if (!held.isHeld()) {
+        MISCTOOLS_SKIP("needs file leases");
+    }
+    const int descriptors = openDescriptors();
+    {
+        QProcessHandler handler;
+        handler.setWaitForStartedTimeout(50);
+        expectWarning(warningText(QStringLiteral("Timeout on starting command "), program,
+                                  QStringLiteral("echo")));
+        QCOMPARE(handler.startProcess(program, {QStringLiteral("echo")}), -1);
+        expectDestroyedWhileRunning(program);
+    }
+    QVERIFY(!hasChildren());
+    QCOMPARE(openDescriptors(), descriptors);
+}
+
+void tst_QProcessHandler::finishTimeout()
+{
+    const QString done = path(QStringLiteral("done"));
+    QProcessHandler handler;
+    QElapsedTimer timer;
+    timer.start();
+    startWaiting(handler);
+    QVERIFY(timer.elapsed() >= shortTimeoutInMs);
+    QVERIFY(timer.elapsed() < hangInMs);
+    // The warning has taken the output.
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+    QCOMPARE(handler.getLastExitStatus(), 0);
+
+    // The program runs on.
+    QVERIFY(!QFile::exists(done));
+    QVERIFY(hasChildren());
+    release();
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(done), hangInMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!hasChildren(), hangInMs);
+}
+
+void tst_QProcessHandler::finishTimeoutShowsArguments_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("shown");
+
+    const QString echo = QStringLiteral("echo");
+    QTest::newRow("one") << QStringList{echo} << echo;
+    QTest::newRow("several") << QStringList{echo, QStringLiteral("a b"), QStringLiteral("\"")}
+                             << QStringLiteral("echo a b \\\"");
+    QTest::newRow("empty") << QStringList{echo, QString(), QString()} << QStringLiteral("echo  ");
+}
+
+void tst_QProcessHandler::finishTimeoutShowsArguments()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, shown);
+
+    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(), shown));
+    expectDestroyedWhileRunning();
+    QProcessHandler handler;
+    handler.setWaitForFinishedTimeout(50);
+    QCOMPARE(handler.startProcess(testProgram(), arguments), -1);
+}
+
+void tst_QProcessHandler::outputAfterATimeoutIsKept()
+{
+    QProcessHandler handler;
+    startWaiting(handler);
+    QVERIFY(handler.getStandardOutput().isNull());
+    release();
+    QTRY_VERIFY_WITH_TIMEOUT(!hasChildren(), hangInMs);
+    handler.saveLastStates();
+    QCOMPARE(handler.getStandardOutput(), QStringLiteral("late output"));
+    QCOMPARE(handler.getStandardError(), QStringLiteral("late error"));
+    QCOMPARE(handler.getLastExitStatus(), 0);
+}
+
+void tst_QProcessHandler::finishTimeoutOfNothing()
+{
+    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
+                              QStringLiteral("echo")));
+    expectDestroyedWhileRunning();
+    QProcessHandler handler;
+    handler.setWaitForFinishedTimeout(0);
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), -1);
+}
+
+void tst_QProcessHandler::negativeTimeoutsAreNone()
+{
+    QProcessHandler handler;
+    handler.setWaitForStartedTimeout(-1);
+    handler.setWaitForFinishedTimeout(-1);
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("delay"), QStringLiteral("200")}),
+             0);
+    QVERIFY(timer.elapsed() >= 200);
+    QCOMPARE(handler.getLastExitStatus(), 0);
+}
+
+void tst_QProcessHandler::secondStartWaitsForTheFirstProgram()
+{
+    QProcessHandler handler;
+    startWaiting(handler);
+    release();
+    handler.setWaitForFinishedTimeout(hangInMs);
+    messages().expect(QtWarningMsg, QStringLiteral("QProcess::start: Process is already running"));
+    // Code and output of the first one.
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), QStringLiteral("3")}), 7);
+    QCOMPARE(handler.getStandardOutput(), QStringLiteral("late output"));
+    QCOMPARE(handler.getStandardError(), QStringLiteral("late error"));
+    QCOMPARE(handler.getLastExitStatus(), 0);
+    QVERIFY(!hasChildren());
+
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), QStringLiteral("3")}), 3);
+    QVERIFY(handler.getStandardOutput().isNull());
+}
+
+void tst_QProcessHandler::secondStartTimesOutOnTheFirstProgram()
+{
+    QProcessHandler handler;
+    startWaiting(handler);
+    handler.setWaitForFinishedTimeout(50);
+    messages().expect(QtWarningMsg, QStringLiteral("QProcess::start: Process is already running"));
+    // It names the second one, which was never started.
+    expectWarning(warningText(QStringLiteral("Timeout from command "), QStringLiteral("other"),
+                              QStringLiteral("a b")));
+    QCOMPARE(
+        handler.startProcess(QStringLiteral("other"), {QStringLiteral("a"), QStringLiteral("b")}),
+        -1);
+    QCOMPARE(handler.getLastExitStatus(), 0);
+    expectDestroyedWhileRunning();
+}
+
+// What a program writes between two runs belongs to neither.
+void tst_QProcessHandler::startAfterALateEnd()
+{
+    QProcessHandler handler;
+    startWaiting(handler);
+    release();
+    QTRY_VERIFY_WITH_TIMEOUT(!hasChildren(), hangInMs);
+    handler.setWaitForFinishedTimeout(hangInMs);
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("new"), QString()}),
+             0);
+    QCOMPARE(handler.getStandardOutput(), QStringLiteral("new"));
+    QVERIFY(handler.getStandardError().isNull());
+}
+
+// A program that reads to the end never gets there.
+void tst_QProcessHandler::standardInputStaysOpen()
+{
+    QProcessHandler handler;
+    handler.setWaitForFinishedTimeout(shortTimeoutInMs);
+    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
+                              QStringLiteral("echo")));
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), -1);
+    QVERIFY(hasChildren());
+    expectDestroyedWhileRunning();
+}
+
+void tst_QProcessHandler::settingsPersist()
+{
+    QProcessHandler handler;
+    handler.setWorkingDirectory(folder());
+    handler.setStandardInputFile(writeFile(QStringLiteral("input"), QByteArray(100000, 'i')));
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
+        QCOMPARE(handler.getStandardOutput(), folder());
+        QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), 0);
+        QCOMPARE(handler.getStandardOutput(), QString(100000, QLatin1Char('i')));
+    }
+
+    handler.setWaitForFinishedTimeout(50);
+    expectWarning(warningText(QStringLiteral("Timeout on starting command "),
+                              QStringLiteral("/nowhere"), QString()));
+    QCOMPARE(handler.startProcess(QStringLiteral("/nowhere"), {}), -1);
+    const QStringList delay = {QStringLiteral("delay"), QString::number(hangInMs)};
+    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
+                              delay.join(QLatin1Char(' '))));
+    QCOMPARE(handler.startProcess(testProgram(), delay), -1);
+    expectDestroyedWhileRunning();
+}
+
+void tst_QProcessHandler::settingsCanBeTakenBack()
+{
+    QProcessHandler handler;
+    handler.setWorkingDirectory(folder());
+    handler.setWorkingDirectory(QString());
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
+    QCOMPARE(handler.getStandardOutput(), QDir::currentPath());
+
+    handler.setStandardInputFile(QStringLiteral("/dev/null"));
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), 0);
+    handler.setStandardInputFile(QString());
+    handler.setWaitForFinishedTimeout(50);
+    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
+                              QStringLiteral("echo")));
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), -1);
+    expectDestroyedWhileRunning();
+}
+
+void tst_QProcessHandler::resultsAreClearedByTheNextRun()
+{
+    QProcessHandler handler;
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}), 0);
+    QCOMPARE(handler.getStandardOutput(), QStringLiteral("a"));
+    QCOMPARE(handler.getStandardOutput(), QStringLiteral("a"));
+    QCOMPARE(handler.getStandardError(), QStringLiteral("b"));
+    QCOMPARE(handler.startProcess(testProgram(), {}), 0);
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+}
+
+// A message handler sees a run that has not ended.
+void tst_QProcessHandler::resultsAreClearedWhileTheProgramRuns()
+{
+    QProcessHandler handler;
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}), 0);
+    QCOMPARE(handler.getLastExitStatus(), 0);
+    int calls = 0;
+    messages().setObserver([&](const Message&) {
+        ++calls;
+        QVERIFY(handler.getStandardOutput().isNull());
+        QVERIFY(handler.getStandardError().isNull());
+        QCOMPARE(handler.getLastExitStatus(), 1);
+    });
+    expectWarning(warningText(QStringLiteral("Timeout on starting command "),
+                              QStringLiteral("/nowhere"), QString()));
+    QCOMPARE(handler.startProcess(QStringLiteral("/nowhere"), {}), -1);
+    QCOMPARE(calls, 1);
+}
+
+void tst_QProcessHandler::clearLastStatesAlone()
+{
+    QProcessHandler handler;
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}), 0);
+    handler.clearLastStates();
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+    QCOMPARE(handler.getLastExitStatus(), 1);
+}
+
+// The output was read; the exit status is still there.
+void tst_QProcessHandler::saveLastStatesAlone()
+{
+    QProcessHandler handler;
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}), 0);
+    handler.clearLastStates();
+    handler.saveLastStates();
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+    QCOMPARE(handler.getLastExitStatus(), 0);
+}
+
+void tst_QProcessHandler::saveLastStatesBeforeTheFirstRun()
+{
+    QProcessHandler handler;
+    expectNotOpen(2);
+    handler.saveLastStates();
+    QVERIFY(handler.getStandardOutput().isNull());
+    QVERIFY(handler.getStandardError().isNull());
+    QCOMPARE(handler.getLastExitStatus(), 0);
+}
+
+void tst_QProcessHandler::destructionKillsTheProgram()
+{
+    const QString processIdFile = path(QStringLiteral("pid"));
+    const int descriptors = openDescriptors();
+    pid_t processId = 0;
+    {
+        QProcessHandler handler;
+        handler.setWaitForFinishedTimeout(50);
+        const QStringList arguments = {QStringLiteral("stay"), processIdFile};
+        expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
+                                  arguments.join(QLatin1Char(' '))));
+        QCOMPARE(handler.startProcess(testProgram(), arguments), -1);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(processIdFile), hangInMs);
+        processId = readFile(processIdFile).toInt();
+        QVERIFY(processId > 0);
+        QCOMPARE(kill(processId, 0), 0);
+        expectDestroyedWhileRunning();
+    }
+    // Not even a zombie.
+    QCOMPARE(kill(processId, 0), -1);
+    QCOMPARE(errno, ESRCH);
+    QVERIFY(!hasChildren());
+    QCOMPARE(openDescriptors(), descriptors);
+}
+
+void tst_QProcessHandler::thousandRunsLeaveNothingBehind()
+{
+    QProcessHandler handler;
+    QCOMPARE(handler.startProcess(testProgram(), {}), 0);
+    const int descriptors = openDescriptors();
+    for (int i = 0; i < 1000; ++i) {
+        if (i % 10 == 0) {
+            expectWarning(warningText(QStringLiteral("Timeout on starting command "),
+                                      QStringLiteral("/nowhere"), QString()));
+            QCOMPARE(handler.startProcess(QStringLiteral("/nowhere"), {}), -1);
+        } else if (i % 10 == 5) {
+            QProcessHandler other;
+            QCOMPARE(
+                other.startProcess(testProgram(), {QStringLiteral("exit"), QStringLiteral("5")}),
+                5);
+        } else {
+            QCOMPARE(
+                handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}),
+                0);
+        }
+        QVERIFY(!hasChildren());
+    }
+    QCOMPARE(openDescriptors(), descriptors);
+}
+
+QTEST_GUILESS_MAIN(tst_QProcessHandler)
+#include "tst_QProcessHandler.moc"
