@@ -147,6 +147,8 @@ int waitForFile(const std::string& go, const std::string& done)
 
 int main(int argc, char* argv[])
 {
+    // It does not outlive for long a test that was killed.
+    alarm(60);
     const Arguments arguments(argv, argv + argc);
     const std::string command = argc > 1 ? arguments[1] : std::string();
     if (command == "exit" && argc == 3) {
