@@ -5,6 +5,7 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
+#include <QtCore/QTextCodec>
 
 #include <cerrno>
 #include <csignal>
@@ -114,6 +115,7 @@ private Q_SLOTS:
     void deathBySignal();
     void outputIsDecoded_data();
     void outputIsDecoded();
+    void outputIsUtf8InEveryLocale();
     void largeOutput_data();
     void largeOutput();
     void argumentsArriveUnchanged_data();
@@ -290,6 +292,19 @@ void tst_QProcessHandler::outputIsDecoded()
     QCOMPARE(handler.startProcess(testProgram(), {write, hex("other"), hex(bytes)}), 0);
     QCOMPARE(handler.getStandardOutput(), other);
     QVERIFY2(check(handler.getStandardError(), text), qPrintable(handler.getStandardError()));
+}
+
+void tst_QProcessHandler::outputIsUtf8InEveryLocale()
+{
+    QTextCodec* const before = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    QProcessHandler handler;
+    const int exitCode = handler.startProcess(
+        testProgram(), {QStringLiteral("write"), hex("\xc3\xa4"), hex("\xc3\xb6")});
+    QTextCodec::setCodecForLocale(before);
+    QCOMPARE(exitCode, 0);
+    QCOMPARE(handler.getStandardOutput(), QStringLiteral("\u00e4"));
+    QCOMPARE(handler.getStandardError(), QStringLiteral("\u00f6"));
 }
 
 void tst_QProcessHandler::largeOutput_data()

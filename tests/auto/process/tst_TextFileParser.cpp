@@ -7,6 +7,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QTextCodec>
 
 #include <cstdio>
 
@@ -125,6 +126,7 @@ class tst_TextFileParser : public TestCase
 private Q_SLOTS:
     void decodesTheFile_data();
     void decodesTheFile();
+    void fileIsUtf8InEveryLocale();
     void readsFilesWithoutASize();
     void readsLargeFiles();
     void keepsTheContentOfItsConstruction();
@@ -205,6 +207,15 @@ void tst_TextFileParser::decodesTheFile()
     QCOMPARE(actual.isNull(), content.isNull());
     QVERIFY(!parser.hasError());
     QVERIFY(parser.getLastError().isNull());
+}
+
+void tst_TextFileParser::fileIsUtf8InEveryLocale()
+{
+    QTextCodec* const before = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    TextFileParser parser(writeFile(QStringLiteral("file"), "\xc3\xa4"));
+    QTextCodec::setCodecForLocale(before);
+    QCOMPARE(contentOf(parser), QStringLiteral("\u00e4"));
 }
 
 // The kernel's files give their size as 0.
