@@ -1,0 +1,58 @@
+#include "ProgressDisplay.h"
+
+#include "common/CommandLine.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace {
+
+// One column stays free: a full line would make some terminals begin the next.
+int usableColumns()
+{
+    constexpr int usualColumns = 80;
+
+    winsize size = {};
+    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    return (isKnown ? size.ws_col : usualColumns) - 1;
+}
+
+void redraw(const QString& text)
+{
+    std::fputs((QLatin1Char('\r') + text).toUtf8().constData(), stdout);
+    std::fflush(stdout);
+}
+
+} // namespace
+
+ProgressDisplay::ProgressDisplay() : m_isLive(isatty(STDOUT_FILENO) != 0), m_statusWidth(0) {}
+
+bool ProgressDisplay::isLive() const
+{
+    return m_isLive;
+}
+
+void ProgressDisplay::showEvent(const QString& line)
+{
+    clearStatus();
+    CommandLine::print(line);
+}
+
+void ProgressDisplay::showStatus(const QString& text)
+{
+    if (!m_isLive) {
+        return;
+    }
+    const QString fitting = text.left(usableColumns());
+    // Blanks cover what is left of a longer line.
+    redraw(fitting.leftJustified(m_statusWidth));
+    m_statusWidth = fitting.size();
+}
+
+void ProgressDisplay::clearStatus()
+{
+    if (m_statusWidth > 0) {
+        redraw(QString(m_statusWidth, QLatin1Char(' ')) + QLatin1Char('\r'));
+        m_statusWidth = 0;
+    }
+}

@@ -1,0 +1,33 @@
+#ifndef EXAMPLES_PROGRESSDISPLAY_H
+#define EXAMPLES_PROGRESSDISPLAY_H
+
+#include <QtCore/QString>
+
+/*
+ * Standard output as a place for progress. On a terminal the last line is redrawn in place; it
+ * needs no more of the terminal than a carriage return, which a serial console has too. In a pipe
+ * or a file there are only the lines that stay.
+ */
+class ProgressDisplay
+{
+public:
+    ProgressDisplay();
+
+    // Whether there is a line that can be redrawn.
+    bool isLive() const;
+
+    // A line that stays.
+    void showEvent(const QString& line);
+
+    // Redraws the last line; nothing in a pipe.
+    void showStatus(const QString& text);
+
+    // Takes the redrawn line away.
+    void clearStatus();
+
+private:
+    bool m_isLive;
+    int m_statusWidth;
+};
+
+#endif
