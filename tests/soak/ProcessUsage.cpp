@@ -1,0 +1,70 @@
+#include "ProcessUsage.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QStringList>
+
+#include <malloc.h>
+#include <unistd.h>
+
+namespace {
+
+QByteArray readAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList entries(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+}
+
+long countInotifyWatches()
+{
+    long watches = 0;
+    const QString folder = QStringLiteral("/proc/self/fdinfo/");
+    for (const QString& descriptor : entries(folder)) {
+        watches += readAll(folder + descriptor).count("inotify wd:");
+    }
+    return watches;
+}
+
+// The parent is the second field behind the name, which ends in the last parenthesis.
+bool isChild(const QString& process)
+{
+    const QByteArray stat = readAll(QStringLiteral("/proc/%1/stat").arg(process));
+    return stat.mid(stat.lastIndexOf(')') + 2).split(' ').value(1).toLong() == getpid();
+}
+
+long countChildren()
+{
+    long children = 0;
+    for (const QString& process : entries(QStringLiteral("/proc"))) {
+        bool isProcess = false;
+        process.toInt(&isProcess);
+        children += isProcess && isChild(process) ? 1 : 0;
+    }
+    return children;
+}
+
+long readResidentInKiB()
+{
+    const QByteArray pages = readAll(QStringLiteral("/proc/self/statm")).split(' ').value(1);
+    return pages.toLong() * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+} // namespace
+
+ProcessUsage ProcessUsage::now()
+{
+    ProcessUsage usage;
+    usage.descriptors = entries(QStringLiteral("/proc/self/fd")).size();
+    usage.threads = entries(QStringLiteral("/proc/self/task")).size();
+    usage.children = countChildren();
+    usage.inotifyWatches = countInotifyWatches();
+    usage.heapInKiB = static_cast<long>(mallinfo2().uordblks / 1024);
+    usage.residentInKiB = readResidentInKiB();
+    return usage;
+}

@@ -1,0 +1,317 @@
+// Uses the classes that hold descriptors, threads, processes and watches over and over, and shows
+// that this process holds no more of them at the end than in the middle.
+#include "ProcessUsage.h"
+
+#include <DirectoryWatcher.h>
+#include <MediaWatcher.h>
+#include <QProcessHandler.h>
+#include <RecursiveFileSearchWorkerThread.h>
+#include <TextFileParser.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QEventLoop>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QThreadPool>
+#include <QtCore/QTimer>
+#include <QtCore/QVector>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+
+#include <unistd.h>
+
+namespace {
+
+enum ExitCode
+{
+    Flat = 0,
+    Grown = 1,
+    WrongUsage = 2,
+    WrongResult = 3
+};
+
+constexpr int defaultSeconds = 6;
+constexpr int samplesPerThird = 12;
+constexpr int longWhileInMs = 20000;
+constexpr int subFolders = 4;
+constexpr int filesPerFolder = 5;
+
+// A sanitizer keeps freed memory for later and has its own heap; it finds leaks by itself.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isMemoryJudged = false;
+#else
+constexpr bool isMemoryJudged = true;
+#endif
+
+std::atomic<int> libraryWarnings{0};
+
+void countWarning(QtMsgType, const QMessageLogContext& context, const QString&)
+{
+    // Qt's own have no file here; the library's always have one.
+    if (context.file != nullptr) {
+        ++libraryWarnings;
+    }
+}
+
+// What goes wrong is said once and ends the run.
+class Failure
+{
+public:
+    explicit Failure(const char* what) : m_what(what) {}
+    const char* what() const { return m_what; }
+
+private:
+    const char* m_what;
+};
+
+void require(bool isRight, const char* what)
+{
+    if (!isRight) {
+        throw Failure(what);
+    }
+}
+
+bool touch(const QString& path)
+{
+    return QFile(path).open(QIODevice::WriteOnly);
+}
+
+void makeTree(const QString& root)
+{
+    for (int i = 0; i < subFolders; ++i) {
+        const QString folder = QStringLiteral("%1/folder%2").arg(root).arg(i);
+        require(QDir().mkpath(folder), "a folder of the tree cannot be made");
+        for (int j = 0; j < filesPerFolder; ++j) {
+            require(touch(QStringLiteral("%1/file%2.txt").arg(folder).arg(j)),
+                    "a file of the tree cannot be made");
+        }
+    }
+}
+
+// Runs action, then the event loop until signal comes.
+template <typename Sender, typename Signal, typename Action>
+void awaitSignal(Sender* sender, Signal signal, const Action& action, const char* trouble)
+{
+    QEventLoop loop;
+    QTimer guard;
+    guard.setSingleShot(true);
+    QObject::connect(sender, signal, &loop, &QEventLoop::quit, Qt::QueuedConnection);
+    QObject::connect(&guard, &QTimer::timeout, &loop, [&loop] { loop.exit(1); });
+    guard.start(longWhileInMs);
+    action();
+    require(loop.exec() == 0, trouble);
+}
+
+void watchDirectories(const QString& root)
+{
+    DirectoryWatcher watcher(root);
+    watcher.setDelayInMs(1);
+    for (int i = 0; i < subFolders; ++i) {
+        require(watcher.addPath(QStringLiteral("%1/folder%2").arg(root).arg(i)),
+                "a folder cannot be watched");
+    }
+    const QString file = root + QStringLiteral("/folder0/new.tmp");
+    const char* const trouble = "a change was not noticed";
+    awaitSignal(
+        &watcher, &DirectoryWatcher::directoryChanged, [&] { touch(file); }, trouble);
+    awaitSignal(
+        &watcher, &DirectoryWatcher::directoryChanged, [&] { QFile::remove(file); }, trouble);
+    // And one that goes while it holds a burst.
+    watcher.directoryGotChanged(root);
+}
+
+void searchInPool(const QString& root, QThreadPool& pool)
+{
+    int found = 0;
+    auto* worker = new RecursiveFileSearchWorkerThread(root, QStringList(QStringLiteral("*.txt")));
+    QObject receiver;
+    QObject::connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, &receiver,
+                     [&found](const QStringList& result) { found = result.size(); });
+    awaitSignal(
+        worker, &RecursiveFileSearchWorkerThread::searchFinished, [&] { pool.start(worker); },
+        "a search did not end");
+    require(found == subFolders * filesPerFolder, "a search in the pool found something else");
+}
+
+void searchMedium(const QString& root)
+{
+    int found = 0;
+    MediaWatcher watcher(nullptr);
+    watcher.setFileMatchPatternList({QStringLiteral("*.txt"), QStringLiteral("folder*")});
+    QObject::connect(&watcher, &MediaWatcher::filesFound,
+                     [&found](const QFileInfoList& files) { found = files.size(); });
+    watcher.mediumMounted(root);
+    require(found == subFolders, "the top of a medium holds something else");
+    watcher.setRecursive(true);
+    watcher.mediumMounted(root);
+    require(found == subFolders * (filesPerFolder + 1), "a medium holds something else");
+}
+
+void runPrograms()
+{
+    QProcessHandler handler;
+    require(handler.startProcess(QStringLiteral("true"), {}) == 0, "true gave something else");
+    require(handler.startProcess(QStringLiteral("echo"), {QStringLiteral("text")}) == 0 &&
+                handler.getStandardOutput() == QLatin1String("text\n"),
+            "echo gave something else");
+    require(handler.startProcess(QStringLiteral("/nonexistent/program"), {}) == -1,
+            "a missing program was started");
+    // Still runs when the handler goes.
+    handler.setWaitForFinishedTimeout(1);
+    require(handler.startProcess(QStringLiteral("sleep"), {QStringLiteral("100")}) == -1,
+            "sleep did not time out");
+}
+
+void parseText(const QString& root)
+{
+    const QString path = root + QStringLiteral("/version");
+    QFile file(path);
+    require(file.open(QIODevice::WriteOnly) && file.write("version=1\nversion=2\n") > 0,
+            "a text file cannot be written");
+    file.close();
+    TextFileParser parser(path);
+    require(parser.multiMatch(QRegularExpression(QStringLiteral("version=(\\d)"))) ==
+                QStringList({QStringLiteral("1"), QStringLiteral("2")}),
+            "a text file matches something else");
+    require(parser.match(QRegularExpression(QStringLiteral("("))).isNull(),
+            "an invalid expression matches");
+    require(TextFileParser(root + QStringLiteral("/none")).hasError(), "a missing file was read");
+    require(QFile::remove(path), "a text file cannot be removed");
+}
+
+void runRound(const QString& root, QThreadPool& pool)
+{
+    constexpr int warningsPerRound = 5;
+
+    const int warningsBefore = libraryWarnings;
+    watchDirectories(root);
+    searchInPool(root, pool);
+    searchMedium(root);
+    runPrograms();
+    parseText(root);
+    // The pool deletes a worker after its signal came.
+    require(pool.waitForDone(longWhileInMs), "the pool is still at work");
+    QCoreApplication::processEvents();
+    require(libraryWarnings - warningsBefore == warningsPerRound,
+            "the library warned of something else");
+}
+
+struct Figure
+{
+    const char* name;
+    long ProcessUsage::*member;
+    long slack; // what the end may have more than the middle
+    bool isJudged;
+};
+
+const QVector<Figure>& figures()
+{
+    static const QVector<Figure> theFigures = {
+        {"descriptors", &ProcessUsage::descriptors, 0, true},
+        {"threads", &ProcessUsage::threads, 0, true},
+        {"children", &ProcessUsage::children, 0, true},
+        {"inotify watches", &ProcessUsage::inotifyWatches, 0, true},
+        {"heap, KiB", &ProcessUsage::heapInKiB, 2, isMemoryJudged},
+        {"resident, KiB", &ProcessUsage::residentInKiB, 512, isMemoryJudged},
+    };
+    return theFigures;
+}
+
+// The largest of a third of the samples; third 0 is the warm-up.
+long largest(const QVector<ProcessUsage>& samples, int third, long ProcessUsage::*member)
+{
+    const auto begin = samples.constBegin() + third * samples.size() / 3;
+    const auto end = samples.constBegin() + (third + 1) * samples.size() / 3;
+    return (*std::max_element(begin, end,
+                              [member](const auto& left, const auto& right) {
+                                  return left.*member < right.*member;
+                              })).*
+           member;
+}
+
+// Prints the table; tells whether anything has grown.
+bool report(const QVector<ProcessUsage>& samples)
+{
+    bool hasGrown = false;
+    std::printf("%-16s %8s %8s %8s  verdict\n", "", "start", "middle", "end");
+    for (const Figure& figure : figures()) {
+        const long middle = largest(samples, 1, figure.member);
+        const long end = largest(samples, 2, figure.member);
+        const bool isGrown = figure.isJudged && end > middle + figure.slack;
+        const char* const verdict = isGrown ? "GROWN" : "flat";
+        std::printf("%-16s %8ld %8ld %8ld  %s\n", figure.name, samples.constFirst().*figure.member,
+                    middle, end, figure.isJudged ? verdict : "not judged under a sanitizer");
+        hasGrown |= isGrown;
+    }
+    return hasGrown;
+}
+
+ExitCode soak(int seconds)
+{
+    const qint64 durationInMs = qint64(seconds) * 1000;
+    const qint64 sampleIntervalInMs = durationInMs / (3 * samplesPerThird);
+
+    const QTemporaryDir folder;
+    require(folder.isValid(), "there is no temporary folder");
+    makeTree(folder.path());
+    QThreadPool pool;
+    pool.setMaxThreadCount(2);
+    pool.setExpiryTimeout(-1); // a thread that comes and goes would be no leak
+
+    QVector<ProcessUsage> samples;
+    samples.reserve(4 * samplesPerThird);
+    QElapsedTimer clock;
+    clock.start();
+    int rounds = 0;
+    while (clock.elapsed() < durationInMs) {
+        runRound(folder.path(), pool);
+        ++rounds;
+        if (clock.elapsed() >= sampleIntervalInMs * samples.size()) {
+            samples.append(ProcessUsage::now());
+        }
+    }
+    std::printf("soak: %d rounds, %d samples, %.1f s\n", rounds, samples.size(),
+                double(clock.elapsed()) / 1000);
+    require(samples.size() >= 2 * samplesPerThird, "too few samples: give it more seconds");
+    return report(samples) ? Grown : Flat;
+}
+
+// The heap keeps freed blocks at hand, which count as allocated and whose number grows for minutes.
+// Without them its size is exact. That is set before a program starts.
+void restartWithPlainHeap(char* argv[])
+{
+    constexpr const char* name = "GLIBC_TUNABLES";
+
+    if (!qEnvironmentVariableIsSet(name)) {
+        qputenv(name, "glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0");
+        execv("/proc/self/exe", argv);
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    restartWithPlainHeap(argv);
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments().mid(1);
+    const int seconds = arguments.isEmpty() ? defaultSeconds : arguments.constFirst().toInt();
+    if (arguments.size() > 1 || seconds < 1) {
+        std::fprintf(stderr,
+                     "usage: soak [SECONDS]  (default %d)\n"
+                     "exit codes: 0 flat, 1 something has grown, 2 wrong usage, 3 a wrong result\n",
+                     defaultSeconds);
+        return WrongUsage;
+    }
+    qInstallMessageHandler(countWarning);
+    try {
+        return soak(seconds);
+    } catch (const Failure& failure) {
+        std::fprintf(stderr, "soak: %s\n", failure.what());
+        return WrongResult;
+    }
+}
