@@ -76,7 +76,7 @@ bool MediumWatch::start()
     m_mediaWatcher.mediumMounted(m_options.folder);
     m_display.showEvent(
         QStringLiteral("%1: %2 (%3)")
-            .arg(CommandLine::printable(m_options.folder), count(m_files.size(), "file"),
+            .arg(CommandLine::printable(m_options.name), count(m_files.size(), "file"),
                  CommandLine::printable(m_options.patterns.join(QLatin1Char(' ')))));
     showFiles("  ", m_files);
     if (m_display.isLive()) {
@@ -298,7 +298,7 @@ void MediumWatch::finish(ExitCode exitCode)
     m_display.clearStatus();
     if (exitCode == MediumGone) {
         CommandLine::complain(
-            QStringLiteral("%1 is gone").arg(CommandLine::printable(m_options.folder)));
+            QStringLiteral("%1 is gone").arg(CommandLine::printable(m_options.name)));
         m_files.clear();
     }
     m_display.showEvent(QStringLiteral("Summary: %1, %2 new since the start, %3 gone, %4, %5")

@@ -24,7 +24,8 @@ enum ExitCode
 
 struct WatchOptions
 {
-    QString folder;
+    QString name;   // of the folder, as the user gave it
+    QString folder; // absolute: a search of a relative one gives no paths relative to it
     QStringList patterns;
     bool isRecursive = false;
     int delayInMs = 500;

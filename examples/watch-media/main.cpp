@@ -155,6 +155,7 @@ int main(int argc, char* argv[])
         CommandLine::complainOfUsage(QStringLiteral("exactly one FOLDER is needed"));
         return WrongUsage;
     }
-    options.folder = QDir::cleanPath(parser.positionalArguments().constFirst());
-    return checkFolder(options.folder) ? watch(options) : NoMedium;
+    options.name = parser.positionalArguments().constFirst();
+    options.folder = QDir::cleanPath(QDir().absoluteFilePath(options.name));
+    return checkFolder(options.name) ? watch(options) : NoMedium;
 }

@@ -1,0 +1,53 @@
+#include "ProgramRun.h"
+
+#include <QtCore/QElapsedTimer>
+
+namespace {
+
+constexpr int longWhileInMs = 30000;
+
+} // namespace
+
+ProgramRun::ProgramRun(const QString& program, const QStringList& arguments, const QString& folder)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    environment.insert(QStringLiteral("TMPDIR"), folder);
+    m_process.setProcessEnvironment(environment);
+    m_process.setWorkingDirectory(folder);
+    m_process.start(program, arguments);
+}
+
+bool ProgramRun::waitForOutput(const QString& text)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!m_output.contains(text.toUtf8()) && clock.elapsed() < longWhileInMs) {
+        const bool hasMore = m_process.waitForReadyRead(longWhileInMs);
+        m_output += m_process.readAllStandardOutput();
+        if (!hasMore) {
+            break;
+        }
+    }
+    return m_output.contains(text.toUtf8());
+}
+
+bool ProgramRun::isRunning() const
+{
+    return m_process.state() == QProcess::Running;
+}
+
+ProgramResult ProgramRun::finish()
+{
+    ProgramResult result;
+    const bool isFinished =
+        m_process.state() == QProcess::NotRunning || m_process.waitForFinished(longWhileInMs);
+    if (isFinished && m_process.error() != QProcess::FailedToStart &&
+        m_process.exitStatus() == QProcess::NormalExit) {
+        result.exitCode = m_process.exitCode();
+    }
+    m_output += m_process.readAllStandardOutput();
+    result.output = QString::fromUtf8(m_output);
+    result.errors = QString::fromUtf8(m_process.readAllStandardError());
+    return result;
+}

@@ -1,0 +1,33 @@
+#ifndef TESTS_PROGRAMRUN_H
+#define TESTS_PROGRAMRUN_H
+
+#include <QtCore/QProcess>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+// What a run of an example program leaves behind.
+struct ProgramResult
+{
+    int exitCode = -1; // also of one that did not end by itself
+    QString output;
+    QString errors;
+};
+
+// A run of an example program in a folder, which also takes its temporary files.
+class ProgramRun
+{
+public:
+    ProgramRun(const QString& program, const QStringList& arguments, const QString& folder);
+
+    // Waits until the program has written text on its standard output.
+    bool waitForOutput(const QString& text);
+    bool isRunning() const;
+    // Waits for the end.
+    ProgramResult finish();
+
+private:
+    QProcess m_process;
+    QByteArray m_output;
+};
+
+#endif

@@ -1,0 +1,266 @@
+#include "ProgramRun.h"
+#include "TestCase.h"
+
+#include <QtCore/QDir>
+
+#include <cerrno>
+#include <csignal>
+
+namespace {
+
+const QString program = QStringLiteral(RUN_AND_GREP_PROGRAM);
+const QString hint = QStringLiteral("run-and-grep: try --help\n");
+
+} // namespace
+
+// The example program that matches expressions over a command's output or a file.
+class tst_RunAndGrep : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void matchesAFile_data();
+    void matchesAFile();
+    void runsACommand_data();
+    void runsACommand();
+    void keepsTheOutput();
+    void keepsTheOldFileWhenTheCommandFails();
+    void leavesNothingBehind();
+    void stopsACommandThatTakesTooLong();
+    void verboseShowsWhatTheLibraryLogs();
+    void refusesWhatItCannotUse_data();
+    void refusesWhatItCannotUse();
+    void helpNamesEveryExitCode();
+
+private:
+    ProgramResult run(const QStringList& arguments) const
+    {
+        return ProgramRun(program, arguments, folder()).finish();
+    }
+    void verifyRun(const QStringList& arguments, int exitCode, const QString& output,
+                   const QString& errors);
+};
+
+void tst_RunAndGrep::verifyRun(const QStringList& arguments, int exitCode, const QString& output,
+                               const QString& errors)
+{
+    const ProgramResult result = run(arguments);
+    QCOMPARE(result.errors, errors);
+    QCOMPARE(result.output, output);
+    QCOMPARE(result.exitCode, exitCode);
+}
+
+void tst_RunAndGrep::matchesAFile_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output");
+
+    QTest::newRow("whole matches")
+        << QStringList{"-e", "version=\\S+"} << 0 << "version=1.2\nversion=3\n";
+    QTest::newRow("first group") << QStringList{"-e", "version=(\\S+)"} << 0 << "1.2\n3\n";
+    QTest::newRow("first match") << QStringList{"--first", "-e", "version=(\\S+)"} << 0 << "1.2\n";
+    QTest::newRow("several expressions, first match of each")
+        << QStringList{"--first", "-e", "version=(\\S+)", "--expression", "\\w+$"} << 0
+        << "version=(\\S+): 1.2\n\\w+$: alpha\n";
+    QTest::newRow("several expressions, one without a match")
+        << QStringList{"-e", "none", "-e", "^beta"} << 0 << "^beta: beta\n";
+    QTest::newRow("ends of lines") << QStringList{"-e", "^\\w+$"} << 0 << "alpha\n";
+    QTest::newRow("across lines") << QStringList{"-e", "alpha\\nbeta"} << 0 << "alpha\\nbeta\n";
+    QTest::newRow("letters beyond ASCII") << QStringList{"-e", QString::fromUtf8("caf\xc3\xa9")}
+                                          << 0 << QString::fromUtf8("caf\xc3\xa9\n");
+    QTest::newRow("expression that looks like an option")
+        << QStringList{"-e", "-dash"} << 0 << "-dash\n";
+    QTest::newRow("no match") << QStringList{"-e", "none"} << 1 << "";
+}
+
+void tst_RunAndGrep::matchesAFile()
+{
+    QFETCH(QStringList, options);
+    QFETCH(int, exitCode);
+    QFETCH(QString, output);
+
+    writeFile(QStringLiteral("text"),
+              "alpha\r\nbeta version=1.2\nx-dash version=3 caf\xc3\xa9 .\n");
+    verifyRun(options + QStringList(QStringLiteral("text")), exitCode, output, QString());
+}
+
+void tst_RunAndGrep::runsACommand_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("errors");
+
+    QTest::newRow("match") << QStringList{"-e", "b+", "--", "echo", "abba"} << 0 << "bb\n"
+                           << "run-and-grep: echo ended with exit code 0\n";
+    QTest::newRow("no match") << QStringList{"-e", "c", "--", "echo", "abba"} << 1 << ""
+                              << "run-and-grep: echo ended with exit code 0\n";
+    QTest::newRow("another exit code")
+        << QStringList{"-e", "a", "--", "sh", "-c", "echo a; exit 7"} << 0 << "a\n"
+        << "run-and-grep: sh ended with exit code 7\n";
+    QTest::newRow("arguments as they are")
+        << QStringList{"-e", ".+", "--", "printf", "%s\n", "a  b", "--", "-e", "$HOME"} << 0
+        << "a  b\n--\n-e\n$HOME\n"
+        << "run-and-grep: printf ended with exit code 0\n";
+    QTest::newRow("standard error behind standard output")
+        << QStringList{"-e", "^.*$", "--", "sh", "-c", "echo error >&2; printf output"} << 0
+        << "output\nerror\n"
+        << "run-and-grep: sh ended with exit code 0\n";
+    QTest::newRow("standard error alone")
+        << QStringList{"-e", ".+", "--", "sh", "-c", "echo error >&2"} << 0 << "error\n"
+        << "run-and-grep: sh ended with exit code 0\n";
+    QTest::newRow("standard input has nothing") << QStringList{"-e", "x", "--", "cat"} << 1 << ""
+                                                << "run-and-grep: cat ended with exit code 0\n";
+    QTest::newRow("crash") << QStringList{"-e", "a", "--", "sh", "-c", "echo a; kill -SEGV $$"} << 4
+                           << "a\n"
+                           << "run-and-grep: sh crashed with signal 11\n";
+    QTest::newRow("unknown program")
+        << QStringList{"-e", "a", "--", "no-such-program"} << 3 << ""
+        << "run-and-grep: cannot start no-such-program: no such program\n";
+    QTest::newRow("file that is no program")
+        << QStringList{"-e", "a", "--", "./text"} << 3 << ""
+        << "run-and-grep: cannot start ./text: not an executable program\n";
+    QTest::newRow("time-out") << QStringList{"-e", "a", "--timeout", "50", "--", "sleep", "60"} << 3
+                              << ""
+                              << "run-and-grep: sleep did not end within 50 ms and was stopped\n";
+}
+
+void tst_RunAndGrep::runsACommand()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QString, output);
+    QFETCH(QString, errors);
+
+    writeFile(QStringLiteral("text"), "a\n");
+    verifyRun(arguments, exitCode, output, errors);
+}
+
+void tst_RunAndGrep::keepsTheOutput()
+{
+    writeFile(QStringLiteral("kept"), "something older that is longer\n");
+    verifyRun({QStringLiteral("--output"), QStringLiteral("kept"), QStringLiteral("-e"),
+               QStringLiteral("none"), QStringLiteral("--"), QStringLiteral("echo"),
+               QString::fromUtf8("\xc3\xa9")},
+              1, QString(), QStringLiteral("run-and-grep: echo ended with exit code 0\n"));
+    QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("\xc3\xa9\n"));
+    QCOMPARE(QDir(folder()).entryList(QDir::Files | QDir::Hidden),
+             QStringList(QStringLiteral("kept")));
+}
+
+void tst_RunAndGrep::keepsTheOldFileWhenTheCommandFails()
+{
+    writeFile(QStringLiteral("kept"), "older\n");
+    const ProgramResult result =
+        run({QStringLiteral("--output"), QStringLiteral("kept"), QStringLiteral("-e"),
+             QStringLiteral("older"), QStringLiteral("--"), QStringLiteral("no-such-program")});
+    QCOMPARE(result.exitCode, 3);
+    QCOMPARE(result.output, QString());
+    QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("older\n"));
+}
+
+void tst_RunAndGrep::leavesNothingBehind()
+{
+    // The row's folder takes the temporary files as well.
+    const ProgramResult result = run({QStringLiteral("-e"), QStringLiteral("."),
+                                      QStringLiteral("--"), QStringLiteral("ls"), folder()});
+    QCOMPARE(result.exitCode, 1);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
+}
+
+void tst_RunAndGrep::stopsACommandThatTakesTooLong()
+{
+    const ProgramResult result =
+        run({QStringLiteral("-e"), QStringLiteral("a"), QStringLiteral("--timeout"),
+             QStringLiteral("1000"), QStringLiteral("--"), QStringLiteral("sh"),
+             QStringLiteral("-c"), QStringLiteral("echo $$ >pid; exec sleep 60")});
+    QCOMPARE(result.exitCode, 3);
+    const int pid = readFile(path(QStringLiteral("pid"))).trimmed().toInt();
+    QVERIFY(pid > 0);
+    QVERIFY(kill(pid, 0) == -1 && errno == ESRCH);
+}
+
+void tst_RunAndGrep::verboseShowsWhatTheLibraryLogs()
+{
+    verifyRun({QStringLiteral("--verbose"), QStringLiteral("-e"), QStringLiteral("a"),
+               QStringLiteral("none")},
+              5, QString(),
+              QStringLiteral("run-and-grep: log: TextFileParser: \"File doesn't exists: none\"\n"
+                             "run-and-grep: cannot read none: no such file\n"));
+}
+
+void tst_RunAndGrep::refusesWhatItCannotUse_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("errors");
+
+    const QString neither =
+        "run-and-grep: needs either '-- PROGRAM [ARGUMENTS]' or exactly one FILE\n" + hint;
+    QTest::newRow("nothing") << QStringList() << 2
+                             << "run-and-grep: an expression is needed: -e EXPRESSION\n" + hint;
+    QTest::newRow("no expression")
+        << QStringList{"text"} << 2
+        << "run-and-grep: an expression is needed: -e EXPRESSION\n" + hint;
+    QTest::newRow("option without its value")
+        << QStringList{"text", "-e"} << 2 << "run-and-grep: Missing value after '-e'.\n" + hint;
+    QTest::newRow("unknown option") << QStringList{"--foo", "-e", "a", "text"} << 2
+                                    << "run-and-grep: Unknown option 'foo'.\n" + hint;
+    QTest::newRow("neither program nor file") << QStringList{"-e", "a"} << 2 << neither;
+    QTest::newRow("empty command") << QStringList{"-e", "a", "--"} << 2 << neither;
+    QTest::newRow("two files") << QStringList{"-e", "a", "text", "text"} << 2 << neither;
+    QTest::newRow("file and program")
+        << QStringList{"-e", "a", "text", "--", "true"} << 2 << neither;
+    QTest::newRow("output of a file")
+        << QStringList{"-e", "a", "--output", "b", "text"} << 2
+        << "run-and-grep: --output and --timeout need a PROGRAM\n" + hint;
+    QTest::newRow("time-out of a file")
+        << QStringList{"-e", "a", "--timeout", "9", "text"} << 2
+        << "run-and-grep: --output and --timeout need a PROGRAM\n" + hint;
+    QTest::newRow("time-out in words")
+        << QStringList{"-e", "a", "--timeout", "soon", "--", "true"} << 2
+        << "run-and-grep: --timeout needs a number from 1 upwards, not 'soon'\n" + hint;
+    // Before the command is run, which would write a file.
+    QTest::newRow("invalid expression")
+        << QStringList{"-e", "a(b", "--", "touch", "ran"} << 2
+        << "run-and-grep: invalid expression 'a(b': missing closing parenthesis at character 3\n";
+    QTest::newRow("missing file") << QStringList{"-e", "a", "none"} << 5
+                                  << "run-and-grep: cannot read none: no such file\n";
+    QTest::newRow("folder") << QStringList{"-e", "a", "."} << 5
+                            << "run-and-grep: cannot read .: file to open is a directory\n";
+    QTest::newRow("output in a missing folder")
+        << QStringList{"-e", "a", "--output", "none/kept", "--", "echo", "a"} << 5
+        << "run-and-grep: cannot write none/kept: No such file or directory\n";
+}
+
+void tst_RunAndGrep::refusesWhatItCannotUse()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QString, errors);
+
+    writeFile(QStringLiteral("text"), "a\n");
+    verifyRun(arguments, exitCode, QString(), errors);
+    QCOMPARE(QDir(folder()).entryList(QDir::Files), QStringList(QStringLiteral("text")));
+}
+
+void tst_RunAndGrep::helpNamesEveryExitCode()
+{
+    const ProgramResult result = run({QStringLiteral("--help")});
+    QCOMPARE(result.errors, QString());
+    QVERIFY2(result.output.contains(
+                 QStringLiteral("\nExit codes:\n"
+                                "  0  something matched\n"
+                                "  1  nothing matched\n"
+                                "  2  wrong usage or an invalid expression\n"
+                                "  3  PROGRAM could not be started, or did not end in time\n"
+                                "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
+                                "  5  a file could not be read or written\n")),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_RunAndGrep)
+#include "tst_RunAndGrep.moc"

@@ -1,0 +1,390 @@
+#include "ProgramRun.h"
+#include "Terminal.h"
+#include "TestCase.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QRegularExpression>
+
+namespace {
+
+const QString program = QStringLiteral(WATCH_MEDIA_PROGRAM);
+const QString hint = QStringLiteral("watch-media: try --help\n");
+
+// The summary without the time, which is another every time.
+QString withoutTime(QString output)
+{
+    return output.replace(QRegularExpression(QStringLiteral(", \\d+\\.\\d s\n$")),
+                          QStringLiteral("\n"));
+}
+
+} // namespace
+
+// The example program that follows what is copied to a medium.
+class tst_WatchMedia : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void listsTheMedium_data();
+    void listsTheMedium();
+    void showsATreeThatAppears();
+    void showsATreeThatIsCopiedIn();
+    void showsWhatGoes();
+    void watchesLaterFolders();
+    void ownFolderAloneIsWatchedWithoutRecursive();
+    void aCopyInProgressKeepsTheWatchAlive();
+    void endsAfterTheBursts();
+    void endsWhenTheMediumIsTakenAway();
+    void pipesGetNoControlCharacters();
+    void terminalsGetALineThatIsRedrawn();
+    void narrowTerminalsGetAShortLine();
+    void refusesWhatItCannotUse_data();
+    void refusesWhatItCannotUse();
+    void helpNamesEveryExitCode();
+
+private:
+    QString medium(const QString& name) const { return path(QStringLiteral("medium/") + name); }
+    void makeFile(const QString& name) const;
+    void makeMedium() const;
+    QStringList arguments(const QStringList& options) const;
+};
+
+void tst_WatchMedia::makeFile(const QString& name) const
+{
+    QDir().mkpath(QFileInfo(medium(name)).path());
+    writeFile(QStringLiteral("medium/") + name, "content");
+}
+
+void tst_WatchMedia::makeMedium() const
+{
+    makeFile(QStringLiteral("b.mp3"));
+    makeFile(QStringLiteral("A.MP3"));
+    makeFile(QStringLiteral("c.txt"));
+    makeFile(QStringLiteral("sub/d.mp3"));
+    makeFile(QStringLiteral("folder.mp3/e.ogg"));
+    makeFile(QStringLiteral(".hidden.mp3"));
+}
+
+// With the row's medium as the folder, by the name that it has in the row's folder.
+QStringList tst_WatchMedia::arguments(const QStringList& options) const
+{
+    return options + QStringList(QStringLiteral("medium"));
+}
+
+void tst_WatchMedia::listsTheMedium_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("top folder") << QStringList{"--pattern", "*.mp3"}
+                                << "medium: 2 files (*.mp3)\n"
+                                   "  A.MP3\n"
+                                   "  b.mp3\n"
+                                   "Watching 1 folder; ends after 0.1 s without a change\n"
+                                   "Summary: 2 files, 0 new since the start, 0 gone, 0 bursts\n";
+    QTest::newRow("all folders") << QStringList{"--pattern", "*.mp3", "--recursive"}
+                                 << "medium: 3 files (*.mp3)\n"
+                                    "  A.MP3\n"
+                                    "  b.mp3\n"
+                                    "  sub/d.mp3\n"
+                                    "Watching 3 folders; ends after 0.1 s without a change\n"
+                                    "Summary: 3 files, 0 new since the start, 0 gone, 0 bursts\n";
+    QTest::newRow("several patterns, short options")
+        << QStringList{"-r", "-p", "*.ogg", "-p", "c*"}
+        << "medium: 2 files (*.ogg c*)\n"
+           "  c.txt\n"
+           "  folder.mp3/e.ogg\n"
+           "Watching 3 folders; ends after 0.1 s without a change\n"
+           "Summary: 2 files, 0 new since the start, 0 gone, 0 bursts\n";
+    QTest::newRow("no pattern") << QStringList()
+                                << "medium: 3 files (*)\n"
+                                   "  A.MP3\n"
+                                   "  b.mp3\n"
+                                   "  c.txt\n"
+                                   "Watching 1 folder; ends after 0.1 s without a change\n"
+                                   "Summary: 3 files, 0 new since the start, 0 gone, 0 bursts\n";
+    QTest::newRow("nothing fits") << QStringList{"--pattern", "*.wav"}
+                                  << "medium: 0 files (*.wav)\n"
+                                     "Watching 1 folder; ends after 0.1 s without a change\n"
+                                     "Summary: 0 files, 0 new since the start, 0 gone, 0 bursts\n";
+}
+
+void tst_WatchMedia::listsTheMedium()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QString, expected);
+
+    makeMedium();
+    const ProgramResult result =
+        ProgramRun(program, arguments(options + QStringList{"--idle", "100"}), folder()).finish();
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(withoutTime(result.output), expected);
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_WatchMedia::showsATreeThatAppears()
+{
+    makeFile(QStringLiteral("a.mp3"));
+    QDir().mkpath(path(QStringLiteral("tree/deep/deeper")));
+    writeFile(QStringLiteral("tree/x.mp3"), "x");
+    writeFile(QStringLiteral("tree/x.txt"), "x");
+    writeFile(QStringLiteral("tree/deep/deeper/y.mp3"), "y");
+
+    ProgramRun run(
+        program, arguments({"--recursive", "--pattern", "*.mp3", "--delay", "50", "--bursts", "1"}),
+        folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QVERIFY(QDir().rename(path(QStringLiteral("tree")), medium(QStringLiteral("tree"))));
+    const ProgramResult result = run.finish();
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(withoutTime(result.output),
+             QStringLiteral("medium: 1 file (*.mp3)\n"
+                            "  a.mp3\n"
+                            "Watching 1 folder; ends after 1 burst\n"
+                            "+ tree/deep/deeper/y.mp3\n"
+                            "+ tree/x.mp3\n"
+                            "Burst 1: 2 new, 0 gone, now 3 files\n"
+                            "Summary: 3 files, 2 new since the start, 0 gone, 1 burst\n"));
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_WatchMedia::showsATreeThatIsCopiedIn()
+{
+    constexpr int folders = 8;
+    constexpr int filesPerFolder = 20;
+
+    QDir().mkpath(path(QStringLiteral("medium")));
+    // Shorter than the copy takes, so that folders are found while they are being filled.
+    ProgramRun run(program, arguments({"--recursive", "--delay", "2", "--idle", "700"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QStringList expected;
+    for (int i = 0; i < folders * filesPerFolder; ++i) {
+        const QString name = QStringLiteral("f%1/g/%2").arg(i % folders).arg(i);
+        makeFile(name);
+        expected.append(QStringLiteral("+ ") + name);
+    }
+    const ProgramResult result = run.finish();
+    QCOMPARE(result.errors, QString());
+    QStringList found = result.output.split(QLatin1Char('\n')).filter(QLatin1String("+ "));
+    found.sort();
+    expected.sort();
+    QCOMPARE(found, expected);
+    QVERIFY2(result.output.contains(
+                 QStringLiteral("\nSummary: 160 files, 160 new since the start, 0 gone, ")),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_WatchMedia::showsWhatGoes()
+{
+    makeMedium();
+    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "2"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QVERIFY(QFile::remove(medium(QStringLiteral("b.mp3"))));
+    QVERIFY(run.waitForOutput(QStringLiteral("Burst 1")));
+    QVERIFY(QFile::rename(medium(QStringLiteral("c.txt")), medium(QStringLiteral("z.txt"))));
+    const ProgramResult result = run.finish();
+    QVERIFY2(withoutTime(result.output)
+                 .endsWith(
+                     QStringLiteral("- b.mp3\n"
+                                    "Burst 1: 0 new, 1 gone, now 2 files\n"
+                                    "+ z.txt\n"
+                                    "- c.txt\n"
+                                    "Burst 2: 1 new, 1 gone, now 2 files\n"
+                                    "Summary: 2 files, 1 new since the start, 2 gone, 2 bursts\n")),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_WatchMedia::watchesLaterFolders()
+{
+    makeFile(QStringLiteral("a"));
+    ProgramRun run(program, arguments({"--recursive", "--delay", "50", "--bursts", "5"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching 1 folder;")));
+    QVERIFY(QDir().mkpath(medium(QStringLiteral("later"))));
+    QVERIFY(run.waitForOutput(QStringLiteral("Burst 1: 0 new, 0 gone, now 1 file\n")));
+    makeFile(QStringLiteral("later/b"));
+    QVERIFY(run.waitForOutput(QStringLiteral("+ later/b\nBurst 2: 1 new, 0 gone, now 2 files\n")));
+    // The folder goes, and one of the same name comes.
+    QVERIFY(QDir(medium(QStringLiteral("later"))).removeRecursively());
+    QVERIFY(run.waitForOutput(QStringLiteral("- later/b\nBurst 3: 0 new, 1 gone, now 1 file\n")));
+    QVERIFY(QDir().mkpath(medium(QStringLiteral("later"))));
+    QVERIFY(run.waitForOutput(QStringLiteral("Burst 4: 0 new, 0 gone, now 1 file\n")));
+    makeFile(QStringLiteral("later/c"));
+    QVERIFY(run.waitForOutput(QStringLiteral("+ later/c\nBurst 5: 1 new, 0 gone, now 2 files\n")));
+    QCOMPARE(run.finish().exitCode, 0);
+}
+
+void tst_WatchMedia::ownFolderAloneIsWatchedWithoutRecursive()
+{
+    makeMedium();
+    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching 1 folder;")));
+    makeFile(QStringLiteral("sub/new"));
+    makeFile(QStringLiteral("new"));
+    const ProgramResult result = run.finish();
+    QVERIFY2(result.output.contains(QStringLiteral("Watching 1 folder; ends after 1 burst\n"
+                                                   "+ new\n"
+                                                   "Burst 1: 1 new, 0 gone, now 4 files\n")),
+             qPrintable(result.output));
+}
+
+void tst_WatchMedia::aCopyInProgressKeepsTheWatchAlive()
+{
+    constexpr int copyInMs = 1500; // longer than the idle time of the run
+
+    QDir().mkpath(path(QStringLiteral("medium")));
+    ProgramRun run(program, arguments({"--delay", "1000", "--idle", "800"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching 1 folder; ends after 0.8 s")));
+    QElapsedTimer clock;
+    clock.start();
+    int files = 0;
+    while (clock.elapsed() < copyInMs) {
+        makeFile(QStringLiteral("%1").arg(++files, 5, 10, QLatin1Char('0')));
+        QTest::qWait(10);
+    }
+    QVERIFY(run.isRunning());
+    const ProgramResult result = run.finish();
+    QVERIFY2(result.output.contains(
+                 QStringLiteral("\nSummary: %1 files, %1 new since the start").arg(files)),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_WatchMedia::endsAfterTheBursts()
+{
+    makeFile(QStringLiteral("a"));
+    ProgramRun run(program, arguments({"--delay", "50", "--idle", "20000", "--bursts", "1"}),
+                   folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("ends after 1 burst or 20.0 s without a change\n")));
+    makeFile(QStringLiteral("b"));
+    const ProgramResult result = run.finish();
+    QVERIFY(withoutTime(result.output)
+                .endsWith(QStringLiteral("1 new since the start, 0 gone, 1 burst\n")));
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_WatchMedia::endsWhenTheMediumIsTakenAway()
+{
+    makeMedium();
+    ProgramRun run(program, arguments({"--delay", "50"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QVERIFY(QDir(path(QStringLiteral("medium"))).removeRecursively());
+    const ProgramResult result = run.finish();
+    QCOMPARE(result.errors, QStringLiteral("watch-media: medium is gone\n"));
+    QVERIFY2(withoutTime(result.output)
+                 .contains(QStringLiteral("Summary: 0 files, 0 new since the start, 3 gone, ")),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 4);
+}
+
+void tst_WatchMedia::pipesGetNoControlCharacters()
+{
+    makeFile(QStringLiteral("two\nlines"));
+    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    makeFile(QString::fromUtf8("red \x1b[31m \xc3\xa9"));
+    const QString output = run.finish().output;
+    QVERIFY2(output.contains(QStringLiteral("\n  two\\x0alines\n")), qPrintable(output));
+    QVERIFY2(output.contains(QString::fromUtf8("\n+ red \\x1b[31m \xc3\xa9\n")),
+             qPrintable(output));
+    const QRegularExpression control(QStringLiteral("[^\\P{Cc}\n]"));
+    QVERIFY(control.match(QStringLiteral("\r")).hasMatch());
+    QVERIFY(!control.match(output).hasMatch());
+}
+
+void tst_WatchMedia::terminalsGetALineThatIsRedrawn()
+{
+    for (int i = 0; i < 13; ++i) {
+        makeFile(QStringLiteral("file%1").arg(i, 2, 10, QLatin1Char('0')));
+    }
+    const QString output = QString::fromUtf8(
+        Terminal(80).run(program, {QStringLiteral("--idle"), QStringLiteral("400"),
+                                   path(QStringLiteral("medium"))}));
+    // At most ten files, then the line: begun by a carriage return each time, never by a line feed.
+    const QRegularExpression expected(QStringLiteral(
+        "^[^\n]+/medium: 13 files \\(\\*\\)\n"
+        "(  file0\\d\n){10}"
+        "  \\.\\.\\. and 3 more\n"
+        "Watching 1 folder; ends after 0\\.4 s without a change\n"
+        "(\r\\d+\\.\\d s \\| 13 files, 0 new \\| 0 bursts \\| "
+        "quiet, ends in \\d\\.\\d s *)+"
+        "\r +\r"
+        "Summary: 13 files, 0 new since the start, 0 gone, 0 bursts, \\d+\\.\\d s\n$"));
+    QVERIFY2(expected.match(output).hasMatch(), qPrintable(output));
+}
+
+void tst_WatchMedia::narrowTerminalsGetAShortLine()
+{
+    QDir().mkpath(path(QStringLiteral("medium")));
+    const QByteArray output = Terminal(20).run(
+        program, {QStringLiteral("--idle"), QStringLiteral("400"), path(QStringLiteral("medium"))});
+    const QByteArray lastLines = output.mid(output.indexOf('\r'));
+    const QByteArray redrawn = lastLines.left(lastLines.lastIndexOf('\r'));
+    QVERIFY2(redrawn.contains(" s | 0 files, "), output.constData());
+    for (const QByteArray& line : redrawn.split('\r')) {
+        QVERIFY2(line.size() < 20, line.constData());
+    }
+}
+
+void tst_WatchMedia::refusesWhatItCannotUse_data()
+{
+    QTest::addColumn<QStringList>("commandLine");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("errors");
+
+    QTest::newRow("no folder") << QStringList() << 2
+                               << "watch-media: exactly one FOLDER is needed\n" + hint;
+    QTest::newRow("two folders") << QStringList{"medium", "medium"} << 2
+                                 << "watch-media: exactly one FOLDER is needed\n" + hint;
+    QTest::newRow("unknown option")
+        << QStringList{"--foo", "medium"} << 2 << "watch-media: Unknown option 'foo'.\n" + hint;
+    QTest::newRow("option without its value")
+        << QStringList{"medium", "--delay"} << 2
+        << "watch-media: Missing value after '--delay'.\n" + hint;
+    QTest::newRow("no delay") << QStringList{"--delay", "0", "medium"} << 2
+                              << "watch-media: --delay needs a number from 1 upwards, not '0'\n" +
+                                     hint;
+    QTest::newRow("negative idle time")
+        << QStringList{"--idle", "-5", "medium"} << 2
+        << "watch-media: --idle needs a number from 1 upwards, not '-5'\n" + hint;
+    QTest::newRow("bursts in words")
+        << QStringList{"--bursts", "two", "medium"} << 2
+        << "watch-media: --bursts needs a number from 1 upwards, not 'two'\n" + hint;
+    QTest::newRow("missing folder")
+        << QStringList{"none"} << 3 << "watch-media: no such folder: none\n";
+    QTest::newRow("empty name") << QStringList{""} << 3 << "watch-media: no such folder: \n";
+    QTest::newRow("file") << QStringList{"medium/a"} << 3
+                          << "watch-media: medium/a is not a folder\n";
+}
+
+void tst_WatchMedia::refusesWhatItCannotUse()
+{
+    QFETCH(QStringList, commandLine);
+    QFETCH(int, exitCode);
+    QFETCH(QString, errors);
+
+    makeFile(QStringLiteral("a"));
+    const ProgramResult result = ProgramRun(program, commandLine, folder()).finish();
+    QCOMPARE(result.errors, errors);
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, exitCode);
+}
+
+void tst_WatchMedia::helpNamesEveryExitCode()
+{
+    const ProgramResult result = ProgramRun(program, {QStringLiteral("--help")}, folder()).finish();
+    QCOMPARE(result.errors, QString());
+    QVERIFY2(result.output.contains(
+                 QStringLiteral("\nExit codes:\n"
+                                "  0  ended by itself\n"
+                                "  2  wrong usage\n"
+                                "  3  FOLDER is missing, is no folder, or cannot be watched\n"
+                                "  4  FOLDER was taken away\n")),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_WatchMedia)
+#include "tst_WatchMedia.moc"
