@@ -226,7 +226,8 @@ public:
      * as Position 0, with the warning of getValueInteger() each time it is looked at. Positions
      * are expected to run from 0 to one less than the number of groups; a higher one is never
      * found. A search looks at one group after the other, in the order of getGroups(), and takes
-     * the first that fits.
+     * the first that fits. A nameless group ("[]" in the file) is one of them, but its name stands
+     * for the top level here, too, so that the keys outside every group are read.
      */
     /*! @{ */
 
