@@ -110,6 +110,8 @@ void tst_KernelCommandLineParser::look_data()
            QStringLiteral("a=b"));
     newRow("two equals signs", "mode==x c", "mode", QStringLiteral("mode==x"),
            QStringLiteral("=x"));
+    newRow("key again in the value", "mode=a-mode=b c", "mode", QStringLiteral("mode=a-mode=b"),
+           QStringLiteral("a-mode=b"));
     newRow("key with equals sign", "mode=x b", "mode=", modeX, x);
     newRow("key with equals sign, two in the word", "mode==x b", "mode=", QStringLiteral("mode==x"),
            x);
