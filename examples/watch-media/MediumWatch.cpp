@@ -179,7 +179,8 @@ bool MediumWatch::watchFolders(const QStringList& entries)
 // again counts as new: its watch went with it.
 bool MediumWatch::watchFolder(const QString& folder)
 {
-    if (m_burstWatcher.addPath(folder)) {
+    // Qt has a line of its own to log for a folder that cannot be read.
+    if (QFileInfo(folder).isReadable() && m_burstWatcher.addPath(folder)) {
         m_changeWatcher.addPath(folder);
         m_watchedFolders.insert(folder);
         return true;
