@@ -151,18 +151,18 @@ void tst_WatchMedia::showsATreeThatAppears()
 
 void tst_WatchMedia::showsATreeThatIsCopiedIn()
 {
-    constexpr int folders = 8;
-    constexpr int filesPerFolder = 20;
+    constexpr int files = 400;
 
     QDir().mkpath(path(QStringLiteral("medium")));
-    // Shorter than the copy takes, so that folders are found while they are being filled.
-    ProgramRun run(program, arguments({"--recursive", "--delay", "2", "--idle", "700"}), folder());
+    // The pauses end bursts all the time, so that folders are found while they are being filled.
+    ProgramRun run(program, arguments({"--recursive", "--delay", "1", "--idle", "700"}), folder());
     QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
     QStringList expected;
-    for (int i = 0; i < folders * filesPerFolder; ++i) {
-        const QString name = QStringLiteral("f%1/g/%2").arg(i % folders).arg(i);
+    for (int i = 0; i < files; ++i) {
+        const QString name = QStringLiteral("f%1/g/%2").arg(i / 4).arg(i);
         makeFile(name);
         expected.append(QStringLiteral("+ ") + name);
+        QTest::qWait(i % 3);
     }
     const ProgramResult result = run.finish();
     QCOMPARE(result.errors, QString());
@@ -171,7 +171,7 @@ void tst_WatchMedia::showsATreeThatIsCopiedIn()
     expected.sort();
     QCOMPARE(found, expected);
     QVERIFY2(result.output.contains(
-                 QStringLiteral("\nSummary: 160 files, 160 new since the start, 0 gone, ")),
+                 QStringLiteral("\nSummary: 400 files, 400 new since the start, 0 gone, ")),
              qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }
