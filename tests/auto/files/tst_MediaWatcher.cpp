@@ -72,6 +72,7 @@ private Q_SLOTS:
     void listComesThroughOtherThreads_data();
     void listComesThroughOtherThreads();
     void topFolderIsSorted();
+    void namesAreSortedByTheirCharacters();
     void wholeMediumIsInFileSystemOrder();
     void filesAreFound_data();
     void filesAreFound();
@@ -246,6 +247,23 @@ void tst_MediaWatcher::topFolderIsSorted()
     QCOMPARE(findings.take(),
              QVector<QStringList>({inFolder(words(". .. Alpha.mp3 Bravo.txt charlie.MP3 delta.mp3 "
                                                   "echo.txt empty link.mp3 Music"))}));
+}
+
+void tst_MediaWatcher::namesAreSortedByTheirCharacters()
+{
+    const QString umlaut = QFile::decodeName("\xc3\xa4.mp3");
+    writeFile(umlaut, "");
+    for (const char* name : {"z.mp3", "B.mp3", "_a.mp3", "10.mp3", "9.mp3", "a b.mp3", "a-b.mp3"}) {
+        writeFile(QString::fromLatin1(name), "");
+    }
+    MediaWatcher watcher(nullptr);
+    watcher.setFileMatchPatternList(words("*.mp3"));
+    Findings findings(watcher);
+    watcher.mediumMounted(folder());
+    QStringList expected = words("10.mp3 9.mp3 _a.mp3 a?b.mp3 a-b.mp3 B.mp3 z.mp3");
+    expected.replaceInStrings(QStringLiteral("?"), QStringLiteral(" "));
+    expected.append(umlaut); // after every letter of ASCII
+    QCOMPARE(findings.take(), QVector<QStringList>({inFolder(expected)}));
 }
 
 void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
