@@ -1,7 +1,5 @@
 #include "DeviceReport.h"
 
-#include "LibraryMessages.h"
-
 #include "BootInformationHelper.h"
 #include "ExportFileNameCreator.h"
 #include "HardwareIdentification.h"
@@ -13,6 +11,7 @@
 #include "RaucSystemConfigIniManager.h"
 #include "VersionFileIniManager.h"
 #include "VersionManager.h"
+#include "common/LibraryMessages.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>

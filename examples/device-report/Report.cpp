@@ -1,28 +1,10 @@
 #include "Report.h"
 
+#include "common/CommandLine.h"
+
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
-
-namespace {
-
-// A device's files may hold anything, and a terminal obeys control characters.
-QString escaped(const QString& text)
-{
-    QString result;
-    for (const QChar character : text) {
-        if (character == QLatin1Char('\n')) {
-            result += QStringLiteral("\\n");
-        } else if (character.category() == QChar::Other_Control) {
-            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
-        } else {
-            result += character;
-        }
-    }
-    return result;
-}
-
-} // namespace
 
 ReportSection::ReportSection(const QString& member) : m_member(member) {}
 
@@ -85,7 +67,8 @@ QByteArray Report::toText() const
             const QString label = fact.label + QLatin1Char(':');
             const QString value =
                 fact.isMissing ? QStringLiteral("not known (%1)").arg(fact.text) : fact.text;
-            text += label.leftJustified(width + 2) + escaped(value) + QLatin1Char('\n');
+            text +=
+                label.leftJustified(width + 2) + CommandLine::printable(value) + QLatin1Char('\n');
         }
     }
     return text.toUtf8();

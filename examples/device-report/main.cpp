@@ -1,7 +1,9 @@
 // Prints what a device knows of itself.
 
 #include "DeviceReport.h"
-#include "LibraryMessages.h"
+
+#include "common/CommandLine.h"
+#include "common/LibraryMessages.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -20,7 +22,7 @@ enum ExitCode
 
 int usageError(const QString& reason)
 {
-    fprintf(stderr, "device-report: %s (see --help)\n", reason.toLocal8Bit().constData());
+    CommandLine::complainOfUsage(reason);
     return WrongUsage;
 }
 
@@ -74,7 +76,7 @@ int run(const QStringList& arguments)
     LibraryMessages::take(parser.isSet(verbose));
     const Report report = DeviceReport::make(parser.value(eeprom), parser.value(hardwareId));
     if (!writeOut(parser.isSet(json) ? report.toJson() : report.toText())) {
-        fprintf(stderr, "device-report: cannot write the report\n");
+        CommandLine::complain(QStringLiteral("cannot write the report"));
         return NotWritten;
     }
     return report.isComplete() ? Complete : SomethingMissing;

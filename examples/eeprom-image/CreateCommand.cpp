@@ -1,7 +1,8 @@
 #include "CreateCommand.h"
 
-#include "CommandLine.h"
+#include "Arguments.h"
 #include "HardwareInfoReader.h"
+#include "common/CommandLine.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QFile>
@@ -82,7 +83,7 @@ std::optional<QByteArray> readText(const QString& filePath)
 {
     QFile file(filePath);
     if (!file.open(QIODevice::ReadOnly)) {
-        printError(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
+        CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
         return std::nullopt;
     }
     // One byte over the limit is enough to know that it is exceeded.
@@ -155,7 +156,7 @@ bool writeImage(const QString& filePath, const QByteArray& image)
 {
     QSaveFile file(filePath);
     if (!file.open(QIODevice::WriteOnly) || file.write(image) != image.size() || !file.commit()) {
-        printError(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
+        CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
         return false;
     }
     return true;
@@ -165,12 +166,13 @@ void report(const QString& filePath, const Layout& layout, const QByteArray& blo
             const QByteArray& image)
 {
     const quint16 checksum = qFromLittleEndian<quint16>(image.constData() + checksumField);
-    print(QStringLiteral("%1: %2 bytes written").arg(filePath, QString::number(image.size())));
-    print(QStringLiteral("  block     %1 bytes from address %2 (0x%3)")
-              .arg(block.size())
-              .arg(layout.start)
-              .arg(layout.start, 0, 16));
-    print(QStringLiteral("  checksum  0x%1").arg(checksum, 4, 16, QLatin1Char('0')));
+    CommandLine::print(
+        QStringLiteral("%1: %2 bytes written").arg(filePath, QString::number(image.size())));
+    CommandLine::print(QStringLiteral("  block     %1 bytes from address %2 (0x%3)")
+                           .arg(block.size())
+                           .arg(layout.start)
+                           .arg(layout.start, 0, 16));
+    CommandLine::print(QStringLiteral("  checksum  0x%1").arg(checksum, 4, 16, QLatin1Char('0')));
 }
 
 } // namespace
@@ -195,7 +197,7 @@ ExitCode createImage(const QStringList& arguments)
     }
     const QString reason = objection(layout, *block);
     if (!reason.isEmpty()) {
-        printError(QStringLiteral("%1: %2").arg(files.at(1), reason));
+        CommandLine::complain(QStringLiteral("%1: %2").arg(files.at(1), reason));
         return ExitCode::LayoutRefused;
     }
     const QByteArray image = buildImage(layout, *block);

@@ -1,9 +1,10 @@
 #include "ShowCommand.h"
 
-#include "CommandLine.h"
+#include "Arguments.h"
 #include "HardwareInfo.h"
 #include "HardwareInfoReader.h"
-#include "LibraryMessages.h"
+#include "common/CommandLine.h"
+#include "common/LibraryMessages.h"
 
 #include <QtCore/QCommandLineParser>
 
@@ -63,62 +64,48 @@ constexpr Field fields[] = {
     {"Comment", "Comment", &HardwareInfo::Comment, true},
 };
 
-const Failure* findFailure(const LibraryMessages& messages)
+const Failure* findFailure()
 {
     for (const Failure& failure : failures) {
-        if (messages.anyStartsWith(QString::fromLatin1(failure.message))) {
+        if (LibraryMessages::anyStartsWith(QString::fromLatin1(failure.message))) {
             return &failure;
         }
     }
     return nullptr;
 }
 
-// A terminal obeys control characters; those of an unknown board are shown instead.
-QString printable(const QString& text)
+bool isMissing(const Field& field)
 {
-    QString result;
-    for (const QChar character : text) {
-        if (character.isPrint()) {
-            result.append(character);
-        } else {
-            result.append(
-                QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0')));
-        }
-    }
-    return result;
-}
-
-bool isMissing(const Field& field, const LibraryMessages& messages)
-{
-    return messages.anyContains(
+    return LibraryMessages::anyContains(
         QStringLiteral("Key \"%1\" not found in Group").arg(QLatin1String(field.key)));
 }
 
-QString shownValue(const Field& field, const HardwareInfo& info, const LibraryMessages& messages)
+QString shownValue(const Field& field, const HardwareInfo& info)
 {
     const QString value = (info.*field.value)();
     if (!value.isEmpty()) {
-        return printable(value);
+        return CommandLine::printable(value);
     }
-    if (isMissing(field, messages)) {
+    if (isMissing(field)) {
         return QStringLiteral("(missing)");
     }
     return field.isOptional ? QStringLiteral("(none)")
                             : QStringLiteral("(empty: no value, or a comma outside of quotes)");
 }
 
-void printRecord(const HardwareInfo& info, const LibraryMessages& messages)
+void printRecord(const HardwareInfo& info)
 {
     bool isAnyFound = false;
     for (const Field& field : fields) {
-        print(QStringLiteral("  %1  %2")
-                  .arg(QLatin1String(field.label), -19)
-                  .arg(shownValue(field, info, messages)));
-        isAnyFound = isAnyFound || !(field.isOptional || isMissing(field, messages));
+        CommandLine::print(QStringLiteral("  %1  %2")
+                               .arg(QLatin1String(field.label), -19)
+                               .arg(shownValue(field, info)));
+        isAnyFound = isAnyFound || !(field.isOptional || isMissing(field));
     }
     if (!isAnyFound) {
-        print(QStringLiteral("None of the keys was found: they must stand before any [section], "
-                             "and the temporary folder must have room."));
+        CommandLine::print(
+            QStringLiteral("None of the keys was found: they must stand before any [section], "
+                           "and the temporary folder must have room."));
     }
 }
 
@@ -132,25 +119,25 @@ QString temporaryFile()
 
 ExitCode fail(const QString& filePath, ExitCode exitCode, const QString& meaning)
 {
-    printError(QStringLiteral("%1: %2").arg(filePath, meaning));
+    CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, meaning));
     return exitCode;
 }
 
 ExitCode showRecord(const QString& filePath, bool isVerbose)
 {
-    const LibraryMessages messages(isVerbose);
+    LibraryMessages::take(isVerbose);
     HardwareInfo info;
     HardwareInfoReader reader(nullptr);
     const bool isRead = reader.readHardwareInfoFromSysFs(temporaryFile(), filePath, info);
-    if (const Failure* failure = findFailure(messages)) {
+    if (const Failure* failure = findFailure()) {
         return fail(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
     }
     if (!isRead) {
         return fail(filePath, ExitCode::UnknownFailure,
                     QStringLiteral("the library refuses the image; --verbose shows why"));
     }
-    print(QStringLiteral("%1: the image is sound").arg(filePath));
-    printRecord(info, messages);
+    CommandLine::print(QStringLiteral("%1: the image is sound").arg(filePath));
+    printRecord(info);
     return ExitCode::Done;
 }
 

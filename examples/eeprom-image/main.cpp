@@ -1,4 +1,4 @@
-#include "CommandLine.h"
+#include "Arguments.h"
 #include "CreateCommand.h"
 #include "ShowCommand.h"
 

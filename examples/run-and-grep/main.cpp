@@ -1,8 +1,7 @@
 // Runs a command, keeps its output in a file and matches regular expressions over it:
 // QProcessHandler and TextFileParser at work.
-#include "LibraryLog.h"
-
 #include "common/CommandLine.h"
+#include "common/LibraryMessages.h"
 
 #include <QProcessHandler.h>
 #include <TextFileParser.h>
@@ -224,7 +223,7 @@ ExitCode complainOfNotRun(const Job& job)
 {
     // The same -1 comes for both; the library's warning tells them apart.
     const QString program = job.command.constFirst();
-    if (LibraryLog::lastText().startsWith(QLatin1String("Timeout from command"))) {
+    if (LibraryMessages::anyStartsWith(QStringLiteral("Timeout from command"))) {
         CommandLine::complain(QStringLiteral("%1 did not end within %2 ms and was stopped")
                                   .arg(program)
                                   .arg(job.timeoutInMs));
@@ -300,6 +299,6 @@ int main(int argc, char* argv[])
         return WrongUsage;
     }
     job.isFirstOnly = parser.isSet(firstOption());
-    LibraryLog::install(parser.isSet(verboseOption()));
+    LibraryMessages::take(parser.isSet(verboseOption()));
     return job.command.isEmpty() ? grep(job, job.file) : runAndGrep(job);
 }

@@ -456,7 +456,7 @@ void tst_DeviceReport::bootModes_data()
         << QByteArray("factory reset") << QByteArray("factoryreset");
     QTest::newRow("factory reset as last word")
         << QStringList{firmwareMarker} << QByteArray("orvalismode=factoryreset\n")
-        << QByteArray("normal") << QByteArray("factoryreset\\n");
+        << QByteArray("normal") << QByteArray("factoryreset\\x0a");
     QTest::newRow("bare argument") << QStringList{firmwareMarker} << QByteArray("orvalismode quiet")
                                    << QByteArray("normal") << QByteArray("empty");
     QTest::newRow("hard reset") << QStringList{rebootMarker} << QByteArray("quiet\n")
@@ -553,7 +553,7 @@ void tst_DeviceReport::controlCharactersAreEscaped()
     DeviceRoot::writeFile(versionFile, "[MainVersion]\nVersionString=1.2.3\n"
                                        "VersionStringHash=\"\\x1b[31m\\n\xe4\"\n");
     const Result result = runReport({});
-    QVERIFY2(result.output.contains("software version hash:           \\x1b[31m\\n\xc3\xa4\n"),
+    QVERIFY2(result.output.contains("software version hash:           \\x1b[31m\\x0a\xc3\xa4\n"),
              result.output.constData());
     QVERIFY(!result.output.contains('\x1b'));
 }
@@ -567,12 +567,13 @@ void tst_DeviceReport::verboseShowsTheLibrarysMessages()
     const Result verbose = runReport({QStringLiteral("--verbose")});
     QCOMPARE(quiet.errors, QByteArray());
     QCOMPARE(verbose.errors,
-             QByteArray("IniFileManager: Can't find specified ini-file: "
-                        "\"/orvalis/VersionFile.ini\"\n"
-                        "IniFileManager: \"Ini-File (/orvalis/VersionFile.ini):\" Key "
-                        "\"VersionString\" not found in Group \"MainVersion\" !\n"
-                        "IniFileManager: \"Ini-File (/orvalis/VersionFile.ini):\" Key "
-                        "\"VersionStringHash\" not found in Group \"MainVersion\" !\n"));
+             QByteArray(
+                 "device-report: log: IniFileManager: Can't find specified ini-file: "
+                 "\"/orvalis/VersionFile.ini\"\n"
+                 "device-report: log: IniFileManager: \"Ini-File (/orvalis/VersionFile.ini):\" Key "
+                 "\"VersionString\" not found in Group \"MainVersion\" !\n"
+                 "device-report: log: IniFileManager: \"Ini-File (/orvalis/VersionFile.ini):\" Key "
+                 "\"VersionStringHash\" not found in Group \"MainVersion\" !\n"));
     QCOMPARE(withoutFileName(verbose.output), withoutFileName(quiet.output));
 }
 
@@ -628,7 +629,7 @@ void tst_DeviceReport::wrongUsage()
     QFETCH(QByteArray, error);
 
     const Result result = runReport(arguments);
-    QCOMPARE(result.errors, "device-report: " + error + " (see --help)\n");
+    QCOMPARE(result.errors, "device-report: " + error + "\ndevice-report: try --help\n");
     QCOMPARE(result.output, QByteArray());
     QCOMPARE(result.exitCode, 2);
 }

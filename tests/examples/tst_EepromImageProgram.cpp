@@ -21,7 +21,7 @@ const QString boardRecord = QStringLiteral("eeprom: the image is sound\n"
                                            "  LP-ID                LP-000815\n"
                                            "  Comment              Made up\n");
 
-const QString hint = QStringLiteral("eeprom-image: try 'eeprom-image --help'\n");
+const QString hint = QStringLiteral("eeprom-image: try --help\n");
 
 // What a run of the program leaves behind.
 struct Run
@@ -325,7 +325,8 @@ void tst_EepromImageProgram::verboseShowsWhatTheLibraryLogs()
     verifyRun(
         run({QStringLiteral("show"), QStringLiteral("--verbose"), QStringLiteral("eeprom")}), 16,
         QString(),
-        QStringLiteral("eeprom-image: library: Invalid checksum for INI block in eeprom binary "
+        QStringLiteral("eeprom-image: log: HardwareInfoReader: Invalid checksum for INI block in "
+                       "eeprom binary "
                        "file \"eeprom\" .\n"
                        "eeprom-image: eeprom: the checksum is wrong: the block or the header was "
                        "changed or damaged\n"));

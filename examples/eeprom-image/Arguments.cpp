@@ -1,9 +1,8 @@
-#include "CommandLine.h"
+#include "Arguments.h"
+
+#include "common/CommandLine.h"
 
 #include <QtCore/QCommandLineParser>
-#include <QtCore/QTextStream>
-
-#include <cstdio>
 
 namespace {
 
@@ -48,39 +47,23 @@ show:
   19  any other failure
 )";
 
-void write(FILE* file, const QString& text)
-{
-    QTextStream(file) << text;
-}
-
 } // namespace
-
-void print(const QString& line)
-{
-    write(stdout, line + QLatin1Char('\n'));
-}
-
-void printError(const QString& line)
-{
-    write(stderr, QStringLiteral("eeprom-image: ") + line + QLatin1Char('\n'));
-}
 
 ExitCode printHelp()
 {
-    write(stdout, QString::fromLatin1(help));
+    CommandLine::print(QString::fromLatin1(help).trimmed());
     return ExitCode::Done;
 }
 
 ExitCode printVersion()
 {
-    print(QStringLiteral("eeprom-image " EEPROM_IMAGE_VERSION));
+    CommandLine::print(QStringLiteral("eeprom-image " EEPROM_IMAGE_VERSION));
     return ExitCode::Done;
 }
 
 ExitCode refuseUsage(const QString& reason)
 {
-    printError(reason);
-    printError(QStringLiteral("try 'eeprom-image --help'"));
+    CommandLine::complainOfUsage(reason);
     return ExitCode::WrongUsage;
 }
 

@@ -1,5 +1,5 @@
-#ifndef COMMANDLINE_H
-#define COMMANDLINE_H
+#ifndef EEPROMIMAGE_ARGUMENTS_H
+#define EEPROMIMAGE_ARGUMENTS_H
 
 #include "ExitCode.h"
 
@@ -9,10 +9,6 @@
 #include <optional>
 
 class QCommandLineParser;
-
-// Results go to standard output, everything else to standard error.
-void print(const QString& line);
-void printError(const QString& line);
 
 ExitCode printHelp();
 ExitCode printVersion();
