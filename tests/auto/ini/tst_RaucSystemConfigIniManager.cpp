@@ -89,6 +89,7 @@ void tst_RaucSystemConfigIniManager::noNumber_data()
     newRow("fraction", "7.0");
     newRow("more than 64 bits", "99999999999999999999");
     newRow("two numbers", "7 7");
+    newRow("Latin-1", "\xe4\xc3\xbc");
     QTest::newRow("list") << QByteArray("7,8")
                           << QStringLiteral("QVariant(QStringList, (\"7\", \"8\"))");
 }
