@@ -16,7 +16,6 @@ namespace {
 constexpr char keyIsEmpty[] = "Key is empty!";
 constexpr char groupIsEmpty[] = "Group is empty!";
 constexpr char canNotOpenFile[] = "Can not open file:";
-constexpr char conversionFailed[] = "Conversion failed:";
 
 /*
  * Guards what QSettings keeps per object and does not lock itself: the group that is entered, and
@@ -81,6 +80,32 @@ private:
     QSettings& m_settings;
 };
 
+// The functions from here on warn through log, in the name of the function that calls them.
+
+// Whether the name of a key or group is there; warns otherwise.
+bool isGiven(const QString& name, const char* warning, const IniFileManager& file,
+             const QMessageLogger& log)
+{
+    if (name.isEmpty()) {
+        log.warning() << file.getGeneralLogInfo() << warning;
+        return false;
+    }
+    return true;
+}
+
+// The value as a number; defaultValue, and a warning, when it is none.
+int toInteger(const QVariant& value, int defaultValue, const IniFileManager& file,
+              const QMessageLogger& log)
+{
+    bool ok = false;
+    const int number = value.toInt(&ok);
+    if (!ok) {
+        log.warning() << file.getGeneralLogInfo() << "Conversion failed:" << value;
+        return defaultValue;
+    }
+    return number;
+}
+
 // The place in groups of the first group at the Position externalIndex; -1 when there is none.
 int findPosition(const IniFileManager& file, const QStringList& groups, int externalIndex)
 {
@@ -93,8 +118,8 @@ int findPosition(const IniFileManager& file, const QStringList& groups, int exte
     return -1;
 }
 
-// Finds the group at the Position externalIndex; warns through log when there is none. The groups
-// are listed once, so that a sync() in another thread cannot shift them.
+// Finds the group at the Position externalIndex; warns when there is none. The groups are listed
+// once, so that a sync() in another thread cannot shift them.
 bool findIndexedGroup(const IniFileManager& file, int externalIndex, const QMessageLogger& log,
                       QString& group)
 {
@@ -200,8 +225,7 @@ void IniFileManager::cleanUpListSeperators(QString& text)
 void IniFileManager::setGeneralValue(const QString& key, const QVariant& value)
 {
     const QMutexLocker locker(&m_mutex);
-    if (key.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+    if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return;
     }
     const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
@@ -211,8 +235,7 @@ void IniFileManager::setGeneralValue(const QString& key, const QVariant& value)
 void IniFileManager::removeGeneralValue(const QString& key)
 {
     const QMutexLocker locker(&m_mutex);
-    if (key.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+    if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return;
     }
     const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
@@ -222,8 +245,7 @@ void IniFileManager::removeGeneralValue(const QString& key)
 bool IniFileManager::containsGeneral(const QString& key)
 {
     const QMutexLocker locker(&m_mutex);
-    if (key.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+    if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return false;
     }
     return m_settings.contains(key);
@@ -232,8 +254,7 @@ bool IniFileManager::containsGeneral(const QString& key)
 QVariant IniFileManager::getGeneralValue(const QString& key, const QVariant& defaultValue) const
 {
     const QMutexLocker locker(&m_mutex);
-    if (key.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+    if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return defaultValue;
     }
     if (!m_settings.childKeys().contains(key)) {
@@ -248,13 +269,7 @@ int IniFileManager::getGeneralValueInteger(const QString& key, int defaultValue)
 {
     const QMutexLocker locker(&m_mutex);
     const QVariant value = getGeneralValue(key, QVariant(defaultValue));
-    bool ok = false;
-    const int number = value.toInt(&ok);
-    if (!ok) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << conversionFailed << value;
-        return defaultValue;
-    }
-    return number;
+    return toInteger(value, defaultValue, *this, MISCTOOLS_LOG(IniFileManager));
 }
 
 QString IniFileManager::getGeneralValueString(const QString& key, const QString& defaultValue) const
@@ -278,12 +293,10 @@ QStringList IniFileManager::getGeneralChildKeys() const
 void IniFileManager::setValue(const QString& group, const QString& key, const QVariant& value)
 {
     const QMutexLocker locker(&m_mutex);
-    if (group.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << groupIsEmpty;
+    if (!isGiven(group, groupIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return;
     }
-    if (key.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+    if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return;
     }
     const GroupScope scope(m_settings, group);
@@ -293,12 +306,10 @@ void IniFileManager::setValue(const QString& group, const QString& key, const QV
 void IniFileManager::removeValue(const QString& group, const QString& key)
 {
     const QMutexLocker locker(&m_mutex);
-    if (group.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << groupIsEmpty;
+    if (!isGiven(group, groupIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return;
     }
-    if (key.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+    if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return;
     }
     const GroupScope scope(m_settings, group);
@@ -308,8 +319,7 @@ void IniFileManager::removeValue(const QString& group, const QString& key)
 bool IniFileManager::contains(const QString& group, const QString& key) const
 {
     const QMutexLocker locker(&m_mutex);
-    if (key.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+    if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return false;
     }
     const GroupScope scope(m_settings, group);
@@ -320,8 +330,7 @@ QVariant IniFileManager::getValue(const QString& group, const QString& key,
                                   const QVariant& defaultValue) const
 {
     const QMutexLocker locker(&m_mutex);
-    if (key.isEmpty()) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << keyIsEmpty;
+    if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return defaultValue;
     }
     {
@@ -341,13 +350,7 @@ int IniFileManager::getValueInteger(const QString& group, const QString& key,
 {
     const QMutexLocker locker(&m_mutex);
     const QVariant value = getValue(group, key, QVariant(defaultValue));
-    bool ok = false;
-    const int number = value.toInt(&ok);
-    if (!ok) {
-        MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << conversionFailed << value;
-        return defaultValue;
-    }
-    return number;
+    return toInteger(value, defaultValue, *this, MISCTOOLS_LOG(IniFileManager));
 }
 
 QString IniFileManager::getValueString(const QString& group, const QString& key,
