@@ -11,6 +11,8 @@
 
 #include <cstdio>
 
+Q_DECLARE_METATYPE(QRegularExpression::PatternOptions)
+
 namespace {
 
 const char* const signature = "void TextFileParser::setError(const QString&)";
@@ -666,8 +668,6 @@ void tst_TextFileParser::copiesAreIndependent()
     parser = copy;
     QCOMPARE(parser.getLastError(), QStringLiteral("error"));
 }
-
-Q_DECLARE_METATYPE(Options)
 
 QTEST_GUILESS_MAIN(tst_TextFileParser)
 #include "tst_TextFileParser.moc"
