@@ -1,0 +1,20 @@
+#include "Records.h"
+
+QJsonObject Records::object(double minValue, double maxValue, const QString& date, bool initialized)
+{
+    return {{QStringLiteral("MinValue"), minValue},
+            {QStringLiteral("MaxValue"), maxValue},
+            {QStringLiteral("MinValueDate"), date},
+            {QStringLiteral("MaxValueDate"), date},
+            {QStringLiteral("Initialized"), initialized}};
+}
+
+QJsonObject Records::emptyObject()
+{
+    return object(0.0, 0.0, QStringLiteral(""), false);
+}
+
+DragIndicator::DragIndicatorInstances Records::at(int index)
+{
+    return static_cast<DragIndicator::DragIndicatorInstances>(index);
+}

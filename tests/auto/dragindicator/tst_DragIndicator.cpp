@@ -1,0 +1,696 @@
+#include "ChildProcess.h"
+#include "DragIndicator.h"
+#include "Records.h"
+#include "TestCase.h"
+#include "TestClock.h"
+
+#include <cmath>
+#include <csignal>
+#include <functional>
+#include <limits>
+#include <type_traits>
+
+using Record = DragIndicator::DragIndicatorInstance;
+using Deed = std::function<void(DragIndicator&)>;
+
+Q_DECLARE_METATYPE(Deed)
+
+// Applications may derive from it and destroy it through the base.
+static_assert(std::is_polymorphic<DragIndicator>::value, "has virtual functions");
+static_assert(std::has_virtual_destructor<DragIndicator>::value, "may be derived from");
+static_assert(std::is_copy_constructible<DragIndicator>::value &&
+                  std::is_copy_assignable<DragIndicator>::value,
+              "is a value");
+// An unsigned type would turn negative numbers into large ones, which are reported.
+static_assert(
+    std::is_same<std::underlying_type<DragIndicator::DragIndicatorInstances>::type, int>::value,
+    "numbers keep their sign");
+static_assert(DragIndicator::ResettableInstance == 0 && DragIndicator::PermanentInstance == 1,
+              "places in the list");
+
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+constexpr char minSignature[] = "double DragIndicator::getMinValue(DragIndicatorInstances) const";
+constexpr char maxSignature[] = "double DragIndicator::getMaxValue(DragIndicatorInstances) const";
+constexpr char initializedSignature[] =
+    "bool DragIndicator::isInitialized(DragIndicatorInstances) const";
+
+const QString textDate = QStringLiteral("Fri Mar 1 12:30:05 2024");
+const QString isoDate = QStringLiteral("2024-03-01T12:30:05");
+
+const QDateTime noon(QDate(2024, 3, 1), QTime(12, 0));
+
+// Exact, unlike a comparison of numbers: tells -0 from 0 and finds a NaN equal to itself.
+QByteArray numberText(double value)
+{
+    return (std::signbit(value) && !std::isnan(value) ? "-" : "") +
+           QByteArray::number(std::fabs(value), 'g', 17);
+}
+
+QByteArray rangeText(double minimum, double maximum)
+{
+    return numberText(minimum) + " to " + numberText(maximum);
+}
+
+QByteArray rangeOf(const Record& record)
+{
+    return rangeText(record.minValue, record.maxValue);
+}
+
+QByteArray rangeOf(const DragIndicator& indicator, int index)
+{
+    const double minimum = indicator.getMinValue(Records::at(index));
+    const double maximum = indicator.getMaxValue(Records::at(index));
+    return rangeText(minimum, maximum);
+}
+
+QString dateOf(const DragIndicator& indicator, int index, const QString& key)
+{
+    return indicator.asJsonArray().at(index).toObject().value(key).toString();
+}
+
+QString minDateOf(const DragIndicator& indicator, int index)
+{
+    return dateOf(indicator, index, QStringLiteral("MinValueDate"));
+}
+
+QString maxDateOf(const DragIndicator& indicator, int index)
+{
+    return dateOf(indicator, index, QStringLiteral("MaxValueDate"));
+}
+
+Record takenRecord(double minimum, double maximum)
+{
+    Record record;
+    record.minValue = minimum;
+    record.maxValue = maximum;
+    record.minValueDate = noon;
+    record.maxValueDate = noon;
+    record.initialized = true;
+    return record;
+}
+
+QJsonArray records(const QString& date, bool isFirstInitialized = true,
+                   bool isSecondInitialized = true)
+{
+    return {Records::object(4, 6, date, isFirstInitialized),
+            Records::object(4, 6, date, isSecondInitialized)};
+}
+
+// Whether a change is still owed for dates in text form; asking for it pays it.
+bool takeTextDateImported(DragIndicator& indicator)
+{
+    Record record = takenRecord(4, 6);
+    return indicator.checkInstance(record, 5);
+}
+
+} // namespace
+
+class tst_DragIndicator : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void recordStartsEmpty();
+    void startsWithTwoEmptyRecords();
+    void takesValues_data();
+    void takesValues();
+    void firstValueReadsClockOnce();
+    void firstDatesAreNow();
+    void maximumComesBeforeMinimum();
+    void laterDatesReadClockForEachExtreme_data();
+    void laterDatesReadClockForEachExtreme();
+    void dateMayStraddleMidnight();
+    void clockSetBackGivesEarlierDate();
+    void datesKeepTheirFrame_data();
+    void datesKeepTheirFrame();
+    void everyRecordIsVisited();
+    void resetEmptiesFirstRecord();
+    void resetWithdrawsNotANumber();
+    void initObjectAppends();
+    void emptyListTakesNothing();
+    void missingRecordWarns_data();
+    void missingRecordWarns();
+    void negativeIndexEndsProcess_data();
+    void negativeIndexEndsProcess();
+    void textDatesMakeOneChange_data();
+    void textDatesMakeOneChange();
+    void textDatesStay_data();
+    void textDatesStay();
+    void copiesAreIndependent();
+    void tellsIsoDates_data();
+    void tellsIsoDates();
+
+private:
+    void announceMissing(const char* what, int index, const char* signature);
+};
+
+void tst_DragIndicator::announceMissing(const char* what, int index, const char* signature)
+{
+    messages()
+        .expectWarning("DragIndicator",
+                       QStringLiteral("Error on reading %1 value for instance %2 !")
+                           .arg(QLatin1String(what))
+                           .arg(index))
+        .function(signature);
+}
+
+void tst_DragIndicator::recordStartsEmpty()
+{
+    const Record record;
+    QVERIFY(record.minValueDate.isNull());
+    QVERIFY(record.maxValueDate.isNull());
+    QCOMPARE(rangeOf(record), QByteArray("0 to 0"));
+    QVERIFY(!record.initialized);
+}
+
+void tst_DragIndicator::startsWithTwoEmptyRecords()
+{
+    DragIndicator indicator;
+    for (const int index : {0, 1}) {
+        QVERIFY(!indicator.isInitialized(Records::at(index)));
+        QCOMPARE(rangeOf(indicator, index), QByteArray("0 to 0"));
+    }
+    QCOMPARE(indicator.asJsonArray(), QJsonArray({Records::emptyObject(), Records::emptyObject()}));
+    QVERIFY(!takeTextDateImported(indicator));
+}
+
+void tst_DragIndicator::takesValues_data()
+{
+    QTest::addColumn<QVector<double>>("values");
+    // One letter for each value: whether it made a change.
+    QTest::addColumn<QByteArray>("changes");
+    QTest::addColumn<QByteArray>("range");
+    // The places of the values that the dates belong to.
+    QTest::addColumn<int>("minSetter");
+    QTest::addColumn<int>("maxSetter");
+
+    using Values = QVector<double>;
+    const double least = std::numeric_limits<double>::denorm_min();
+    const double most = std::numeric_limits<double>::max();
+    const double afterOne = std::nextafter(1.0, 2.0);
+    QTest::newRow("one value") << Values{1.5} << QByteArray("y") << rangeText(1.5, 1.5) << 0 << 0;
+    QTest::newRow("zero") << Values{0} << QByteArray("y") << rangeText(0, 0) << 0 << 0;
+    QTest::newRow("first above zero")
+        << Values{5, 0} << QByteArray("yy") << rangeText(0, 5) << 1 << 0;
+    QTest::newRow("first below zero")
+        << Values{-5, 0} << QByteArray("yy") << rangeText(-5, 0) << 0 << 1;
+    QTest::newRow("the same again")
+        << Values{5, 5} << QByteArray("yn") << rangeText(5, 5) << 0 << 0;
+    QTest::newRow("higher") << Values{5, 7} << QByteArray("yy") << rangeText(5, 7) << 0 << 1;
+    QTest::newRow("lower") << Values{5, 3} << QByteArray("yy") << rangeText(3, 5) << 1 << 0;
+    QTest::newRow("extremes again")
+        << Values{5, 7, 3, 7, 3} << QByteArray("yyynn") << rangeText(3, 7) << 2 << 1;
+    QTest::newRow("inside") << Values{3, 7, 5} << QByteArray("yyn") << rangeText(3, 7) << 0 << 1;
+    QTest::newRow("ever further") << Values{1, 2, 3, 0, -1} << QByteArray("yyyyy")
+                                  << rangeText(-1, 3) << 4 << 2;
+    QTest::newRow("next double") << Values{1, afterOne, 1, afterOne} << QByteArray("yynn")
+                                 << rangeText(1, afterOne) << 0 << 1;
+    QTest::newRow("least doubles")
+        << Values{0, least, -least} << QByteArray("yyy") << rangeText(-least, least) << 2 << 1;
+    QTest::newRow("largest doubles")
+        << Values{0, most, -most, most} << QByteArray("yyyn") << rangeText(-most, most) << 2 << 1;
+    QTest::newRow("NaN first") << Values{notANumber, 1, infinity, -infinity, notANumber}
+                               << QByteArray("ynnnn") << rangeText(notANumber, notANumber) << 0
+                               << 0;
+    QTest::newRow("NaN later") << Values{1, notANumber, 2} << QByteArray("yny") << rangeText(1, 2)
+                               << 0 << 2;
+    QTest::newRow("infinities") << Values{0, infinity, -infinity, infinity, -infinity}
+                                << QByteArray("yyynn") << rangeText(-infinity, infinity) << 2 << 1;
+    QTest::newRow("infinity first")
+        << Values{infinity, 5, infinity} << QByteArray("yyn") << rangeText(5, infinity) << 1 << 0;
+    QTest::newRow("negative infinity first") << Values{-infinity, 5, -infinity} << QByteArray("yyn")
+                                             << rangeText(-infinity, 5) << 0 << 1;
+    QTest::newRow("-0 first") << Values{-0.0, 0.0} << QByteArray("yn") << rangeText(-0.0, -0.0) << 0
+                              << 0;
+    QTest::newRow("-0 later") << Values{0.0, -0.0} << QByteArray("yn") << rangeText(0.0, 0.0) << 0
+                              << 0;
+}
+
+void tst_DragIndicator::takesValues()
+{
+    QFETCH(QVector<double>, values);
+    QFETCH(QByteArray, changes);
+    QFETCH(QByteArray, range);
+    QFETCH(int, minSetter);
+    QFETCH(int, maxSetter);
+
+    const auto momentOf = [](int place) { return noon.addSecs(60 * place); };
+    DragIndicator indicator;
+    Record record;
+    QByteArray computeResults;
+    QByteArray checkResults;
+    TestClock clock(noon);
+    for (int i = 0; i < values.size(); ++i) {
+        clock.set(momentOf(i));
+        computeResults += indicator.compute(values.at(i)) ? 'y' : 'n';
+        checkResults += indicator.checkInstance(record, values.at(i)) ? 'y' : 'n';
+    }
+
+    QCOMPARE(computeResults, changes);
+    for (const int index : {0, 1}) {
+        QVERIFY(indicator.isInitialized(Records::at(index)));
+        QCOMPARE(rangeOf(indicator, index), range);
+        QCOMPARE(minDateOf(indicator, index), momentOf(minSetter).toString(Qt::ISODate));
+        QCOMPARE(maxDateOf(indicator, index), momentOf(maxSetter).toString(Qt::ISODate));
+    }
+    QCOMPARE(checkResults, changes);
+    QVERIFY(record.initialized);
+    QCOMPARE(rangeOf(record), range);
+    QCOMPARE(record.minValueDate, momentOf(minSetter));
+    QCOMPARE(record.maxValueDate, momentOf(maxSetter));
+}
+
+void tst_DragIndicator::firstValueReadsClockOnce()
+{
+    DragIndicator indicator;
+    Record record;
+    // Dates of an empty record do not matter.
+    record.minValueDate = QDateTime(QDate(1999, 1, 1), QTime(1, 0), Qt::UTC);
+    TestClock clock(noon, 1000);
+    QVERIFY(indicator.checkInstance(record, 1));
+    QCOMPARE(clock.takeReadings(), QStringList({QStringLiteral("date"), QStringLiteral("time")}));
+    QCOMPARE(record.minValueDate, noon.addSecs(1));
+    QCOMPARE(record.minValueDate.timeSpec(), Qt::LocalTime);
+    QCOMPARE(record.maxValueDate, record.minValueDate);
+}
+
+void tst_DragIndicator::firstDatesAreNow()
+{
+    DragIndicator indicator;
+    Record record;
+    const QDateTime before = QDateTime::currentDateTime();
+    QVERIFY(indicator.checkInstance(record, 1));
+    const QDateTime after = QDateTime::currentDateTime();
+    QCOMPARE(record.minValueDate, record.maxValueDate);
+    QCOMPARE(record.minValueDate.timeSpec(), Qt::LocalTime);
+    QVERIFY(before <= record.minValueDate);
+    QVERIFY(record.minValueDate <= after);
+}
+
+void tst_DragIndicator::maximumComesBeforeMinimum()
+{
+    // Only a record made by hand can take one value on both sides.
+    Record record = takenRecord(9, 1);
+    DragIndicator indicator;
+    TestClock clock(noon.addDays(1), 1000);
+    QVERIFY(indicator.checkInstance(record, 5));
+    QCOMPARE(rangeOf(record), QByteArray("5 to 5"));
+    QCOMPARE(record.maxValueDate, noon.addDays(1).addSecs(1));
+    QCOMPARE(record.minValueDate, noon.addDays(1).addSecs(3));
+    QCOMPARE(clock.takeReadings(), QStringList({QStringLiteral("date"), QStringLiteral("time"),
+                                                QStringLiteral("date"), QStringLiteral("time")}));
+}
+
+void tst_DragIndicator::laterDatesReadClockForEachExtreme_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QStringList>("readings");
+    QTest::addColumn<int>("minSeconds");
+    QTest::addColumn<int>("maxSeconds");
+
+    const QStringList once{QStringLiteral("date"), QStringLiteral("time")};
+    QTest::newRow("inside") << 5.0 << QStringList() << 0 << 0;
+    QTest::newRow("minimum again") << 4.0 << QStringList() << 0 << 0;
+    QTest::newRow("maximum again") << 6.0 << QStringList() << 0 << 0;
+    QTest::newRow("lower") << 3.0 << once << 61 << 0;
+    QTest::newRow("higher") << 7.0 << once << 0 << 61;
+}
+
+void tst_DragIndicator::laterDatesReadClockForEachExtreme()
+{
+    QFETCH(double, value);
+    QFETCH(QStringList, readings);
+    QFETCH(int, minSeconds);
+    QFETCH(int, maxSeconds);
+
+    Record record = takenRecord(4, 6);
+    DragIndicator indicator;
+    TestClock clock(noon.addSecs(60), 1000);
+    QCOMPARE(indicator.checkInstance(record, value), !readings.isEmpty());
+    QCOMPARE(clock.takeReadings(), readings);
+    QCOMPARE(record.minValueDate, noon.addSecs(minSeconds));
+    QCOMPARE(record.maxValueDate, noon.addSecs(maxSeconds));
+}
+
+void tst_DragIndicator::dateMayStraddleMidnight()
+{
+    const QDateTime beforeMidnight(QDate(2024, 2, 29), QTime(23, 59, 59, 999));
+    // The day is read first, so the first moment of the next one is taken for that of this one.
+    const QDateTime straddling(QDate(2024, 2, 29), QTime(0, 0));
+    DragIndicator indicator;
+    Record record;
+    TestClock clock(beforeMidnight, 1);
+    QVERIFY(indicator.checkInstance(record, 1));
+    QCOMPARE(record.minValueDate, straddling);
+    clock.set(beforeMidnight);
+    QVERIFY(indicator.checkInstance(record, 2));
+    QCOMPARE(record.maxValueDate, straddling);
+    clock.set(beforeMidnight);
+    record.minValueDate = noon;
+    QVERIFY(indicator.checkInstance(record, 0));
+    QCOMPARE(record.minValueDate, straddling);
+}
+
+void tst_DragIndicator::clockSetBackGivesEarlierDate()
+{
+    DragIndicator indicator;
+    TestClock clock(noon);
+    QVERIFY(indicator.compute(1));
+    clock.set(noon.addYears(-1));
+    QVERIFY(indicator.compute(2));
+    QCOMPARE(minDateOf(indicator, 0), QStringLiteral("2024-03-01T12:00:00"));
+    QCOMPARE(maxDateOf(indicator, 0), QStringLiteral("2023-03-01T12:00:00"));
+}
+
+void tst_DragIndicator::datesKeepTheirFrame_data()
+{
+    QTest::addColumn<QDateTime>("before");
+    QTest::addColumn<QDateTime>("after");
+
+    const QDate newDay(2024, 3, 2);
+    const QTime newTime(13, 14, 15, 16);
+    QTest::newRow("none") << QDateTime() << QDateTime(newDay, newTime);
+    QTest::newRow("local") << noon << QDateTime(newDay, newTime);
+    QTest::newRow("UTC") << QDateTime(noon.date(), noon.time(), Qt::UTC)
+                         << QDateTime(newDay, newTime, Qt::UTC);
+    QTest::newRow("offset") << QDateTime(noon.date(), noon.time(), Qt::OffsetFromUTC, 7200)
+                            << QDateTime(newDay, newTime, Qt::OffsetFromUTC, 7200);
+}
+
+// The clock's date and time are put into the date that is there.
+void tst_DragIndicator::datesKeepTheirFrame()
+{
+    QFETCH(QDateTime, before);
+    QFETCH(QDateTime, after);
+
+    Record record = takenRecord(9, 1);
+    record.minValueDate = before;
+    record.maxValueDate = before;
+    DragIndicator indicator;
+    const TestClock clock(QDateTime(after.date(), after.time()));
+    QVERIFY(indicator.checkInstance(record, 5));
+    for (const QDateTime& date : {record.minValueDate, record.maxValueDate}) {
+        QCOMPARE(date, after);
+        QCOMPARE(date.timeSpec(), after.timeSpec());
+        QCOMPARE(date.offsetFromUtc(), after.offsetFromUtc());
+    }
+}
+
+void tst_DragIndicator::everyRecordIsVisited()
+{
+    DragIndicator indicator;
+    QVERIFY(
+        indicator.fromJsonArray({Records::object(0, 10, isoDate), Records::object(4, 6, isoDate)}));
+    QVERIFY(!indicator.compute(5));
+    // Only the second, then only the first, then both.
+    QVERIFY(indicator.compute(8));
+    QCOMPARE(rangeOf(indicator, 0), QByteArray("0 to 10"));
+    QCOMPARE(rangeOf(indicator, 1), QByteArray("4 to 8"));
+    QVERIFY(
+        indicator.fromJsonArray({Records::object(4, 6, isoDate), Records::object(0, 10, isoDate)}));
+    QVERIFY(indicator.compute(8));
+    QCOMPARE(rangeOf(indicator, 0), QByteArray("4 to 8"));
+    QCOMPARE(rangeOf(indicator, 1), QByteArray("0 to 10"));
+
+    TestClock clock(noon, 1000);
+    QVERIFY(indicator.compute(12));
+    QCOMPARE(rangeOf(indicator, 0), QByteArray("4 to 12"));
+    QCOMPARE(rangeOf(indicator, 1), QByteArray("0 to 12"));
+    // In the order of the list.
+    QCOMPARE(maxDateOf(indicator, 0), QStringLiteral("2024-03-01T12:00:01"));
+    QCOMPARE(maxDateOf(indicator, 1), QStringLiteral("2024-03-01T12:00:03"));
+}
+
+void tst_DragIndicator::resetEmptiesFirstRecord()
+{
+    DragIndicator indicator;
+    QVERIFY(indicator.compute(5));
+    QVERIFY(indicator.compute(7));
+    const QJsonValue second = indicator.asJsonArray().at(1);
+    indicator.reset();
+    QVERIFY(!indicator.isInitialized(DragIndicator::ResettableInstance));
+    QVERIFY(indicator.isInitialized(DragIndicator::PermanentInstance));
+    QCOMPARE(indicator.asJsonArray(), QJsonArray({Records::emptyObject(), second}));
+
+    // The first starts again; the second only goes on.
+    QVERIFY(indicator.compute(6));
+    QCOMPARE(rangeOf(indicator, 0), QByteArray("6 to 6"));
+    QCOMPARE(indicator.asJsonArray().at(1), second);
+    QVERIFY(indicator.compute(8));
+    QCOMPARE(rangeOf(indicator, 0), QByteArray("6 to 8"));
+    QCOMPARE(rangeOf(indicator, 1), QByteArray("5 to 8"));
+}
+
+void tst_DragIndicator::resetWithdrawsNotANumber()
+{
+    DragIndicator indicator;
+    QVERIFY(indicator.compute(notANumber));
+    QVERIFY(!indicator.compute(1));
+    indicator.reset();
+    QVERIFY(indicator.compute(1));
+    QCOMPARE(rangeOf(indicator, 0), QByteArray("1 to 1"));
+    QCOMPARE(rangeOf(indicator, 1), QByteArray("nan to nan"));
+}
+
+void tst_DragIndicator::initObjectAppends()
+{
+    DragIndicator indicator;
+    QVERIFY(indicator.compute(5));
+    const QJsonArray before = indicator.asJsonArray();
+    indicator.initObject();
+    QCOMPARE(indicator.asJsonArray(), QJsonArray({before.at(0), before.at(1),
+                                                  Records::emptyObject(), Records::emptyObject()}));
+    for (const int index : {2, 3}) {
+        QVERIFY(!indicator.isInitialized(Records::at(index)));
+    }
+    QVERIFY(indicator.compute(9));
+    for (const int index : {0, 1}) {
+        QCOMPARE(rangeOf(indicator, index), QByteArray("5 to 9"));
+    }
+    for (const int index : {2, 3}) {
+        QVERIFY(indicator.isInitialized(Records::at(index)));
+        QCOMPARE(rangeOf(indicator, index), QByteArray("9 to 9"));
+    }
+    announceMissing("max", 4, initializedSignature);
+    QVERIFY(!indicator.isInitialized(Records::at(4)));
+
+    const QJsonArray computed = indicator.asJsonArray();
+    indicator.reset();
+    QCOMPARE(indicator.asJsonArray(),
+             QJsonArray({Records::emptyObject(), computed.at(1), computed.at(2), computed.at(3)}));
+}
+
+void tst_DragIndicator::emptyListTakesNothing()
+{
+    DragIndicator indicator;
+    messages().expectWarning(
+        "DragIndicator",
+        QStringLiteral("Received invalid count for drag indicator instances: 0 , 2 !"));
+    messages().expectWarning(
+        "DragIndicator",
+        QStringLiteral("Resetting drag indicator due to errors on importing json data!"));
+    QVERIFY(!indicator.fromJsonArray(QJsonArray()));
+    indicator.reset();
+    QVERIFY(!indicator.compute(1));
+    QCOMPARE(indicator.asJsonArray(), QJsonArray());
+    for (const int index : {0, 1}) {
+        announceMissing("min", index, minSignature);
+        announceMissing("max", index, maxSignature);
+        QCOMPARE(rangeOf(indicator, index), QByteArray("0 to 0"));
+        announceMissing("max", index, initializedSignature);
+        QVERIFY(!indicator.isInitialized(Records::at(index)));
+    }
+    indicator.initObject();
+    QCOMPARE(indicator.asJsonArray(), QJsonArray({Records::emptyObject(), Records::emptyObject()}));
+}
+
+void tst_DragIndicator::missingRecordWarns_data()
+{
+    QTest::addColumn<int>("index");
+
+    QTest::newRow("first beyond") << 2;
+    QTest::newRow("second beyond") << 3;
+    QTest::newRow("large") << 1000000;
+    QTest::newRow("largest") << std::numeric_limits<int>::max();
+}
+
+void tst_DragIndicator::missingRecordWarns()
+{
+    QFETCH(int, index);
+
+    DragIndicator indicator;
+    QVERIFY(indicator.compute(5));
+    announceMissing("min", index, minSignature);
+    QCOMPARE(numberText(indicator.getMinValue(Records::at(index))), QByteArray("0"));
+    announceMissing("max", index, maxSignature);
+    QCOMPARE(numberText(indicator.getMaxValue(Records::at(index))), QByteArray("0"));
+    announceMissing("max", index, initializedSignature);
+    QVERIFY(!indicator.isInitialized(Records::at(index)));
+}
+
+void tst_DragIndicator::negativeIndexEndsProcess_data()
+{
+    QTest::addColumn<Deed>("read");
+
+    for (const int index : {-1, std::numeric_limits<int>::min()}) {
+        QTest::addRow("minimum of %d", index)
+            << Deed([index](DragIndicator& it) { it.getMinValue(Records::at(index)); });
+        QTest::addRow("maximum of %d", index)
+            << Deed([index](DragIndicator& it) { it.getMaxValue(Records::at(index)); });
+        QTest::addRow("whether %d is initialized", index)
+            << Deed([index](DragIndicator& it) { it.isInitialized(Records::at(index)); });
+    }
+}
+
+void tst_DragIndicator::negativeIndexEndsProcess()
+{
+    QFETCH(Deed, read);
+
+    const ChildResult result = ChildProcess::run([&read] {
+        DragIndicator indicator;
+        read(indicator);
+        return 0;
+    });
+    QVERIFY(!result.exited);
+    QCOMPARE(result.signal, SIGABRT);
+    QVERIFY2(result.output.contains("ASSERT failure in QList<T>::at: \"index out of range\""),
+             result.output.constData());
+    QVERIFY2(!result.output.contains("Error on reading"), result.output.constData());
+}
+
+void tst_DragIndicator::textDatesMakeOneChange_data()
+{
+    QTest::addColumn<QJsonArray>("imported");
+    QTest::addColumn<QVector<double>>("values");
+    QTest::addColumn<QByteArray>("changes");
+
+    using Values = QVector<double>;
+    QTest::newRow("ISO dates") << records(isoDate) << Values{5, 5} << QByteArray("nn");
+    QTest::newRow("inside") << records(textDate) << Values{5, 5, 5} << QByteArray("ynn");
+    QTest::newRow("at the extremes") << records(textDate) << Values{4, 6} << QByteArray("yn");
+    QTest::newRow("NaN") << records(textDate) << Values{notANumber, 5} << QByteArray("yn");
+    QTest::newRow("a change of its own") << records(textDate) << Values{7, 5} << QByteArray("yn");
+    QTest::newRow("nothing initialized")
+        << records(textDate, false, false) << Values{5, 5, 5} << QByteArray("yyn");
+    QTest::newRow("only the first initialized")
+        << records(textDate, true, false) << Values{5, 5} << QByteArray("yn");
+    QTest::newRow("only the second initialized")
+        << records(textDate, false, true) << Values{5, 5} << QByteArray("yn");
+}
+
+void tst_DragIndicator::textDatesMakeOneChange()
+{
+    QFETCH(QJsonArray, imported);
+    QFETCH(QVector<double>, values);
+    QFETCH(QByteArray, changes);
+
+    DragIndicator indicator;
+    QVERIFY(indicator.fromJsonArray(imported));
+    QByteArray results;
+    for (const double value : values) {
+        results += indicator.compute(value) ? 'y' : 'n';
+    }
+    QCOMPARE(results, changes);
+}
+
+void tst_DragIndicator::textDatesStay_data()
+{
+    QTest::addColumn<Deed>("deed");
+
+    QTest::newRow("nothing done") << Deed([](DragIndicator&) {});
+    QTest::newRow("first value of a record") << Deed([](DragIndicator& it) {
+        Record record;
+        QVERIFY(it.checkInstance(record, 5));
+    });
+    QTest::newRow("reset") << Deed([](DragIndicator& it) { it.reset(); });
+    QTest::newRow("more records") << Deed([](DragIndicator& it) { it.initObject(); });
+    QTest::newRow("reading") << Deed([](DragIndicator& it) {
+        it.getMinValue(DragIndicator::ResettableInstance);
+        it.getMaxValue(DragIndicator::ResettableInstance);
+        it.isInitialized(DragIndicator::ResettableInstance);
+        it.isIsoFormat(isoDate);
+    });
+    QTest::newRow("export") << Deed([](DragIndicator& it) { it.asJsonArray(); });
+    QTest::newRow("import of ISO dates")
+        << Deed([](DragIndicator& it) { QVERIFY(it.fromJsonArray(records(isoDate))); });
+    QTest::newRow("copy") << Deed([](DragIndicator& it) {
+        const DragIndicator copy(it);
+        it = DragIndicator();
+        it = copy;
+    });
+}
+
+void tst_DragIndicator::textDatesStay()
+{
+    QFETCH(Deed, deed);
+
+    DragIndicator indicator;
+    QVERIFY(indicator.fromJsonArray(records(textDate)));
+    deed(indicator);
+    QVERIFY(takeTextDateImported(indicator));
+    QVERIFY(!takeTextDateImported(indicator));
+}
+
+void tst_DragIndicator::copiesAreIndependent()
+{
+    DragIndicator original;
+    QVERIFY(original.fromJsonArray(records(textDate)));
+    const QJsonArray before = original.asJsonArray();
+    DragIndicator copy(original);
+    DragIndicator assigned;
+    assigned = original;
+    QCOMPARE(copy.asJsonArray(), before);
+    QCOMPARE(assigned.asJsonArray(), before);
+
+    QVERIFY(copy.compute(100));
+    assigned.reset();
+    QCOMPARE(original.asJsonArray(), before);
+    QCOMPARE(rangeOf(copy, 0), QByteArray("4 to 100"));
+    QVERIFY(!assigned.isInitialized(DragIndicator::ResettableInstance));
+    QVERIFY(original.compute(5));
+    QVERIFY(!original.compute(5));
+    QVERIFY(!copy.compute(5));
+    QVERIFY(takeTextDateImported(assigned));
+}
+
+void tst_DragIndicator::tellsIsoDates_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isIso");
+
+    const char32_t mathematicalDigit = 0x1D7CE;
+    QTest::newRow("null") << QString() << false;
+    QTest::newRow("empty") << QStringLiteral("") << false;
+    QTest::newRow("ISO") << isoDate << true;
+    QTest::newRow("text") << textDate << false;
+    QTest::newRow("0") << QStringLiteral("0") << true;
+    QTest::newRow("9") << QStringLiteral("9x") << true;
+    QTest::newRow("before 0") << QStringLiteral("/1") << false;
+    QTest::newRow("after 9") << QStringLiteral(":1") << false;
+    QTest::newRow("minus") << QStringLiteral("-2024-03-01") << false;
+    QTest::newRow("blank") << QStringLiteral(" 2024-03-01") << false;
+    QTest::newRow("digit second") << QStringLiteral("x1") << false;
+    QTest::newRow("NUL") << QString(1, QChar(0)) << false;
+    QTest::newRow("Arabic-Indic") << QStringLiteral(u"\u0660") << true;
+    QTest::newRow("Devanagari") << QStringLiteral(u"\u096F") << true;
+    QTest::newRow("full width") << QStringLiteral(u"\uFF12") << true;
+    QTest::newRow("superscript") << QStringLiteral(u"\u00B2") << false;
+    QTest::newRow("Roman") << QStringLiteral(u"\u2160") << false;
+    QTest::newRow("fraction") << QStringLiteral(u"\u00BD") << false;
+    QTest::newRow("two code units") << QString::fromUcs4(&mathematicalDigit, 1) << false;
+}
+
+void tst_DragIndicator::tellsIsoDates()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, isIso);
+
+    QCOMPARE(DragIndicator().isIsoFormat(text), isIso);
+}
+
+QTEST_GUILESS_MAIN(tst_DragIndicator)
+#include "tst_DragIndicator.moc"
