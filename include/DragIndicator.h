@@ -18,10 +18,11 @@
  * - \b Threads: one object, one thread.
  * - \b Ownership: a value that may be copied.
  * - \b Errors: nothing throws; each function says what it warns of. A negative index is no error
- * that is reported: it ends the process, in every build.
- * - \b Units and formats: values in the caller's unit; dates are local. Dates are what the clock
- * says at the moment: when the clock is set back, a later extreme has an earlier date. A NaN as the
- * first value of a record stays its minimum and maximum until reset(); later NaNs are passed over.
+ *   that is reported: it ends the process, in every build.
+ * - \b Units and formats: values in the caller's unit; dates are local, but one that was imported
+ *   with a zone keeps it. Dates are what the clock says at the moment: when the clock is set back, a
+ *   later extreme has an earlier date. A NaN as the first value of a record stays its minimum and
+ *   maximum until reset(); later NaNs are passed over.
  *
  * \since 1.0
  */
@@ -100,7 +101,8 @@ public:
      *
      * Members: "MinValue" and "MaxValue" (numbers), "MinValueDate" and "MaxValueDate" (texts such
      * as 2024-03-01T12:30:05, local time, empty without a date), "Initialized" (bool). JSON knows
-     * no NaN and no infinity: such a value becomes null, which cannot be read back.
+     * no NaN and no infinity: in a document such a value becomes null, which cannot be read
+     * back.
      */
     QJsonArray asJsonArray() const;
 
