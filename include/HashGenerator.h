@@ -16,8 +16,7 @@
  * - \b Ownership: nothing is kept.
  * - \b Errors: nothing throws; a file that cannot be read is warned of and gives a null array.
  * - \b Units and formats: a digest is raw bytes, not hexadecimal text. The file is read whole, in
- *   text mode: carriage returns do not count, so that a text has one digest whatever ends its
- * lines.
+ *   text mode: carriage returns do not count, so that a text has one digest whatever its line ends.
  *
  * \since 1.0
  */

@@ -17,8 +17,8 @@
  *
  * \par Contract
  * - \b Threads: one object, one thread.
- * - \b Ownership: the file is read whole at construction and closed again; its later changes are
- * not seen.
+ * - \b Ownership: the file is read whole at construction and closed again; what changes later is
+ *   not seen.
  * - \b Errors: nothing throws. Each error is a warning, sets hasError() and replaces
  *   getLastError(); only clearLastError() takes that back. The object stays usable: without a file
  *   the text is empty.

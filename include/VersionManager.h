@@ -15,8 +15,8 @@
  * \par Contract
  * - \b Threads: after construction an object is only read, and may be shared.
  * - \b Ownership: a value that may be copied; getters return copies.
- * - \b Errors: nothing throws. What a version does not hold is a null text; what is odd is warned
- * of.
+ * - \b Errors: nothing throws. What a version does not hold is a null text; what is odd is a
+ *   warning.
  * - \b Units and formats: every part is text as it stands, leading zeros included.
  *
  * \since 1.0
