@@ -1,0 +1,151 @@
+#include "TestCase.h"
+#include "UniqueIdGenerator.h"
+
+#include <QtCore/QProcess>
+
+#include <algorithm>
+#include <limits>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+static_assert(!std::is_polymorphic<UniqueIdGenerator>::value, "nothing is virtual");
+static_assert(std::is_standard_layout<UniqueIdGenerator>::value, "its address is the counter's");
+static_assert(sizeof(UniqueIdGenerator) == sizeof(QAtomicInt), "the counter alone");
+static_assert(std::is_same<decltype(std::declval<UniqueIdGenerator&>().getId()), QAtomicInt>::value,
+              "an atomic integer by value");
+static_assert(std::is_same<decltype(UniqueIdGenerator::getInstance()), UniqueIdGenerator&>::value,
+              "by reference");
+
+namespace {
+
+constexpr int threadCount = 8;
+constexpr int identifiersPerThread = 100000;
+
+int nextId(UniqueIdGenerator& generator)
+{
+    return generator.getId().loadRelaxed();
+}
+
+// What threadCount threads get from the generator, sorted.
+std::vector<int> drawFromManyThreads(UniqueIdGenerator& generator)
+{
+    std::vector<int> identifiers(size_t(threadCount * identifiersPerThread), -1);
+    std::vector<std::thread> threads;
+    QAtomicInt waiting(threadCount);
+    for (int number = 0; number < threadCount; ++number) {
+        int* const own = identifiers.data() + number * identifiersPerThread;
+        threads.emplace_back([&generator, &waiting, own] {
+            // All begin together, so that the calls overlap.
+            waiting.fetchAndSubOrdered(1);
+            while (waiting.loadAcquire() > 0) {
+                std::this_thread::yield();
+            }
+            std::generate_n(own, identifiersPerThread, [&generator] { return nextId(generator); });
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    std::sort(identifiers.begin(), identifiers.end());
+    return identifiers;
+}
+
+// Whether the identifiers are first, first + 1 and so on.
+bool isEachOnce(const std::vector<int>& identifiers, int first)
+{
+    return std::all_of(identifiers.begin(), identifiers.end(),
+                       [&first](int identifier) { return identifier == first++; });
+}
+
+} // namespace
+
+class tst_UniqueIdGenerator : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void processBeginsAtZero(); // first: the others use up identifiers
+    void nextProcessBeginsAtZero();
+    void instanceIsOne();
+    void ownGeneratorsBeginAtZero();
+    void resultIsAValue();
+    void eachOnceOverThreads();
+    void eachOnceOverThreadsFromInstance();
+    void wrapsAround();
+};
+
+void tst_UniqueIdGenerator::processBeginsAtZero()
+{
+    QCOMPARE(nextId(UniqueIdGenerator::getInstance()), 0);
+    QCOMPARE(nextId(UniqueIdGenerator::getInstance()), 1);
+    QCOMPARE(nextId(UniqueIdGenerator::getInstance()), 2);
+}
+
+void tst_UniqueIdGenerator::nextProcessBeginsAtZero()
+{
+    nextId(UniqueIdGenerator::getInstance());
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("processBeginsAtZero")});
+    QVERIFY(process.waitForFinished());
+    QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+             process.readAll().constData());
+}
+
+void tst_UniqueIdGenerator::instanceIsOne()
+{
+    UniqueIdGenerator* const instance = &UniqueIdGenerator::getInstance();
+    UniqueIdGenerator* inOtherThread = nullptr;
+    std::thread([&inOtherThread] { inOtherThread = &UniqueIdGenerator::getInstance(); }).join();
+    QCOMPARE(&UniqueIdGenerator::getInstance(), instance);
+    QCOMPARE(inOtherThread, instance);
+}
+
+void tst_UniqueIdGenerator::ownGeneratorsBeginAtZero()
+{
+    nextId(UniqueIdGenerator::getInstance());
+    UniqueIdGenerator one;
+    QCOMPARE(nextId(one), 0);
+    QCOMPARE(nextId(one), 1);
+    UniqueIdGenerator other;
+    QCOMPARE(nextId(other), 0);
+    QCOMPARE(nextId(one), 2);
+}
+
+void tst_UniqueIdGenerator::resultIsAValue()
+{
+    UniqueIdGenerator generator;
+    QAtomicInt first = generator.getId();
+    first.fetchAndAddRelaxed(100);
+    QCOMPARE(nextId(generator), 1);
+    const int number = generator.getId();
+    QCOMPARE(number, 2);
+}
+
+void tst_UniqueIdGenerator::eachOnceOverThreads()
+{
+    UniqueIdGenerator generator;
+    QVERIFY(isEachOnce(drawFromManyThreads(generator), 0));
+    QCOMPARE(nextId(generator), threadCount * identifiersPerThread);
+}
+
+void tst_UniqueIdGenerator::eachOnceOverThreadsFromInstance()
+{
+    const int last = nextId(UniqueIdGenerator::getInstance());
+    QVERIFY(isEachOnce(drawFromManyThreads(UniqueIdGenerator::getInstance()), last + 1));
+}
+
+void tst_UniqueIdGenerator::wrapsAround()
+{
+    UniqueIdGenerator generator;
+    // Counting up to there would take too long.
+    reinterpret_cast<QAtomicInt&>(generator).storeRelaxed(std::numeric_limits<int>::max() - 1);
+    QCOMPARE(nextId(generator), 2147483646);
+    QCOMPARE(nextId(generator), 2147483647);
+    QCOMPARE(nextId(generator), std::numeric_limits<int>::min());
+    QCOMPARE(nextId(generator), std::numeric_limits<int>::min() + 1);
+}
+
+QTEST_GUILESS_MAIN(tst_UniqueIdGenerator)
+#include "tst_UniqueIdGenerator.moc"
