@@ -1,0 +1,348 @@
+#include "ChildProcess.h"
+#include "HashGenerator.h"
+#include "TestCase.h"
+#include "VariantSamples.h"
+
+#include <QtCore/QMetaEnum>
+
+#include <type_traits>
+
+static_assert(sizeof(HashGenerator) == sizeof(void*), "no fields");
+static_assert(std::has_virtual_destructor<HashGenerator>::value, "virtual destructor");
+static_assert(std::is_default_constructible<HashGenerator>::value, "an object can be made");
+static_assert(std::is_same<decltype(hashFromString("")), uint>::value, "32 bits");
+
+namespace {
+
+const char signature[] = "static QByteArray HashGenerator::createHashFromFile(const "
+                         "QString&, const QCryptographicHash::Algorithm&)";
+
+// The same file content with and without carriage returns.
+struct Content
+{
+    const char* name;
+    QByteArray bytes;
+    QByteArray hashed;
+};
+
+QVector<Content> contents()
+{
+    // Qt reads in pieces of 16 KiB: carriage returns on both sides of the edge, and far behind it.
+    const QByteArray piece(16383, 'x');
+    return {
+        {"empty", "", ""},
+        {"no carriage return", "a\nb\n", "a\nb\n"},
+        {"line end", "a\r\n", "a\n"},
+        {"lines", "a\r\nb\r\n", "a\nb\n"},
+        {"one carriage return alone", "\r", ""},
+        {"carriage returns alone", "\r\r\r", ""},
+        {"in the middle", "a\rb", "ab"},
+        {"at the begin and at the end", "\rab\r", "ab"},
+        {"behind the line feed", "a\n\rb", "a\nb"},
+        {"two before a line feed", "a\r\r\nb", "a\nb"},
+        {"zeros", QByteArray("\0a\0\r\n\0", 6), QByteArray("\0a\0\n\0", 5)},
+        {"end-of-file character",
+         "a\x1A"
+         "b\r\n",
+         "a\x1A"
+         "b\n"},
+        {"byte order mark", "\xEF\xBB\xBFtext\r\n", "\xEF\xBB\xBFtext\n"},
+        {"no UTF-8", "\xFF\x80\xFE\r\n", "\xFF\x80\xFE\n"},
+        {"at the edge of a piece", piece + "\r\r\n" + piece, piece + "\n" + piece},
+        {"many pieces", QByteArray("0123456789\r\n").repeated(20000),
+         QByteArray("0123456789\n").repeated(20000)},
+    };
+}
+
+} // namespace
+
+class tst_HashGenerator : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fileHash_data();
+    void fileHash();
+    void fileHashVectors_data();
+    void fileHashVectors();
+    void fileOfUnknownSize();
+    void fileIsLeftAsItIs();
+    void missingFile_data();
+    void missingFile();
+    void danglingLink();
+    void linkToFile();
+    void directory();
+    void filesWithoutPermission_data();
+    void filesWithoutPermission();
+    void textHash_data();
+    void textHash();
+    void textHashOfEveryByte();
+    void textHashEndsAtZero();
+    void variantHash_data();
+    void variantHash();
+    void variantHashVectors_data();
+    void variantHashVectors();
+};
+
+void tst_HashGenerator::fileHash_data()
+{
+    QTest::addColumn<int>("algorithm");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("hashed");
+
+    const QMetaEnum algorithms = QMetaEnum::fromType<QCryptographicHash::Algorithm>();
+    QVERIFY(algorithms.keyCount() >= 15);
+    for (int i = 0; i < algorithms.keyCount(); ++i) {
+        for (const Content& content : contents()) {
+            QTest::addRow("%s, %s", algorithms.key(i), content.name)
+                << algorithms.value(i) << content.bytes << content.hashed;
+        }
+    }
+}
+
+void tst_HashGenerator::fileHash()
+{
+    QFETCH(int, algorithm);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, hashed);
+
+    const auto method = static_cast<QCryptographicHash::Algorithm>(algorithm);
+    const QByteArray hash =
+        HashGenerator::createHashFromFile(writeFile(QStringLiteral("file"), bytes), method);
+    QCOMPARE(hash.size(), QCryptographicHash::hashLength(method));
+    QCOMPARE(hash.toHex(), QCryptographicHash::hash(hashed, method).toHex());
+}
+
+void tst_HashGenerator::fileHashVectors_data()
+{
+    QTest::addColumn<int>("algorithm");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("hash"); // in hexadecimal
+
+    QTest::newRow("MD5 of nothing") << int(QCryptographicHash::Md5) << QByteArray()
+                                    << QByteArray("d41d8cd98f00b204e9800998ecf8427e");
+    QTest::newRow("MD5 of abc") << int(QCryptographicHash::Md5) << QByteArray("\ra\rb\rc\r")
+                                << QByteArray("900150983cd24fb0d6963f7d28e17f72");
+    // From md5sum, without the carriage return.
+    QTest::newRow("MD5 of a line") << int(QCryptographicHash::Md5) << QByteArray("a\r\n")
+                                   << QByteArray("60b725f10c9c85c70d97880dfe8191b3");
+    QTest::newRow("SHA-1 of abc") << int(QCryptographicHash::Sha1) << QByteArray("abc\r")
+                                  << QByteArray("a9993e364706816aba3e25717850c26c9cd0d89d");
+    QTest::newRow("SHA-256 of abc")
+        << int(QCryptographicHash::Sha256) << QByteArray("abc\r")
+        << QByteArray("ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+}
+
+void tst_HashGenerator::fileHashVectors()
+{
+    QFETCH(int, algorithm);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, hash);
+
+    QCOMPARE(
+        HashGenerator::createHashFromFile(writeFile(QStringLiteral("file"), bytes),
+                                          static_cast<QCryptographicHash::Algorithm>(algorithm))
+            .toHex(),
+        hash);
+}
+
+void tst_HashGenerator::fileOfUnknownSize()
+{
+    // Its size is 0, and yet it has content.
+    const QString filePath = QStringLiteral("/proc/self/cmdline");
+    QCOMPARE(QFileInfo(filePath).size(), 0);
+    const QByteArray content = readFile(filePath);
+    QVERIFY(content.contains('\0') && !content.contains('\r'));
+    QCOMPARE(HashGenerator::createHashFromFile(filePath, QCryptographicHash::Sha1),
+             QCryptographicHash::hash(content, QCryptographicHash::Sha1));
+}
+
+void tst_HashGenerator::fileIsLeftAsItIs()
+{
+    const QByteArray content = "a\r\n";
+    const QString filePath = writeFile(QStringLiteral("file"), content);
+    QVERIFY(QFile::setPermissions(filePath, QFileDevice::ReadOwner));
+    const QByteArray first = HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5);
+    QVERIFY(!first.isNull());
+    QCOMPARE(readFile(filePath), content);
+    QCOMPARE(HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5), first);
+}
+
+void tst_HashGenerator::missingFile_data()
+{
+    QTest::addColumn<QString>("filePath");
+    QTest::addColumn<QString>("shown");
+
+    const QString missing = QStringLiteral("/nowhere/file");
+    QTest::newRow("missing") << missing << missing;
+    QTest::newRow("no path") << QString() << QString();
+    QTest::newRow("blanks and quotation marks")
+        << QStringLiteral("/nowhere/a \"b\"") << QStringLiteral("/nowhere/a \\\"b\\\"");
+    QTest::newRow("below a file") << QStringLiteral("/proc/version/file")
+                                  << QStringLiteral("/proc/version/file");
+}
+
+void tst_HashGenerator::missingFile()
+{
+    QFETCH(QString, filePath);
+    QFETCH(QString, shown);
+
+    messages()
+        .expectWarning("HashGenerator", QStringLiteral("Can't find file: \"%1\" !").arg(shown))
+        .function(signature);
+    QVERIFY(HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5).isNull());
+}
+
+void tst_HashGenerator::danglingLink()
+{
+    // The link itself is there: only opening it fails.
+    const QString link = path(QStringLiteral("link"));
+    QVERIFY(QFile::link(QStringLiteral("/nowhere/file"), link));
+    messages().expectWarning(
+        "HashGenerator",
+        QStringLiteral("Can't open file: \"%1\" ( \"No such file or directory\" )!").arg(link));
+    QVERIFY(HashGenerator::createHashFromFile(link, QCryptographicHash::Md5).isNull());
+}
+
+void tst_HashGenerator::linkToFile()
+{
+    const QString link = path(QStringLiteral("link"));
+    QVERIFY(QFile::link(writeFile(QStringLiteral("file"), "a\r\n"), link));
+    QCOMPARE(HashGenerator::createHashFromFile(link, QCryptographicHash::Md5),
+             QCryptographicHash::hash("a\n", QCryptographicHash::Md5));
+}
+
+void tst_HashGenerator::directory()
+{
+    messages()
+        .expectWarning(
+            "HashGenerator",
+            QStringLiteral("Can't open file: \"%1\" ( \"file to open is a directory\" )!")
+                .arg(folder()))
+        .function(signature);
+    QVERIFY(HashGenerator::createHashFromFile(folder(), QCryptographicHash::Md5).isNull());
+}
+
+void tst_HashGenerator::filesWithoutPermission_data()
+{
+    QTest::addColumn<bool>("isFolderOpen");
+    QTest::addColumn<QString>("warning");
+
+    QTest::newRow("file") << true
+                          << QStringLiteral("Can't open file: \"%1\" ( \"Permission denied\" )!");
+    QTest::newRow("folder") << false << QStringLiteral("Can't find file: \"%1\" !");
+}
+
+void tst_HashGenerator::filesWithoutPermission()
+{
+    QFETCH(bool, isFolderOpen);
+    QFETCH(QString, warning);
+
+    const QString filePath = writeFile(QStringLiteral("file"), "content");
+    QVERIFY(QFile::setPermissions(filePath, QFileDevice::Permissions()));
+    if (isFolderOpen) {
+        QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7755)));
+    }
+    const ChildResult result = ChildProcess::runAsOrdinaryUser([&filePath] {
+        return HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5).isNull() ? 0
+                                                                                             : 1;
+    });
+    QVERIFY(result.exited);
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(QString::fromLocal8Bit(result.output), warning.arg(filePath) + QLatin1Char('\n'));
+}
+
+void tst_HashGenerator::textHash_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<uint>("hash");
+
+    // Published with the algorithm.
+    QTest::newRow("empty") << QByteArray("") << 0x811C9DC5u;
+    QTest::newRow("a") << QByteArray("a") << 0xE40C292Cu;
+    QTest::newRow("b") << QByteArray("b") << 0xE70C2DE5u;
+    QTest::newRow("c") << QByteArray("c") << 0xE60C2C52u;
+    QTest::newRow("d") << QByteArray("d") << 0xE10C2473u;
+    QTest::newRow("e") << QByteArray("e") << 0xE00C22E0u;
+    QTest::newRow("f") << QByteArray("f") << 0xE30C2799u;
+    QTest::newRow("fo") << QByteArray("fo") << 0x6222E842u;
+    QTest::newRow("foo") << QByteArray("foo") << 0xA9F37ED7u;
+    QTest::newRow("foob") << QByteArray("foob") << 0x3F5076EFu;
+    QTest::newRow("fooba") << QByteArray("fooba") << 0x39AAA18Au;
+    QTest::newRow("foobar") << QByteArray("foobar") << 0xBF9CF968u;
+    // Computed elsewhere; a signed byte would give another hash.
+    QTest::newRow("highest byte") << QByteArray("\xFF") << 0x7A0B824Eu;
+    QTest::newRow("sign bit alone") << QByteArray("\x80") << 0x850B939Fu;
+    QTest::newRow("UTF-8") << QByteArray("\xC3\xA4") << 0x199DE0E2u;
+}
+
+void tst_HashGenerator::textHash()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(uint, hash);
+
+    QCOMPARE(hashFromString(text.constData()), hash);
+}
+
+void tst_HashGenerator::textHashOfEveryByte()
+{
+    for (uint byte = 1; byte <= 0xFF; ++byte) {
+        const quint64 product = quint64(2166136261u ^ byte) * 16777619u;
+        const char text[] = {char(byte), '\0'};
+        QCOMPARE(hashFromString(text), uint(product % Q_UINT64_C(4294967296)));
+    }
+}
+
+void tst_HashGenerator::textHashEndsAtZero()
+{
+    QCOMPARE(hashFromString("foo\0bar"), 0xA9F37ED7u);
+    QCOMPARE(hashFromString("\0foo"), 0x811C9DC5u);
+}
+
+void tst_HashGenerator::variantHash_data()
+{
+    QTest::addColumn<VariantSample>("sample");
+    for (const VariantSample& sample : variantSamples()) {
+        QTest::newRow(sample.name.constData()) << sample;
+    }
+}
+
+void tst_HashGenerator::variantHash()
+{
+    QFETCH(VariantSample, sample);
+
+    QCOMPARE(hashFromString(sample.value),
+             sample.isText ? hashFromString(sample.asText.toUtf8().constData()) : 0u);
+}
+
+void tst_HashGenerator::variantHashVectors_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<uint>("hash");
+
+    QTest::newRow("invalid") << QVariant() << 0u;
+    QTest::newRow("no text") << QVariant(QPoint(1, 2)) << 0u;
+    QTest::newRow("42") << QVariant(42) << 0x87E38583u;
+    QTest::newRow("the text 42") << QVariant(QStringLiteral("42")) << 0x87E38583u;
+    QTest::newRow("empty text") << QVariant(QStringLiteral("")) << 0x811C9DC5u;
+    QTest::newRow("null text") << QVariant(QString()) << 0x811C9DC5u;
+    QTest::newRow("null of type text") << QVariant(QVariant::String) << 0x811C9DC5u;
+    QTest::newRow("foobar") << QVariant(QStringLiteral("foobar")) << 0xBF9CF968u;
+    QTest::newRow("raw foobar") << QVariant(QByteArray("foobar")) << 0xBF9CF968u;
+    QTest::newRow("hashed as UTF-8") << QVariant(QStringLiteral(u"\u00E4")) << 0x199DE0E2u;
+    QTest::newRow("text with a zero")
+        << QVariant(QString::fromUtf16(u"foo\0bar", 7)) << 0xA9F37ED7u;
+    QTest::newRow("text that begins with a zero")
+        << QVariant(QString::fromUtf16(u"\0foo", 4)) << 0x811C9DC5u;
+}
+
+void tst_HashGenerator::variantHashVectors()
+{
+    QFETCH(QVariant, value);
+    QFETCH(uint, hash);
+
+    QCOMPARE(hashFromString(value), hash);
+}
+
+QTEST_GUILESS_MAIN(tst_HashGenerator)
+#include "tst_HashGenerator.moc"
