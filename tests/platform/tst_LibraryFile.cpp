@@ -95,7 +95,7 @@ QStringList publicClasses()
 
 QStringList publicFunctions()
 {
-    return captures(QStringLiteral("(?<!class )\\bMISCTOOLS_EXPORT [^;{]*?(\\w+)\\("));
+    return captures(QStringLiteral("(?<!class )\\bMISCTOOLS_EXPORT [^;{]*?(operator<<|\\w+)\\("));
 }
 
 // Whether a symbol is a member of one of the classes, what the compiler makes for one, or one of
