@@ -52,11 +52,12 @@ void writeProcessId(const std::string& filePath)
 }
 
 // signal N: ends by that signal.
-int endBySignal(int signal)
+int endBySignal(int number)
 {
     const rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
-    raise(signal);
+    signal(number, SIG_DFL); // a sanitizer would turn some signals into an exit
+    raise(number);
     return EXIT_FAILURE;
 }
 
