@@ -1,0 +1,382 @@
+#include "TestCase.h"
+
+#include <BootInformationHelper.h>
+#include <DirectoryWatcher.h>
+#include <DragIndicator.h>
+#include <ErrorContainer.h>
+#include <ExportFileNameCreator.h>
+#include <HardwareIdentification.h>
+#include <HardwareInfo.h>
+#include <HardwareInfoReader.h>
+#include <HardwareVersionIniManager.h>
+#include <HashGenerator.h>
+#include <IniFileManager.h>
+#include <KernelCommandLineDefinition.h>
+#include <KernelCommandLineParser.h>
+#include <MediaWatcher.h>
+#include <OrvalisVersionInfoIniManager.h>
+#include <QProcessHandler.h>
+#include <RaucSystemConfigIniManager.h>
+#include <RecorderUrlHashHandling.h>
+#include <RecursiveFileSearchWorkerThread.h>
+#include <TextFileParser.h>
+#include <UniqueIdGenerator.h>
+#include <VariantConversionTools.h>
+#include <VersionFileIniManager.h>
+#include <VersionManager.h>
+#include <WildcardFilter.h>
+
+#include <cstring>
+#include <dlfcn.h>
+#include <link.h>
+
+// What programs that were built earlier rely on: where the fields of an object lie, how large it
+// is, and which function stands in which slot of its table of virtual functions.
+class tst_BinaryInterface : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sizes_data();
+    void sizes();
+    void fieldsLieInDeclaredOrder_data();
+    void fieldsLieInDeclaredOrder();
+    void enumerationsAreInts();
+    void virtualFunctionsStandInSlotOrder_data();
+    void virtualFunctionsStandInSlotOrder();
+    void theseHaveNoVirtualFunctions();
+};
+
+namespace {
+
+struct Field
+{
+    QByteArray name;
+    int offset;
+    int size;
+    int alignment;
+};
+
+// The fields by class, in the order in which they are noted below.
+QHash<QByteArray, QVector<Field>>& fields()
+{
+    static QHash<QByteArray, QVector<Field>> byClass;
+    return byClass;
+}
+
+template <typename Class, typename Type>
+bool note(const char* className, const char* name, Type Class::*member)
+{
+    // The C++ ABI of both processors: a pointer to a data member is the member's offset.
+    std::ptrdiff_t offset = -1;
+    static_assert(sizeof(member) == sizeof(offset), "an offset");
+    std::memcpy(&offset, &member, sizeof(offset));
+    fields()[className].append({name, int(offset), int(sizeof(Type)), int(alignof(Type))});
+    return true;
+}
+
+// An explicit instantiation may name private members, which nothing else outside a class may.
+template <typename Tag, auto Member>
+struct NotedField
+{
+    static const bool isNoted;
+};
+
+template <typename Tag, auto Member>
+const bool NotedField<Tag, Member>::isNoted = note(Tag::className, Tag::fieldName, Member);
+
+#define NOTE_FIELD(Class, Name)                                                                    \
+    struct Class##_##Name                                                                          \
+    {                                                                                              \
+        static constexpr char className[] = #Class;                                                \
+        static constexpr char fieldName[] = #Name;                                                 \
+    };                                                                                             \
+    template struct NotedField<Class##_##Name, &Class::Name>;
+
+NOTE_FIELD(DirectoryWatcher, m_fileSystemWatcher)
+NOTE_FIELD(DirectoryWatcher, m_delayTimer)
+NOTE_FIELD(DirectoryWatcher, m_delayInMs)
+NOTE_FIELD(DirectoryWatcher, m_changedDirectories)
+NOTE_FIELD(DragIndicator, m_instances)
+NOTE_FIELD(DragIndicator, m_textDateImported)
+NOTE_FIELD(ErrorContainer, m_errorCode)
+NOTE_FIELD(ErrorContainer, m_errorMessage)
+NOTE_FIELD(HardwareIdentification, m_isValid)
+NOTE_FIELD(HardwareIdentification, m_productGroupNumber)
+NOTE_FIELD(HardwareIdentification, m_basicTypeSupplement)
+NOTE_FIELD(HardwareIdentification, m_documentTypeCountingNumber)
+NOTE_FIELD(HardwareIdentification, m_customerVersion)
+NOTE_FIELD(HardwareIdentification, m_partsListSales)
+NOTE_FIELD(HardwareInfo, m_type)
+NOTE_FIELD(HardwareInfo, m_typeName)
+NOTE_FIELD(HardwareInfo, m_hwVersion)
+NOTE_FIELD(HardwareInfo, m_hwCompIndex)
+NOTE_FIELD(HardwareInfo, m_lpId)
+NOTE_FIELD(HardwareInfo, m_comment)
+NOTE_FIELD(HardwareInfoReader, m_headerAddress)
+NOTE_FIELD(HardwareInfoReader, m_headerSize)
+NOTE_FIELD(HardwareInfoReader, m_reservedField)
+NOTE_FIELD(HardwareInfoReader, m_startAddressField)
+NOTE_FIELD(HardwareInfoReader, m_bytesToReadField)
+NOTE_FIELD(HardwareInfoReader, m_checksumField)
+NOTE_FIELD(HardwareVersionIniManager, m_iniFileManager)
+NOTE_FIELD(HardwareVersionIniManager, m_tempFile)
+NOTE_FIELD(IniFileManager, m_settings)
+NOTE_FIELD(IniFileManager, m_mutex)
+NOTE_FIELD(KernelCommandLineParser, m_arguments)
+NOTE_FIELD(MediaWatcher, m_fileMatchPatternList)
+NOTE_FIELD(MediaWatcher, m_recursive)
+NOTE_FIELD(OrvalisVersionInfoIniManager, m_iniFileManager)
+NOTE_FIELD(QProcessHandler, m_process)
+NOTE_FIELD(QProcessHandler, m_waitForStartedTimeout)
+NOTE_FIELD(QProcessHandler, m_waitForFinishedTimeout)
+NOTE_FIELD(QProcessHandler, m_standardOutput)
+NOTE_FIELD(QProcessHandler, m_standardError)
+NOTE_FIELD(QProcessHandler, m_lastExitStatus)
+NOTE_FIELD(RaucSystemConfigIniManager, m_iniFileManager)
+NOTE_FIELD(RecursiveFileSearchWorkerThread, m_path)
+NOTE_FIELD(RecursiveFileSearchWorkerThread, m_fileMatchPatternList)
+NOTE_FIELD(TextFileParser, m_hasError)
+NOTE_FIELD(TextFileParser, m_lastError)
+NOTE_FIELD(TextFileParser, m_content)
+NOTE_FIELD(UniqueIdGenerator, m_counter)
+NOTE_FIELD(VersionFileIniManager, m_iniFileManager)
+NOTE_FIELD(VersionManager, m_mainVersion)
+NOTE_FIELD(VersionManager, m_baseNumber)
+NOTE_FIELD(VersionManager, m_majorIndex)
+NOTE_FIELD(VersionManager, m_minorIndex)
+NOTE_FIELD(VersionManager, m_testIndex)
+NOTE_FIELD(VersionManager, m_patchVersion)
+NOTE_FIELD(VersionManager, m_buildNumber)
+NOTE_FIELD(VersionManager, m_gitHash)
+NOTE_FIELD(VersionManager, m_isOldVersion)
+NOTE_FIELD(WildcardFilter, m_regExps)
+
+// The record of a drag indicator is a class within a class.
+using DragIndicatorInstance = DragIndicator::DragIndicatorInstance;
+NOTE_FIELD(DragIndicatorInstance, minValueDate)
+NOTE_FIELD(DragIndicatorInstance, maxValueDate)
+NOTE_FIELD(DragIndicatorInstance, minValue)
+NOTE_FIELD(DragIndicatorInstance, maxValue)
+NOTE_FIELD(DragIndicatorInstance, initialized)
+
+constexpr bool isWide = sizeof(void*) == 8;
+
+int alignedTo(int offset, int alignment)
+{
+    return (offset + alignment - 1) / alignment * alignment;
+}
+
+// The mangled name of a class, as it stands within other mangled names.
+QByteArray mangled(const QByteArray& className)
+{
+    return QByteArray::number(className.size()) + className;
+}
+
+// The entries of the tables of virtual functions of a class, all of them, as they lie in memory.
+QVector<const void*> tableEntries(const QByteArray& className)
+{
+    const void* const table = dlsym(RTLD_DEFAULT, "_ZTV" + mangled(className));
+    Dl_info info;
+    void* found = nullptr;
+    if (!table || !dladdr1(table, &info, &found, RTLD_DL_SYMENT) || !found) {
+        return QVector<const void*>();
+    }
+    const auto* const symbol = static_cast<const ElfW(Sym)*>(found);
+    QVector<const void*> entries(int(symbol->st_size / sizeof(void*)));
+    std::memcpy(entries.data(), table, symbol->st_size);
+    return entries;
+}
+
+// What stands before the slots of each table.
+QByteArrayList tableHead(const QByteArray& className)
+{
+    return {QByteArray(), "_ZTI" + mangled(className)};
+}
+
+QByteArrayList destructorSlots(const QByteArray& className)
+{
+    return {"_ZN" + mangled(className) + "D1Ev", "_ZN" + mangled(className) + "D0Ev"};
+}
+
+QByteArrayList plainTable(const QByteArray& className)
+{
+    return tableHead(className) + destructorSlots(className);
+}
+
+QByteArrayList objectTable(const QByteArray& className)
+{
+    const QByteArray name = mangled(className);
+    return tableHead(className) +
+           QByteArrayList{"_ZNK" + name + "10metaObjectEv", "_ZN" + name + "11qt_metacastEPKc",
+                          "_ZN" + name + "11qt_metacallEN11QMetaObject4CallEiPPv"} +
+           destructorSlots(className) +
+           QByteArrayList{"_ZN7QObject5eventEP6QEvent",
+                          "_ZN7QObject11eventFilterEPS_P6QEvent",
+                          "_ZN7QObject10timerEventEP11QTimerEvent",
+                          "_ZN7QObject10childEventEP11QChildEvent",
+                          "_ZN7QObject11customEventEP6QEvent",
+                          "_ZN7QObject13connectNotifyERK11QMetaMethod",
+                          "_ZN7QObject16disconnectNotifyERK11QMetaMethod"};
+}
+
+} // namespace
+
+void tst_BinaryInterface::sizes_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("expected");
+    const auto row = [](const char* name, std::size_t size, int onWide, int onNarrow) {
+        QTest::newRow(name) << int(size) << (isWide ? onWide : onNarrow);
+    };
+    row("BootInformationHelper", sizeof(BootInformationHelper), 8, 4);
+    row("DirectoryWatcher", sizeof(DirectoryWatcher), 80, 48);
+    row("DragIndicator", sizeof(DragIndicator), 24, 12);
+    row("DragIndicator::DragIndicatorInstance", sizeof(DragIndicatorInstance), 40, 40);
+    row("ErrorContainer", sizeof(ErrorContainer), 24, 12);
+    row("ExportFileNameCreator", sizeof(ExportFileNameCreator), 8, 4);
+    row("HardwareIdentification", sizeof(HardwareIdentification), 56, 28);
+    row("HardwareInfo", sizeof(HardwareInfo), 56, 28);
+    row("HardwareInfoReader", sizeof(HardwareInfoReader), 56, 48);
+    row("HardwareVersionIniManager", sizeof(HardwareVersionIniManager), 40, 20);
+    row("HashGenerator", sizeof(HashGenerator), 8, 4);
+    row("IniFileManager", sizeof(IniFileManager), 24, 12);
+    row("KernelCommandLineDefinition", sizeof(KernelCommandLineDefinition), 8, 4);
+    row("KernelCommandLineParser", sizeof(KernelCommandLineParser), 16, 8);
+    row("MediaWatcher", sizeof(MediaWatcher), 32, 16);
+    row("OrvalisVersionInfoIniManager", sizeof(OrvalisVersionInfoIniManager), 32, 16);
+    row("QProcessHandler", sizeof(QProcessHandler), 56, 32);
+    row("RaucSystemConfigIniManager", sizeof(RaucSystemConfigIniManager), 32, 16);
+    row("RecorderUrlHashHandling", sizeof(RecorderUrlHashHandling), 8, 4);
+    row("RecursiveFileSearchWorkerThread", sizeof(RecursiveFileSearchWorkerThread), 48, 24);
+    row("TextFileParser", sizeof(TextFileParser), 32, 16);
+    row("UniqueIdGenerator", sizeof(UniqueIdGenerator), 4, 4);
+    row("VariantConversionTools", sizeof(VariantConversionTools), 1, 1);
+    row("VersionFileIniManager", sizeof(VersionFileIniManager), 32, 16);
+    row("VersionManager", sizeof(VersionManager), 80, 40);
+    row("WildcardFilter", sizeof(WildcardFilter), 16, 8);
+}
+
+void tst_BinaryInterface::sizes()
+{
+    QFETCH(int, size);
+    QTEST(size, "expected");
+}
+
+void tst_BinaryInterface::fieldsLieInDeclaredOrder_data()
+{
+    QTest::addColumn<QByteArray>("className");
+    QTest::addColumn<int>("begin");
+    QTest::addColumn<int>("end");
+    constexpr int table = int(sizeof(void*));
+    // What the fields lie between: the base classes, and the end of the object.
+    const auto row = [](const char* className, int begin, std::size_t end) {
+        QTest::newRow(className) << QByteArray(className) << begin << int(end);
+    };
+    row("DirectoryWatcher", int(sizeof(QObject)), sizeof(DirectoryWatcher));
+    row("DragIndicator", table, sizeof(DragIndicator));
+    row("DragIndicatorInstance", 0, sizeof(DragIndicatorInstance));
+    row("ErrorContainer", table, sizeof(ErrorContainer));
+    row("HardwareIdentification", table, sizeof(HardwareIdentification));
+    row("HardwareInfo", table, sizeof(HardwareInfo));
+    row("HardwareInfoReader", int(sizeof(QObject)), sizeof(HardwareInfoReader));
+    row("HardwareVersionIniManager", table, sizeof(HardwareVersionIniManager));
+    row("IniFileManager", 0, sizeof(IniFileManager));
+    row("KernelCommandLineParser", table, sizeof(KernelCommandLineParser));
+    row("MediaWatcher", int(sizeof(QObject)), sizeof(MediaWatcher));
+    row("OrvalisVersionInfoIniManager", table, sizeof(OrvalisVersionInfoIniManager));
+    row("QProcessHandler", table, sizeof(QProcessHandler));
+    row("RaucSystemConfigIniManager", table, sizeof(RaucSystemConfigIniManager));
+    // Of QRunnable's count the object's end is not padding.
+    row("RecursiveFileSearchWorkerThread", int(sizeof(QObject) + sizeof(QRunnable)),
+        sizeof(RecursiveFileSearchWorkerThread));
+    row("TextFileParser", table, sizeof(TextFileParser));
+    row("UniqueIdGenerator", 0, sizeof(UniqueIdGenerator));
+    row("VersionFileIniManager", table, sizeof(VersionFileIniManager));
+    row("VersionManager", table, sizeof(VersionManager));
+    row("WildcardFilter", table, sizeof(WildcardFilter));
+}
+
+void tst_BinaryInterface::fieldsLieInDeclaredOrder()
+{
+    QFETCH(QByteArray, className);
+    QFETCH(int, begin);
+    QFETCH(int, end);
+    const QVector<Field> fieldsOfClass = fields().value(className);
+    QVERIFY(!fieldsOfClass.isEmpty());
+
+    int offset = begin;
+    int largestAlignment = className == "DragIndicatorInstance" || className == "UniqueIdGenerator"
+                               ? 1
+                               : int(alignof(void*));
+    for (const Field& field : fieldsOfClass) {
+        offset = alignedTo(offset, field.alignment);
+        QVERIFY2(field.offset == offset, field.name + " is at " + QByteArray::number(field.offset) +
+                                             ", not at " + QByteArray::number(offset));
+        offset += field.size;
+        largestAlignment = qMax(largestAlignment, field.alignment);
+    }
+    // Nothing else follows.
+    QCOMPARE(alignedTo(offset, largestAlignment), end);
+}
+
+void tst_BinaryInterface::enumerationsAreInts()
+{
+    QCOMPARE(sizeof(DragIndicator::DragIndicatorInstances), sizeof(int));
+    QVERIFY(DragIndicator::DragIndicatorInstances(-1) < DragIndicator::ResettableInstance);
+    QCOMPARE(sizeof(BootInformationHelper::BootMode), sizeof(int));
+}
+
+void tst_BinaryInterface::virtualFunctionsStandInSlotOrder_data()
+{
+    QTest::addColumn<QByteArray>("className");
+    QTest::addColumn<QByteArrayList>("expected");
+    const auto row = [](const QByteArray& className, const QByteArrayList& entries) {
+        QTest::newRow(className) << className << entries;
+    };
+    for (const char* className :
+         {"BootInformationHelper", "DragIndicator", "ErrorContainer", "ExportFileNameCreator",
+          "HardwareIdentification", "HardwareInfo", "HardwareVersionIniManager", "HashGenerator",
+          "KernelCommandLineDefinition", "KernelCommandLineParser", "OrvalisVersionInfoIniManager",
+          "QProcessHandler", "RaucSystemConfigIniManager", "RecorderUrlHashHandling",
+          "TextFileParser", "VersionFileIniManager", "VersionManager", "WildcardFilter"}) {
+        row(className, plainTable(className));
+    }
+    for (const char* className : {"DirectoryWatcher", "HardwareInfoReader", "MediaWatcher"}) {
+        row(className, objectTable(className));
+    }
+    // A worker is a QRunnable too: a table with functions that step back from there to the object.
+    const QByteArray worker = "RecursiveFileSearchWorkerThread";
+    const QByteArray thunk = isWide ? "_ZThn16_N" : "_ZThn8_N";
+    row(worker,
+        objectTable(worker) + QByteArrayList{"_ZN" + mangled(worker) + "3runEv"} +
+            tableHead(worker) +
+            QByteArrayList{thunk + mangled(worker) + "3runEv", thunk + mangled(worker) + "D1Ev",
+                           thunk + mangled(worker) + "D0Ev"});
+}
+
+void tst_BinaryInterface::virtualFunctionsStandInSlotOrder()
+{
+    QFETCH(QByteArray, className);
+    QFETCH(QByteArrayList, expected);
+    const QVector<const void*> entries = tableEntries(className);
+    QCOMPARE(entries.size(), expected.size());
+    for (int i = 0; i < entries.size(); ++i) {
+        // The offset to the object is no function; it has no name.
+        if (!expected.at(i).isEmpty()) {
+            const void* const function = dlsym(RTLD_DEFAULT, expected.at(i));
+            QVERIFY2(function, expected.at(i) + " is not exported");
+            QVERIFY2(entries.at(i) == function, expected.at(i) + " is not in its slot");
+        }
+    }
+}
+
+void tst_BinaryInterface::theseHaveNoVirtualFunctions()
+{
+    QVERIFY(!std::is_polymorphic<IniFileManager>::value);
+    QVERIFY(!std::is_polymorphic<UniqueIdGenerator>::value);
+    QVERIFY(!std::is_polymorphic<VariantConversionTools>::value);
+}
+
+QTEST_GUILESS_MAIN(tst_BinaryInterface)
+#include "tst_BinaryInterface.moc"
