@@ -80,6 +80,52 @@ private:
     QSettings& m_settings;
 };
 
+const QChar slash = QLatin1Char('/');
+
+/*
+ * Reads the value under a whole path, "group/key"; tells whether there is one. QSettings gives an
+ * invalid value that is stored like any other, so a miss is told by a default that nobody can
+ * store.
+ */
+bool readPath(const QSettings& settings, const QString& path, QVariant& value)
+{
+    static char mark;
+    const QVariant missing = QVariant::fromValue(static_cast<void*>(&mark));
+    QVariant found = settings.value(path, missing);
+    if (found.userType() == QMetaType::VoidStar && found.value<void*>() == &mark) {
+        return false;
+    }
+    value.swap(found);
+    return true;
+}
+
+/*
+ * Reads a value as a listing of the group's keys would find it, and does to the settings what that
+ * listing does: QSettings parses a section when it is first touched, and where two sections hold
+ * one key, the one that is parsed last wins.
+ */
+bool readKey(QSettings& settings, const QString& group, const QString& key, QVariant& value)
+{
+    if (!group.isEmpty() && !group.contains(slash) && !key.contains(slash)) {
+        // Only this section's keys can begin with "group/" by now. Asking for the key that sorts
+        // before all others parses the section that a listing would parse, and no other.
+        const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
+        const QString prefix = group + slash;
+        if (!settings.contains(prefix + QChar(QChar::Null))) {
+            return readPath(settings, prefix + key, value);
+        }
+    }
+    const GroupScope scope(settings, group);
+    return settings.childKeys().contains(key) && readPath(settings, key, value);
+}
+
+// Reads a value whose section is known to be parsed.
+bool readParsedKey(QSettings& settings, const QString& group, const QString& key, QVariant& value)
+{
+    const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
+    return readPath(settings, group + slash + key, value);
+}
+
 // The functions from here on warn through log, in the name of the function that calls them.
 
 // Whether the name of a key or group is there; warns otherwise.
@@ -106,12 +152,27 @@ int toInteger(const QVariant& value, int defaultValue, const IniFileManager& fil
     return number;
 }
 
-// The place in groups of the first group at the Position externalIndex; -1 when there is none.
-int findPosition(const IniFileManager& file, const QStringList& groups, int externalIndex)
+// The place in groups, just listed, of the first group at the Position externalIndex; -1 when there
+// is none.
+int findPosition(const IniFileManager& file, QSettings& settings, const QStringList& groups,
+                 int externalIndex)
 {
     const QString key = QStringLiteral("Position");
+    // Listing the groups has parsed all sections. Who handles a message may sync, and so read the
+    // file anew.
+    bool areAllParsed = true;
     for (int i = 0; i < groups.count(); ++i) {
-        if (file.getValueInteger(groups.at(i), key, 0) == externalIndex) {
+        QVariant value;
+        bool isNumber = false;
+        int position = 0;
+        if (areAllParsed && readParsedKey(settings, groups.at(i), key, value)) {
+            position = value.toInt(&isNumber);
+        }
+        if (!isNumber) {
+            position = file.getValueInteger(groups.at(i), key, 0);
+            areAllParsed = false;
+        }
+        if (position == externalIndex) {
             return i;
         }
     }
@@ -120,15 +181,15 @@ int findPosition(const IniFileManager& file, const QStringList& groups, int exte
 
 // Finds the group at the Position externalIndex; warns when there is none. The groups are listed
 // once, so that a sync() in another thread cannot shift them.
-bool findIndexedGroup(const IniFileManager& file, int externalIndex, const QMessageLogger& log,
-                      QString& group)
+bool findIndexedGroup(const IniFileManager& file, QSettings& settings, int externalIndex,
+                      const QMessageLogger& log, QString& group)
 {
     const QStringList groups = file.getGroups();
     if (externalIndex >= groups.count()) {
         log.warning() << file.getGeneralLogInfo() << "Invalid group index!";
         return false;
     }
-    const int groupIndex = findPosition(file, groups, externalIndex);
+    const int groupIndex = findPosition(file, settings, groups, externalIndex);
     if (groupIndex < 0) {
         log.warning() << file.getGeneralLogInfo() << "Index not found in group!";
         return false;
@@ -333,13 +394,10 @@ QVariant IniFileManager::getValue(const QString& group, const QString& key,
     if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return defaultValue;
     }
-    {
-        const GroupScope scope(m_settings, group);
-        if (m_settings.childKeys().contains(key)) {
-            return m_settings.value(key, defaultValue);
-        }
+    QVariant value;
+    if (readKey(m_settings, group, key, value)) {
+        return value;
     }
-    // The group is left by now: a message handler may read through this very object.
     MISCTOOLS_LOG(IniFileManager).warning()
         << getGeneralLogInfo() << "Key" << key << "not found in Group" << group << "!";
     return defaultValue;
@@ -391,8 +449,17 @@ QMap<QString, QVariant> IniFileManager::getGroupValues(const QString& group) con
     const QMutexLocker locker(&m_mutex);
     QMap<QString, QVariant> values;
     const QStringList keys = getChildKeys(group);
+    // The listing has parsed the group's section. For a group within groups, "a/b", each further
+    // look-up may parse one more section that has keys of this group: "a" with a key "b/c".
+    int unparsedSections = group.count(slash);
     for (const QString& key : keys) {
-        values.insert(key, getValue(group, key, QVariant()));
+        QVariant value;
+        if (key.isEmpty() || unparsedSections > 0 ||
+            !readParsedKey(m_settings, group, key, value)) {
+            value = getValue(group, key, QVariant());
+            --unparsedSections;
+        }
+        values.insert(values.cend(), key, value);
     }
     return values;
 }
@@ -405,7 +472,7 @@ bool IniFileManager::searchIndex(int externalIndex, int& groupIndex) const
         MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << "Invalid external index!";
         return false;
     }
-    const int found = findPosition(*this, groups, externalIndex);
+    const int found = findPosition(*this, m_settings, groups, externalIndex);
     if (found < 0) {
         return false;
     }
@@ -417,7 +484,7 @@ int IniFileManager::getValueInteger(int externalIndex, const QString& key, int d
 {
     const QMutexLocker locker(&m_mutex);
     QString group;
-    if (!findIndexedGroup(*this, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
+    if (!findIndexedGroup(*this, m_settings, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
         return defaultValue;
     }
     return getValueInteger(group, key, defaultValue);
@@ -428,7 +495,7 @@ QString IniFileManager::getValueString(int externalIndex, const QString& key,
 {
     const QMutexLocker locker(&m_mutex);
     QString group;
-    if (!findIndexedGroup(*this, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
+    if (!findIndexedGroup(*this, m_settings, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
         return defaultValue;
     }
     return getValueString(group, key, defaultValue);
@@ -438,7 +505,7 @@ bool IniFileManager::getValueBool(int externalIndex, const QString& key, bool de
 {
     const QMutexLocker locker(&m_mutex);
     QString group;
-    if (!findIndexedGroup(*this, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
+    if (!findIndexedGroup(*this, m_settings, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
         return defaultValue;
     }
     return getValueBool(group, key, defaultValue);

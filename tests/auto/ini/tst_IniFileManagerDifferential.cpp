@@ -54,6 +54,11 @@ QByteArray hostileFile(QRandomGenerator& random)
         "K=3\n",
         "B\\k=4\n",
         "B/k=5\n",
+        "[A/k]\n",
+        "[A/%00]\n",
+        "[A%00]\n",
+        "%00=1\n",
+        "A\\%00=1\n",
         "A\\k=6\n",
         "A\\B\\k=7\n",
         "\\k=8\n",
@@ -134,6 +139,7 @@ QString anyKey(QRandomGenerator& random)
         QStringLiteral("/"),
         QStringLiteral("//"),
         QStringLiteral("x y"),
+        QString(QChar(QChar::Null)),
         QStringLiteral("\u00C4"),
         QStringLiteral("%6B"),
         QStringLiteral("General"),
@@ -165,6 +171,8 @@ QString anyGroup(QRandomGenerator& random)
         QStringLiteral("\u00C4"),
         QStringLiteral("k"),
         QStringLiteral("Z"),
+        QString(QChar(QChar::Null)),
+        QStringLiteral("A") + QChar(QChar::Null),
     };
     return pick(random, groups);
 }
