@@ -115,16 +115,17 @@ void LogSource::findConstants()
 void LogSource::findForeignMessages()
 {
     static const QRegularExpression foreign(QStringLiteral(
-        "^(?:qC?(?:Debug|Info|Warning|Critical|Fatal)|qErrnoWarning|qt_message_output|QDebug"
+        "^(?:qC?(?:Debug|Info|Warning|Critical|Fatal)|qErrnoWarning|qt_message_output"
         "|Q_LOGGING_CATEGORY|QLoggingCategory|v?f?printf|dprintf|f?puts|f?putc|putchar|perror"
         "|cerr|cout|clog|v?syslog|stderr|stdout)$"));
     for (int i = 0; i < m_tokens.size(); ++i) {
         if (m_tokens.at(i).kind != Token::Word) {
             continue;
         }
+        const bool isOwnStream = isWord(i, "QDebug") && (isMark(i + 1, "(") || isMark(i + 2, "("));
         const bool isOwnLogger = isWord(i, "QMessageLogger") && !isMark(i + 1, "&") &&
                                  !(isMark(i + 2, "=") && isWord(i + 3, "MISCTOOLS_LOG"));
-        if (isOwnLogger || foreign.match(m_tokens.at(i).value).hasMatch()) {
+        if (isOwnLogger || isOwnStream || foreign.match(m_tokens.at(i).value).hasMatch()) {
             addProblem(i, QStringLiteral("%1 makes a message past MISCTOOLS_LOG(Class) of "
                                          "src/common/Log.h; use that")
                               .arg(m_tokens.at(i).value));
