@@ -152,31 +152,16 @@ void LogSource::findStatement(int levelIndex)
     }
     const QVector<Range> operands = split({levelIndex + 4, end}, "<<");
 
-    // What the function is given by those who call it, and the message depends on.
     const int receiver = levelIndex - 2;
     const int loggerIndex = m_tokens.at(receiver).kind == Token::Word
                                 ? parameterIndex(*function, m_tokens.at(receiver).value)
                                 : -1;
-    QVector<int> texts;
-    QVector<int> strings;
-    for (const Range& operand : operands) {
-        if (operand.end - operand.begin != 1) {
-            continue;
-        }
-        const int index = parameterIndex(*function, m_tokens.at(operand.begin).value);
-        if (index < 0) {
-            continue;
-        }
-        const Range parameter = function->parameters.at(index);
-        if (isCharPointer(parameter)) {
-            texts.append(index);
-        } else if (hasWord(parameter, "QString")) {
-            strings.append(index);
-        }
-    }
-
+    const QVector<int> texts = streamedTexts(operands, *function);
+    const bool needsCalls =
+        loggerIndex >= 0 || std::any_of(texts.begin(), texts.end(), [&](int index) {
+            return isCharPointer(function->parameters.at(index));
+        });
     const QVector<int> calls = callsOf(*function);
-    const bool needsCalls = loggerIndex >= 0 || !texts.isEmpty();
     if (!needsCalls) {
         addMessage(levelIndex, operands, Arguments(), originsOfLogger(receiver, *function));
     } else if (calls.isEmpty()) {
@@ -186,12 +171,7 @@ void LogSource::findStatement(int levelIndex)
     }
     for (const int call : calls) {
         const QVector<Range> given = argumentsOf(call);
-        Arguments arguments;
-        for (const int index : texts + strings) {
-            if (index < given.size() && (texts.contains(index) || hasText(given.at(index)))) {
-                arguments.insert(nameOf(function->parameters.at(index)), given.at(index));
-            }
-        }
+        const Arguments arguments = fixedArguments(*function, texts, given);
         if (loggerIndex >= 0) {
             addMessage(levelIndex, operands, arguments,
                        originsOfArgument(given.value(loggerIndex)));
@@ -199,6 +179,39 @@ void LogSource::findStatement(int levelIndex)
             addMessage(levelIndex, operands, arguments, originsOfLogger(receiver, *function));
         }
     }
+}
+
+// The parameters of a function that it streams as they are, and that may be fixed texts.
+QVector<int> LogSource::streamedTexts(const QVector<Range>& operands,
+                                      const Function& function) const
+{
+    QVector<int> indexes;
+    for (const Range& operand : operands) {
+        const int index = operand.end - operand.begin == 1
+                              ? parameterIndex(function, m_tokens.at(operand.begin).value)
+                              : -1;
+        const bool isText = index >= 0 && (isCharPointer(function.parameters.at(index)) ||
+                                           hasWord(function.parameters.at(index), "QString"));
+        if (isText) {
+            indexes.append(index);
+        }
+    }
+    return indexes;
+}
+
+// The fixed texts that a call gives to these parameters.
+LogSource::Arguments LogSource::fixedArguments(const Function& function,
+                                               const QVector<int>& parameters,
+                                               const QVector<Range>& given) const
+{
+    Arguments arguments;
+    for (const int index : parameters) {
+        const Range parameter = function.parameters.at(index);
+        if (index < given.size() && (isCharPointer(parameter) || hasText(given.at(index)))) {
+            arguments.insert(nameOf(parameter), given.at(index));
+        }
+    }
+    return arguments;
 }
 
 void LogSource::addMessage(int levelIndex, const QVector<Range>& operands,

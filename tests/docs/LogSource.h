@@ -73,6 +73,9 @@ private:
                     const QVector<Origin>& origins);
     void addProblem(int index, const QString& text);
 
+    QVector<int> streamedTexts(const QVector<Range>& operands, const Function& function) const;
+    Arguments fixedArguments(const Function& function, const QVector<int>& parameters,
+                             const QVector<Range>& given) const;
     QVector<Origin> originsOfLogger(int receiverIndex, const Function& function);
     QVector<Origin> originsOfArgument(Range argument);
     QString shownOperand(Range operand, const Arguments& arguments);
