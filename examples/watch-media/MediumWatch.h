@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_MEDIUMWATCH_H
 #define EXAMPLES_MEDIUMWATCH_H
 
-#include "ProgressDisplay.h"
+#include "common/ProgressDisplay.h"
 
 #include <DirectoryWatcher.h>
 #include <MediaWatcher.h>

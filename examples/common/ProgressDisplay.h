@@ -16,6 +16,9 @@ public:
     // Whether there is a line that can be redrawn.
     bool isLive() const;
 
+    // How many characters of the redrawn line can be seen.
+    int columns() const;
+
     // A line that stays.
     void showEvent(const QString& line);
 

@@ -1,21 +1,11 @@
 #include "ProgressDisplay.h"
 
-#include "common/CommandLine.h"
+#include "CommandLine.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
-
-// One column stays free: a full line would make some terminals begin the next.
-int usableColumns()
-{
-    constexpr int usualColumns = 80;
-
-    winsize size = {};
-    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
-    return (isKnown ? size.ws_col : usualColumns) - 1;
-}
 
 void redraw(const QString& text)
 {
@@ -32,6 +22,16 @@ bool ProgressDisplay::isLive() const
     return m_isLive;
 }
 
+// One column stays free: a full line would make some terminals begin the next.
+int ProgressDisplay::columns() const
+{
+    constexpr int usualColumns = 80;
+
+    winsize size = {};
+    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    return (isKnown ? size.ws_col : usualColumns) - 1;
+}
+
 void ProgressDisplay::showEvent(const QString& line)
 {
     clearStatus();
@@ -43,7 +43,7 @@ void ProgressDisplay::showStatus(const QString& text)
     if (!m_isLive) {
         return;
     }
-    const QString fitting = text.left(usableColumns());
+    const QString fitting = text.left(columns());
     // Blanks cover what is left of a longer line.
     redraw(fitting.leftJustified(m_statusWidth));
     m_statusWidth = fitting.size();
