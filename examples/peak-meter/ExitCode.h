@@ -1,0 +1,15 @@
+#ifndef EXAMPLES_PEAKMETER_EXITCODE_H
+#define EXAMPLES_PEAKMETER_EXITCODE_H
+
+// What the program tells a script; the numbers stand in its help and must not change.
+enum ExitCode
+{
+    AllTaken = 0,
+    LinesRefused = 1,
+    WrongUsage = 2,
+    NotRestored = 3,
+    NotSaved = 4,
+    InputTrouble = 5
+};
+
+#endif

@@ -1,0 +1,156 @@
+#include "PeakFile.h"
+
+#include "common/CommandLine.h"
+
+#include <DragIndicator.h>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QSaveFile>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// Some hundred bytes are usual; something else of that name need not be read to its end.
+constexpr qint64 maxSize = 64 * 1024;
+
+const QString dateKeys[] = {QStringLiteral("MinValueDate"), QStringLiteral("MaxValueDate")};
+
+bool isEmptyRecord(const QJsonObject& record)
+{
+    return record.value(QStringLiteral("Initialized")) == QJsonValue(false);
+}
+
+// A record without a value has no dates, and an import complains of each. With dates filled in it
+// complains only of what is wrong.
+QJsonArray withDates(const QJsonArray& records)
+{
+    const QString anyDate = QDateTime::currentDateTime().toString(Qt::ISODate);
+    QJsonArray result;
+    for (const QJsonValue& value : records) {
+        QJsonObject record = value.toObject();
+        for (const QString& key : dateKeys) {
+            if (isEmptyRecord(record) && record.value(key) == QJsonValue(QString())) {
+                record.insert(key, anyDate);
+            }
+        }
+        result.append(value.isObject() ? QJsonValue(record) : value);
+    }
+    return result;
+}
+
+bool isSound(const QJsonObject& record)
+{
+    // What was no date is none after the import.
+    const bool hasDates = !record.value(dateKeys[0]).toString().isEmpty() &&
+                          !record.value(dateKeys[1]).toString().isEmpty();
+    const bool isRange = record.value(QStringLiteral("MinValue")).toDouble() <=
+                         record.value(QStringLiteral("MaxValue")).toDouble();
+    return isEmptyRecord(record) || (hasDates && isRange);
+}
+
+bool areSound(const QJsonArray& records)
+{
+    DragIndicator indicator;
+    if (!indicator.fromJsonArray(withDates(records))) {
+        return false;
+    }
+    const QJsonArray imported = indicator.asJsonArray();
+    return isSound(imported.at(0).toObject()) && isSound(imported.at(1).toObject());
+}
+
+// The new name of a file is on the disk only when its folder is. Not every file system can do that.
+void syncFolderOf(const QString& path)
+{
+    const QString folder = QFileInfo(QFileInfo(path).canonicalFilePath()).path();
+    const int descriptor =
+        open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        fsync(descriptor);
+        close(descriptor);
+    }
+}
+
+} // namespace
+
+PeakFile::PeakFile(const QString& path)
+    : m_path(path), m_name(CommandLine::printable(path)), m_lock(path + QStringLiteral(".lock"))
+{
+    // However long a run lasts; a lock whose run was killed does not count.
+    m_lock.setStaleLockTime(0);
+}
+
+ExitCode PeakFile::restore(DragIndicator& indicator)
+{
+    if (!m_lock.tryLock() && m_lock.error() == QLockFile::LockFailedError) {
+        return refuse(QStringLiteral("another peak-meter uses it"));
+    }
+    const ExitCode exitCode = read(indicator);
+    if (exitCode != AllTaken) {
+        return exitCode;
+    }
+    // Said now rather than after the first hour of a measurement.
+    QSaveFile file(m_path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        CommandLine::complain(writeError(file.errorString()));
+        return NotSaved;
+    }
+    return AllTaken;
+}
+
+ExitCode PeakFile::read(DragIndicator& indicator) const
+{
+    const QFileInfo info(m_path);
+    if (!info.exists()) {
+        return AllTaken;
+    }
+    if (!info.isFile()) {
+        return refuse(QStringLiteral("it is not a file"));
+    }
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return refuse(file.errorString());
+    }
+    QJsonParseError error = {};
+    const QJsonDocument document = QJsonDocument::fromJson(file.read(maxSize), &error);
+    const QString untouched = QStringLiteral("; the file is left as it is");
+    if (error.error != QJsonParseError::NoError) {
+        return refuse(QStringLiteral("damaged at byte %1: %2%3")
+                          .arg(error.offset)
+                          .arg(error.errorString(), untouched));
+    }
+    if (!areSound(document.array())) {
+        return refuse(QStringLiteral("it does not hold two sound records") + untouched);
+    }
+    indicator.fromJsonArray(document.array());
+    return AllTaken;
+}
+
+QString PeakFile::save(const DragIndicator& indicator) const
+{
+    const QByteArray json = QJsonDocument(indicator.asJsonArray()).toJson();
+    QSaveFile file(m_path);
+    // A commit also syncs the content.
+    if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size() || !file.commit()) {
+        return writeError(file.errorString());
+    }
+    syncFolderOf(m_path);
+    return QString();
+}
+
+ExitCode PeakFile::refuse(const QString& reason) const
+{
+    CommandLine::complain(QStringLiteral("cannot restore from %1: %2").arg(m_name, reason));
+    return NotRestored;
+}
+
+QString PeakFile::writeError(const QString& reason) const
+{
+    return QStringLiteral("cannot write %1: %2").arg(m_name, reason);
+}

@@ -1,0 +1,142 @@
+// Shows the range of values that arrive, and keeps it from run to run: DragIndicator at work.
+#include "ExitCode.h"
+#include "PeakMeter.h"
+
+#include "common/CommandLine.h"
+#include "common/LibraryMessages.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+const QCommandLineOption& fileOption()
+{
+    static const QCommandLineOption option(
+        {QStringLiteral("f"), QStringLiteral("file")},
+        QStringLiteral("Go on from the records in FILE (JSON) and save every change of them there. "
+                       "A missing FILE is made."),
+        QStringLiteral("FILE"));
+    return option;
+}
+
+const QCommandLineOption& resetOption()
+{
+    static const QCommandLineOption option(
+        QStringLiteral("reset"),
+        QStringLiteral("First clear the record in FILE that counts since the last reset; the one "
+                       "that counts for ever stays."));
+    return option;
+}
+
+const QCommandLineOption& verboseOption()
+{
+    static const QCommandLineOption option(QStringLiteral("verbose"),
+                                           QStringLiteral("Show the library's log lines too."));
+    return option;
+}
+
+const QCommandLineOption& helpOption()
+{
+    static const QCommandLineOption option({QStringLiteral("h"), QStringLiteral("help")},
+                                           QStringLiteral("Show this help."));
+    return option;
+}
+
+QString helpText(const QCommandLineParser& parser)
+{
+    return parser.helpText() +
+           QStringLiteral(
+               "\n"
+               "Numbers have a decimal point and perhaps an exponent: 12, -3.5, 1e-6. Blank lines "
+               "are\n"
+               "skipped. Any other line is reported with its number and left out: also nan and "
+               "inf, "
+               "which\n"
+               "are no measurement, and lines of more than 4096 bytes.\n"
+               "\n"
+               "A value is shown when it has been saved. FILE is whole at any moment; a run that "
+               "is killed\n"
+               "while it saves may leave a temporary file FILE.?????? behind. While the program "
+               "runs there\n"
+               "is a FILE.lock, so that no second one uses FILE. A damaged FILE is never "
+               "overwritten.\n"
+               "\n"
+               "Exit codes:\n"
+               "  0  every line was taken, up to the end of the input, Ctrl-C or SIGTERM\n"
+               "  1  some lines were no numbers\n"
+               "  2  wrong usage\n"
+               "  3  FILE cannot be read, is damaged, or another peak-meter uses it\n"
+               "  4  FILE cannot be written\n"
+               "  5  standard input cannot be read\n"
+               "\n"
+               "Examples:\n"
+               "  tail -f temperatures.log | peak-meter --file peaks.json\n"
+               "  while sleep 1; do cut -d' ' -f1 /proc/loadavg; done | peak-meter\n"
+               "  peak-meter --file peaks.json --reset </dev/null");
+}
+
+// Complains and gives false when the options do not fit.
+bool checkOptions(const QCommandLineParser& parser)
+{
+    QString trouble;
+    if (!parser.positionalArguments().isEmpty()) {
+        trouble = QStringLiteral("values come from standard input, not from an argument: '%1'")
+                      .arg(CommandLine::printable(parser.positionalArguments().constFirst()));
+    } else if (parser.isSet(fileOption()) && parser.value(fileOption()).isEmpty()) {
+        trouble = QStringLiteral("--file needs a name");
+    } else if (parser.isSet(resetOption()) && !parser.isSet(fileOption())) {
+        trouble = QStringLiteral("--reset needs a --file");
+    }
+    if (!trouble.isEmpty()) {
+        CommandLine::complainOfUsage(trouble);
+    }
+    return trouble.isEmpty();
+}
+
+int measure(const QCommandLineParser& parser)
+{
+    PeakMeter meter(parser.value(fileOption()));
+    const ExitCode exitCode = meter.restore(parser.isSet(resetOption()));
+    if (exitCode != AllTaken) {
+        return exitCode;
+    }
+    QObject::connect(&meter, &PeakMeter::finished, &QCoreApplication::exit);
+    meter.start();
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Qt would take the descriptor for something of its own.
+    const bool hasInput = fcntl(STDIN_FILENO, F_GETFD) != -1;
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "\nReads numbers from standard input, one per line, and shows the lowest and the highest, "
+        "on a\nterminal as a bar in which the last value is marked."));
+    parser.addOptions({fileOption(), resetOption(), verboseOption(), helpOption()});
+
+    if (!parser.parse(QCoreApplication::arguments())) {
+        CommandLine::complainOfUsage(parser.errorText());
+        return WrongUsage;
+    }
+    if (parser.isSet(helpOption())) {
+        CommandLine::print(helpText(parser));
+        return AllTaken;
+    }
+    if (!checkOptions(parser)) {
+        return WrongUsage;
+    }
+    if (!hasInput) {
+        CommandLine::complain(QStringLiteral("cannot read standard input: it is closed"));
+        return InputTrouble;
+    }
+    LibraryMessages::take(parser.isSet(verboseOption()));
+    return measure(parser);
+}
