@@ -121,9 +121,7 @@ ExitCode PeakFile::read(DragIndicator& indicator) const
     const QJsonDocument document = QJsonDocument::fromJson(file.read(maxSize), &error);
     const QString untouched = QStringLiteral("; the file is left as it is");
     if (error.error != QJsonParseError::NoError) {
-        return refuse(QStringLiteral("damaged at byte %1: %2%3")
-                          .arg(error.offset)
-                          .arg(error.errorString(), untouched));
+        return refuse(QStringLiteral("damaged: %1").arg(error.errorString()) + untouched);
     }
     if (!areSound(document.array())) {
         return refuse(QStringLiteral("it does not hold two sound records") + untouched);

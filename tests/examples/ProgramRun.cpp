@@ -2,6 +2,8 @@
 
 #include <QtCore/QElapsedTimer>
 
+#include <csignal>
+
 namespace {
 
 constexpr int longWhileInMs = 30000;
@@ -16,6 +18,18 @@ ProgramRun::ProgramRun(const QString& program, const QStringList& arguments, con
     m_process.setProcessEnvironment(environment);
     m_process.setWorkingDirectory(folder);
     m_process.start(program, arguments);
+}
+
+void ProgramRun::write(const QByteArray& input)
+{
+    m_process.write(input);
+    while (m_process.bytesToWrite() > 0 && m_process.waitForBytesWritten(longWhileInMs)) {
+    }
+}
+
+void ProgramRun::send(int signalNumber)
+{
+    kill(static_cast<pid_t>(m_process.processId()), signalNumber);
 }
 
 bool ProgramRun::waitForOutput(const QString& text)
@@ -40,6 +54,7 @@ bool ProgramRun::isRunning() const
 ProgramResult ProgramRun::finish()
 {
     ProgramResult result;
+    m_process.closeWriteChannel();
     const bool isFinished =
         m_process.state() == QProcess::NotRunning || m_process.waitForFinished(longWhileInMs);
     if (isFinished && m_process.error() != QProcess::FailedToStart &&

@@ -19,10 +19,13 @@ class ProgramRun
 public:
     ProgramRun(const QString& program, const QStringList& arguments, const QString& folder);
 
+    // Gives the program input on its standard input.
+    void write(const QByteArray& input);
+    void send(int signalNumber);
     // Waits until the program has written text on its standard output.
     bool waitForOutput(const QString& text);
     bool isRunning() const;
-    // Waits for the end.
+    // Ends the input and waits for the end.
     ProgramResult finish();
 
 private:

@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int longWhileInMs = 30000;
+constexpr int pollIntervalInMs = 20;
 
 class TerminalProcess : public QProcess
 {
@@ -54,23 +55,79 @@ Terminal::Terminal(int columns)
 
 Terminal::~Terminal()
 {
+    // Of a test that failed half-way.
+    if (!m_process.isNull()) {
+        finish();
+    }
     close(m_line);
     close(m_screen);
 }
 
 QByteArray Terminal::run(const QString& program, const QStringList& arguments)
 {
-    TerminalProcess process(m_line);
-    process.start(program, arguments);
-    QByteArray written;
+    start(program, arguments);
+    return finish();
+}
+
+void Terminal::start(const QString& program, const QStringList& arguments)
+{
+    m_written.clear();
+    m_process.reset(new TerminalProcess(m_line));
+    m_process->start(program, arguments);
+}
+
+void Terminal::write(const QByteArray& input)
+{
+    m_process->write(input);
+    m_process->waitForBytesWritten(longWhileInMs);
+}
+
+bool Terminal::waitForText(const QByteArray& text)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!m_written.contains(text) && m_process->state() != QProcess::NotRunning &&
+           clock.elapsed() < longWhileInMs) {
+        m_process->waitForFinished(pollIntervalInMs);
+        m_written += readAll();
+    }
+    return m_written.contains(text);
+}
+
+QByteArray Terminal::finish()
+{
+    m_process->closeWriteChannel();
     QElapsedTimer clock;
     clock.start();
     // Read all the time: a terminal that nobody reads stops its program.
-    while (!process.waitForFinished(20) && process.state() != QProcess::NotRunning &&
-           clock.elapsed() < longWhileInMs) {
-        written += readAll();
+    while (!m_process->waitForFinished(pollIntervalInMs) &&
+           m_process->state() != QProcess::NotRunning && clock.elapsed() < longWhileInMs) {
+        m_written += readAll();
     }
-    return written + readAll();
+    m_process.reset();
+    return m_written += readAll();
+}
+
+QList<QByteArray> Terminal::screenAfter(const QByteArray& written)
+{
+    QList<QByteArray> lines = {QByteArray()};
+    int column = 0;
+    for (const char character : written) {
+        if (character == '\n') {
+            lines.append(QByteArray());
+            column = 0;
+        } else if (character == '\r') {
+            column = 0;
+        } else {
+            lines.last().replace(column++, 1, &character, 1);
+        }
+    }
+    for (QByteArray& line : lines) {
+        while (line.endsWith(' ')) {
+            line.chop(1);
+        }
+    }
+    return lines;
 }
 
 QByteArray Terminal::readAll() const

@@ -1,0 +1,594 @@
+#include "ProgramRun.h"
+#include "Terminal.h"
+#include "TestCase.h"
+
+#include <DragIndicator.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QRegularExpression>
+
+#include <csignal>
+
+namespace {
+
+const QString program = QStringLiteral(PEAK_METER_PROGRAM);
+const QString hint = QStringLiteral("peak-meter: try --help\n");
+const QStringList withFile = {QStringLiteral("--file"), QStringLiteral("peaks.json")};
+
+QString withoutDates(QString output)
+{
+    return output.replace(
+        QRegularExpression(QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d")),
+        QStringLiteral("DATE"));
+}
+
+QString record(const QString& title, const QString& minimum, const QString& maximum)
+{
+    return QStringLiteral("%1:\n"
+                          "  minimum  %2  (DATE)\n"
+                          "  maximum  %3  (DATE)\n")
+        .arg(title, minimum, maximum);
+}
+
+QString sinceReset(const QString& minimum, const QString& maximum)
+{
+    return record(QStringLiteral("since the last reset"), minimum, maximum);
+}
+
+QString ever(const QString& minimum, const QString& maximum)
+{
+    return record(QStringLiteral("ever"), minimum, maximum);
+}
+
+QByteArray recordJson(const char* minimum, const char* maximum, const char* date)
+{
+    return QByteArray(R"({"Initialized": true, "MinValue": )") + minimum + R"(, "MaxValue": )" +
+           maximum + R"(, "MinValueDate": ")" + date + R"(", "MaxValueDate": ")" + date + R"("})";
+}
+
+} // namespace
+
+// The example program that keeps the range of the values that it reads.
+class tst_PeakMeter : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void takesValues_data();
+    void takesValues();
+    void everyLineShowsAtOnce();
+    void goesOnFromTheFile();
+    void resetClearsOneRecord();
+    void resetAloneIsKept();
+    void readsDatesInTheOlderForm();
+    void leavesADamagedFileAlone_data();
+    void leavesADamagedFileAlone();
+    void saysWhenItCannotSave();
+    void oneRunAtATime();
+    void aKilledRunLosesNothingThatItShowed();
+    void signalsEndItInGoodOrder_data();
+    void signalsEndItInGoodOrder();
+    void terminalsGetALineThatIsRedrawn();
+    void terminalLinesFit_data();
+    void terminalLinesFit();
+    void verboseShowsWhatTheLibraryLogs();
+    void refusesWhatItCannotUse_data();
+    void refusesWhatItCannotUse();
+    void helpNamesEveryExitCode();
+
+private:
+    ProgramResult run(const QStringList& arguments, const QByteArray& input = QByteArray()) const;
+    QString peaks() const { return path(QStringLiteral("peaks.json")); }
+    DragIndicator keptRecords() const;
+};
+
+// The dates, which are others every time, are left out of the output.
+ProgramResult tst_PeakMeter::run(const QStringList& arguments, const QByteArray& input) const
+{
+    ProgramRun programRun(program, arguments, folder());
+    programRun.write(input);
+    ProgramResult result = programRun.finish();
+    result.output = withoutDates(result.output);
+    return result;
+}
+
+// Two records, each with a value; none at all when the file is not whole.
+DragIndicator tst_PeakMeter::keptRecords() const
+{
+    DragIndicator indicator;
+    indicator.fromJsonArray(QJsonDocument::fromJson(readFile(peaks())).array());
+    return indicator;
+}
+
+void tst_PeakMeter::takesValues_data()
+{
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("errors");
+
+    const QString title = QStringLiteral("in this run");
+    QTest::newRow("nothing") << QByteArray() << 0
+                             << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
+                             << "";
+    QTest::newRow("blank lines") << QByteArray("\n \t\n\r\n") << 0
+                                 << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
+                                 << "";
+    QTest::newRow("one value: minimum and maximum are the same")
+        << QByteArray("5\n") << 0
+        << "line 1: new minimum and maximum 5\nSummary: 1 value, 0 lines refused\n" +
+               record(title, "5", "5")
+        << "";
+    QTest::newRow("changes only") << QByteArray("5\n7\n6\n7\n\n2.5\n5\n") << 0
+                                  << "line 1: new minimum and maximum 5\n"
+                                     "line 2: new maximum 7\n"
+                                     "line 6: new minimum 2.5\n"
+                                     "Summary: 6 values, 0 lines refused\n" +
+                                         record(title, "2.5", "7")
+                                  << "";
+    QTest::newRow("blanks, other line ends, signs, exponents, no line feed at the end")
+        << QByteArray("  1e1 \r\n\t+2\r\n-.5E1") << 0
+        << "line 1: new minimum and maximum 10\n"
+           "line 2: new minimum 2\n"
+           "line 3: new minimum -5\n"
+           "Summary: 3 values, 0 lines refused\n" +
+               record(title, "-5", "10")
+        << "";
+    QTest::newRow("all digits") << QByteArray("0.1234567890123456\n") << 0
+                                << "line 1: new minimum and maximum 0.1234567890123456\n"
+                                   "Summary: 1 value, 0 lines refused\n" +
+                                       record(title, "0.1234567890123456", "0.1234567890123456")
+                                << "";
+    QTest::newRow("extremes") << QByteArray("-0\n5e-324\n1.7976931348623157e308\n-1e308\n") << 0
+                              << "line 1: new minimum and maximum 0\n"
+                                 "line 2: new maximum 5e-324\n"
+                                 "line 3: new maximum 1.7976931348623157e+308\n"
+                                 "line 4: new minimum -1e+308\n"
+                                 "Summary: 4 values, 0 lines refused\n" +
+                                     record(title, "-1e+308", "1.7976931348623157e+308")
+                              << "";
+    QTest::newRow("lines that are no numbers")
+        << QByteArray("1\nabc\n\n1,5\n0x10\n2 3\n1\0002\n9\nx\n", 28) << 1
+        << "line 1: new minimum and maximum 1\n"
+           "line 8: new maximum 9\n"
+           "Summary: 2 values, 6 lines refused\n" +
+               record(title, "1", "9")
+        << "peak-meter: line 2: no finite number: 'abc'\n"
+           "peak-meter: line 4: no finite number: '1,5'\n"
+           "peak-meter: line 5: no finite number: '0x10'\n"
+           "peak-meter: line 6: no finite number: '2 3'\n"
+           "peak-meter: line 7: no finite number: '1\\x002'\n"
+           "peak-meter: line 9: no finite number: 'x'\n";
+    QTest::newRow("neither finite nor within a double")
+        << QByteArray("nan\ninf\n-inf\n1e999\n4") << 1
+        << "line 5: new minimum and maximum 4\nSummary: 1 value, 4 lines refused\n" +
+               record(title, "4", "4")
+        << "peak-meter: line 1: no finite number: 'nan'\n"
+           "peak-meter: line 2: no finite number: 'inf'\n"
+           "peak-meter: line 3: no finite number: '-inf'\n"
+           "peak-meter: line 4: no finite number: '1e999'\n";
+    QTest::newRow("only the begin of a refused line, and nothing that a terminal obeys")
+        << QByteArray("\x1b[31m") + QByteArray(100, 'x') << 1
+        << "Summary: 0 values, 1 line refused\nin this run: no value\n"
+        << "peak-meter: line 1: no finite number: '\\x1b[31m" + QString(35, 'x') + "...'\n";
+    QTest::newRow("longest line") << QByteArray("1").rightJustified(4096, '0') + "\n2\n"
+                                  << 0
+                                  << "line 1: new minimum and maximum 1\n"
+                                     "line 2: new maximum 2\n"
+                                     "Summary: 2 values, 0 lines refused\n" +
+                                         record(title, "1", "2")
+                                  << "";
+    QTest::newRow("line one byte too long")
+        << QByteArray("1").rightJustified(4097, '0') + "\n2\n"
+        << 1
+        << "line 2: new minimum and maximum 2\nSummary: 1 value, 1 line refused\n" +
+               record(title, "2", "2")
+        << "peak-meter: line 1: longer than 4096 bytes\n";
+    QTest::newRow("line of megabytes")
+        << QByteArray(3000000, '1') + "\n2\n"
+        << 1
+        << "line 2: new minimum and maximum 2\nSummary: 1 value, 1 line refused\n" +
+               record(title, "2", "2")
+        << "peak-meter: line 1: longer than 4096 bytes\n";
+}
+
+void tst_PeakMeter::takesValues()
+{
+    QFETCH(QByteArray, input);
+    QFETCH(int, exitCode);
+    QFETCH(QString, output);
+    QFETCH(QString, errors);
+
+    const ProgramResult result = run({}, input);
+    QCOMPARE(result.errors, errors);
+    QCOMPARE(result.output, output);
+    QCOMPARE(result.exitCode, exitCode);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
+}
+
+void tst_PeakMeter::everyLineShowsAtOnce()
+{
+    ProgramRun programRun(program, withFile, folder());
+    for (int value = 1; value <= 5; ++value) {
+        // The input stays open; a number may come in two pieces.
+        programRun.write("10");
+        programRun.write(QByteArray::number(value) + '\n');
+        QVERIFY(programRun.waitForOutput(QStringLiteral("line %1: new ").arg(value)));
+        QCOMPARE(keptRecords().getMaxValue(DragIndicator::ResettableInstance), 100.0 + value);
+    }
+    QVERIFY(programRun.isRunning());
+    QCOMPARE(programRun.finish().exitCode, 0);
+}
+
+void tst_PeakMeter::goesOnFromTheFile()
+{
+    QCOMPARE(run(withFile, "5e-324\n0.1\n").exitCode, 0);
+    const ProgramResult result = run(withFile, "0.05\n-1e308\n");
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.output,
+             QStringLiteral("line 2: new minimum -1e+308\nSummary: 2 values, 0 lines refused\n") +
+                 sinceReset(QStringLiteral("-1e+308"), QStringLiteral("0.1")) +
+                 ever(QStringLiteral("-1e+308"), QStringLiteral("0.1")));
+    QCOMPARE(result.exitCode, 0);
+
+    // Without a change the file is not written again.
+    const QByteArray kept = readFile(peaks());
+    const QDateTime written = QFileInfo(peaks()).lastModified();
+    QCOMPARE(run(withFile, "0\n").exitCode, 0);
+    QCOMPARE(readFile(peaks()), kept);
+    QCOMPARE(QFileInfo(peaks()).lastModified(), written);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList(QStringLiteral("peaks.json")));
+}
+
+void tst_PeakMeter::resetClearsOneRecord()
+{
+    QCOMPARE(run(withFile, "1\n9\n").exitCode, 0);
+    const ProgramResult result = run(withFile + QStringList(QStringLiteral("--reset")), "4\n5\n");
+    QCOMPARE(result.output, QStringLiteral("line 1: new minimum and maximum 4\n"
+                                           "line 2: new maximum 5\n"
+                                           "Summary: 2 values, 0 lines refused\n") +
+                                sinceReset(QStringLiteral("4"), QStringLiteral("5")) +
+                                ever(QStringLiteral("1"), QStringLiteral("9")));
+    QCOMPARE(run(withFile).output, QStringLiteral("Summary: 0 values, 0 lines refused\n") +
+                                       sinceReset(QStringLiteral("4"), QStringLiteral("5")) +
+                                       ever(QStringLiteral("1"), QStringLiteral("9")));
+}
+
+void tst_PeakMeter::resetAloneIsKept()
+{
+    QCOMPARE(run(withFile, "1\n9\n").exitCode, 0);
+    const QString expected =
+        QStringLiteral("Summary: 0 values, 0 lines refused\nsince the last reset: no value\n") +
+        ever(QStringLiteral("1"), QStringLiteral("9"));
+    QCOMPARE(run(withFile + QStringList(QStringLiteral("--reset"))).output, expected);
+    const ProgramResult result = run(withFile);
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.output, expected);
+    QCOMPARE(result.exitCode, 0);
+
+    // Also where there was nothing to reset.
+    QVERIFY(QFile::remove(peaks()));
+    QCOMPARE(run(withFile + QStringList(QStringLiteral("--reset"))).exitCode, 0);
+    QCOMPARE(run(withFile).output, QStringLiteral("Summary: 0 values, 0 lines refused\n"
+                                                  "since the last reset: no value\n"
+                                                  "ever: no value\n"));
+}
+
+void tst_PeakMeter::readsDatesInTheOlderForm()
+{
+    const QByteArray older = recordJson("1", "9", "Fri Mar 1 12:30:05 2024");
+    writeFile(QStringLiteral("peaks.json"), '[' + older + ',' + older + ']');
+    QCOMPARE(run(withFile, "5\n").exitCode, 0);
+    QCOMPARE(readFile(peaks()).count("\"2024-03-01T12:30:05\""), 4);
+}
+
+void tst_PeakMeter::leavesADamagedFileAlone_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("reason");
+
+    const QByteArray sound = recordJson("1", "9", "2024-03-01T12:30:05");
+    const QByteArray whole = '[' + sound + ',' + sound + ']';
+    const QString unsound = QStringLiteral("it does not hold two sound records");
+    const auto with = [&sound](const QByteArray& record) {
+        return '[' + sound + ',' + record + ']';
+    };
+    const auto without = [&](const char* what, const char* replacement) {
+        return with(QByteArray(sound).replace(what, replacement));
+    };
+
+    QTest::newRow("empty") << QByteArray() << "damaged: illegal value";
+    QTest::newRow("cut") << whole.left(whole.size() - 1) << "damaged: unterminated array";
+    QTest::newRow("other text") << QByteArray("peaks") << "damaged: illegal value";
+    QTest::newRow("zeros") << QByteArray(300, '\0') << "damaged: illegal value";
+    QTest::newRow("object") << QByteArray("{}") << unsound;
+    QTest::newRow("one record") << '[' + sound + ']' << unsound;
+    QTest::newRow("three records") << '[' + sound + ',' + sound + ',' + sound + ']' << unsound;
+    QTest::newRow("no record") << with("7") << unsound;
+    QTest::newRow("member missing") << without("MaxValueDate", "Other") << unsound;
+    QTest::newRow("text for a number") << without("9", "\"9\"") << unsound;
+    QTest::newRow("value that JSON does not know") << without("9", "null") << unsound;
+    QTest::newRow("no flag") << without("true", "1") << unsound;
+    QTest::newRow("no date") << without("2024-03-01T12:30:05", "") << unsound;
+    QTest::newRow("impossible date") << without("2024-03", "2024-13") << unsound;
+    QTest::newRow("minimum above maximum") << without("9", "0") << unsound;
+}
+
+void tst_PeakMeter::leavesADamagedFileAlone()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, reason);
+
+    writeFile(QStringLiteral("peaks.json"), content);
+    for (const QStringList& arguments :
+         {withFile, withFile + QStringList(QStringLiteral("--reset"))}) {
+        const ProgramResult result = run(arguments, "5\n");
+        QCOMPARE(result.errors, QStringLiteral("peak-meter: cannot restore from peaks.json: ") +
+                                    reason + QStringLiteral("; the file is left as it is\n"));
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.exitCode, 3);
+    }
+    QCOMPARE(readFile(peaks()), content);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList(QStringLiteral("peaks.json")));
+}
+
+// The folder goes while values come; what is known by then is said nevertheless.
+void tst_PeakMeter::saysWhenItCannotSave()
+{
+    QVERIFY(QDir().mkpath(path(QStringLiteral("medium"))));
+    ProgramRun programRun(program, {QStringLiteral("-f"), QStringLiteral("medium/peaks.json")},
+                          folder());
+    programRun.write("1\n");
+    QVERIFY(programRun.waitForOutput(QStringLiteral("line 1")));
+    QVERIFY(QDir(path(QStringLiteral("medium"))).removeRecursively());
+    programRun.write("2\n");
+    const ProgramResult result = programRun.finish();
+    QCOMPARE(
+        result.errors,
+        QStringLiteral("peak-meter: cannot write medium/peaks.json: No such file or directory\n"));
+    QCOMPARE(withoutDates(result.output), QStringLiteral("line 1: new minimum and maximum 1\n"
+                                                         "Summary: 2 values, 0 lines refused\n") +
+                                              sinceReset(QStringLiteral("1"), QStringLiteral("2")) +
+                                              ever(QStringLiteral("1"), QStringLiteral("2")));
+    QCOMPARE(result.exitCode, 4);
+}
+
+void tst_PeakMeter::oneRunAtATime()
+{
+    ProgramRun first(program, withFile, folder());
+    first.write("1\n");
+    QVERIFY(first.waitForOutput(QStringLiteral("line 1")));
+    const ProgramResult second = run(withFile, "2\n");
+    QCOMPARE(second.errors, QStringLiteral("peak-meter: cannot restore from peaks.json: another "
+                                           "peak-meter uses it\n"));
+    QCOMPARE(second.exitCode, 3);
+    QCOMPARE(first.finish().exitCode, 0);
+    QCOMPARE(run(withFile, "2\n").exitCode, 0);
+}
+
+void tst_PeakMeter::aKilledRunLosesNothingThatItShowed()
+{
+    constexpr int runs = 40;
+    constexpr int valuesPerRun = 300;
+
+    const QRegularExpression shown(QStringLiteral("new (?:minimum and )?maximum (\\d+)\n"));
+    int cut = 0;
+    for (int i = 0; i < runs; ++i) {
+        const int first = i * valuesPerRun + 1;
+        const int last = first + valuesPerRun - 1;
+        ProgramRun programRun(program, withFile, folder());
+        programRun.write(QByteArray::number(first) + '\n');
+        QVERIFY(programRun.waitForOutput(QStringLiteral("maximum %1\n").arg(first)));
+        QByteArray input;
+        for (int value = first + 1; value <= last; ++value) {
+            input += QByteArray::number(value) + '\n';
+        }
+        programRun.write(input);
+        // Before the save that is due, in its midst, and after it.
+        QTest::qSleep(1 + 3 * i);
+        programRun.send(SIGKILL);
+        const ProgramResult result = programRun.finish();
+        QCOMPARE(result.exitCode, -1);
+        int shownMaximum = 0;
+        QRegularExpressionMatchIterator matches = shown.globalMatch(result.output);
+        while (matches.hasNext()) {
+            shownMaximum = matches.next().captured(1).toInt();
+        }
+        QVERIFY(shownMaximum >= first);
+        cut += shownMaximum < last ? 1 : 0;
+        for (const auto place :
+             {DragIndicator::ResettableInstance, DragIndicator::PermanentInstance}) {
+            const DragIndicator kept = keptRecords();
+            QCOMPARE(kept.getMinValue(place), 1.0);
+            QVERIFY2(kept.getMaxValue(place) >= shownMaximum, qPrintable(result.output));
+            QVERIFY(kept.getMaxValue(place) <= last);
+        }
+    }
+    // Otherwise the kills came too late to try anything.
+    QVERIFY(cut > 0);
+    const ProgramResult result = run(withFile);
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_PeakMeter::signalsEndItInGoodOrder_data()
+{
+    QTest::addColumn<int>("signalNumber");
+    QTest::newRow("Ctrl-C") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void tst_PeakMeter::signalsEndItInGoodOrder()
+{
+    QFETCH(int, signalNumber);
+
+    ProgramRun programRun(program, withFile, folder());
+    programRun.write("1\n2\n");
+    QVERIFY(programRun.waitForOutput(QStringLiteral("line 2")));
+    programRun.send(signalNumber);
+    QVERIFY(programRun.waitForOutput(QStringLiteral("ever:")));
+    const ProgramResult result = programRun.finish();
+    QCOMPARE(result.errors, QString());
+    QVERIFY2(withoutDates(result.output).endsWith(ever(QStringLiteral("1"), QStringLiteral("2"))),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList(QStringLiteral("peaks.json")));
+}
+
+void tst_PeakMeter::terminalsGetALineThatIsRedrawn()
+{
+    Terminal terminal(60);
+    terminal.start(program, {QStringLiteral("-f"), peaks()});
+    QVERIFY(terminal.waitForText("\rno value yet"));
+    const QPair<QByteArray, QByteArray> steps[] = {
+        {"1", "1 [-----------------|----------------] 1  now 1"},
+        {"5", "1 [---------------------------------|] 5  now 5"},
+        {"-3.5", "-3.5 [|------------------------------] 5  now -3.5"},
+        {"0.75", "-3.5 [---------------|---------------] 5  now 0.75"},
+        {"1e308", "-3.5 [-------------------------|] 1e+308  now 1e+308"},
+        {"-1e308", "-1e+308 [|----------------------] 1e+308  now -1e+308"},
+        {"0", "-1e+308 [-----------|-----------] 1e+308  now 0"},
+    };
+
+    for (const auto& [value, line] : steps) {
+        terminal.write(value + '\n');
+        QVERIFY2(terminal.waitForText('\r' + line), line.constData());
+    }
+    const QByteArray written = terminal.finish();
+    QVERIFY2(!written.contains("new m"), written.constData());
+    // Nothing of the drawn lines is left behind.
+    const QByteArray screen = Terminal::screenAfter(written).join('\n');
+    QCOMPARE(withoutDates(QString::fromUtf8(screen)),
+             QStringLiteral("Summary: 7 values, 0 lines refused\n") +
+                 sinceReset(QStringLiteral("-1e+308"), QStringLiteral("1e+308")) +
+                 ever(QStringLiteral("-1e+308"), QStringLiteral("1e+308")));
+
+    // What was kept is drawn before any value comes.
+    terminal.start(program, {QStringLiteral("-f"), peaks()});
+    QVERIFY(terminal.waitForText("\r-1e+308 [-----------------------] 1e+308"));
+    terminal.finish();
+}
+
+void tst_PeakMeter::terminalLinesFit_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<QByteArray>("expected");
+
+    // The value in the bar's middle, whatever the distance of the ends.
+    QTest::newRow("unknown width")
+        << 0 << QByteArray("-2\n2\n0\n")
+        << "-2 [" + QByteArray(26, '-') + '|' + QByteArray(26, '-') + "] 2  now 0";
+    QTest::newRow("wide") << 40 << QByteArray("-2\n2\n0\n")
+                          << QByteArray("-2 [------|------] 2  now 0");
+    QTest::newRow("smallest numbers")
+        << 60 << QByteArray("-5e-324\n5e-324\n0\n")
+        << QByteArray("-4.94066e-324 [-----|-----] 4.94066e-324  now 0");
+    QTest::newRow("ends next to each other")
+        << 50 << QByteArray("1e308\n1.0000000000000002e308\n")
+        << QByteArray("1e+308 [-------------|] 1e+308  now 1e+308");
+    QTest::newRow("no room for a bar")
+        << 25 << QByteArray("-2\n2\n0\n") << QByteArray("-2..2  now 0");
+    QTest::newRow("room for the value alone") << 10 << QByteArray("-2\n2\n0\n") << QByteArray("0");
+}
+
+void tst_PeakMeter::terminalLinesFit()
+{
+    QFETCH(int, columns);
+    QFETCH(QByteArray, input);
+    QFETCH(QByteArray, expected);
+
+    Terminal terminal(columns);
+    terminal.start(program, {});
+    terminal.write(input);
+    const QByteArray written = terminal.finish();
+    const QByteArray drawn = written.left(written.indexOf("Summary"));
+    bool isDrawn = false;
+    for (const QByteArray& line : drawn.split('\r')) {
+        QVERIFY2(columns == 0 || line.size() < columns, line.constData());
+        isDrawn = isDrawn || line.trimmed() == expected;
+    }
+    QVERIFY2(isDrawn, written.constData());
+}
+
+void tst_PeakMeter::verboseShowsWhatTheLibraryLogs()
+{
+    writeFile(QStringLiteral("peaks.json"), "[]");
+    QCOMPARE(run(withFile + QStringList(QStringLiteral("--verbose"))).errors,
+             QStringLiteral("peak-meter: log: DragIndicator: Received invalid count for drag "
+                            "indicator instances: 0 , 2 !\n"
+                            "peak-meter: log: DragIndicator: Resetting drag indicator due to "
+                            "errors on importing json data!\n"
+                            "peak-meter: cannot restore from peaks.json: it does not hold two "
+                            "sound records; the file is left as it is\n"));
+}
+
+void tst_PeakMeter::refusesWhatItCannotUse_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("errors");
+
+    QTest::newRow("unknown option")
+        << QStringList{"--foo"} << 2 << "peak-meter: Unknown option 'foo'.\n" + hint;
+    QTest::newRow("option without its value")
+        << QStringList{"--file"} << 2 << "peak-meter: Missing value after '--file'.\n" + hint;
+    QTest::newRow("empty name") << QStringList{"--file", ""} << 2
+                                << "peak-meter: --file needs a name\n" + hint;
+    QTest::newRow("value as an argument")
+        << QStringList{"5"} << 2
+        << "peak-meter: values come from standard input, not from an argument: '5'\n" + hint;
+    QTest::newRow("reset of nothing")
+        << QStringList{"--reset"} << 2 << "peak-meter: --reset needs a --file\n" + hint;
+    QTest::newRow("folder") << QStringList{"--file", "."} << 3
+                            << "peak-meter: cannot restore from .: it is not a file\n";
+    QTest::newRow("missing folder")
+        << QStringList{"--file", "none/peaks.json"} << 4
+        << "peak-meter: cannot write none/peaks.json: No such file or directory\n";
+    QTest::newRow("reset in a missing folder")
+        << QStringList{"--reset", "--file", "none/peaks.json"} << 4
+        << "peak-meter: cannot write none/peaks.json: No such file or directory\n";
+}
+
+// At once: the input is still open.
+void tst_PeakMeter::refusesWhatItCannotUse()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QString, errors);
+
+    ProgramRun programRun(program, arguments, folder());
+    QVERIFY(!programRun.waitForOutput(QStringLiteral("never")));
+    const ProgramResult result = programRun.finish();
+    QCOMPARE(result.errors, errors);
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, exitCode);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
+}
+
+void tst_PeakMeter::helpNamesEveryExitCode()
+{
+    const ProgramResult result = run({QStringLiteral("--help")});
+    QCOMPARE(result.errors, QString());
+    QVERIFY2(result.output.contains(QStringLiteral(
+                 "\nExit codes:\n"
+                 "  0  every line was taken, up to the end of the input, Ctrl-C or SIGTERM\n"
+                 "  1  some lines were no numbers\n"
+                 "  2  wrong usage\n"
+                 "  3  FILE cannot be read, is damaged, or another peak-meter uses it\n"
+                 "  4  FILE cannot be written\n"
+                 "  5  standard input cannot be read\n")),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_PeakMeter)
+#include "tst_PeakMeter.moc"
