@@ -68,6 +68,7 @@ private Q_SLOTS:
     void leavesADamagedFileAlone();
     void saysWhenItCannotSave();
     void oneRunAtATime();
+    void savesReplaceTheFileAsAWhole();
     void aKilledRunLosesNothingThatItShowed();
     void signalsEndItInGoodOrder_data();
     void signalsEndItInGoodOrder();
@@ -370,6 +371,18 @@ void tst_PeakMeter::oneRunAtATime()
     QCOMPARE(second.exitCode, 3);
     QCOMPARE(first.finish().exitCode, 0);
     QCOMPARE(run(withFile, "2\n").exitCode, 0);
+}
+
+void tst_PeakMeter::savesReplaceTheFileAsAWhole()
+{
+    QCOMPARE(run(withFile, "1\n").exitCode, 0);
+    const QByteArray old = readFile(peaks());
+    // Who has the old file open goes on reading the old file.
+    QFile file(peaks());
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QCOMPARE(run(withFile, "2\n").exitCode, 0);
+    QCOMPARE(file.readAll(), old);
+    QVERIFY(readFile(peaks()) != old);
 }
 
 void tst_PeakMeter::aKilledRunLosesNothingThatItShowed()
