@@ -55,7 +55,8 @@ QString beginningOf(const QByteArray& line)
 
 } // namespace
 
-PeakMeter::PeakMeter(const QString& file) : m_file(file.isEmpty() ? nullptr : new PeakFile(file))
+PeakMeter::PeakMeter(const QString& file)
+    : m_file(file.isEmpty() ? nullptr : new PeakFile(file)), m_isTyped(isatty(STDIN_FILENO) != 0)
 {
     m_acknowledgeTimer.setSingleShot(true);
     connect(&m_acknowledgeTimer, &QTimer::timeout, this, &PeakMeter::acknowledge);
@@ -82,7 +83,7 @@ void PeakMeter::start()
     m_input.reset(new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read));
     connect(m_input.data(), &QSocketNotifier::activated, this, &PeakMeter::readInput);
 
-    if (m_display.isLive() && isatty(STDIN_FILENO) != 0) {
+    if (m_display.isLive() && m_isTyped) {
         m_display.showEvent(QStringLiteral("One number per line, please; Ctrl-D ends."));
     }
     showRange();
@@ -216,15 +217,22 @@ bool PeakMeter::save()
     return true;
 }
 
-void PeakMeter::showRange()
+QString PeakMeter::statusLine(int columns) const
 {
     if (!m_indicator.isInitialized(resettable)) {
-        m_display.showStatus(QStringLiteral("no value yet"));
-        return;
+        return QStringLiteral("no value yet");
     }
-    m_display.showStatus(rangeLine(
+    return rangeLine(
         {m_indicator.getMinValue(resettable), m_indicator.getMaxValue(resettable), m_value},
-        m_display.columns()));
+        columns);
+}
+
+void PeakMeter::showRange()
+{
+    // What is typed must not look like the end of the value that is shown.
+    const QString prompt = m_isTyped ? QStringLiteral("  > ") : QString();
+    const int typingWidth = m_isTyped ? 10 : 0;
+    m_display.showStatus(statusLine(m_display.columns() - prompt.size() - typingWidth) + prompt);
 }
 
 void PeakMeter::showSummary()

@@ -51,6 +51,7 @@ private:
     void acknowledgeSoon();
     bool acknowledge();
     bool save();
+    QString statusLine(int columns) const;
     void showRange();
     void showSummary();
     void showRecord(const QString& title, int place);
@@ -67,6 +68,7 @@ private:
     QElapsedTimer m_sinceAcknowledged;
     QStringList m_news; // what is still to be said of the values
     std::optional<double> m_value;
+    const bool m_isTyped;
     bool m_mustSave = false;
     bool m_hasInputTrouble = false;
     qint64 m_lines = 0;

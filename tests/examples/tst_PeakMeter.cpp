@@ -78,6 +78,8 @@ private Q_SLOTS:
     void verboseShowsWhatTheLibraryLogs();
     void refusesWhatItCannotUse_data();
     void refusesWhatItCannotUse();
+    void saysWhenThereIsNoInput_data();
+    void saysWhenThereIsNoInput();
     void helpNamesEveryExitCode();
 
 private:
@@ -585,6 +587,32 @@ void tst_PeakMeter::refusesWhatItCannotUse()
     QCOMPARE(result.exitCode, exitCode);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
+}
+
+void tst_PeakMeter::saysWhenThereIsNoInput_data()
+{
+    QTest::addColumn<QString>("redirection");
+    QTest::addColumn<QString>("reason");
+
+    QTest::newRow("closed") << "<&-"
+                            << "it is closed";
+    QTest::newRow("folder") << "</"
+                            << "Is a directory";
+}
+
+void tst_PeakMeter::saysWhenThereIsNoInput()
+{
+    QFETCH(QString, redirection);
+    QFETCH(QString, reason);
+
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("sh"),
+                   {QStringLiteral("-c"), QStringLiteral("exec \"$0\" ") + redirection, program},
+                   folder())
+            .finish();
+    QCOMPARE(result.errors,
+             QStringLiteral("peak-meter: cannot read standard input: %1\n").arg(reason));
+    QCOMPARE(result.exitCode, 5);
 }
 
 void tst_PeakMeter::helpNamesEveryExitCode()
