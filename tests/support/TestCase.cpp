@@ -18,6 +18,13 @@ QByteArray TestCase::readFile(const QString& filePath)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+int TestCase::rounds(int usual)
+{
+    bool isGiven = false;
+    const int given = qEnvironmentVariableIntValue("MISCTOOLS_DIFFERENTIAL_ROUNDS", &isGiven);
+    return isGiven ? given : usual;
+}
+
 void TestCase::init()
 {
     m_folder.reset(new QTemporaryDir);

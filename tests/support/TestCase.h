@@ -29,6 +29,10 @@ protected:
     // Writes a file into the row's folder; gives its path.
     QString writeFile(const QString& name, const QByteArray& content) const;
 
+    // How often a test with random input is to try: usually so often, or as the environment
+    // variable MISCTOOLS_DIFFERENTIAL_ROUNDS says.
+    static int rounds(int usual);
+
     // The whole content of a file; a null array when it cannot be read.
     static QByteArray readFile(const QString& filePath);
 

@@ -621,7 +621,7 @@ void tst_VersionManager::expression()
 
 void tst_VersionManager::sameAsLiteral()
 {
-    constexpr int versions = 25000;
+    const int versions = rounds(25000);
 
     QRandomGenerator random(1);
     LiteralVersion literalReused;
