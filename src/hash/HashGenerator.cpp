@@ -1,6 +1,7 @@
 #include "HashGenerator.h"
 
 #include "common/Log.h"
+#include "common/Text.h"
 
 #include <QtCore/QFile>
 
@@ -24,14 +25,14 @@ QByteArray HashGenerator::createHashFromFile(const QString& filePath,
         MISCTOOLS_LOG(HashGenerator).warning() << "Can't find file:" << filePath << "!";
         return QByteArray();
     }
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         MISCTOOLS_LOG(HashGenerator).warning()
             << "Can't open file:" << filePath << "(" << file.errorString() << ")!";
         return QByteArray();
     }
-    QCryptographicHash hash(algorithm);
-    hash.addData(file.readAll());
-    return hash.result();
+    QByteArray bytes = file.readAll();
+    Text::dropCarriageReturns(bytes, 0);
+    return QCryptographicHash::hash(bytes, algorithm);
 }
 
 uint hashFromString(const char* text)

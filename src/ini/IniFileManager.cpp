@@ -1,7 +1,7 @@
 #include "IniFileManager.h"
 
 #include "common/Log.h"
-#include "common/Text.h"
+#include "common/TextPieces.h"
 
 #include <QtCore/QEvent>
 #include <QtCore/QFile>
@@ -198,12 +198,19 @@ bool findIndexedGroup(const IniFileManager& file, QSettings& settings, int exter
     return true;
 }
 
+QList<void (*)(QString&)> ownCleanUpFunctions()
+{
+    return {&IniFileManager::cleanUpComments, &IniFileManager::cleanUpListSeperators};
+}
+
+bool writeAll(QIODevice& device, const QByteArray& bytes)
+{
+    return device.write(bytes) == bytes.size();
+}
+
 } // namespace
 
-QList<void (*)(QString&)> IniFileManager::sm_CleanUpFunctions = {
-    &IniFileManager::cleanUpComments,
-    &IniFileManager::cleanUpListSeperators,
-};
+QList<void (*)(QString&)> IniFileManager::sm_CleanUpFunctions = ownCleanUpFunctions();
 
 IniFileManager::IniFileManager(const QString& filePath, const char* codecName)
     : m_settings(filePath, QSettings::IniFormat), m_mutex(QMutex::Recursive)
@@ -244,30 +251,47 @@ QString IniFileManager::getGeneralLogInfo() const
 void IniFileManager::cleanUp(const QString& filePath)
 {
     QFile source(filePath);
-    // Text mode drops carriage returns.
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
         return;
     }
-    QString text = Text::fromBytes(source.readAll());
-    source.close();
-
-    for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
-        if (cleanUpFunction == nullptr) {
-            MISCTOOLS_LOG(IniFileManager).warning() << "Function pointer is Null.";
-            continue;
+    TextPieces pieces(source);
+    QString text;
+    // The library's own functions do to each piece of a text what they do to the whole, so that a
+    // large file need not fit into memory. Of others this is not known.
+    const bool isPieceByPiece = sm_CleanUpFunctions == ownCleanUpFunctions();
+    if (!isPieceByPiece) {
+        while (pieces.next()) {
+            text += pieces.text();
         }
-        cleanUpFunction(text);
+        for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
+            if (cleanUpFunction == nullptr) {
+                MISCTOOLS_LOG(IniFileManager).warning() << "Function pointer is Null.";
+                continue;
+            }
+            cleanUpFunction(text);
+        }
     }
 
     QSaveFile target(filePath);
-    if (!target.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    if (!target.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
         return;
     }
-    const QByteArray bytes = text.toUtf8();
+    bool isWritten = true;
+    if (isPieceByPiece) {
+        while (isWritten && pieces.next()) {
+            text = pieces.text();
+            for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
+                cleanUpFunction(text);
+            }
+            isWritten = writeAll(target, text.toUtf8());
+        }
+    } else {
+        isWritten = writeAll(target, text.toUtf8());
+    }
     // QSaveFile would put a text that was cut short, as on a full disk, in the file's place.
-    if (target.write(bytes) != bytes.size() || !target.flush()) {
+    if (!isWritten) {
         target.cancelWriting();
     }
     target.commit();

@@ -1,9 +1,49 @@
 #include "TextFileParser.h"
 
 #include "common/Log.h"
-#include "common/Text.h"
+#include "common/TextPieces.h"
 
 #include <QtCore/QFile>
+
+namespace {
+
+// The matches of expression over text; an invalid iterator, and an error, for an invalid one.
+QRegularExpressionMatchIterator matchesOver(const QString& text,
+                                            const QRegularExpression& expression,
+                                            QRegularExpression::MatchOptions options,
+                                            TextFileParser& parser)
+{
+    if (!expression.isValid()) {
+        parser.setError(QStringLiteral("Invalid regular expresion: ") + expression.pattern());
+        // A default-constructed iterator counts as valid. One that begins behind the end of its
+        // text does not, and Qt says nothing of its own.
+        return expression.globalMatch(QString(), 1);
+    }
+    return expression.globalMatch(text, 0, QRegularExpression::NormalMatch, options);
+}
+
+// The same, where the iterator stays with the parser; tells whether it is valid.
+bool findMatches(const QString& text, const QRegularExpression& expression, TextFileParser& parser,
+                 QRegularExpressionMatchIterator& matches)
+{
+    // What the parser has decoded itself is sound UTF-16 and need not be checked each time.
+    matches = matchesOver(text, expression, QRegularExpression::DontCheckSubjectStringMatchOption,
+                          parser);
+    if (!matches.isValid()) {
+        parser.setError(QStringLiteral("Invalid match on expresion: ") + expression.pattern());
+    }
+    return matches.isValid();
+}
+
+// The text that counts of a match.
+QString resultOf(const QRegularExpressionMatch& match)
+{
+    // Groups behind the last one that took part are not among the captured texts.
+    const bool hasGroup = match.lastCapturedIndex() >= 1;
+    return match.captured(hasGroup ? 1 : 0);
+}
+
+} // namespace
 
 TextFileParser::TextFileParser(const QString& filePath) : m_hasError(false)
 {
@@ -12,38 +52,43 @@ TextFileParser::TextFileParser(const QString& filePath) : m_hasError(false)
         setError(QStringLiteral("File doesn't exists: ") + file.fileName());
         return;
     }
-    // Text mode drops carriage returns.
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         setError(QStringLiteral("Can't open file ") + file.fileName() +
                  QStringLiteral(" IO Error: ") + file.errorString());
         return;
     }
-    m_content = Text::fromBytes(file.readAll());
+    TextPieces pieces(file);
+    while (pieces.next()) {
+        if (m_content.isNull()) {
+            m_content.reserve(int(file.size()));
+        }
+        m_content += pieces.text();
+    }
+    // Only a file without any text leaves the content null, which shows in matches of nothing.
+    if (m_content.isNull() && pieces.isCut()) {
+        m_content = QLatin1String("");
+    }
 }
 
 TextFileParser::~TextFileParser() = default;
 
 QString TextFileParser::match(const QRegularExpression& regularExpression)
 {
-    return multiMatch(regularExpression).value(0);
+    QRegularExpressionMatchIterator matches;
+    // Looking without taking leaves the rest of the text alone.
+    return findMatches(m_content, regularExpression, *this, matches) && matches.hasNext()
+               ? resultOf(matches.peekNext())
+               : QString();
 }
 
 QStringList TextFileParser::multiMatch(const QRegularExpression& regularExpression)
 {
     QStringList results;
-    QRegularExpressionMatchIterator matches = internallMatch(regularExpression);
-    if (!matches.isValid()) {
-        setError(QStringLiteral("Invalid match on expresion: ") + regularExpression.pattern());
-        return results;
-    }
-    while (matches.hasNext()) {
-        const QRegularExpressionMatch match = matches.next();
-        if (!match.isValid()) {
-            continue;
+    QRegularExpressionMatchIterator matches;
+    if (findMatches(m_content, regularExpression, *this, matches)) {
+        while (matches.hasNext()) {
+            results.append(resultOf(matches.next()));
         }
-        // Groups behind the last one that took part are not among the captured texts.
-        const bool hasGroup = match.lastCapturedIndex() >= 1;
-        results.append(match.captured(hasGroup ? 1 : 0));
     }
     return results;
 }
@@ -51,13 +96,7 @@ QStringList TextFileParser::multiMatch(const QRegularExpression& regularExpressi
 QRegularExpressionMatchIterator
 TextFileParser::internallMatch(const QRegularExpression& regularExpression)
 {
-    if (!regularExpression.isValid()) {
-        setError(QStringLiteral("Invalid regular expresion: ") + regularExpression.pattern());
-        // A default-constructed iterator counts as valid. One that begins behind the end of its
-        // text does not, and Qt says nothing of its own.
-        return regularExpression.globalMatch(QString(), 1);
-    }
-    return regularExpression.globalMatch(m_content);
+    return matchesOver(m_content, regularExpression, QRegularExpression::NoMatchOption, *this);
 }
 
 bool TextFileParser::hasError() const

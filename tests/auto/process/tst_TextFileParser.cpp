@@ -186,6 +186,8 @@ void tst_TextFileParser::decodesTheFile_data()
         << QByteArray("one\r\ntwo\r\n") << QStringLiteral("one\ntwo\n");
     QTest::newRow("carriage returns elsewhere")
         << QByteArray("\rone\r\r\ntw\ro\r") << QStringLiteral("one\ntwo");
+    QTest::newRow("carriage returns only") << QByteArray("\r\r") << QString();
+    QTest::newRow("carriage return and zero byte") << QByteArray("\r\0a", 3) << QStringLiteral("");
     QTest::newRow("zero byte") << QByteArray("one\0two", 7) << QStringLiteral("one");
     QTest::newRow("zero byte first") << QByteArray("\0two", 4) << QStringLiteral("");
     QTest::newRow("zero byte last") << QByteArray("one\0", 4) << QStringLiteral("one");
@@ -479,7 +481,7 @@ void tst_TextFileParser::emptyContentStillMatchesEmptyExpressions()
 
 void tst_TextFileParser::agreesWithTheObviousWay()
 {
-    constexpr int files = 300;
+    const int files = rounds(300);
     constexpr int patternsPerFile = 20;
     QRandomGenerator random(20240229);
     int withResults = 0;
@@ -487,7 +489,7 @@ void tst_TextFileParser::agreesWithTheObviousWay()
         const QByteArray bytes = randomBytes(random);
         TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
         QString content = literalContent(bytes);
-        if (bytes.isEmpty()) {
+        if (bytes.count('\r') == bytes.size()) {
             content = QString();
         }
         for (int j = 0; j < patternsPerFile; ++j) {
