@@ -1,6 +1,8 @@
 #include "IniFileManager.h"
 #include "IniTestCase.h"
 
+#include <QtCore/QSettings>
+
 class tst_IniFileManagerGroups : public IniTestCase
 {
     Q_OBJECT
@@ -35,6 +37,8 @@ private Q_SLOTS:
     void groupValues_data();
     void groupValues();
     void groupValuesWithNamelessKey();
+    void groupValuesOfSectionsThatShareKeys();
+    void oneLookUpByPathWouldFindAnotherValue();
     void groupIsLeftAfterEveryCall();
 };
 
@@ -521,6 +525,33 @@ void tst_IniFileManagerGroups::groupValuesWithNamelessKey()
     QCOMPARE(
         manager.getGroupValues(QStringLiteral("Net")),
         (QVariantMap{{QString(), QVariant()}, {QStringLiteral("Port"), QStringLiteral("80")}}));
+}
+
+void tst_IniFileManagerGroups::groupValuesOfSectionsThatShareKeys()
+{
+    // "A/B/k" stands in two sections, of which the one that is parsed last wins; a third one, which
+    // sorts between its group and the key, hides the second from a mere look-up of the key.
+    writeIni("[A/B]\nk=1\nl=2\n[A]\nB\\k=3\n[A/B/a]\nx=1\n");
+    const IniFileManager manager(iniFile(), nullptr);
+    QCOMPARE(manager.getGroupValues(QStringLiteral("A/B")),
+             (QVariantMap{{QStringLiteral("k"), QStringLiteral("3")},
+                          {QStringLiteral("l"), QStringLiteral("2")}}));
+}
+
+void tst_IniFileManagerGroups::oneLookUpByPathWouldFindAnotherValue()
+{
+    // The top level is parsed and has a key "A/k". The section [A] is not, and its own "k" is not
+    // seen by a look-up of the path, as [A/B] stands between them.
+    writeIni("A\\k=top level\n[A]\nk=section\n[A/B]\nx=1\n");
+    const QString path = QStringLiteral("A/k");
+    QSettings settings(copyOfIniFile(), QSettings::IniFormat);
+    QVERIFY(!settings.contains(QStringLiteral("none")));
+    QCOMPARE(settings.value(path), QVariant(QStringLiteral("top level")));
+
+    IniFileManager manager(iniFile(), nullptr);
+    QVERIFY(!manager.containsGeneral(QStringLiteral("none")));
+    QCOMPARE(manager.getValue(QStringLiteral("A"), QStringLiteral("k"), QVariant()),
+             QVariant(QStringLiteral("section")));
 }
 
 void tst_IniFileManagerGroups::groupIsLeftAfterEveryCall()

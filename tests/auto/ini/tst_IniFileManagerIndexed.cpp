@@ -28,6 +28,7 @@ private Q_SLOTS:
 
     void namelessGroupReadsTheTopLevel();
     void changesOfAnotherManagerCount();
+    void searchSeesWhatAHandlerReadsAnew();
 
 private:
     void expectNoPosition(const char* group);
@@ -438,6 +439,24 @@ void tst_IniFileManagerIndexed::changesOfAnotherManagerCount()
     QCOMPARE(manager.getValueInteger(0, key, 99), 99);
     expectIniWarning(QStringLiteral("Invalid group index!"));
     QCOMPARE(manager.getValueInteger(2, key, 99), 99);
+}
+
+void tst_IniFileManagerIndexed::searchSeesWhatAHandlerReadsAnew()
+{
+    writeIni("[A]\nk=1\n[B]\nPosition=0\n");
+    IniFileManager manager(iniFile(), nullptr);
+    expectNoPosition("A");
+    // The new file's top level has a Position of B too, which counts less than that of the section.
+    messages().setObserver([this, &manager](const Message&) {
+        writeIni("B\\Position=7\n[A]\nk=1\n[B]\nPosition=1\n[B/A]\nx=1\n");
+        manager.sync();
+        QVERIFY(!manager.containsGeneral(QStringLiteral("none")));
+    });
+    int groupIndex = untouched;
+    const bool isFound = manager.searchIndex(1, groupIndex);
+    messages().setObserver(nullptr);
+    QVERIFY(isFound);
+    QCOMPARE(groupIndex, 1);
 }
 
 QTEST_GUILESS_MAIN(tst_IniFileManagerIndexed)
