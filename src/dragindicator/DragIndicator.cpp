@@ -96,9 +96,15 @@ void DragIndicator::reset()
 
 bool DragIndicator::compute(double value)
 {
+    // Mostly nothing changes. A list that is shared with a copy of this object stays shared then.
+    const auto isPassedOver = [this, value](const DragIndicatorInstance& instance) {
+        return instance.initialized && !(instance.maxValue < value) &&
+               !(instance.minValue > value) && !m_textDateImported;
+    };
     bool isChanged = false;
-    for (DragIndicatorInstance& instance : m_instances) {
-        if (checkInstance(instance, value)) {
+    const QList<DragIndicatorInstance>& instances = m_instances;
+    for (int i = 0; i < instances.size(); ++i) {
+        if (!isPassedOver(instances.at(i)) && checkInstance(m_instances[i], value)) {
             isChanged = true;
         }
     }
