@@ -2,6 +2,12 @@
 
 #include <QtCore/QDirIterator>
 
+namespace {
+
+const QLatin1Char slash('/');
+
+} // namespace
+
 void searchFilesOnPathRecursive(const QString& path, const QStringList& nameFilters,
                                 QDir::Filters filters, QFileInfoList& result)
 {
@@ -21,19 +27,25 @@ void searchFilesOnPathRecursive(const QString& path, const QStringList& nameFilt
 void searchFilesOnPathRecursive(const QString& path, const QStringList& nameFilters,
                                 QStringList& result)
 {
-    QFileInfoList entries;
-    searchFilesOnPathRecursive(path, nameFilters, entries);
+    QDirIterator entries(path, nameFilters, QDir::NoFilter, QDirIterator::Subdirectories);
     const QDir folder(path);
-    for (const QFileInfo& entry : qAsConst(entries)) {
-        result.append(folder.relativeFilePath(entry.filePath()));
+    const bool isPrefix = QDir::isAbsolutePath(path) && QDir::cleanPath(path) == path;
+    const int prefixSize = path.endsWith(slash) ? path.size() : path.size() + 1;
+    while (entries.hasNext()) {
+        const QString entry = entries.next();
+        // The entry's path is path, a slash and what is wanted, except for the folders' entries of
+        // themselves and of their parents.
+        const bool isPlain = isPrefix && !entry.endsWith(QLatin1String("/.")) &&
+                             !entry.endsWith(QLatin1String("/.."));
+        result.append(isPlain ? entry.mid(prefixSize) : folder.relativeFilePath(entry));
     }
 }
 
 QString concatenatePaths(const QString& firstPath, const QString& secondPath)
 {
     QString path = firstPath;
-    if (!path.endsWith(QLatin1Char('/'))) {
-        path += QLatin1Char('/');
+    if (!path.endsWith(slash)) {
+        path += slash;
     }
     return path + secondPath;
 }
