@@ -2,8 +2,6 @@
 
 #include "common/Log.h"
 
-#include <QtCore/QRegExp>
-
 HardwareIdentification::HardwareIdentification(const QString& hardwareId) : m_isValid(false)
 {
     divideHardwareID(hardwareId);
@@ -54,7 +52,15 @@ void HardwareIdentification::divideHardwareID(const QString& hardwareId)
 
 bool HardwareIdentification::containsHardwareIDOnlyNumbers(const QString& hardwareId) const
 {
-    return hardwareId.indexOf(QRegExp(QStringLiteral("[0-9]{16,16}"))) >= 0;
+    int digitsInARow = 0;
+    for (const QChar character : hardwareId) {
+        const bool isDigit = character >= QLatin1Char('0') && character <= QLatin1Char('9');
+        digitsInARow = isDigit ? digitsInARow + 1 : 0;
+        if (digitsInARow == 16) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool HardwareIdentification::isHardwareIDValid() const
