@@ -5,6 +5,93 @@
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStringList>
 
+#include <algorithm>
+
+namespace {
+
+bool isDigit(QChar character)
+{
+    return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+}
+
+// What \s stands for in an expression without further options.
+bool isBlank(QChar character)
+{
+    return character == QLatin1Char(' ') ||
+           (character >= QLatin1Char('\t') && character <= QLatin1Char('\r'));
+}
+
+// How many of the characters from begin on are digits, up to limit.
+int countDigits(const QString& text, int begin, int limit)
+{
+    int count = 0;
+    while (count < limit && begin + count < text.size() && isDigit(text.at(begin + count))) {
+        ++count;
+    }
+    return count;
+}
+
+// Whether the expression for old versions finds in text what readPlainVersion() finds: there are
+// just the two dots that it asks for, and no limit of the expression's machinery is near.
+bool isPlainVersion(const QString& text)
+{
+    constexpr int sizeLimit = 256;
+    return text.size() <= sizeLimit && text.count(QLatin1Char('.')) == 2 &&
+           std::none_of(text.cbegin(), text.cend(), [](QChar c) { return c.isSurrogate(); });
+}
+
+struct OldVersion
+{
+    QString mainVersion;
+    QString baseNumber;
+    QString majorIndex;
+    QString minorIndex;
+    QString testIndex;
+};
+
+// Does by hand, in a hundredth of the time, what the expression for old versions does.
+bool readPlainVersion(const QString& text, OldVersion& version)
+{
+    const int firstDot = text.indexOf(QLatin1Char('.'));
+    const int secondDot = text.lastIndexOf(QLatin1Char('.'));
+    const int majorSize = secondDot - firstDot - 1;
+    const int minorBegin = secondDot + 1;
+    const int minorSize = countDigits(text, minorBegin, 2);
+    if (majorSize < 1 || countDigits(text, firstDot + 1, 2) != majorSize || minorSize == 0) {
+        return false;
+    }
+
+    int begin = firstDot;
+    while (begin > 0 && !isBlank(text.at(begin - 1))) {
+        --begin;
+    }
+    if (text.at(begin) == QLatin1Char('V')) {
+        ++begin;
+    }
+    int testBegin = minorBegin + minorSize;
+    version.mainVersion = text.mid(begin, testBegin - begin);
+    version.baseNumber = text.mid(begin, firstDot - begin);
+    version.majorIndex = text.mid(firstDot + 1, majorSize);
+    version.minorIndex = text.mid(minorBegin, minorSize);
+    if (testBegin < text.size() && text.at(testBegin) == QLatin1Char('-')) {
+        ++testBegin;
+    }
+    const int testSize = countDigits(text, testBegin, 3);
+    version.testIndex = testSize > 0 ? text.mid(testBegin, testSize) : QString();
+    return true;
+}
+
+bool readOldVersion(const QString& text, OldVersion& version)
+{
+    static const QRegularExpression expression(VersionManager::getRegularExpressionVersion());
+    const QRegularExpressionMatch match = expression.match(text);
+    version = {match.captured(1), match.captured(2), match.captured(3), match.captured(4),
+               match.captured(5)};
+    return match.hasMatch();
+}
+
+} // namespace
+
 VersionManager::VersionManager(const QString& version) : m_isOldVersion(false)
 {
     initializeVersions(version);
@@ -94,18 +181,18 @@ void VersionManager::initializeVersions(const QString& version)
 
 void VersionManager::initializeVersionsOld(const QString& version)
 {
-    const QRegularExpression expression(getRegularExpressionVersion());
-    const QRegularExpressionMatch match = expression.match(version);
-    if (!match.hasMatch()) {
+    OldVersion parts;
+    if (!(isPlainVersion(version) ? readPlainVersion(version, parts)
+                                  : readOldVersion(version, parts))) {
         MISCTOOLS_LOG(VersionManager).warning()
             << "Can not convert the following version:" << version;
         return;
     }
-    m_mainVersion = match.captured(1);
-    m_baseNumber = match.captured(2);
-    m_majorIndex = match.captured(3);
-    m_minorIndex = match.captured(4);
-    m_testIndex = match.captured(5);
+    m_mainVersion = parts.mainVersion;
+    m_baseNumber = parts.baseNumber;
+    m_majorIndex = parts.majorIndex;
+    m_minorIndex = parts.minorIndex;
+    m_testIndex = parts.testIndex;
 }
 
 void VersionManager::initializeVersionsNew(const QString& version)
