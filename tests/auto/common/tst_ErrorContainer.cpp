@@ -1,10 +1,10 @@
 #include "ChildProcess.h"
+#include "DestructionProbe.h"
 #include "ErrorContainer.h"
 #include "TestCase.h"
 
 #include <QtCore/QThread>
 
-#include <memory>
 #include <thread>
 #include <type_traits>
 #include <vector>
@@ -25,19 +25,6 @@ struct TypeBefore
 
 struct TypeAfter
 {
-};
-
-// Tells when it is destroyed.
-class DerivedError : public ErrorContainer
-{
-public:
-    explicit DerivedError(bool& isDestroyed) : m_isDestroyed(isDestroyed) {}
-    ~DerivedError() override { m_isDestroyed = true; }
-
-private:
-    Q_DISABLE_COPY(DerivedError)
-
-    bool& m_isDestroyed;
 };
 
 ErrorContainer makeError(int code, const QString& message)
@@ -271,10 +258,7 @@ void tst_ErrorContainer::copiesAreIndependent()
 
 void tst_ErrorContainer::destructorIsVirtual()
 {
-    bool isDestroyed = false;
-    std::unique_ptr<ErrorContainer> error = std::make_unique<DerivedError>(isDestroyed);
-    error.reset();
-    QVERIFY(isDestroyed);
+    QVERIFY(isDestroyedThroughBase<ErrorContainer>());
 }
 
 void tst_ErrorContainer::travelsInVariant()

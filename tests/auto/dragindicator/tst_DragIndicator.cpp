@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "DestructionProbe.h"
 #include "DragIndicator.h"
 #include "Records.h"
 #include "TestCase.h"
@@ -114,6 +115,7 @@ class tst_DragIndicator : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
+    void destructorIsVirtual();
     void recordStartsEmpty();
     void startsWithTwoEmptyRecords();
     void takesValues_data();
@@ -147,6 +149,11 @@ private Q_SLOTS:
 private:
     void announceMissing(const char* what, int index, const char* signature);
 };
+
+void tst_DragIndicator::destructorIsVirtual()
+{
+    QVERIFY(isDestroyedThroughBase<DragIndicator>());
+}
 
 void tst_DragIndicator::announceMissing(const char* what, int index, const char* signature)
 {

@@ -4,6 +4,8 @@
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonValue>
+#include <QtCore/QLocale>
+#include <QtCore/QProcess>
 
 #include <limits>
 
@@ -20,16 +22,23 @@ private Q_SLOTS:
     void wrongCount();
     void elementIsNoObject_data();
     void elementIsNoObject();
+    void damageIsReportedInOrder();
     void onlyObjectLandsFirst();
     void missingKeyAsLogged();
+    void otherMembersDoNotMatter();
     void everyStateOfEveryMember_data();
     void everyStateOfEveryMember();
     void dateForms_data();
     void dateForms();
+    void datesUnderLocales_data();
+    void datesUnderLocales();
     void textDateIsReportedOnce_data();
     void textDateIsReportedOnce();
     void failedImportKeepsWhatItTook();
+    void failedImportKeepsTextDate_data();
+    void failedImportKeepsTextDate();
     void freshExportCannotBeImported();
+    void exportOfImportIsTheSame_data();
     void exportOfImportIsTheSame();
     void fileRoundTrip();
     void valuesThatJsonDoesNotKnow_data();
@@ -60,6 +69,19 @@ int recordCount(const DragIndicator& indicator)
 {
     return indicator.asJsonArray().size();
 }
+
+// The language of the program's own texts while it lives.
+class DefaultLocale
+{
+public:
+    explicit DefaultLocale(const QLocale& locale) { QLocale::setDefault(locale); }
+    ~DefaultLocale() { QLocale::setDefault(m_previous); }
+
+private:
+    Q_DISABLE_COPY(DefaultLocale)
+
+    const QLocale m_previous;
+};
 
 } // namespace
 
@@ -188,6 +210,33 @@ void tst_DragIndicatorJson::elementIsNoObject()
     QCOMPARE(recordCount(both), 0);
 }
 
+void tst_DragIndicatorJson::damageIsReportedInOrder()
+{
+    QJsonObject object = Records::object(1.5, 2.5, QString());
+    object.remove(QStringLiteral("MaxValue"));
+    object.insert(QStringLiteral("Initialized"), QStringLiteral("true"));
+    DragIndicator indicator;
+    const auto expectFromObject = [this, &object] {
+        expectMissingKey(QStringLiteral("MaxValue"), object);
+        expectFromImport(QStringLiteral("Received an empty min date string!"));
+        expectFromImport(QStringLiteral("Received an empty max date string!"));
+        expectMissingKey(QStringLiteral("Initialized"), object);
+    };
+    expectFromObject();
+    expectFromObject();
+    expectEnd();
+    QVERIFY(!indicator.fromJsonArray({object, object}));
+    const QJsonObject taken = Records::object(1.5, 0.0, QString(), false);
+    QCOMPARE(indicator.asJsonArray(), (QJsonArray{taken, taken}));
+
+    expectFromImport(
+        QStringLiteral("Cannot convert json value for instance to object: QJsonValue(null) !"));
+    expectFromObject();
+    expectEnd();
+    QVERIFY(!indicator.fromJsonArray({QJsonValue(), object}));
+    QCOMPARE(indicator.asJsonArray(), QJsonArray{taken});
+}
+
 void tst_DragIndicatorJson::onlyObjectLandsFirst()
 {
     DragIndicator indicator;
@@ -213,6 +262,16 @@ void tst_DragIndicatorJson::missingKeyAsLogged()
     QCOMPARE(recordCount(indicator), 2);
     QVERIFY(!indicator.isInitialized(Records::at(0)));
     QVERIFY(indicator.isInitialized(Records::at(1)));
+}
+
+void tst_DragIndicatorJson::otherMembersDoNotMatter()
+{
+    QJsonObject object = goodObject();
+    object.insert(QStringLiteral("Unit"), QStringLiteral("bar"));
+    object.insert(QStringLiteral("minvalue"), QStringLiteral("keys are compared exactly"));
+    DragIndicator indicator;
+    QVERIFY(indicator.fromJsonArray({object, goodObject()}));
+    QCOMPARE(indicator.asJsonArray(), (QJsonArray{goodObject(), goodObject()}));
 }
 
 void tst_DragIndicatorJson::everyStateOfEveryMember_data()
@@ -344,6 +403,119 @@ void tst_DragIndicatorJson::dateForms()
     QCOMPARE(indicator.compute(2.0), isText);
 }
 
+void tst_DragIndicatorJson::datesUnderLocales_data()
+{
+    QTest::addColumn<QByteArray>("systemLocale"); // what LC_ALL says
+    QTest::addColumn<QLocale>("defaultLocale");
+    QTest::addColumn<QString>("date");
+    QTest::addColumn<QString>("exported");
+    QTest::addColumn<bool>("isText");
+
+    const QByteArray none = "C";
+    const QByteArray german = "de_DE.UTF-8";
+    const QByteArray arabic = "ar_EG.UTF-8";
+    const QByteArray vietnamese = "vi_VN.UTF-8";
+    const QLocale c = QLocale::c();
+    const QLocale germanDefault(QLocale::German, QLocale::Germany);
+    const QLocale arabicDefault(QLocale::Arabic, QLocale::Egypt);
+    const QString germanDate = QStringLiteral(u"Fr. M\u00E4rz 1 12:30:05 2024");
+    const QString arabicDate = QStringLiteral(u"\u0627\u0644\u062C\u0645\u0639\u0629 "
+                                              u"\u0645\u0627\u0631\u0633 1 12:30:05 2024");
+    const QString vietnameseDate = QStringLiteral("Th 6 thg 3 1 12:30:05 2024");
+
+    QTest::newRow("English names, German system") << german << c << textDate << isoDate << true;
+    QTest::newRow("English names, Arabic system") << arabic << c << textDate << isoDate << true;
+    QTest::newRow("English names, German default")
+        << none << germanDefault << textDate << isoDate << true;
+    QTest::newRow("English names, Arabic default")
+        << none << arabicDefault << textDate << isoDate << true;
+    QTest::newRow("English names, Arabic both")
+        << arabic << arabicDefault << textDate << isoDate << true;
+    QTest::newRow("ISO, German system") << german << c << isoDate << isoDate << false;
+    QTest::newRow("ISO, Arabic both") << arabic << arabicDefault << isoDate << isoDate << false;
+
+    // The month's name may also be that of the system's language; the day's is not read at all.
+    QTest::newRow("German names, German system") << german << c << germanDate << isoDate << true;
+    QTest::newRow("Arabic names, Arabic system") << arabic << c << arabicDate << isoDate << true;
+    QTest::newRow("Vietnamese names of two words, Vietnamese system")
+        << vietnamese << c << vietnameseDate << isoDate << true;
+    QTest::newRow("day before month, German system")
+        << german << c << QStringLiteral("Sa. 1. Dez. 12:30:05 2018")
+        << QStringLiteral("2018-12-01T12:30:05") << true;
+    // A name that ends in a full stop is taken for the day's number.
+    QTest::newRow("shortened month, German system")
+        << german << c << QStringLiteral("Sa. Dez. 1 12:30:05 2018") << QString() << true;
+
+    QTest::newRow("German names, other system") << none << c << germanDate << QString() << true;
+    QTest::newRow("German names, Arabic system") << arabic << c << germanDate << QString() << true;
+    // The default locale does not count.
+    QTest::newRow("German names, German default")
+        << none << germanDefault << germanDate << QString() << true;
+    QTest::newRow("Arabic names, Arabic default")
+        << none << arabicDefault << arabicDate << QString() << true;
+
+    QTest::newRow("Arabic digits in a text, Arabic both")
+        << arabic << arabicDefault
+        << QStringLiteral(u"Fri Mar \u0661 \u0661\u0662:\u0663\u0660:\u0660\u0665 "
+                          u"\u0662\u0660\u0662\u0664")
+        << QString() << true;
+    QTest::newRow("ISO in Arabic digits, Arabic both")
+        << arabic << arabicDefault
+        << QStringLiteral(u"\u0662\u0660\u0662\u0664-\u0660\u0663-\u0660\u0661") << QString()
+        << false;
+}
+
+void tst_DragIndicatorJson::datesUnderLocales()
+{
+    QFETCH(QByteArray, systemLocale);
+    QFETCH(QLocale, defaultLocale);
+    QFETCH(QString, date);
+    QFETCH(QString, exported);
+    QFETCH(bool, isText);
+
+    if (qgetenv("LC_ALL") != systemLocale) {
+        // Qt reads it once: the row is for a process that begins with it.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(systemLocale));
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(
+            QCoreApplication::applicationFilePath(),
+            {QStringLiteral("datesUnderLocales:") + QString::fromLatin1(QTest::currentDataTag())});
+        QVERIFY(process.waitForFinished());
+        const QByteArray output = process.readAll();
+        QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+                 output.constData());
+        QVERIFY2(output.contains("PASS   : tst_DragIndicatorJson::datesUnderLocales("),
+                 output.constData());
+        return;
+    }
+
+    const DefaultLocale program(defaultLocale);
+    DragIndicator indicator;
+    QVERIFY(indicator.fromJsonArray(
+        {Records::object(1.5, 2.5, date), Records::object(1.5, 2.5, isoDate)}));
+    QCOMPARE(indicator.asJsonArray(),
+             (QJsonArray{Records::object(1.5, 2.5, exported), Records::object(1.5, 2.5, isoDate)}));
+    QCOMPARE(indicator.compute(2.0), isText);
+
+    // What is written now can be read in every language.
+    indicator.reset();
+    QVERIFY(indicator.compute(1.25));
+    const QJsonArray array = indicator.asJsonArray();
+    for (const QJsonValue& element : array) {
+        const QString written = element.toObject().value(QStringLiteral("MinValueDate")).toString();
+        const QRegularExpression form(QStringLiteral("\\A[0-9-]{10}T[0-9:]{8}\\z"));
+        QVERIFY2(form.match(written).hasMatch(), qPrintable(written));
+    }
+    DragIndicator restored;
+    QVERIFY(restored.fromJsonArray(
+        QJsonDocument::fromJson(QJsonDocument(array).toJson(QJsonDocument::Compact)).array()));
+    QCOMPARE(restored.asJsonArray(), array);
+    QVERIFY(!restored.compute(1.25));
+}
+
 void tst_DragIndicatorJson::textDateIsReportedOnce_data()
 {
     QTest::addColumn<int>("index");
@@ -388,6 +560,37 @@ void tst_DragIndicatorJson::failedImportKeepsWhatItTook()
     QCOMPARE(recordCount(indicator), 2);
 }
 
+void tst_DragIndicatorJson::failedImportKeepsTextDate_data()
+{
+    QTest::addColumn<QJsonArray>("damaged");
+
+    QTest::newRow("wrong count") << QJsonArray();
+    QTest::newRow("no objects") << QJsonArray{5, 5};
+}
+
+void tst_DragIndicatorJson::failedImportKeepsTextDate()
+{
+    QFETCH(QJsonArray, damaged);
+
+    DragIndicator indicator;
+    const QJsonObject object = Records::object(1.5, 2.5, textDate);
+    QVERIFY(indicator.fromJsonArray({object, object}));
+    if (damaged.isEmpty()) {
+        expectFromImport(
+            QStringLiteral("Received invalid count for drag indicator instances: 0 , 2 !"));
+    }
+    for (int i = 0; i < damaged.size(); ++i) {
+        expectFromImport(QStringLiteral(
+            "Cannot convert json value for instance to object: QJsonValue(double, 5) !"));
+    }
+    expectEnd();
+    QVERIFY(!indicator.fromJsonArray(damaged));
+    QVERIFY(!indicator.compute(2.0)); // no record is there to see it
+    QVERIFY(indicator.fromJsonArray({goodObject(), goodObject()}));
+    QVERIFY(indicator.compute(2.0));
+    QVERIFY(!indicator.compute(2.0));
+}
+
 void tst_DragIndicatorJson::freshExportCannotBeImported()
 {
     DragIndicator indicator;
@@ -400,18 +603,52 @@ void tst_DragIndicatorJson::freshExportCannotBeImported()
     QCOMPARE(indicator.asJsonArray(), DragIndicator().asJsonArray());
 }
 
+void tst_DragIndicatorJson::exportOfImportIsTheSame_data()
+{
+    QTest::addColumn<QVector<double>>("values");
+
+    using Values = QVector<double>;
+    const double infinity = std::numeric_limits<double>::infinity();
+    QTest::newRow("usual") << Values{0.1, 7, -3.25};
+    QTest::newRow("one") << Values{5};
+    QTest::newRow("large") << Values{-1e300, std::numeric_limits<double>::max()};
+    QTest::newRow("small") << Values{0, std::numeric_limits<double>::denorm_min()};
+    QTest::newRow("beyond the integers of a double") << Values{-9007199254740993.0, 1e19};
+    QTest::newRow("-0") << Values{-0.0};
+    QTest::newRow("infinities") << Values{-infinity, infinity};
+    QTest::newRow("NaN") << Values{std::numeric_limits<double>::quiet_NaN()};
+}
+
 void tst_DragIndicatorJson::exportOfImportIsTheSame()
 {
+    QFETCH(QVector<double>, values);
+
     DragIndicator indicator;
-    indicator.compute(0.1);
-    indicator.compute(-1e300);
+    for (const double value : values) {
+        indicator.compute(value);
+    }
     indicator.reset();
-    indicator.compute(7.0);
+    indicator.compute(values.last());
     const QJsonArray array = indicator.asJsonArray();
     DragIndicator copy;
     QVERIFY(copy.fromJsonArray(array));
-    QCOMPARE(copy.asJsonArray(), array);
-    QVERIFY(!copy.compute(7.0)); // no text date was among them
+    for (const int index : {0, 1}) {
+        QVERIFY(copy.isInitialized(Records::at(index)));
+        // As numbers; these comparisons take a NaN for equal to itself.
+        QCOMPARE(copy.getMinValue(Records::at(index)), indicator.getMinValue(Records::at(index)));
+        QCOMPARE(copy.getMaxValue(Records::at(index)), indicator.getMaxValue(Records::at(index)));
+    }
+    QVERIFY(!copy.compute(values.last())); // no text date was among them
+
+    DragIndicator copyOfCopy;
+    QVERIFY(copyOfCopy.fromJsonArray(copy.asJsonArray()));
+    for (const int index : {0, 1}) {
+        const QJsonObject object = objectAt(copyOfCopy, index);
+        for (const char* key : {"MinValueDate", "MaxValueDate"}) {
+            QCOMPARE(object.value(QLatin1String(key)),
+                     array.at(index).toObject().value(QLatin1String(key)));
+        }
+    }
 }
 
 void tst_DragIndicatorJson::fileRoundTrip()

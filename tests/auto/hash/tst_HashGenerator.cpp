@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "DestructionProbe.h"
 #include "HashGenerator.h"
 #include "TestCase.h"
 #include "VariantSamples.h"
@@ -61,6 +62,7 @@ class tst_HashGenerator : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
+    void destructorIsVirtual();
     void fileHash_data();
     void fileHash();
     void fileHashVectors_data();
@@ -83,6 +85,11 @@ private Q_SLOTS:
     void variantHashVectors_data();
     void variantHashVectors();
 };
+
+void tst_HashGenerator::destructorIsVirtual()
+{
+    QVERIFY(isDestroyedThroughBase<HashGenerator>());
+}
 
 void tst_HashGenerator::fileHash_data()
 {

@@ -1,3 +1,4 @@
+#include "DestructionProbe.h"
 #include "RecorderUrlHashHandling.h"
 #include "TestCase.h"
 
@@ -13,6 +14,7 @@ class tst_RecorderUrlHashHandling : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
+    void destructorIsVirtual();
     void urlHash_data();
     void urlHash();
     void partsAreConcatenated_data();
@@ -21,6 +23,11 @@ private Q_SLOTS:
     void uuid();
     void uuidOfUrl();
 };
+
+void tst_RecorderUrlHashHandling::destructorIsVirtual()
+{
+    QVERIFY(isDestroyedThroughBase<RecorderUrlHashHandling>());
+}
 
 void tst_RecorderUrlHashHandling::urlHash_data()
 {

@@ -1,3 +1,4 @@
+#include "DestructionProbe.h"
 #include "DeviceRoot.h"
 #include "ExportFileNameCreator.h"
 #include "IniWarnings.h"
@@ -73,6 +74,7 @@ class tst_ExportFileNameCreator : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
+    void destructorIsVirtual();
     void form();
     void extension_data();
     void extension();
@@ -85,6 +87,11 @@ private Q_SLOTS:
     void callsInOneSecondAgree();
     void manyThreads();
 };
+
+void tst_ExportFileNameCreator::destructorIsVirtual()
+{
+    QVERIFY(isDestroyedThroughBase<ExportFileNameCreator>());
+}
 
 void tst_ExportFileNameCreator::form()
 {
