@@ -551,6 +551,10 @@ void tst_DragIndicator::negativeIndexEndsProcess_data()
         QTest::addRow("whether %d is initialized", index)
             << Deed([index](DragIndicator& it) { it.isInitialized(Records::at(index)); });
     }
+    QTest::newRow("no record at all") << Deed([](DragIndicator& it) {
+        it.fromJsonArray(QJsonArray());
+        it.getMinValue(Records::at(-1));
+    });
 }
 
 void tst_DragIndicator::negativeIndexEndsProcess()

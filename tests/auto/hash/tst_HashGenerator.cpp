@@ -6,7 +6,9 @@
 
 #include <QtCore/QMetaEnum>
 
+#include <thread>
 #include <type_traits>
+#include <vector>
 
 static_assert(sizeof(HashGenerator) == sizeof(void*), "no fields");
 static_assert(std::has_virtual_destructor<HashGenerator>::value, "virtual destructor");
@@ -74,6 +76,7 @@ private Q_SLOTS:
     void danglingLink();
     void linkToFile();
     void directory();
+    void fileThatCannotBeRead();
     void filesWithoutPermission_data();
     void filesWithoutPermission();
     void textHash_data();
@@ -84,6 +87,7 @@ private Q_SLOTS:
     void variantHash();
     void variantHashVectors_data();
     void variantHashVectors();
+    void manyThreads();
 };
 
 void tst_HashGenerator::destructorIsVirtual()
@@ -230,6 +234,17 @@ void tst_HashGenerator::directory()
     QVERIFY(HashGenerator::createHashFromFile(folder(), QCryptographicHash::Md5).isNull());
 }
 
+void tst_HashGenerator::fileThatCannotBeRead()
+{
+    // It can be opened, but there is no memory at its begin: what cannot be read counts as nothing.
+    QFile file(QStringLiteral("/proc/self/mem"));
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    char byte = 0;
+    QCOMPARE(file.read(&byte, 1), Q_INT64_C(-1));
+    QCOMPARE(HashGenerator::createHashFromFile(file.fileName(), QCryptographicHash::Md5).toHex(),
+             QByteArray("d41d8cd98f00b204e9800998ecf8427e"));
+}
+
 void tst_HashGenerator::filesWithoutPermission_data()
 {
     QTest::addColumn<bool>("isFolderOpen");
@@ -349,6 +364,32 @@ void tst_HashGenerator::variantHashVectors()
     QFETCH(uint, hash);
 
     QCOMPARE(hashFromString(value), hash);
+}
+
+void tst_HashGenerator::manyThreads()
+{
+    constexpr int threadCount = 8;
+    constexpr int callsPerThread = 100;
+    const QString filePath = writeFile(QStringLiteral("file"), "abc\r");
+    std::vector<int> successes(threadCount, 0);
+    std::vector<std::thread> threads;
+    for (int& ownSuccesses : successes) {
+        threads.emplace_back([&filePath, &ownSuccesses] {
+            for (int i = 0; i < callsPerThread; ++i) {
+                const QByteArray hash =
+                    HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5);
+                if (hash.toHex() == "900150983cd24fb0d6963f7d28e17f72" &&
+                    hashFromString("foobar") == 0xBF9CF968u &&
+                    hashFromString(QVariant(42)) == 0x87E38583u) {
+                    ++ownSuccesses;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    QCOMPARE(successes, std::vector<int>(threadCount, callsPerThread));
 }
 
 QTEST_GUILESS_MAIN(tst_HashGenerator)

@@ -4,6 +4,7 @@
 #include "IniWarnings.h"
 #include "TestCase.h"
 
+#include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
 
 #include <chrono>
@@ -84,6 +85,7 @@ private Q_SLOTS:
     void deviceIndexIsReadAtEachCall();
     void localTimeIsTaken_data();
     void localTimeIsTaken();
+    void languageDoesNotMatter();
     void callsInOneSecondAgree();
     void manyThreads();
 };
@@ -204,6 +206,21 @@ void tst_ExportFileNameCreator::localTimeIsTaken()
     const QString time = timeIn(name, QStringLiteral("V3_"), QStringLiteral(".csv"));
     QVERIFY2(earliest <= time && time <= latest,
              qPrintable(QStringLiteral("%1 <= %2 <= %3").arg(earliest, time, latest)));
+}
+
+void tst_ExportFileNameCreator::languageDoesNotMatter()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    DeviceRoot::writeFile(filePath, "[system]\ncompatible=12345\n");
+    const QLocale previous;
+    // Has digits and a thousands separator of its own.
+    QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
+    const QString earliest = localTime();
+    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    const QString latest = localTime();
+    QLocale::setDefault(previous);
+    const QString time = timeIn(name, QStringLiteral("V12345_"), QStringLiteral(".csv"));
+    QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
 }
 
 void tst_ExportFileNameCreator::callsInOneSecondAgree()
