@@ -19,6 +19,9 @@ QJsonObject emptyObject();
 // The name of a record, also of one that has none: it is its place in the list.
 DragIndicator::DragIndicatorInstances at(int index);
 
+// Whether a change is still owed for dates in text form; asking for it pays it.
+bool takeTextDateImported(DragIndicator& indicator);
+
 } // namespace Records
 
 #endif

@@ -101,13 +101,6 @@ QJsonArray records(const QString& date, bool isFirstInitialized = true,
             Records::object(4, 6, date, isSecondInitialized)};
 }
 
-// Whether a change is still owed for dates in text form; asking for it pays it.
-bool takeTextDateImported(DragIndicator& indicator)
-{
-    Record record = takenRecord(4, 6);
-    return indicator.checkInstance(record, 5);
-}
-
 } // namespace
 
 class tst_DragIndicator : public TestCase
@@ -182,7 +175,7 @@ void tst_DragIndicator::startsWithTwoEmptyRecords()
         QCOMPARE(rangeOf(indicator, index), QByteArray("0 to 0"));
     }
     QCOMPARE(indicator.asJsonArray(), QJsonArray({Records::emptyObject(), Records::emptyObject()}));
-    QVERIFY(!takeTextDateImported(indicator));
+    QVERIFY(!Records::takeTextDateImported(indicator));
 }
 
 void tst_DragIndicator::takesValues_data()
@@ -642,8 +635,8 @@ void tst_DragIndicator::textDatesStay()
     DragIndicator indicator;
     QVERIFY(indicator.fromJsonArray(records(textDate)));
     deed(indicator);
-    QVERIFY(takeTextDateImported(indicator));
-    QVERIFY(!takeTextDateImported(indicator));
+    QVERIFY(Records::takeTextDateImported(indicator));
+    QVERIFY(!Records::takeTextDateImported(indicator));
 }
 
 void tst_DragIndicator::copiesAreIndependent()
@@ -665,7 +658,7 @@ void tst_DragIndicator::copiesAreIndependent()
     QVERIFY(original.compute(5));
     QVERIFY(!original.compute(5));
     QVERIFY(!copy.compute(5));
-    QVERIFY(takeTextDateImported(assigned));
+    QVERIFY(Records::takeTextDateImported(assigned));
 }
 
 void tst_DragIndicator::tellsIsoDates_data()
