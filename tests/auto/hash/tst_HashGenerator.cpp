@@ -5,6 +5,7 @@
 #include "VariantSamples.h"
 
 #include <QtCore/QMetaEnum>
+#include <QtCore/QTextCodec>
 
 #include <thread>
 #include <type_traits>
@@ -87,6 +88,7 @@ private Q_SLOTS:
     void variantHash();
     void variantHashVectors_data();
     void variantHashVectors();
+    void variantIsHashedAsUtf8InEveryLocale();
     void manyThreads();
 };
 
@@ -364,6 +366,15 @@ void tst_HashGenerator::variantHashVectors()
     QFETCH(uint, hash);
 
     QCOMPARE(hashFromString(value), hash);
+}
+
+void tst_HashGenerator::variantIsHashedAsUtf8InEveryLocale()
+{
+    QTextCodec* const before = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    const uint hash = hashFromString(QVariant(QStringLiteral(u"\u00E4")));
+    QTextCodec::setCodecForLocale(before);
+    QCOMPARE(hash, 0x199DE0E2u);
 }
 
 void tst_HashGenerator::manyThreads()

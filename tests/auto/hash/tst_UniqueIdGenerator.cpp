@@ -72,6 +72,7 @@ private Q_SLOTS:
     void resultIsAValue();
     void eachOnceOverThreads();
     void eachOnceOverThreadsFromInstance();
+    void identifierOrdersMemory();
     void wrapsAround();
 };
 
@@ -134,6 +135,28 @@ void tst_UniqueIdGenerator::eachOnceOverThreadsFromInstance()
 {
     const int last = nextId(UniqueIdGenerator::getInstance());
     QVERIFY(isEachOnce(drawFromManyThreads(UniqueIdGenerator::getInstance()), last + 1));
+}
+
+void tst_UniqueIdGenerator::identifierOrdersMemory()
+{
+    // Who gets a later identifier sees what was done before an earlier one was taken. Only the
+    // thread sanitizer, or a machine with a weaker memory than a PC's, would tell otherwise.
+    for (int round = 0; round < 100; ++round) {
+        UniqueIdGenerator generator;
+        int written = 0;
+        std::thread writer([&generator, &written] {
+            written = 1;
+            nextId(generator);
+        });
+        int expected = 0;
+        while (nextId(generator) == expected) {
+            ++expected;
+        }
+        // The writer has the one that is missing.
+        const int seen = written;
+        writer.join();
+        QCOMPARE(seen, 1);
+    }
 }
 
 void tst_UniqueIdGenerator::wrapsAround()
