@@ -4,6 +4,7 @@
 #include <QtCore/QProcess>
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <thread>
 #include <type_traits>
@@ -27,26 +28,34 @@ int nextId(UniqueIdGenerator& generator)
     return generator.getId().loadRelaxed();
 }
 
-// What threadCount threads get from the generator, sorted.
-std::vector<int> drawFromManyThreads(UniqueIdGenerator& generator)
+// Calls the function in threadCount threads, with the thread's number.
+void callInManyThreads(const std::function<void(int)>& function)
 {
-    std::vector<int> identifiers(size_t(threadCount * identifiersPerThread), -1);
     std::vector<std::thread> threads;
     QAtomicInt waiting(threadCount);
     for (int number = 0; number < threadCount; ++number) {
-        int* const own = identifiers.data() + number * identifiersPerThread;
-        threads.emplace_back([&generator, &waiting, own] {
+        threads.emplace_back([&function, &waiting, number] {
             // All begin together, so that the calls overlap.
             waiting.fetchAndSubOrdered(1);
             while (waiting.loadAcquire() > 0) {
                 std::this_thread::yield();
             }
-            std::generate_n(own, identifiersPerThread, [&generator] { return nextId(generator); });
+            function(number);
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
+}
+
+// What threadCount threads get from the generator, sorted.
+std::vector<int> drawFromManyThreads(UniqueIdGenerator& generator)
+{
+    std::vector<int> identifiers(size_t(threadCount * identifiersPerThread), -1);
+    callInManyThreads([&generator, &identifiers](int number) {
+        std::generate_n(identifiers.data() + number * identifiersPerThread, identifiersPerThread,
+                        [&generator] { return nextId(generator); });
+    });
     std::sort(identifiers.begin(), identifiers.end());
     return identifiers;
 }
@@ -66,7 +75,8 @@ class tst_UniqueIdGenerator : public TestCase
 
 private Q_SLOTS:
     void processBeginsAtZero(); // first: the others use up identifiers
-    void nextProcessBeginsAtZero();
+    void nextProcessBeginsAnew_data();
+    void nextProcessBeginsAnew();
     void instanceIsOne();
     void ownGeneratorsBeginAtZero();
     void resultIsAValue();
@@ -83,12 +93,22 @@ void tst_UniqueIdGenerator::processBeginsAtZero()
     QCOMPARE(nextId(UniqueIdGenerator::getInstance()), 2);
 }
 
-void tst_UniqueIdGenerator::nextProcessBeginsAtZero()
+void tst_UniqueIdGenerator::nextProcessBeginsAnew_data()
 {
+    QTest::addColumn<QString>("testFunction");
+
+    QTest::newRow("at zero") << QStringLiteral("processBeginsAtZero");
+    QTest::newRow("with calls of many threads") << QStringLiteral("instanceIsOne");
+}
+
+void tst_UniqueIdGenerator::nextProcessBeginsAnew()
+{
+    QFETCH(QString, testFunction);
+
     nextId(UniqueIdGenerator::getInstance());
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("processBeginsAtZero")});
+    process.start(QCoreApplication::applicationFilePath(), {testFunction});
     QVERIFY(process.waitForFinished());
     QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
              process.readAll().constData());
@@ -96,11 +116,13 @@ void tst_UniqueIdGenerator::nextProcessBeginsAtZero()
 
 void tst_UniqueIdGenerator::instanceIsOne()
 {
-    UniqueIdGenerator* const instance = &UniqueIdGenerator::getInstance();
-    UniqueIdGenerator* inOtherThread = nullptr;
-    std::thread([&inOtherThread] { inOtherThread = &UniqueIdGenerator::getInstance(); }).join();
-    QCOMPARE(&UniqueIdGenerator::getInstance(), instance);
-    QCOMPARE(inOtherThread, instance);
+    std::vector<UniqueIdGenerator*> inThreads(threadCount, nullptr);
+    callInManyThreads([&inThreads](int number) {
+        inThreads.at(size_t(number)) = &UniqueIdGenerator::getInstance();
+    });
+    for (UniqueIdGenerator* const instance : inThreads) {
+        QCOMPARE(instance, &UniqueIdGenerator::getInstance());
+    }
 }
 
 void tst_UniqueIdGenerator::ownGeneratorsBeginAtZero()
@@ -144,16 +166,19 @@ void tst_UniqueIdGenerator::identifierOrdersMemory()
     for (int round = 0; round < 100; ++round) {
         UniqueIdGenerator generator;
         int written = 0;
-        std::thread writer([&generator, &written] {
+        QAtomicInt isEnded(0); // orders nothing for the one who reads it
+        std::thread writer([&generator, &written, &isEnded] {
             written = 1;
             nextId(generator);
+            isEnded.storeRelease(1);
         });
-        int expected = 0;
-        while (nextId(generator) == expected) {
-            ++expected;
+        bool isLast = false;
+        bool isOneMissing = false; // which the writer has
+        for (int expected = 0; !isOneMissing && !isLast; ++expected) {
+            isLast = isEnded.loadRelaxed() != 0;
+            isOneMissing = nextId(generator) != expected;
         }
-        // The writer has the one that is missing.
-        const int seen = written;
+        const int seen = isOneMissing ? written : 0;
         writer.join();
         QCOMPARE(seen, 1);
     }
