@@ -67,9 +67,19 @@ bool TextPieces::readOn()
     return !m_isAtEnd || m_rest.size() > begin;
 }
 
-QString TextPieces::text() const
+void TextPieces::appendTo(QString& text) const
 {
-    return isAscii() ? QString(QLatin1String(m_piece)) : QString::fromUtf8(m_piece);
+    if (isAscii()) {
+        // Not of the array alone: that would look for a zero byte, one by one.
+        text += QLatin1String(m_piece.constData(), m_piece.size());
+    } else {
+        text += QString::fromUtf8(m_piece);
+    }
+}
+
+QByteArray TextPieces::toUtf8() const
+{
+    return isAscii() ? m_piece : QString::fromUtf8(m_piece).toUtf8();
 }
 
 // Decoding ASCII as Latin-1 is the faster way, even with this test before it.

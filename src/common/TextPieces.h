@@ -24,8 +24,11 @@ public:
     /*! \brief Goes to the next piece; false at the end. */
     bool next();
 
-    /*! \brief The piece, decoded as UTF-8. */
-    QString text() const;
+    /*! \brief Appends the piece, decoded as UTF-8, to \a text. */
+    void appendTo(QString& text) const;
+
+    /*! \brief The piece in UTF-8, sound in any case: what cannot be decoded is replaced. */
+    QByteArray toUtf8() const;
 
     /*! \brief Whether a zero byte has ended the text. */
     bool isCut() const { return m_isCut; }

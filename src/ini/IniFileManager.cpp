@@ -110,9 +110,16 @@ bool readKey(QSettings& settings, const QString& group, const QString& key, QVar
         // Only this section's keys can begin with "group/" by now. Asking for the key that sorts
         // before all others parses the section that a listing would parse, and no other.
         const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
-        const QString prefix = group + slash;
-        if (!settings.contains(prefix + QChar(QChar::Null))) {
-            return readPath(settings, prefix + key, value);
+        QString path;
+        path.reserve(group.size() + 1 + qMax(key.size(), 1));
+        path += group;
+        path += slash;
+        const int prefixSize = path.size();
+        path += QChar(QChar::Null);
+        if (!settings.contains(path)) {
+            path.truncate(prefixSize);
+            path += key;
+            return readPath(settings, path, value);
         }
     }
     const GroupScope scope(settings, group);
@@ -203,6 +210,27 @@ QList<void (*)(QString&)> ownCleanUpFunctions()
     return {&IniFileManager::cleanUpComments, &IniFileManager::cleanUpListSeperators};
 }
 
+// What these functions do to a text, done to its UTF-8 in one pass: ASCII characters stand for
+// themselves there.
+void cleanUpUtf8(QByteArray& utf8)
+{
+    char* const begin = utf8.data();
+    const char* const end = begin + utf8.size();
+    char* target = begin;
+    for (const char* source = begin; source != end; ++source) {
+        char character = *source;
+        if (character == ',') {
+            character = ' ';
+        } else if (character == '3' && target - begin >= 2 && target[-1] == '2' &&
+                   target[-2] == '%') {
+            target -= 2;
+            character = '#';
+        }
+        *target++ = character;
+    }
+    utf8.truncate(int(target - begin));
+}
+
 bool writeAll(QIODevice& device, const QByteArray& bytes)
 {
     return device.write(bytes) == bytes.size();
@@ -262,7 +290,7 @@ void IniFileManager::cleanUp(const QString& filePath)
     const bool isPieceByPiece = sm_CleanUpFunctions == ownCleanUpFunctions();
     if (!isPieceByPiece) {
         while (pieces.next()) {
-            text += pieces.text();
+            pieces.appendTo(text);
         }
         for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
             if (cleanUpFunction == nullptr) {
@@ -281,11 +309,9 @@ void IniFileManager::cleanUp(const QString& filePath)
     bool isWritten = true;
     if (isPieceByPiece) {
         while (isWritten && pieces.next()) {
-            text = pieces.text();
-            for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
-                cleanUpFunction(text);
-            }
-            isWritten = writeAll(target, text.toUtf8());
+            QByteArray utf8 = pieces.toUtf8();
+            cleanUpUtf8(utf8);
+            isWritten = writeAll(target, utf8);
         }
     } else {
         isWritten = writeAll(target, text.toUtf8());

@@ -60,9 +60,10 @@ TextFileParser::TextFileParser(const QString& filePath) : m_hasError(false)
     TextPieces pieces(file);
     while (pieces.next()) {
         if (m_content.isNull()) {
-            m_content.reserve(int(file.size()));
+            // An operator that appends wants room for one character more than it needs.
+            m_content.reserve(int(file.size()) + 1);
         }
-        m_content += pieces.text();
+        pieces.appendTo(m_content);
     }
     // Only a file without any text leaves the content null, which shows in matches of nothing.
     if (m_content.isNull() && pieces.isCut()) {

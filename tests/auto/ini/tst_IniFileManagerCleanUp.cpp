@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "HostileText.h"
 #include "IniFileManager.h"
 #include "IniTestCase.h"
 
@@ -12,9 +13,10 @@ static_assert(
     std::is_same<decltype(IniFileManager::sm_CleanUpFunctions), QList<void (*)(QString&)>>::value,
     "the published type");
 
-namespace {
-
 using CleanUpFunctions = QList<void (*)(QString&)>;
+Q_DECLARE_METATYPE(CleanUpFunctions)
+
+namespace {
 
 // Puts other functions into the process-wide list for the life of the object.
 class CleanUpFunctionsGuard
@@ -60,6 +62,22 @@ void removeFolder(QString&)
     QDir(folderToRemove).removeRecursively();
 }
 
+// The clean-up as it is described, step by step.
+QByteArray literalCleanUp(const QString& filePath)
+{
+    QFile file(filePath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        qFatal("cannot read %s", qPrintable(filePath));
+    }
+    const QByteArray bytes = file.readAll();
+    QString text = bytes.isNull() ? QString() : QString(bytes.constData());
+    text.replace(QStringLiteral("%23"), QStringLiteral("#"));
+    text.replace(QStringLiteral(","), QStringLiteral(" "));
+    return text.toUtf8();
+}
+
+void leaveAsItIs(QString&) {}
+
 ino_t inodeOf(const QString& filePath)
 {
     struct stat status = {};
@@ -76,6 +94,8 @@ class tst_IniFileManagerCleanUp : public IniTestCase
     Q_OBJECT
 
 private Q_SLOTS:
+    void randomFilesAsDescribed_data();
+    void randomFilesAsDescribed();
     void commentsStep_data();
     void commentsStep();
     void listSeparatorsStep_data();
@@ -443,6 +463,37 @@ void tst_IniFileManagerCleanUp::noFunctions()
     const CleanUpFunctionsGuard guard({});
     IniFileManager::cleanUp(iniFile());
     QCOMPARE(readFile(iniFile()), QByteArray("%23,\n"));
+}
+
+void tst_IniFileManagerCleanUp::randomFilesAsDescribed_data()
+{
+    QTest::addColumn<CleanUpFunctions>("functions");
+    const CleanUpFunctions usual = IniFileManager::sm_CleanUpFunctions;
+    QTest::newRow("usual functions") << usual;
+    // With one function more the text is handled as a whole.
+    QTest::newRow("one function more") << usual + CleanUpFunctions{&leaveAsItIs};
+}
+
+void tst_IniFileManagerCleanUp::randomFilesAsDescribed()
+{
+    QFETCH(CleanUpFunctions, functions);
+    const CleanUpFunctionsGuard guard(functions);
+    QRandomGenerator random(2);
+    const int count = rounds(500);
+    for (int i = 0; i < count; ++i) {
+        // Now and then more than one piece.
+        QByteArray content = hostileText(random);
+        if (random.bounded(20) == 0) {
+            content = content.repeated(random.bounded(5000)) + hostileText(random);
+        }
+        const QString file = writeFile(QStringLiteral("file"), content);
+        const QByteArray expected = literalCleanUp(file);
+        IniFileManager::cleanUp(file);
+        QVERIFY2(readFile(file) == expected,
+                 qPrintable(QStringLiteral("round %1: %2")
+                                .arg(QString::number(i),
+                                     QString::fromLatin1(content.left(200).toPercentEncoding()))));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_IniFileManagerCleanUp)
