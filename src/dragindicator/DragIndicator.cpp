@@ -1,19 +1,8 @@
 #include "DragIndicator.h"
 
 #include "common/Log.h"
-#include "common/PlatformFunctions.h"
-
-#include <QtCore/QJsonObject>
-
-const QString DragIndicator::sm_KeyMinValue = QStringLiteral("MinValue");
-const QString DragIndicator::sm_KeyMaxValue = QStringLiteral("MaxValue");
-const QString DragIndicator::sm_KeyMinValueDate = QStringLiteral("MinValueDate");
-const QString DragIndicator::sm_KeyMaxValueDate = QStringLiteral("MaxValueDate");
-const QString DragIndicator::sm_KeyInitialized = QStringLiteral("Initialized");
 
 namespace {
-
-constexpr int expectedInstances = 2;
 
 // isInitialized() says it as well; readers of field logs rely on that.
 constexpr char errorOnReadingMaxValue[] = "Error on reading max value for instance";
@@ -23,54 +12,6 @@ void setToNow(QDateTime& date)
     date.setDate(QDate::currentDate());
     date.setTime(QTime::currentTime());
 }
-
-// Reads the members of one object, and notes whether all of them were there.
-class MemberReader
-{
-public:
-    MemberReader(const QMessageLogger& log, const QJsonObject& object)
-        : m_log(log), m_object(object), m_isComplete(true)
-    {
-    }
-
-    void readNumber(const QString& key, double& value)
-    {
-        check(key, readDoubleValueFromJson(key, m_object, value));
-    }
-
-    // Gives an empty text when there is none; emptyText is what that is reported with.
-    QString readDate(const QString& key, const char* emptyText)
-    {
-        QString date;
-        const bool isFound = readStringValueFromJson(key, m_object, date);
-        check(key, isFound);
-        if (isFound && date.isEmpty()) {
-            m_log.warning() << emptyText;
-            m_isComplete = false;
-        }
-        return date;
-    }
-
-    void readFlag(const QString& key, bool& value)
-    {
-        check(key, readBoolValueFromJson(key, m_object, value));
-    }
-
-    bool isComplete() const { return m_isComplete; }
-
-private:
-    void check(const QString& key, bool isFound)
-    {
-        if (!isFound) {
-            m_log.warning() << "Cannot find key" << key << "in json object:" << m_object << "!";
-            m_isComplete = false;
-        }
-    }
-
-    const QMessageLogger& m_log;
-    const QJsonObject m_object;
-    bool m_isComplete;
-};
 
 } // namespace
 
@@ -169,71 +110,4 @@ bool DragIndicator::isInitialized(DragIndicator::DragIndicatorInstances instance
         return false;
     }
     return m_instances.at(instance).initialized;
-}
-
-bool DragIndicator::isIsoFormat(const QString& dateString) const
-{
-    return !dateString.isEmpty() && dateString.at(0).isDigit();
-}
-
-QJsonArray DragIndicator::asJsonArray() const
-{
-    QJsonArray array;
-    for (const DragIndicatorInstance& instance : m_instances) {
-        QJsonObject object;
-        object.insert(sm_KeyMinValue, instance.minValue);
-        object.insert(sm_KeyMaxValue, instance.maxValue);
-        object.insert(sm_KeyMinValueDate, instance.minValueDate.toString(Qt::ISODate));
-        object.insert(sm_KeyMaxValueDate, instance.maxValueDate.toString(Qt::ISODate));
-        object.insert(sm_KeyInitialized, instance.initialized);
-        array.append(object);
-    }
-    return array;
-}
-
-bool DragIndicator::fromJsonArray(const QJsonArray& jsonArray)
-{
-    // Every message is this function's, also where a reader makes it.
-    const QMessageLogger log = MISCTOOLS_LOG(DragIndicator);
-    const auto toDate = [this](const QString& text) {
-        if (text.isEmpty()) {
-            return QDateTime();
-        }
-        if (isIsoFormat(text)) {
-            return QDateTime::fromString(text, Qt::ISODate);
-        }
-        m_textDateImported = true;
-        return QDateTime::fromString(text, Qt::TextDate);
-    };
-
-    m_instances.clear();
-    bool isComplete = jsonArray.size() == expectedInstances;
-    if (!isComplete) {
-        log.warning() << "Received invalid count for drag indicator instances:" << jsonArray.size()
-                      << "," << expectedInstances << "!";
-    } else {
-        for (const QJsonValue& value : jsonArray) {
-            if (!value.isObject()) {
-                log.warning() << "Cannot convert json value for instance to object:" << value
-                              << "!";
-                isComplete = false;
-                continue;
-            }
-            MemberReader reader(log, value.toObject());
-            DragIndicatorInstance instance;
-            reader.readNumber(sm_KeyMinValue, instance.minValue);
-            reader.readNumber(sm_KeyMaxValue, instance.maxValue);
-            instance.minValueDate =
-                toDate(reader.readDate(sm_KeyMinValueDate, "Received an empty min date string!"));
-            instance.maxValueDate =
-                toDate(reader.readDate(sm_KeyMaxValueDate, "Received an empty max date string!"));
-            reader.readFlag(sm_KeyInitialized, instance.initialized);
-            m_instances.append(instance);
-            isComplete = isComplete && reader.isComplete();
-        }
-    }
-    if (!isComplete) {
-        log.warning() << "Resetting drag indicator due to errors on importing json data!";
-    }
-    return isComplete;
 }

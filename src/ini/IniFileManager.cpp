@@ -1,13 +1,11 @@
 #include "IniFileManager.h"
 
 #include "common/Log.h"
-#include "common/TextPieces.h"
 
 #include <QtCore/QEvent>
 #include <QtCore/QFile>
 #include <QtCore/QMutexLocker>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QSaveFile>
 
 #include <mutex>
 
@@ -15,7 +13,6 @@ namespace {
 
 constexpr char keyIsEmpty[] = "Key is empty!";
 constexpr char groupIsEmpty[] = "Group is empty!";
-constexpr char canNotOpenFile[] = "Can not open file:";
 
 /*
  * Guards what QSettings keeps per object and does not lock itself: the group that is entered, and
@@ -205,40 +202,7 @@ bool findIndexedGroup(const IniFileManager& file, QSettings& settings, int exter
     return true;
 }
 
-QList<void (*)(QString&)> ownCleanUpFunctions()
-{
-    return {&IniFileManager::cleanUpComments, &IniFileManager::cleanUpListSeperators};
-}
-
-// What these functions do to a text, done to its UTF-8 in one pass: ASCII characters stand for
-// themselves there.
-void cleanUpUtf8(QByteArray& utf8)
-{
-    char* const begin = utf8.data();
-    const char* const end = begin + utf8.size();
-    char* target = begin;
-    for (const char* source = begin; source != end; ++source) {
-        char character = *source;
-        if (character == ',') {
-            character = ' ';
-        } else if (character == '3' && target - begin >= 2 && target[-1] == '2' &&
-                   target[-2] == '%') {
-            target -= 2;
-            character = '#';
-        }
-        *target++ = character;
-    }
-    utf8.truncate(int(target - begin));
-}
-
-bool writeAll(QIODevice& device, const QByteArray& bytes)
-{
-    return device.write(bytes) == bytes.size();
-}
-
 } // namespace
-
-QList<void (*)(QString&)> IniFileManager::sm_CleanUpFunctions = ownCleanUpFunctions();
 
 IniFileManager::IniFileManager(const QString& filePath, const char* codecName)
     : m_settings(filePath, QSettings::IniFormat), m_mutex(QMutex::Recursive)
@@ -274,63 +238,6 @@ int IniFileManager::getCount() const
 QString IniFileManager::getGeneralLogInfo() const
 {
     return QStringLiteral("Ini-File (") + m_settings.fileName() + QStringLiteral("):");
-}
-
-void IniFileManager::cleanUp(const QString& filePath)
-{
-    QFile source(filePath);
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
-        return;
-    }
-    TextPieces pieces(source);
-    QString text;
-    // The library's own functions do to each piece of a text what they do to the whole, so that a
-    // large file need not fit into memory. Of others this is not known.
-    const bool isPieceByPiece = sm_CleanUpFunctions == ownCleanUpFunctions();
-    if (!isPieceByPiece) {
-        while (pieces.next()) {
-            pieces.appendTo(text);
-        }
-        for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
-            if (cleanUpFunction == nullptr) {
-                MISCTOOLS_LOG(IniFileManager).warning() << "Function pointer is Null.";
-                continue;
-            }
-            cleanUpFunction(text);
-        }
-    }
-
-    QSaveFile target(filePath);
-    if (!target.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
-        return;
-    }
-    bool isWritten = true;
-    if (isPieceByPiece) {
-        while (isWritten && pieces.next()) {
-            QByteArray utf8 = pieces.toUtf8();
-            cleanUpUtf8(utf8);
-            isWritten = writeAll(target, utf8);
-        }
-    } else {
-        isWritten = writeAll(target, text.toUtf8());
-    }
-    // QSaveFile would put a text that was cut short, as on a full disk, in the file's place.
-    if (!isWritten) {
-        target.cancelWriting();
-    }
-    target.commit();
-}
-
-void IniFileManager::cleanUpComments(QString& text)
-{
-    text.replace(QStringLiteral("%23"), QStringLiteral("#"));
-}
-
-void IniFileManager::cleanUpListSeperators(QString& text)
-{
-    text.replace(QLatin1Char(','), QLatin1Char(' '));
 }
 
 void IniFileManager::setGeneralValue(const QString& key, const QVariant& value)
