@@ -16,8 +16,8 @@ QString id()
 void addDigits(Contenders& contenders)
 {
     const auto subject = std::make_shared<HardwareIdentification>(id());
-    contenders.subject(
-        [subject, id = id()] { return subject->containsHardwareIDOnlyNumbers(id); }, equals(true));
+    contenders.subject([subject, id = id()] { return subject->containsHardwareIDOnlyNumbers(id); },
+                       equals(true));
     contenders.peer(
         QStringLiteral("QRegularExpression, compiled before"),
         [expression = QRegularExpression(QStringLiteral("[0-9]{16,16}")), id = id()] {

@@ -32,7 +32,8 @@ QByteArray image()
     const quint16 checksum =
         HardwareInfoReader(nullptr).checksumXModemCRC(text.constData(), uint(text.size()));
     int address = headerAddress;
-    for (const quint32 word : {0U, quint32(blockAddress), quint32(text.size()), quint32(checksum)}) {
+    for (const quint32 word :
+         {0U, quint32(blockAddress), quint32(text.size()), quint32(checksum)}) {
         qToLittleEndian(word, image.data() + address);
         address += int(sizeof word);
     }
@@ -72,8 +73,7 @@ void addRead(Contenders& contenders)
             QStringList values;
             for (const char* const key :
                  {"Type", "TypeName", "Version", "LP-ID", "CompatibilityIndex", "Comment"}) {
-                values.append(
-                    settings.value(QLatin1String(key)).toString());
+                values.append(settings.value(QLatin1String(key)).toString());
             }
             return values;
         },

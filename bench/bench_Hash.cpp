@@ -38,9 +38,7 @@ void addFileHash(Contenders& contenders, int bytes)
 {
     const QString filePath = textFile(bytes);
     contenders.subject(
-        [filePath] {
-            return HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5);
-        },
+        [filePath] { return HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5); },
         [filePath](const QByteArray& digest) { return digest == md5sum(filePath); });
     Contender& program = contenders.peer(
         QStringLiteral("md5sum, a child process"), [filePath] { return md5sum(filePath); },
@@ -55,8 +53,8 @@ void addUuidText(Contenders& contenders)
 {
     const QByteArray bytes = QByteArray::fromHex("00112233445566778899aabbccddeeff");
     const QString text = QStringLiteral("00112233-4455-6677-8899-aabbccddeeff");
-    contenders.subject(
-        [bytes] { return RecorderUrlHashHandling::buildUUIDFromByteArray(bytes); }, equals(text));
+    contenders.subject([bytes] { return RecorderUrlHashHandling::buildUUIDFromByteArray(bytes); },
+                       equals(text));
     contenders.peer(
         QStringLiteral("QUuid::toString"),
         [bytes] { return QUuid::fromRfc4122(bytes).toString(QUuid::WithoutBraces); }, equals(text));

@@ -155,18 +155,20 @@ void addHit(Contenders& contenders, int keys)
 
     const auto settings = std::make_shared<LockedSettings>(filePath);
     const QString path = group + QLatin1Char('/') + key;
-    contenders.peer(
-                  settingsName(), [settings, path] { return settings->value(path); },
-                  equals(QVariant(text)))
+    contenders
+        .peer(
+            settingsName(), [settings, path] { return settings->value(path); },
+            equals(QVariant(text)))
         .atMost(1.5);
 
     const auto config = std::make_shared<KConfig>(filePath, KConfig::SimpleConfig);
     const auto configGroup = std::make_shared<KConfigGroup>(config.get(), group);
-    contenders.peer(
-                  QStringLiteral("KConfigGroup::readEntry"),
-                  // The group does not keep the file.
-                  [config, configGroup, key] { return configGroup->readEntry(key, QString()); },
-                  equals(text))
+    contenders
+        .peer(
+            QStringLiteral("KConfigGroup::readEntry"),
+            // The group does not keep the file.
+            [config, configGroup, key] { return configGroup->readEntry(key, QString()); },
+            equals(text))
         .atMost(1.0);
 
     const auto ini = std::make_shared<CSimpleIniCaseA>();
@@ -189,9 +191,10 @@ void addHit(Contenders& contenders, int keys)
 void addHitManyKeys(Contenders& contenders)
 {
     addHit(contenders, 10000);
-    contenders.peer(QStringLiteral("MiscTools with 1,000 keys"),
-                    managersValue(manager(fileWithKeys(1000)), keyName(500)),
-                    equals(QVariant(valueText(500))))
+    contenders
+        .peer(QStringLiteral("MiscTools with 1,000 keys"),
+              managersValue(manager(fileWithKeys(1000)), keyName(500)),
+              equals(QVariant(valueText(500))))
         .atMost(1.3);
 }
 
@@ -202,10 +205,11 @@ void addMiss(Contenders& contenders, int keys)
     const QString key = QStringLiteral("NoSuchKey");
     contenders.subject(managersValue(manager(filePath), key), equals(QVariant()));
     const auto settings = std::make_shared<LockedSettings>(filePath);
-    contenders.peer(
-                  QStringLiteral("childKeys, message"),
-                  [settings, group, key] { return settings->listedValue(group, key); },
-                  equals(QVariant()))
+    contenders
+        .peer(
+            QStringLiteral("childKeys, message"),
+            [settings, group, key] { return settings->listedValue(group, key); },
+            equals(QVariant()))
         .noDearer();
 }
 
@@ -230,18 +234,20 @@ void addGroupValues(Contenders& contenders, int keys)
     const QString filePath = fileWithKeys(keys);
     contenders.subject(managersValues(filePath), areAllValues(keys));
     const auto settings = std::make_shared<LockedSettings>(filePath);
-    contenders.peer(
-                  QStringLiteral("QSettings::childKeys"),
-                  [settings, group = groupName()] { return settings->childKeys(group); },
-                  [keys](const QStringList& result) { return result.size() == keys; })
+    contenders
+        .peer(
+            QStringLiteral("QSettings::childKeys"),
+            [settings, group = groupName()] { return settings->childKeys(group); },
+            [keys](const QStringList& result) { return result.size() == keys; })
         .atMost(5);
 }
 
 void addManyGroupValues(Contenders& contenders)
 {
     addGroupValues(contenders, 10000);
-    contenders.peer(QStringLiteral("MiscTools with 1,000 keys"),
-                    managersValues(fileWithKeys(1000)), areAllValues(1000))
+    contenders
+        .peer(QStringLiteral("MiscTools with 1,000 keys"), managersValues(fileWithKeys(1000)),
+              areAllValues(1000))
         .atMost(12);
 }
 
@@ -255,10 +261,11 @@ void addIndexedValue(Contenders& contenders, int sections)
         },
         equals(valueText(sections - 1)));
     const auto settings = std::make_shared<LockedSettings>(filePath);
-    contenders.peer(
-                  QStringLiteral("QSettings::childGroups"),
-                  [settings] { return settings->childGroups(); },
-                  [sections](const QStringList& result) { return result.size() == sections; })
+    contenders
+        .peer(
+            QStringLiteral("QSettings::childGroups"),
+            [settings] { return settings->childGroups(); },
+            [sections](const QStringList& result) { return result.size() == sections; })
         .atMost(2);
 }
 
@@ -301,15 +308,15 @@ void addFirstRead(Contenders& contenders, int bytes)
             return file.getValue(group, key, QVariant());
         },
         equals(QVariant(valueText(25))));
-    contenders.peer(
-                  QStringLiteral("QSettings, value"),
-                  [files = names(QStringLiteral("settings")),
-                   path = group + QLatin1Char('/') + key] {
-                      QSettings settings(files->next(), QSettings::IniFormat);
-                      settings.setIniCodec("UTF-8");
-                      return settings.value(path);
-                  },
-                  equals(QVariant(valueText(25))))
+    contenders
+        .peer(
+            QStringLiteral("QSettings, value"),
+            [files = names(QStringLiteral("settings")), path = group + QLatin1Char('/') + key] {
+                QSettings settings(files->next(), QSettings::IniFormat);
+                settings.setIniCodec("UTF-8");
+                return settings.value(path);
+            },
+            equals(QVariant(valueText(25))))
         .atMost(1.2);
     contenders.peer(
         QStringLiteral("KConfig, readEntry"),
@@ -356,19 +363,20 @@ void addCleanUp(Contenders& contenders, int bytes)
                                        std::filesystem::copy_options::overwrite_existing);
         });
     const auto clean = std::make_shared<QByteArray>();
-    contenders.peer(
-                  QStringLiteral("QSaveFile, write, commit"),
-                  [filePath, clean] {
-                      QSaveFile file(filePath);
-                      return file.open(QIODevice::WriteOnly) &&
-                             file.write(*clean) == clean->size() && file.commit();
-                  },
-                  equals(true),
-                  [cleanFile, clean] {
-                      if (clean->isNull()) {
-                          *clean = contentOf(cleanFile);
-                      }
-                  })
+    contenders
+        .peer(
+            QStringLiteral("QSaveFile, write, commit"),
+            [filePath, clean] {
+                QSaveFile file(filePath);
+                return file.open(QIODevice::WriteOnly) && file.write(*clean) == clean->size() &&
+                       file.commit();
+            },
+            equals(true),
+            [cleanFile, clean] {
+                if (clean->isNull()) {
+                    *clean = contentOf(cleanFile);
+                }
+            })
         .atMost(4);
 }
 
@@ -384,9 +392,7 @@ constexpr int mebi = 1024 * kibi;
 Operations operations()
 {
     Operations all = {
-        operation(QStringLiteral("getValue, hit, 1,000 keys"), addHit, 1000)
-            .inTable()
-            .counted(100),
+        operation(QStringLiteral("getValue, hit, 1,000 keys"), addHit, 1000).inTable().counted(100),
         Operation(QStringLiteral("getValue, hit, 10,000 keys"), addHitManyKeys)
             .inTable()
             .counted(20),

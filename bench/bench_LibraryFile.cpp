@@ -25,9 +25,10 @@ int start(const char* program)
 void addStart(Contenders& contenders)
 {
     contenders.subject([] { return start(BENCH_EMPTY_PROGRAM_WITH_LIBRARY); }, equals(0));
-    contenders.peer(
-                  QStringLiteral("the same without the library"),
-                  [] { return start(BENCH_EMPTY_PROGRAM); }, equals(0))
+    contenders
+        .peer(
+            QStringLiteral("the same without the library"),
+            [] { return start(BENCH_EMPTY_PROGRAM); }, equals(0))
         .atMost(1.01);
 }
 

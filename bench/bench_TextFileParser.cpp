@@ -57,10 +57,9 @@ bool holds(TextFileParser& parser, const QString& text)
 void addLoad(Contenders& contenders, int bytes, const QByteArray& lineEnd)
 {
     const QString filePath = logFile(bytes, lineEnd);
-    contenders.subject([filePath] { return TextFileParser(filePath); },
-                       [filePath](TextFileParser parser) {
-                           return holds(parser, literalText(filePath));
-                       });
+    contenders.subject(
+        [filePath] { return TextFileParser(filePath); },
+        [filePath](TextFileParser parser) { return holds(parser, literalText(filePath)); });
     Contender& literal = contenders.peer(
         QStringLiteral("readAll, QString::fromUtf8"), [filePath] { return literalText(filePath); },
         [bytes](const QString& text) { return text.size() >= bytes / 2; });
@@ -99,8 +98,8 @@ public:
         QStringList result;
         const PCRE2_SIZE* const offsets = pcre2_get_ovector_pointer(m_matches);
         PCRE2_SIZE start = 0;
-        while (pcre2_match(m_code, text.utf16(), PCRE2_SIZE(text.size()), start,
-                           PCRE2_NO_UTF_CHECK, m_matches, nullptr) > 1) {
+        while (pcre2_match(m_code, text.utf16(), PCRE2_SIZE(text.size()), start, PCRE2_NO_UTF_CHECK,
+                           m_matches, nullptr) > 1) {
             result.append(text.mid(int(offsets[2]), int(offsets[3] - offsets[2])));
             start = offsets[1];
         }
@@ -117,27 +116,26 @@ void addMultiMatch(Contenders& contenders, int bytes)
     const QString filePath = logFile(bytes, lineFeed);
     const auto text = std::make_shared<QString>(literalText(filePath));
     const auto compiled = std::make_shared<CompiledExpression>(expressionText());
-    contenders.subject(
-        [parser = std::make_shared<TextFileParser>(filePath),
-         expression = QRegularExpression(expressionText())] {
-            return parser->multiMatch(expression);
-        },
-        [text, compiled](const QStringList& result) {
-            return result.size() >= 10 && result == compiled->all(*text);
-        });
-    contenders.peer(
-                  QStringLiteral("PCRE2-16, JIT"),
-                  [text, compiled] { return compiled->all(*text); },
-                  [](const QStringList& result) {
-                      return result.value(1) == QStringLiteral("number100");
-                  })
+    contenders.subject([parser = std::make_shared<TextFileParser>(filePath),
+                        expression = QRegularExpression(
+                            expressionText())] { return parser->multiMatch(expression); },
+                       [text, compiled](const QStringList& result) {
+                           return result.size() >= 10 && result == compiled->all(*text);
+                       });
+    contenders
+        .peer(
+            QStringLiteral("PCRE2-16, JIT"), [text, compiled] { return compiled->all(*text); },
+            [](const QStringList& result) {
+                return result.value(1) == QStringLiteral("number100");
+            })
         .atMost(2);
 }
 
 auto firstMatch(int bytes)
 {
-    return [parser = std::make_shared<TextFileParser>(logFile(bytes, lineFeed)),
-            expression = QRegularExpression(expressionText())] { return parser->match(expression); };
+    return
+        [parser = std::make_shared<TextFileParser>(logFile(bytes, lineFeed)),
+         expression = QRegularExpression(expressionText())] { return parser->match(expression); };
 }
 
 void addFirstMatch(Contenders& contenders, int bytes)
@@ -172,8 +170,9 @@ Operations operations()
     for (const int size : {mebi / 1024, mebi / 64, mebi / 4, 4 * mebi}) {
         all.push_back(operation(QStringLiteral("load plot, %1").arg(size), addLoad, size, lineFeed)
                           .inPlot(QStringLiteral("TextFileParser, load"), unit, size));
-        all.push_back(operation(QStringLiteral("multiMatch plot, %1").arg(size), addMultiMatch, size)
-                          .inPlot(QStringLiteral("multiMatch"), unit, size));
+        all.push_back(
+            operation(QStringLiteral("multiMatch plot, %1").arg(size), addMultiMatch, size)
+                .inPlot(QStringLiteral("multiMatch"), unit, size));
         all.push_back(operation(QStringLiteral("match plot, %1").arg(size), addFirstMatch, size)
                           .inPlot(QStringLiteral("match at the start"), unit, size));
     }

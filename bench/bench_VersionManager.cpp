@@ -17,12 +17,11 @@ void addOldFormat(Contenders& contenders)
                                   result.getMinorIndex() == QStringLiteral("3") &&
                                   result.getTestIndex() == QStringLiteral("45");
                        });
-    contenders.peer(
-                  QStringLiteral("QVersionNumber::fromString"),
-                  [version = QStringLiteral("8.12.3-45")] {
-                      return QVersionNumber::fromString(version);
-                  },
-                  equals(QVersionNumber(8, 12, 3)))
+    contenders
+        .peer(
+            QStringLiteral("QVersionNumber::fromString"),
+            [version = QStringLiteral("8.12.3-45")] { return QVersionNumber::fromString(version); },
+            equals(QVersionNumber(8, 12, 3)))
         .atMost(4);
 }
 

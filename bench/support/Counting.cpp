@@ -129,15 +129,19 @@ QByteArray contentOf(const QString& filePath)
  */
 void readCallgrind(const QByteArray& content, QMap<QString, Counting::Counts>& result)
 {
-    const QVector<QByteArray> allocators = {"malloc", "calloc", "realloc", "memalign",
-                                            "posix_memalign", "aligned_alloc"};
+    const QVector<QByteArray> allocators = {"malloc",   "calloc",         "realloc",
+                                            "memalign", "posix_memalign", "aligned_alloc"};
     QString operation;
     QByteArray caller;
     QByteArray callee;
     for (const QByteArray& line : content.split('\n')) {
         const auto value = [&line](const char* key) { return line.mid(int(qstrlen(key))); };
-        if (line.startsWith("desc: Trigger: Client Request: ")) {
+        if (line.startsWith("part: ")) {
+            operation.clear();
+        } else if (line.startsWith("desc: Trigger: Client Request: ")) {
             operation = QString::fromUtf8(value("desc: Trigger: Client Request: "));
+        } else if (operation.isEmpty()) {
+            continue; // the part of the program's end
         } else if (line.startsWith("fn=")) {
             caller = value("fn=");
         } else if (line.startsWith("cfn=")) {
@@ -146,8 +150,8 @@ void readCallgrind(const QByteArray& content, QMap<QString, Counting::Counts>& r
                    !allocators.contains(caller)) {
             result[operation][Measure::Allocations] +=
                 value("calls=").split(' ').constFirst().toDouble();
-        } else if (line.startsWith("summary: ")) {
-            result[operation][Measure::Instructions] = value("summary: ").toDouble();
+        } else if (line.startsWith("totals: ")) {
+            result[operation][Measure::Instructions] = value("totals: ").toDouble();
         }
     }
 }

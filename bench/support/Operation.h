@@ -62,7 +62,6 @@ public:
     Contender& noDearer();
 
     const QString& name() const { return m_name; }
-    bool hasTarget() const { return m_target > 0; }
     double target() const { return m_target; }
     bool isMet(double ratio) const { return ratio <= m_target * m_tolerance; }
 
@@ -148,8 +147,8 @@ public:
 
     // The contenders, made anew; the subject comes first.
     std::deque<Contender> contenders() const;
-    // Ends the program unless the contender gives the right result, and the subject the right number
-    // of messages.
+    // Ends the program unless the contender gives the right result, and the subject the right
+    // number of messages.
     void check(Contender& contender, bool isSubject) const;
 
 private:

@@ -93,8 +93,8 @@ void printRow(QTextStream& out, const Operation& operation, const Timing::Result
                .arg(QStringLiteral("  ") + operation.name(), -46)
                .arg(readable(subject.nanoseconds), 11)
                .arg(peer.contender, -36)
-               .arg(readable(peer.nanoseconds), 11)
-               .arg(peer.ratio, 9, 'f', 2)
+               .arg(peer.contender.isEmpty() ? QString() : readable(peer.nanoseconds), 11)
+               .arg(peer.contender.isEmpty() ? QString() : QString::number(peer.ratio, 'f', 2), 9)
                .arg(target, 8)
                .arg(verdict(peer));
 }
@@ -109,6 +109,9 @@ void time(const Operations& operations, bool quick, bool withPlots, TsvFile& tsv
             continue;
         }
         const std::vector<Timing::Result> results = Timing::time(operation, quick);
+        if (results.size() == 1) {
+            printRow(out, operation, results.front(), {});
+        }
         for (const Timing::Result& result : results) {
             tsv.append({QStringLiteral("time"), programName(), operation.name(),
                         operation.isInTable() ? QStringLiteral("table") : QString(),
@@ -116,7 +119,7 @@ void time(const Operations& operations, bool quick, bool withPlots, TsvFile& tsv
                         result.contender, QString::number(result.nanoseconds, 'f', 2),
                         QString::number(result.ratio, 'f', 3), QString::number(result.target),
                         verdict(result)});
-            if (results.size() == 1 || &result != &results.front()) {
+            if (&result != &results.front()) {
                 printRow(out, operation, results.front(), result);
             }
         }

@@ -24,10 +24,7 @@ public:
     void begin() override { m_begin = Clock::now(); }
     void end() override { m_time += Clock::now() - m_begin; }
 
-    double nanoseconds() const
-    {
-        return std::chrono::duration<double, std::nano>(m_time).count();
-    }
+    double nanoseconds() const { return std::chrono::duration<double, std::nano>(m_time).count(); }
 
 private:
     Clock::time_point m_begin;
