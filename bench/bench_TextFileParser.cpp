@@ -120,14 +120,12 @@ void addMultiMatch(Contenders& contenders, int bytes)
                         expression = QRegularExpression(
                             expressionText())] { return parser->multiMatch(expression); },
                        [text, compiled](const QStringList& result) {
-                           return result.size() >= 10 && result == compiled->all(*text);
+                           return !result.isEmpty() && result == compiled->all(*text);
                        });
     contenders
         .peer(
             QStringLiteral("PCRE2-16, JIT"), [text, compiled] { return compiled->all(*text); },
-            [](const QStringList& result) {
-                return result.value(1) == QStringLiteral("number100");
-            })
+            [](const QStringList& result) { return result.value(0) == QStringLiteral("number0"); })
         .atMost(2);
 }
 

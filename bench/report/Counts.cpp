@@ -163,7 +163,7 @@ bool Counts::compare(const QVector<CountRow>& counts, const QString& recordedPat
     out << '\n'
         << counts.size() << " counts; " << failures << " grew or do not fit the record, "
         << improvements << " fell; " << unmetLimits << " above the limit that is aimed at\n";
-    if (improvements > 0) {
+    if (failures == 0 && improvements > 0) {
         out << "Keep what was gained: script/bench --counts --record\n";
     }
     return failures == 0;
