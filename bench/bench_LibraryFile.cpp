@@ -1,3 +1,4 @@
+#include "support/Counting.h"
 #include "support/Program.h"
 #include "support/Workspace.h"
 
@@ -32,6 +33,13 @@ void addStart(Contenders& contenders)
         .atMost(1.01);
 }
 
+// What the loader does for the library, and the library at start.
+qint64 addedInstructions()
+{
+    return Counting::instructionsOf(QStringLiteral(BENCH_EMPTY_PROGRAM_WITH_LIBRARY)) -
+           Counting::instructionsOf(QStringLiteral(BENCH_EMPTY_PROGRAM));
+}
+
 qint64 strippedSize()
 {
     const QString stripped = Workspace::path(QStringLiteral("stripped"));
@@ -52,6 +60,7 @@ Operations operations()
     return {
         Operation(QStringLiteral("start of an empty Qt program"), addStart)
             .inTable()
+            .measured(Measure::Instructions, addedInstructions)
             .measured(Measure::FileSize, strippedSize)
             .limit(Measure::FileSize, sizeLimit()),
     };

@@ -89,11 +89,10 @@ text { font: 13px sans-serif; fill: #24292f; }
 .title { font-size: 15px; font-weight: bold; }
 .ground { fill: #ffffff; }
 .grid { stroke: #d0d7de; }
-.line { fill: none; stroke-width: 2; }
+path.line { fill: none; stroke-width: 2; }
 .c0 { stroke: #d1242f; fill: #d1242f; } .c1 { stroke: #0969da; fill: #0969da; }
 .c2 { stroke: #1a7f37; fill: #1a7f37; } .c3 { stroke: #9a6700; fill: #9a6700; }
 .c4 { stroke: #8250df; fill: #8250df; } .c5 { stroke: #57606a; fill: #57606a; }
-.line { fill: none !important; }
 @media (prefers-color-scheme: dark) {
 text { fill: #e6edf3; }
 .ground { fill: #0d1117; }

@@ -85,15 +85,21 @@ private:
     qint64 m_peak = 0;
 };
 
-// Runs a program and gives its output.
-QByteArray run(const QString& program, const QStringList& arguments)
+QProcessEnvironment countingEnvironment()
 {
-    QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     // Else it would depend on chance how many entries of a hash table share a place.
     environment.insert(QStringLiteral("QT_HASH_SEED"), QStringLiteral("0"));
     // Else the first call of each function would be dearer.
     environment.insert(QStringLiteral("LD_BIND_NOW"), QStringLiteral("1"));
+    return environment;
+}
+
+// Runs a program and gives its output.
+QByteArray run(const QString& program, const QStringList& arguments,
+               const QProcessEnvironment& environment = countingEnvironment())
+{
+    QProcess process;
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::SeparateChannels);
     process.start(program, arguments);
@@ -195,6 +201,13 @@ bool isAnyCounted(const Operations& operations)
     return false;
 }
 
+// Numbered, as programs may be counted side by side.
+QString outputFile(const QString& tool)
+{
+    return Workspace::path(tool + QLatin1Char('.') +
+                           QString::number(QCoreApplication::applicationPid()));
+}
+
 // Sums over all calls of each operation.
 QMap<QString, Counting::Counts> countUnderTools(const Operations& operations)
 {
@@ -204,15 +217,11 @@ QMap<QString, Counting::Counts> countUnderTools(const Operations& operations)
     }
     for (const Operation& operation : operations) {
         if (operation.countedCalls() > 0) {
-            // Makes the files.
-            operation.contenders();
             // What never happens has no line anywhere.
             result[operation.name()] = {{Measure::Allocations, 0}, {Measure::SystemCalls, 0}};
         }
     }
-    // Numbered, as programs may be counted side by side.
-    const QString process = QString::number(QCoreApplication::applicationPid());
-    const QString callgrindFile = Workspace::path(QStringLiteral("callgrind.") + process);
+    const QString callgrindFile = outputFile(QStringLiteral("callgrind"));
     run(QStringLiteral("valgrind"),
         QStringList{QStringLiteral("--quiet"), QStringLiteral("--tool=callgrind"),
                     QStringLiteral("--instr-atstart=no"), QStringLiteral("--combine-dumps=yes"),
@@ -221,7 +230,7 @@ QMap<QString, Counting::Counts> countUnderTools(const Operations& operations)
             self({runMarkedOption()}));
     readCallgrind(contentOf(callgrindFile), result);
 
-    const QString straceFile = Workspace::path(QStringLiteral("strace.") + process);
+    const QString straceFile = outputFile(QStringLiteral("strace"));
     run(QStringLiteral("strace"),
         QStringList{QStringLiteral("--decode-fds=path"), QStringLiteral("--string-limit=200"),
                     QStringLiteral("--trace=!%memory"), QStringLiteral("--output=") + straceFile} +
@@ -234,6 +243,13 @@ QMap<QString, Counting::Counts> countUnderTools(const Operations& operations)
 
 QMap<QString, Counting::Counts> Counting::count(const Operations& operations)
 {
+    for (const Operation& operation : operations) {
+        if (operation.countedCalls() > 0 || operation.isPeakMeasured()) {
+            // Makes the files: memory that this takes would not be given back to the system at
+            // once, and so change what is counted.
+            operation.contenders();
+        }
+    }
     const QMap<QString, Counts> sums = countUnderTools(operations);
     QMap<QString, Counts> result;
     for (const Operation& operation : operations) {
@@ -252,6 +268,22 @@ QMap<QString, Counting::Counts> Counting::count(const Operations& operations)
         }
     }
     return result;
+}
+
+qint64 Counting::instructionsOf(const QString& program)
+{
+    const QString filePath = outputFile(QStringLiteral("callgrind"));
+    run(QStringLiteral("valgrind"),
+        {QStringLiteral("--quiet"), QStringLiteral("--tool=callgrind"),
+         QStringLiteral("--callgrind-out-file=") + filePath, program},
+        QProcessEnvironment::systemEnvironment());
+    const QByteArray content = contentOf(filePath);
+    const QByteArray key = "\ntotals: ";
+    const int begin = content.lastIndexOf(key);
+    if (begin < 0) {
+        qFatal("no totals in %s", qPrintable(filePath));
+    }
+    return content.mid(begin + key.size()).trimmed().toLongLong();
 }
 
 void Counting::runMarked(const Operations& operations)

@@ -17,6 +17,9 @@ using Counts = QMap<Measure, double>;
 // In the program that is started by hand: by operation, all counts per call.
 QMap<QString, Counts> count(const Operations& operations);
 
+// Of a whole run of another program.
+qint64 instructionsOf(const QString& program);
+
 // In the program that is started for it: runs the operations between the tools' marks.
 void runMarked(const Operations& operations);
 
