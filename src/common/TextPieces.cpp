@@ -24,11 +24,15 @@ int lastPlain(const QByteArray& bytes, int begin)
 
 } // namespace
 
-TextPieces::TextPieces(QIODevice& file, int readSize) : m_file(file), m_readSize(readSize) {}
+TextPieces::TextPieces(QIODevice& file, int readSize) : m_file(file), m_readSize(readSize)
+{
+    // The two arrays are swapped from piece to piece and keep their memory.
+    m_piece.reserve(readSize);
+    m_rest.reserve(readSize);
+}
 
 bool TextPieces::next()
 {
-    m_piece.clear();
     int examined = 1; // a piece has at least one character
     int end = 0;
     while (end == 0 && readOn()) {
@@ -39,7 +43,8 @@ bool TextPieces::next()
         end = m_rest.size();
     }
     m_piece.swap(m_rest);
-    m_rest = m_piece.mid(end);
+    m_rest.resize(0);
+    m_rest.append(m_piece.constData() + end, m_piece.size() - end);
     m_piece.truncate(end);
     return !m_piece.isEmpty();
 }
@@ -85,14 +90,11 @@ QByteArray TextPieces::toUtf8() const
 // Decoding ASCII as Latin-1 is the faster way, even with this test before it.
 bool TextPieces::isAscii() const
 {
-    // Eight at a time, the rest one by one.
     const char* byte = m_piece.constData();
     const char* const end = byte + m_piece.size();
     quint64 seen = 0;
-    for (; end - byte >= 8; byte += 8) {
-        quint64 eight;
-        std::memcpy(&eight, byte, sizeof(eight));
-        seen |= eight;
+    for (; end - byte >= Text::blockSize; byte += Text::blockSize) {
+        seen |= Text::loadBlock(byte);
     }
     for (; byte != end; ++byte) {
         seen |= static_cast<unsigned char>(*byte);

@@ -34,8 +34,8 @@ public:
     bool isCut() const { return m_isCut; }
 
 private:
-    // What fits into the caches of small processors together with its decoded text.
-    static constexpr int defaultReadSize = 32 * 1024;
+    // Little memory, and few calls of the system for a large file.
+    static constexpr int defaultReadSize = 64 * 1024;
 
     bool readOn();
     bool isAscii() const;

@@ -35,23 +35,6 @@ void DragIndicator::reset()
     }
 }
 
-bool DragIndicator::compute(double value)
-{
-    // Mostly nothing changes. A list that is shared with a copy of this object stays shared then.
-    const auto isPassedOver = [this, value](const DragIndicatorInstance& instance) {
-        return instance.initialized && !(instance.maxValue < value) &&
-               !(instance.minValue > value) && !m_textDateImported;
-    };
-    bool isChanged = false;
-    const QList<DragIndicatorInstance>& instances = m_instances;
-    for (int i = 0; i < instances.size(); ++i) {
-        if (!isPassedOver(instances.at(i)) && checkInstance(m_instances[i], value)) {
-            isChanged = true;
-        }
-    }
-    return isChanged;
-}
-
 bool DragIndicator::checkInstance(DragIndicator::DragIndicatorInstance& instance, double value)
 {
     if (!instance.initialized) {

@@ -96,6 +96,15 @@ bool readPath(const QSettings& settings, const QString& path, QVariant& value)
     return true;
 }
 
+// In one allocation.
+QString pathOf(const QString& group, const QString& key)
+{
+    QString path;
+    path.reserve(group.size() + 1 + key.size());
+    path.append(group).append(slash).append(key);
+    return path;
+}
+
 /*
  * Reads a value as a listing of the group's keys would find it, and does to the settings what that
  * listing does: QSettings parses a section when it is first touched, and where two sections hold
@@ -107,16 +116,8 @@ bool readKey(QSettings& settings, const QString& group, const QString& key, QVar
         // Only this section's keys can begin with "group/" by now. Asking for the key that sorts
         // before all others parses the section that a listing would parse, and no other.
         const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
-        QString path;
-        path.reserve(group.size() + 1 + qMax(key.size(), 1));
-        path += group;
-        path += slash;
-        const int prefixSize = path.size();
-        path += QChar(QChar::Null);
-        if (!settings.contains(path)) {
-            path.truncate(prefixSize);
-            path += key;
-            return readPath(settings, path, value);
+        if (!settings.contains(pathOf(group, QStringLiteral("\0")))) {
+            return readPath(settings, pathOf(group, key), value);
         }
     }
     const GroupScope scope(settings, group);
@@ -126,8 +127,9 @@ bool readKey(QSettings& settings, const QString& group, const QString& key, QVar
 // Reads a value whose section is known to be parsed.
 bool readParsedKey(QSettings& settings, const QString& group, const QString& key, QVariant& value)
 {
+    const QString path = pathOf(group, key);
     const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
-    return readPath(settings, group + slash + key, value);
+    return readPath(settings, path, value);
 }
 
 // The functions from here on warn through log, in the name of the function that calls them.

@@ -1,6 +1,7 @@
 #include "IniFileManager.h"
 
 #include "common/Log.h"
+#include "common/Text.h"
 #include "common/TextPieces.h"
 
 #include <QtCore/QFile>
@@ -19,21 +20,21 @@ QList<void (*)(QString&)> ownCleanUpFunctions()
 // themselves there.
 void cleanUpUtf8(QByteArray& utf8)
 {
-    char* const begin = utf8.data();
-    const char* const end = begin + utf8.size();
-    char* target = begin;
-    for (const char* source = begin; source != end; ++source) {
-        char character = *source;
-        if (character == ',') {
-            character = ' ';
-        } else if (character == '3' && target - begin >= 2 && target[-1] == '2' &&
-                   target[-2] == '%') {
-            target -= 2;
-            character = '#';
-        }
-        *target++ = character;
-    }
-    utf8.truncate(int(target - begin));
+    const char* const begin = utf8.data();
+    Text::rewriteBytes(
+        utf8, 0,
+        [](quint64 block) { return Text::isInBlock(block, ',') || Text::isInBlock(block, '3'); },
+        [begin](char byte, char* target) {
+            if (byte == ',') {
+                byte = ' ';
+            } else if (byte == '3' && target - begin >= 2 && target[-1] == '2' &&
+                       target[-2] == '%') {
+                target -= 2;
+                byte = '#';
+            }
+            *target = byte;
+            return target + 1;
+        });
 }
 
 bool writeAll(QIODevice& device, const QByteArray& bytes)
