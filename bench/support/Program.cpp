@@ -61,7 +61,7 @@ private:
 QString programName()
 {
     const QString prefix = QStringLiteral("bench_");
-    return QFileInfo(QCoreApplication::applicationFilePath()).fileName().mid(prefix.size());
+    return QFileInfo(QCoreApplication::arguments().constFirst()).fileName().mid(prefix.size());
 }
 
 QString verdict(const Timing::Result& result)
