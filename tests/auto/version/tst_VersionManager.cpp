@@ -189,6 +189,7 @@ QString scramble(QRandomGenerator& random)
         QStringLiteral("-"),      QStringLiteral("-"),      QStringLiteral("V"),
         QStringLiteral("v"),      QStringLiteral("x"),      QStringLiteral("A"),
         QStringLiteral(" "),      QStringLiteral("\t"),     QStringLiteral("\n"),
+        QStringLiteral("\v"),     QStringLiteral("\f"),     QStringLiteral("\r"),
         QStringLiteral("\u0663"), QStringLiteral("\uFF11"), QStringLiteral("\u00A0"),
         QStringLiteral("\u2003"), QStringLiteral("\u00E4"), QString(QChar::Null),
         QString(QChar(0xD800)),   QString(QChar(0xDC00)),   QStringLiteral("_"),
