@@ -96,15 +96,6 @@ bool readPath(const QSettings& settings, const QString& path, QVariant& value)
     return true;
 }
 
-// In one allocation.
-QString pathOf(const QString& group, const QString& key)
-{
-    QString path;
-    path.reserve(group.size() + 1 + key.size());
-    path.append(group).append(slash).append(key);
-    return path;
-}
-
 /*
  * Reads a value as a listing of the group's keys would find it, and does to the settings what that
  * listing does: QSettings parses a section when it is first touched, and where two sections hold
@@ -113,11 +104,16 @@ QString pathOf(const QString& group, const QString& key)
 bool readKey(QSettings& settings, const QString& group, const QString& key, QVariant& value)
 {
     if (!group.isEmpty() && !group.contains(slash) && !key.contains(slash)) {
-        // Only this section's keys can begin with "group/" by now. Asking for the key that sorts
-        // before all others parses the section that a listing would parse, and no other.
+        // Asking for the key that sorts before all others of the group parses the section that a
+        // listing would parse, and no other. After that none is left that could hold the key.
         const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
-        if (!settings.contains(pathOf(group, QStringLiteral("\0")))) {
-            return readPath(settings, pathOf(group, key), value);
+        QString path;
+        path.reserve(group.size() + 1 + qMax(1, key.size())); // the one allocation for both paths
+        path.append(group).append(slash).append(QChar(QChar::Null));
+        if (!settings.contains(path)) {
+            path.truncate(group.size() + 1);
+            path.append(key);
+            return readPath(settings, path, value);
         }
     }
     const GroupScope scope(settings, group);
@@ -127,7 +123,9 @@ bool readKey(QSettings& settings, const QString& group, const QString& key, QVar
 // Reads a value whose section is known to be parsed.
 bool readParsedKey(QSettings& settings, const QString& group, const QString& key, QVariant& value)
 {
-    const QString path = pathOf(group, key);
+    QString path;
+    path.reserve(group.size() + 1 + key.size());
+    path.append(group).append(slash).append(key);
     const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
     return readPath(settings, path, value);
 }
