@@ -102,7 +102,8 @@ public:
      * Members: "MinValue" and "MaxValue" (numbers), "MinValueDate" and "MaxValueDate" (texts such
      * as 2024-03-01T12:30:05, local time, empty without a date), "Initialized" (bool). JSON knows
      * no NaN and no infinity: in a document such a value becomes null, which cannot be read
-     * back.
+     * back. A record that has no value yet has empty dates, and fromJsonArray() counts these as an
+     * error: save records that have a value.
      */
     QJsonArray asJsonArray() const;
 

@@ -15,6 +15,20 @@ void writeLine(FILE* stream, const QString& line)
 
 } // namespace
 
+const QCommandLineOption& CommandLine::verboseOption()
+{
+    static const QCommandLineOption option(QStringLiteral("verbose"),
+                                           QStringLiteral("Show the library's log lines too."));
+    return option;
+}
+
+const QCommandLineOption& CommandLine::helpOption()
+{
+    static const QCommandLineOption option({QStringLiteral("h"), QStringLiteral("help")},
+                                           QStringLiteral("Show this help."));
+    return option;
+}
+
 QString CommandLine::printable(const QString& text)
 {
     QString result;

@@ -1,10 +1,15 @@
 #ifndef EXAMPLES_COMMANDLINE_H
 #define EXAMPLES_COMMANDLINE_H
 
+#include <QtCore/QCommandLineOption>
 #include <QtCore/QString>
 
 // What every example program says and reads the same way.
 namespace CommandLine {
+
+// The options --verbose, for LibraryMessages::take(), and --help.
+const QCommandLineOption& verboseOption();
+const QCommandLineOption& helpOption();
 
 // Text that stays on its line whatever it holds: a file's name may contain line feeds and the
 // commands of a terminal. They are shown as \x0a and the like.

@@ -34,8 +34,7 @@ bool writeOut(const QByteArray& bytes)
 
 int run(const QStringList& arguments)
 {
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Show this help."));
+    const QCommandLineOption& help = CommandLine::helpOption();
     const QCommandLineOption eeprom(
         QStringLiteral("eeprom"),
         QStringLiteral("Read the board's hardware record from the EEPROM image <path>."),

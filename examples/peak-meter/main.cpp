@@ -32,20 +32,6 @@ const QCommandLineOption& resetOption()
     return option;
 }
 
-const QCommandLineOption& verboseOption()
-{
-    static const QCommandLineOption option(QStringLiteral("verbose"),
-                                           QStringLiteral("Show the library's log lines too."));
-    return option;
-}
-
-const QCommandLineOption& helpOption()
-{
-    static const QCommandLineOption option({QStringLiteral("h"), QStringLiteral("help")},
-                                           QStringLiteral("Show this help."));
-    return option;
-}
-
 QString helpText(const QCommandLineParser& parser)
 {
     return parser.helpText() +
@@ -120,13 +106,14 @@ int main(int argc, char* argv[])
     parser.setApplicationDescription(QStringLiteral(
         "\nReads numbers from standard input, one per line, and shows the lowest and the highest, "
         "on a\nterminal as a bar in which the last value is marked."));
-    parser.addOptions({fileOption(), resetOption(), verboseOption(), helpOption()});
+    parser.addOptions(
+        {fileOption(), resetOption(), CommandLine::verboseOption(), CommandLine::helpOption()});
 
     if (!parser.parse(QCoreApplication::arguments())) {
         CommandLine::complainOfUsage(parser.errorText());
         return WrongUsage;
     }
-    if (parser.isSet(helpOption())) {
+    if (parser.isSet(CommandLine::helpOption())) {
         CommandLine::print(helpText(parser));
         return AllTaken;
     }
@@ -137,6 +124,6 @@ int main(int argc, char* argv[])
         CommandLine::complain(QStringLiteral("cannot read standard input: it is closed"));
         return InputTrouble;
     }
-    LibraryMessages::take(parser.isSet(verboseOption()));
+    LibraryMessages::take(parser.isSet(CommandLine::verboseOption()));
     return measure(parser);
 }

@@ -73,20 +73,6 @@ const QCommandLineOption& outputOption()
     return option;
 }
 
-const QCommandLineOption& verboseOption()
-{
-    static const QCommandLineOption option(QStringLiteral("verbose"),
-                                           QStringLiteral("Show the library's log lines too."));
-    return option;
-}
-
-const QCommandLineOption& helpOption()
-{
-    static const QCommandLineOption option({QStringLiteral("h"), QStringLiteral("help")},
-                                           QStringLiteral("Show this help."));
-    return option;
-}
-
 QString helpText(const QCommandLineParser& parser)
 {
     return QStringLiteral("Usage: run-and-grep [options] -e EXPRESSION... -- PROGRAM [ARGUMENTS]\n"
@@ -272,7 +258,7 @@ int main(int argc, char* argv[])
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.addOptions({expressionOption(), firstOption(), timeoutOption(), outputOption(),
-                       verboseOption(), helpOption()});
+                       CommandLine::verboseOption(), CommandLine::helpOption()});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A text file."));
     parser.addPositionalArgument(
         QStringLiteral("PROGRAM"),
@@ -291,7 +277,7 @@ int main(int argc, char* argv[])
         CommandLine::complainOfUsage(parser.errorText());
         return WrongUsage;
     }
-    if (parser.isSet(helpOption())) {
+    if (parser.isSet(CommandLine::helpOption())) {
         CommandLine::print(helpText(parser));
         return Match;
     }
@@ -299,6 +285,6 @@ int main(int argc, char* argv[])
         return WrongUsage;
     }
     job.isFirstOnly = parser.isSet(firstOption());
-    LibraryMessages::take(parser.isSet(verboseOption()));
+    LibraryMessages::take(parser.isSet(CommandLine::verboseOption()));
     return job.command.isEmpty() ? grep(job, job.file) : runAndGrep(job);
 }

@@ -11,13 +11,6 @@
 
 namespace {
 
-const QCommandLineOption& helpOption()
-{
-    static const QCommandLineOption option({QStringLiteral("h"), QStringLiteral("help")},
-                                           QStringLiteral("Show this help."));
-    return option;
-}
-
 const QCommandLineOption& patternOption()
 {
     static const QCommandLineOption option(
@@ -136,14 +129,14 @@ int main(int argc, char* argv[])
         "what comes\nand goes. Changes are reported in bursts; hidden files are left "
         "out."));
     parser.addOptions({patternOption(), recursiveOption(), delayOption(), idleOption(),
-                       burstsOption(), helpOption()});
+                       burstsOption(), CommandLine::helpOption()});
     parser.addPositionalArgument(QStringLiteral("FOLDER"), QStringLiteral("The folder to watch."));
 
     if (!parser.parse(QCoreApplication::arguments())) {
         CommandLine::complainOfUsage(parser.errorText());
         return WrongUsage;
     }
-    if (parser.isSet(helpOption())) {
+    if (parser.isSet(CommandLine::helpOption())) {
         CommandLine::print(helpText(parser));
         return Ended;
     }

@@ -68,6 +68,7 @@ private Q_SLOTS:
     void destructorIsVirtual();
     void fileHash_data();
     void fileHash();
+    void largeFile();
     void fileHashVectors_data();
     void fileHashVectors();
     void fileOfUnknownSize();
@@ -124,6 +125,17 @@ void tst_HashGenerator::fileHash()
         HashGenerator::createHashFromFile(writeFile(QStringLiteral("file"), bytes), method);
     QCOMPARE(hash.size(), QCryptographicHash::hashLength(method));
     QCOMPARE(hash.toHex(), QCryptographicHash::hash(hashed, method).toHex());
+}
+
+void tst_HashGenerator::largeFile()
+{
+    // Larger than what is read the usual way, and no whole number of pages.
+    constexpr int lines = 800001;
+    const QByteArray bytes = QByteArray("0123456789\r\n").repeated(lines);
+    QVERIFY(bytes.size() > 8 * 1024 * 1024);
+    const auto method = QCryptographicHash::Md5;
+    QCOMPARE(HashGenerator::createHashFromFile(writeFile(QStringLiteral("file"), bytes), method),
+             QCryptographicHash::hash(QByteArray("0123456789\n").repeated(lines), method));
 }
 
 void tst_HashGenerator::fileHashVectors_data()
