@@ -3,10 +3,10 @@
 #include "Arguments.h"
 #include "HardwareInfoReader.h"
 #include "common/CommandLine.h"
+#include "common/WholeFile.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QFile>
-#include <QtCore/QSaveFile>
 #include <QtCore/QtEndian>
 
 namespace {
@@ -154,12 +154,11 @@ QByteArray buildImage(const Layout& layout, const QByteArray& block)
 // All or nothing: an image of that name is replaced only when the new one is written whole.
 bool writeImage(const QString& filePath, const QByteArray& image)
 {
-    QSaveFile file(filePath);
-    if (!file.open(QIODevice::WriteOnly) || file.write(image) != image.size() || !file.commit()) {
-        CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
-        return false;
+    const QString trouble = WholeFile::replace(filePath, image);
+    if (!trouble.isEmpty()) {
+        CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, trouble));
     }
-    return true;
+    return trouble.isEmpty();
 }
 
 void report(const QString& filePath, const Layout& layout, const QByteArray& block,

@@ -1,6 +1,7 @@
 #include "PeakFile.h"
 
 #include "common/CommandLine.h"
+#include "common/WholeFile.h"
 
 #include <DragIndicator.h>
 
@@ -133,10 +134,10 @@ ExitCode PeakFile::read(DragIndicator& indicator) const
 QString PeakFile::save(const DragIndicator& indicator) const
 {
     const QByteArray json = QJsonDocument(indicator.asJsonArray()).toJson();
-    QSaveFile file(m_path);
-    // A commit also syncs the content.
-    if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size() || !file.commit()) {
-        return writeError(file.errorString());
+    // That also syncs the content.
+    const QString trouble = WholeFile::replace(m_path, json);
+    if (!trouble.isEmpty()) {
+        return writeError(trouble);
     }
     syncFolderOf(m_path);
     return QString();

@@ -2,6 +2,7 @@
 // QProcessHandler and TextFileParser at work.
 #include "common/CommandLine.h"
 #include "common/LibraryMessages.h"
+#include "common/WholeFile.h"
 
 #include <QProcessHandler.h>
 #include <TextFileParser.h>
@@ -12,7 +13,6 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QSaveFile>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QVector>
@@ -186,13 +186,11 @@ ExitCode grep(const Job& job, const QString& path)
 // Writes the file as a whole or not at all.
 bool writeFile(const QString& path, const QString& content)
 {
-    QSaveFile file(path);
-    const bool isWritten =
-        file.open(QIODevice::WriteOnly) && file.write(content.toUtf8()) >= 0 && file.commit();
-    if (!isWritten) {
-        CommandLine::complain(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+    const QString trouble = WholeFile::replace(path, content.toUtf8());
+    if (!trouble.isEmpty()) {
+        CommandLine::complain(QStringLiteral("cannot write %1: %2").arg(path, trouble));
     }
-    return isWritten;
+    return trouble.isEmpty();
 }
 
 QString joinedOutput(const QProcessHandler& handler)

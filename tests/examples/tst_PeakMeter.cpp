@@ -67,6 +67,7 @@ private Q_SLOTS:
     void leavesADamagedFileAlone_data();
     void leavesADamagedFileAlone();
     void saysWhenItCannotSave();
+    void keepsTheFileWhenTheDiskIsFull();
     void oneRunAtATime();
     void savesReplaceTheFileAsAWhole();
     void aKilledRunLosesNothingThatItShowed();
@@ -360,6 +361,22 @@ void tst_PeakMeter::saysWhenItCannotSave()
                                               sinceReset(QStringLiteral("1"), QStringLiteral("2")) +
                                               ever(QStringLiteral("1"), QStringLiteral("2")));
     QCOMPARE(result.exitCode, 4);
+}
+
+// A limit on the size of files stands for the full disk: what is written fails when it is flushed.
+void tst_PeakMeter::keepsTheFileWhenTheDiskIsFull()
+{
+    QCOMPARE(run(withFile, "1\n").exitCode, 0);
+    const QByteArray kept = readFile(peaks());
+    const QString limited = QStringLiteral("trap '' XFSZ; ulimit -f 0; exec \"$0\" \"$@\"");
+    ProgramRun programRun(QStringLiteral("/bin/sh"),
+                          QStringList{QStringLiteral("-c"), limited, program} + withFile, folder());
+    programRun.write("2\n");
+    const ProgramResult result = programRun.finish();
+    QVERIFY2(result.errors.startsWith(QStringLiteral("peak-meter: cannot write peaks.json: ")),
+             qPrintable(result.errors));
+    QCOMPARE(result.exitCode, 4);
+    QCOMPARE(readFile(peaks()), kept);
 }
 
 void tst_PeakMeter::oneRunAtATime()
