@@ -51,7 +51,8 @@ private:
 /*!
  * \brief Appends every entry below the folder \a path, at any depth, to \a result.
  *
- * \param path        the folder; one that does not exist or cannot be read has no entries
+ * \param path        the folder; one that does not exist or cannot be read, or whose path has a NUL
+ *                    in it, has no entries
  * \param nameFilters wildcard patterns of names; an empty list lets every name through
  * \param filters     what kinds of entries count, as QDirIterator has it
  * \param result      never cleared; entries come in the order of the file system

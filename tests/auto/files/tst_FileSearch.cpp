@@ -8,13 +8,35 @@
 #include <QtCore/QTextCodec>
 
 #include <filesystem>
+#include <utility>
 
 #include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 Q_DECLARE_METATYPE(QDir::Filters)
+
+namespace {
+
+// Counts the entries that were made to have no type; negative while they keep theirs.
+int entriesWithoutType = -1;
+
+} // namespace
+
+// Stands before the system's: not every file system tells what its entries are.
+extern "C" Q_DECL_EXPORT dirent64* readdir64(DIR* stream)
+{
+    using Function = dirent64* (*)(DIR*);
+    static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "readdir64"));
+    dirent64* const entry = next(stream);
+    if (entry != nullptr && entriesWithoutType >= 0) {
+        entry->d_type = DT_UNKNOWN;
+        ++entriesWithoutType;
+    }
+    return entry;
+}
 
 namespace {
 
@@ -107,6 +129,11 @@ void addLargeTree(const Tree& tree)
     tree.addLink("loop", "loop");
     tree.addLink("linkedpipe", "pipe.txt");
     const QByteArray oddNames[] = {"line\nfeed.txt",
+                                   "\xef\xbb\xbfmarked.txt",
+                                   "\xef\xbb\xbf.marked.txt",
+                                   "not a character \xef\xbf\xbe.txt",
+                                   "replaced \xef\xbf\xbd.txt",
+                                   "half \xed\xa0\x80 of a pair.txt",
                                    "gr\xc3\xbc\xc3\x9f.txt",
                                    "\xf0\x9f\x98\x80.txt",
                                    "latin\xe4.txt",
@@ -260,10 +287,14 @@ private Q_SLOTS:
     void largeTreeAsIterated_data();
     void largeTreeAsIterated();
     void randomTreesAsIterated();
+    void typesAreFoundOut();
+    void otherEncodings_data();
+    void otherEncodings();
     void unreadableFolders();
     void startPaths_data();
     void startPaths();
     void entriesOfAnEmptyFolder();
+    void namesThatHaveNoBytes();
     void nothingToFind_data();
     void nothingToFind();
     void resultIsAppendedTo();
@@ -463,6 +494,45 @@ void tst_FileSearch::randomTreesAsIterated()
     QVERIFY(found > 3 * int(count)); // the trees are no empty ones
 }
 
+void tst_FileSearch::typesAreFoundOut()
+{
+    const Tree tree(folder());
+    addLargeTree(tree);
+    const QStringList expected = relativeTo(folder(), iterated(folder(), {}, QDir::NoFilter));
+
+    entriesWithoutType = 0;
+    const QStringList found = searchedRelatively(folder(), {});
+    const int changed = std::exchange(entriesWithoutType, -1);
+
+    QCOMPARE(found, expected);
+    QVERIFY(changed >= expected.size());
+}
+
+void tst_FileSearch::otherEncodings_data()
+{
+    QTest::addColumn<QByteArray>("codec");
+    for (const char* codec : {"UTF-8", "ISO-8859-1", "US-ASCII", "ISO-8859-15", "Shift_JIS"}) {
+        QTest::newRow(codec) << QByteArray(codec);
+    }
+}
+
+void tst_FileSearch::otherEncodings()
+{
+    QFETCH(QByteArray, codec);
+    const Tree tree(folder());
+    addLargeTree(tree);
+    QTextCodec* const usual = QTextCodec::codecForLocale();
+    QTextCodec* const other = QTextCodec::codecForName(codec);
+    QVERIFY(other != nullptr);
+
+    QTextCodec::setCodecForLocale(other);
+    const QStringList expected = relativeTo(folder(), iterated(folder(), {}, QDir::NoFilter));
+    const QStringList found = searchedRelatively(folder(), {});
+    QTextCodec::setCodecForLocale(usual);
+    QCOMPARE(found, expected);
+    QVERIFY(found.size() > 400);
+}
+
 void tst_FileSearch::unreadableFolders()
 {
     const Tree tree(folder());
@@ -589,6 +659,24 @@ void tst_FileSearch::entriesOfAnEmptyFolder()
     QCOMPARE(searched(folder(), {QStringLiteral("*.txt")}), QStringList());
 }
 
+void tst_FileSearch::namesThatHaveNoBytes()
+{
+    // Half of a surrogate pair becomes another character on the way to the system, or nothing.
+    const QString half(QChar(0xd800));
+    const QString start = path(half + QLatin1Char('b'));
+    const Tree tree(folder());
+    tree.addFolder("?b");
+    tree.addFile("?b/file.txt");
+    QCOMPARE(iterated(start, {}, QDir::NoFilter).size(), 3);
+
+    for (const QString& startPath : {start, path(half)}) {
+        for (const QStringList& patterns : {QStringList(), words("*.txt")}) {
+            const QStringList expected = iterated(startPath, patterns, QDir::NoFilter);
+            QCOMPARE(searchedRelatively(startPath, patterns), relativeTo(startPath, expected));
+        }
+    }
+}
+
 void tst_FileSearch::nothingToFind_data()
 {
     QTest::addColumn<QString>("name");
@@ -598,6 +686,9 @@ void tst_FileSearch::nothingToFind_data()
     QTest::newRow("pipe") << QStringLiteral("pipe.txt");
     QTest::newRow("folder below a file") << QStringLiteral("lower.txt/folder");
     QTest::newRow("name too long") << QString(300, QLatin1Char('a'));
+    QTest::newRow("NUL behind a folder") << QStringLiteral("sub") + QChar(QChar::Null);
+    QTest::newRow("NUL in a folder's name")
+        << QStringLiteral("sub") + QChar(QChar::Null) + QStringLiteral("/deeper.txt");
 }
 
 void tst_FileSearch::nothingToFind()
