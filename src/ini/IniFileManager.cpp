@@ -120,11 +120,12 @@ bool readKey(QSettings& settings, const QString& group, const QString& key, QVar
     return settings.childKeys().contains(key) && readPath(settings, key, value);
 }
 
-// Reads a value whose section is known to be parsed.
-bool readParsedKey(QSettings& settings, const QString& group, const QString& key, QVariant& value)
+// Reads a value whose section is known to be parsed. The path is a string of the caller's, which
+// keeps its memory from one value to the next.
+bool readParsedKey(QSettings& settings, QString& path, const QString& group, const QString& key,
+                   QVariant& value)
 {
-    QString path;
-    path.reserve(group.size() + 1 + key.size());
+    path.resize(0);
     path.append(group).append(slash).append(key);
     const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
     return readPath(settings, path, value);
@@ -165,11 +166,12 @@ int findPosition(const IniFileManager& file, QSettings& settings, const QStringL
     // Listing the groups has parsed all sections. Who handles a message may sync, and so read the
     // file anew.
     bool areAllParsed = true;
+    QString path;
     for (int i = 0; i < groups.count(); ++i) {
         QVariant value;
         bool isNumber = false;
         int position = 0;
-        if (areAllParsed && readParsedKey(settings, groups.at(i), key, value)) {
+        if (areAllParsed && readParsedKey(settings, path, groups.at(i), key, value)) {
             position = value.toInt(&isNumber);
         }
         if (!isNumber) {
@@ -409,10 +411,11 @@ QMap<QString, QVariant> IniFileManager::getGroupValues(const QString& group) con
     // The listing has parsed the group's section. For a group within groups, "a/b", each further
     // look-up may parse one more section that has keys of this group: "a" with a key "b/c".
     int unparsedSections = group.count(slash);
+    QString path;
     for (const QString& key : keys) {
         QVariant value;
         if (key.isEmpty() || unparsedSections > 0 ||
-            !readParsedKey(m_settings, group, key, value)) {
+            !readParsedKey(m_settings, path, group, key, value)) {
             value = getValue(group, key, QVariant());
             --unparsedSections;
         }
