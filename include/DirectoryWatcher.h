@@ -23,7 +23,8 @@
  *   log why, and warns of an empty path.
  * - \b Units and formats: the delay is in milliseconds, kept to about 5 %. A folder changes when an
  *   entry is added, removed or renamed or has its permissions changed, not when the content of a
- *   file changes. A stream of changes that never pauses for the delay is never reported.
+ *   file changes. A stream of changes that never pauses for the delay is never reported. A folder
+ *   that is renamed itself is watched on under the name that it had.
  *
  * \since 1.0
  */

@@ -1,0 +1,174 @@
+#include "DirectoryWatcher.h"
+#include "IniFileManager.h"
+#include "TestCase.h"
+#include "WildcardFilter.h"
+
+#include <QtCore/QDirIterator>
+
+#include <memory>
+
+namespace {
+
+const QString root = QStringLiteral(PROJECT_FOLDER);
+const QString net = QStringLiteral("Net");
+const QString key = QStringLiteral("key");
+
+QStringList texts(std::initializer_list<const char*> list)
+{
+    QStringList result;
+    for (const char* text : list) {
+        result.append(QString::fromLatin1(text));
+    }
+    return result;
+}
+
+// All matches of the expression's first group in the project's files of those names.
+QStringList found(const QString& below, const QStringList& names, const QString& expression)
+{
+    QStringList result;
+    QDirIterator files(root + below, names, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        if (file.open(QIODevice::ReadOnly)) {
+            auto matches =
+                QRegularExpression(expression).globalMatch(QString::fromUtf8(file.readAll()));
+            while (matches.hasNext()) {
+                result.append(matches.next().captured(1));
+            }
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+// Shows what docs/gotchas.md says where no test of a class does.
+class tst_Gotchas : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void commasMakeLists();
+    void semicolonsEndValues();
+    void wordsThatAreFalse();
+    void largeNumbersAreCut();
+    void commentsAreLostOnWriting();
+    void sectionsNestAtSlashes();
+    void dotEntriesGoWithAFilter();
+    void renamedFolderIsDeaf();
+    void testsThatAreNamedExist();
+
+private:
+    std::unique_ptr<IniFileManager> iniFile(const QByteArray& content) const
+    {
+        return std::make_unique<IniFileManager>(writeFile(QStringLiteral("file.ini"), content),
+                                                nullptr);
+    }
+};
+
+void tst_Gotchas::commasMakeLists()
+{
+    const auto file = iniFile("[Net]\nkey=eth0, eth1\nquoted=\"eth0, eth1\"\n");
+    QCOMPARE(file->getValueString(net, key, QStringLiteral("default")), QString());
+    QCOMPARE(file->getValue(net, key, QVariant()).toStringList(), texts({"eth0", "eth1"}));
+    QCOMPARE(file->getValueString(net, QStringLiteral("quoted"), QString()),
+             QStringLiteral("eth0, eth1"));
+}
+
+void tst_Gotchas::semicolonsEndValues()
+{
+    const auto file = iniFile("[Net]\nkey=on;off\nquoted=\"on;off\"\n");
+    QCOMPARE(file->getValueString(net, key, QString()), QStringLiteral("on"));
+    QCOMPARE(file->getValueString(net, QStringLiteral("quoted"), QString()),
+             QStringLiteral("on;off"));
+}
+
+void tst_Gotchas::wordsThatAreFalse()
+{
+    const auto file = iniFile("[Net]\noff=off\nno=no\nfalse=FALSE\n0=0\nempty=\n");
+    QCOMPARE(file->getValueBool(net, QStringLiteral("off"), false), true);
+    QCOMPARE(file->getValueBool(net, QStringLiteral("no"), false), true);
+    QCOMPARE(file->getValueBool(net, QStringLiteral("false"), true), false);
+    QCOMPARE(file->getValueBool(net, QStringLiteral("0"), true), false);
+    QCOMPARE(file->getValueBool(net, QStringLiteral("empty"), true), false);
+}
+
+void tst_Gotchas::largeNumbersAreCut()
+{
+    const auto file = iniFile("[Net]\nkey=4294967301\n");
+    QCOMPARE(file->getValueInteger(net, key, 0), 5);
+    QCOMPARE(file->getValue(net, key, QVariant()).toLongLong(), 4294967301LL);
+}
+
+void tst_Gotchas::commentsAreLostOnWriting()
+{
+    const auto file = iniFile("; a comment\n[Net]\nkey=1\n# none=2\n");
+    file->setValue(net, key, 3);
+    file->sync();
+    const QByteArray content = readFile(path(QStringLiteral("file.ini")));
+    QVERIFY2(!content.contains("a comment"), content.constData());
+    QVERIFY2(content.contains("\nkey=3\n"), content.constData());
+    QVERIFY2(content.contains("%23%20none=2\n"), content.constData());
+}
+
+void tst_Gotchas::sectionsNestAtSlashes()
+{
+    const auto file = iniFile("[Net/eth0]\nkey=1\n");
+    QCOMPARE(file->getGroups(), texts({"Net"}));
+    QCOMPARE(file->getValueInteger(QStringLiteral("Net/eth0"), key, 0), 1);
+}
+
+void tst_Gotchas::dotEntriesGoWithAFilter()
+{
+    QFileInfoList entries;
+    searchFilesOnPathRecursive(folder(), {}, entries);
+    QCOMPARE(entries.size(), 2);
+    entries.clear();
+    searchFilesOnPathRecursive(folder(), {}, QDir::AllEntries | QDir::NoDotAndDotDot, entries);
+    QVERIFY(entries.isEmpty());
+}
+
+void tst_Gotchas::renamedFolderIsDeaf()
+{
+    const QString inbox = path(QStringLiteral("inbox"));
+    const QString other = path(QStringLiteral("other"));
+    QVERIFY(QDir().mkdir(inbox) && QDir().mkdir(other));
+    DirectoryWatcher watcher(QStringList{inbox, other});
+    watcher.setDelayInMs(50);
+    QStringList changed;
+    connect(&watcher, &DirectoryWatcher::directoryChanged,
+            [&changed](const QStringList& folders) { changed += folders; });
+
+    QVERIFY(QDir().rename(inbox, path(QStringLiteral("old"))));
+    QVERIFY(QDir().mkdir(inbox));
+    writeFile(QStringLiteral("inbox/file"), "");
+    writeFile(QStringLiteral("other/file"), ""); // is noticed after the others
+    QTRY_COMPARE(changed, QStringList(other));
+    QVERIFY(!watcher.addPath(inbox));
+
+    changed.clear();
+    writeFile(QStringLiteral("old/file"), "");
+    QTRY_COMPARE(changed, QStringList(inbox)); // the name that it had
+
+    DirectoryWatcher fresh(inbox);
+    fresh.setDelayInMs(50);
+    QSignalSpy changes(&fresh, &DirectoryWatcher::directoryChanged);
+    writeFile(QStringLiteral("inbox/second"), "");
+    QVERIFY(changes.wait());
+}
+
+void tst_Gotchas::testsThatAreNamedExist()
+{
+    const QStringList named =
+        found(QString(), {QStringLiteral("*.md")}, QStringLiteral("`(tst_\\w+::\\w+)`"));
+    const QStringList functions = found(QStringLiteral("/tests"), {QStringLiteral("tst_*.cpp")},
+                                        QStringLiteral("\nvoid (tst_\\w+::\\w+)\\(\\)"));
+    QVERIFY(named.size() > 15);
+    for (const QString& test : named) {
+        QVERIFY2(functions.contains(test), qUtf8Printable(test));
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_Gotchas)
+
+#include "tst_Gotchas.moc"
