@@ -1,8 +1,8 @@
 #include "HardwareIdentification.h"
+#include "LiteralHardwareId.h"
 #include "TestCase.h"
 
 #include <QtCore/QRandomGenerator>
-#include <QtCore/QRegExp>
 
 #include <type_traits>
 
@@ -14,77 +14,15 @@ static_assert(std::is_copy_constructible<HardwareIdentification>::value &&
                   std::is_copy_assignable<HardwareIdentification>::value,
               "is a value");
 
+using LiteralHardwareId::Outcome;
+using LiteralHardwareId::Parts;
+using LiteralHardwareId::partsOf;
+
 namespace {
 
 constexpr char divideSignature[] = "void HardwareIdentification::divideHardwareID(const QString&)";
 
 const QString goodId = QStringLiteral("1234567891234567");
-
-// What an object tells about its ID.
-struct Parts
-{
-    bool isValid = false;
-    QStringList texts = {QString(), QString(), QString(), QString(), QString()};
-
-    bool operator==(const Parts& other) const
-    {
-        return isValid == other.isValid && texts == other.texts;
-    }
-};
-
-Parts partsOf(const HardwareIdentification& id)
-{
-    return {id.isHardwareIDValid(),
-            {id.getProductGroupNumber(), id.getBasicTypeSupplement(),
-             id.getDocumentTypeCountingNumber(), id.getCustomerVersion(), id.getPartsListSales()}};
-}
-
-char* toString(const Parts& parts)
-{
-    return qstrdup(QByteArray((parts.isValid ? "valid <" : "invalid <") +
-                              parts.texts.join(QStringLiteral("> <")).toUtf8() + '>'));
-}
-
-enum class Outcome
-{
-    WrongSize,
-    NotOnlyNumbers,
-    NoDocumentType,
-    NoPartsList,
-    Valid
-};
-constexpr int outcomeCount = 5;
-
-bool literalContainsOnlyNumbers(const QString& id)
-{
-    return id.indexOf(QRegExp(QStringLiteral("[0-9]{16,16}"), Qt::CaseSensitive), 0) != -1;
-}
-
-// The rules, written down as plainly as they are stated.
-Outcome literalDivide(const QString& id, Parts& parts)
-{
-    if (id.length() != 16) {
-        qWarning() << "Size of hardware ID is invalid" << id.length();
-        return Outcome::WrongSize;
-    }
-    if (!literalContainsOnlyNumbers(id)) {
-        qWarning() << "Hardware ID contains not only numbers" << id;
-        return Outcome::NotOnlyNumbers;
-    }
-    const QString documentType = id.mid(8, 3);
-    const QString partsList = id.mid(14, 2);
-    if (documentType.contains(QStringLiteral("000"), Qt::CaseSensitive)) {
-        qWarning() << "Document type count number is invalid " << documentType;
-        return Outcome::NoDocumentType;
-    }
-    if (partsList.contains(QStringLiteral("00"), Qt::CaseSensitive)) {
-        qWarning() << "Parts list paragrpah is invalid " << partsList;
-        return Outcome::NoPartsList;
-    }
-    parts.isValid = true;
-    parts.texts = QStringList({id.mid(0, 6), id.mid(6, 2), documentType, id.mid(11, 3), partsList});
-    return Outcome::Valid;
-}
 
 QString anyDigit(QRandomGenerator& random)
 {
@@ -364,13 +302,13 @@ void tst_HardwareIdentification::sameAsLiteral()
     };
     QRandomGenerator random(1);
     HardwareIdentification reused(goodId);
-    int outcomes[outcomeCount] = {};
+    int outcomes[LiteralHardwareId::outcomeCount] = {};
     int longer = 0; // texts with sixteen digits in them
     for (int i = 0; i < ids; ++i) {
         const QString id = anyId(random);
         Parts parts;
-        const Outcome outcome = literalDivide(id, parts);
-        const bool contains = literalContainsOnlyNumbers(id);
+        const Outcome outcome = LiteralHardwareId::divide(id, parts);
+        const bool contains = LiteralHardwareId::containsOnlyNumbers(id);
         const QStringList texts = takeTexts();
         ++outcomes[int(outcome)];
         longer += id.length() != 16 && contains ? 1 : 0;

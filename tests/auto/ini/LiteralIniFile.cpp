@@ -21,6 +21,19 @@ QDebug LiteralIniFile::warning() const
                              QStringLiteral("):");
 }
 
+QByteArray LiteralIniFile::cleanUp(const QString& filePath)
+{
+    QFile file(filePath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        qFatal("cannot read %s", qPrintable(filePath));
+    }
+    const QByteArray bytes = file.readAll();
+    QString text = bytes.isNull() ? QString() : QString(bytes.constData());
+    text.replace(QStringLiteral("%23"), QStringLiteral("#"));
+    text.replace(QStringLiteral(","), QStringLiteral(" "));
+    return text.toUtf8();
+}
+
 void LiteralIniFile::sync()
 {
     m_settings.sync();

@@ -16,6 +16,9 @@ class LiteralIniFile
 public:
     LiteralIniFile(const QString& filePath, const char* codecName);
 
+    // The cleaned-up text of a file, which stays as it is.
+    static QByteArray cleanUp(const QString& filePath);
+
     void sync();
     QStringList getGroups() const;
     int getCount() const;

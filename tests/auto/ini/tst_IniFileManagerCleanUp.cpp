@@ -2,6 +2,7 @@
 #include "HostileText.h"
 #include "IniFileManager.h"
 #include "IniTestCase.h"
+#include "LiteralIniFile.h"
 
 #include <csignal>
 #include <type_traits>
@@ -60,20 +61,6 @@ void seeOnly(QString& text)
 void removeFolder(QString&)
 {
     QDir(folderToRemove).removeRecursively();
-}
-
-// The clean-up as it is described, step by step.
-QByteArray literalCleanUp(const QString& filePath)
-{
-    QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        qFatal("cannot read %s", qPrintable(filePath));
-    }
-    const QByteArray bytes = file.readAll();
-    QString text = bytes.isNull() ? QString() : QString(bytes.constData());
-    text.replace(QStringLiteral("%23"), QStringLiteral("#"));
-    text.replace(QStringLiteral(","), QStringLiteral(" "));
-    return text.toUtf8();
 }
 
 void leaveAsItIs(QString&) {}
@@ -487,7 +474,7 @@ void tst_IniFileManagerCleanUp::randomFilesAsDescribed()
             content = content.repeated(random.bounded(5000)) + hostileText(random);
         }
         const QString file = writeFile(QStringLiteral("file"), content);
-        const QByteArray expected = literalCleanUp(file);
+        const QByteArray expected = LiteralIniFile::cleanUp(file);
         IniFileManager::cleanUp(file);
         QVERIFY2(readFile(file) == expected,
                  qPrintable(QStringLiteral("round %1: %2")

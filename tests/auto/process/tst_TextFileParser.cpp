@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "LiteralTextFile.h"
 #include "TestCase.h"
 #include "TextFileParser.h"
 
@@ -22,44 +23,11 @@ using Options = QRegularExpression::PatternOptions;
 // As QStringList's comparison, which takes null and empty texts for equal, but does not.
 QString difference(const QStringList& actual, const QStringList& expected)
 {
-    const auto describe = [](const QStringList& texts) {
-        QStringList descriptions;
-        for (const QString& text : texts) {
-            descriptions.append(text.isNull() ? QStringLiteral("null")
-                                              : QLatin1Char('"') + text + QLatin1Char('"'));
-        }
-        return QLatin1Char('[') + descriptions.join(QStringLiteral(", ")) + QLatin1Char(']');
-    };
-    return describe(actual) == describe(expected)
+    const QString actualTexts = LiteralTextFile::described(actual);
+    const QString expectedTexts = LiteralTextFile::described(expected);
+    return actualTexts == expectedTexts
                ? QString()
-               : describe(actual) + QStringLiteral(" instead of ") + describe(expected);
-}
-
-// The texts of the matches, by the obvious way.
-QStringList literalMultiMatch(const QString& content, const QRegularExpression& expression)
-{
-    QStringList results;
-    QRegularExpressionMatchIterator matches = expression.globalMatch(content);
-    while (matches.hasNext()) {
-        const QStringList texts = matches.next().capturedTexts();
-        if (texts.size() >= 2) {
-            results.append(texts.at(1));
-        } else if (texts.size() == 1) {
-            results.append(texts.at(0));
-        }
-    }
-    return results;
-}
-
-// The text of a file's bytes, by the obvious way.
-QString literalContent(QByteArray bytes)
-{
-    bytes.replace("\r", "");
-    const int zero = bytes.indexOf('\0');
-    if (zero >= 0) {
-        bytes.truncate(zero);
-    }
-    return QString::fromUtf8(bytes);
+               : actualTexts + QStringLiteral(" instead of ") + expectedTexts;
 }
 
 QString oneOf(QRandomGenerator& random, const QStringList& texts)
@@ -488,16 +456,13 @@ void tst_TextFileParser::agreesWithTheObviousWay()
     for (int i = 0; i < files; ++i) {
         const QByteArray bytes = randomBytes(random);
         TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
-        QString content = literalContent(bytes);
-        if (bytes.count('\r') == bytes.size()) {
-            content = QString();
-        }
+        const QString content = LiteralTextFile::content(bytes);
         for (int j = 0; j < patternsPerFile; ++j) {
             const QRegularExpression expression(
                 randomPattern(random, 1 + random.bounded(4)),
                 QRegularExpression::PatternOptions(random.bounded(8)));
             QVERIFY2(expression.isValid(), qPrintable(expression.pattern()));
-            const QStringList expected = literalMultiMatch(content, expression);
+            const QStringList expected = LiteralTextFile::multiMatch(content, expression);
             const QString result = difference(parser.multiMatch(expression), expected);
             QVERIFY2(result.isEmpty(), qPrintable(expression.pattern() + QStringLiteral(" over ") +
                                                   content + QStringLiteral(": ") + result));

@@ -1,8 +1,8 @@
+#include "LiteralVersion.h"
 #include "TestCase.h"
 #include "VersionManager.h"
 
 #include <QtCore/QRandomGenerator>
-#include <QtCore/QRegularExpression>
 
 #include <type_traits>
 
@@ -21,125 +21,6 @@ namespace {
 
 constexpr char dotsSignature[] = "bool VersionManager::isOldVersion(const QString&)";
 constexpr char oldSignature[] = "void VersionManager::initializeVersionsOld(const QString&)";
-
-constexpr char onlyOldTest[] = "Test index exist only in old version.";
-constexpr char onlyNewPatch[] = "Patch version exist only in new version.";
-constexpr char onlyNewBuild[] = "Build number exist only in new version.";
-constexpr char onlyNewHash[] = "Git hash exist only in new version.";
-
-/*
- * The rules, written down as plainly as they are stated, and what is compared: every component, a
- * null one told apart from an empty one.
- */
-struct LiteralVersion
-{
-    QString mainVersion;
-    QString baseNumber;
-    QString majorIndex;
-    QString minorIndex;
-    QString testIndex;
-    QString patchVersion;
-    QString buildNumber;
-    QString gitHash;
-    bool isOld = false;
-
-    void read(const QString& version)
-    {
-        const int dots = version.count(QStringLiteral("."), Qt::CaseSensitive);
-        isOld = dots == 2;
-        if (dots != 2 && dots != 4) {
-            qWarning() << "Number of dots" << dots << "in version not allowed:" << version;
-        }
-        if (isOld) {
-            readOld(version);
-        } else {
-            readNew(version);
-        }
-    }
-
-    void readOld(const QString& version)
-    {
-        const QRegularExpression expression(
-            QStringLiteral("V?((\\S*)\\.(\\d{1,2})\\.(\\d{1,2}))\\-?(\\d{1,3})?"));
-        const QRegularExpressionMatch match = expression.match(version);
-        if (match.hasMatch()) {
-            mainVersion = match.captured(1);
-            baseNumber = match.captured(2);
-            majorIndex = match.captured(3);
-            minorIndex = match.captured(4);
-            testIndex = match.captured(5);
-        } else {
-            qWarning() << "Can not convert the following version:" << version;
-        }
-    }
-
-    void readNew(const QString& version)
-    {
-        QStringList pieces = version.split(QStringLiteral("-"), Qt::KeepEmptyParts);
-        mainVersion = pieces.takeFirst();
-        gitHash = pieces.join(QStringLiteral("-"));
-        const QStringList numbers = mainVersion.split(QStringLiteral("."), Qt::KeepEmptyParts);
-        if (numbers.size() > 0) {
-            baseNumber = numbers[0];
-        }
-        if (numbers.size() > 1) {
-            majorIndex = numbers[1];
-        }
-        if (numbers.size() > 2) {
-            minorIndex = numbers[2];
-        }
-        if (numbers.size() > 3) {
-            patchVersion = numbers[3];
-        }
-        if (numbers.size() > 4) {
-            buildNumber = numbers[4];
-        }
-    }
-
-    // The warnings of the getters, in the order in which componentsOf() asks them.
-    void warnAsGetters() const
-    {
-        if (isOld) {
-            qWarning() << onlyNewPatch;
-            qWarning() << onlyNewBuild;
-            qWarning() << onlyNewHash;
-        } else {
-            qWarning() << onlyOldTest;
-        }
-    }
-};
-
-QStringList shown(bool isOld, const QStringList& components)
-{
-    QStringList list(isOld ? QStringLiteral("old") : QStringLiteral("new"));
-    for (const QString& component : components) {
-        list += component.isNull() ? QStringLiteral("null")
-                                   : QLatin1Char('<') + component + QLatin1Char('>');
-    }
-    return list;
-}
-
-QStringList componentsOf(const LiteralVersion& version)
-{
-    version.warnAsGetters();
-    return shown(version.isOld,
-                 {version.mainVersion, version.baseNumber, version.majorIndex, version.minorIndex,
-                  version.testIndex, version.patchVersion, version.buildNumber, version.gitHash});
-}
-
-QStringList componentsOf(const VersionManager& version)
-{
-    const QString mainVersion = version.getMainVersion();
-    const QString baseNumber = version.getBaseNumber();
-    const QString majorIndex = version.getMajorIndex();
-    const QString minorIndex = version.getMinorIndex();
-    const QString testIndex = version.getTestIndex();
-    const QString patchVersion = version.getPatchVersion();
-    const QString buildNumber = version.getBuildNumber();
-    const QString gitHash = version.getGitHash();
-    return shown(version.isOldVersion(), {mainVersion, baseNumber, majorIndex, minorIndex,
-                                          testIndex, patchVersion, buildNumber, gitHash});
-}
 
 QStringList words(const char* blankSeparated)
 {
