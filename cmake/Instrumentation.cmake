@@ -2,6 +2,7 @@
 
 set(MISCTOOLS_SANITIZE "" CACHE STRING
   "Sanitizers to build with, as -fsanitize= takes them: 'address,undefined' or 'thread'")
+option(MISCTOOLS_FUZZ "Let libFuzzer drive the fuzz targets; needs clang" OFF)
 option(MISCTOOLS_COVERAGE "Record which lines and branches the tests reach" OFF)
 
 if(MISCTOOLS_SANITIZE)
@@ -12,6 +13,14 @@ if(MISCTOOLS_SANITIZE)
   add_link_options(${misctools_sanitize_flags})
 endif()
 
+if(MISCTOOLS_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    message(FATAL_ERROR "MISCTOOLS_FUZZ needs clang; the compiler is ${CMAKE_CXX_COMPILER_ID}.")
+  endif()
+  # libFuzzer looks where the code goes, to find inputs that lead elsewhere.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(MISCTOOLS_COVERAGE)
   # Atomic counters, as tests run threads.
   add_compile_options(--coverage -fprofile-update=atomic)
@@ -20,6 +29,6 @@ endif()
 
 # Such a build is for its own tests only: its files need the tool's runtime, and export symbols of it.
 set(MISCTOOLS_INSTRUMENTED OFF)
-if(MISCTOOLS_SANITIZE OR MISCTOOLS_COVERAGE)
+if(MISCTOOLS_SANITIZE OR MISCTOOLS_COVERAGE OR MISCTOOLS_FUZZ)
   set(MISCTOOLS_INSTRUMENTED ON)
 endif()

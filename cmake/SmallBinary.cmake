@@ -4,6 +4,10 @@ include(CheckIPOSupported)
 check_ipo_supported(RESULT misctools_has_ipo OUTPUT misctools_ipo_trouble LANGUAGES CXX)
 
 function(misctools_keep_small target)
+  if(MISCTOOLS_FUZZ)
+    # There the flags of the fuzzer decide.
+    return()
+  endif()
   cmake_parse_arguments(arg "" "" "FAST_SOURCES" ${ARGN})
   set(shipped "$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>")
   # Calls within the library need no way round through symbols that programs might replace, and all

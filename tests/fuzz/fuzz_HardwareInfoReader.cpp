@@ -1,0 +1,171 @@
+// The input is the image of an EEPROM. It is read as it is and, where it has a whole header, once
+// more with the right checksum, which chance would not hit.
+#include "EepromImage.h"
+#include "Fuzz.h"
+#include "HardwareInfo.h"
+#include "HardwareInfoReader.h"
+#include "LiteralIniFile.h"
+
+#include <QtCore/QDebug>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QtEndian>
+
+namespace {
+
+constexpr quint32 blockLimit = 0xFFFF;
+constexpr int startAddressField = EepromImage::headerAddress + 4;
+constexpr int bytesToReadField = EepromImage::headerAddress + 8;
+constexpr int checksumField = EepromImage::headerAddress + 12;
+constexpr int expectedHeaderSize = EepromImage::headerSize;
+
+quint32 wordAt(const QByteArray& image, int address)
+{
+    return qFromLittleEndian<quint32>(image.constData() + address);
+}
+
+// The block as the header gives it; shorter where the image ends before it does.
+QByteArray blockOf(const QByteArray& image)
+{
+    const quint32 address = wordAt(image, startAddressField);
+    const quint32 size = wordAt(image, bytesToReadField);
+    return address >= quint32(image.size()) || size > blockLimit
+               ? QByteArray()
+               : image.mid(int(address), int(size));
+}
+
+QStringList valuesOf(const HardwareInfo& info)
+{
+    return {info.hwVersion(), info.lpId(),        info.type(),
+            info.typeName(),  info.hwCompIndex(), info.Comment()};
+}
+
+HardwareInfo usedRecord()
+{
+    HardwareInfo info;
+    info.setType(QStringLiteral("untouched"));
+    info.setComment(QStringLiteral("untouched, too"));
+    return info;
+}
+
+// The values of a block, in the order in which they are read, as the literal INI file has them.
+QStringList literalRecord(const QByteArray& block)
+{
+    static const QStringList keys{QStringLiteral("Version"), QStringLiteral("LP-ID"),
+                                  QStringLiteral("Type"), QStringLiteral("TypeName"),
+                                  QStringLiteral("CompatibilityIndex")};
+    static const QString comment = QStringLiteral("Comment");
+    const QString group = QStringLiteral("");
+    if (block.isEmpty()) {
+        qWarning() << "Error on writing to temporary file for version data!";
+        for (const QString& key : keys) {
+            qWarning() << "No valid 'IniFileManager' object for accessing section" << group
+                       << "with key" << key << "!";
+        }
+        qWarning() << "No valid IniFileManager object for accessing section" << group << "with key"
+                   << comment << "!";
+        return valuesOf(HardwareInfo());
+    }
+    static int number = 0;
+    ++number;
+    const QString filePath =
+        Fuzz::writeFile(QStringLiteral("block") + QString::number(number), block);
+    QStringList values;
+    {
+        LiteralIniFile file(filePath, nullptr);
+        file.sync();
+        for (const QString& key : keys) {
+            values += file.getValueString(group, key, QString());
+        }
+        values += file.contains(group, comment) ? file.getValueString(group, comment, QString())
+                                                : QString();
+    }
+    Fuzz::removeFile(filePath);
+    return values;
+}
+
+// What reading the image at filePath is to give: the record, or the reason against it.
+QStringList literalRead(const QByteArray& image, const QString& filePath)
+{
+    const QStringList untouched = QStringList(QStringLiteral("no")) + valuesOf(usedRecord());
+    const int headerSize =
+        qBound(0, image.size() - int(EepromImage::headerAddress), expectedHeaderSize);
+    if (headerSize < expectedHeaderSize) {
+        qWarning() << "Number of INI header bytes is" << headerSize << ", expected"
+                   << expectedHeaderSize << "(file:" << filePath << ")!";
+        return untouched;
+    }
+    const quint32 size = wordAt(image, bytesToReadField);
+    if (size > blockLimit) {
+        qWarning() << "Max. number of bytes for INI file exceeded"
+                   << "(bytesToRead field =" << size << ", file:" << filePath << ")!";
+        return untouched;
+    }
+    const QByteArray block = blockOf(image);
+    if (quint32(block.size()) != size) {
+        qWarning() << "Number of INI file bytes is" << expectedHeaderSize << ", expected"
+                   << expectedHeaderSize << "(file:" << filePath << ")!";
+        return untouched;
+    }
+    if (EepromImage::crc(block) != quint16(wordAt(image, checksumField))) {
+        qWarning() << "Invalid checksum for INI block in eeprom binary file" << filePath << ".";
+        return untouched;
+    }
+    return QStringList(QStringLiteral("yes")) + literalRecord(block);
+}
+
+QStringList libraryRead(HardwareInfoReader& reader, const QString& filePath)
+{
+    HardwareInfo info = usedRecord();
+    const bool isRead =
+        reader.readHardwareInfoFromSysFs(Fuzz::path(QStringLiteral("hw.XXXXXX")), filePath, info);
+    return QStringList(isRead ? QStringLiteral("yes") : QStringLiteral("no")) + valuesOf(info);
+}
+
+// The messages, with the names of the files that hold a block taken out.
+QStringList takeMessages()
+{
+    static const QRegularExpression blockFile(QRegularExpression::escape(Fuzz::folder()) +
+                                              QStringLiteral("/(hw\\.[A-Za-z]{6}|block\\d+)"));
+    return Fuzz::takeMessages().replaceInStrings(blockFile, Fuzz::fileName);
+}
+
+void verifyRead(const QByteArray& image)
+{
+    const QString filePath = Fuzz::writeFile(QStringLiteral("eeprom"), image);
+    const QStringList literal = literalRead(image, filePath);
+    const QStringList expected = literal + takeMessages();
+    HardwareInfoReader reader(nullptr);
+    const QStringList actual = libraryRead(reader, filePath);
+    Fuzz::verifySame("record and messages", actual + takeMessages(), expected);
+    const QStringList again = libraryRead(reader, filePath);
+    Fuzz::verifySame("record and messages, the second time", again + takeMessages(), expected);
+}
+
+void verifyHelpers(const QByteArray& bytes)
+{
+    HardwareInfoReader reader(nullptr);
+    Fuzz::verify(reader.checksumXModemCRC(bytes.constData(), uint(bytes.size())) ==
+                     EepromImage::crc(bytes),
+                 "checksum of any bytes");
+    // Whole 16-bit halves count.
+    quint32 word = 0;
+    for (int i = 0; i < 4 && i < bytes.size() / 2 * 2; ++i) {
+        word |= quint32(quint8(bytes.at(i))) << 8 * i;
+    }
+    Fuzz::verify(reader.bytes2Uint32(bytes) == word, "word of any bytes");
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    QByteArray image = Fuzz::toBytes(data, size);
+    verifyHelpers(image);
+    verifyRead(image);
+    if (image.size() >= EepromImage::headerEnd) {
+        // Where the block holds its own checksum this may be one more wrong one.
+        qToLittleEndian(quint32(EepromImage::crc(blockOf(image))), image.data() + checksumField);
+        verifyRead(image);
+    }
+    return 0;
+}

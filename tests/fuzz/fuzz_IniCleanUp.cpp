@@ -1,0 +1,46 @@
+// The input is the file to clean up. Behind an asterisk it is repeated until the file is too large
+// to be read at once.
+#include "Fuzz.h"
+#include "IniFileManager.h"
+#include "LiteralIniFile.h"
+
+#include <QtCore/QDir>
+
+namespace {
+
+constexpr int largeSize = 150000;
+
+void leaveAsItIs(QString&) {}
+
+void verifyCleanUp(const char* what, const QByteArray& content, const QByteArray& expected)
+{
+    const QString filePath = Fuzz::writeFile(QStringLiteral("settings.ini"), content);
+    IniFileManager::cleanUp(filePath);
+    Fuzz::verifySame(what, Fuzz::readFile(filePath), expected);
+    Fuzz::verifySame("messages", Fuzz::takeMessages(), QStringList());
+    Fuzz::removeFile(filePath);
+    Fuzz::verify(QDir(Fuzz::folder()).isEmpty(), "a file was left behind");
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const QList<void (*)(QString&)> usualFunctions = IniFileManager::sm_CleanUpFunctions;
+
+    QByteArray content = Fuzz::toBytes(data, size);
+    if (content.startsWith('*')) {
+        content.remove(0, 1);
+        content = content.repeated(content.isEmpty() ? 0 : largeSize / content.size());
+    }
+    const QString filePath = Fuzz::writeFile(QStringLiteral("literal.ini"), content);
+    const QByteArray expected = LiteralIniFile::cleanUp(filePath);
+    Fuzz::removeFile(filePath);
+
+    verifyCleanUp("bytes, by pieces", content, expected);
+    // With one function more the text is handled as a whole.
+    IniFileManager::sm_CleanUpFunctions.append(&leaveAsItIs);
+    verifyCleanUp("bytes, as a whole", content, expected);
+    IniFileManager::sm_CleanUpFunctions = usualFunctions;
+    return 0;
+}

@@ -1,0 +1,221 @@
+// The input is calls on the first line, four characters each (operation, group, key, value), and
+// behind it the file that they are made on. Then follows every reader over what the file holds, and
+// the classes that read the device's own files.
+#include "DeviceRoot.h"
+#include "Fuzz.h"
+#include "IniCall.h"
+#include "IniFileManager.h"
+#include "LiteralIniFile.h"
+#include "OrvalisVersionInfoIniManager.h"
+#include "RaucSystemConfigIniManager.h"
+#include "VersionFileIniManager.h"
+
+#include <QtCore/QRegularExpression>
+#include <QtCore/QVector>
+
+#include <iterator>
+
+namespace {
+
+constexpr int contentLimit = 4096;
+constexpr int callLimit = 24;
+constexpr int nameLimit = 16;  // names of a file that calls may use
+constexpr int sweepLimit = 12; // groups, and keys of a group, that every reader is called on
+// Longer ones may take an expression a long time.
+constexpr int filterSize = 5;
+
+const char* const codecs[] = {nullptr, "UTF-8", "ISO 8859-15"};
+
+// What calls on a file may name: what stands in it, as it stands there, and some that do not.
+QStringList namesFor(const QByteArray& content)
+{
+    static const QRegularExpression separators(QStringLiteral("[\\n\\r=;\\[\\]]+"));
+    QStringList names{QString(),
+                      QStringLiteral("Position"),
+                      QStringLiteral("General"),
+                      QStringLiteral("A/k"),
+                      QStringLiteral("/"),
+                      QString(QChar(QChar::Null))};
+    for (const QString& name : QString::fromLatin1(content).split(separators)) {
+        if (names.size() == nameLimit) {
+            break;
+        }
+        if (!names.contains(name)) {
+            names += name;
+        }
+    }
+    return names;
+}
+
+QVariant valueFor(int number, const QString& name)
+{
+    switch (number % 8) {
+    case 0:
+        return QVariant();
+    case 1:
+        return 7;
+    case 2:
+        return true;
+    case 3:
+        return QStringLiteral("a,b; c\n\"%23");
+    case 4:
+        return QByteArray("a\0b", 3);
+    case 5:
+        return QStringList{QStringLiteral("@one"), name};
+    case 6:
+        return QVariantList{1.5, name};
+    default:
+        return name;
+    }
+}
+
+// The calls that the input asks for.
+QVector<IniCall> callsOf(const QByteArray& line, const QStringList& names)
+{
+    QVector<IniCall> calls;
+    for (int i = 0; i + 3 < line.size() && calls.size() < callLimit; i += 4) {
+        const auto number = [&line, i](int offset) { return int(quint8(line.at(i + offset))); };
+        const auto name = [&names, number](int offset) {
+            return names.at(number(offset) % names.size());
+        };
+        IniCall call;
+        call.operation = number(0) % IniCall::operations;
+        call.group = name(1);
+        call.key = name(2);
+        call.value = valueFor(number(3), call.key);
+        call.filter = call.group.left(filterSize);
+        call.index = number(3) % 6 - 1;
+        calls += call;
+    }
+    return calls;
+}
+
+// Every reader, over what the file says that it holds.
+template <typename File>
+QStringList readAll(File& file)
+{
+    constexpr int generalReaders[] = {2, 3, 4, 5, 6};
+    constexpr int groupReaders[] = {11, 14, 15, 16, 17};
+    constexpr int listings[] = {19, 20, 21};
+    constexpr int filterReaders[] = {18};
+    constexpr int indexReaders[] = {23, 24, 25, 26};
+
+    QStringList record;
+    IniCall call;
+    call.value = QStringLiteral("default");
+    const auto callAll = [&](const auto& operations) {
+        for (const int operation : operations) {
+            call.operation = operation;
+            record += call.on(file);
+        }
+    };
+    const QStringList generalKeys = file.getGeneralChildKeys().mid(0, sweepLimit);
+    for (const QString& key : generalKeys + QStringList(QStringLiteral("none"))) {
+        call.key = key;
+        callAll(generalReaders);
+    }
+    const QStringList groups = file.getGroups().mid(0, sweepLimit);
+    for (const QString& group : QStringList(QString()) + groups) {
+        call.group = group;
+        callAll(listings);
+        const QStringList keys = file.getChildKeys(group).mid(0, sweepLimit);
+        for (const QString& key : keys) {
+            call.key = key;
+            callAll(groupReaders);
+        }
+    }
+    call.filter = QRegularExpression::escape(call.group);
+    callAll(filterReaders);
+    call.key = QStringLiteral("k");
+    for (call.index = -1; call.index <= groups.size(); ++call.index) {
+        callAll(indexReaders);
+    }
+    return record;
+}
+
+template <typename File>
+QStringList play(const QByteArray& line, const QByteArray& content)
+{
+    // QSettings keeps files that it has read, so each has a name of its own.
+    static int number = 0;
+    ++number;
+    const QString filePath =
+        Fuzz::writeFile(QStringLiteral("settings") + QString::number(number), content);
+    const char* const codec = codecs[std::size_t(line.size()) % std::size(codecs)];
+    QStringList record;
+    {
+        File file(filePath, codec);
+        for (const IniCall& call : callsOf(line, namesFor(content))) {
+            record += call.on(file);
+            record += Fuzz::takeMessages(filePath);
+        }
+        record += readAll(file);
+        record += Fuzz::takeMessages(filePath);
+    }
+    record += Fuzz::takeMessages(filePath); // a last flush may parse, and so warn, too
+    record += QString::fromLatin1(Fuzz::readFile(filePath).toPercentEncoding());
+    Fuzz::removeFile(filePath);
+    return record;
+}
+
+// What the classes that read the device's files find in content.
+QStringList literalDevice(const QByteArray& content)
+{
+    static int number = 0;
+    ++number;
+    const QString filePath =
+        Fuzz::writeFile(QStringLiteral("device") + QString::number(number), content);
+    const auto text = [&filePath](const char* group, const char* key) {
+        return LiteralIniFile(filePath, nullptr)
+            .getValueString(QString::fromLatin1(group), QString::fromLatin1(key), QString());
+    };
+    QStringList record{text("MainVersion", "VersionString"),
+                       text("MainVersion", "VersionStringHash"),
+                       text("ApplicationVersion", "Version"),
+                       text("ApplicationVersion", "ProductCode"), text("General", "CreationDate")};
+    record += QString::number(
+        LiteralIniFile(filePath, nullptr)
+            .getValueInteger(QStringLiteral("system"), QStringLiteral("compatible"), 0));
+    record += Fuzz::takeMessages(filePath);
+    Fuzz::removeFile(filePath);
+    return record;
+}
+
+QStringList libraryDevice(const QByteArray& content)
+{
+    static const QStringList filePaths{QStringLiteral("/orvalis/VersionFile.ini"),
+                                       QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini"),
+                                       QStringLiteral("/etc/rauc/system.conf")};
+    for (const QString& filePath : filePaths) {
+        DeviceRoot::writeFile(filePath, content);
+    }
+    const QStringList record{VersionFileIniManager().getMainVersionVersionString(),
+                             VersionFileIniManager().getVersionStringHash(),
+                             OrvalisVersionInfoIniManager().getApplicationVersion(),
+                             OrvalisVersionInfoIniManager().getProductCode(),
+                             OrvalisVersionInfoIniManager().getCreationDate(),
+                             RaucSystemConfigIniManager().getDeviceIndex()};
+    QStringList messages = Fuzz::takeMessages();
+    for (const QString& filePath : filePaths) {
+        messages.replaceInStrings(filePath, Fuzz::fileName);
+    }
+    return record + messages;
+}
+
+} // namespace
+
+int LLVMFuzzerInitialize(int*, char***)
+{
+    Fuzz::needDeviceRoot();
+    return 0;
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    QByteArray content = Fuzz::toBytes(data, size, contentLimit);
+    const QByteArray line = Fuzz::takeLine(content);
+    Fuzz::verifySame("answers, messages and the file", play<IniFileManager>(line, content),
+                     play<LiteralIniFile>(line, content));
+    Fuzz::verifySame("the device's files", libraryDevice(content), literalDevice(content));
+    return 0;
+}

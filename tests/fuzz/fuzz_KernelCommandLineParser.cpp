@@ -1,0 +1,101 @@
+// The input is a key on the first line, and behind it the kernel's command line.
+#include "BootInformationHelper.h"
+#include "DeviceRoot.h"
+#include "Fuzz.h"
+#include "KernelCommandLineParser.h"
+
+namespace {
+
+// The command line's words, found character by character.
+QStringList literalWords(const QByteArray& content)
+{
+    QStringList words;
+    QString word;
+    const auto endWord = [&] {
+        if (!word.isEmpty() && word != QLatin1String("\n")) {
+            words += word;
+        }
+        word.clear();
+    };
+    // As far as a text of C goes.
+    for (const QChar character : QString::fromUtf8(content.constData())) {
+        if (character == QLatin1Char(' ')) {
+            endWord();
+        } else {
+            word += character;
+        }
+    }
+    endWord();
+    return words;
+}
+
+QStringList shown(const QString& argument, const QString& value, bool isThere)
+{
+    return {argument, value, isThere ? QStringLiteral("is there") : QStringLiteral("is not there")};
+}
+
+QString literalValue(const QString& argument, const QString& key)
+{
+    const QString value = argument.mid(key.size());
+    return value.left(1) == QLatin1String("=") ? value.mid(1) : value;
+}
+
+QString literalArgument(const QStringList& words, const QString& key)
+{
+    for (const QString& word : words) {
+        if (word.left(key.size()) == key) {
+            return word;
+        }
+    }
+    return QString();
+}
+
+void verifyKey(const KernelCommandLineParser& parser, const QStringList& words, const QString& key)
+{
+    const QString argument = literalArgument(words, key);
+    Fuzz::verifySame("argument and value",
+                     shown(parser.findKey(key), parser.getValue(key), parser.contains(key)),
+                     shown(argument, literalValue(argument, key), !argument.isEmpty()));
+}
+
+} // namespace
+
+int LLVMFuzzerInitialize(int*, char***)
+{
+    Fuzz::needDeviceRoot();
+    // Of this product no boot is a hard reset.
+    qputenv("MISCTOOLS_PRODUCT_CODE", "000000");
+    return 0;
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    constexpr int wordLimit = 8;
+
+    QByteArray content = Fuzz::toBytes(data, size);
+    const QString givenKey = Fuzz::toText(Fuzz::takeLine(content));
+    DeviceRoot::setCommandLine(content);
+
+    const QStringList words = literalWords(content);
+    const KernelCommandLineParser parser;
+    const QString modeKey = QStringLiteral("orvalismode");
+    for (const QString& key : {givenKey, modeKey, QString()}) {
+        verifyKey(parser, words, key);
+    }
+    for (const QString& word : words.mid(0, wordLimit)) {
+        verifyKey(parser, words, word);
+        verifyKey(parser, words, word.section(QLatin1Char('='), 0, 0));
+        verifyKey(parser, words, word.left(1));
+    }
+
+    const bool isFactoryReset =
+        literalValue(literalArgument(words, modeKey), modeKey) == QLatin1String("factoryreset");
+    const BootInformationHelper boot;
+    Fuzz::verify(boot.isFactoryReset() == isFactoryReset, "factory reset");
+    Fuzz::verify(boot.getCurrentBootMode() == (isFactoryReset
+                                                   ? BootInformationHelper::BootModeFactoryReset
+                                                   : BootInformationHelper::BootModeNormal),
+                 "boot mode");
+    Fuzz::verifySame("messages", Fuzz::takeMessages(), QStringList());
+    return 0;
+}

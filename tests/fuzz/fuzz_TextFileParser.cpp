@@ -1,0 +1,80 @@
+// The input is an expression on the first line, and behind it the text of a file.
+#include "Fuzz.h"
+#include "LiteralTextFile.h"
+#include "TextFileParser.h"
+
+#include <QtCore/QDebug>
+
+namespace {
+
+constexpr int patternLimit = 80;
+constexpr int contentLimit = 1000;
+
+// What is the same for the library and the literal version.
+QStringList shown(const QStringList& results, const QString& error)
+{
+    return QStringList{LiteralTextFile::described(results), error} + Fuzz::takeMessages();
+}
+
+// What the parser warns of and keeps, in the order in which that comes.
+QStringList errorsOf(const QRegularExpression& expression, const QString& content)
+{
+    QStringList errors;
+    if (!expression.isValid()) {
+        errors += QStringLiteral("Invalid regular expresion: ") + expression.pattern();
+    }
+    if (!expression.isValid() || !expression.globalMatch(content).isValid()) {
+        errors += QStringLiteral("Invalid match on expresion: ") + expression.pattern();
+    }
+    return errors;
+}
+
+QStringList shown(const QStringList& results, const QStringList& errors)
+{
+    for (const QString& error : errors) {
+        qWarning() << error;
+    }
+    return shown(results, errors.isEmpty() ? QString() : errors.last());
+}
+
+QStringList shown(const QStringList& results, TextFileParser& parser)
+{
+    Fuzz::verify(parser.hasError() != parser.getLastError().isEmpty(), "the error state");
+    const QString error = parser.getLastError();
+    parser.clearLastError();
+    return shown(results, error);
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    QByteArray bytes = Fuzz::toBytes(data, size);
+    const QByteArray pattern = Fuzz::takeLine(bytes).left(patternLimit);
+    bytes.truncate(contentLimit);
+    // Expressions that go back and forth without end are given up after so many steps, so that time
+    // is left for others.
+    const QRegularExpression expression(QStringLiteral("(*LIMIT_MATCH=5000)") +
+                                        Fuzz::toText(pattern));
+    const QString filePath = Fuzz::writeFile(QStringLiteral("text"), bytes);
+    const QString content = LiteralTextFile::content(bytes);
+
+    const QStringList errors = errorsOf(expression, content);
+    QStringList results;
+    if (errors.isEmpty()) {
+        results = LiteralTextFile::multiMatch(content, expression);
+    }
+    Fuzz::takeMessages(); // none of those is to come from the library
+
+    TextFileParser parser(filePath);
+    Fuzz::verify(!parser.hasError(), "an error of the file");
+    const QStringList actual = parser.multiMatch(expression);
+    Fuzz::verifySame("results and errors", shown(actual, parser), shown(results, errors));
+    const QString first = parser.match(expression);
+    Fuzz::verifySame("first result and errors", shown({first}, parser),
+                     shown(QStringList(results.value(0)), errors));
+    Fuzz::verify(parser.internallMatch(expression).isValid() == errors.isEmpty(),
+                 "validity of the iterator");
+    Fuzz::takeMessages();
+    return 0;
+}

@@ -1,0 +1,34 @@
+// The input is a version, of either format.
+#include "Fuzz.h"
+#include "LiteralVersion.h"
+
+namespace {
+
+constexpr int sizeLimit = 600; // beyond what is read by hand
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const QString version = Fuzz::toText(Fuzz::toBytes(data, size, sizeLimit));
+    const QString before = QStringLiteral("1.2.3-45");
+
+    LiteralVersion literal;
+    literal.read(version);
+    QStringList expected = componentsOf(literal);
+    // Parts that the version lacks stay as they were.
+    LiteralVersion literalReused;
+    literalReused.read(before);
+    literalReused.read(version);
+    expected += componentsOf(literalReused);
+    expected += Fuzz::takeMessages();
+
+    const VersionManager fresh(version);
+    QStringList actual = componentsOf(fresh);
+    VersionManager reused(before);
+    reused.initializeVersions(version);
+    actual += componentsOf(reused);
+    actual += Fuzz::takeMessages();
+    Fuzz::verifySame("components and messages", actual, expected);
+    return 0;
+}

@@ -1,0 +1,56 @@
+// In place of libFuzzer's own main(), with any compiler: runs a target over every file of the
+// folders and every file that the arguments name.
+#include "Fuzz.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+QStringList filesOf(const QString& path)
+{
+    if (!QFileInfo(path).isDir()) {
+        return {path};
+    }
+    QStringList files;
+    const QDir folder(path);
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+        files += folder.filePath(name);
+    }
+    return files;
+}
+
+} // namespace
+
+// For targets that have none of their own.
+extern "C" __attribute__((weak)) int LLVMFuzzerInitialize(int*, char***)
+{
+    return 0;
+}
+
+int main(int argc, char** argv)
+{
+    LLVMFuzzerInitialize(&argc, &argv);
+    int inputs = 0;
+    for (int i = 1; i < argc; ++i) {
+        for (const QString& filePath : filesOf(QFile::decodeName(argv[i]))) {
+            // Before it runs: the last one named is the one that ended the process.
+            std::printf("%s\n", qPrintable(filePath));
+            std::fflush(stdout);
+            QFile file(filePath);
+            if (!file.open(QIODevice::ReadOnly)) {
+                std::fprintf(stderr, "cannot read it: %s\n", qPrintable(file.errorString()));
+                return EXIT_FAILURE;
+            }
+            const QByteArray bytes = file.readAll();
+            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+                                   std::size_t(bytes.size()));
+            ++inputs;
+        }
+    }
+    std::printf("%d inputs\n", inputs);
+    return inputs > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
