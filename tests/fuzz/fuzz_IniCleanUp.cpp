@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int largeSize = 150000;
+constexpr int largeSize = 70000;
 
 void leaveAsItIs(QString&) {}
 

@@ -19,8 +19,8 @@ namespace {
 
 constexpr int contentLimit = 4096;
 constexpr int callLimit = 24;
-constexpr int nameLimit = 16;  // names of a file that calls may use
-constexpr int sweepLimit = 12; // groups, and keys of a group, that every reader is called on
+constexpr int nameLimit = 16; // names of a file that calls may use
+constexpr int sweepLimit = 6; // groups, and keys of a group, that every reader is called on
 // Longer ones may take an expression a long time.
 constexpr int filterSize = 5;
 

@@ -12,13 +12,17 @@ namespace {
 
 constexpr int sizeLimit = 400; // the time of a match grows with both sizes
 
-// Whether the pattern needs nothing but the two wildcards, and Unicode's cases do not come in.
+// Whether the pattern needs nothing but the two wildcards, and Unicode's cases do not come in. A
+// closing bracket alone fits nothing; a backslash stands for itself, and yet makes a wildcard
+// behind it stand for itself, too.
 bool isPlain(const QString& pattern, const QString& fileName)
 {
+    const auto isPlainCharacter = [](QChar character) {
+        return character.unicode() < 0x80 && character != QLatin1Char('[') &&
+               character != QLatin1Char(']') && character != QLatin1Char('\\');
+    };
     const auto isAscii = [](QChar character) { return character.unicode() < 0x80; };
-    // A backslash stands for itself, and yet makes a wildcard behind it stand for itself, too.
-    return !pattern.contains(QLatin1Char('[')) && !pattern.contains(QLatin1Char('\\')) &&
-           std::all_of(pattern.cbegin(), pattern.cend(), isAscii) &&
+    return std::all_of(pattern.cbegin(), pattern.cend(), isPlainCharacter) &&
            std::all_of(fileName.cbegin(), fileName.cend(), isAscii);
 }
 

@@ -138,6 +138,8 @@ void tst_WildcardFilter::patternsFitWholeNames_data()
     row("bar is no alternative", "a|b", text("a"), false);
     row("unfinished set fits nothing", "[a", text("a"), false);
     row("unfinished set does not fit itself", "[a", text("[a"), false);
+    row("closing bracket without a set fits nothing", "]", text("]"), false);
+    row("closing bracket within a name fits nothing", "a]*", text("a]b"), false);
     row("empty pattern", "", text("a"), false);
     row("blank around a pattern counts", " *.txt", text("a.txt"), false);
     row("list in one pattern is none", "*.txt;*.bin", text("a.txt"), false);
