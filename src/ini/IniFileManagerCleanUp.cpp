@@ -86,8 +86,9 @@ void IniFileManager::cleanUp(const QString& filePath)
     } else {
         isWritten = writeAll(target, text.toUtf8());
     }
-    // QSaveFile would put a text that was cut short, as on a full disk, in the file's place.
-    if (!isWritten) {
+    // QSaveFile would put a text that was cut short in the file's place: one that could not be
+    // written, as on a full disk, or one that could be read in part only.
+    if (!isWritten || source.error() != QFileDevice::NoError) {
         target.cancelWriting();
     }
     target.commit();

@@ -14,6 +14,17 @@ void logTimeout(const QMessageLogger& log, const char* text, const QString& prog
                   << process.readAllStandardOutput() << " , " << process.readAllStandardError();
 }
 
+// Qt 5.15 does not notice that the system has no room for another process: QProcess then believes
+// to run the process of number -1, which, when it kills it, is every process that there is.
+class UnstartedProcess : public QProcess
+{
+public:
+    static void forget(QProcess& process)
+    {
+        (process.*&UnstartedProcess::setProcessState)(NotRunning);
+    }
+};
+
 } // namespace
 
 QProcessHandler::QProcessHandler()
@@ -29,6 +40,9 @@ int QProcessHandler::startProcess(const QString& program, const QStringList& arg
 {
     clearLastStates();
     m_process.start(program, arguments, QIODevice::ReadWrite);
+    if (m_process.processId() < 0) {
+        UnstartedProcess::forget(m_process);
+    }
     if (!m_process.waitForStarted(m_waitForStartedTimeout)) {
         logTimeout(MISCTOOLS_LOG(QProcessHandler), "Timeout on starting command ", program,
                    arguments, m_process);

@@ -27,7 +27,13 @@ constexpr unsigned int ordinaryUser = 65534; // "nobody"
     // Without this Qt asks whether a terminal is there, and may log to the system's journal.
     qputenv("QT_LOGGING_TO_CONSOLE", "1");
 
-    const int exitCode = function();
+    ChildProcess::leave(function());
+}
+
+} // namespace
+
+void ChildProcess::leave(int exitCode)
+{
     fflush(nullptr);
 #ifdef MISCTOOLS_COVERAGE
     // Each library's own handler at exit writes its counts. Where the child may not write there, it
@@ -39,8 +45,6 @@ constexpr unsigned int ordinaryUser = 65534; // "nobody"
     _exit(exitCode); // nothing of the parent's is undone twice
 #endif
 }
-
-} // namespace
 
 ChildResult ChildProcess::run(const std::function<int()>& function)
 {

@@ -29,6 +29,9 @@ ChildResult run(const std::function<int()>& function);
  */
 ChildResult runAsOrdinaryUser(const std::function<int()>& function);
 
+// Ends a forked copy of this process, and nothing of what it shares with the original.
+[[noreturn]] void leave(int exitCode);
+
 } // namespace ChildProcess
 
 #endif

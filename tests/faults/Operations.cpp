@@ -1,0 +1,499 @@
+#include "Operations.h"
+
+#include "BootInformationHelper.h"
+#include "EepromImage.h"
+#include "HardwareInfo.h"
+#include "HardwareInfoReader.h"
+#include "HashGenerator.h"
+#include "IniFileManager.h"
+#include "MessageRecorder.h"
+#include "QProcessHandler.h"
+#include "TextFileParser.h"
+#include "WildcardFilter.h"
+
+#include <QtCore/QDataStream>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QSet>
+
+namespace {
+
+// Small helpers
+
+void writeFile(const QString& filePath, const QByteArray& content)
+{
+    QFile file(filePath);
+    if (!QDir().mkpath(QFileInfo(filePath).path()) || !file.open(QIODevice::WriteOnly) ||
+        file.write(content) != content.size()) {
+        qFatal("cannot write %s", qPrintable(filePath));
+    }
+}
+
+// A null array for a file that is not there.
+QByteArray readFile(const QString& filePath)
+{
+    QFile file(filePath);
+    return file.open(QIODevice::ReadOnly) ? QByteArray("").append(file.readAll()) : QByteArray();
+}
+
+QString iniPath(const QString& folder)
+{
+    return folder + QStringLiteral("/settings.ini");
+}
+
+QString dataPath(const QString& folder)
+{
+    return folder + QStringLiteral("/data");
+}
+
+bool matches(const QString& text, const QString& pattern)
+{
+    return QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(text).hasMatch();
+}
+
+// What Qt itself says of failing calls.
+bool isOfQt(const QString& message)
+{
+    static const QString pattern =
+        QStringLiteral(": (QFile::at: Cannot set file position \\d+"
+                       "|setNativeLocks failed: .*"
+                       "|Could not remove our own lock file .*"
+                       "|QProcessPrivate::createPipe: Cannot create pipe .*"
+                       "|QProcess: Destroyed while process .* is still running\\.)");
+    return matches(message, pattern);
+}
+
+QStringList ofLibrary(const QStringList& messages)
+{
+    QStringList own;
+    for (const QString& message : messages) {
+        if (!isOfQt(message)) {
+            own.append(message);
+        }
+    }
+    return own;
+}
+
+// The first message or name that is none of the expected ones.
+QString firstStranger(const QStringList& texts, const QString& pattern)
+{
+    for (const QString& text : texts) {
+        if (!matches(text, pattern)) {
+            return text;
+        }
+    }
+    return QString();
+}
+
+// What lies in the folder beside the files that belong there. A temporary file may stay when it
+// cannot be removed.
+QString problemOfLeftovers(const QString& folder, const QString& files, const Outcome& outcome)
+{
+    const QStringList names = QDir(folder).entryList(QDir::AllEntries | QDir::Hidden |
+                                                     QDir::System | QDir::NoDotAndDotDot);
+    const QString left = outcome.hasFailed("unlink")
+                             ? QStringLiteral("|.*\\.[A-Za-z]{6}|settings\\.ini\\.lock")
+                             : QString();
+    const QString stranger = firstStranger(names, files + left);
+    return stranger.isEmpty() ? QString() : QStringLiteral("left behind: ") + stranger;
+}
+
+QString problemOfMessages(const Outcome& outcome, const QString& pattern)
+{
+    const QString stranger = firstStranger(ofLibrary(outcome.messages), pattern);
+    return stranger.isEmpty() ? QString() : QStringLiteral("unexpected message: ") + stranger;
+}
+
+QString firstProblem(const QStringList& problems)
+{
+    for (const QString& problem : problems) {
+        if (!problem.isEmpty()) {
+            return problem;
+        }
+    }
+    return QString();
+}
+
+QString problemUnless(bool isRight, const char* problem)
+{
+    return isRight ? QString() : QString::fromLatin1(problem);
+}
+
+// Clean-up
+
+// More than one piece of a text that is read and written bit by bit.
+QByteArray manyKeys()
+{
+    QByteArray text = "[Colours]\n";
+    for (int i = 0; text.size() < 140000; ++i) {
+        text += "colour" + QByteArray::number(i) + "=%23ff0000,%2300ff00\n";
+    }
+    return text;
+}
+
+QByteArray cleanedKeys()
+{
+    return manyKeys().replace("%23", "#").replace(',', ' ');
+}
+
+void prepareCleanUp(const QString& folder)
+{
+    writeFile(iniPath(folder), manyKeys());
+}
+
+QStringList useCleanUp(const QString& folder)
+{
+    IniFileManager::cleanUp(iniPath(folder));
+    return QStringList();
+}
+
+// With functions of the application the text is worked on as a whole.
+QStringList useCleanUpOfApplication(const QString& folder)
+{
+    IniFileManager::sm_CleanUpFunctions.append([](QString&) {});
+    return useCleanUp(folder);
+}
+
+bool isCleanUpWhole(const QString& folder)
+{
+    const QByteArray text = readFile(iniPath(folder));
+    return text == manyKeys() || text == cleanedKeys();
+}
+
+QString problemOfCleanUp(const QString& folder, const Outcome& outcome)
+{
+    const bool isNew = readFile(iniPath(folder)) == cleanedKeys();
+    const bool hasMessage = !ofLibrary(outcome.messages).isEmpty();
+    return firstProblem(
+        {problemUnless(isCleanUpWhole(folder), "the file is neither the old nor the new one"),
+         problemUnless(isNew || outcome.hasFault(), "the file is not cleaned up"),
+         problemUnless(!isNew || !hasMessage, "a message, though the file is cleaned up"),
+         problemUnless(outcome.messages.size() <= 1, "more than one message"),
+         problemOfMessages(outcome, QStringLiteral("IniFileManager: Can not open file: \"%1\"")
+                                        .arg(QRegularExpression::escape(iniPath(folder)))),
+         problemOfLeftovers(folder, QStringLiteral("settings\\.ini"), outcome)});
+}
+
+// Set and sync
+
+const QByteArray oldSettings = "[Net]\nName=a\nPort=80\n";
+const QByteArray newSettings = "[Net]\nName=a\nPort=8080\n";
+const QByteArray firstSettings = "[Net]\nPort=8080\n";
+
+QStringList useSetAndSync(const QString& folder)
+{
+    IniFileManager manager(iniPath(folder), nullptr);
+    manager.setValue(QStringLiteral("Net"), QStringLiteral("Port"), 8080);
+    manager.sync();
+    return QStringList();
+}
+
+// Nothing is not the same as an empty file.
+bool isEither(const QString& folder, const QByteArray& before, const QByteArray& after)
+{
+    const QByteArray text = readFile(iniPath(folder));
+    return text == after || (text == before && text.isNull() == before.isNull());
+}
+
+QString problemOfSettings(const QString& folder, const Outcome& outcome, const QByteArray& before,
+                          const QByteArray& after)
+{
+    const QByteArray text = readFile(iniPath(folder));
+    // QSettings of Qt 5.15 takes a file that it cannot find or read for an empty one, and does not
+    // notice when the last bytes of the new one cannot be written.
+    const bool isLossOfQt =
+        outcome.hasFault() &&
+        ((text == firstSettings && (outcome.hasFailed("access") || outcome.hasFailed("read") ||
+                                    outcome.hasFailed("statx"))) ||
+         (text.isEmpty() && outcome.hasFailed("write")));
+    return firstProblem(
+        {problemUnless(isEither(folder, before, after) || isLossOfQt,
+                       "the file is neither the old nor the new one"),
+         problemUnless(text == after || outcome.hasFault(), "the setting is not in the file"),
+         problemOfMessages(outcome, QStringLiteral("IniFileManager: Can't find specified ini-file: "
+                                                   "\"%1\"")
+                                        .arg(QRegularExpression::escape(iniPath(folder)))),
+         problemOfLeftovers(folder, QStringLiteral("settings\\.ini"), outcome)});
+}
+
+// Hardware
+
+const QStringList boardRecord = {QStringLiteral("4711"), QStringLiteral("Sample board"),
+                                 QStringLiteral("2.1"),  QStringLiteral("3"),
+                                 QStringLiteral("815"),  QStringLiteral("Made up")};
+
+void prepareHardware(const QString& folder)
+{
+    writeFile(dataPath(folder), EepromImage("Type=4711\nTypeName=Sample board\nVersion=2.1\n"
+                                            "CompatibilityIndex=3\nLP-ID=815\nComment=Made up\n")
+                                    .bytes());
+}
+
+QStringList useHardware(const QString& folder)
+{
+    HardwareInfo info;
+    info.setType(QStringLiteral("untouched"));
+    const bool isRead = HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(
+        folder + QStringLiteral("/hwinfo.XXXXXX"), dataPath(folder), info);
+    return {QString::number(isRead), info.type(), info.typeName(), info.hwVersion(),
+            info.hwCompIndex(),      info.lpId(), info.Comment()};
+}
+
+QString problemOfHardware(const QString& folder, const Outcome& outcome)
+{
+    const bool isRead = outcome.results.value(0) == QStringLiteral("1");
+    const QStringList record = outcome.results.mid(1);
+    const QStringList messages = ofLibrary(outcome.messages);
+    bool isRight = record.size() == boardRecord.size();
+    for (int i = 0; isRight && i < record.size(); ++i) {
+        isRight = record.at(i) == boardRecord.at(i) || record.at(i).isEmpty();
+    }
+    const QStringList untouched = {
+        QStringLiteral("untouched"), QString(), QString(), QString(), QString(), QString()};
+    const QString image = QRegularExpression::escape(dataPath(folder));
+    const QString ofReader =
+        QStringLiteral(
+            "HardwareInfoReader: (Can't (find|open) eeprom binary file \"%1\" \\."
+            "|Number of INI (header|file) bytes is \\d+ , expected 16 \\(file: \"%1\" \\)!"
+            "|Seek to start addr 36 failed \\(file: \"%1\" \\)!"
+            "|Max\\. number of bytes for INI file exceeded \\(bytesToRead field = "
+            "\\d+ , file: \"%1\" \\)!"
+            "|Invalid checksum for INI block in eeprom binary file \"%1\" \\.)")
+            .arg(image);
+    const QString ofParse = QStringLiteral(
+        "HardwareVersionIniManager: (Can't open temporary file for version data!"
+        "|Error on writing to temporary file for version data!"
+        "|No valid '?IniFileManager'? object for accessing section \"\" with key \"[\\w-]+\" !)"
+        "|IniFileManager: (Can't find specified ini-file: \".*\""
+        "|\"Ini-File \\(.*\\):\" Key \"[\\w-]+\" not found in Group \"\" !)");
+    return firstProblem(
+        {problemUnless(isRead ? isRight : record == untouched, "the record is wrong"),
+         problemUnless(isRead ? record == boardRecord || !messages.isEmpty() : messages.size() == 1,
+                       "not the right number of messages"),
+         problemUnless(record == boardRecord || outcome.hasFault(), "the record is not read"),
+         problemOfMessages(outcome, isRead ? ofParse : ofReader),
+         problemOfLeftovers(folder, QStringLiteral("data"), outcome)});
+}
+
+// Hash
+
+const QByteArray hashedData = QByteArray(100000, 'a');
+
+QStringList useHash(const QString& folder)
+{
+    const QByteArray hash =
+        HashGenerator::createHashFromFile(dataPath(folder), QCryptographicHash::Sha256);
+    return {QString::fromLatin1(hash.toHex())};
+}
+
+QString problemOfHash(const QString& folder, const Outcome& outcome)
+{
+    const auto hashOf = [](const QByteArray& data) {
+        return QString::fromLatin1(
+            QCryptographicHash::hash(data, QCryptographicHash::Sha256).toHex());
+    };
+    const QString hash = outcome.results.value(0);
+    const bool isRight = hash == hashOf(hashedData);
+    // There is no message for a file that breaks off: the hash is that of what could be read.
+    const bool isOfLess = outcome.hasFailed("read") && hash == hashOf(QByteArray());
+    return firstProblem(
+        {problemUnless(isRight || isOfLess || hash.isEmpty(), "the hash is wrong"),
+         problemUnless(isRight || outcome.hasFault(), "there is no hash"),
+         problemUnless(outcome.messages.size() == (hash.isEmpty() ? 1 : 0),
+                       "not the right number of messages"),
+         problemOfMessages(outcome, QStringLiteral("HashGenerator: (Can't find file: \"%1\" !"
+                                                   "|Can't open file: \"%1\" \\( \".+\" \\)!)")
+                                        .arg(QRegularExpression::escape(dataPath(folder))))});
+}
+
+// Match
+
+QStringList useMatch(const QString& folder)
+{
+    TextFileParser parser(dataPath(folder));
+    return QStringList(parser.getLastError())
+           << parser.multiMatch(QRegularExpression(QStringLiteral("[abc]=(\\d)")));
+}
+
+QString problemOfMatch(const QString& folder, const Outcome& outcome)
+{
+    const QString error = outcome.results.value(0);
+    const QStringList found = outcome.results.mid(1);
+    const QStringList all = {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")};
+    // As with the hash, a file that breaks off is what could be read of it.
+    const bool isOfLess = outcome.hasFailed("read") && found == all.mid(0, found.size());
+    return firstProblem(
+        {problemUnless(error.isEmpty() ? found == all || isOfLess : found.isEmpty(),
+                       "wrong matches"),
+         problemUnless(found == all || outcome.hasFault(), "no matches"),
+         problemUnless(error.isEmpty()
+                           ? outcome.messages.isEmpty()
+                           : outcome.messages ==
+                                 QStringList(QStringLiteral("TextFileParser: \"%1\"").arg(error)),
+                       "the messages are not those of the error"),
+         problemUnless(matches(error, QStringLiteral("(File doesn't exists: %1"
+                                                     "|Can't open file %1 IO Error: .+)?")
+                                          .arg(QRegularExpression::escape(dataPath(folder)))),
+                       "an unknown error")});
+}
+
+// Markers
+
+const QString firmwareUpdateMarker = QStringLiteral("/orvalis/etc/orvalis-first-boot");
+const QString rebootMarker = QStringLiteral("/orvalis-reboot");
+
+QString problemOfMarker(const QString& marker, const Outcome& outcome, const QString& message,
+                        bool isMissSilent)
+{
+    const bool isThere = QFile::exists(marker);
+    const bool isSilent = isMissSilent && outcome.hasFailed("access");
+    return firstProblem({problemUnless(!isThere || outcome.hasFault(), "the marker is still there"),
+                         problemUnless(outcome.messages.size() == (isThere && !isSilent ? 1 : 0),
+                                       "not the right number of messages"),
+                         problemOfMessages(outcome, message)});
+}
+
+// Search
+
+void prepareSearch(const QString& folder)
+{
+    writeFile(folder + QStringLiteral("/a.txt"), "1");
+    writeFile(folder + QStringLiteral("/b/c.txt"), "1");
+    writeFile(folder + QStringLiteral("/b/d/e.txt"), "1");
+    QFile::link(folder, folder + QStringLiteral("/link"));
+}
+
+QStringList useSearch(const QString& folder)
+{
+    QStringList found;
+    searchFilesOnPathRecursive(folder, {QStringLiteral("*")}, found);
+    return found;
+}
+
+QString problemOfSearch(const QString& folder, const Outcome& outcome)
+{
+    const QStringList all = useSearch(folder);
+    const QSet<QString> known(all.begin(), all.end());
+    const QSet<QString> found(outcome.results.begin(), outcome.results.end());
+    return firstProblem(
+        {problemUnless(known.contains(found) && outcome.results.size() <= all.size(),
+                       "found what is not there"),
+         problemUnless(outcome.results == all || outcome.hasFault(), "not everything was found"),
+         problemUnless(outcome.messages.isEmpty(), "a message")});
+}
+
+// Programs
+
+QStringList useProgram(const QString& folder)
+{
+    QProcessHandler handler;
+    handler.setWaitForStartedTimeout(2000);
+    handler.setWaitForFinishedTimeout(2000);
+    handler.setWorkingDirectory(folder);
+    const int exitCode = handler.startProcess(
+        QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("echo a; exit 3")});
+    return {QString::number(exitCode), handler.getStandardOutput(), handler.getStandardError()};
+}
+
+QString problemOfProgram(const QString&, const Outcome& outcome)
+{
+    const QString exitCode = outcome.results.value(0);
+    const bool isRun = exitCode == QStringLiteral("3");
+    const QString output = outcome.results.value(1);
+    return firstProblem(
+        {problemUnless(isRun || exitCode == QStringLiteral("-1"), "the exit code is wrong"),
+         problemUnless(isRun || outcome.hasFault(), "the program did not run"),
+         problemUnless(output == QStringLiteral("a\n") || (output.isEmpty() && outcome.hasFault()),
+                       "the output is wrong"),
+         problemUnless(outcome.results.value(2).isEmpty(), "output of errors"),
+         problemUnless(ofLibrary(outcome.messages).size() == (isRun ? 0 : 1),
+                       "not the right number of messages"),
+         problemOfMessages(outcome,
+                           QStringLiteral("QProcessHandler: Timeout (on starting|from) command  "
+                                          "\"/bin/sh\"   \"-c echo a; exit 3\" ,  \"(a\\\\n)?\"  "
+                                          ",  \"\""))});
+}
+
+} // namespace
+
+QVector<Operation> Operations::writing()
+{
+    return {{"clean-up", &prepareCleanUp, &useCleanUp, &problemOfCleanUp, &isCleanUpWhole},
+            {"clean-up of the application", &prepareCleanUp, &useCleanUpOfApplication,
+             &problemOfCleanUp, &isCleanUpWhole},
+            {"set and sync", [](const QString& folder) { writeFile(iniPath(folder), oldSettings); },
+             &useSetAndSync,
+             [](const QString& folder, const Outcome& outcome) {
+                 return problemOfSettings(folder, outcome, oldSettings, newSettings);
+             },
+             [](const QString& folder) { return isEither(folder, oldSettings, newSettings); }},
+            {"set and sync of a new file", [](const QString&) {}, &useSetAndSync,
+             [](const QString& folder, const Outcome& outcome) {
+                 return problemOfSettings(folder, outcome, QByteArray(), firstSettings);
+             },
+             [](const QString& folder) { return isEither(folder, QByteArray(), firstSettings); }}};
+}
+
+QVector<Operation> Operations::all()
+{
+    return writing() +
+           QVector<Operation>{
+               {"hardware", &prepareHardware, &useHardware, &problemOfHardware},
+               {"hash", [](const QString& folder) { writeFile(dataPath(folder), hashedData); },
+                &useHash, &problemOfHash},
+               {"match",
+                [](const QString& folder) {
+                    writeFile(dataPath(folder), "a=1\nb=2\n" + hashedData + "\nc=3\n");
+                },
+                &useMatch, &problemOfMatch},
+               {"firmware update marker",
+                [](const QString&) { writeFile(firmwareUpdateMarker, "1"); },
+                [](const QString&) {
+                    BootInformationHelper().deleteFirmwareUpdateMarker();
+                    return QStringList();
+                },
+                [](const QString&, const Outcome& outcome) {
+                    return problemOfMarker(
+                        firmwareUpdateMarker, outcome,
+                        QStringLiteral("BootInformationHelper: "
+                                       "(Unable to delete firmware update marker, file does not "
+                                       "exist!|Error on removing firmware update marker!)"),
+                        false);
+                }},
+               {"reboot marker", [](const QString&) { writeFile(rebootMarker, "1"); },
+                [](const QString&) {
+                    BootInformationHelper().deleteOrvalisRebootMarker();
+                    return QStringList();
+                },
+                [](const QString&, const Outcome& outcome) {
+                    return problemOfMarker(rebootMarker, outcome,
+                                           QStringLiteral("BootInformationHelper: Unable to remove "
+                                                          "file: \"/orvalis-reboot\""),
+                                           true);
+                }},
+               {"search", &prepareSearch, &useSearch, &problemOfSearch},
+               {"program", [](const QString&) {}, &useProgram, &problemOfProgram},
+           };
+}
+
+Outcome Operations::run(const Operation& operation, const QString& folder, const Fault& fault,
+                        MessageRecorder& messages)
+{
+    Outcome outcome;
+    outcome.run = FaultyProcess::run(fault, [&operation, &folder, &messages] {
+        const QStringList results = operation.use(folder);
+        QStringList texts;
+        const QVector<Message> taken = messages.take();
+        for (const Message& message : taken) {
+            texts.append(message.file + QStringLiteral(": ") + message.text);
+        }
+        QByteArray bytes;
+        QDataStream stream(&bytes, QIODevice::WriteOnly);
+        stream << results << texts;
+        return bytes;
+    });
+    QDataStream stream(outcome.run.result);
+    stream >> outcome.results >> outcome.messages;
+    return outcome;
+}

@@ -1,0 +1,247 @@
+#include "DeviceRoot.h"
+#include "Operations.h"
+#include "TestCase.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QMap>
+#include <QtCore/QRegularExpression>
+
+#include <cerrno>
+#include <csignal>
+
+Q_DECLARE_METATYPE(Operation)
+
+namespace {
+
+struct NamedError
+{
+    const char* name;
+    int number;
+};
+
+#define NAMED_ERROR(name)                                                                          \
+    {                                                                                              \
+#name, name                                                                                \
+    }
+
+constexpr NamedError usualErrors[] = {NAMED_ERROR(ENOSPC), NAMED_ERROR(EIO), NAMED_ERROR(EACCES),
+                                      NAMED_ERROR(EMFILE)};
+constexpr NamedError otherErrors[] = {NAMED_ERROR(EROFS), NAMED_ERROR(ENOMEM), NAMED_ERROR(EAGAIN),
+                                      NAMED_ERROR(ENOENT), NAMED_ERROR(EPERM)};
+
+#undef NAMED_ERROR
+
+// A short form is part of every run of the tests; all faults take a few minutes.
+bool isLongForm()
+{
+    return qEnvironmentVariable("MISCTOOLS_FAULTS") == QStringLiteral("all");
+}
+
+} // namespace
+
+/*
+ * Each call of the system that an operation makes fails, or is its last one. The rows go through
+ * all calls of their operation, and say in the end how many there were.
+ */
+class tst_SystemCallFaults : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nothingFails_data() { addOperations(Operations::all()); }
+    void nothingFails();
+    void aCallFails_data() { addErrors(true); }
+    void aCallFails();
+    void callsFailFromOneOn_data() { addErrors(isLongForm()); }
+    void callsFailFromOneOn();
+    void killedAtACall_data() { addOperations(Operations::writing()); }
+    void killedAtACall();
+    void cleanupTestCase();
+
+private:
+    void addOperations(const QVector<Operation>& operations);
+    void addErrors(bool isWithAllOperations);
+    void verifyEachCall(const Fault& kind,
+                        QString (tst_SystemCallFaults::*use)(const Operation&, const Fault&,
+                                                             Outcome&));
+    void prepare(const Operation& operation);
+    QString problemOfUse(const Operation& operation, Outcome& outcome);
+    QString outcomeOf(const Operation& operation, const Fault& fault, Outcome& outcome);
+    QString outcomeOfKill(const Operation& operation, const Fault& fault, Outcome& outcome);
+    QString files() const { return path(QStringLiteral("files")); }
+
+    QMap<QString, int> m_faults; // how many an operation had
+};
+
+void tst_SystemCallFaults::addOperations(const QVector<Operation>& operations)
+{
+    QTest::addColumn<Operation>("operation");
+    for (const Operation& operation : operations) {
+        QTest::newRow(operation.name) << operation;
+    }
+}
+
+void tst_SystemCallFaults::addErrors(bool isWithAllOperations)
+{
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<int>("error");
+    const auto addError = [](const Operation& operation, const NamedError& error) {
+        QTest::addRow("%s: %s", operation.name, error.name) << operation << error.number;
+    };
+    const QVector<Operation> operations =
+        isWithAllOperations ? Operations::all() : Operations::writing();
+    for (const Operation& operation : operations) {
+        for (const NamedError& error : usualErrors) {
+            addError(operation, error);
+        }
+        if (isLongForm()) {
+            for (const NamedError& error : otherErrors) {
+                addError(operation, error);
+            }
+        }
+    }
+}
+
+void tst_SystemCallFaults::prepare(const Operation& operation)
+{
+    DeviceRoot::clear();
+    QDir(files()).removeRecursively();
+    QDir().mkpath(files());
+    operation.prepare(files());
+}
+
+// Lets an operation on fresh files have its fault; gives what is wrong with how it ended.
+QString tst_SystemCallFaults::outcomeOf(const Operation& operation, const Fault& fault,
+                                        Outcome& outcome)
+{
+    prepare(operation);
+    outcome = Operations::run(operation, files(), fault, messages());
+    return problemOfUse(operation, outcome);
+}
+
+QString tst_SystemCallFaults::problemOfUse(const Operation& operation, Outcome& outcome)
+{
+    if (outcome.run.isTimedOut) {
+        return QStringLiteral("it hangs");
+    }
+    if (outcome.run.hasSignalledOthers) {
+        return QStringLiteral("it sends signals to processes that are not its own");
+    }
+    if (!outcome.run.exited) {
+        return QStringLiteral("signal %1 ended it").arg(outcome.run.signal);
+    }
+    if (outcome.run.descriptorsLeft != 0) {
+        return QStringLiteral("%1 descriptors more than before").arg(outcome.run.descriptorsLeft);
+    }
+    return operation.problem(files(), outcome);
+}
+
+// The same for one that is killed, and then done again.
+QString tst_SystemCallFaults::outcomeOfKill(const Operation& operation, const Fault& fault,
+                                            Outcome& outcome)
+{
+    prepare(operation);
+    outcome = Operations::run(operation, files(), fault, messages());
+    if (outcome.run.signal != SIGKILL && outcome.hasFault()) {
+        return QStringLiteral("it was not killed");
+    }
+    if (!operation.isOldOrNew(files())) {
+        return QStringLiteral("the file is neither the old nor the new one");
+    }
+    // What a killed process leaves: a lock, which is known to be nobody's, and a new file that had
+    // not yet replaced the old one. Nobody ever removes that.
+    const QRegularExpression unfinished(QStringLiteral("^settings\\.ini\\.[A-Za-z]{6}$"));
+    const QStringList names = QDir(files()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    for (const QString& name : names) {
+        if (unfinished.match(name).hasMatch()) {
+            QFile::remove(files() + QLatin1Char('/') + name);
+        } else if (name != QStringLiteral("settings.ini") &&
+                   name != QStringLiteral("settings.ini.lock")) {
+            return QStringLiteral("left behind: ") + name;
+        }
+    }
+    Outcome second = Operations::run(operation, files(), Fault(), messages());
+    const QString problem = problemOfUse(operation, second);
+    return problem.isEmpty() ? problem : QStringLiteral("done again: ") + problem;
+}
+
+void tst_SystemCallFaults::nothingFails()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    MISCTOOLS_NEED_FAULTS();
+    QFETCH(Operation, operation);
+    Outcome outcome;
+    QCOMPARE(outcomeOf(operation, Fault(), outcome), QString());
+    QVERIFY(!outcome.run.calls.isEmpty());
+    QVERIFY(outcome.run.failedCalls.isEmpty());
+}
+
+// Each call of the row's operation has a fault of the kind.
+void tst_SystemCallFaults::verifyEachCall(const Fault& kind,
+                                          QString (tst_SystemCallFaults::*use)(const Operation&,
+                                                                               const Fault&,
+                                                                               Outcome&))
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    MISCTOOLS_NEED_FAULTS();
+    QFETCH(Operation, operation);
+    prepare(operation);
+    const FaultyRun whole = Operations::run(operation, files(), Fault(), messages()).run;
+
+    int faults = 0;
+    Fault fault = kind;
+    for (const bool isAtStart : {false, true}) {
+        fault.isAtStart = isAtStart;
+        const int calls = (isAtStart ? whole.callsAtStart : whole.calls).size();
+        for (fault.call = 0; fault.call < calls; ++fault.call) {
+            Outcome outcome;
+            const QString problem = (this->*use)(operation, fault, outcome);
+            const QString report =
+                QStringLiteral("call %1, %2: %3\n   results: %4\n   messages: %5");
+            QVERIFY2(problem.isEmpty(),
+                     qPrintable(report.arg(QString::number(fault.call),
+                                           QString::fromLatin1(outcome.run.failedCalls.value(0)),
+                                           problem, outcome.results.join(QStringLiteral(" | ")),
+                                           outcome.messages.join(QStringLiteral("\n      ")))));
+            faults += outcome.hasFault() ? 1 : 0;
+        }
+    }
+    // A program that is waited for may be quicker at times, and need fewer calls.
+    QVERIFY(faults > 0 && faults >= whole.calls.size() * 3 / 4);
+    m_faults[QString::fromLatin1(operation.name)] += faults;
+}
+
+void tst_SystemCallFaults::aCallFails()
+{
+    QFETCH(int, error);
+    Fault fault;
+    fault.kind = Fault::Once;
+    fault.error = error;
+    verifyEachCall(fault, &tst_SystemCallFaults::outcomeOf);
+}
+
+void tst_SystemCallFaults::callsFailFromOneOn()
+{
+    QFETCH(int, error);
+    Fault fault;
+    fault.kind = Fault::Lasting;
+    fault.error = error;
+    verifyEachCall(fault, &tst_SystemCallFaults::outcomeOf);
+}
+
+void tst_SystemCallFaults::killedAtACall()
+{
+    Fault fault;
+    fault.kind = Fault::Kill;
+    verifyEachCall(fault, &tst_SystemCallFaults::outcomeOfKill);
+}
+
+void tst_SystemCallFaults::cleanupTestCase()
+{
+    for (auto operation = m_faults.cbegin(); operation != m_faults.cend(); ++operation) {
+        qInfo("%s: %d faults", qPrintable(operation.key()), operation.value());
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_SystemCallFaults)
+#include "tst_SystemCallFaults.moc"
