@@ -52,7 +52,9 @@ public:
      * \param hwInfo           the record; left as it is when the result is false
      *
      * \return whether the block was whole and its checksum matched. What is missing in a good block
-     *         is only warned of (see HardwareVersionIniManager), and comes back empty.
+     *         is only warned of (see HardwareVersionIniManager), and comes back empty. An EEPROM
+     *         that was never written, all bytes 0xFF, gives false. One of zeros only is a good and
+     *         empty block, as the checksum of nothing is 0: it gives true and six empty fields.
      *
      * Logs, in the order of the checks: debug "Can't find eeprom binary file", debug "Can't open
      * eeprom binary file", and the warnings "Number of INI header bytes is", "Seek to start addr",

@@ -145,6 +145,9 @@ public:
         if (error != 0 && question->data.nr == SYS_close) {
             empty(listener, question->id, quint32(question->data.args[0]));
         }
+        if (m_isKilled) {
+            return; // an answer might let the call pass before the signal comes
+        }
         answer->id = question->id;
         answer->error = -error;
         answer->flags = error == 0 ? SECCOMP_USER_NOTIF_FLAG_CONTINUE : 0;
@@ -170,7 +173,7 @@ private:
     // Signals to anybody else: a process number may be an error code, or was never set.
     bool isForbidden(const seccomp_data& call)
     {
-        if (call.nr != SYS_kill) {
+        if (call.nr != SYS_kill || call.args[1] == 0) {
             return false;
         }
         const auto target = pid_t(call.args[0]);
@@ -195,7 +198,7 @@ private:
         if (isTheCall) {
             m_run.failedCalls.append(name);
             if (m_fault.kind == Fault::Kill) {
-                kill(process, SIGKILL);
+                m_isKilled = kill(process, SIGKILL) == 0;
                 return 0;
             }
             if (name == "close" && !isAtStart) {
@@ -217,6 +220,7 @@ private:
     QByteArray m_answer;
     QSet<pid_t> m_programs; // processes that are no copies of this one any more
     int m_failedCloses = 0;
+    bool m_isKilled = false;
 };
 
 // Until the process, and all that it started, have ended.

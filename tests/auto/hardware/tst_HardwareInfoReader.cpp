@@ -3,6 +3,7 @@
 #include "HardwareInfo.h"
 #include "HardwareInfoReader.h"
 #include "ReadLog.h"
+#include "ReaderSamples.h"
 #include "TestCase.h"
 
 #include <QtCore/QPointer>
@@ -16,14 +17,10 @@
 #include <unistd.h>
 #include <vector>
 
+using namespace ReaderSamples;
+
 namespace {
 
-const QByteArray boardText = "Type=4711\n"
-                             "TypeName=Sample board\n"
-                             "Version=2.1\n"
-                             "CompatibilityIndex=3\n"
-                             "LP-ID=LP-000815\n"
-                             "Comment=Made up\n";
 // Short enough to lie before the header.
 const QByteArray shortText = "Type=4711\n";
 
@@ -35,34 +32,6 @@ const QStringList keysInReadOrder = {QStringLiteral("Version"), QStringLiteral("
                                      QStringLiteral("Type"), QStringLiteral("TypeName"),
                                      QStringLiteral("CompatibilityIndex")};
 
-const QStringList untouched = {QStringLiteral("type"),    QStringLiteral("type name"),
-                               QStringLiteral("version"), QStringLiteral("index"),
-                               QStringLiteral("lp-id"),   QStringLiteral("comment")};
-const QStringList sixEmptyTexts = {QString(), QString(), QString(),
-                                   QString(), QString(), QString()};
-const QStringList boardRecord = {QStringLiteral("4711"),      QStringLiteral("Sample board"),
-                                 QStringLiteral("2.1"),       QStringLiteral("3"),
-                                 QStringLiteral("LP-000815"), QStringLiteral("Made up")};
-
-// A record that shows whether it was touched.
-HardwareInfo usedRecord()
-{
-    HardwareInfo info;
-    info.setType(untouched.at(0));
-    info.setTypeName(untouched.at(1));
-    info.setHwVersion(untouched.at(2));
-    info.setHwCompIndex(untouched.at(3));
-    info.setLpId(untouched.at(4));
-    info.setComment(untouched.at(5));
-    return info;
-}
-
-QStringList values(const HardwareInfo& info)
-{
-    return {info.type(),        info.typeName(), info.hwVersion(),
-            info.hwCompIndex(), info.lpId(),     info.Comment()};
-}
-
 QByteArray randomBytes(int count)
 {
     QByteArray bytes(count, Qt::Uninitialized);
@@ -70,39 +39,6 @@ QByteArray randomBytes(int count)
         byte = char(QRandomGenerator::global()->bounded(256));
     }
     return bytes;
-}
-
-// The reader's warnings.
-QString shortHeader(int count, const QString& image)
-{
-    return QStringLiteral("Number of INI header bytes is %1 , expected 16 (file: \"%2\" )!")
-        .arg(QString::number(count), image);
-}
-
-// The numbers are the header's.
-QString shortBlock(const QString& image)
-{
-    return QStringLiteral("Number of INI file bytes is 16 , expected 16 (file: \"%1\" )!")
-        .arg(image);
-}
-
-QString failedSeek(quint32 address, const QString& image)
-{
-    return QStringLiteral("Seek to start addr %1 failed (file: \"%2\" )!")
-        .arg(QString::number(address), image);
-}
-
-QString tooLong(quint32 length, const QString& image)
-{
-    return QStringLiteral("Max. number of bytes for INI file exceeded (bytesToRead field = %1 , "
-                          "file: \"%2\" )!")
-        .arg(QString::number(length), image);
-}
-
-QString invalidChecksum(const QString& image)
-{
-    return QStringLiteral("Invalid checksum for INI block in eeprom binary file \"%1\" .")
-        .arg(image);
 }
 
 quint16 libraryCrc(const QByteArray& data)

@@ -1,0 +1,150 @@
+#include "DeviceRoot.h"
+#include "IniFileManager.h"
+#include "TestCase.h"
+
+#include <QtCore/QDir>
+
+#include <sys/mount.h>
+
+namespace {
+
+constexpr int pageSize = 4096;
+
+// A disk of 64 KiB for the life of the object.
+class TinyDisk
+{
+public:
+    explicit TinyDisk(const QString& folder) : m_folder(QFile::encodeName(folder))
+    {
+        QDir().mkpath(folder);
+        if (mount("none", m_folder.constData(), "tmpfs", 0, "size=64k,nr_inodes=16") != 0) {
+            qFatal("cannot mount a disk of memory");
+        }
+    }
+
+    ~TinyDisk() { umount2(m_folder.constData(), MNT_DETACH); }
+
+    Q_DISABLE_COPY(TinyDisk)
+
+private:
+    const QByteArray m_folder;
+};
+
+} // namespace
+
+// What happens to files on a disk without room for another one.
+class tst_FullDisk : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanUp_data();
+    void cleanUp();
+    void cleanUpWithoutRoomForAFile();
+    void setAndSync_data();
+    void setAndSync();
+
+private:
+    QString disk() const { return path(QStringLiteral("disk")); }
+    QString file() const { return disk() + QStringLiteral("/settings.ini"); }
+    void fillUp(int freePages);
+    QStringList entries() const
+    {
+        return QDir(disk()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+};
+
+// Lets so many pages of the disk stay free.
+void tst_FullDisk::fillUp(int freePages)
+{
+    QFile filling(disk() + QStringLiteral("/filling"));
+    QVERIFY(filling.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    const QByteArray page(pageSize, 'f');
+    int pages = 0;
+    while (filling.write(page) == page.size()) {
+        ++pages;
+    }
+    QVERIFY(pages >= freePages);
+    QVERIFY(filling.resize((pages - freePages) * pageSize));
+}
+
+void tst_FullDisk::cleanUp_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("freePages");
+    QTest::addColumn<bool>("isCleaned");
+    QTest::newRow("nothing free") << 100 << 0 << false;
+    QTest::newRow("enough free") << 100 << 1 << true;
+    QTest::newRow("one page too few") << 5 * pageSize << 4 << false;
+    QTest::newRow("as many pages as needed") << 5 * pageSize << 5 << true;
+    QTest::newRow("almost the whole disk") << 12 * pageSize << 4 << false;
+}
+
+void tst_FullDisk::cleanUp()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(int, size);
+    QFETCH(int, freePages);
+    QFETCH(bool, isCleaned);
+    const TinyDisk tinyDisk(disk());
+    writeFile(QStringLiteral("disk/settings.ini"), QByteArray(size, ','));
+    fillUp(freePages);
+
+    IniFileManager::cleanUp(file());
+
+    QCOMPARE(readFile(file()), QByteArray(size, isCleaned ? ' ' : ','));
+    QCOMPARE(entries(), QStringList({QStringLiteral("filling"), QStringLiteral("settings.ini")}));
+}
+
+void tst_FullDisk::cleanUpWithoutRoomForAFile()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    const TinyDisk tinyDisk(disk());
+    writeFile(QStringLiteral("disk/settings.ini"), "k=1,2\n");
+    int files = 0;
+    for (bool isRoom = true; isRoom; ++files) {
+        QFile another(disk() + QLatin1Char('/') + QString::number(files));
+        isRoom = another.open(QIODevice::WriteOnly);
+    }
+    QVERIFY(files > 1);
+
+    messages().expectWarning("IniFileManager",
+                             QStringLiteral("Can not open file: \"%1\"").arg(file()));
+    IniFileManager::cleanUp(file());
+    QCOMPARE(readFile(file()), QByteArray("k=1,2\n"));
+}
+
+void tst_FullDisk::setAndSync_data()
+{
+    QTest::addColumn<int>("freePages");
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("nothing free") << 0 << QByteArray("[Net]\nPort=80\n");
+    // The lock takes the last page. QSaveFile of Qt 5.15 does not notice that what it keeps back
+    // until it is closed was not written, and puts an empty file in the old one's place.
+    QTest::newRow("one page free") << 1 << QByteArray("");
+    QTest::newRow("enough free") << 2 << QByteArray("[Net]\nPort=8080\n");
+}
+
+void tst_FullDisk::setAndSync()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(int, freePages);
+    QFETCH(QByteArray, content);
+    const TinyDisk tinyDisk(disk());
+    writeFile(QStringLiteral("disk/settings.ini"), "[Net]\nPort=80\n");
+    fillUp(freePages);
+    IniFileManager manager(file(), nullptr);
+    manager.setValue(QStringLiteral("Net"), QStringLiteral("Port"), 8080);
+    manager.sync();
+    QCOMPARE(readFile(file()), content);
+    QCOMPARE(entries(), QStringList({QStringLiteral("filling"), QStringLiteral("settings.ini")}));
+
+    // Nothing that was set is forgotten: it gets into the file as soon as there is room.
+    QVERIFY(QFile::remove(disk() + QStringLiteral("/filling")));
+    manager.setValue(QStringLiteral("Net"), QStringLiteral("Name"), 1);
+    manager.sync();
+    QCOMPARE(readFile(file()), QByteArray("[Net]\nName=1\nPort=8080\n"));
+}
+
+QTEST_GUILESS_MAIN(tst_FullDisk)
+#include "tst_FullDisk.moc"
