@@ -256,7 +256,7 @@ QString problemOfHardware(const QString& folder, const Outcome& outcome)
         QStringLiteral(
             "HardwareInfoReader: (Can't (find|open) eeprom binary file \"%1\" \\."
             "|Number of INI (header|file) bytes is \\d+ , expected 16 \\(file: \"%1\" \\)!"
-            "|Seek to start addr 36 failed \\(file: \"%1\" \\)!"
+            "|Seek to start addr \\d+ failed \\(file: \"%1\" \\)!"
             "|Max\\. number of bytes for INI file exceeded \\(bytesToRead field = "
             "\\d+ , file: \"%1\" \\)!"
             "|Invalid checksum for INI block in eeprom binary file \"%1\" \\.)")
@@ -417,22 +417,31 @@ QString problemOfProgram(const QString&, const Outcome& outcome)
 
 } // namespace
 
-QVector<Operation> Operations::writing()
+QVector<Operation> Operations::cleaningUp()
 {
     return {{"clean-up", &prepareCleanUp, &useCleanUp, &problemOfCleanUp, &isCleanUpWhole},
             {"clean-up of the application", &prepareCleanUp, &useCleanUpOfApplication,
-             &problemOfCleanUp, &isCleanUpWhole},
-            {"set and sync", [](const QString& folder) { writeFile(iniPath(folder), oldSettings); },
-             &useSetAndSync,
-             [](const QString& folder, const Outcome& outcome) {
-                 return problemOfSettings(folder, outcome, oldSettings, newSettings);
-             },
-             [](const QString& folder) { return isEither(folder, oldSettings, newSettings); }},
-            {"set and sync of a new file", [](const QString&) {}, &useSetAndSync,
-             [](const QString& folder, const Outcome& outcome) {
-                 return problemOfSettings(folder, outcome, QByteArray(), firstSettings);
-             },
-             [](const QString& folder) { return isEither(folder, QByteArray(), firstSettings); }}};
+             &problemOfCleanUp, &isCleanUpWhole}};
+}
+
+QVector<Operation> Operations::writing()
+{
+    return cleaningUp() +
+           QVector<Operation>{
+               {"set and sync",
+                [](const QString& folder) { writeFile(iniPath(folder), oldSettings); },
+                &useSetAndSync,
+                [](const QString& folder, const Outcome& outcome) {
+                    return problemOfSettings(folder, outcome, oldSettings, newSettings);
+                },
+                [](const QString& folder) { return isEither(folder, oldSettings, newSettings); }},
+               {"set and sync of a new file", [](const QString&) {}, &useSetAndSync,
+                [](const QString& folder, const Outcome& outcome) {
+                    return problemOfSettings(folder, outcome, QByteArray(), firstSettings);
+                },
+                [](const QString& folder) {
+                    return isEither(folder, QByteArray(), firstSettings);
+                }}};
 }
 
 QVector<Operation> Operations::all()

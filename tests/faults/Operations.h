@@ -38,7 +38,9 @@ struct Operation
 
 namespace Operations {
 
-// Those that write a file, which is then the old one or the new one.
+QVector<Operation> cleaningUp();
+
+// These and others that write a file, which is then the old one or the new one.
 QVector<Operation> writing();
 
 // These and all others.

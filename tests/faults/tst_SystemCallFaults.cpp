@@ -55,6 +55,8 @@ private Q_SLOTS:
     void aCallFails();
     void callsFailFromOneOn_data() { addErrors(isLongForm()); }
     void callsFailFromOneOn();
+    void brokenReadKeepsTheFile_data() { addOperations(Operations::cleaningUp()); }
+    void brokenReadKeepsTheFile();
     void killedAtACall_data() { addOperations(Operations::writing()); }
     void killedAtACall();
     void cleanupTestCase();
@@ -234,6 +236,31 @@ void tst_SystemCallFaults::callsFailFromOneOn()
     fault.kind = Fault::Lasting;
     fault.error = error;
     verifyEachCall(fault, &tst_SystemCallFaults::outcomeOf);
+}
+
+// What could be read of a text is no new text, however much it is. (Qt reads on after an error that
+// does not last.)
+void tst_SystemCallFaults::brokenReadKeepsTheFile()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    MISCTOOLS_NEED_FAULTS();
+    QFETCH(Operation, operation);
+    prepare(operation);
+    const QByteArray before = readFile(files() + QStringLiteral("/settings.ini"));
+    const QVector<QByteArray> calls =
+        Operations::run(operation, files(), Fault(), messages()).run.calls;
+    QVERIFY(calls.count("read") > 2);
+    Fault fault;
+    fault.kind = Fault::Lasting;
+    fault.error = EIO;
+    for (fault.call = 0; fault.call < calls.size(); ++fault.call) {
+        if (calls.at(fault.call) == "read") {
+            Outcome outcome;
+            QCOMPARE(outcomeOf(operation, fault, outcome), QString());
+            QCOMPARE(outcome.messages, QStringList());
+            QVERIFY(readFile(files() + QStringLiteral("/settings.ini")) == before);
+        }
+    }
 }
 
 void tst_SystemCallFaults::killedAtACall()
