@@ -14,7 +14,8 @@
  * \par Contract
  * - \b Threads: may be called from any thread.
  * - \b Ownership: nothing is kept.
- * - \b Errors: nothing throws; a file that cannot be read is warned of and gives a null array.
+ * - \b Errors: nothing throws; a file that cannot be opened is warned of and gives a null array.
+ *   One that breaks off while it is read gives the digest of what was read.
  * - \b Units and formats: a digest is raw bytes, not hexadecimal text. The file is read whole, in
  *   text mode: carriage returns do not count, so that a text has one digest whatever its line ends.
  *

@@ -60,7 +60,14 @@ public:
     /*! \brief Writes what is still pending, as QSettings does. */
     ~IniFileManager();
 
-    /*! \brief Writes pending changes and reads what others changed. Takes no lock. */
+    /*!
+     * \brief Writes pending changes and reads what others changed. Takes no lock.
+     *
+     * While another process writes, this waits; a lock whose owner is dead is taken at once, one of
+     * which that cannot be told (of another host, or empty) when it is half a minute old. Where
+     * QSettings may not write, the changes stay pending. With QSettings of Qt 5.15 a disk that
+     * becomes full just then leaves an empty file, which the next sync with a change replaces.
+     */
     void sync();
 
     /*! \brief The names of all top-level groups, sorted. Takes no lock. */
@@ -82,8 +89,8 @@ public:
      *
      * Warns "Can not open file:" with the path, and leaves the file as it was, when it cannot be
      * opened for reading or writing; warns "Function pointer is Null." for each null in the list.
-     * When the new text cannot be written, as on a full disk, the file stays as it was, too, but
-     * nothing is logged.
+     * When the old text cannot be read to its end, or the new one not be written, as on a full
+     * disk, the file stays as it was, too, but nothing is logged.
      */
     static void cleanUp(const QString& filePath);
 

@@ -396,6 +396,29 @@ QStringList useProgram(const QString& folder)
     return {QString::number(exitCode), handler.getStandardOutput(), handler.getStandardError()};
 }
 
+// The handler can be used again after a program that could not be started.
+QStringList useProgramTwice(const QString&)
+{
+    QProcessHandler handler;
+    const QString program = QStringLiteral("/bin/sh");
+    const QStringList arguments = {QStringLiteral("-c"), QStringLiteral("exit 3")};
+    const int first = handler.startProcess(program, arguments);
+    return {QString::number(first), QString::number(handler.startProcess(program, arguments))};
+}
+
+QString problemOfProgramTwice(const QString&, const Outcome& outcome)
+{
+    const QString first = outcome.hasFault() ? QStringLiteral("-1") : QStringLiteral("3");
+    return firstProblem(
+        {problemUnless(outcome.results == QStringList({first, QStringLiteral("3")}),
+                       "the exit codes are wrong"),
+         problemUnless(outcome.messages.size() == (outcome.hasFault() ? 1 : 0),
+                       "not the right number of messages"),
+         problemOfMessages(outcome,
+                           QStringLiteral("QProcessHandler: Timeout on starting command  "
+                                          "\"/bin/sh\"   \"-c exit 3\" ,  \"\"  ,  \"\""))});
+}
+
 QString problemOfProgram(const QString&, const Outcome& outcome)
 {
     const QString exitCode = outcome.results.value(0);
@@ -416,6 +439,11 @@ QString problemOfProgram(const QString&, const Outcome& outcome)
 }
 
 } // namespace
+
+Operation Operations::programTwice()
+{
+    return {"program twice", [](const QString&) {}, &useProgramTwice, &problemOfProgramTwice};
+}
 
 QVector<Operation> Operations::cleaningUp()
 {

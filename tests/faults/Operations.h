@@ -39,6 +39,7 @@ struct Operation
 namespace Operations {
 
 QVector<Operation> cleaningUp();
+Operation programTwice();
 
 // These and others that write a file, which is then the old one or the new one.
 QVector<Operation> writing();

@@ -57,6 +57,8 @@ private Q_SLOTS:
     void callsFailFromOneOn();
     void brokenReadKeepsTheFile_data() { addOperations(Operations::cleaningUp()); }
     void brokenReadKeepsTheFile();
+    void failedForkIsAFailedStart_data();
+    void failedForkIsAFailedStart();
     void killedAtACall_data() { addOperations(Operations::writing()); }
     void killedAtACall();
     void cleanupTestCase();
@@ -261,6 +263,30 @@ void tst_SystemCallFaults::brokenReadKeepsTheFile()
             QVERIFY(readFile(files() + QStringLiteral("/settings.ini")) == before);
         }
     }
+}
+
+void tst_SystemCallFaults::failedForkIsAFailedStart_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("too many processes") << EAGAIN;
+    QTest::newRow("no memory") << ENOMEM;
+}
+
+// What was never started must not be waited for, and nobody else be killed in its place.
+void tst_SystemCallFaults::failedForkIsAFailedStart()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    MISCTOOLS_NEED_FAULTS();
+    QFETCH(int, error);
+    Outcome outcome;
+    QCOMPARE(outcomeOf(Operations::programTwice(), Fault(), outcome), QString());
+    Fault fault;
+    fault.kind = Fault::Once;
+    fault.error = error;
+    fault.call = outcome.run.calls.indexOf("clone");
+    QVERIFY(fault.call >= 0);
+    QCOMPARE(outcomeOf(Operations::programTwice(), fault, outcome), QString());
+    QCOMPARE(outcome.run.failedCalls, QVector<QByteArray>{"clone"});
 }
 
 void tst_SystemCallFaults::killedAtACall()
