@@ -303,10 +303,12 @@ void tst_WatchMedia::terminalsGetALineThatIsRedrawn()
         Terminal(80).run(program, {QStringLiteral("--idle"), QStringLiteral("400"),
                                    path(QStringLiteral("medium"))}));
     // At most ten files, then the line: begun by a carriage return each time, never by a line feed.
+    // A slow search shows it, too.
     const QRegularExpression expected(QStringLiteral(
         "^[^\n]+/medium: 13 files \\(\\*\\)\n"
         "(  file0\\d\n){10}"
         "  \\.\\.\\. and 3 more\n"
+        "((\r\\d+\\.\\d s \\| 13 files, 0 new \\| 0 bursts \\| searching *)+\r +\r)?"
         "Watching 1 folder; ends after 0\\.4 s without a change\n"
         "(\r\\d+\\.\\d s \\| 13 files, 0 new \\| 0 bursts \\| "
         "quiet, ends in \\d\\.\\d s *)+"
@@ -320,11 +322,10 @@ void tst_WatchMedia::narrowTerminalsGetAShortLine()
     QDir().mkpath(path(QStringLiteral("medium")));
     const QByteArray output = Terminal(20).run(
         program, {QStringLiteral("--idle"), QStringLiteral("400"), path(QStringLiteral("medium"))});
-    const QByteArray lastLines = output.mid(output.indexOf('\r'));
-    const QByteArray redrawn = lastLines.left(lastLines.lastIndexOf('\r'));
-    QVERIFY2(redrawn.contains(" s | 0 files, "), output.constData());
-    for (const QByteArray& line : redrawn.split('\r')) {
-        QVERIFY2(line.size() < 20, line.constData());
+    QVERIFY2(output.contains(" s | 0 files, "), output.constData());
+    for (const QByteArray& line : output.split('\r')) {
+        // What ends in a line feed stays, and may be as long as it is.
+        QVERIFY2(line.size() < 20 || line.endsWith('\n'), line.constData());
     }
 }
 

@@ -232,7 +232,7 @@ void tst_BinaryInterface::sizes_data()
     row("BootInformationHelper", sizeof(BootInformationHelper), 8, 4);
     row("DirectoryWatcher", sizeof(DirectoryWatcher), 80, 48);
     row("DragIndicator", sizeof(DragIndicator), 24, 12);
-    row("DragIndicator::DragIndicatorInstance", sizeof(DragIndicatorInstance), 40, 40);
+    row("DragIndicator::DragIndicatorInstance", sizeof(DragIndicatorInstance), 40, 32);
     row("ErrorContainer", sizeof(ErrorContainer), 24, 12);
     row("ExportFileNameCreator", sizeof(ExportFileNameCreator), 8, 4);
     row("HardwareIdentification", sizeof(HardwareIdentification), 56, 28);

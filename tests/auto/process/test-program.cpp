@@ -57,6 +57,7 @@ int endBySignal(int number)
     const rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
     signal(number, SIG_DFL); // a sanitizer would turn some signals into an exit
+    close(STDERR_FILENO);    // an emulator would report the signal there
     raise(number);
     return EXIT_FAILURE;
 }
