@@ -50,11 +50,6 @@ qint64 strippedSize()
     return QFileInfo(stripped).size();
 }
 
-constexpr qint64 sizeLimit()
-{
-    return (sizeof(void*) == 8 ? 150 : 110) * 1024;
-}
-
 Operations operations()
 {
     return {
@@ -62,7 +57,7 @@ Operations operations()
             .inTable()
             .measured(Measure::Instructions, addedInstructions)
             .measured(Measure::FileSize, strippedSize)
-            .limit(Measure::FileSize, sizeLimit()),
+            .limit(Measure::FileSize, BENCH_STRIPPED_SIZE_LIMIT),
     };
 }
 

@@ -3,31 +3,43 @@
 include(CheckIPOSupported)
 check_ipo_supported(RESULT misctools_has_ipo OUTPUT misctools_ipo_trouble LANGUAGES CXX)
 
+set(misctools_is_shipped "$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>")
+
+# How large the shipped library may become without its debug information, in KiB. On 64-bit ARM its
+# data begin at a page of 64 KiB, which some kernels have, so that a part of the file is empty.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  set(misctools_size_limit 110)
+elseif(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
+  set(misctools_size_limit 200)
+else()
+  set(misctools_size_limit 150)
+endif()
+math(EXPR MISCTOOLS_STRIPPED_SIZE_LIMIT "${misctools_size_limit} * 1024")
+
 function(misctools_keep_small target)
   if(MISCTOOLS_FUZZ)
     # There the flags of the fuzzer decide.
     return()
   endif()
   cmake_parse_arguments(arg "" "" "FAST_SOURCES" ${ARGN})
-  set(shipped "$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>")
   # Calls within the library need no way round through symbols that programs might replace, and all
   # others are bound when it is loaded, after which nothing can bend them. Unwinding
   # from calls is what exceptions of Qt need; debuggers have tables of their own for the rest.
   # Elements of containers do not throw when they are copied: Qt need not be ready for it.
   target_compile_definitions(${target} PRIVATE $<${shipped}:QT_NO_EXCEPTIONS>)
   target_compile_options(${target} PRIVATE
-    $<${shipped}:-Os>
-    $<${shipped}:-ffunction-sections>
-    $<${shipped}:-fdata-sections>
-    $<${shipped}:-fno-semantic-interposition>
-    $<${shipped}:-fno-plt>
-    $<${shipped}:-fno-asynchronous-unwind-tables>)
+    $<${misctools_is_shipped}:-Os>
+    $<${misctools_is_shipped}:-ffunction-sections>
+    $<${misctools_is_shipped}:-fdata-sections>
+    $<${misctools_is_shipped}:-fno-semantic-interposition>
+    $<${misctools_is_shipped}:-fno-plt>
+    $<${misctools_is_shipped}:-fno-asynchronous-unwind-tables>)
   target_link_options(${target} PRIVATE
-    $<${shipped}:LINKER:--gc-sections>
-    $<${shipped}:LINKER:-Bsymbolic-functions>
-    $<${shipped}:LINKER:-z,relro,-z,now>
-    $<${shipped}:LINKER:-z,noseparate-code>)
-  set_source_files_properties(${arg_FAST_SOURCES} PROPERTIES COMPILE_OPTIONS $<${shipped}:-O2>)
+    $<${misctools_is_shipped}:LINKER:--gc-sections>
+    $<${misctools_is_shipped}:LINKER:-Bsymbolic-functions>
+    $<${misctools_is_shipped}:LINKER:-z,relro,-z,now>
+    $<${misctools_is_shipped}:LINKER:-z,noseparate-code>)
+  set_source_files_properties(${arg_FAST_SOURCES} PROPERTIES COMPILE_OPTIONS $<${misctools_is_shipped}:-O2>)
   if(misctools_has_ipo)
     set_target_properties(${target} PROPERTIES
       INTERPROCEDURAL_OPTIMIZATION_RELEASE ON

@@ -19,6 +19,9 @@ private Q_SLOTS:
     void symbolsAreUnderstood();
     void exportsAreExactlyThePublicInterface();
     void tablesAndTypesAreExported();
+#ifdef STRIPPED_SIZE_LIMIT
+    void strippedLibraryIsSmall();
+#endif
 };
 
 namespace {
@@ -333,6 +336,18 @@ void tst_LibraryFile::tablesAndTypesAreExported()
         }
     }
 }
+
+#ifdef STRIPPED_SIZE_LIMIT
+// As a device has it; other builds than those that are shipped may be larger.
+void tst_LibraryFile::strippedLibraryIsSmall()
+{
+    const QString stripped = path(QStringLiteral("stripped"));
+    QCOMPARE(QProcess::execute(QStringLiteral(STRIP), {QStringLiteral("-o"), stripped, library}),
+             0);
+    const qint64 size = QFileInfo(stripped).size();
+    QVERIFY2(size <= STRIPPED_SIZE_LIMIT, QByteArray::number(size) + " bytes");
+}
+#endif
 
 QTEST_GUILESS_MAIN(tst_LibraryFile)
 #include "tst_LibraryFile.moc"
