@@ -1,0 +1,17 @@
+# What the toolchain files share: a compiler of Debian's and the sysroot that script/cross-sysroot
+# makes for it.
+set(CMAKE_SYSTEM_NAME Linux)
+get_filename_component(CMAKE_SYSROOT
+  ${CMAKE_CURRENT_LIST_DIR}/../build/cross/${misctools_architecture}/sysroot ABSOLUTE)
+if(NOT EXISTS ${CMAKE_SYSROOT})
+  message(FATAL_ERROR "There is no ${CMAKE_SYSROOT}; make it with "
+    "'script/cross-sysroot ${misctools_architecture}'.")
+endif()
+set(CMAKE_CXX_COMPILER ${misctools_triplet}-g++)
+set(CMAKE_LIBRARY_ARCHITECTURE ${misctools_triplet})
+
+# Programs are this machine's, everything else is the target's.
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
