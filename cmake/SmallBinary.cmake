@@ -26,7 +26,7 @@ function(misctools_keep_small target)
   # others are bound when it is loaded, after which nothing can bend them. Unwinding
   # from calls is what exceptions of Qt need; debuggers have tables of their own for the rest.
   # Elements of containers do not throw when they are copied: Qt need not be ready for it.
-  target_compile_definitions(${target} PRIVATE $<${shipped}:QT_NO_EXCEPTIONS>)
+  target_compile_definitions(${target} PRIVATE $<${misctools_is_shipped}:QT_NO_EXCEPTIONS>)
   target_compile_options(${target} PRIVATE
     $<${misctools_is_shipped}:-Os>
     $<${misctools_is_shipped}:-ffunction-sections>
