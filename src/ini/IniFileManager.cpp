@@ -15,10 +15,10 @@ constexpr char keyIsEmpty[] = "Key is empty!";
 constexpr char groupIsEmpty[] = "Group is empty!";
 
 /*
- * Guards what QSettings keeps per object and does not lock itself: the group that is entered, and
- * the note that changes are pending. It is not the manager's mutex, as getGroups() and sync() must
- * not wait for that one; it is held for one QSettings operation at a time and never while a message
- * is made.
+ * Guards what QSettings keeps per object and does not lock itself: the group that is entered, the
+ * note that changes are pending, and the status, which every reading may set. It is not the
+ * manager's mutex, as getGroups() and sync() must not wait for that one; it is held for one
+ * QSettings operation at a time and never while a message is made.
  *
  * It lives as the only child of the settings object, as the manager's fields are a published
  * layout. As that object's event filter it also covers the flush that QSettings posts to its own
@@ -268,6 +268,7 @@ bool IniFileManager::containsGeneral(const QString& key)
     if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return false;
     }
+    const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
     return m_settings.contains(key);
 }
 
@@ -277,12 +278,15 @@ QVariant IniFileManager::getGeneralValue(const QString& key, const QVariant& def
     if (!isGiven(key, keyIsEmpty, *this, MISCTOOLS_LOG(IniFileManager))) {
         return defaultValue;
     }
-    if (!m_settings.childKeys().contains(key)) {
-        MISCTOOLS_LOG(IniFileManager).warning()
-            << getGeneralLogInfo() << "Key" << key << "not found in section 'General'!";
-        return defaultValue;
+    {
+        const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
+        if (m_settings.childKeys().contains(key)) {
+            return m_settings.value(key, defaultValue);
+        }
     }
-    return m_settings.value(key, defaultValue);
+    MISCTOOLS_LOG(IniFileManager).warning()
+        << getGeneralLogInfo() << "Key" << key << "not found in section 'General'!";
+    return defaultValue;
 }
 
 int IniFileManager::getGeneralValueInteger(const QString& key, int defaultValue) const
@@ -307,6 +311,7 @@ bool IniFileManager::getGeneralValueBool(const QString& key, bool defaultValue) 
 QStringList IniFileManager::getGeneralChildKeys() const
 {
     const QMutexLocker locker(&m_mutex);
+    const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
     return m_settings.childKeys();
 }
 

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -48,9 +49,30 @@ private:
     std::thread m_thread;
 };
 
+// Whether a call that locks waits as long as the caller does not return.
+bool isLocked(IniFileManager& manager, std::unique_ptr<Caller>& waiter)
+{
+    waiter = std::make_unique<Caller>(manager, [](IniFileManager& file) { file.getCount(); });
+    return !waiter->isDoneWithin(shortWhileInMs);
+}
+
+// A value that a test sees being converted.
+struct Probe
+{
+    std::function<void()> converted;
+
+    template <typename Result>
+    Result convert() const
+    {
+        converted();
+        return Result();
+    }
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(Call)
+Q_DECLARE_METATYPE(Probe)
 
 /*
  * One manager, many threads. What QSettings keeps per object is not meant for that, so these tests
@@ -67,6 +89,11 @@ private Q_SLOTS:
     void unlockedCallsDoNotWait();
     void warningsAreMadeUnderTheLock_data();
     void warningsAreMadeUnderTheLock();
+    void conversionsAreMadeUnderTheLock_data();
+    void conversionsAreMadeUnderTheLock();
+    void handlersMayCallBack_data();
+    void handlersMayCallBack();
+    void handlersOfManyThreadsMayCallBack();
     void groupsAreNeverHalfEntered();
     void listingsAreOfOneMoment();
     void indexedReadsAreOfOneMoment_data();
@@ -78,6 +105,7 @@ private Q_SLOTS:
 
 private:
     QString iniFile();
+    static void addWarningRows();
 };
 
 QString tst_IniFileManagerThreads::iniFile()
@@ -178,7 +206,8 @@ void tst_IniFileManagerThreads::unlockedCallsDoNotWait()
     QCOMPARE(messages().take().size(), 1);
 }
 
-void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock_data()
+// A row for each place that warns: a call that gets there.
+void tst_IniFileManagerThreads::addWarningRows()
 {
     QTest::addColumn<Call>("call");
 
@@ -217,6 +246,11 @@ void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock_data()
     }
 }
 
+void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock_data()
+{
+    addWarningRows();
+}
+
 void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock()
 {
     QFETCH(Call, call);
@@ -224,14 +258,121 @@ void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock()
     IniFileManager manager(iniFile(), nullptr);
     std::unique_ptr<Caller> waiter;
     bool waited = false;
-    messages().setObserver([&](const Message&) {
-        waiter = std::make_unique<Caller>(manager, [](IniFileManager& file) { file.getCount(); });
-        waited = !waiter->isDoneWithin(shortWhileInMs);
-    });
+    messages().setObserver([&](const Message&) { waited = isLocked(manager, waiter); });
     call(manager);
     waiter.reset();
     QVERIFY(waited);
     QCOMPARE(messages().take().size(), 1);
+}
+
+void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock_data()
+{
+    QTest::addColumn<Call>("read");
+
+    const auto row = [](const char* name, const Call& read) { QTest::newRow(name) << read; };
+    row("getGeneralValueInteger",
+        [](IniFileManager& file) { file.getGeneralValueInteger(key, 3); });
+    row("getGeneralValueString",
+        [](IniFileManager& file) { file.getGeneralValueString(key, text); });
+    row("getGeneralValueBool", [](IniFileManager& file) { file.getGeneralValueBool(key, true); });
+    row("getValueInteger", [](IniFileManager& file) { file.getValueInteger(group, key, 3); });
+    row("getValueString", [](IniFileManager& file) { file.getValueString(group, key, text); });
+    row("getValueBool", [](IniFileManager& file) { file.getValueBool(group, key, true); });
+}
+
+void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock()
+{
+    QFETCH(Call, read);
+
+    static const bool areRegistered = QMetaType::registerConverter(&Probe::convert<int>) &&
+                                      QMetaType::registerConverter(&Probe::convert<QString>) &&
+                                      QMetaType::registerConverter(&Probe::convert<bool>);
+    QVERIFY(areRegistered);
+    IniFileManager manager(iniFile(), nullptr);
+    std::unique_ptr<Caller> waiter;
+    bool waited = false;
+    const Probe probe{[&] { waited = isLocked(manager, waiter); }};
+    manager.setGeneralValue(key, QVariant::fromValue(probe));
+    manager.setValue(group, key, QVariant::fromValue(probe));
+    read(manager);
+    waiter.reset();
+    QVERIFY(waited);
+    // A file cannot hold it.
+    manager.removeGeneralValue(key);
+    manager.removeValue(group, key);
+}
+
+void tst_IniFileManagerThreads::handlersMayCallBack_data()
+{
+    addWarningRows();
+}
+
+void tst_IniFileManagerThreads::handlersMayCallBack()
+{
+    QFETCH(Call, call);
+
+    const QString made = QStringLiteral("MadeByHandler");
+    const QString file = iniFile();
+    IniFileManager manager(file, nullptr);
+    int messageCount = 0;
+    int value = 0;
+    int missingValue = 0;
+    int indexedValue = 0;
+    QByteArray written;
+    QStringList keys;
+    messages().setObserver([&](const Message&) {
+        if (++messageCount > 1) {
+            return; // of what the handler itself asks for
+        }
+        value = manager.getValueInteger(group, key, 5);
+        missingValue = manager.getValueInteger(group, missing, 6);
+        indexedValue = manager.getValueInteger(-1, key, 7);
+        manager.setValue(group, made, 8);
+        manager.setGeneralValue(made, 9);
+        manager.sync();
+        written = readFile(file);
+        manager.removeGeneralValue(made);
+        keys = manager.getGroupValues(group).keys();
+    });
+    call(manager);
+
+    QCOMPARE(value, 2);
+    QCOMPARE(missingValue, 6);
+    QCOMPARE(indexedValue, 2);
+    QVERIFY(written.startsWith("[General]\nKey=1\nMadeByHandler=9\nText=abc\n"));
+    QVERIFY(written.contains("\nMadeByHandler=8\n"));
+    QCOMPARE(keys, QStringList({key, made, QStringLiteral("Position"), text}));
+    QVERIFY(!manager.containsGeneral(made));
+    const QVector<Message> all = messages().take();
+    QCOMPARE(all.size(), 2);
+    QCOMPARE(all.at(1).text, QStringLiteral("\"Ini-File (%1):\" Key \"Missing\" not found in Group "
+                                            "\"Group\" !")
+                                 .arg(file));
+}
+
+void tst_IniFileManagerThreads::handlersOfManyThreadsMayCallBack()
+{
+    // What a handler does, it does under the lock of the call that warns: no count is lost.
+    constexpr int threadCount = 4;
+    constexpr int warningsPerThread = 250;
+
+    IniFileManager manager(iniFile(), nullptr);
+    messages().setObserver([&](const Message&) {
+        manager.setValue(group, key, manager.getValueInteger(group, key, -1) + 1);
+    });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < threadCount; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < warningsPerThread; ++round) {
+                manager.getValue(group, missing, 0);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    QCOMPARE(manager.getValueInteger(group, key, -1), 2 + threadCount * warningsPerThread);
+    QCOMPARE(messages().take().size(), threadCount * warningsPerThread);
 }
 
 void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
@@ -412,13 +553,18 @@ void tst_IniFileManagerThreads::eventLoopFlushes()
 void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
 {
     constexpr int threadCount = 8;
-    bool given = false;
-    const int givenCalls = qEnvironmentVariableIntValue("MISCTOOLS_STRESS_CALLS", &given);
-    const int calls = given ? givenCalls : 3000;
+    constexpr int callsPerRound = 6; // at least
+    const int rounds = stressRounds(2000, 100000) / callsPerRound + 1;
 
     int argumentCount = 0;
     QCoreApplication application(argumentCount, nullptr);
-    const QString file = writeFile(QStringLiteral("mixed.ini"), "[Fixed]\nk=1\n");
+    QByteArray content = "[Fixed]\nk=1\nPosition=0\n";
+    for (int t = 0; t < threadCount; ++t) {
+        const QByteArray number = QByteArray::number(t);
+        const QByteArray position = QByteArray::number(t + 1);
+        content += "[Thread" + number + "]\nk=-1\nPosition=" + position + '\n';
+    }
+    const QString file = writeFile(QStringLiteral("mixed.ini"), content);
     std::atomic<int> mistakes{0};
     {
         IniFileManager manager(file, "UTF-8");
@@ -429,11 +575,12 @@ void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
                 const QString own = QStringLiteral("Thread%1").arg(t);
                 const QString general = QStringLiteral("general%1").arg(t);
                 const auto check = [&mistakes](bool right) { mistakes += right ? 0 : 1; };
-                for (int i = 0; i < calls; ++i) {
+                for (int i = 0; i < rounds; ++i) {
                     manager.setValue(own, QStringLiteral("k"), i);
                     manager.setGeneralValue(general, i);
                     check(manager.getValueInteger(own, QStringLiteral("k"), -1) == i);
                     check(manager.getGeneralValueInteger(general, -1) == i);
+                    check(manager.getValueInteger(t + 1, QStringLiteral("k"), -1) == i);
                     check(
                         manager.getValueBool(QStringLiteral("Fixed"), QStringLiteral("k"), false));
                     switch (i % 8) {
@@ -458,9 +605,10 @@ void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
                         check(manager.getGeneralLogInfo().contains(file));
                         break;
                     case 6:
-                        check(manager.getCount() >= 1);
+                        check(manager.getCount() == threadCount + 1);
                         break;
                     default:
+                        check(manager.getGeneralChildKeys().contains(general));
                         if (i % 256 == 7) {
                             manager.sync();
                         }
@@ -485,7 +633,7 @@ void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
                                          QString()),
                  QStringLiteral("end"));
         QCOMPARE(reopened.getGeneralValueInteger(QStringLiteral("general%1").arg(t), -1),
-                 calls - 1);
+                 rounds - 1);
     }
 }
 

@@ -11,15 +11,6 @@
 namespace {
 
 constexpr int threadCount = 8;
-constexpr int defaultRounds = 100000; // per thread
-constexpr char roundsVariable[] = "MISCTOOLS_STRESS_ROUNDS";
-
-int rounds()
-{
-    bool isNumber = false;
-    const int number = qEnvironmentVariableIntValue(roundsVariable, &isNumber);
-    return isNumber ? number : defaultRounds;
-}
 
 struct Name
 {
@@ -46,7 +37,8 @@ WildcardFilter makeFilter()
 }
 
 // How many answers were wrong when each thread asked the filter that it is given.
-int wrongAnswers(const std::function<const WildcardFilter&(int)>& filterOfThread)
+int wrongAnswers(int questionsPerThread,
+                 const std::function<const WildcardFilter&(int)>& filterOfThread)
 {
     std::atomic<int> waiting(threadCount);
     std::atomic<int> wrong(0);
@@ -59,8 +51,8 @@ int wrongAnswers(const std::function<const WildcardFilter&(int)>& filterOfThread
             while (waiting > 0) { // all begin together
                 std::this_thread::yield();
             }
-            for (int round = 0, count = rounds(); round < count; ++round) {
-                const Name& name = names.at(round % names.size());
+            for (int i = 0; i < questionsPerThread; ++i) {
+                const Name& name = names.at(i % names.size());
                 if (filter.matchesFilters(name.text) != name.fits) {
                     ++wrong;
                 }
@@ -87,20 +79,26 @@ private Q_SLOTS:
     void filterMayBeShared();
     void copiesOfOneFilterMayBeUsedApart();
     void equalFiltersMayBeUsedApart();
+
+private:
+    static int questionsPerThread() { return stressRounds(100000, 1000000); }
 };
 
 void tst_WildcardFilterThreads::filterMayBeShared()
 {
     const WildcardFilter filter = makeFilter();
-    QCOMPARE(wrongAnswers([&filter](int) -> const WildcardFilter& { return filter; }), 0);
+    QCOMPARE(wrongAnswers(questionsPerThread(),
+                          [&filter](int) -> const WildcardFilter& { return filter; }),
+             0);
 }
 
 void tst_WildcardFilterThreads::copiesOfOneFilterMayBeUsedApart()
 {
     const std::vector<WildcardFilter> filters(threadCount, makeFilter());
-    QCOMPARE(wrongAnswers([&filters](int thread) -> const WildcardFilter& {
-                 return filters.at(size_t(thread));
-             }),
+    QCOMPARE(wrongAnswers(questionsPerThread(),
+                          [&filters](int thread) -> const WildcardFilter& {
+                              return filters.at(size_t(thread));
+                          }),
              0);
 }
 
@@ -110,9 +108,10 @@ void tst_WildcardFilterThreads::equalFiltersMayBeUsedApart()
     for (int thread = 0; thread < threadCount; ++thread) {
         filters.push_back(makeFilter());
     }
-    QCOMPARE(wrongAnswers([&filters](int thread) -> const WildcardFilter& {
-                 return filters.at(size_t(thread));
-             }),
+    QCOMPARE(wrongAnswers(questionsPerThread(),
+                          [&filters](int thread) -> const WildcardFilter& {
+                              return filters.at(size_t(thread));
+                          }),
              0);
 }
 

@@ -25,6 +25,11 @@ int TestCase::rounds(int usual)
     return isGiven ? given : usual;
 }
 
+int TestCase::stressRounds(int shortForm, int fullForm)
+{
+    return qgetenv("MISCTOOLS_STRESS") == "full" ? fullForm : shortForm;
+}
+
 void TestCase::init()
 {
     m_folder.reset(new QTemporaryDir);

@@ -33,6 +33,10 @@ protected:
     // variable MISCTOOLS_DIFFERENTIAL_ROUNDS says.
     static int rounds(int usual);
 
+    // How much a stress test does: usually the short form, the full one where the environment
+    // variable MISCTOOLS_STRESS is "full".
+    static int stressRounds(int shortForm, int fullForm);
+
     // The whole content of a file; a null array when it cannot be read.
     static QByteArray readFile(const QString& filePath);
 

@@ -21,7 +21,6 @@ static_assert(std::is_same<decltype(UniqueIdGenerator::getInstance()), UniqueIdG
 namespace {
 
 constexpr int threadCount = 8;
-constexpr int identifiersPerThread = 100000;
 
 int nextId(UniqueIdGenerator& generator)
 {
@@ -49,10 +48,10 @@ void callInManyThreads(const std::function<void(int)>& function)
 }
 
 // What threadCount threads get from the generator, sorted.
-std::vector<int> drawFromManyThreads(UniqueIdGenerator& generator)
+std::vector<int> drawFromManyThreads(UniqueIdGenerator& generator, int identifiersPerThread)
 {
     std::vector<int> identifiers(size_t(threadCount * identifiersPerThread), -1);
-    callInManyThreads([&generator, &identifiers](int number) {
+    callInManyThreads([&generator, &identifiers, identifiersPerThread](int number) {
         std::generate_n(identifiers.data() + number * identifiersPerThread, identifiersPerThread,
                         [&generator] { return nextId(generator); });
     });
@@ -84,6 +83,9 @@ private Q_SLOTS:
     void eachOnceOverThreadsFromInstance();
     void identifierOrdersMemory();
     void wrapsAround();
+
+private:
+    static int identifiersPerThread() { return stressRounds(100000, 1000000); }
 };
 
 void tst_UniqueIdGenerator::processBeginsAtZero()
@@ -149,14 +151,15 @@ void tst_UniqueIdGenerator::resultIsAValue()
 void tst_UniqueIdGenerator::eachOnceOverThreads()
 {
     UniqueIdGenerator generator;
-    QVERIFY(isEachOnce(drawFromManyThreads(generator), 0));
-    QCOMPARE(nextId(generator), threadCount * identifiersPerThread);
+    QVERIFY(isEachOnce(drawFromManyThreads(generator, identifiersPerThread()), 0));
+    QCOMPARE(nextId(generator), threadCount * identifiersPerThread());
 }
 
 void tst_UniqueIdGenerator::eachOnceOverThreadsFromInstance()
 {
     const int last = nextId(UniqueIdGenerator::getInstance());
-    QVERIFY(isEachOnce(drawFromManyThreads(UniqueIdGenerator::getInstance()), last + 1));
+    QVERIFY(isEachOnce(
+        drawFromManyThreads(UniqueIdGenerator::getInstance(), identifiersPerThread()), last + 1));
 }
 
 void tst_UniqueIdGenerator::identifierOrdersMemory()

@@ -1,0 +1,179 @@
+// What the thread sanitizer cannot see of Qt, as the distribution's Qt is not built with it: that a
+// QMutex is a lock, that a QSemaphore orders what is done on both sides of it, and what a QSettings
+// object keeps without a lock of its own. In a test that this file is linked into, these functions
+// stand in for Qt's, tell the sanitizer, and call Qt's.
+#include <QtCore/QMutex>
+#include <QtCore/QSemaphore>
+#include <QtCore/QSettings>
+#include <QtCore/QStringList>
+#include <QtCore/QVariant>
+
+#include <sanitizer/tsan_interface.h>
+
+#include <dlfcn.h>
+
+extern "C" {
+// What the compiler calls for an access to one byte.
+void __tsan_read1(void* address);
+void __tsan_write1(void* address);
+}
+
+namespace {
+
+// Qt's own function. A member function takes its object as the first argument.
+template <typename Function>
+Function* original(const char* symbol)
+{
+    auto* const function = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, symbol));
+    if (function == nullptr) {
+        qFatal("Qt has no %s", symbol);
+    }
+    return function;
+}
+
+/*
+ * The fields of a settings object that its users must guard. Each has an address of its own, of the
+ * bytes that hold the pointer to the virtual table: these are read by Qt alone, unseen.
+ */
+enum class Field
+{
+    EnteredGroup,
+    PendingNote,
+    Status
+};
+
+void* addressOf(const QSettings* settings, Field field)
+{
+    return const_cast<char*>(reinterpret_cast<const char*>(settings)) + static_cast<int>(field);
+}
+
+// Every access to the content may come upon a section that it has to parse, and that sets the
+// status.
+void noteReading(const QSettings* settings)
+{
+    __tsan_read1(addressOf(settings, Field::EnteredGroup));
+    __tsan_write1(addressOf(settings, Field::Status));
+}
+
+void noteWriting(const QSettings* settings)
+{
+    noteReading(settings);
+    __tsan_write1(addressOf(settings, Field::PendingNote));
+}
+
+} // namespace
+
+void QMutex::lock() noexcept
+{
+    static auto* const lockMutex = original<void(QMutex*)>("_ZN6QMutex4lockEv");
+    __tsan_mutex_pre_lock(this, __tsan_mutex_write_reentrant);
+    lockMutex(this);
+    __tsan_mutex_post_lock(this, __tsan_mutex_write_reentrant, 1);
+}
+
+void QMutex::unlock() noexcept
+{
+    static auto* const unlockMutex = original<void(QMutex*)>("_ZN6QMutex6unlockEv");
+    __tsan_mutex_pre_unlock(this, 0);
+    unlockMutex(this);
+    __tsan_mutex_post_unlock(this, 0);
+}
+
+void QSemaphore::release(int count)
+{
+    static auto* const releaseSemaphore =
+        original<void(QSemaphore*, int)>("_ZN10QSemaphore7releaseEi");
+    __tsan_release(this);
+    releaseSemaphore(this, count);
+}
+
+void QSemaphore::acquire(int count)
+{
+    static auto* const acquireSemaphore =
+        original<void(QSemaphore*, int)>("_ZN10QSemaphore7acquireEi");
+    acquireSemaphore(this, count);
+    __tsan_acquire(this);
+}
+
+bool QSemaphore::tryAcquire(int count, int timeout)
+{
+    static auto* const tryAcquireSemaphore =
+        original<bool(QSemaphore*, int, int)>("_ZN10QSemaphore10tryAcquireEii");
+    const bool isAcquired = tryAcquireSemaphore(this, count, timeout);
+    if (isAcquired) {
+        __tsan_acquire(this);
+    }
+    return isAcquired;
+}
+
+void QSettings::beginGroup(const QString& prefix)
+{
+    static auto* const begin =
+        original<void(QSettings*, const QString&)>("_ZN9QSettings10beginGroupERK7QString");
+    __tsan_write1(addressOf(this, Field::EnteredGroup));
+    begin(this, prefix);
+}
+
+void QSettings::endGroup()
+{
+    static auto* const end = original<void(QSettings*)>("_ZN9QSettings8endGroupEv");
+    __tsan_write1(addressOf(this, Field::EnteredGroup));
+    end(this);
+}
+
+void QSettings::sync()
+{
+    static auto* const syncSettings = original<void(QSettings*)>("_ZN9QSettings4syncEv");
+    __tsan_write1(addressOf(this, Field::PendingNote));
+    __tsan_write1(addressOf(this, Field::Status));
+    syncSettings(this);
+}
+
+void QSettings::setValue(const QString& key, const QVariant& value)
+{
+    static auto* const set = original<void(QSettings*, const QString&, const QVariant&)>(
+        "_ZN9QSettings8setValueERK7QStringRK8QVariant");
+    noteWriting(this);
+    set(this, key, value);
+}
+
+void QSettings::remove(const QString& key)
+{
+    static auto* const removeKey =
+        original<void(QSettings*, const QString&)>("_ZN9QSettings6removeERK7QString");
+    noteWriting(this);
+    removeKey(this, key);
+}
+
+bool QSettings::contains(const QString& key) const
+{
+    static auto* const containsKey =
+        original<bool(const QSettings*, const QString&)>("_ZNK9QSettings8containsERK7QString");
+    noteReading(this);
+    return containsKey(this, key);
+}
+
+QVariant QSettings::value(const QString& key, const QVariant& defaultValue) const
+{
+    static auto* const readValue =
+        original<QVariant(const QSettings*, const QString&, const QVariant&)>(
+            "_ZNK9QSettings5valueERK7QStringRK8QVariant");
+    noteReading(this);
+    return readValue(this, key, defaultValue);
+}
+
+QStringList QSettings::childKeys() const
+{
+    static auto* const listKeys =
+        original<QStringList(const QSettings*)>("_ZNK9QSettings9childKeysEv");
+    noteReading(this);
+    return listKeys(this);
+}
+
+QStringList QSettings::childGroups() const
+{
+    static auto* const listGroups =
+        original<QStringList(const QSettings*)>("_ZNK9QSettings11childGroupsEv");
+    noteReading(this);
+    return listGroups(this);
+}

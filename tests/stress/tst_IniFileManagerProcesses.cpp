@@ -1,0 +1,98 @@
+#include "IniFileManager.h"
+#include "TestCase.h"
+
+#include <QtCore/QProcess>
+
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr int processCount = 2;
+constexpr int rounds = 1000;
+constexpr int longWhileInMs = 120000;
+constexpr char writerArgument[] = "write";
+
+const QString group = QStringLiteral("Group");
+
+QString keyOf(const QString& writer, int round)
+{
+    return writer + QString::number(round);
+}
+
+// The part of a process that writes: a key in each round, to the file at once. Says that it is
+// ready and begins when it is told to.
+int writeKeys(const QString& filePath, const QString& writer)
+{
+    IniFileManager manager(filePath, nullptr);
+    std::puts("ready");
+    std::fflush(stdout);
+    std::getchar();
+    for (int round = 0; round < rounds; ++round) {
+        manager.setValue(group, keyOf(writer, round), round);
+        manager.sync();
+    }
+    return 0;
+}
+
+} // namespace
+
+// One file, several processes.
+class tst_IniFileManagerProcesses : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nobodysKeysAreLost();
+};
+
+void tst_IniFileManagerProcesses::nobodysKeysAreLost()
+{
+    const QString file = writeFile(QStringLiteral("shared.ini"), "[Group]\nFixed=1\n");
+    std::vector<std::unique_ptr<QProcess>> processes;
+    QStringList writers;
+    for (int i = 0; i < processCount; ++i) {
+        writers.append(QString(QLatin1Char(char('a' + i))));
+        processes.push_back(std::make_unique<QProcess>());
+        processes.back()->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        processes.back()->start(QCoreApplication::applicationFilePath(),
+                                {QLatin1String(writerArgument), file, writers.last()});
+    }
+    for (const auto& process : processes) {
+        QVERIFY(process->waitForReadyRead(longWhileInMs));
+        QCOMPARE(process->readAllStandardOutput(), QByteArray("ready\n"));
+    }
+    for (const auto& process : processes) {
+        process->write("\n");
+        QVERIFY(process->waitForBytesWritten(longWhileInMs));
+    }
+    for (const auto& process : processes) {
+        QVERIFY(process->waitForFinished(longWhileInMs));
+        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process->exitCode(), 0);
+    }
+
+    const IniFileManager manager(file, nullptr);
+    const QMap<QString, QVariant> values = manager.getGroupValues(group);
+    QCOMPARE(values.size(), 1 + processCount * rounds);
+    QCOMPARE(values.value(QStringLiteral("Fixed")).toInt(), 1);
+    for (const QString& writer : qAsConst(writers)) {
+        for (int round = 0; round < rounds; ++round) {
+            QCOMPARE(values.value(keyOf(writer, round), -1).toInt(), round);
+        }
+    }
+    QCOMPARE(QDir(folder()).entryList(QDir::Files), QStringList(QStringLiteral("shared.ini")));
+}
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() == 4 && arguments.at(1) == QLatin1String(writerArgument)) {
+        return writeKeys(arguments.at(2), arguments.at(3));
+    }
+    tst_IniFileManagerProcesses test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_IniFileManagerProcesses.moc"
