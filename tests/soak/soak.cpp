@@ -1,8 +1,12 @@
 // Uses the classes that hold descriptors, threads, processes and watches over and over, and shows
 // that this process holds no more of them at the end than in the middle.
+#include "EepromImage.h"
 #include "ProcessUsage.h"
 
 #include <DirectoryWatcher.h>
+#include <HardwareInfo.h>
+#include <HardwareInfoReader.h>
+#include <HashGenerator.h>
 #include <MediaWatcher.h>
 #include <QProcessHandler.h>
 #include <RecursiveFileSearchWorkerThread.h>
@@ -10,6 +14,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QFile>
@@ -76,9 +81,15 @@ void require(bool isRight, const char* what)
     }
 }
 
+bool write(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
 bool touch(const QString& path)
 {
-    return QFile(path).open(QIODevice::WriteOnly);
+    return write(path, QByteArray());
 }
 
 void makeTree(const QString& root)
@@ -170,10 +181,7 @@ void runPrograms()
 void parseText(const QString& root)
 {
     const QString path = root + QStringLiteral("/version");
-    QFile file(path);
-    require(file.open(QIODevice::WriteOnly) && file.write("version=1\nversion=2\n") > 0,
-            "a text file cannot be written");
-    file.close();
+    require(write(path, "version=1\nversion=2\n"), "a text file cannot be written");
     TextFileParser parser(path);
     require(parser.multiMatch(QRegularExpression(QStringLiteral("version=(\\d)"))) ==
                 QStringList({QStringLiteral("1"), QStringLiteral("2")}),
@@ -184,9 +192,54 @@ void parseText(const QString& root)
     require(QFile::remove(path), "a text file cannot be removed");
 }
 
+void readHardware(const QString& root)
+{
+    // Every key is there but the one that a board may lack in silence.
+    const EepromImage image("Type=4711\nTypeName=Board\nVersion=2.1\nCompatibilityIndex=3\n"
+                            "LP-ID=LP-000815\n");
+    const QString path = root + QStringLiteral("/eeprom");
+    const QString temporary = root + QStringLiteral("/hwinfo.XXXXXX");
+    HardwareInfoReader reader(nullptr);
+    HardwareInfo info;
+    require(write(path, image.bytes()) && reader.readHardwareInfoFromSysFs(temporary, path, info) &&
+                info.type() == QLatin1String("4711"),
+            "an EEPROM gave something else");
+    require(write(path, EepromImage(image).flipBit(EepromImage::headerEnd, 0).bytes()) &&
+                !reader.readHardwareInfoFromSysFs(temporary, path, info),
+            "a damaged EEPROM was believed");
+    require(QFile::remove(path), "an EEPROM image cannot be removed");
+}
+
+void hashFiles(const QString& root)
+{
+    const QString path = root + QStringLiteral("/hashed");
+    require(write(path, QByteArray(100000, 'x')), "a file to hash cannot be written");
+    require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).toHex() ==
+                "d5816f35916d1d9482fb0f1ec201101d",
+            "a file has another hash");
+    require(QFile::remove(path), "a hashed file cannot be removed");
+    require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).isNull(),
+            "a missing file has a hash");
+}
+
+// What lies in the temporary folder, at whatever depth.
+int countTemporaryFiles()
+{
+    int count = 0;
+    QDirIterator entries(QDir::tempPath(),
+                         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories);
+    for (; entries.hasNext(); entries.next()) {
+        ++count;
+    }
+    return count;
+}
+
 void runRound(const QString& root, QThreadPool& pool)
 {
-    constexpr int warningsPerRound = 5;
+    constexpr int warningsPerRound = 7;
+
+    const int filesBefore = countTemporaryFiles();
 
     const int warningsBefore = libraryWarnings;
     watchDirectories(root);
@@ -194,11 +247,14 @@ void runRound(const QString& root, QThreadPool& pool)
     searchMedium(root);
     runPrograms();
     parseText(root);
+    readHardware(root);
+    hashFiles(root);
     // The pool deletes a worker after its signal came.
     require(pool.waitForDone(longWhileInMs), "the pool is still at work");
     QCoreApplication::processEvents();
     require(libraryWarnings - warningsBefore == warningsPerRound,
             "the library warned of something else");
+    require(countTemporaryFiles() == filesBefore, "a temporary file stayed");
 }
 
 struct Figure
@@ -252,13 +308,26 @@ bool report(const QVector<ProcessUsage>& samples)
     return hasGrown;
 }
 
-ExitCode soak(int seconds)
+// How long a run takes: for some time, or some rounds.
+struct Length
 {
-    const qint64 durationInMs = qint64(seconds) * 1000;
-    const qint64 sampleIntervalInMs = durationInMs / (3 * samplesPerThird);
+    qint64 milliseconds = qint64(defaultSeconds) * 1000;
+    int rounds = 0; // 0: as many as the time allows
+};
 
+// How much of the run is done, in samples that are due.
+qint64 dueSamples(const Length& length, qint64 elapsedInMs, int rounds)
+{
+    return length.rounds > 0 ? qint64(rounds) * 3 * samplesPerThird / length.rounds
+                             : elapsedInMs * 3 * samplesPerThird / length.milliseconds;
+}
+
+ExitCode soak(const Length& length)
+{
     const QTemporaryDir folder;
     require(folder.isValid(), "there is no temporary folder");
+    // From here on the library's temporary files are the only others.
+    qputenv("TMPDIR", QFile::encodeName(folder.path()));
     makeTree(folder.path());
     QThreadPool pool;
     pool.setMaxThreadCount(2);
@@ -268,17 +337,35 @@ ExitCode soak(int seconds)
     QElapsedTimer clock;
     clock.start();
     int rounds = 0;
+    qint64 due = 0;
     // A slow machine takes longer rather than to judge by a few samples.
-    while (clock.elapsed() < durationInMs || samples.size() < leastSamples) {
+    while (due < 3 * samplesPerThird || samples.size() < leastSamples) {
         runRound(folder.path(), pool);
         ++rounds;
-        if (clock.elapsed() >= sampleIntervalInMs * samples.size()) {
+        if (due >= samples.size()) {
             samples.append(ProcessUsage::now());
         }
+        due = dueSamples(length, clock.elapsed(), rounds);
     }
     std::printf("soak: %d rounds, %d samples, %.1f s\n", rounds, samples.size(),
                 double(clock.elapsed()) / 1000);
     return report(samples) ? Grown : Flat;
+}
+
+// The length that the arguments ask for; false when they are none.
+bool parse(const QStringList& arguments, Length& length)
+{
+    if (arguments.isEmpty()) {
+        return true;
+    }
+    const bool areRounds = arguments.constFirst() == QLatin1String("--rounds");
+    const int number = arguments.constLast().toInt();
+    if (areRounds) {
+        length.rounds = number;
+    } else {
+        length.milliseconds = qint64(number) * 1000;
+    }
+    return number > 0 && arguments.size() == (areRounds ? 2 : 1);
 }
 
 // The heap keeps freed blocks at hand, which count as allocated and whose number grows for minutes.
@@ -299,18 +386,17 @@ int main(int argc, char* argv[])
 {
     restartWithPlainHeap(argv);
     const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments().mid(1);
-    const int seconds = arguments.isEmpty() ? defaultSeconds : arguments.constFirst().toInt();
-    if (arguments.size() > 1 || seconds < 1) {
+    Length length;
+    if (!parse(QCoreApplication::arguments().mid(1), length)) {
         std::fprintf(stderr,
-                     "usage: soak [SECONDS]  (default %d)\n"
+                     "usage: soak [SECONDS | --rounds ROUNDS]  (default %d seconds)\n"
                      "exit codes: 0 flat, 1 something has grown, 2 wrong usage, 3 a wrong result\n",
                      defaultSeconds);
         return WrongUsage;
     }
     qInstallMessageHandler(countWarning);
     try {
-        return soak(seconds);
+        return soak(length);
     } catch (const Failure& failure) {
         std::fprintf(stderr, "soak: %s\n", failure.what());
         return WrongResult;

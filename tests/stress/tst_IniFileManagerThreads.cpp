@@ -314,16 +314,12 @@ void tst_IniFileManagerThreads::handlersMayCallBack()
     const QString made = QStringLiteral("MadeByHandler");
     const QString file = iniFile();
     IniFileManager manager(file, nullptr);
-    int messageCount = 0;
     int value = 0;
     int missingValue = 0;
     int indexedValue = 0;
     QByteArray written;
     QStringList keys;
     messages().setObserver([&](const Message&) {
-        if (++messageCount > 1) {
-            return; // of what the handler itself asks for
-        }
         value = manager.getValueInteger(group, key, 5);
         missingValue = manager.getValueInteger(group, missing, 6);
         indexedValue = manager.getValueInteger(-1, key, 7);
@@ -343,11 +339,8 @@ void tst_IniFileManagerThreads::handlersMayCallBack()
     QVERIFY(written.contains("\nMadeByHandler=8\n"));
     QCOMPARE(keys, QStringList({key, made, QStringLiteral("Position"), text}));
     QVERIFY(!manager.containsGeneral(made));
-    const QVector<Message> all = messages().take();
-    QCOMPARE(all.size(), 2);
-    QCOMPARE(all.at(1).text, QStringLiteral("\"Ini-File (%1):\" Key \"Missing\" not found in Group "
-                                            "\"Group\" !")
-                                 .arg(file));
+    // What a handler makes itself, Qt prints and gives to no handler.
+    QCOMPARE(messages().take().size(), 1);
 }
 
 void tst_IniFileManagerThreads::handlersOfManyThreadsMayCallBack()
