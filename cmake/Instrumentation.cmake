@@ -5,6 +5,12 @@ set(MISCTOOLS_SANITIZE "" CACHE STRING
 option(MISCTOOLS_FUZZ "Let libFuzzer drive the fuzz targets; needs clang" OFF)
 option(MISCTOOLS_COVERAGE "Record which lines and branches the tests reach" OFF)
 
+option(MISCTOOLS_LIBRARY_ASSERTIONS "Let the C++ library check what it is asked to do" OFF)
+
+if(MISCTOOLS_LIBRARY_ASSERTIONS)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
+endif()
+
 if(MISCTOOLS_SANITIZE)
   # A finding ends the program, so that no test passes over it.
   set(misctools_sanitize_flags -fsanitize=${MISCTOOLS_SANITIZE} -fno-sanitize-recover=all

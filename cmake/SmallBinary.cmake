@@ -23,8 +23,8 @@ function(misctools_keep_small target)
   endif()
   cmake_parse_arguments(arg "" "" "FAST_SOURCES" ${ARGN})
   # Calls within the library need no way round through symbols that programs might replace, and all
-  # others are bound when it is loaded, after which nothing can bend them. Unwinding
-  # from calls is what exceptions of Qt need; debuggers have tables of their own for the rest.
+  # others are bound when it is loaded (see Hardening.cmake). Unwinding from calls is what exceptions
+  # of Qt need; debuggers have tables of their own for the rest.
   # Elements of containers do not throw when they are copied: Qt need not be ready for it.
   target_compile_definitions(${target} PRIVATE $<${misctools_is_shipped}:QT_NO_EXCEPTIONS>)
   target_compile_options(${target} PRIVATE
@@ -37,7 +37,6 @@ function(misctools_keep_small target)
   target_link_options(${target} PRIVATE
     $<${misctools_is_shipped}:LINKER:--gc-sections>
     $<${misctools_is_shipped}:LINKER:-Bsymbolic-functions>
-    $<${misctools_is_shipped}:LINKER:-z,relro,-z,now>
     $<${misctools_is_shipped}:LINKER:-z,noseparate-code>)
   set_source_files_properties(${arg_FAST_SOURCES} PROPERTIES COMPILE_OPTIONS $<${misctools_is_shipped}:-O2>)
   if(misctools_has_ipo)

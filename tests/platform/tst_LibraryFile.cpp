@@ -22,6 +22,8 @@ private Q_SLOTS:
 #ifdef STRIPPED_SIZE_LIMIT
     void strippedLibraryIsSmall();
 #endif
+    void loaderProtectsIt_data();
+    void loaderProtectsIt();
 };
 
 namespace {
@@ -42,18 +44,26 @@ QStringList linesOf(const QString& tool, const QStringList& arguments)
         .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-// The values of a tag of the dynamic section: NEEDED or SONAME.
-QStringList dynamicEntries(const QString& file, const QString& tag)
+// What the expression captures in each line that it matches of a view of the file, as readelf shows
+// it: "-d" the dynamic section, "-l" the segments.
+QStringList capturedIn(const QString& file, const char* view, const QString& expression)
 {
-    const QRegularExpression entry(QStringLiteral("\\(%1\\).*\\[(.*)\\]").arg(tag));
+    const QRegularExpression entry(expression);
     QStringList values;
-    for (const QString& line : linesOf(QStringLiteral(READELF), {QStringLiteral("-dW"), file})) {
+    for (const QString& line :
+         linesOf(QStringLiteral(READELF), {QLatin1String(view), QStringLiteral("-W"), file})) {
         const QRegularExpressionMatch match = entry.match(line);
         if (match.hasMatch()) {
             values.append(match.captured(1));
         }
     }
     return values;
+}
+
+// The values of a tag of the dynamic section: NEEDED or SONAME.
+QStringList dynamicEntries(const QString& file, const QString& tag)
+{
+    return capturedIn(file, "-d", QStringLiteral("\\(%1\\).*\\[(.*)\\]").arg(tag));
 }
 
 // The demangled names of the dynamic symbols that a file defines.
@@ -348,6 +358,44 @@ void tst_LibraryFile::strippedLibraryIsSmall()
     QVERIFY2(size <= STRIPPED_SIZE_LIMIT, QByteArray::number(size) + " bytes");
 }
 #endif
+
+void tst_LibraryFile::loaderProtectsIt_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("library") << library;
+    QTest::newRow("bundled platform library") << platformLibrary;
+}
+
+void tst_LibraryFile::loaderProtectsIt()
+{
+    QFETCH(QString, file);
+
+    // All calls are bound at load, and what they go through is read-only after that.
+    const QString flags = QStringLiteral("\\(FLAGS\\)\\s+(.*\\S)");
+    const QString flags1 = QStringLiteral("\\(FLAGS_1\\)\\s+Flags: (.*\\S)");
+    QCOMPARE(capturedIn(file, "-d", flags)
+                 .join(QLatin1Char(' '))
+                 .split(QLatin1Char(' '))
+                 .count(QStringLiteral("BIND_NOW")),
+             1);
+    QVERIFY(capturedIn(file, "-d", flags1)
+                .join(QLatin1Char(' '))
+                .split(QLatin1Char(' '))
+                .contains(QStringLiteral("NOW")));
+    const QString protection = QStringLiteral("^\\s+%1(?:\\s+0x[0-9a-f]+){5}\\s+([RWE ]{3})\\s");
+    QCOMPARE(capturedIn(file, "-l", protection.arg(QStringLiteral("GNU_RELRO"))),
+             QStringList(QStringLiteral("R  ")));
+    // The stack holds no code, code is not written to, and what is written to is no code.
+    QCOMPARE(capturedIn(file, "-l", protection.arg(QStringLiteral("GNU_STACK"))),
+             QStringList(QStringLiteral("RW ")));
+    const QStringList loaded = capturedIn(file, "-l", protection.arg(QStringLiteral("LOAD")));
+    QVERIFY(loaded.size() >= 2);
+    QVERIFY(!loaded.contains(QStringLiteral("RWE")));
+    const QString dynamicTag = QStringLiteral("\\((\\w+)\\)");
+    const QStringList tags = capturedIn(file, "-d", dynamicTag);
+    QVERIFY(tags.contains(QStringLiteral("SONAME")));
+    QVERIFY(!tags.contains(QStringLiteral("TEXTREL")));
+}
 
 QTEST_GUILESS_MAIN(tst_LibraryFile)
 #include "tst_LibraryFile.moc"

@@ -32,33 +32,42 @@ Function* original(const char* symbol)
 }
 
 /*
- * The fields of a settings object that its users must guard. Each has an address of its own, of the
- * bytes that hold the pointer to the virtual table: these are read by Qt alone, unseen.
+ * The fields of a settings object that its users must guard. The sanitizer remembers only the last
+ * few accesses to each word, so each has a word of its own: of those at the start of the object and
+ * of its private part that are read by Qt alone, unseen.
  */
-enum class Field
+char* enteredGroup(const QSettings* settings)
 {
-    EnteredGroup,
-    PendingNote,
-    Status
-};
+    return const_cast<char*>(reinterpret_cast<const char*>(settings));
+}
 
-void* addressOf(const QSettings* settings, Field field)
+char* privatePart(const QSettings* settings)
 {
-    return const_cast<char*>(reinterpret_cast<const char*>(settings)) + static_cast<int>(field);
+    return reinterpret_cast<char* const*>(settings)[1];
+}
+
+char* pendingNote(const QSettings* settings)
+{
+    return privatePart(settings);
+}
+
+char* statusOf(const QSettings* settings)
+{
+    return privatePart(settings) + sizeof(void*);
 }
 
 // Every access to the content may come upon a section that it has to parse, and that sets the
 // status.
 void noteReading(const QSettings* settings)
 {
-    __tsan_read1(addressOf(settings, Field::EnteredGroup));
-    __tsan_write1(addressOf(settings, Field::Status));
+    __tsan_read1(enteredGroup(settings));
+    __tsan_write1(statusOf(settings));
 }
 
 void noteWriting(const QSettings* settings)
 {
     noteReading(settings);
-    __tsan_write1(addressOf(settings, Field::PendingNote));
+    __tsan_write1(pendingNote(settings));
 }
 
 } // namespace
@@ -110,22 +119,22 @@ void QSettings::beginGroup(const QString& prefix)
 {
     static auto* const begin =
         original<void(QSettings*, const QString&)>("_ZN9QSettings10beginGroupERK7QString");
-    __tsan_write1(addressOf(this, Field::EnteredGroup));
+    __tsan_write1(enteredGroup(this));
     begin(this, prefix);
 }
 
 void QSettings::endGroup()
 {
     static auto* const end = original<void(QSettings*)>("_ZN9QSettings8endGroupEv");
-    __tsan_write1(addressOf(this, Field::EnteredGroup));
+    __tsan_write1(enteredGroup(this));
     end(this);
 }
 
 void QSettings::sync()
 {
     static auto* const syncSettings = original<void(QSettings*)>("_ZN9QSettings4syncEv");
-    __tsan_write1(addressOf(this, Field::PendingNote));
-    __tsan_write1(addressOf(this, Field::Status));
+    __tsan_write1(pendingNote(this));
+    __tsan_write1(statusOf(this));
     syncSettings(this);
 }
 
