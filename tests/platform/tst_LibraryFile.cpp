@@ -24,6 +24,7 @@ private Q_SLOTS:
 #endif
     void loaderProtectsIt_data();
     void loaderProtectsIt();
+    void stackIsWatchedInWhatIsShipped();
 };
 
 namespace {
@@ -66,19 +67,24 @@ QStringList dynamicEntries(const QString& file, const QString& tag)
     return capturedIn(file, "-d", QStringLiteral("\\(%1\\).*\\[(.*)\\]").arg(tag));
 }
 
-// The demangled names of the dynamic symbols that a file defines.
-QStringList definedSymbols(const QString& file)
+// The demangled names of the dynamic symbols that nm shows with the option.
+QStringList dynamicSymbols(const QString& file, const QString& option)
 {
-    const QRegularExpression symbol(QStringLiteral("^[0-9a-f]+ [A-Za-z] (.*)$"));
+    const QRegularExpression symbol(QStringLiteral("^[0-9a-f ]+ [A-Za-z] (.*)$"));
     QStringList names;
-    for (const QString& line : linesOf(
-             QStringLiteral(NM), {QStringLiteral("-DC"), QStringLiteral("--defined-only"), file})) {
+    for (const QString& line : linesOf(QStringLiteral(NM), {QStringLiteral("-DC"), option, file})) {
         const QRegularExpressionMatch match = symbol.match(line);
         if (match.hasMatch()) {
             names.append(match.captured(1));
         }
     }
     return names;
+}
+
+// Those that a file defines.
+QStringList definedSymbols(const QString& file)
+{
+    return dynamicSymbols(file, QStringLiteral("--defined-only"));
 }
 
 // The public interface as a header declares it. A name stands as often as it is overloaded.
@@ -395,6 +401,15 @@ void tst_LibraryFile::loaderProtectsIt()
     const QStringList tags = capturedIn(file, "-d", dynamicTag);
     QVERIFY(tags.contains(QStringLiteral("SONAME")));
     QVERIFY(!tags.contains(QStringLiteral("TEXTREL")));
+}
+
+void tst_LibraryFile::stackIsWatchedInWhatIsShipped()
+{
+    // The library itself has no function that the compiler would watch.
+    const QStringList needed =
+        dynamicSymbols(platformLibrary, QStringLiteral("--undefined-only"))
+            .filter(QRegularExpression(QStringLiteral("^__stack_chk_fail(?:@|$)")));
+    QCOMPARE(needed.size(), IS_SHIPPED);
 }
 
 QTEST_GUILESS_MAIN(tst_LibraryFile)

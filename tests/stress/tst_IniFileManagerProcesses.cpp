@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int processCount = 2;
-constexpr int rounds = 1000;
+constexpr int roundCount = 1000;
 constexpr int longWhileInMs = 120000;
 constexpr char writerArgument[] = "write";
 
@@ -29,7 +29,7 @@ int writeKeys(const QString& filePath, const QString& writer)
     std::puts("ready");
     std::fflush(stdout);
     std::getchar();
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < roundCount; ++round) {
         manager.setValue(group, keyOf(writer, round), round);
         manager.sync();
     }
@@ -75,10 +75,10 @@ void tst_IniFileManagerProcesses::nobodysKeysAreLost()
 
     const IniFileManager manager(file, nullptr);
     const QMap<QString, QVariant> values = manager.getGroupValues(group);
-    QCOMPARE(values.size(), 1 + processCount * rounds);
+    QCOMPARE(values.size(), 1 + processCount * roundCount);
     QCOMPARE(values.value(QStringLiteral("Fixed")).toInt(), 1);
     for (const QString& writer : qAsConst(writers)) {
-        for (int round = 0; round < rounds; ++round) {
+        for (int round = 0; round < roundCount; ++round) {
             QCOMPARE(values.value(keyOf(writer, round), -1).toInt(), round);
         }
     }
