@@ -7,9 +7,8 @@
 # compiler's part, the options of the stack protection among it, goes into what is shipped: it needs
 # optimisation.
 function(misctools_harden target)
-  set(shipped "$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>")
   foreach(option IN ITEMS -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 ${ARGN})
-    target_compile_options(${target} PRIVATE $<${shipped}:${option}>)
+    target_compile_options(${target} PRIVATE $<${misctools_is_shipped}:${option}>)
   endforeach()
   target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now,-z,noexecstack,-z,text)
 endfunction()

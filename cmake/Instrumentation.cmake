@@ -35,6 +35,9 @@ endif()
 
 # Such a build is for its own tests only: its files need the tool's runtime, and export symbols of it.
 set(MISCTOOLS_INSTRUMENTED OFF)
+# For generator expressions: 1 where what is built is to be shipped.
+set(misctools_is_shipped "$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>")
 if(MISCTOOLS_SANITIZE OR MISCTOOLS_COVERAGE OR MISCTOOLS_FUZZ)
   set(MISCTOOLS_INSTRUMENTED ON)
+  set(misctools_is_shipped 0)
 endif()

@@ -3,8 +3,6 @@
 include(CheckIPOSupported)
 check_ipo_supported(RESULT misctools_has_ipo OUTPUT misctools_ipo_trouble LANGUAGES CXX)
 
-set(misctools_is_shipped "$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>")
-
 # How large the shipped library may become without its debug information, in KiB. On 64-bit ARM its
 # data begin at a page of 64 KiB, which some kernels have, so that a part of the file is empty.
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
@@ -17,10 +15,6 @@ endif()
 math(EXPR MISCTOOLS_STRIPPED_SIZE_LIMIT "${misctools_size_limit} * 1024")
 
 function(misctools_keep_small target)
-  if(MISCTOOLS_FUZZ)
-    # There the flags of the fuzzer decide.
-    return()
-  endif()
   cmake_parse_arguments(arg "" "" "FAST_SOURCES" ${ARGN})
   # Calls within the library need no way round through symbols that programs might replace, and all
   # others are bound when it is loaded (see Hardening.cmake). Unwinding from calls is what exceptions
@@ -38,8 +32,9 @@ function(misctools_keep_small target)
     $<${misctools_is_shipped}:LINKER:--gc-sections>
     $<${misctools_is_shipped}:LINKER:-Bsymbolic-functions>
     $<${misctools_is_shipped}:LINKER:-z,noseparate-code>)
-  set_source_files_properties(${arg_FAST_SOURCES} PROPERTIES COMPILE_OPTIONS $<${misctools_is_shipped}:-O2>)
-  if(misctools_has_ipo)
+  set_source_files_properties(${arg_FAST_SOURCES} PROPERTIES
+    COMPILE_OPTIONS $<${misctools_is_shipped}:-O2>)
+  if(misctools_has_ipo AND NOT MISCTOOLS_INSTRUMENTED)
     set_target_properties(${target} PROPERTIES
       INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
       INTERPROCEDURAL_OPTIMIZATION_RELWITHDEBINFO ON
