@@ -196,7 +196,7 @@ void tst_DeviceRoot::filesStandAtTheirPaths()
     const Result result = runShell(
         "cat /orvalis/VersionFile.ini; echo; cat /orvalis/etc/OrvalisVersionInfo.ini; echo; "
         "cat /etc/rauc/system.conf; echo; cat /proc/cmdline; "
-        "find /orvalis /orvalis-reboot /etc/rauc -type f | sort");
+        "find /orvalis /orvalis-reboot /etc/rauc -type f | LC_ALL=C sort");
     QCOMPARE(result.errors, QByteArray());
     QCOMPARE(result.output, QByteArray("version\ninfo\nsystem\nquiet\n"
                                        "/etc/rauc/system.conf\n/orvalis-reboot\n"

@@ -3,6 +3,7 @@
 #include "ExportFileNameCreator.h"
 #include "IniWarnings.h"
 #include "TestCase.h"
+#include "TimeZone.h"
 
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
@@ -28,32 +29,6 @@ QString localTime()
     strftime(text, sizeof text, "%Y_%m_%dT%H_%M_%S", &parts);
     return QString::fromLatin1(text);
 }
-
-// The time zone for the life of the object.
-class TimeZone
-{
-public:
-    explicit TimeZone(const QByteArray& zone) : m_previous(qgetenv("TZ"))
-    {
-        qputenv("TZ", zone);
-        tzset();
-    }
-
-    ~TimeZone()
-    {
-        if (m_previous.isNull()) {
-            qunsetenv("TZ");
-        } else {
-            qputenv("TZ", m_previous);
-        }
-        tzset();
-    }
-
-    Q_DISABLE_COPY(TimeZone)
-
-private:
-    const QByteArray m_previous;
-};
 
 // The time in a name between what must stand before and after it; null when that is not there.
 QString timeIn(const QString& name, const QString& before, const QString& after)
