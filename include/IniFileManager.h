@@ -207,7 +207,8 @@ public:
      *
      * \param filter a regular expression, put between "^" and ".*" as it stands: an alternation's
      *               anchor holds for its first branch only. An empty filter matches every group, an
-     *               invalid one none.
+     *               invalid one none. A group over which its search takes too many steps, and is
+     *               given up, is left out without a message.
      */
     QStringList getGroups(const QString& filter) const;
 

@@ -1,3 +1,4 @@
+#include "CpuTime.h"
 #include "TestCase.h"
 #include "WildcardFilter.h"
 
@@ -28,6 +29,8 @@ private Q_SLOTS:
     void caseFollowsTheFlagAlone();
     void patternsFitWholeNames_data();
     void patternsFitWholeNames();
+    void manyStarsOverTheLongestName_data();
+    void manyStarsOverTheLongestName();
     void anyOfManyPatternsIsEnough_data();
     void anyOfManyPatternsIsEnough();
     void emptyNameWarnsAndFitsNothing_data();
@@ -161,6 +164,51 @@ void tst_WildcardFilter::patternsFitWholeNames()
 
     const WildcardFilter filter({pattern}, QDir::Files);
     QCOMPARE(filter.matchesFilters(name), fits);
+}
+
+// A file system's names have at most 255 bytes; the patterns are as long. None of them fits, so
+// that every way to fit has to be tried.
+void tst_WildcardFilter::manyStarsOverTheLongestName_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("name");
+
+    const auto repeated = [](const char* text, int length) {
+        const QString piece = QString::fromLatin1(text);
+        return piece.repeated(length / piece.size());
+    };
+    const QString letters = repeated("a", 255);
+    const QString b = QStringLiteral("b");
+    QTest::newRow("stars and letters") << repeated("*a", 254) + b << letters;
+    QTest::newRow("letters and stars") << repeated("a*", 254) + b << letters;
+    QTest::newRow("two letters each") << repeated("*aa", 254) + b << letters;
+    QTest::newRow("stars alone") << repeated("*", 254) + b << letters;
+    QTest::newRow("stars alone, a single character") << repeated("*", 254) + b << repeated("a", 1);
+    QTest::newRow("question marks and stars") << repeated("?*", 254) + b << letters;
+    QTest::newRow("stars and question marks") << repeated("*?", 254) + b << letters;
+    QTest::newRow("two stars and a question mark") << repeated("**?", 254) + b << letters;
+    QTest::newRow("sets and stars") << repeated("[a-z]*", 254) + b << letters;
+    QTest::newRow("stars and sets") << repeated("*[ab]", 254) + QStringLiteral("c") << letters;
+    QTest::newRow("negated sets") << repeated("*[^b]", 254) + b << letters;
+    QTest::newRow("two letters in turn")
+        << repeated("*a*b", 252) + QStringLiteral("c") << repeated("ab", 254);
+    QTest::newRow("escaped stars") << repeated("*\\*", 252) + b << repeated("*", 255);
+    QTest::newRow("brackets") << repeated("[[]*", 252) + b << repeated("[", 255);
+    QTest::newRow("nothing but stars and dots") << repeated("*.", 254) + b << repeated(".", 255);
+}
+
+void tst_WildcardFilter::manyStarsOverTheLongestName()
+{
+    QFETCH(QString, pattern);
+    QFETCH(QString, name);
+
+    const CpuTime time;
+    for (const QDir::Filters filters : {QDir::Filters(QDir::CaseSensitive), QDir::Filters()}) {
+        const WildcardFilter filter({pattern}, filters);
+        QVERIFY(!filter.matchesFilters(name));
+        QVERIFY(!filter.matchesFilters(name + QLatin1Char('!')));
+    }
+    QVERIFY2(time.seconds() < 20, qPrintable(QString::number(time.seconds())));
 }
 
 void tst_WildcardFilter::anyOfManyPatternsIsEnough_data()

@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "CpuTime.h"
 #include "LiteralTextFile.h"
 #include "TestCase.h"
 #include "TextFileParser.h"
@@ -12,6 +13,8 @@
 
 #include <cstdio>
 
+#include <sys/resource.h>
+
 Q_DECLARE_METATYPE(QRegularExpression::PatternOptions)
 
 namespace {
@@ -19,6 +22,22 @@ namespace {
 const char* const signature = "void TextFileParser::setError(const QString&)";
 
 using Options = QRegularExpression::PatternOptions;
+
+// What comes of an expression over a text.
+enum Outcome
+{
+    NoMatch,
+    GivenUp, // the steps, or the stack, were used up
+    Invalid
+};
+
+// The most that this process has had in memory.
+int mostMemoryInMiB()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    return int(usage.ru_maxrss / 1024);
+}
 
 // As QStringList's comparison, which takes null and empty texts for equal, but does not.
 QString difference(const QStringList& actual, const QStringList& expected)
@@ -89,6 +108,8 @@ QString randomPattern(QRandomGenerator& random, int depth)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Outcome)
+
 class tst_TextFileParser : public TestCase
 {
     Q_OBJECT
@@ -120,6 +141,10 @@ private Q_SLOTS:
     void endlessBacktrackingEnds();
     void backtrackingIsSparedWhereAMatchIsOutOfQuestion();
     void backtrackingBehindAMatchEndsTheList();
+    void hostileExpressions_data();
+    void hostileExpressions();
+    void fewerStepsCanBeAskedFor();
+    void memoryIsBoundedWhereItIsAskedFor();
 
     void internalMatchGivesAllOfAMatch();
     void errorsStay();
@@ -560,6 +585,124 @@ void tst_TextFileParser::backtrackingBehindAMatchEndsTheList()
     QCOMPARE(parser.multiMatch(QRegularExpression(QStringLiteral("(x+x+)+y"))),
              QStringList(QStringLiteral("xx")));
     QVERIFY(!parser.hasError());
+}
+
+void tst_TextFileParser::hostileExpressions_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QByteArray>("fitting"); // a line that has a match; none where it is empty
+    QTest::addColumn<QByteArray>("hostile");
+    QTest::addColumn<Outcome>("outcome"); // of the hostile text
+
+    const auto row = [](const char* name, const char* pattern, const QByteArray& fitting,
+                        const QByteArray& hostile, Outcome outcome) {
+        QTest::newRow(name) << QString::fromLatin1(pattern) << fitting << hostile << outcome;
+    };
+    const auto as = [](int count) { return QByteArray(count, 'a'); };
+
+    // As many ways to divide the text as there are subsets of it.
+    row("repetition of a repetition", "(a+)+b", "aab", as(40) + "!b", GivenUp);
+    row("repetition of what may be empty", "(a*)*b", "aab", as(40) + "!b", GivenUp);
+    row("repetition of a repetition, at the end", "(a+)+$", "", as(40) + '!', GivenUp);
+    row("lazy repetitions", "(a+?)+?b", "aab", as(40) + "!b", GivenUp);
+    row("alternatives that overlap", "(a|aa)+b", "aab", as(80) + "!b", GivenUp);
+    row("alternatives that are the same", "(?:a|a|a)+b", "aab", as(40) + "!b", GivenUp);
+    row("many dots and stars", "(.*a){20}b", as(20) + 'b', as(60) + "!b", GivenUp);
+    row("fields of a line", "(?m)^(?:.*?,){11}P", "1,2,3,4,5,6,7,8,9,10,11,P",
+        QByteArray("1,").repeated(60) + "xP", GivenUp);
+    row("name of a class", "(?m)^(([a-z])+.)+[A-Z]([a-z])+$", "aaBb", as(60) + '!', GivenUp);
+    row("optional letters", "(?:a?){30}a{30}b", as(60) + 'b', as(29) + '!' + QByteArray(9, 'b'),
+        GivenUp);
+    row("look-ahead in a look-ahead", "(?=(?=(a|aa)+b)a)a+b", "aab", as(80) + "!b", GivenUp);
+    row("negative look-ahead", "(?!(a|aa)+c)a+b", "aab", as(80) + "!bc", GivenUp);
+    row("look-behind", "(?<=!)(a+)+b", "!aab", '!' + as(40) + "!b", GivenUp);
+    row("back reference", "(?:(a*)\\1)+b", "aab", as(80) + "!b", GivenUp);
+    row("three back references", "(a*)(a*)(a*)\\1\\2\\3b", "aab", as(1000) + "!b", GivenUp);
+    row("kept start", "(?:a\\K|aa)+b", "aab", as(80) + "!b", GivenUp);
+    row("huge quantifiers", "(?:a{1,65535}){1,50}b", "aab", as(3000) + "!b", GivenUp);
+    row("condition", "(?:(?(?=aa)a|a)|aa)+b", "aab", as(80) + "!b", GivenUp);
+
+    // The stack that recursion and groups are remembered on is small (where expressions are
+    // compiled to machine code).
+    row("recursion", "a(?R)?b", "aabb", as(100000) + 'b', GivenUp);
+    row("recursion in alternatives", "(?:a|\\((?R)(?R)?\\))*c", "(ac)c",
+        QByteArray(100000, '(') + 'c', GivenUp);
+    row("recursion without a step", "(?R)?a|b", "", as(40), GivenUp);
+    row("a group for each character", "(.|\\n)*z", "", QByteArray(1000000, 'a'), GivenUp);
+
+    row("one repetition for all of them", "(?s)\\A.*z", "", QByteArray(1000000, 'a'), NoMatch);
+
+    // Each start alone stays below the limit. Time grows as a power of the text's length.
+    row("possessive repetitions", "(a++)++b", "aab", as(5000) + "!b", NoMatch);
+    row("atomic group", "(?>(a|aa)+)b", "aab", as(2000) + "!b", NoMatch);
+    row("blanks at the end", "\\s+$", "", QByteArray(5000, ' ') + '!', NoMatch);
+    row("neighbours that overlap", "(?:a|b)*(?:a|c)*[xy]", "aax", as(300) + '!', NoMatch);
+
+    // What is not taken at all.
+    row("nested huge quantifiers", "((x{1,65535}){1,65535}){1,65535}", "", "x", Invalid);
+    row("nested quantifiers", "((a{1,100}){1,100}){1,100}b", "", "b", Invalid);
+    row("quantifier beyond the largest", "a{65536}", "", "a", Invalid);
+    row("look-behind without a bound", "(?<=a+)b", "", "ab", Invalid);
+}
+
+void tst_TextFileParser::hostileExpressions()
+{
+    QFETCH(QString, pattern);
+    QFETCH(QByteArray, fitting);
+    QFETCH(QByteArray, hostile);
+    QFETCH(Outcome, outcome);
+
+    const QRegularExpression expression(pattern);
+    const QString invalidMatch = QStringLiteral("Invalid match on expresion: ");
+    const QString shown = QString(pattern).replace(QStringLiteral("\\"), QStringLiteral("\\\\"));
+    const int memoryBefore = mostMemoryInMiB();
+    const CpuTime time;
+
+    TextFileParser parser(writeFile(QStringLiteral("hostile"), hostile));
+    if (outcome == Invalid) {
+        expectError(QStringLiteral("Invalid regular expresion: ") + shown);
+    }
+    if (outcome != NoMatch) {
+        expectError(invalidMatch + shown);
+    }
+    QCOMPARE(difference(parser.multiMatch(expression), {}), QString());
+    QCOMPARE(parser.hasError(), outcome != NoMatch);
+    QCOMPARE(parser.getLastError(), outcome == NoMatch ? QString() : invalidMatch + pattern);
+
+    // Behind a match there is no error, whatever the outcome.
+    if (!fitting.isEmpty()) {
+        TextFileParser both(writeFile(QStringLiteral("both"), fitting + '\n' + hostile));
+        QCOMPARE(both.multiMatch(expression).size(), 1);
+        QVERIFY(!both.hasError());
+    }
+    QVERIFY2(time.seconds() < 60, qPrintable(QString::number(time.seconds())));
+    const int memory = mostMemoryInMiB() - memoryBefore;
+    QVERIFY2(memory < 64, qPrintable(QString::number(memory)));
+}
+
+void tst_TextFileParser::fewerStepsCanBeAskedFor()
+{
+    // Without the limit this takes half a minute, and ends without an error.
+    const QString pattern = QStringLiteral("(*LIMIT_MATCH=10000)(?:a|b)*(?:a|c)*[xy]");
+    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray(3000, 'a') + '!'));
+    expectError(QStringLiteral("Invalid match on expresion: ") + pattern);
+    const CpuTime time;
+    QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
+    QVERIFY2(time.seconds() < 1, qPrintable(QString::number(time.seconds())));
+    QVERIFY(parser.hasError());
+}
+
+// Where expressions are not compiled to machine code (by the pattern's wish here, by that of the
+// environment, or as the processor is not known), steps are remembered on the heap.
+void tst_TextFileParser::memoryIsBoundedWhereItIsAskedFor()
+{
+    const QString pattern = QStringLiteral("(*NO_JIT)(*LIMIT_HEAP=10000)^(a|b)*$");
+    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray(1000000, 'a')));
+    expectError(QStringLiteral("Invalid match on expresion: ") + pattern);
+    const int before = mostMemoryInMiB();
+    QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
+    QVERIFY(parser.hasError());
+    QVERIFY(mostMemoryInMiB() - before < 64);
 }
 
 void tst_TextFileParser::internalMatchGivesAllOfAMatch()
