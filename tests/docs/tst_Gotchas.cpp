@@ -1,3 +1,4 @@
+#include "ChildProcess.h"
 #include "DirectoryWatcher.h"
 #include "IniFileManager.h"
 #include "TestCase.h"
@@ -6,6 +7,9 @@
 #include <QtCore/QDirIterator>
 
 #include <memory>
+
+#include <sched.h>
+#include <unistd.h>
 
 namespace {
 
@@ -40,6 +44,32 @@ QStringList found(const QString& below, const QStringList& names, const QString&
     return result;
 }
 
+constexpr int noLimits = 100;
+
+bool writeSetting(const char* filePath, const QByteArray& value)
+{
+    QFile file(QString::fromLatin1(filePath));
+    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+           file.write(value) == value.size();
+}
+
+// Lets this process have so many of what inotify needs: as the root of a user namespace it may set
+// limits of its own, which are those of the system in small.
+bool limitInotify(const char* setting, const QByteArray& value)
+{
+    const QByteArray user = QByteArray::number(geteuid());
+    return unshare(CLONE_NEWUSER) == 0 && writeSetting("/proc/self/uid_map", "0 " + user + " 1") &&
+           writeSetting(QByteArray("/proc/sys/user/").append(setting).constData(), value);
+}
+
+#define MISCTOOLS_NEED_LIMITS(result)                                                              \
+    do {                                                                                           \
+        QVERIFY2(result.exited, result.output.constData());                                        \
+        if (result.exitCode == noLimits) {                                                         \
+            MISCTOOLS_SKIP("needs user namespaces with limits of their own");                      \
+        }                                                                                          \
+    } while (false)
+
 } // namespace
 
 // Shows what docs/gotchas.md says where no test of a class does.
@@ -56,6 +86,8 @@ private Q_SLOTS:
     void sectionsNestAtSlashes();
     void dotEntriesGoWithAFilter();
     void renamedFolderIsDeaf();
+    void watchesRunOut();
+    void watchersBeyondTheLimitAskEverySecond();
     void testsThatAreNamedExist();
 
 private:
@@ -155,6 +187,62 @@ void tst_Gotchas::renamedFolderIsDeaf()
     QSignalSpy changes(&fresh, &DirectoryWatcher::directoryChanged);
     writeFile(QStringLiteral("inbox/second"), "");
     QVERIFY(changes.wait());
+}
+
+// The system allows 3 watches. None is taken while a folder is not added.
+void tst_Gotchas::watchesRunOut()
+{
+    for (int i = 0; i < 5; ++i) {
+        QVERIFY(QDir().mkdir(path(QString::number(i))));
+    }
+    const ChildResult result = ChildProcess::run([this] {
+        if (!limitInotify("max_inotify_watches", "3")) {
+            return noLimits;
+        }
+        DirectoryWatcher watcher(QStringList{path(QStringLiteral("0"))});
+        int added = 0;
+        for (int i = 1; i < 5; ++i) {
+            added += watcher.addPath(path(QString::number(i))) ? 1 : 0;
+        }
+        return added;
+    });
+    MISCTOOLS_NEED_LIMITS(result);
+    QCOMPARE(result.exitCode, 2);
+    const QByteArray message =
+        "inotify_add_watch(" + path(QStringLiteral("3")).toUtf8() + ") failed:";
+    QVERIFY2(result.output.startsWith(message), result.output.constData());
+    QCOMPARE(result.output.count("inotify_add_watch("), 2);
+    QCOMPARE(result.output.count("No space left on device"), 2);
+}
+
+// The system allows 1 instance: one watcher. Another one looks at its folders once a second, and
+// says nothing of it.
+void tst_Gotchas::watchersBeyondTheLimitAskEverySecond()
+{
+    QVERIFY(QDir().mkdir(path(QStringLiteral("inbox"))));
+    const ChildResult result = ChildProcess::run([this] {
+        if (!limitInotify("max_inotify_instances", "1")) {
+            return noLimits;
+        }
+        const QString inbox = path(QStringLiteral("inbox"));
+        DirectoryWatcher first(inbox);
+        DirectoryWatcher second(inbox);
+        first.setDelayInMs(0);
+        second.setDelayInMs(0);
+        QSignalSpy changesOfFirst(&first, &DirectoryWatcher::directoryChanged);
+        QSignalSpy changesOfSecond(&second, &DirectoryWatcher::directoryChanged);
+        QElapsedTimer timer;
+        timer.start();
+        writeFile(QStringLiteral("inbox/file"), "");
+        if (!changesOfFirst.wait() || !changesOfSecond.isEmpty()) {
+            return 1;
+        }
+        // The first look comes a second after the watcher.
+        return changesOfSecond.wait() && timer.elapsed() > 500 ? 0 : 2;
+    });
+    MISCTOOLS_NEED_LIMITS(result);
+    QVERIFY2(result.output.isEmpty(), result.output.constData());
+    QCOMPARE(result.exitCode, 0);
 }
 
 void tst_Gotchas::testsThatAreNamedExist()

@@ -1,6 +1,7 @@
 #include "DragIndicator.h"
 #include "Records.h"
 #include "TestCase.h"
+#include "TimeZone.h"
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonValue>
@@ -32,6 +33,9 @@ private Q_SLOTS:
     void dateForms();
     void datesUnderLocales_data();
     void datesUnderLocales();
+    void hourThatDoesNotExist_data();
+    void hourThatDoesNotExist();
+    void hourThatComesTwice();
     void textDateIsReportedOnce_data();
     void textDateIsReportedOnce();
     void failedImportKeepsWhatItTook();
@@ -82,6 +86,8 @@ private:
 
     const QLocale m_previous;
 };
+
+const QByteArray centralEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
 
 } // namespace
 
@@ -515,6 +521,64 @@ void tst_DragIndicatorJson::datesUnderLocales()
         QJsonDocument::fromJson(QJsonDocument(array).toJson(QJsonDocument::Compact)).array()));
     QCOMPARE(restored.asJsonArray(), array);
     QVERIFY(!restored.compute(1.25));
+}
+
+void tst_DragIndicatorJson::hourThatDoesNotExist_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QString>("date");
+    QTest::addColumn<bool>("exists");
+
+    const auto row = [](const char* name, const QByteArray& zone, const char* date, bool exists) {
+        QTest::newRow(name) << zone << QString::fromLatin1(date) << exists;
+    };
+    row("before the gap", centralEurope, "2027-03-28T01:59:59", true);
+    row("start of the gap", centralEurope, "2027-03-28T02:00:00", false);
+    row("in the gap", centralEurope, "2027-03-28T02:30:00", false);
+    row("behind the gap", centralEurope, "2027-03-28T03:00:00", true);
+    row("elsewhere", "UTC0", "2027-03-28T02:30:00", true);
+    row("at midnight", "EET-2EEST,M4.5.5/0,M10.5.4/24", "2027-04-30T00:30:00", false);
+    row("of half an hour", "LHST-10:30LHDT-11,M10.1.0,M4.1.0", "2027-10-03T02:15:00", false);
+    row("behind half an hour", "LHST-10:30LHDT-11,M10.1.0,M4.1.0", "2027-10-03T02:30:00", true);
+}
+
+// A record that was saved under another zone, or with its clock set wrong, is taken without an
+// error; what is lost is its date, and with it the next import.
+void tst_DragIndicatorJson::hourThatDoesNotExist()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QString, date);
+    QFETCH(bool, exists);
+
+    const TimeZone place(zone);
+    DragIndicator indicator;
+    QVERIFY(indicator.fromJsonArray(
+        {Records::object(1.5, 2.5, date), Records::object(1.5, 2.5, isoDate)}));
+    const QJsonArray saved = indicator.asJsonArray();
+    QCOMPARE(saved.at(0), QJsonValue(Records::object(1.5, 2.5, exists ? date : QString())));
+    QCOMPARE(saved.at(1), QJsonValue(Records::object(1.5, 2.5, isoDate)));
+
+    if (!exists) {
+        expectFromImport(QStringLiteral("Received an empty min date string!"));
+        expectFromImport(QStringLiteral("Received an empty max date string!"));
+        expectEnd();
+    }
+    QCOMPARE(indicator.fromJsonArray(saved), exists);
+}
+
+// Dates are saved without a zone: of two that are an hour apart one text is made.
+void tst_DragIndicatorJson::hourThatComesTwice()
+{
+    const TimeZone place(centralEurope);
+    const QDateTime first(QDate(2026, 10, 25), QTime(0, 30), Qt::UTC);
+    const QString text = QStringLiteral("2026-10-25T02:30:00");
+    QCOMPARE(first.toLocalTime().toString(Qt::ISODate), text);
+    QCOMPARE(first.addSecs(3600).toLocalTime().toString(Qt::ISODate), text);
+
+    DragIndicator indicator;
+    const QJsonArray saved{Records::object(1.5, 2.5, text), Records::object(1.5, 2.5, text)};
+    QVERIFY(indicator.fromJsonArray(saved));
+    QCOMPARE(indicator.asJsonArray(), saved);
 }
 
 void tst_DragIndicatorJson::textDateIsReportedOnce_data()
