@@ -677,7 +677,7 @@ void tst_TextFileParser::hostileExpressions()
     }
     QVERIFY2(time.seconds() < 60, qPrintable(QString::number(time.seconds())));
     const int memory = mostMemoryInMiB() - memoryBefore;
-    QVERIFY2(memory < 64, qPrintable(QString::number(memory)));
+    QVERIFY2(memory < 128, qPrintable(QString::number(memory)));
 }
 
 void tst_TextFileParser::fewerStepsCanBeAskedFor()
@@ -688,7 +688,7 @@ void tst_TextFileParser::fewerStepsCanBeAskedFor()
     expectError(QStringLiteral("Invalid match on expresion: ") + pattern);
     const CpuTime time;
     QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
-    QVERIFY2(time.seconds() < 1, qPrintable(QString::number(time.seconds())));
+    QVERIFY2(time.seconds() < 10, qPrintable(QString::number(time.seconds())));
     QVERIFY(parser.hasError());
 }
 
@@ -702,7 +702,7 @@ void tst_TextFileParser::memoryIsBoundedWhereItIsAskedFor()
     const int before = mostMemoryInMiB();
     QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
     QVERIFY(parser.hasError());
-    QVERIFY(mostMemoryInMiB() - before < 64);
+    QVERIFY(mostMemoryInMiB() - before < 128);
 }
 
 void tst_TextFileParser::internalMatchGivesAllOfAMatch()
