@@ -96,6 +96,9 @@ void tst_TextPieces::largeTexts_data()
     QTest::newRow("ASCII") << QByteArray("colour=%23ff0000,1\n") << true;
     QTest::newRow("carriage returns") << QByteArray("a=1\r\r\r\n") << true;
     QTest::newRow("all carriage returns") << QByteArray("\r") << false;
+    QTest::newRow("reads of carriage returns alone")
+        << "a=1\n" + QByteArray(64 * 1024, '\r') + "b=2\n"
+        << true;
     QTest::newRow("UTF-8") << QByteArray("\xC3\xA4=\xE2\x82\xAC\n") << true;
     QTest::newRow("not UTF-8") << QByteArray("\xFF=\xC3\n") << true;
     QTest::newRow("no place to part") << QByteArray("\xC3\xA4") << false;

@@ -13,6 +13,7 @@ private Q_SLOTS:
     void readersOfPresentValue();
     void keyIsFound_data();
     void keyIsFound();
+    void pointersAreValues();
     void missingKeyGivesDefault_data();
     void missingKeyGivesDefault();
     void emptyKeyGivesDefault();
@@ -119,6 +120,15 @@ void tst_IniFileManagerGroups::keyIsFound()
     QCOMPARE(manager.getValueInteger(group, key, 0), 5);
     QVERIFY(manager.contains(group, key));
     QCOMPARE(manager.getGroupValues(group).value(key), QVariant(QStringLiteral("5")));
+}
+
+void tst_IniFileManagerGroups::pointersAreValues()
+{
+    IniFileManager manager(writeFile(QStringLiteral("net.ini"), "[Net]\nPort=5\n"), nullptr);
+    const QVariant pointer = QVariant::fromValue(static_cast<void*>(&manager));
+    manager.setValue(QStringLiteral("Net"), QStringLiteral("Owner"), pointer);
+    QCOMPARE(manager.getValue(QStringLiteral("Net"), QStringLiteral("Owner"), 0), pointer);
+    manager.removeValue(QStringLiteral("Net"), QStringLiteral("Owner"));
 }
 
 void tst_IniFileManagerGroups::missingKeyGivesDefault_data()
