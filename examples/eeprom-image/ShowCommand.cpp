@@ -117,12 +117,6 @@ QString temporaryFile()
            QStringLiteral("/eeprom-image.XXXXXX");
 }
 
-ExitCode fail(const QString& filePath, ExitCode exitCode, const QString& meaning)
-{
-    CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, meaning));
-    return exitCode;
-}
-
 ExitCode showRecord(const QString& filePath, bool isVerbose)
 {
     LibraryMessages::take(isVerbose);
@@ -130,11 +124,11 @@ ExitCode showRecord(const QString& filePath, bool isVerbose)
     HardwareInfoReader reader(nullptr);
     const bool isRead = reader.readHardwareInfoFromSysFs(temporaryFile(), filePath, info);
     if (const Failure* failure = findFailure()) {
-        return fail(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
+        return refuseImage(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
     }
     if (!isRead) {
-        return fail(filePath, ExitCode::UnknownFailure,
-                    QStringLiteral("the library refuses the image; --verbose shows why"));
+        return refuseImage(filePath, ExitCode::UnknownFailure,
+                           QStringLiteral("the library refuses the image; --verbose shows why"));
     }
     CommandLine::print(QStringLiteral("%1: the image is sound").arg(filePath));
     printRecord(info);
