@@ -70,7 +70,7 @@ ExitCode printHelp()
 
 ExitCode printVersion()
 {
-    CommandLine::print(QStringLiteral("eeprom-image " EEPROM_IMAGE_VERSION));
+    CommandLine::printVersion();
     return ExitCode::Done;
 }
 

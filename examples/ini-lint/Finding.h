@@ -12,6 +12,11 @@ struct Finding
     QString message;
 };
 
+inline bool operator==(const Finding& left, const Finding& right)
+{
+    return left.line == right.line && left.rule == right.rule && left.message == right.message;
+}
+
 using Findings = QVector<Finding>;
 
 #endif

@@ -20,12 +20,17 @@ QString prefixOf(const QByteArray& sectionName)
     return name + QLatin1Char('/');
 }
 
+Extent extentOf(const IniLines& line, const LineNumbers& numbers)
+{
+    return {numbers.at(line.begin()), numbers.at(line.end() - 1), line.isQuoteOpen()};
+}
+
 } // namespace
 
 IniReading::IniReading(const QByteArray& text, const QTextCodec* codec)
     : m_codec(codec), m_hasByteOrderMark(text.startsWith(byteOrderMark))
 {
-    if (m_hasByteOrderMark) {
+    if (m_hasByteOrderMark && m_codec == nullptr) {
         m_codec = QTextCodec::codecForName("UTF-8");
     }
     const LineNumbers numbers(text);
@@ -49,7 +54,7 @@ void IniReading::readSection(const QByteArray& text, const IniLines& line,
     const int bracket = all.indexOf(']');
     const bool isClosed = bracket >= 0;
     const QByteArray name = (isClosed ? all.left(bracket) : all).trimmed();
-    m_sections.append({numbers.at(line.begin()), name, prefixOf(name), isClosed,
+    m_sections.append({extentOf(line, numbers), name, prefixOf(name), isClosed,
                        isClosed ? all.mid(bracket + 1).trimmed() : QByteArray()});
 }
 
@@ -58,11 +63,9 @@ void IniReading::readEntries(const QByteArray& text, int begin, int end, const L
     const QString prefix = m_sections.isEmpty() ? QString() : m_sections.constLast().prefix;
     IniLines lines(text, begin, end);
     while (lines.next()) {
-        const int line = numbers.at(lines.begin());
-        const int lastLine = numbers.at(lines.end() - 1);
+        const Extent extent = extentOf(lines, numbers);
         if (lines.equals() < 0) {
-            m_strays.append({line, lastLine, text.mid(lines.begin(), lines.end() - lines.begin()),
-                             lines.isQuoteOpen()});
+            m_strays.append({extent, text.mid(lines.begin(), lines.end() - lines.begin())});
             continue;
         }
         int nameEnd = lines.equals();
@@ -71,8 +74,8 @@ void IniReading::readEntries(const QByteArray& text, int begin, int end, const L
         }
         const QByteArray name = text.mid(lines.begin(), nameEnd - lines.begin());
         const QByteArray bytes = text.mid(lines.equals() + 1, lines.end() - lines.equals() - 1);
-        m_entries.append({line, lastLine, prefix, name, readName(name), bytes,
-                          IniValue(bytes, m_codec), lines.isCutBySemicolon(), lines.isQuoteOpen()});
+        m_entries.append({extent, prefix, name, readName(name), bytes, IniValue(bytes, m_codec),
+                          lines.isCutBySemicolon()});
     }
 }
 

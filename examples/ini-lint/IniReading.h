@@ -11,10 +11,18 @@ class QTextCodec;
 class IniLines;
 class LineNumbers;
 
+// The lines of the text that something takes in.
+struct Extent
+{
+    int first;
+    int last;
+    bool isQuoteOpen; // at the end of the last, which is that of the text
+};
+
 // A line that begins a section.
 struct IniSection
 {
-    int line;
+    Extent extent;
     QByteArray name; // as it is written
     // As the names of its keys begin: "Net/"; empty for the top level of the file.
     QString prefix;
@@ -25,15 +33,13 @@ struct IniSection
 // A line with a key and a value.
 struct IniEntry
 {
-    int line;
-    int lastLine;
+    Extent extent;
     QString prefix;   // the section's
     QByteArray name;  // of the key, as it is written
     QString key;      // as it is read
     QByteArray bytes; // of the value, as they are written
     IniValue value;
     bool isCutBySemicolon;
-    bool isQuoteOpen;
 
     QString path() const { return prefix + key; }
 };
@@ -41,10 +47,8 @@ struct IniEntry
 // A line that is neither.
 struct IniStray
 {
-    int line;
-    int lastLine;
+    Extent extent;
     QByteArray text;
-    bool isQuoteOpen;
 };
 
 /*
@@ -62,7 +66,7 @@ public:
     // counts.
     const QVector<IniEntry>& entries() const { return m_entries; }
     const QVector<IniStray>& strays() const { return m_strays; }
-    // The codec of the values; a byte order mark chooses UTF-8.
+    // The codec of the values: where none is given, a byte order mark makes it UTF-8.
     const QTextCodec* codec() const { return m_codec; }
     bool hasByteOrderMark() const { return m_hasByteOrderMark; }
 

@@ -34,8 +34,8 @@ private:
     void skipBlanks();
     void chopBlanks();
 
-    const QByteArray m_bytes;
-    const QTextCodec* const m_codec;
+    QByteArray m_bytes;
+    const QTextCodec* m_codec;
     int m_position = 0;
     QStringList m_texts;
     QString m_text; // the one that is being read
