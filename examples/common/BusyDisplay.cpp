@@ -51,6 +51,6 @@ void BusyDisplay::redraw()
     std::unique_lock<std::mutex> locker(m_mutex);
     while (!m_isOver.wait_for(locker, interval, [this] { return m_mustEnd; })) {
         m_display.showStatus(
-            QStringLiteral("%1 (%2 s)").arg(m_activity).arg(m_clock.elapsed() / 1000));
+            QStringLiteral("%1 s: %2").arg(m_clock.elapsed() / 1000).arg(m_activity));
     }
 }

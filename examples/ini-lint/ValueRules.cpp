@@ -91,12 +91,14 @@ void checkEncoding(const IniEntry& entry, const QTextCodec* codec, Findings& fin
     }
 }
 
-// Whether the text is of the form @Mark(1 2) with so many numbers.
+// Whether the text, which ends in a bracket, is of the form @Mark(1 2) with so many numbers.
 bool isGeometry(const QString& text, const QString& mark, int numbers)
 {
+    if (!text.startsWith(mark)) {
+        return false;
+    }
     const QString inside = text.mid(mark.size()).chopped(1);
-    return text.startsWith(mark) &&
-           1 + inside.count(QLatin1Char(' ')) + inside.count(QLatin1Char(')')) == numbers;
+    return 1 + inside.count(QLatin1Char(' ')) + inside.count(QLatin1Char(')')) == numbers;
 }
 
 // What a text with a mark of QSettings is read as; empty when it is read as it stands.

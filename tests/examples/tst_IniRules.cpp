@@ -12,6 +12,8 @@
 
 namespace {
 
+const QChar slash = QLatin1Char('/');
+
 QVector<Finding> findingsOf(const Findings& findings, int line, const char* rule)
 {
     QVector<Finding> result;
@@ -85,13 +87,14 @@ void tst_IniRules::verifyEntries(const QSettings& settings, const IniReading& re
     QCOMPARE(settings.allKeys(), entries.keys());
     for (const IniEntry* entry : entries) {
         const QString path = entry->path();
-        if (path.isEmpty()) { // QSettings refuses it with a message of its own
+        if (NameRules::isUnreachable(path)) {
+            // Who asks for it is answered for another one.
+            const QString other = path.split(slash, Qt::SkipEmptyParts).join(slash);
+            QVERIFY(other != path || path.isEmpty());
+            QVERIFY(other.isEmpty() || settings.contains(path) == entries.contains(other));
             continue;
         }
-        QCOMPARE(settings.contains(path), !NameRules::isUnreachable(path));
-        if (!settings.contains(path)) {
-            continue;
-        }
+        QVERIFY(settings.contains(path));
         const QVariant value = settings.value(path);
         QCOMPARE(isList(value), entry->value.isList());
         QCOMPARE(!findingsOf(findings, entry->extent.first, "comma-list").isEmpty(),
@@ -274,12 +277,11 @@ void tst_IniRules::wordsAndNumbers()
 // Which of two values counts depends on what is asked for first.
 void tst_IniRules::sectionReadFirstLosesItsDuplicate()
 {
-    const QByteArray text = "[A]\nB\\k=one\n[A/B]\nk=two\nl=3\n";
+    const QByteArray text = "[A]\nB\\k=one\n[A/B]\nk=two\n";
     const QString both = QStringLiteral("A/B/k");
     const QSettings settings(writeFile(QStringLiteral("order1.ini"), text), QSettings::IniFormat);
-    QCOMPARE(settings.value(QStringLiteral("A/B/l")).toString(), QStringLiteral("3"));
+    // The first look-up has the section read that the key's path begins with, the second one more.
     QCOMPARE(settings.value(both).toString(), QStringLiteral("two"));
-    settings.contains(QStringLiteral("A/B")); // has the section A read
     QCOMPARE(settings.value(both).toString(), QStringLiteral("one"));
 
     QCOMPARE(findingsOf(IniRules::check(text, nullptr, QStringList()), 4, "duplicate-key").size(),
