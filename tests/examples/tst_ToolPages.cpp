@@ -114,10 +114,11 @@ QString tst_ToolPages::help(const QString& program) const
 
 QStringList tst_ToolPages::completed(const QStringList& words) const
 {
-    const QString script = QStringLiteral("source \"$0\" && complete -p \"$1\" >/dev/null || exit\n"
-                                          "COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1))\n"
-                                          "_misctools \"$1\"\n"
-                                          "printf '%s\\n' \"${COMPREPLY[@]}\"");
+    const QString script =
+        QStringLiteral("source \"$0\" && complete -p \"${1##*/}\" >/dev/null || exit\n"
+                       "COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1))\n"
+                       "_misctools \"$1\"\n"
+                       "printf '%s\\n' \"${COMPREPLY[@]}\"");
     const ProgramResult result =
         ProgramRun(QStringLiteral("bash"),
                    QStringList{QStringLiteral("--norc"), QStringLiteral("-c"), script, completion} +
@@ -128,6 +129,7 @@ QStringList tst_ToolPages::completed(const QStringList& words) const
         qWarning("%s", qPrintable(result.errors));
     }
     QStringList lines = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    lines.removeDuplicates(); // a command that two folders have
     lines.sort();
     return lines;
 }
