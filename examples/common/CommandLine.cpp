@@ -13,12 +13,12 @@ void writeLine(FILE* stream, const QString& line)
     std::fflush(stream);
 }
 
-QString programName()
+} // namespace
+
+QString CommandLine::programName()
 {
     return QFileInfo(QCoreApplication::applicationFilePath()).fileName();
 }
-
-} // namespace
 
 const QCommandLineOption& CommandLine::verboseOption()
 {

@@ -12,7 +12,8 @@ const QCommandLineOption& verboseOption();
 const QCommandLineOption& helpOption();
 const QCommandLineOption& versionOption();
 
-// The program's name and version, on standard output.
+// The program's name; the same with the version, on standard output.
+QString programName();
 void printVersion();
 
 // Text that stays on its line whatever it holds: a file's name may contain line feeds and the

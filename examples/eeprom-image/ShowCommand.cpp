@@ -5,6 +5,7 @@
 #include "HardwareInfoReader.h"
 #include "common/CommandLine.h"
 #include "common/LibraryMessages.h"
+#include "common/TemporaryPath.h"
 
 #include <QtCore/QCommandLineParser>
 
@@ -109,20 +110,12 @@ void printRecord(const HardwareInfo& info)
     }
 }
 
-// QDir::temp() takes the current folder for a TMPDIR that is none; this one must not be written to.
-QString temporaryFile()
-{
-    const QString folder = qEnvironmentVariable("TMPDIR");
-    return (folder.isEmpty() ? QStringLiteral("/tmp") : folder) +
-           QStringLiteral("/eeprom-image.XXXXXX");
-}
-
 ExitCode showRecord(const QString& filePath, bool isVerbose)
 {
     LibraryMessages::take(isVerbose);
     HardwareInfo info;
     HardwareInfoReader reader(nullptr);
-    const bool isRead = reader.readHardwareInfoFromSysFs(temporaryFile(), filePath, info);
+    const bool isRead = reader.readHardwareInfoFromSysFs(TemporaryPath::pattern(), filePath, info);
     if (const Failure* failure = findFailure()) {
         return refuseImage(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
     }

@@ -1,5 +1,7 @@
 #include "CleanUp.h"
 
+#include "common/TemporaryPath.h"
+
 #include <IniFileManager.h>
 
 #include <QtCore/QFile>
@@ -20,7 +22,7 @@ std::optional<QByteArray> contentOf(const QString& filePath)
 
 std::optional<QByteArray> CleanUp::preview(const QByteArray& text)
 {
-    const QTemporaryDir folder;
+    const QTemporaryDir folder(TemporaryPath::pattern());
     const QString copy = folder.filePath(QStringLiteral("copy.ini"));
     QFile file(copy);
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush()) {

@@ -27,14 +27,14 @@ Extent extentOf(const IniLines& line, const LineNumbers& numbers)
 
 } // namespace
 
-IniReading::IniReading(const QByteArray& text, const QTextCodec* codec)
-    : m_codec(codec), m_hasByteOrderMark(text.startsWith(byteOrderMark))
+IniReading::IniReading(const QByteArray& text, const QTextCodec* codec) : m_codec(codec)
 {
-    if (m_hasByteOrderMark && m_codec == nullptr) {
+    const bool hasByteOrderMark = text.startsWith(byteOrderMark);
+    if (hasByteOrderMark && m_codec == nullptr) {
         m_codec = QTextCodec::codecForName("UTF-8");
     }
     const LineNumbers numbers(text);
-    IniLines lines(text, m_hasByteOrderMark ? byteOrderMark.size() : 0, text.size());
+    IniLines lines(text, hasByteOrderMark ? byteOrderMark.size() : 0, text.size());
     // The mark is passed over in the search for sections, but not where the keys are read.
     int begin = 0;
     while (lines.next()) {

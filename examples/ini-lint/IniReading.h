@@ -68,7 +68,6 @@ public:
     const QVector<IniStray>& strays() const { return m_strays; }
     // The codec of the values: where none is given, a byte order mark makes it UTF-8.
     const QTextCodec* codec() const { return m_codec; }
-    bool hasByteOrderMark() const { return m_hasByteOrderMark; }
 
     // The name of a key or section as it is read: always Latin-1, '\' for '/', and escapes with
     // '%'.
@@ -81,7 +80,6 @@ private:
     void readEntries(const QByteArray& text, int begin, int end, const LineNumbers& numbers);
 
     const QTextCodec* m_codec;
-    bool m_hasByteOrderMark;
     QVector<IniSection> m_sections;
     QVector<IniEntry> m_entries;
     QVector<IniStray> m_strays;

@@ -13,7 +13,7 @@ const QVector<IniRules::Rule>& IniRules::all()
     static const QVector<Rule> rules = {
         {"at-sign", "a value that begins with '@' is read as another type"},
         {"boolean-word", "a word such as 'off' that is true as a boolean"},
-        {"byte-order-mark", "a byte order mark at the begin of the file"},
+        {"byte-order-mark", "a byte order mark counts as a line, or as a part of a name"},
         {"case", "names that differ in case alone are different names"},
         {"comma-list", "a comma outside of quotes makes a list of the value"},
         {"duplicate-key", "a key that is given again"},

@@ -11,22 +11,15 @@ namespace {
 
 const QChar slash = QLatin1Char('/');
 
-void checkByteOrderMark(const IniReading& reading, Findings& findings)
-{
-    const bool hasKey = !reading.entries().isEmpty() &&
-                        reading.entries().constFirst().name.startsWith("\xEF\xBB\xBF");
-    if (reading.hasByteOrderMark() && hasKey) {
-        findings.append({reading.entries().constFirst().extent.first,
-                         QStringLiteral("byte-order-mark"),
-                         QStringLiteral("before the first section the byte order mark is a part of "
-                                        "the first key's name")});
-    }
-}
-
 void checkName(const IniEntry& entry, Findings& findings)
 {
     const int line = entry.extent.first;
-    NameRules::checkSpelling(line, entry.name, findings);
+    if (entry.name.startsWith("\xEF\xBB\xBF")) {
+        findings.append({line, QStringLiteral("byte-order-mark"),
+                         QStringLiteral("a byte order mark is a part of this key's name")});
+    } else {
+        NameRules::checkSpelling(line, entry.name, findings);
+    }
     if (entry.key.startsWith(QLatin1Char('#'))) {
         findings.append({line, QStringLiteral("hash-comment"),
                          QStringLiteral("'#' starts no comment: the line is read as the key %1")
@@ -95,7 +88,6 @@ void checkCase(const QVector<IniEntry>& entries, Findings& findings)
 
 void KeyRules::check(const IniReading& reading, Findings& findings)
 {
-    checkByteOrderMark(reading, findings);
     for (const IniEntry& entry : reading.entries()) {
         checkName(entry, findings);
     }

@@ -70,8 +70,8 @@ void checkStray(const IniStray& stray, Findings& findings)
     NameRules::checkExtent(stray.extent, findings);
     if (stray.text.startsWith("\xEF\xBB\xBF")) {
         findings.append({stray.extent.first, QStringLiteral("byte-order-mark"),
-                         QStringLiteral("before a section the byte order mark counts as a line "
-                                        "without '='; QSettings reports a format error")});
+                         QStringLiteral("a byte order mark counts as a line without '='; QSettings "
+                                        "reports a format error")});
     } else if (stray.text.startsWith('#')) {
         findings.append({stray.extent.first, QStringLiteral("hash-comment"),
                          QStringLiteral("'#' starts no comment; the line is skipped for want of a "

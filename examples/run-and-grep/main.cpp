@@ -3,6 +3,7 @@
 #include "common/BusyDisplay.h"
 #include "common/CommandLine.h"
 #include "common/LibraryMessages.h"
+#include "common/TemporaryPath.h"
 #include "common/WholeFile.h"
 
 #include <QProcessHandler.h>
@@ -248,7 +249,12 @@ ExitCode runAndGrep(const Job& job)
         return complainOfNotRun(job);
     }
 
-    const QTemporaryDir temporaryFolder;
+    const QTemporaryDir temporaryFolder(TemporaryPath::pattern());
+    if (job.file.isEmpty() && !temporaryFolder.isValid()) {
+        CommandLine::complain(QStringLiteral("cannot make a temporary folder: %1")
+                                  .arg(temporaryFolder.errorString()));
+        return FileTrouble;
+    }
     const QString file =
         job.file.isEmpty() ? temporaryFolder.filePath(QStringLiteral("output")) : job.file;
     if (!writeFile(file, joinedOutput(handler))) {

@@ -184,11 +184,10 @@ void tst_IniLint::findings_data()
     row("byte order mark before a key",
         "\xEF\xBB\xBF"
         "a=1\n",
-        "1: before the first section the byte order mark is a part of the first key's name "
-        "[byte-order-mark]\n");
+        "1: a byte order mark is a part of this key's name [byte-order-mark]\n");
     row("byte order mark before a section", "\xEF\xBB\xBF[a]\nb=1\n",
-        "1: before a section the byte order mark counts as a line without '='; QSettings reports a "
-        "format error [byte-order-mark]\n");
+        "1: a byte order mark counts as a line without '='; QSettings reports a format error "
+        "[byte-order-mark]\n");
     row("long line", QByteArray(70, 'x') + "\n",
         ("1: there is no '='; the line is skipped, and QSettings reports a format error: '" +
          QByteArray(60, 'x') + "...' [no-equals]\n")
@@ -266,8 +265,8 @@ void tst_IniLint::codecs_data()
                              "'\xEF\xBF\xBD' [encoding]\n");
     QTest::newRow("UTF-8 after a byte order mark, none")
         << QStringList() << "\xEF\xBB\xBF;\n" + utf8
-        << QStringLiteral("file.ini:1: before a section the byte order mark counts as a line "
-                          "without '='; QSettings reports a format error [byte-order-mark]\n");
+        << QStringLiteral("file.ini:1: a byte order mark counts as a line without '='; QSettings "
+                          "reports a format error [byte-order-mark]\n");
     QTest::newRow("name in UTF-8, UTF-8")
         << codec + QStringList("UTF-8") << QByteArray("\xC3\xA4=1\n[\xC3\xB6]\n")
         << QString::fromUtf8("file.ini:1: '\xC3\xA4' is read as '\xC3\x83\xC2\xA4': names are "
@@ -346,7 +345,7 @@ void tst_IniLint::dryRunShowsTheChanges_data()
     row("carriage returns", "a=1\r\nb=2\n", "1: - a=1\\x0d\n1: + a=1\n");
     row("bytes that are no UTF-8", "a=\xE4\n", "1: - a=\\xe4\n1: + a=\xEF\xBF\xBD\n");
     row("letters beyond ASCII", "a=\xC3\xA4,\n", "1: - a=\xC3\xA4,\n1: + a=\xC3\xA4 \n");
-    row("zero byte", QByteArray("a=1\nb\0=2\nc=3", 11), "2: - b\\x00=2\n2: + b\n3: - c=3\n");
+    row("zero byte", QByteArray("a=1\nb\0=2\nc=3", 12), "2: - b\\x00=2\n2: + b\n3: - c=3\n");
     row("byte order mark", "\xEF\xBB\xBF[a]\nb=\xC3\xA4\n", "1: - \\xef\\xbb\\xbf[a]\n1: + [a]\n");
     row("nothing", "a=1\n;b\n", "");
     row("empty", "", "");

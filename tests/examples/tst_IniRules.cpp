@@ -150,7 +150,7 @@ void tst_IniRules::readsAsQSettings()
     const int count = int(std::size(pieces));
 
     QRandomGenerator random(4711);
-    for (int round = 0; round < rounds(4000); ++round) {
+    for (int round = 0; round < rounds(1500); ++round) {
         QByteArray text = random.bounded(16) == 0 ? QByteArray("\xEF\xBB\xBF") : QByteArray();
         for (int length = random.bounded(40); length > 0; --length) {
             text += pieces[random.bounded(count)];

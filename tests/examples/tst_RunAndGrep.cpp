@@ -29,6 +29,7 @@ private Q_SLOTS:
     void keepsTheOutput();
     void keepsTheOldFileWhenTheCommandFails();
     void leavesNothingBehind();
+    void needsAFolderForTemporaryFiles();
     void stopsACommandThatTakesTooLong();
     void terminalsShowWhatIsWaitedFor_data();
     void terminalsShowWhatIsWaitedFor();
@@ -173,6 +174,24 @@ void tst_RunAndGrep::leavesNothingBehind()
     QCOMPARE(result.exitCode, 1);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
+}
+
+void tst_RunAndGrep::needsAFolderForTemporaryFiles()
+{
+    const QStringList arguments{"TMPDIR=/none", program, "-e", "a"};
+    const QStringList command{"--", "echo", "a"};
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("env"), arguments + command, folder()).finish();
+    QVERIFY2(
+        result.errors.startsWith(QStringLiteral("run-and-grep: cannot make a temporary folder: ")),
+        qPrintable(result.errors));
+    QCOMPARE(result.exitCode, 5);
+    // Not for an output that is kept.
+    QCOMPARE(ProgramRun(QStringLiteral("env"),
+                        arguments + QStringList{"--output", "kept"} + command, folder())
+                 .finish()
+                 .exitCode,
+             0);
 }
 
 void tst_RunAndGrep::stopsACommandThatTakesTooLong()
