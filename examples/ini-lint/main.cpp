@@ -11,6 +11,7 @@
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTextCodec>
 
 namespace {
@@ -134,8 +135,14 @@ void clean(const QString& filePath, const QByteArray& text, const Options& optio
         return;
     }
     const bool mustWrite = *cleaned != text && !options.isDryRun;
+    // Of a pipe nothing is left to read, and nothing can take its place.
+    if (mustWrite && !QFileInfo(filePath).isFile()) {
+        report.addTrouble(filePath, QStringLiteral("only a file can be cleaned up"));
+        return;
+    }
     if (mustWrite && !CleanUp::perform(filePath, *cleaned)) {
-        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up"));
+        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up: it, or its "
+                                                   "folder, cannot be written"));
         return;
     }
     report.addChanges(filePath, CleanUp::changes(text, *cleaned), mustWrite);

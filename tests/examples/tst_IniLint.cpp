@@ -225,7 +225,7 @@ void tst_IniLint::nothingToFind_data()
     QTest::newRow("as QSettings writes names") << QByteArray("a%20b=1\n%UABCD=2\n");
     QTest::newRow("same key in two sections") << QByteArray("[s]\na=1\n[t]\na=1\n");
     QTest::newRow("section in two parts") << QByteArray("[s]\na=1\n[t]\na=1\n[s]\nb=1\n");
-    QTest::newRow("colour") << QByteArray("a=#ff0000\n");
+    QTest::newRow("colour") << QByteArray("a=#ff0000\nb = #ff0000\n");
     QTest::newRow("address") << QByteArray("a=@home\n");
     QTest::newRow("largest number") << QByteArray("a=2147483647\nb=-2147483648\n");
     QTest::newRow("no number") << QByteArray("a=99999999999999999999\n");
@@ -390,16 +390,20 @@ void tst_IniLint::cleanFilesAreNotWritten()
 
 void tst_IniLint::cleanSaysWhatItCannotDo()
 {
-    // A device cannot be replaced by a file, and what is written to it is gone.
     verifyRun({"--clean", "none.ini"}, 2, QString(),
               QStringLiteral("ini-lint: none.ini: No such file or directory\n"));
     ProgramRun pipe(program, {"--clean", "/dev/stdin"}, folder());
     pipe.write("a=1,2\n");
     const ProgramResult result = pipe.finish();
     QCOMPARE(result.errors,
-             QStringLiteral("ini-lint: /dev/stdin: the file cannot be cleaned up\n"));
+             QStringLiteral("ini-lint: /dev/stdin: only a file can be cleaned up\n"));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 2);
+
+    // There are commas in it, and nobody can make a file beside it.
+    verifyRun({"--clean", "/proc/mounts"}, 2, QString(),
+              QStringLiteral("ini-lint: /proc/mounts: the file cannot be cleaned up: it, or its "
+                             "folder, cannot be written\n"));
 
     writeFile(file, "a=1,2\n");
     const ProgramResult without =
