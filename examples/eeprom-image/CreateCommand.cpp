@@ -135,7 +135,9 @@ QByteArray buildImage(const Layout& layout, const QByteArray& block)
     const qint64 size = layout.size.value_or(smallestSize(layout, block));
     QByteArray image(int(size), char(layout.fill));
     const auto putWord = [&image](qint64 address, quint32 word) {
-        qToLittleEndian(word, image.data() + address);
+        const quint32 bytes = qToLittleEndian(word);
+        image.replace(int(address), int(sizeof bytes), reinterpret_cast<const char*>(&bytes),
+                      int(sizeof bytes));
     };
     image.replace(int(layout.start), block.size(), block);
     putWord(reservedField, 0);

@@ -6,6 +6,8 @@
 
 #include <QtCore/QTextCodec>
 
+#include <algorithm>
+
 QString NameRules::quoted(const QString& text)
 {
     constexpr int mostCharacters = 60;
@@ -20,12 +22,19 @@ QString NameRules::quoted(const QByteArray& bytes)
     return quoted(isUtf8BeyondAscii(bytes) ? QString::fromUtf8(bytes) : QString::fromLatin1(bytes));
 }
 
+bool NameRules::isAscii(const QByteArray& bytes)
+{
+    return std::all_of(bytes.cbegin(), bytes.cend(), [](char byte) { return quint8(byte) < 0x80; });
+}
+
 bool NameRules::isUtf8BeyondAscii(const QByteArray& bytes)
 {
+    if (isAscii(bytes)) {
+        return false;
+    }
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    const QString text =
-        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-    return state.invalidChars == 0 && state.remainingChars == 0 && text.size() < bytes.size();
+    QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
+    return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
 bool NameRules::isUnreachable(const QString& path)

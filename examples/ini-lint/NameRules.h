@@ -14,6 +14,7 @@ namespace NameRules {
 QString quoted(const QString& text);
 QString quoted(const QByteArray& bytes);
 
+bool isAscii(const QByteArray& bytes);
 // Whether bytes are UTF-8 that other codecs read as something else.
 bool isUtf8BeyondAscii(const QByteArray& bytes);
 

@@ -6,7 +6,6 @@
 #include <QtCore/QTextCodec>
 #include <QtCore/QVariant>
 
-#include <algorithm>
 #include <limits>
 
 using NameRules::quoted;
@@ -70,11 +69,9 @@ void checkEncoding(const IniEntry& entry, const QTextCodec* codec, Findings& fin
 {
     constexpr int mibOfUtf8 = 106;
 
-    const bool isAscii = std::all_of(entry.bytes.cbegin(), entry.bytes.cend(),
-                                     [](char byte) { return quint8(byte) < 0x80; });
     const bool isUtf8 = NameRules::isUtf8BeyondAscii(entry.bytes);
     const bool mustBeUtf8 = codec != nullptr && codec->mibEnum() == mibOfUtf8;
-    if (isAscii || isUtf8 == mustBeUtf8) {
+    if (NameRules::isAscii(entry.bytes) || isUtf8 == mustBeUtf8) {
         return;
     }
     if (isUtf8) {
