@@ -29,6 +29,8 @@ install(FILES ${misctools_headers}
 set(misctools_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MiscTools)
 install(EXPORT MiscToolsTargets NAMESPACE MiscTools::
   DESTINATION ${misctools_cmake_dir} COMPONENT development)
+# From the build folder the package is found as from an installed tree.
+export(EXPORT MiscToolsTargets NAMESPACE MiscTools:: FILE MiscToolsTargets.cmake)
 configure_package_config_file(cmake/MiscToolsConfig.cmake.in MiscToolsConfig.cmake
   INSTALL_DESTINATION ${misctools_cmake_dir})
 write_basic_package_version_file(MiscToolsConfigVersion.cmake COMPATIBILITY SameMajorVersion)
