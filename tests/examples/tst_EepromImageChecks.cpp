@@ -20,6 +20,7 @@ private Q_SLOTS:
     void verifySaysWhereEverythingStands();
     void damageIsNamedWithItsPlace_data();
     void damageIsNamedWithItsPlace();
+    void readErrorsAreNamed();
     void pipesCannotBePositioned();
     void verifyJudgesAsTheLibrary();
     void dumpExplainsASoundImage();
@@ -146,6 +147,17 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace()
     QCOMPARE(dumped.errors, errors);
     QCOMPARE(dumped.output.isEmpty(), image.isNull());
     QCOMPARE(dumped.exitCode, exitCode);
+}
+
+// Nothing can be read at the begin of a process's memory, where nothing is mapped.
+void tst_EepromImageChecks::readErrorsAreNamed()
+{
+    const ProgramResult result = run(QStringLiteral("verify"), QStringLiteral("/proc/self/mem"));
+    QCOMPARE(result.errors,
+             QStringLiteral("eeprom-image: /proc/self/mem: the header is cut short: 0 of its 16 "
+                            "bytes, 20 to 35 (0x14 to 0x23), are there (Input/output error)\n"));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, 12);
 }
 
 void tst_EepromImageChecks::pipesCannotBePositioned()
