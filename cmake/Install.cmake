@@ -1,5 +1,5 @@
 # What 'cmake --install' puts where: the library (component runtime) and all that a program needs to
-# be built against it (component development).
+# be built against it (component development), and the example programs (component tools).
 include(CMakePackageConfigHelpers)
 
 set(misctools_targets MiscTools)
@@ -10,6 +10,17 @@ install(TARGETS ${misctools_targets} EXPORT MiscToolsTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     COMPONENT runtime
     NAMELINK_COMPONENT development)
+
+if(TARGET eeprom-image)
+  set(misctools_tools device-report eeprom-image ini-lint peak-meter run-and-grep watch-media)
+  install(TARGETS ${misctools_tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  foreach(tool IN LISTS misctools_tools)
+    install(FILES docs/man/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    # The shell looks for a file of the command's name.
+    install(FILES examples/completion/misctools RENAME ${tool}
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+  endforeach()
+endif()
 
 file(GLOB misctools_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
 install(FILES ${misctools_headers}
