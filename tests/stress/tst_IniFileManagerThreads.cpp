@@ -416,7 +416,7 @@ void tst_IniFileManagerThreads::handlersOfManyThreadsMayCallBack()
 
 void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
 {
-    constexpr int questions = 60000;
+    const int questions = stressRounds(60000, 60000);
 
     IniFileManager manager(
         writeFile(QStringLiteral("groups.ini"), "top=1\n[A]\nk=1\nn/deep=1\n[B]\nk=2\n[C]\nk=3\n"),
@@ -456,7 +456,7 @@ void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
 void tst_IniFileManagerThreads::listingsAreOfOneMoment()
 {
     // Between the listing of a group and the reading of its keys nobody removes one.
-    constexpr int listings = 3000;
+    const int listings = stressRounds(3000, 3000);
 
     IniFileManager manager(iniFile(), nullptr);
     std::atomic<bool> stop{false};
@@ -489,7 +489,7 @@ void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment()
 {
     // The first group leaves its Position before it loses its key, and comes back with it. So the
     // group that a search finds has the key as long as nobody comes between search and reading.
-    constexpr int reads = 10000;
+    const int reads = stressRounds(10000, 10000);
 
     QFETCH(Call, read);
     const QString first = QStringLiteral("A");
@@ -538,7 +538,7 @@ void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes()
     // A write that falls right behind a flush must leave the note that something is pending, or it
     // is never written. Here one thread flushes all the time while another makes the last write;
     // then the object goes, which is the last chance for that write.
-    constexpr int rounds = 400;
+    const int rounds = stressRounds(400, 400);
     const QByteArray content = "Text=0\nKey=0\n[Group]\nText=0\nKey=0\n";
 
     QFETCH(Call, write);

@@ -2,16 +2,6 @@
 
 #include <QtCore/QFile>
 
-namespace {
-
-// script/emulated says where the libraries of the other processor are.
-int shortenedUnderEmulator(int rounds)
-{
-    return qEnvironmentVariableIsSet("QEMU_LD_PREFIX") ? rounds / 10 : rounds;
-}
-
-} // namespace
-
 QString TestCase::writeFile(const QString& name, const QByteArray& content) const
 {
     const QString filePath = path(name);
@@ -28,16 +18,24 @@ QByteArray TestCase::readFile(const QString& filePath)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+bool TestCase::isEmulated()
+{
+    return qEnvironmentVariableIsSet("QEMU_LD_PREFIX");
+}
+
 int TestCase::rounds(int usual)
 {
     bool isGiven = false;
     const int given = qEnvironmentVariableIntValue("MISCTOOLS_DIFFERENTIAL_ROUNDS", &isGiven);
-    return isGiven ? given : shortenedUnderEmulator(usual);
+    return isGiven ? given : isEmulated() ? usual / 10 : usual;
 }
 
 int TestCase::stressRounds(int shortForm, int fullForm)
 {
-    return qgetenv("MISCTOOLS_STRESS") == "full" ? fullForm : shortenedUnderEmulator(shortForm);
+    if (qgetenv("MISCTOOLS_STRESS") == "full") {
+        return fullForm;
+    }
+    return isEmulated() ? shortForm / 10 : shortForm;
 }
 
 void TestCase::init()

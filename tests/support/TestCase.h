@@ -29,6 +29,9 @@ protected:
     // Writes a file into the row's folder; gives its path.
     QString writeFile(const QString& name, const QByteArray& content) const;
 
+    // Whether script/emulated runs this for another processor, which takes some ten times as long.
+    static bool isEmulated();
+
     // How often a test with random input is to try: usually so often, or as the environment
     // variable MISCTOOLS_DIFFERENTIAL_ROUNDS says. Under an emulator, a tenth of the usual rounds.
     static int rounds(int usual);

@@ -150,10 +150,12 @@ void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheBlock()
 {
     store(EepromImage(guardedBlock()).bytes());
     const QString warning = invalidChecksum(m_file->fileName());
+    // Under an emulator a tenth of the pairs.
+    const int step = isEmulated() ? 10 : 1;
     int pairs = 0;
     for (int first = EepromImage::headerEnd * 8; first < m_image.size() * 8; ++first) {
         flip(first);
-        for (int second = first + 1; second < m_image.size() * 8; ++second) {
+        for (int second = first + 1; second < m_image.size() * 8; second += step) {
             flip(second);
             QVERIFY(!isRead(warning) && !QTest::currentTestFailed());
             flip(second);
@@ -161,7 +163,7 @@ void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheBlock()
         }
         flip(first);
     }
-    QCOMPARE(pairs, 319600);
+    QCOMPARE(pairs, isEmulated() ? 32320 : 319600);
 }
 
 void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheHeader()
@@ -212,7 +214,8 @@ void tst_HardwareInfoReaderDamage::erasedImages()
 void tst_HardwareInfoReaderDamage::garbage()
 {
     QRandomGenerator random(20240229);
-    for (int i = 0; i < 20000; ++i) {
+    const int images = rounds(20000);
+    for (int i = 0; i < images; ++i) {
         QByteArray image(random.bounded(300), Qt::Uninitialized);
         for (char& byte : image) {
             byte = char(random.bounded(256));
