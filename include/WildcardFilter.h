@@ -36,7 +36,9 @@ public:
     WildcardFilter(const QStringList& patterns, QDir::Filters filters);
     virtual ~WildcardFilter();
 
+    /*! \brief An independent copy. */
     WildcardFilter(const WildcardFilter&) = default;
+    /*! \brief Makes this an independent copy. */
     WildcardFilter& operator=(const WildcardFilter&) = default;
 
     /*!
