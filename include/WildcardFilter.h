@@ -11,6 +11,11 @@
 #include <QtCore/QVector>
 
 /*!
+ * \file
+ * \brief The wildcard filter, and functions that search folders and join paths.
+ */
+
+/*!
  * \brief Tells whether a file's name fits one of several wildcard patterns, such as "*.txt".
  *
  * \par Contract
