@@ -41,11 +41,10 @@ void hardwareIdentification()
 
 void hardwareInfoReader(const QString& path)
 {
-    HardwareInfo hardwareInfo;
+    HardwareInfo board;
     HardwareInfoReader reader(nullptr);
-    if (reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), path,
-                                         hardwareInfo)) {
-        use(hardwareInfo.typeName());
+    if (reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), path, board)) {
+        use(board.typeName());
     }
 }
 
