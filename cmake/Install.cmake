@@ -1,5 +1,5 @@
 # What 'cmake --install' puts where: the library (component runtime) and all that a program needs to
-# be built against it (component development).
+# be built against it (component development), and the example programs (component tools).
 include(CMakePackageConfigHelpers)
 
 set(misctools_targets MiscTools)
@@ -11,6 +11,17 @@ install(TARGETS ${misctools_targets} EXPORT MiscToolsTargets
     COMPONENT runtime
     NAMELINK_COMPONENT development)
 
+if(TARGET eeprom-image)
+  set(misctools_tools device-report eeprom-image ini-lint peak-meter run-and-grep watch-media)
+  install(TARGETS ${misctools_tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  foreach(tool IN LISTS misctools_tools)
+    install(FILES docs/man/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    # The shell looks for a file of the command's name.
+    install(FILES examples/completion/misctools RENAME ${tool}
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+  endforeach()
+endif()
+
 file(GLOB misctools_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
 install(FILES ${misctools_headers}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/MiscTools COMPONENT development)
@@ -18,6 +29,8 @@ install(FILES ${misctools_headers}
 set(misctools_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MiscTools)
 install(EXPORT MiscToolsTargets NAMESPACE MiscTools::
   DESTINATION ${misctools_cmake_dir} COMPONENT development)
+# From the build folder the package is found as from an installed tree.
+export(EXPORT MiscToolsTargets NAMESPACE MiscTools:: FILE MiscToolsTargets.cmake)
 configure_package_config_file(cmake/MiscToolsConfig.cmake.in MiscToolsConfig.cmake
   INSTALL_DESTINATION ${misctools_cmake_dir})
 write_basic_package_version_file(MiscToolsConfigVersion.cmake COMPATIBILITY SameMajorVersion)

@@ -15,6 +15,11 @@ void writeLine(FILE* stream, const QString& line)
 
 } // namespace
 
+QString CommandLine::programName()
+{
+    return QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+}
+
 const QCommandLineOption& CommandLine::verboseOption()
 {
     static const QCommandLineOption option(QStringLiteral("verbose"),
@@ -27,6 +32,18 @@ const QCommandLineOption& CommandLine::helpOption()
     static const QCommandLineOption option({QStringLiteral("h"), QStringLiteral("help")},
                                            QStringLiteral("Show this help."));
     return option;
+}
+
+const QCommandLineOption& CommandLine::versionOption()
+{
+    static const QCommandLineOption option({QStringLiteral("v"), QStringLiteral("version")},
+                                           QStringLiteral("Show the version."));
+    return option;
+}
+
+void CommandLine::printVersion()
+{
+    print(programName() + QStringLiteral(" " PROGRAM_VERSION));
 }
 
 QString CommandLine::printable(const QString& text)
@@ -49,8 +66,7 @@ void CommandLine::print(const QString& line)
 
 void CommandLine::complain(const QString& trouble)
 {
-    const QString program = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
-    writeLine(stderr, program + QStringLiteral(": ") + trouble);
+    writeLine(stderr, programName() + QStringLiteral(": ") + trouble);
 }
 
 void CommandLine::complainOfUsage(const QString& trouble)

@@ -7,9 +7,14 @@
 // What every example program says and reads the same way.
 namespace CommandLine {
 
-// The options --verbose, for LibraryMessages::take(), and --help.
+// The options --verbose, for LibraryMessages::take(), --help and --version.
 const QCommandLineOption& verboseOption();
 const QCommandLineOption& helpOption();
+const QCommandLineOption& versionOption();
+
+// The program's name; the same with the version, on standard output.
+QString programName();
+void printVersion();
 
 // Text that stays on its line whatever it holds: a file's name may contain line feeds and the
 // commands of a terminal. They are shown as \x0a and the like.

@@ -5,17 +5,10 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-namespace {
-
-void redraw(const QString& text)
+ProgressDisplay::ProgressDisplay(FILE* stream)
+    : m_stream(stream), m_isLive(isatty(fileno(stream)) != 0), m_statusWidth(0)
 {
-    std::fputs((QLatin1Char('\r') + text).toUtf8().constData(), stdout);
-    std::fflush(stdout);
 }
-
-} // namespace
-
-ProgressDisplay::ProgressDisplay() : m_isLive(isatty(STDOUT_FILENO) != 0), m_statusWidth(0) {}
 
 bool ProgressDisplay::isLive() const
 {
@@ -28,7 +21,7 @@ int ProgressDisplay::columns() const
     constexpr int usualColumns = 80;
 
     winsize size = {};
-    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    const bool isKnown = ioctl(fileno(m_stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
     return (isKnown ? size.ws_col : usualColumns) - 1;
 }
 
@@ -55,4 +48,10 @@ void ProgressDisplay::clearStatus()
         redraw(QString(m_statusWidth, QLatin1Char(' ')) + QLatin1Char('\r'));
         m_statusWidth = 0;
     }
+}
+
+void ProgressDisplay::redraw(const QString& text) const
+{
+    std::fputs((QLatin1Char('\r') + text).toUtf8().constData(), m_stream);
+    std::fflush(m_stream);
 }

@@ -3,15 +3,17 @@
 
 #include <QtCore/QString>
 
+#include <cstdio>
+
 /*
- * Standard output as a place for progress. On a terminal the last line is redrawn in place; it
- * needs no more of the terminal than a carriage return, which a serial console has too. In a pipe
- * or a file there are only the lines that stay.
+ * Standard output, or standard error, as a place for progress. On a terminal the last line is
+ * redrawn in place; it needs no more of the terminal than a carriage return, which a serial console
+ * has too. In a pipe or a file there are only the lines that stay.
  */
 class ProgressDisplay
 {
 public:
-    ProgressDisplay();
+    explicit ProgressDisplay(FILE* stream = stdout);
 
     // Whether there is a line that can be redrawn.
     bool isLive() const;
@@ -19,7 +21,7 @@ public:
     // How many characters of the redrawn line can be seen.
     int columns() const;
 
-    // A line that stays.
+    // A line that stays, on standard output in any case.
     void showEvent(const QString& line);
 
     // Redraws the last line; nothing in a pipe.
@@ -29,6 +31,9 @@ public:
     void clearStatus();
 
 private:
+    void redraw(const QString& text) const;
+
+    FILE* const m_stream;
     bool m_isLive;
     int m_statusWidth;
 };

@@ -12,8 +12,8 @@
 #include "VersionFileIniManager.h"
 #include "VersionManager.h"
 #include "common/LibraryMessages.h"
+#include "common/TemporaryPath.h"
 
-#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonObject>
 #include <QtCore/QStringList>
@@ -107,8 +107,7 @@ ReportSection hardware(const QString& eepromPath)
     bool isRead = false;
     if (!eepromPath.isEmpty()) {
         HardwareInfoReader reader(nullptr);
-        isRead = reader.readHardwareInfoFromSysFs(
-            QDir::tempPath() + QStringLiteral("/device-report.XXXXXX"), eepromPath, record);
+        isRead = reader.readHardwareInfoFromSysFs(TemporaryPath::pattern(), eepromPath, record);
     }
 
     const NamedValue fields[] = {

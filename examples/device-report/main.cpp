@@ -26,6 +26,21 @@ int usageError(const QString& reason)
     return WrongUsage;
 }
 
+QString helpText(const QCommandLineParser& parser)
+{
+    return parser.helpText() +
+           QStringLiteral("\n"
+                          "Exit codes:\n"
+                          "  0  everything is known\n"
+                          "  1  something is missing; the report says what and why\n"
+                          "  2  wrong usage\n"
+                          "  3  the report could not be written\n"
+                          "\n"
+                          "Examples:\n"
+                          "  device-report --eeprom /sys/bus/i2c/devices/0-0050/eeprom\n"
+                          "  device-report --json --hardware-id 1234567891234567");
+}
+
 bool writeOut(const QByteArray& bytes)
 {
     return fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size()) &&
@@ -35,32 +50,34 @@ bool writeOut(const QByteArray& bytes)
 int run(const QStringList& arguments)
 {
     const QCommandLineOption& help = CommandLine::helpOption();
+    const QCommandLineOption& version = CommandLine::versionOption();
+    const QCommandLineOption& verbose = CommandLine::verboseOption();
     const QCommandLineOption eeprom(
         QStringLiteral("eeprom"),
-        QStringLiteral("Read the board's hardware record from the EEPROM image <path>."),
-        QStringLiteral("path"));
+        QStringLiteral("Read the board's hardware record from the EEPROM image PATH, such as the "
+                       "file 'eeprom' of its driver below /sys/bus/i2c/devices."),
+        QStringLiteral("PATH"));
     const QCommandLineOption hardwareId(QStringLiteral("hardware-id"),
-                                        QStringLiteral("Take the 16-digit hardware ID <id> apart."),
-                                        QStringLiteral("id"));
+                                        QStringLiteral("Take the 16-digit hardware ID apart."),
+                                        QStringLiteral("ID"));
     const QCommandLineOption json(QStringLiteral("json"),
                                   QStringLiteral("Print one JSON object, for tools."));
-    const QCommandLineOption verbose(
-        QStringLiteral("verbose"),
-        QStringLiteral("Show the library's log messages on standard error."));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Prints the identity of the device: board, hardware ID, versions, how it booted, device\n"
-        "index and the name of the next export file. Changes nothing on the device.\n"
-        "\n"
-        "Exit codes: 0 all is known, 1 something is missing (the report says what), 2 wrong\n"
-        "usage, 3 the report could not be written."));
-    parser.addOptions({help, eeprom, hardwareId, json, verbose});
+        "\nPrints the identity of the device: board, hardware ID, versions, how it booted, device\n"
+        "index and the name of the next export file. Changes nothing on the device."));
+    parser.addOptions({eeprom, hardwareId, json, verbose, help, version});
     if (!parser.parse(arguments)) {
         return usageError(parser.errorText());
     }
     if (parser.isSet(help)) {
-        return writeOut(parser.helpText().toLocal8Bit()) ? Complete : NotWritten;
+        CommandLine::print(helpText(parser));
+        return Complete;
+    }
+    if (parser.isSet(version)) {
+        CommandLine::printVersion();
+        return Complete;
     }
     if (!parser.positionalArguments().isEmpty()) {
         return usageError(

@@ -7,12 +7,14 @@
 namespace {
 
 constexpr char help[] =
-    R"(Writes and reads EEPROM images that hold the hardware record of a board.
+    R"(Writes, reads and checks EEPROM images that hold the hardware record of a board.
 
 Usage:
   eeprom-image create [--start ADDRESS] [--size BYTES] [--fill BYTE] [--allow-overlap]
                       INI-FILE IMAGE
   eeprom-image show [--verbose] IMAGE
+  eeprom-image verify IMAGE
+  eeprom-image dump IMAGE
   eeprom-image --help | --version
 
 create  writes IMAGE, which holds the text of INI-FILE as its block, a header that points at the
@@ -27,6 +29,17 @@ show    prints the record of IMAGE, which may be the file that the kernel shows 
         of this machine. Only the folder for temporary files must be writable.
   --verbose         show on standard error what the library logs
 
+verify  checks header, length and checksum of IMAGE without parsing its block; says where they
+        stand, or what is wrong and at which bytes. It writes nothing anywhere.
+
+dump    prints the header of IMAGE field by field, the checksum stored and the one calculated, and
+        the bytes of the block, as many as are there. A damaged image is printed, too; what is
+        wrong with it follows on standard error.
+
+Every command knows:
+  -h, --help        show this help
+  -v, --version     show the version
+
 Exit codes:
    0  done; the image is sound
    1  wrong usage
@@ -34,7 +47,7 @@ create:
    2  INI-FILE cannot be read
    3  the layout is refused: block too long, image too small or too large, header overlapped
    4  IMAGE cannot be written
-show:
+show, verify and dump:
   10  there is no such image
   11  the image cannot be opened
   12  the header is cut short
@@ -43,8 +56,8 @@ show:
   15  the block is cut short
   16  the checksum is wrong
   17  the block is empty
-  18  the block is sound but could not be parsed
-  19  any other failure
+  18  the block is sound but could not be parsed (show alone)
+  19  any other failure (show alone)
 )";
 
 } // namespace
@@ -57,7 +70,7 @@ ExitCode printHelp()
 
 ExitCode printVersion()
 {
-    CommandLine::print(QStringLiteral("eeprom-image " EEPROM_IMAGE_VERSION));
+    CommandLine::printVersion();
     return ExitCode::Done;
 }
 
@@ -65,6 +78,12 @@ ExitCode refuseUsage(const QString& reason)
 {
     CommandLine::complainOfUsage(reason);
     return ExitCode::WrongUsage;
+}
+
+ExitCode refuseImage(const QString& filePath, ExitCode exitCode, const QString& trouble)
+{
+    CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, trouble));
+    return exitCode;
 }
 
 std::optional<ExitCode> parseArguments(QCommandLineParser& parser, const QStringList& arguments,

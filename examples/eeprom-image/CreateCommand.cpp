@@ -2,6 +2,7 @@
 
 #include "Arguments.h"
 #include "HardwareInfoReader.h"
+#include "ImageFormat.h"
 #include "common/CommandLine.h"
 #include "common/WholeFile.h"
 
@@ -9,15 +10,10 @@
 #include <QtCore/QFile>
 #include <QtCore/QtEndian>
 
+using namespace ImageFormat;
+
 namespace {
 
-constexpr qint64 headerAddress = 20;
-constexpr qint64 startAddressField = 24;
-constexpr qint64 lengthField = 28;
-constexpr qint64 checksumField = 32;
-constexpr qint64 headerEnd = 36;
-constexpr qint64 checksumSize = 2; // the field's other two bytes are not evaluated
-constexpr qint64 maxBlockSize = 65535;
 // Far above any EEPROM; a slip of the finger must not fill the disk.
 constexpr qint64 maxImageSize = 16 * 1024 * 1024;
 
@@ -139,10 +135,12 @@ QByteArray buildImage(const Layout& layout, const QByteArray& block)
     const qint64 size = layout.size.value_or(smallestSize(layout, block));
     QByteArray image(int(size), char(layout.fill));
     const auto putWord = [&image](qint64 address, quint32 word) {
-        qToLittleEndian(word, image.data() + address);
+        const quint32 bytes = qToLittleEndian(word);
+        image.replace(int(address), int(sizeof bytes), reinterpret_cast<const char*>(&bytes),
+                      int(sizeof bytes));
     };
     image.replace(int(layout.start), block.size(), block);
-    putWord(headerAddress, 0);
+    putWord(reservedField, 0);
     putWord(startAddressField, quint32(layout.start));
     putWord(lengthField, quint32(block.size()));
     putWord(checksumField, 0);

@@ -5,6 +5,7 @@
 #include "HardwareInfoReader.h"
 #include "common/CommandLine.h"
 #include "common/LibraryMessages.h"
+#include "common/TemporaryPath.h"
 
 #include <QtCore/QCommandLineParser>
 
@@ -109,32 +110,18 @@ void printRecord(const HardwareInfo& info)
     }
 }
 
-// QDir::temp() takes the current folder for a TMPDIR that is none; this one must not be written to.
-QString temporaryFile()
-{
-    const QString folder = qEnvironmentVariable("TMPDIR");
-    return (folder.isEmpty() ? QStringLiteral("/tmp") : folder) +
-           QStringLiteral("/eeprom-image.XXXXXX");
-}
-
-ExitCode fail(const QString& filePath, ExitCode exitCode, const QString& meaning)
-{
-    CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, meaning));
-    return exitCode;
-}
-
 ExitCode showRecord(const QString& filePath, bool isVerbose)
 {
     LibraryMessages::take(isVerbose);
     HardwareInfo info;
     HardwareInfoReader reader(nullptr);
-    const bool isRead = reader.readHardwareInfoFromSysFs(temporaryFile(), filePath, info);
+    const bool isRead = reader.readHardwareInfoFromSysFs(TemporaryPath::pattern(), filePath, info);
     if (const Failure* failure = findFailure()) {
-        return fail(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
+        return refuseImage(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
     }
     if (!isRead) {
-        return fail(filePath, ExitCode::UnknownFailure,
-                    QStringLiteral("the library refuses the image; --verbose shows why"));
+        return refuseImage(filePath, ExitCode::UnknownFailure,
+                           QStringLiteral("the library refuses the image; --verbose shows why"));
     }
     CommandLine::print(QStringLiteral("%1: the image is sound").arg(filePath));
     printRecord(info);

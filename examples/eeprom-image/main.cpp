@@ -1,30 +1,45 @@
 #include "Arguments.h"
 #include "CreateCommand.h"
+#include "DumpCommand.h"
 #include "ShowCommand.h"
+#include "VerifyCommand.h"
 
 #include <QtCore/QCoreApplication>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
+
+struct Command
+{
+    const char* name;
+    ExitCode (*run)(const QStringList& arguments);
+};
+
+constexpr Command commands[] = {
+    {"create", &createImage}, {"show", &showImage}, {"verify", &verifyImage}, {"dump", &dumpImage}};
 
 ExitCode run(QStringList arguments)
 {
     if (arguments.size() < 2) {
-        return refuseUsage(QStringLiteral("a command is needed: create or show"));
+        return refuseUsage(QStringLiteral("a command is needed: create, show, verify or dump"));
     }
-    const QString command = arguments.takeAt(1);
-    if (command == QLatin1String("create")) {
-        return createImage(arguments);
+    const QString name = arguments.takeAt(1);
+    const auto* const command =
+        std::find_if(std::cbegin(commands), std::cend(commands), [&name](const Command& candidate) {
+            return name == QLatin1String(candidate.name);
+        });
+    if (command != std::cend(commands)) {
+        return command->run(arguments);
     }
-    if (command == QLatin1String("show")) {
-        return showImage(arguments);
-    }
-    if (command == QLatin1String("--help") || command == QLatin1String("-h")) {
+    if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
         return printHelp();
     }
-    if (command == QLatin1String("--version") || command == QLatin1String("-v")) {
+    if (name == QLatin1String("--version") || name == QLatin1String("-v")) {
         return printVersion();
     }
-    return refuseUsage(QStringLiteral("unknown command '%1'").arg(command));
+    return refuseUsage(QStringLiteral("unknown command '%1'").arg(name));
 }
 
 } // namespace

@@ -106,8 +106,8 @@ int main(int argc, char* argv[])
     parser.setApplicationDescription(QStringLiteral(
         "\nReads numbers from standard input, one per line, and shows the lowest and the highest, "
         "on a\nterminal as a bar in which the last value is marked."));
-    parser.addOptions(
-        {fileOption(), resetOption(), CommandLine::verboseOption(), CommandLine::helpOption()});
+    parser.addOptions({fileOption(), resetOption(), CommandLine::verboseOption(),
+                       CommandLine::helpOption(), CommandLine::versionOption()});
 
     if (!parser.parse(QCoreApplication::arguments())) {
         CommandLine::complainOfUsage(parser.errorText());
@@ -115,6 +115,10 @@ int main(int argc, char* argv[])
     }
     if (parser.isSet(CommandLine::helpOption())) {
         CommandLine::print(helpText(parser));
+        return AllTaken;
+    }
+    if (parser.isSet(CommandLine::versionOption())) {
+        CommandLine::printVersion();
         return AllTaken;
     }
     if (!checkOptions(parser)) {

@@ -1,7 +1,9 @@
 // Runs a command, keeps its output in a file and matches regular expressions over it:
 // QProcessHandler and TextFileParser at work.
+#include "common/BusyDisplay.h"
 #include "common/CommandLine.h"
 #include "common/LibraryMessages.h"
+#include "common/TemporaryPath.h"
 #include "common/WholeFile.h"
 
 #include <QProcessHandler.h>
@@ -150,33 +152,38 @@ bool readFile(const QCommandLineParser& parser, Job& job)
 }
 
 // One line each, whatever they hold.
-void printMatches(const QString& label, const QStringList& matches)
+void printMatches(BusyDisplay& display, const QString& label, const QStringList& matches)
 {
     for (QString match : matches) {
-        CommandLine::print(label + match.replace(QLatin1Char('\n'), QStringLiteral("\\n")));
+        display.print(label + match.replace(QLatin1Char('\n'), QStringLiteral("\\n")));
     }
 }
 
 // Prints the matches in the file at path; tells what that means for the exit code.
 ExitCode grep(const Job& job, const QString& path)
 {
+    BusyDisplay display(QStringLiteral("reading %1").arg(CommandLine::printable(path)));
     TextFileParser parser(path);
     if (parser.hasError()) {
         const QString reason =
             QFileInfo::exists(path)
                 ? parser.getLastError().section(QStringLiteral(" IO Error: "), -1)
                 : QStringLiteral("no such file");
-        CommandLine::complain(QStringLiteral("cannot read %1: %2").arg(path, reason));
+        display.complain(QStringLiteral("cannot read %1: %2").arg(path, reason));
         return FileTrouble;
     }
     bool hasMatch = false;
     for (const QRegularExpression& expression : job.expressions) {
+        display.setActivity(
+            QStringLiteral("searching %1 for %2")
+                .arg(CommandLine::printable(path), CommandLine::printable(expression.pattern())));
         QStringList matches = parser.multiMatch(expression);
         if (job.isFirstOnly) {
             matches = matches.mid(0, 1);
         }
         const bool isOneOfSeveral = job.expressions.size() > 1;
-        printMatches(isOneOfSeveral ? expression.pattern() + QStringLiteral(": ") : QString(),
+        printMatches(display,
+                     isOneOfSeveral ? expression.pattern() + QStringLiteral(": ") : QString(),
                      matches);
         hasMatch |= !matches.isEmpty();
     }
@@ -203,6 +210,16 @@ QString joinedOutput(const QProcessHandler& handler)
     return output + errors;
 }
 
+// Runs the command; gives its exit code.
+int runCommand(const Job& job, QProcessHandler& handler)
+{
+    const QString program = job.command.constFirst();
+    const BusyDisplay display(QStringLiteral("running %1, for %2 s at most")
+                                  .arg(CommandLine::printable(program))
+                                  .arg(double(job.timeoutInMs) / 1000));
+    return handler.startProcess(program, job.command.mid(1));
+}
+
 ExitCode complainOfNotRun(const Job& job)
 {
     // The same -1 comes for both; the library's warning tells them apart.
@@ -227,12 +244,17 @@ ExitCode runAndGrep(const Job& job)
     handler.setWaitForFinishedTimeout(job.timeoutInMs);
     // Nobody types; a program that reads should not wait for it.
     handler.setStandardInputFile(QProcess::nullDevice());
-    const int programExitCode = handler.startProcess(program, job.command.mid(1));
+    const int programExitCode = runCommand(job, handler);
     if (programExitCode == -1) {
         return complainOfNotRun(job);
     }
 
-    const QTemporaryDir temporaryFolder;
+    const QTemporaryDir temporaryFolder(TemporaryPath::pattern());
+    if (job.file.isEmpty() && !temporaryFolder.isValid()) {
+        CommandLine::complain(QStringLiteral("cannot make a temporary folder: %1")
+                                  .arg(temporaryFolder.errorString()));
+        return FileTrouble;
+    }
     const QString file =
         job.file.isEmpty() ? temporaryFolder.filePath(QStringLiteral("output")) : job.file;
     if (!writeFile(file, joinedOutput(handler))) {
@@ -256,7 +278,8 @@ int main(int argc, char* argv[])
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.addOptions({expressionOption(), firstOption(), timeoutOption(), outputOption(),
-                       CommandLine::verboseOption(), CommandLine::helpOption()});
+                       CommandLine::verboseOption(), CommandLine::helpOption(),
+                       CommandLine::versionOption()});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A text file."));
     parser.addPositionalArgument(
         QStringLiteral("PROGRAM"),
@@ -277,6 +300,10 @@ int main(int argc, char* argv[])
     }
     if (parser.isSet(CommandLine::helpOption())) {
         CommandLine::print(helpText(parser));
+        return Match;
+    }
+    if (parser.isSet(CommandLine::versionOption())) {
+        CommandLine::printVersion();
         return Match;
     }
     if (!readExpressions(parser, job) || !readTimeout(parser, job) || !readFile(parser, job)) {

@@ -73,6 +73,7 @@ bool MediumWatch::start()
     if (!watchFolder(m_options.folder)) {
         return false;
     }
+    m_display.showStatus(QStringLiteral("listing %1").arg(CommandLine::printable(m_options.name)));
     m_mediaWatcher.mediumMounted(m_options.folder);
     m_display.showEvent(
         QStringLiteral("%1: %2 (%3)")

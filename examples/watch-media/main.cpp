@@ -129,7 +129,7 @@ int main(int argc, char* argv[])
         "what comes\nand goes. Changes are reported in bursts; hidden files are left "
         "out."));
     parser.addOptions({patternOption(), recursiveOption(), delayOption(), idleOption(),
-                       burstsOption(), CommandLine::helpOption()});
+                       burstsOption(), CommandLine::helpOption(), CommandLine::versionOption()});
     parser.addPositionalArgument(QStringLiteral("FOLDER"), QStringLiteral("The folder to watch."));
 
     if (!parser.parse(QCoreApplication::arguments())) {
@@ -138,6 +138,10 @@ int main(int argc, char* argv[])
     }
     if (parser.isSet(CommandLine::helpOption())) {
         CommandLine::print(helpText(parser));
+        return Ended;
+    }
+    if (parser.isSet(CommandLine::versionOption())) {
+        CommandLine::printVersion();
         return Ended;
     }
     WatchOptions options;

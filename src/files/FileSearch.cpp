@@ -76,7 +76,7 @@ public:
 private:
     Q_DISABLE_COPY(NameSearch)
 
-    // Those of the folder at m_path; leaves it as it is.
+    // Those of the folder at m_path, which is longer afterwards.
     void addEntries();
     // DT_REG, DT_DIR or DT_LNK if what is at that path is listed, else DT_UNKNOWN.
     static int listedType(int type, const QString& path);
@@ -92,7 +92,6 @@ void NameSearch::addEntries()
     if (folder == nullptr) {
         return;
     }
-    const int folderSize = m_path.size();
     if (!m_path.endsWith('/')) {
         m_path += '/';
     }
@@ -116,7 +115,6 @@ void NameSearch::addEntries()
             addEntries();
         }
     }
-    m_path.truncate(folderSize);
 }
 
 int NameSearch::listedType(int type, const QString& path)

@@ -19,13 +19,14 @@ constexpr int pollIntervalInMs = 20;
 class TerminalProcess : public QProcess
 {
 public:
-    explicit TerminalProcess(int line) : m_line(line) {}
+    TerminalProcess(int line, int descriptor) : m_line(line), m_descriptor(descriptor) {}
 
 protected:
-    void setupChildProcess() override { dup2(m_line, STDOUT_FILENO); }
+    void setupChildProcess() override { dup2(m_line, m_descriptor); }
 
 private:
     int m_line;
+    int m_descriptor;
 };
 
 // As the program wrote it: the terminal makes no "\r\n" of a "\n".
@@ -39,8 +40,10 @@ void setRaw(int terminal)
 
 } // namespace
 
-Terminal::Terminal(int columns)
-    : m_screen(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)), m_line(-1)
+Terminal::Terminal(int columns, Stream stream)
+    : m_stream(stream)
+    , m_screen(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC))
+    , m_line(-1)
 {
     if (m_screen < 0 || grantpt(m_screen) != 0 || unlockpt(m_screen) != 0) {
         qFatal("there is no terminal to be had");
@@ -72,7 +75,8 @@ QByteArray Terminal::run(const QString& program, const QStringList& arguments)
 void Terminal::start(const QString& program, const QStringList& arguments)
 {
     m_written.clear();
-    m_process.reset(new TerminalProcess(m_line));
+    m_process.reset(
+        new TerminalProcess(m_line, m_stream == StandardError ? STDERR_FILENO : STDOUT_FILENO));
     m_process->start(program, arguments);
 }
 

@@ -13,7 +13,14 @@ class QProcess;
 class Terminal
 {
 public:
-    explicit Terminal(int columns);
+    // Which of a program's streams goes to the terminal.
+    enum Stream
+    {
+        StandardOutput,
+        StandardError
+    };
+
+    explicit Terminal(int columns, Stream stream = StandardOutput);
     ~Terminal();
 
     // Runs program to its end; gives all that reached the terminal, as it was written.
@@ -35,6 +42,7 @@ private:
 
     QByteArray readAll() const;
 
+    const Stream m_stream;
     int m_screen;
     int m_line;
     QByteArray m_written;

@@ -637,7 +637,12 @@ void tst_DeviceReport::wrongUsage()
 void tst_DeviceReport::help()
 {
     const Result result = runReport({QStringLiteral("--help")});
-    for (const char* word : {"--eeprom", "--hardware-id", "--json", "--verbose", "Exit codes:"}) {
+    for (const char* word : {"--eeprom <PATH>", "--hardware-id <ID>", "--json", "--verbose",
+                             "\nExit codes:\n"
+                             "  0  everything is known\n"
+                             "  1  something is missing; the report says what and why\n"
+                             "  2  wrong usage\n"
+                             "  3  the report could not be written\n"}) {
         QVERIFY2(result.output.contains(word), word);
     }
     QCOMPARE(result.errors, QByteArray());

@@ -131,7 +131,7 @@ void tst_EepromImageProgram::usage_data()
                             << QStringLiteral("eeprom-image: %1\n").arg(QLatin1String(error)) +
                                    hint;
     };
-    row("nothing", "", "a command is needed: create or show");
+    row("nothing", "", "a command is needed: create, show, verify or dump");
     row("unknown command", "erase", "unknown command 'erase'");
     row("show without a file", "show", "this command needs 1 file name(s), not 0");
     row("show with two files", "show a b", "this command needs 1 file name(s), not 2");
@@ -161,7 +161,7 @@ void tst_EepromImageProgram::helpAndVersion()
 {
     const Run help = run({QStringLiteral("--help")});
     QCOMPARE(help.exitCode, 0);
-    QVERIFY(help.output.startsWith(QStringLiteral("Writes and reads EEPROM images")));
+    QVERIFY(help.output.startsWith(QStringLiteral("Writes, reads and checks EEPROM images")));
     QCOMPARE(help.errors, QString());
     verifyRun(run({QStringLiteral("show"), QStringLiteral("--help")}), 0, help.output, QString());
     verifyRun(run({QStringLiteral("create"), QStringLiteral("-h")}), 0, help.output, QString());

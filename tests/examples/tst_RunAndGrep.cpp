@@ -1,7 +1,10 @@
 #include "ProgramRun.h"
+#include "Terminal.h"
 #include "TestCase.h"
 
 #include <QtCore/QDir>
+
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <csignal>
@@ -26,7 +29,10 @@ private Q_SLOTS:
     void keepsTheOutput();
     void keepsTheOldFileWhenTheCommandFails();
     void leavesNothingBehind();
+    void needsAFolderForTemporaryFiles();
     void stopsACommandThatTakesTooLong();
+    void terminalsShowWhatIsWaitedFor_data();
+    void terminalsShowWhatIsWaitedFor();
     void verboseShowsWhatTheLibraryLogs();
     void refusesWhatItCannotUse_data();
     void refusesWhatItCannotUse();
@@ -170,6 +176,24 @@ void tst_RunAndGrep::leavesNothingBehind()
              QStringList());
 }
 
+void tst_RunAndGrep::needsAFolderForTemporaryFiles()
+{
+    const QStringList arguments{"TMPDIR=/none", program, "-e", "a"};
+    const QStringList command{"--", "echo", "a"};
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("env"), arguments + command, folder()).finish();
+    QVERIFY2(
+        result.errors.startsWith(QStringLiteral("run-and-grep: cannot make a temporary folder: ")),
+        qPrintable(result.errors));
+    QCOMPARE(result.exitCode, 5);
+    // Not for an output that is kept.
+    QCOMPARE(ProgramRun(QStringLiteral("env"),
+                        arguments + QStringList{"--output", "kept"} + command, folder())
+                 .finish()
+                 .exitCode,
+             0);
+}
+
 void tst_RunAndGrep::stopsACommandThatTakesTooLong()
 {
     const ProgramResult result =
@@ -180,6 +204,42 @@ void tst_RunAndGrep::stopsACommandThatTakesTooLong()
     const int pid = readFile(path(QStringLiteral("pid"))).trimmed().toInt();
     QVERIFY(pid > 0);
     QVERIFY(kill(pid, 0) == -1 && errno == ESRCH);
+}
+
+void tst_RunAndGrep::terminalsShowWhatIsWaitedFor_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("status");
+    QTest::addColumn<QByteArray>("last"); // of the lines on the screen
+
+    const QString pipe = QStringLiteral("pipe");
+    QTest::newRow("program") << QStringList{"-e", "a", "--", "cat", pipe}
+                             << QByteArray("s: running cat, for 30 s at most")
+                             << QByteArray("run-and-grep: cat ended with exit code 0");
+    QTest::newRow("file") << QStringList{"-e", "a", pipe} << QByteArray("s: reading ")
+                          << QByteArray();
+}
+
+// Nobody writes into the pipe yet, so reading it takes its time.
+void tst_RunAndGrep::terminalsShowWhatIsWaitedFor()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, status);
+    QFETCH(QByteArray, last);
+
+    const QString pipe = path(arguments.takeLast());
+    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+    Terminal terminal(70, Terminal::StandardError);
+    terminal.start(program, arguments + QStringList(pipe));
+    QVERIFY(terminal.waitForText(status));
+    QFile writer(pipe);
+    QVERIFY(writer.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    writer.write("a\n");
+    writer.close();
+    const QByteArray written = terminal.finish();
+    QVERIFY2(Terminal::screenAfter(written).contains(last), written.constData());
+    // Nothing is left of the line.
+    QVERIFY2(!Terminal::screenAfter(written).join().contains(status), written.constData());
 }
 
 void tst_RunAndGrep::verboseShowsWhatTheLibraryLogs()

@@ -305,7 +305,8 @@ void tst_WatchMedia::terminalsGetALineThatIsRedrawn()
     // At most ten files, then the line: begun by a carriage return each time, never by a line feed.
     // A slow search shows it, too.
     const QRegularExpression expected(QStringLiteral(
-        "^[^\n]+/medium: 13 files \\(\\*\\)\n"
+        "^\rlisting [^\r\n]+\r +\r"
+        "[^\r\n]+/medium: 13 files \\(\\*\\)\n"
         "(  file0\\d\n){10}"
         "  \\.\\.\\. and 3 more\n"
         "((\r\\d+\\.\\d s \\| 13 files, 0 new \\| 0 bursts \\| searching *)+\r +\r)?"

@@ -133,14 +133,19 @@ QStringList readAll(File& file)
     return record;
 }
 
+// QSettings keeps files that it has read, and takes one of the same name, size and time for the
+// same: each has a name of its own, whoever reads it.
+QString writeNewFile(const QByteArray& content)
+{
+    static int number = 0;
+    ++number;
+    return Fuzz::writeFile(QStringLiteral("settings") + QString::number(number), content);
+}
+
 template <typename File>
 QStringList play(const QByteArray& line, const QByteArray& content)
 {
-    // QSettings keeps files that it has read, so each has a name of its own.
-    static int number = 0;
-    ++number;
-    const QString filePath =
-        Fuzz::writeFile(QStringLiteral("settings") + QString::number(number), content);
+    const QString filePath = writeNewFile(content);
     const char* const codec = codecs[std::size_t(line.size()) % std::size(codecs)];
     QStringList record;
     {
@@ -161,10 +166,7 @@ QStringList play(const QByteArray& line, const QByteArray& content)
 // What the classes that read the device's files find in content.
 QStringList literalDevice(const QByteArray& content)
 {
-    static int number = 0;
-    ++number;
-    const QString filePath =
-        Fuzz::writeFile(QStringLiteral("device") + QString::number(number), content);
+    const QString filePath = writeNewFile(content);
     const auto text = [&filePath](const char* group, const char* key) {
         return LiteralIniFile(filePath, nullptr)
             .getValueString(QString::fromLatin1(group), QString::fromLatin1(key), QString());

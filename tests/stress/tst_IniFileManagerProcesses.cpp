@@ -10,7 +10,6 @@
 namespace {
 
 constexpr int processCount = 2;
-constexpr int roundCount = 1000;
 constexpr int longWhileInMs = 120000;
 constexpr char writerArgument[] = "write";
 
@@ -23,7 +22,7 @@ QString keyOf(const QString& writer, int round)
 
 // The part of a process that writes: a key in each round, to the file at once. Says that it is
 // ready and begins when it is told to.
-int writeKeys(const QString& filePath, const QString& writer)
+int writeKeys(const QString& filePath, const QString& writer, int roundCount)
 {
     IniFileManager manager(filePath, nullptr);
     std::puts("ready");
@@ -49,6 +48,7 @@ private Q_SLOTS:
 
 void tst_IniFileManagerProcesses::nobodysKeysAreLost()
 {
+    const int roundCount = stressRounds(1000, 1000);
     const QString file = writeFile(QStringLiteral("shared.ini"), "[Group]\nFixed=1\n");
     std::vector<std::unique_ptr<QProcess>> processes;
     QStringList writers;
@@ -56,8 +56,9 @@ void tst_IniFileManagerProcesses::nobodysKeysAreLost()
         writers.append(QString(QLatin1Char(char('a' + i))));
         processes.push_back(std::make_unique<QProcess>());
         processes.back()->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        processes.back()->start(QCoreApplication::applicationFilePath(),
-                                {QLatin1String(writerArgument), file, writers.last()});
+        processes.back()->start(
+            QCoreApplication::applicationFilePath(),
+            {QLatin1String(writerArgument), file, writers.last(), QString::number(roundCount)});
     }
     for (const auto& process : processes) {
         QVERIFY(process->waitForReadyRead(longWhileInMs));
@@ -89,8 +90,8 @@ int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 4 && arguments.at(1) == QLatin1String(writerArgument)) {
-        return writeKeys(arguments.at(2), arguments.at(3));
+    if (arguments.size() == 5 && arguments.at(1) == QLatin1String(writerArgument)) {
+        return writeKeys(arguments.at(2), arguments.at(3), arguments.at(4).toInt());
     }
     tst_IniFileManagerProcesses test;
     return QTest::qExec(&test, argc, argv);

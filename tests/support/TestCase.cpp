@@ -2,6 +2,16 @@
 
 #include <QtCore/QFile>
 
+namespace {
+
+// script/emulated says where the libraries of the other processor are.
+int shortenedUnderEmulator(int rounds)
+{
+    return qEnvironmentVariableIsSet("QEMU_LD_PREFIX") ? rounds / 10 : rounds;
+}
+
+} // namespace
+
 QString TestCase::writeFile(const QString& name, const QByteArray& content) const
 {
     const QString filePath = path(name);
@@ -22,12 +32,12 @@ int TestCase::rounds(int usual)
 {
     bool isGiven = false;
     const int given = qEnvironmentVariableIntValue("MISCTOOLS_DIFFERENTIAL_ROUNDS", &isGiven);
-    return isGiven ? given : usual;
+    return isGiven ? given : shortenedUnderEmulator(usual);
 }
 
 int TestCase::stressRounds(int shortForm, int fullForm)
 {
-    return qgetenv("MISCTOOLS_STRESS") == "full" ? fullForm : shortForm;
+    return qgetenv("MISCTOOLS_STRESS") == "full" ? fullForm : shortenedUnderEmulator(shortForm);
 }
 
 void TestCase::init()

@@ -30,11 +30,11 @@ protected:
     QString writeFile(const QString& name, const QByteArray& content) const;
 
     // How often a test with random input is to try: usually so often, or as the environment
-    // variable MISCTOOLS_DIFFERENTIAL_ROUNDS says.
+    // variable MISCTOOLS_DIFFERENTIAL_ROUNDS says. Under an emulator, a tenth of the usual rounds.
     static int rounds(int usual);
 
     // How much a stress test does: usually the short form, the full one where the environment
-    // variable MISCTOOLS_STRESS is "full".
+    // variable MISCTOOLS_STRESS is "full". Under an emulator, a tenth of the short form.
     static int stressRounds(int shortForm, int fullForm);
 
     // The whole content of a file; a null array when it cannot be read.

@@ -323,9 +323,9 @@ void tst_HardwareIdentification::sameAsLiteral()
                             QString::fromLatin1(id.toUtf8().toPercentEncoding())));
     }
     for (const int outcome : outcomes) {
-        QVERIFY(outcome >= 200);
+        QVERIFY(outcome >= ids / 200);
     }
-    QVERIFY(longer >= 200);
+    QVERIFY(longer >= ids / 200);
 }
 
 QTEST_GUILESS_MAIN(tst_HardwareIdentification)

@@ -823,8 +823,10 @@ void tst_QProcessHandler::destructionKillsTheProgram()
 
 void tst_QProcessHandler::thousandRunsLeaveNothingBehind()
 {
+    // Begins sooner than the test program, above all under an emulator.
+    const QString shell = QStringLiteral("/bin/sh");
     QProcessHandler handler;
-    QCOMPARE(handler.startProcess(testProgram(), {}), 0);
+    QCOMPARE(handler.startProcess(shell, {QStringLiteral("-c"), QStringLiteral(":")}), 0);
     const int descriptors = openDescriptors();
     for (int i = 0; i < 1000; ++i) {
         if (i % 10 == 0) {
@@ -833,13 +835,12 @@ void tst_QProcessHandler::thousandRunsLeaveNothingBehind()
             QCOMPARE(handler.startProcess(QStringLiteral("/nowhere"), {}), -1);
         } else if (i % 10 == 5) {
             QProcessHandler other;
-            QCOMPARE(
-                other.startProcess(testProgram(), {QStringLiteral("exit"), QStringLiteral("5")}),
-                5);
+            QCOMPARE(other.startProcess(shell, {QStringLiteral("-c"), QStringLiteral("exit 5")}),
+                     5);
         } else {
-            QCOMPARE(
-                handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}),
-                0);
+            QCOMPARE(handler.startProcess(
+                         shell, {QStringLiteral("-c"), QStringLiteral("echo a; echo b >&2")}),
+                     0);
         }
         QVERIFY(!hasChildren());
     }

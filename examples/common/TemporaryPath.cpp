@@ -1,0 +1,12 @@
+#include "TemporaryPath.h"
+
+#include "CommandLine.h"
+
+// Not by QDir::tempPath(): for a TMPDIR that is none it gives the root of the file system, which
+// must not be written to.
+QString TemporaryPath::pattern()
+{
+    const QString folder = qEnvironmentVariable("TMPDIR");
+    return (folder.isEmpty() ? QStringLiteral("/tmp") : folder) + QLatin1Char('/') +
+           CommandLine::programName() + QStringLiteral(".XXXXXX");
+}

@@ -1,0 +1,14 @@
+#ifndef EXAMPLES_TEMPORARYPATH_H
+#define EXAMPLES_TEMPORARYPATH_H
+
+#include <QtCore/QString>
+
+namespace TemporaryPath {
+
+// The path of a temporary file or folder of this program, whose XXXXXX QTemporaryFile and
+// QTemporaryDir replace.
+QString pattern();
+
+} // namespace TemporaryPath
+
+#endif

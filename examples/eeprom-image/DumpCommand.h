@@ -1,0 +1,11 @@
+#ifndef EEPROMIMAGE_DUMPCOMMAND_H
+#define EEPROMIMAGE_DUMPCOMMAND_H
+
+#include "ExitCode.h"
+
+#include <QtCore/QStringList>
+
+// Prints the bytes of an image with what they mean, sound or not; see the help.
+ExitCode dumpImage(const QStringList& arguments);
+
+#endif

@@ -1,0 +1,11 @@
+#ifndef EEPROMIMAGE_VERIFYCOMMAND_H
+#define EEPROMIMAGE_VERIFYCOMMAND_H
+
+#include "ExitCode.h"
+
+#include <QtCore/QStringList>
+
+// Says whether an image is sound, or what is wrong with it and where; see the help.
+ExitCode verifyImage(const QStringList& arguments);
+
+#endif

@@ -1,0 +1,12 @@
+#ifndef EXAMPLES_INILINT_EXITCODE_H
+#define EXAMPLES_INILINT_EXITCODE_H
+
+// What the program tells a script; the numbers stand in its help and must not change.
+enum ExitCode
+{
+    NothingFound = 0,
+    SomethingFound = 1,
+    Trouble = 2 // wrong usage, or a file that cannot be read or written
+};
+
+#endif

@@ -1,0 +1,179 @@
+#include "ValueRules.h"
+
+#include "IniReading.h"
+#include "NameRules.h"
+
+#include <QtCore/QTextCodec>
+#include <QtCore/QVariant>
+
+#include <limits>
+
+using NameRules::quoted;
+
+namespace {
+
+QString shown(const IniValue& value)
+{
+    return quoted(value.texts().join(QStringLiteral("', '")));
+}
+
+void checkShape(const IniEntry& entry, Findings& findings)
+{
+    const int line = entry.extent.first;
+    if (entry.value.isList()) {
+        findings.append({line, QStringLiteral("comma-list"),
+                         QStringLiteral("for its comma the value is a list of %1 texts, and empty "
+                                        "where a text is asked for; quotes keep it whole")
+                             .arg(entry.value.texts().size())});
+    }
+    if (entry.isCutBySemicolon) {
+        findings.append({line, QStringLiteral("semicolon"),
+                         QStringLiteral("the value ends at the semicolon: %1; quotes keep it whole")
+                             .arg(shown(entry.value))});
+    }
+}
+
+void checkQuotes(const IniEntry& entry, Findings& findings)
+{
+    const int line = entry.extent.first;
+    const QString rule = QStringLiteral("quotes");
+    const QByteArray bytes = entry.bytes.trimmed();
+    if (entry.value.hasTextBesideQuotes()) {
+        findings.append({line, rule,
+                         QStringLiteral("quotes within a value vanish; it is read as %1")
+                             .arg(shown(entry.value))});
+    }
+    if (bytes.size() > 1 && bytes.startsWith('\'') && bytes.endsWith('\'')) {
+        findings.append({line, rule,
+                         QStringLiteral("single quotes are none; they are a part of the value: %1")
+                             .arg(shown(entry.value))});
+    }
+    if (!entry.value.hasQuotes() && (bytes.contains(" #") || bytes.contains("\t#"))) {
+        findings.append(
+            {line, QStringLiteral("hash-comment"),
+             QStringLiteral("'#' starts no comment; the value is %1").arg(shown(entry.value))});
+    }
+}
+
+void checkEscapes(const IniEntry& entry, Findings& findings)
+{
+    const QList<QByteArray> escapes = entry.value.strangeEscapes();
+    if (!escapes.isEmpty()) {
+        findings.append({entry.extent.first, QStringLiteral("escape"),
+                         QStringLiteral("for %1 the value is read as %2; '\\\\' is a backslash")
+                             .arg(quoted(escapes.constFirst()), shown(entry.value))});
+    }
+}
+
+void checkEncoding(const IniEntry& entry, const QTextCodec* codec, Findings& findings)
+{
+    constexpr int mibOfUtf8 = 106;
+
+    const bool isUtf8 = NameRules::isUtf8BeyondAscii(entry.bytes);
+    const bool mustBeUtf8 = codec != nullptr && codec->mibEnum() == mibOfUtf8;
+    if (NameRules::isAscii(entry.bytes) || isUtf8 == mustBeUtf8) {
+        return;
+    }
+    if (isUtf8) {
+        const QString name =
+            codec != nullptr ? QString::fromLatin1(codec->name()) : QStringLiteral("Latin-1");
+        findings.append({entry.extent.first, QStringLiteral("encoding"),
+                         QStringLiteral("the value's bytes are UTF-8, but they are taken for %1; "
+                                        "it is read as %2")
+                             .arg(name, shown(entry.value))});
+    } else {
+        findings.append({entry.extent.first, QStringLiteral("encoding"),
+                         QStringLiteral("the value's bytes are not UTF-8; it is read as %1")
+                             .arg(shown(entry.value))});
+    }
+}
+
+// Whether the text, which ends in a bracket, is of the form @Mark(1 2) with so many numbers.
+bool isGeometry(const QString& text, const QString& mark, int numbers)
+{
+    if (!text.startsWith(mark)) {
+        return false;
+    }
+    const QString inside = text.mid(mark.size()).chopped(1);
+    return 1 + inside.count(QLatin1Char(' ')) + inside.count(QLatin1Char(')')) == numbers;
+}
+
+// What a text with a mark of QSettings is read as; empty when it is read as it stands.
+QString markedType(const QString& text)
+{
+    if (text.startsWith(QStringLiteral("@@"))) {
+        return QStringLiteral("the text without its first '@'");
+    }
+    if (!text.startsWith(QLatin1Char('@')) || !text.endsWith(QLatin1Char(')'))) {
+        return QString();
+    }
+    if (text == QStringLiteral("@Invalid()")) {
+        return QStringLiteral("no value at all");
+    }
+    if (text.startsWith(QStringLiteral("@ByteArray("))) {
+        return QStringLiteral("the bytes in the brackets");
+    }
+    if (text.startsWith(QStringLiteral("@String("))) {
+        return QStringLiteral("the text in the brackets");
+    }
+    if (text.startsWith(QStringLiteral("@Variant(")) ||
+        text.startsWith(QStringLiteral("@DateTime("))) {
+        return QStringLiteral("a stored object");
+    }
+    const bool isGeometric = isGeometry(text, QStringLiteral("@Rect("), 4) ||
+                             isGeometry(text, QStringLiteral("@Size("), 2) ||
+                             isGeometry(text, QStringLiteral("@Point("), 2);
+    return isGeometric ? QStringLiteral("a point, a size or a rectangle") : QString();
+}
+
+void checkMarks(const IniEntry& entry, Findings& findings)
+{
+    for (const QString& text : entry.value.texts()) {
+        const QString type = markedType(text);
+        if (!type.isEmpty()) {
+            findings.append({entry.extent.first, QStringLiteral("at-sign"),
+                             QStringLiteral("%1 is read as %2").arg(quoted(text), type)});
+        }
+    }
+}
+
+void checkMeaning(const IniEntry& entry, Findings& findings)
+{
+    if (entry.value.isList()) {
+        return;
+    }
+    const QString text = entry.value.texts().constFirst();
+    for (const char* word : {"off", "no", "disabled"}) {
+        if (text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0) {
+            findings.append({entry.extent.first, QStringLiteral("boolean-word"),
+                             QStringLiteral("as a boolean %1 is true: only '0', 'false' and an "
+                                            "empty value are false")
+                                 .arg(quoted(text))});
+        }
+    }
+    bool isNumber = false;
+    const qlonglong number = text.toLongLong(&isNumber);
+    const bool isLarge = isNumber && (number > std::numeric_limits<int>::max() ||
+                                      number < std::numeric_limits<int>::min());
+    if (isLarge) {
+        findings.append({entry.extent.first, QStringLiteral("large-number"),
+                         QStringLiteral("as an integer %1 is %2: it has more than 32 bits")
+                             .arg(quoted(text))
+                             .arg(QVariant(text).toInt())});
+    }
+}
+
+} // namespace
+
+void ValueRules::check(const IniReading& reading, Findings& findings)
+{
+    for (const IniEntry& entry : reading.entries()) {
+        NameRules::checkExtent(entry.extent, findings);
+        checkShape(entry, findings);
+        checkQuotes(entry, findings);
+        checkEscapes(entry, findings);
+        checkEncoding(entry, reading.codec(), findings);
+        checkMarks(entry, findings);
+        checkMeaning(entry, findings);
+    }
+}

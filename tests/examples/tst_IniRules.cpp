@@ -1,0 +1,292 @@
+#include "TestCase.h"
+#include "ini-lint/IniReading.h"
+#include "ini-lint/IniRules.h"
+#include "ini-lint/NameRules.h"
+
+#include <QtCore/QMap>
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QSettings>
+#include <QtCore/QTextCodec>
+
+#include <algorithm>
+
+namespace {
+
+const QChar slash = QLatin1Char('/');
+
+QVector<Finding> findingsOf(const Findings& findings, int line, const char* rule)
+{
+    QVector<Finding> result;
+    for (const Finding& finding : findings) {
+        if (finding.line == line && finding.rule == QLatin1String(rule)) {
+            result.append(finding);
+        }
+    }
+    return result;
+}
+
+// The entries that count when everything is read: QSettings reads sections by their names.
+QMap<QString, const IniEntry*> entriesByPath(const IniReading& reading)
+{
+    QVector<const IniEntry*> entries;
+    for (const IniEntry& entry : reading.entries()) {
+        entries.append(&entry);
+    }
+    std::stable_sort(
+        entries.begin(), entries.end(),
+        [](const IniEntry* left, const IniEntry* right) { return left->prefix < right->prefix; });
+    QMap<QString, const IniEntry*> result;
+    for (const IniEntry* entry : entries) {
+        result.insert(entry->path(), entry);
+    }
+    return result;
+}
+
+bool isList(const QVariant& value)
+{
+    return value.userType() == QMetaType::QStringList ||
+           value.userType() == QMetaType::QVariantList;
+}
+
+} // namespace
+
+// What the example program says of INI texts, held against what QSettings reads out of them.
+class tst_IniRules : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsAsQSettings_data();
+    void readsAsQSettings();
+    void namesAreWrittenAsByQSettings();
+    void rulesStandInTheirOrder();
+    void marksOfStoredObjects_data();
+    void marksOfStoredObjects();
+    void commaMakesATextEmpty();
+    void generalIsTheTopLevel();
+    void wordsAndNumbers();
+    void sectionReadFirstLosesItsDuplicate();
+
+private:
+    void verifyText(const QByteArray& text, const char* codec, int number);
+    void verifyEntries(const QSettings& settings, const IniReading& reading,
+                       const Findings& findings);
+};
+
+void tst_IniRules::readsAsQSettings_data()
+{
+    QTest::addColumn<QByteArray>("codec");
+    QTest::newRow("no codec") << QByteArray();
+    QTest::newRow("UTF-8") << QByteArray("UTF-8");
+}
+
+void tst_IniRules::verifyEntries(const QSettings& settings, const IniReading& reading,
+                                 const Findings& findings)
+{
+    const QMap<QString, const IniEntry*> entries = entriesByPath(reading);
+    QCOMPARE(settings.allKeys(), entries.keys());
+    for (const IniEntry* entry : entries) {
+        const QString path = entry->path();
+        if (NameRules::isUnreachable(path)) {
+            // Who asks for it is answered for another one.
+            const QString other = path.split(slash, Qt::SkipEmptyParts).join(slash);
+            QVERIFY(other != path || path.isEmpty());
+            QVERIFY(other.isEmpty() || settings.contains(path) == entries.contains(other));
+            continue;
+        }
+        QVERIFY(settings.contains(path));
+        const QVariant value = settings.value(path);
+        QCOMPARE(isList(value), entry->value.isList());
+        QCOMPARE(!findingsOf(findings, entry->extent.first, "comma-list").isEmpty(),
+                 entry->value.isList());
+        const bool isTaken = isList(value) ? value.toStringList() == entry->value.texts()
+                                           : value == QVariant(entry->value.texts().constFirst());
+        QCOMPARE(findingsOf(findings, entry->extent.first, "at-sign").isEmpty(), isTaken);
+    }
+}
+
+void tst_IniRules::verifyText(const QByteArray& text, const char* codec, int number)
+{
+    QSettings settings(writeFile(QStringLiteral("%1.ini").arg(number), text), QSettings::IniFormat);
+    if (codec != nullptr) {
+        settings.setIniCodec(codec);
+    }
+    const QTextCodec* const given = codec != nullptr ? QTextCodec::codecForName(codec) : nullptr;
+    const IniReading reading(text, given);
+    const Findings findings = IniRules::check(text, given, QStringList());
+    verifyEntries(settings, reading, findings);
+
+    const bool hasOpenSection =
+        std::any_of(reading.sections().cbegin(), reading.sections().cend(),
+                    [](const IniSection& section) { return !section.isClosed; });
+    QCOMPARE(settings.status() == QSettings::FormatError,
+             hasOpenSection || !reading.strays().isEmpty());
+}
+
+// Of texts at random, made of what means something in an INI file.
+void tst_IniRules::readsAsQSettings()
+{
+    QFETCH(QByteArray, codec);
+    const QByteArray pieces[] = {"a",           "b",          "A",
+                                 "key=",        "k=",         "=",
+                                 "[a]\n",       "[b]",        "[A/b]\n",
+                                 "[",           "]",          "[]",
+                                 "[/",          "/",          "\\",
+                                 ";",           "\"",         "\"",
+                                 ",",           "\n",         "\n",
+                                 "\n",          "\r\n",       "\r",
+                                 " ",           "\t",         "%",
+                                 "%41",         "%2f",        "%U0042",
+                                 "%U00",        "% 1",        "\\x41",
+                                 "\\n",         "\\101",      "\\q",
+                                 "\\\r\n",      "\\\n",       "'",
+                                 "#",           "@",          "@@",
+                                 "1",           "@Size(1 2)", "@Point(1)",
+                                 "@Rect(",      ")",          "\\x",
+                                 "\v",          "0x",         "\xC3\xA4",
+                                 "\xE4",        "@Invalid()", "\xEF\xBB\xBF",
+                                 "[General]\n", "[GENERAL]",  "[%General]\n",
+                                 "[%general]"};
+    const int count = int(std::size(pieces));
+
+    QRandomGenerator random(4711);
+    for (int round = 0; round < rounds(1500); ++round) {
+        QByteArray text = random.bounded(16) == 0 ? QByteArray("\xEF\xBB\xBF") : QByteArray();
+        for (int length = random.bounded(40); length > 0; --length) {
+            text += pieces[random.bounded(count)];
+        }
+        verifyText(text, codec.isEmpty() ? nullptr : codec.constData(), round);
+        if (QTest::currentTestFailed()) {
+            QFAIL(text.toPercentEncoding(" =[];").constData());
+        }
+        QVERIFY(QFile::remove(path(QStringLiteral("%1.ini").arg(round))));
+    }
+}
+
+void tst_IniRules::namesAreWrittenAsByQSettings()
+{
+    const QString filePath = path(QStringLiteral("written.ini"));
+    for (int code = 1; code < 0x180; ++code) {
+        const QString name = QStringLiteral("n") + QChar(code) + QStringLiteral("e");
+        QByteArray line = IniReading::writtenName(name) + "=x\n";
+        if (name.contains(QLatin1Char('/'))) {
+            continue; // a section
+        }
+        QFile::remove(filePath);
+        {
+            QSettings settings(filePath, QSettings::IniFormat);
+            settings.setValue(name, QStringLiteral("x"));
+        }
+        QCOMPARE(readFile(filePath), "[General]\n" + line);
+        // What QSettings writes is nothing to complain of.
+        QCOMPARE(IniRules::check(line, nullptr, QStringList()), Findings());
+    }
+}
+
+void tst_IniRules::rulesStandInTheirOrder()
+{
+    const QVector<IniRules::Rule>& rules = IniRules::all();
+    QVERIFY(std::is_sorted(rules.cbegin(), rules.cend(),
+                           [](const IniRules::Rule& left, const IniRules::Rule& right) {
+                               return qstrcmp(left.name, right.name) < 0;
+                           }));
+    QVERIFY(IniRules::contains(QStringLiteral("semicolon")));
+    QVERIFY(!IniRules::contains(QStringLiteral("colon")));
+}
+
+void tst_IniRules::marksOfStoredObjects_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<bool>("isOther");
+
+    QTest::newRow("object") << QByteArray("@Variant(\\0\\0\\0\\x2\\0\\0\\0\\x5)") << true;
+    QTest::newRow("bytes") << QByteArray("@ByteArray(abc)") << true;
+    QTest::newRow("text") << QByteArray("@String(abc)") << true;
+    QTest::newRow("rectangle") << QByteArray("@Rect(1 2 3 4)") << true;
+    QTest::newRow("rectangle with too few numbers") << QByteArray("@Rect(1 2 3)") << false;
+    QTest::newRow("rectangle with a bracket") << QByteArray("@Size(1))") << true;
+    QTest::newRow("two marks") << QByteArray("@@abc") << true;
+    QTest::newRow("unknown mark") << QByteArray("@Color(1)") << false;
+    QTest::newRow("address") << QByteArray("@home") << false;
+    QTest::newRow("mark within") << QByteArray("a@Invalid()") << false;
+}
+
+void tst_IniRules::marksOfStoredObjects()
+{
+    QFETCH(QByteArray, value);
+    QFETCH(bool, isOther);
+
+    const QByteArray text = "k=" + value + "\n";
+    const QSettings settings(writeFile(QStringLiteral("marks.ini"), text), QSettings::IniFormat);
+    const QString plain =
+        IniReading(text, nullptr).entries().constFirst().value.texts().constFirst();
+    QCOMPARE(settings.value(QStringLiteral("k")) != QVariant(plain), isOther);
+    QCOMPARE(findingsOf(IniRules::check(text, nullptr, QStringList()), 1, "at-sign").size(),
+             isOther ? 1 : 0);
+}
+
+void tst_IniRules::commaMakesATextEmpty()
+{
+    const QSettings settings(writeFile(QStringLiteral("list.ini"), "a=1,2\nb=@x,y\nc=,\n"),
+                             QSettings::IniFormat);
+    for (const char* key : {"a", "b", "c"}) {
+        QCOMPARE(settings.value(QLatin1String(key)).toString(), QString());
+        QVERIFY(settings.contains(QLatin1String(key)));
+    }
+}
+
+void tst_IniRules::generalIsTheTopLevel()
+{
+    const QSettings settings(
+        writeFile(QStringLiteral("general.ini"), "[gEneral]\na=1\n[%General]\nb=2\n"),
+        QSettings::IniFormat);
+    QCOMPARE(settings.value(QStringLiteral("a")).toString(), QStringLiteral("1"));
+    QVERIFY(!settings.contains(QStringLiteral("General/a")));
+    QCOMPARE(settings.value(QStringLiteral("General/b")).toString(), QStringLiteral("2"));
+}
+
+void tst_IniRules::wordsAndNumbers()
+{
+    const QByteArray text = "a=off\nb=No\nc=disabled\nd=false\ne=0\nf=\ng=2147483647\n"
+                            "h=2147483648\ni=-2147483649\nj=99999999999999999999\nk=4294967301\n";
+    const QSettings settings(writeFile(QStringLiteral("words.ini"), text), QSettings::IniFormat);
+    const Findings findings = IniRules::check(text, nullptr, QStringList());
+    int line = 0;
+    for (const QString& key : settings.allKeys()) {
+        ++line;
+        const QVariant value = settings.value(key);
+        const bool isNoWord = line > 3; // other words are true, too, and nobody doubts it
+        QCOMPARE(findingsOf(findings, line, "boolean-word").size(), isNoWord ? 0 : 1);
+        QCOMPARE(value.toBool(), line < 4 || line > 6);
+
+        bool isNumber = false;
+        const int number = value.toInt(&isNumber);
+        const QVector<Finding> large = findingsOf(findings, line, "large-number");
+        const bool isCut = isNumber && QString::number(number) != value.toString();
+        QCOMPARE(large.size(), isCut ? 1 : 0);
+        if (isCut) {
+            QCOMPARE(large.constFirst().message,
+                     QStringLiteral("as an integer '%1' is %2: it has more than 32 bits")
+                         .arg(value.toString())
+                         .arg(number));
+        }
+    }
+    QCOMPARE(line, 11);
+}
+
+// Which of two values counts depends on what is asked for first.
+void tst_IniRules::sectionReadFirstLosesItsDuplicate()
+{
+    const QByteArray text = "[A]\nB\\k=one\n[A/B]\nk=two\n";
+    const QString both = QStringLiteral("A/B/k");
+    const QSettings settings(writeFile(QStringLiteral("order1.ini"), text), QSettings::IniFormat);
+    // The first look-up has the section read that the key's path begins with, the second one more.
+    QCOMPARE(settings.value(both).toString(), QStringLiteral("two"));
+    QCOMPARE(settings.value(both).toString(), QStringLiteral("one"));
+
+    QCOMPARE(findingsOf(IniRules::check(text, nullptr, QStringList()), 4, "duplicate-key").size(),
+             1);
+}
+
+QTEST_GUILESS_MAIN(tst_IniRules)
+#include "tst_IniRules.moc"

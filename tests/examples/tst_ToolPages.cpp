@@ -1,0 +1,326 @@
+#include "ProgramRun.h"
+#include "TestCase.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QStandardPaths>
+
+namespace {
+
+const QString examples = QStringLiteral(PROJECT_FOLDER "/examples");
+const QString completion = examples + QStringLiteral("/completion/misctools");
+
+// What the expression's first group matches in a text's lines.
+QStringList linesOf(const QString& text, const QString& expression)
+{
+    const QRegularExpression lines(expression, QRegularExpression::MultilineOption);
+    QStringList result;
+    for (auto match = lines.globalMatch(text); match.hasNext();) {
+        result.append(match.next().captured(1));
+    }
+    result.removeDuplicates();
+    result.sort();
+    return result;
+}
+
+// The part of a text from a line that begins so to one that begins otherwise.
+QString part(const QString& text, const QString& begin, const QString& end)
+{
+    const int first = text.indexOf(QLatin1Char('\n') + begin);
+    const int last = text.indexOf(QLatin1Char('\n') + end, first + 1);
+    return first < 0 ? QString() : text.mid(first, last < 0 ? -1 : last - first);
+}
+
+// Of a line such as "  -e, --expression <EXPRESSION>  Print ...".
+QStringList optionsOfHelp(const QString& help)
+{
+    return linesOf(help, QStringLiteral("^  (-\\w), --")) +
+           linesOf(help, QStringLiteral("^  (?:-\\w, )?(--[a-z][a-z-]*)"));
+}
+
+// Of a line such as ".It Fl e , Fl -expression Ar EXPRESSION".
+QStringList optionsOfPage(const QString& page)
+{
+    return linesOf(page, QStringLiteral("^\\.It Fl (\\w) ,"))
+               .replaceInStrings(QRegularExpression(QStringLiteral("^")), QStringLiteral("-")) +
+           linesOf(page, QStringLiteral("^\\.It Fl (?:\\w , Fl )?(-[a-z][a-z-]*)"))
+               .replaceInStrings(QRegularExpression(QStringLiteral("^")), QStringLiteral("-"));
+}
+
+} // namespace
+
+// The manual pages and the completion say of each example program what its --help says.
+class tst_ToolPages : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyProgramHasAPage();
+    void helpAndPageAgree_data();
+    void helpAndPageAgree();
+    void helpAndCompletionAgree_data();
+    void helpAndCompletionAgree();
+    void commandsOfTheImageProgram_data();
+    void commandsOfTheImageProgram();
+    void rulesOfTheLinter();
+    void completesValues_data();
+    void completesValues();
+    void versionIsThatOfTheLibrary_data();
+    void versionIsThatOfTheLibrary();
+    void pagesAreSound_data();
+    void pagesAreSound();
+
+private:
+    static QStringList programs();
+    static void eachProgram();
+    static QString page(const QString& program);
+    QString help(const QString& program) const;
+    // What bash offers for the last of the words.
+    QStringList completed(const QStringList& words) const;
+};
+
+QStringList tst_ToolPages::programs()
+{
+    QStringList result;
+    for (const QString& name : QDir(examples).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (QFile::exists(examples + QLatin1Char('/') + name + QStringLiteral("/main.cpp"))) {
+            result.append(name);
+        }
+    }
+    return result;
+}
+
+void tst_ToolPages::eachProgram()
+{
+    QTest::addColumn<QString>("program");
+    for (const QString& program : programs()) {
+        QTest::newRow(qPrintable(program)) << program;
+    }
+}
+
+QString tst_ToolPages::page(const QString& program)
+{
+    return QString::fromUtf8(
+        readFile(QStringLiteral(PROJECT_FOLDER "/docs/man/%1.1").arg(program)));
+}
+
+QString tst_ToolPages::help(const QString& program) const
+{
+    return ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program, {QStringLiteral("--help")},
+                      folder())
+        .finish()
+        .output;
+}
+
+QStringList tst_ToolPages::completed(const QStringList& words) const
+{
+    const QString script =
+        QStringLiteral("source \"$0\" && complete -p \"${1##*/}\" >/dev/null || exit\n"
+                       "COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1))\n"
+                       "_misctools \"$1\"\n"
+                       "printf '%s\\n' \"${COMPREPLY[@]}\"");
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("bash"),
+                   QStringList{QStringLiteral("--norc"), QStringLiteral("-c"), script, completion} +
+                       words,
+                   folder())
+            .finish();
+    if (result.exitCode != 0 || !result.errors.isEmpty()) {
+        qWarning("%s", qPrintable(result.errors));
+    }
+    QStringList lines = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    lines.removeDuplicates(); // a command that two folders have
+    lines.sort();
+    return lines;
+}
+
+void tst_ToolPages::everyProgramHasAPage()
+{
+    QCOMPARE(programs().size(), 6);
+    QStringList pages = QDir(QStringLiteral(PROJECT_FOLDER "/docs/man")).entryList(QDir::Files);
+    pages.replaceInStrings(QRegularExpression(QStringLiteral("\\.1$")), QString());
+    QCOMPARE(pages, programs());
+}
+
+void tst_ToolPages::helpAndPageAgree_data()
+{
+    eachProgram();
+}
+
+void tst_ToolPages::helpAndPageAgree()
+{
+    QFETCH(QString, program);
+    const QString help = this->help(program);
+    const QString page = this->page(program);
+    QVERIFY(page.contains(QStringLiteral("\n.Nm %1\n").arg(program)));
+
+    QVERIFY2(optionsOfHelp(help).contains(QStringLiteral("--help")), qPrintable(help));
+    QCOMPARE(optionsOfPage(page), optionsOfHelp(help));
+
+    const QStringList exitCodes =
+        linesOf(part(help, QStringLiteral("Exit codes:"), QStringLiteral("Example")),
+                QStringLiteral("^ +(\\d+)  \\S"));
+    QVERIFY2(exitCodes.size() > 2, qPrintable(help));
+    QCOMPARE(linesOf(part(page, QStringLiteral(".Sh EXIT STATUS"), QStringLiteral(".Sh EXAMPLES")),
+                     QStringLiteral("^\\.It (\\d+)$")),
+             exitCodes);
+}
+
+void tst_ToolPages::helpAndCompletionAgree_data()
+{
+    eachProgram();
+}
+
+void tst_ToolPages::helpAndCompletionAgree()
+{
+    QFETCH(QString, program);
+    QStringList offered = completed({program, QStringLiteral("-")});
+    // Each command of the program has options of its own.
+    if (program == QStringLiteral("eeprom-image")) {
+        for (const QString& command : completed({program, QString()})) {
+            offered += completed({program, command, QStringLiteral("-")});
+        }
+        offered.removeDuplicates();
+    }
+    QStringList options = optionsOfHelp(help(program));
+    offered.sort();
+    options.sort();
+    QCOMPARE(offered, options);
+}
+
+void tst_ToolPages::commandsOfTheImageProgram_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QStringList>("options"); // beside those of every command
+    QTest::newRow("create") << QStringLiteral("create")
+                            << QStringList{"--allow-overlap", "--fill", "--size", "--start"};
+    QTest::newRow("show") << QStringLiteral("show") << QStringList{"--verbose"};
+    QTest::newRow("verify") << QStringLiteral("verify") << QStringList();
+    QTest::newRow("dump") << QStringLiteral("dump") << QStringList();
+}
+
+void tst_ToolPages::commandsOfTheImageProgram()
+{
+    QFETCH(QString, command);
+    QFETCH(QStringList, options);
+
+    const QString program = QStringLiteral("eeprom-image");
+    QVERIFY(completed({program, QString()}).contains(command));
+    QCOMPARE(completed({program, QString()}).size(), 4);
+    QVERIFY(help(program).contains(QStringLiteral("\n  eeprom-image %1 ").arg(command)));
+    QVERIFY(page(program).contains(QStringLiteral("\n.It Cm %1\n").arg(command)));
+
+    QStringList offered = completed({program, command, QStringLiteral("--")});
+    offered.removeOne(QStringLiteral("--help"));
+    offered.removeOne(QStringLiteral("--version"));
+    QCOMPARE(offered, options);
+    // The program takes each of them: it complains of nothing but the files.
+    for (const QString& option : offered) {
+        const bool hasValue =
+            option != QStringLiteral("--verbose") && option != QStringLiteral("--allow-overlap");
+        const ProgramResult result =
+            ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program,
+                       {command, hasValue ? option + QStringLiteral("=1") : option}, folder())
+                .finish();
+        QVERIFY2(result.errors.contains(QStringLiteral("file name(s), not 0")),
+                 qPrintable(result.errors));
+    }
+}
+
+void tst_ToolPages::rulesOfTheLinter()
+{
+    const QString program = QStringLiteral("ini-lint");
+    const QStringList rules =
+        linesOf(part(help(program), QStringLiteral("Rules:"), QStringLiteral("Exit codes:")),
+                QStringLiteral("^  ([a-z-]+)  +\\S"));
+    QCOMPARE(rules.size(), 19);
+    QCOMPARE(linesOf(part(page(program), QStringLiteral(".Sh RULES"), QStringLiteral(".Sh JSON")),
+                     QStringLiteral("^\\.It Sy ([a-z-]+)$")),
+             rules);
+    QCOMPARE(completed({program, QStringLiteral("--ignore"), QString()}), rules);
+}
+
+void tst_ToolPages::completesValues_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QStringList>("expected");
+
+    QTest::newRow("words of an option")
+        << QStringList{"ini-lint", "--format", "t"} << QStringList{"text"};
+    QTest::newRow("words behind an equals sign")
+        << QStringList{"ini-lint", "--format", "=", "j"} << QStringList{"json"};
+    QTest::newRow("right behind an equals sign")
+        << QStringList{"ini-lint", "--format", "="} << QStringList{"json", "text"};
+    QTest::newRow("argument behind an option with a value")
+        << QStringList{"ini-lint", "--format", "=", "json", "f"} << QStringList{"file.ini"};
+    QTest::newRow("files") << QStringList{"ini-lint", "f"} << QStringList{"file.ini"};
+    QTest::newRow("image of a command")
+        << QStringList{"eeprom-image", "dump", "f"} << QStringList{"file.ini"};
+    QTest::newRow("file of an option")
+        << QStringList{"peak-meter", "-f", "f"} << QStringList{"file.ini"};
+    QTest::newRow("folders alone") << QStringList{"watch-media", "f"} << QStringList{"folder"};
+    QTest::newRow("no guess for a number")
+        << QStringList{"watch-media", "--delay", "f"} << QStringList();
+    QTest::newRow("program behind the dashes")
+        << QStringList{"run-and-grep", "-e", "x", "--", "mkfif"} << QStringList{"mkfifo"};
+    QTest::newRow("no arguments") << QStringList{"device-report", "f"} << QStringList();
+    QTest::newRow("program with its path")
+        << QStringList{"/usr/bin/ini-lint", "--dr"} << QStringList{"--dry-run"};
+}
+
+void tst_ToolPages::completesValues()
+{
+    QFETCH(QStringList, words);
+    QFETCH(QStringList, expected);
+
+    writeFile(QStringLiteral("file.ini"), "");
+    QVERIFY(QDir(folder()).mkdir(QStringLiteral("folder")));
+    if (words.contains(QStringLiteral("f")) && !expected.isEmpty() &&
+        words.constFirst() != QStringLiteral("watch-media")) {
+        expected.append(QStringLiteral("folder"));
+    }
+    QCOMPARE(completed(words), expected);
+}
+
+void tst_ToolPages::versionIsThatOfTheLibrary_data()
+{
+    eachProgram();
+}
+
+void tst_ToolPages::versionIsThatOfTheLibrary()
+{
+    QFETCH(QString, program);
+    for (const char* option : {"--version", "-v"}) {
+        const ProgramResult result = ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program,
+                                                {QString::fromLatin1(option)}, folder())
+                                         .finish();
+        QCOMPARE(result.output, program + QStringLiteral(" " PROJECT_VERSION "\n"));
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.exitCode, 0);
+    }
+}
+
+void tst_ToolPages::pagesAreSound_data()
+{
+    eachProgram();
+}
+
+void tst_ToolPages::pagesAreSound()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("groff")).isEmpty()) {
+        MISCTOOLS_SKIP("groff is not installed");
+    }
+    QFETCH(QString, program);
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("groff"),
+                   {QStringLiteral("-ww"), QStringLiteral("-mdoc"), QStringLiteral("-Tutf8"),
+                    QStringLiteral("-z"),
+                    QStringLiteral(PROJECT_FOLDER "/docs/man/%1.1").arg(program)},
+                   folder())
+            .finish();
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_ToolPages)
+#include "tst_ToolPages.moc"
