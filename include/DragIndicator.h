@@ -50,7 +50,9 @@ public:
     DragIndicator();
     virtual ~DragIndicator();
 
+    /*! \brief An independent copy. */
     DragIndicator(const DragIndicator&) = default;
+    /*! \brief Makes this an independent copy. */
     DragIndicator& operator=(const DragIndicator&) = default;
 
     /*! \brief Appends two empty records to those that are there. */

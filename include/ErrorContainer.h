@@ -8,6 +8,11 @@
 #include <QtCore/QString>
 
 /*!
+ * \file
+ * \brief The outcome of an operation.
+ */
+
+/*!
  * \brief The outcome of an operation: an error code and a text.
  *
  * The codes are negated errno values (see errno(3)); 0 is success. Any other number may be used

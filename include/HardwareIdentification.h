@@ -29,7 +29,9 @@ public:
     explicit HardwareIdentification(const QString& hardwareId);
     virtual ~HardwareIdentification();
 
+    /*! \brief An independent copy. */
     HardwareIdentification(const HardwareIdentification&) = default;
+    /*! \brief Makes this an independent copy. */
     HardwareIdentification& operator=(const HardwareIdentification&) = default;
 
     /*!

@@ -25,7 +25,9 @@ public:
     HardwareInfo();
     virtual ~HardwareInfo();
 
+    /*! \brief An independent copy. */
     HardwareInfo(const HardwareInfo&) = default;
+    /*! \brief Makes this an independent copy. */
     HardwareInfo& operator=(const HardwareInfo&) = default;
 
     /*! \brief The board's type; key "Type". */

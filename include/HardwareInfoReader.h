@@ -17,10 +17,10 @@ class HardwareInfo;
  * checksum. The block is believed only when it is whole and its checksum matches.
  *
  * \code
- * HardwareInfo hardwareInfo;
+ * HardwareInfo board;
  * HardwareInfoReader reader(nullptr);
- * if (reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), path, hardwareInfo)) {
- *     use(hardwareInfo.typeName());
+ * if (reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), path, board)) {
+ *     use(board.typeName());
  * }
  * \endcode
  *

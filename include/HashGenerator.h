@@ -9,6 +9,11 @@
 #include <QtCore/QVariant>
 
 /*!
+ * \file
+ * \brief Digests of files, and a fast hash of texts.
+ */
+
+/*!
  * \brief Digests of files.
  *
  * \par Contract

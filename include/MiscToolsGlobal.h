@@ -8,6 +8,10 @@
  * \brief The export macro of libMiscTools.
  */
 
+/*!
+ * \def MISCTOOLS_EXPORT
+ * \brief Marks what leaves the library.
+ */
 #if defined(MISCTOOLS_BUILD)
 #define MISCTOOLS_EXPORT Q_DECL_EXPORT
 #else

@@ -13,7 +13,7 @@
  * \code
  * QProcessHandler handler;
  * handler.setWaitForFinishedTimeout(5000);
- * if (handler.startProcess(QStringLiteral("uname"), {QStringLiteral("-r")}) == 0) {
+ * if (handler.startProcess(QStringLiteral("uname"), {QStringLiteral("-s")}) == 0) {
  *     use(handler.getStandardOutput());
  * }
  * \endcode

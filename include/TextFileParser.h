@@ -41,7 +41,9 @@ public:
     explicit TextFileParser(const QString& filePath);
     virtual ~TextFileParser();
 
+    /*! \brief An independent copy. */
     TextFileParser(const TextFileParser&) = default;
+    /*! \brief Makes this an independent copy. */
     TextFileParser& operator=(const TextFileParser&) = default;
 
     /*!

@@ -28,7 +28,9 @@ public:
     explicit VersionManager(const QString& version);
     virtual ~VersionManager();
 
+    /*! \brief An independent copy. */
     VersionManager(const VersionManager&) = default;
+    /*! \brief Makes this an independent copy. */
     VersionManager& operator=(const VersionManager&) = default;
 
     /*! \brief The version without "V", test index or git hash: "8.12.3", "8.100.2.7.1234". */

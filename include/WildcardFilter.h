@@ -11,6 +11,11 @@
 #include <QtCore/QVector>
 
 /*!
+ * \file
+ * \brief The wildcard filter, and functions that search folders and join paths.
+ */
+
+/*!
  * \brief Tells whether a file's name fits one of several wildcard patterns, such as "*.txt".
  *
  * \par Contract
@@ -36,7 +41,9 @@ public:
     WildcardFilter(const QStringList& patterns, QDir::Filters filters);
     virtual ~WildcardFilter();
 
+    /*! \brief An independent copy. */
     WildcardFilter(const WildcardFilter&) = default;
+    /*! \brief Makes this an independent copy. */
     WildcardFilter& operator=(const WildcardFilter&) = default;
 
     /*!

@@ -1,0 +1,20 @@
+#include <HardwareInfo.h>
+#include <HardwareInfoReader.h>
+
+#include <cstdio>
+
+int main(int argc, char* argv[])
+{
+    if (argc != 2) {
+        return 2;
+    }
+    const QString image = QString::fromLocal8Bit(argv[1]);
+    HardwareInfo board;
+    HardwareInfoReader reader(nullptr);
+    if (!reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), image, board)) {
+        return 1; // The library has logged why.
+    }
+    std::printf("This is a %s, version %s.\n", qPrintable(board.typeName()),
+                qPrintable(board.hwVersion()));
+    return 0;
+}
