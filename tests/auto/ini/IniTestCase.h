@@ -8,8 +8,6 @@
 // What the tests of IniFileManager share: one INI file per row, and the shape of its warnings.
 class IniTestCase : public TestCase
 {
-    Q_OBJECT
-
 protected:
     // The path of the row's INI file, which is not there before writeIni().
     QString iniFile() const { return path(QStringLiteral("settings.ini")); }
