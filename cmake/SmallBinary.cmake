@@ -32,8 +32,14 @@ function(misctools_keep_small target)
     $<${misctools_is_shipped}:LINKER:--gc-sections>
     $<${misctools_is_shipped}:LINKER:-Bsymbolic-functions>
     $<${misctools_is_shipped}:LINKER:-z,noseparate-code>)
-  set_source_files_properties(${arg_FAST_SOURCES} PROPERTIES
+  set_property(SOURCE ${arg_FAST_SOURCES} APPEND PROPERTY
     COMPILE_OPTIONS $<${misctools_is_shipped}:-O2>)
+  # Link-time optimisation names things after a random number, unless it is told one for each source.
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    set_property(SOURCE ${source} APPEND PROPERTY
+      COMPILE_OPTIONS $<${misctools_is_shipped}:-frandom-seed=${source}>)
+  endforeach()
   if(misctools_has_ipo AND NOT MISCTOOLS_INSTRUMENTED)
     set_target_properties(${target} PROPERTIES
       INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
