@@ -1,6 +1,7 @@
 #include "ProgramRun.h"
 
 #include <QtCore/QElapsedTimer>
+#include <QtTest/QtTest>
 
 #include <csignal>
 
@@ -10,11 +11,20 @@ constexpr int longWhileInMs = 30000;
 
 } // namespace
 
-ProgramRun::ProgramRun(const QString& program, const QStringList& arguments, const QString& folder)
+void verifyResult(const ProgramResult& result, int exitCode, const QString& output,
+                  const QString& errors)
+{
+    QCOMPARE(result.errors, errors);
+    QCOMPARE(result.output, output);
+    QCOMPARE(result.exitCode, exitCode);
+}
+
+ProgramRun::ProgramRun(const QString& program, const QStringList& arguments, const QString& folder,
+                       const QString& temporaryFolder)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    environment.insert(QStringLiteral("TMPDIR"), folder);
+    environment.insert(QStringLiteral("TMPDIR"), temporaryFolder);
     m_process.setProcessEnvironment(environment);
     m_process.setWorkingDirectory(folder);
     m_process.start(program, arguments);

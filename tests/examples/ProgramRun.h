@@ -13,11 +13,21 @@ struct ProgramResult
     QString errors;
 };
 
-// A run of an example program in a folder, which also takes its temporary files.
+// Fails the test unless the run ended like that; the errors first, as they say most.
+void verifyResult(const ProgramResult& result, int exitCode, const QString& output,
+                  const QString& errors = QString());
+
+// A run of an example program in a folder, which also takes its temporary files unless told
+// otherwise.
 class ProgramRun
 {
 public:
-    ProgramRun(const QString& program, const QStringList& arguments, const QString& folder);
+    ProgramRun(const QString& program, const QStringList& arguments, const QString& folder)
+        : ProgramRun(program, arguments, folder, folder)
+    {
+    }
+    ProgramRun(const QString& program, const QStringList& arguments, const QString& folder,
+               const QString& temporaryFolder);
 
     // Gives the program input on its standard input.
     void write(const QByteArray& input);

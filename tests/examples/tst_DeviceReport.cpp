@@ -1,5 +1,5 @@
 #include "DeviceRoot.h"
-#include "HardwareInfoReader.h"
+#include "EepromImage.h"
 #include "TestCase.h"
 
 #include <QtCore/QDirIterator>
@@ -8,7 +8,6 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QtEndian>
 
 namespace {
 
@@ -41,24 +40,6 @@ Result runReport(const QStringList& arguments, const QString& outputPath = QStri
         qFatal("the report does not end well");
     }
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
-
-// A word of an image's header.
-QByteArray word(quint32 value)
-{
-    QByteArray bytes(4, '\0');
-    qToLittleEndian(value, bytes.data());
-    return bytes;
-}
-
-QByteArray eepromImage(const QByteArray& iniText)
-{
-    constexpr quint32 startAddress = 64;
-    const quint16 checksum = HardwareInfoReader(nullptr).checksumXModemCRC(
-        iniText.constData(), static_cast<unsigned int>(iniText.size()));
-    const QByteArray front = QByteArray(20, '\xff') + word(0) + word(startAddress) +
-                             word(quint32(iniText.size())) + word(checksum);
-    return front.leftJustified(startAddress, '\xff') + iniText;
 }
 
 QJsonObject toObject(const QByteArray& json)
@@ -144,8 +125,9 @@ void tst_DeviceReport::copySampleDevice()
 QString tst_DeviceReport::writeBoard()
 {
     return writeFile(QStringLiteral("eeprom"),
-                     eepromImage("Type=4711\nTypeName=Sample board\nVersion=2\n"
-                                 "CompatibilityIndex=1\nLP-ID=0815\nComment=made up\n"));
+                     EepromImage("Type=4711\nTypeName=Sample board\nVersion=2\n"
+                                 "CompatibilityIndex=1\nLP-ID=0815\nComment=made up\n")
+                         .bytes());
 }
 
 QByteArray tst_DeviceReport::withoutFileName(const QByteArray& text)
@@ -489,8 +471,8 @@ void tst_DeviceReport::eepromFailures_data()
     QTest::addColumn<QByteArray>("image"); // null: there is no file
     QTest::addColumn<QByteArray>("reason");
 
-    QByteArray damaged = eepromImage("Type=4711\n");
-    damaged[damaged.size() - 1] = 'x';
+    const QByteArray damaged =
+        EepromImage("Type=4711\n").flipBit(EepromImage::headerEnd, 0).bytes();
     QTest::newRow("missing") << QByteArray() << QByteArray("is missing");
     QTest::newRow("empty") << QByteArray("") << QByteArray("does not hold a valid hardware record");
     QTest::newRow("damaged") << damaged << QByteArray("does not hold a valid hardware record");
@@ -520,8 +502,9 @@ void tst_DeviceReport::boardWithoutFields()
     MISCTOOLS_NEED_DEVICE_ROOT();
     copySampleDevice();
     const QString board =
-        writeFile(QStringLiteral("eeprom"), eepromImage("Type=1\nTypeName=b\nVersion=2\n"
-                                                        "CompatibilityIndex=3\n"));
+        writeFile(QStringLiteral("eeprom"), EepromImage("Type=1\nTypeName=b\nVersion=2\n"
+                                                        "CompatibilityIndex=3\n")
+                                                .bytes());
     const Result result = runReport({QStringLiteral("--eeprom"), board});
     QVERIFY2(result.output.contains(
                  "board LP-ID:                     not known (the board record does not say)\n"),

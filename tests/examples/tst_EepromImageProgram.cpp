@@ -1,4 +1,5 @@
 #include "EepromImage.h"
+#include "ProgramRun.h"
 #include "TestCase.h"
 
 #include <QtCore/QProcess>
@@ -22,14 +23,6 @@ const QString boardRecord = QStringLiteral("eeprom: the image is sound\n"
                                            "  Comment              Made up\n");
 
 const QString hint = QStringLiteral("eeprom-image: try --help\n");
-
-// What a run of the program leaves behind.
-struct Run
-{
-    int exitCode;
-    QString output;
-    QString errors;
-};
 
 } // namespace
 
@@ -62,43 +55,23 @@ private Q_SLOTS:
     void failedCreateKeepsTheOldImage();
 
 private:
-    Run run(const QStringList& arguments) const { return run(arguments, folder()); }
-    Run run(const QStringList& arguments, const QString& temporaryFolder) const;
-    void verifyRun(const Run& actual, int exitCode, const QString& output, const QString& errors);
+    // In the row's folder, so that plain file names do.
+    ProgramResult run(const QStringList& arguments) const { return run(arguments, folder()); }
+    ProgramResult run(const QStringList& arguments, const QString& temporaryFolder) const
+    {
+        return ProgramRun(QStringLiteral(EEPROM_IMAGE_PROGRAM), arguments, folder(),
+                          temporaryFolder)
+            .finish();
+    }
     void verifyShown(const QByteArray& image, int exitCode, const QString& output,
                      const QString& errors);
 };
-
-// In the row's folder, so that plain file names do.
-Run tst_EepromImageProgram::run(const QStringList& arguments, const QString& temporaryFolder) const
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    environment.insert(QStringLiteral("TMPDIR"), temporaryFolder);
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(folder());
-    process.start(QStringLiteral(EEPROM_IMAGE_PROGRAM), arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit) {
-        return {-1, QString(), process.errorString()};
-    }
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
-
-void tst_EepromImageProgram::verifyRun(const Run& actual, int exitCode, const QString& output,
-                                       const QString& errors)
-{
-    QCOMPARE(actual.errors, errors);
-    QCOMPARE(actual.output, output);
-    QCOMPARE(actual.exitCode, exitCode);
-}
 
 void tst_EepromImageProgram::verifyShown(const QByteArray& image, int exitCode,
                                          const QString& output, const QString& errors)
 {
     writeFile(QStringLiteral("eeprom"), image);
-    verifyRun(run({QStringLiteral("show"), QStringLiteral("eeprom")}), exitCode, output, errors);
+    verifyResult(run({QStringLiteral("show"), QStringLiteral("eeprom")}), exitCode, output, errors);
 }
 
 void tst_EepromImageProgram::sampleBoardIsWrittenAndShown()
@@ -106,7 +79,7 @@ void tst_EepromImageProgram::sampleBoardIsWrittenAndShown()
     const QByteArray text = readFile(QStringLiteral(SAMPLE_BOARD));
     QVERIFY(!text.isEmpty());
     const QByteArray image = EepromImage(text).bytes();
-    verifyRun(
+    verifyResult(
         run({QStringLiteral("create"), QStringLiteral(SAMPLE_BOARD), QStringLiteral("eeprom")}), 0,
         QStringLiteral("eeprom: %1 bytes written\n"
                        "  block     %2 bytes from address 36 (0x24)\n"
@@ -154,21 +127,22 @@ void tst_EepromImageProgram::usage()
 {
     QFETCH(QString, arguments);
     QFETCH(QString, error);
-    verifyRun(run(arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts)), 1, QString(), error);
+    verifyResult(run(arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts)), 1, QString(), error);
 }
 
 void tst_EepromImageProgram::helpAndVersion()
 {
-    const Run help = run({QStringLiteral("--help")});
+    const ProgramResult help = run({QStringLiteral("--help")});
     QCOMPARE(help.exitCode, 0);
     QVERIFY(help.output.startsWith(QStringLiteral("Writes, reads and checks EEPROM images")));
     QCOMPARE(help.errors, QString());
-    verifyRun(run({QStringLiteral("show"), QStringLiteral("--help")}), 0, help.output, QString());
-    verifyRun(run({QStringLiteral("create"), QStringLiteral("-h")}), 0, help.output, QString());
+    verifyResult(run({QStringLiteral("show"), QStringLiteral("--help")}), 0, help.output,
+                 QString());
+    verifyResult(run({QStringLiteral("create"), QStringLiteral("-h")}), 0, help.output, QString());
 
     const QString version = QStringLiteral("eeprom-image 1.0.0\n");
-    verifyRun(run({QStringLiteral("--version")}), 0, version, QString());
-    verifyRun(run({QStringLiteral("show"), QStringLiteral("--version")}), 0, version, QString());
+    verifyResult(run({QStringLiteral("--version")}), 0, version, QString());
+    verifyResult(run({QStringLiteral("show"), QStringLiteral("--version")}), 0, version, QString());
 }
 
 void tst_EepromImageProgram::everyExitCodeStandsInTheHelp()
@@ -269,8 +243,8 @@ void tst_EepromImageProgram::namesEachKindOfDamage()
     if (!image.isNull()) {
         writeFile(name, image);
     }
-    verifyRun(run({QStringLiteral("show"), name}), exitCode, QString(),
-              QStringLiteral("eeprom-image: %1: %2\n").arg(name, meaning));
+    verifyResult(run({QStringLiteral("show"), name}), exitCode, QString(),
+                 QStringLiteral("eeprom-image: %1: %2\n").arg(name, meaning));
 }
 
 void tst_EepromImageProgram::namesAnUnreachableStartAddress()
@@ -301,7 +275,7 @@ void tst_EepromImageProgram::namesAnUnusableTemporaryFolder()
 {
     QFETCH(QString, temporaryFolder);
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
-    verifyRun(
+    verifyResult(
         run({QStringLiteral("show"), QStringLiteral("eeprom")}, temporaryFolder), 18, QString(),
         QStringLiteral("eeprom-image: eeprom: the block is sound, but no temporary file could "
                        "be made to parse it\n"));
@@ -322,7 +296,7 @@ void tst_EepromImageProgram::noticesEveryFlippedBit()
 void tst_EepromImageProgram::verboseShowsWhatTheLibraryLogs()
 {
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).checksum(1).bytes());
-    verifyRun(
+    verifyResult(
         run({QStringLiteral("show"), QStringLiteral("--verbose"), QStringLiteral("eeprom")}), 16,
         QString(),
         QStringLiteral("eeprom-image: log: HardwareInfoReader: Invalid checksum for INI block in "
@@ -336,8 +310,9 @@ void tst_EepromImageProgram::showLeavesNothingBehind()
 {
     QVERIFY(QDir(folder()).mkdir(QStringLiteral("tmp")));
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
-    verifyRun(run({QStringLiteral("show"), QStringLiteral("eeprom")}, path(QStringLiteral("tmp"))),
-              0, boardRecord, QString());
+    verifyResult(
+        run({QStringLiteral("show"), QStringLiteral("eeprom")}, path(QStringLiteral("tmp"))), 0,
+        boardRecord, QString());
     QVERIFY(QDir(path(QStringLiteral("tmp"))).isEmpty());
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList({QStringLiteral("eeprom"), QStringLiteral("tmp")}));
@@ -382,16 +357,17 @@ void tst_EepromImageProgram::createsTheLayoutAskedFor()
     QFETCH(QByteArray, image);
     QFETCH(QString, address);
     writeFile(QStringLiteral("board.ini"), text);
-    const Run created = run(QStringList(QStringLiteral("create")) +
-                            options.split(QLatin1Char(' '), Qt::SkipEmptyParts) +
-                            QStringList({QStringLiteral("board.ini"), QStringLiteral("eeprom")}));
-    verifyRun(created, 0,
-              QStringLiteral("eeprom: %1 bytes written\n"
-                             "  block     %2 bytes from address %3\n"
-                             "  checksum  0x%4\n")
-                  .arg(QString::number(image.size()), QString::number(text.size()), address,
-                       QString::fromLatin1(image.mid(33, 1).toHex() + image.mid(32, 1).toHex())),
-              QString());
+    const ProgramResult created =
+        run(QStringList(QStringLiteral("create")) +
+            options.split(QLatin1Char(' '), Qt::SkipEmptyParts) +
+            QStringList({QStringLiteral("board.ini"), QStringLiteral("eeprom")}));
+    verifyResult(created, 0,
+                 QStringLiteral("eeprom: %1 bytes written\n"
+                                "  block     %2 bytes from address %3\n"
+                                "  checksum  0x%4\n")
+                     .arg(QString::number(image.size()), QString::number(text.size()), address,
+                          QString::fromLatin1(image.mid(33, 1).toHex() + image.mid(32, 1).toHex())),
+                 QString());
     QCOMPARE(readFile(path(QStringLiteral("eeprom"))), image);
 }
 
@@ -431,10 +407,10 @@ void tst_EepromImageProgram::refusesLayouts()
     QFETCH(int, textSize);
     QFETCH(QString, reason);
     writeFile(QStringLiteral("board.ini"), QByteArray(textSize, ';'));
-    verifyRun(run(QStringList(QStringLiteral("create")) +
-                  options.split(QLatin1Char(' '), Qt::SkipEmptyParts) +
-                  QStringList({QStringLiteral("board.ini"), QStringLiteral("eeprom")})),
-              3, QString(), QStringLiteral("eeprom-image: eeprom: %1\n").arg(reason));
+    verifyResult(run(QStringList(QStringLiteral("create")) +
+                     options.split(QLatin1Char(' '), Qt::SkipEmptyParts) +
+                     QStringList({QStringLiteral("board.ini"), QStringLiteral("eeprom")})),
+                 3, QString(), QStringLiteral("eeprom-image: eeprom: %1\n").arg(reason));
     QVERIFY(!QFile::exists(path(QStringLiteral("eeprom"))));
 }
 
@@ -463,8 +439,8 @@ void tst_EepromImageProgram::failedCreateKeepsTheOldImage()
     QFETCH(QString, error);
     writeFile(QStringLiteral("board.ini"), boardText);
     const QString old = writeFile(QStringLiteral("eeprom"), "the old image");
-    verifyRun(run(QStringList(QStringLiteral("create")) + files), exitCode, QString(),
-              QStringLiteral("eeprom-image: %1\n").arg(error));
+    verifyResult(run(QStringList(QStringLiteral("create")) + files), exitCode, QString(),
+                 QStringLiteral("eeprom-image: %1\n").arg(error));
     QCOMPARE(readFile(old), QByteArray("the old image"));
 }
 

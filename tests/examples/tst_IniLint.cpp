@@ -56,21 +56,15 @@ private:
         return ProgramRun(program, arguments, folder()).finish();
     }
     void verifyRun(const QStringList& arguments, int exitCode, const QString& output,
-                   const QString& errors = QString());
+                   const QString& errors = QString()) const
+    {
+        verifyResult(run(arguments), exitCode, output, errors);
+    }
     QStringList filesInTheFolder() const
     {
         return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 };
-
-void tst_IniLint::verifyRun(const QStringList& arguments, int exitCode, const QString& output,
-                            const QString& errors)
-{
-    const ProgramResult result = run(arguments);
-    QCOMPARE(result.errors, errors);
-    QCOMPARE(result.output, output);
-    QCOMPARE(result.exitCode, exitCode);
-}
 
 void tst_IniLint::findings_data()
 {

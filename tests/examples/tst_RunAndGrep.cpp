@@ -44,17 +44,11 @@ private:
         return ProgramRun(program, arguments, folder()).finish();
     }
     void verifyRun(const QStringList& arguments, int exitCode, const QString& output,
-                   const QString& errors);
+                   const QString& errors) const
+    {
+        verifyResult(run(arguments), exitCode, output, errors);
+    }
 };
-
-void tst_RunAndGrep::verifyRun(const QStringList& arguments, int exitCode, const QString& output,
-                               const QString& errors)
-{
-    const ProgramResult result = run(arguments);
-    QCOMPARE(result.errors, errors);
-    QCOMPARE(result.output, output);
-    QCOMPARE(result.exitCode, exitCode);
-}
 
 void tst_RunAndGrep::matchesAFile_data()
 {
