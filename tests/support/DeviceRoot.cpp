@@ -102,7 +102,7 @@ DeviceRoot::Covered::Covered(const char* folderPath) : m_path(folderPath)
 
 DeviceRoot::Covered::Covered(const char* filePath, const QString& otherPath) : m_path(filePath)
 {
-    require(mount(QFile::encodeName(otherPath).constData(), m_path, nullptr, MS_BIND, nullptr),
+    require(mount(QFile::encodeName(otherPath).constData(), m_path, "none", MS_BIND, nullptr),
             "cover", m_path);
 }
 
