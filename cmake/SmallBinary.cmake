@@ -35,11 +35,14 @@ function(misctools_keep_small target)
   set_property(SOURCE ${arg_FAST_SOURCES} APPEND PROPERTY
     COMPILE_OPTIONS $<${misctools_is_shipped}:-O2>)
   # Link-time optimisation names things after a random number, unless it is told one for each source.
-  get_target_property(sources ${target} SOURCES)
-  foreach(source IN LISTS sources)
-    set_property(SOURCE ${source} APPEND PROPERTY
-      COMPILE_OPTIONS $<${misctools_is_shipped}:-frandom-seed=${source}>)
-  endforeach()
+  # A unity build, which is soon done and not shipped, would leave such sources out.
+  if(NOT CMAKE_UNITY_BUILD)
+    get_target_property(sources ${target} SOURCES)
+    foreach(source IN LISTS sources)
+      set_property(SOURCE ${source} APPEND PROPERTY
+        COMPILE_OPTIONS $<${misctools_is_shipped}:-frandom-seed=${source}>)
+    endforeach()
+  endif()
   if(misctools_has_ipo AND NOT MISCTOOLS_INSTRUMENTED)
     set_target_properties(${target} PROPERTIES
       INTERPROCEDURAL_OPTIMIZATION_RELEASE ON

@@ -77,7 +77,7 @@ private:
     QSettings& m_settings;
 };
 
-const QChar slash = QLatin1Char('/');
+const QChar separator = QLatin1Char('/');
 
 /*
  * Reads the value under a whole path, "group/key"; tells whether there is one. QSettings gives an
@@ -103,13 +103,13 @@ bool readPath(const QSettings& settings, const QString& path, QVariant& value)
  */
 bool readKey(QSettings& settings, const QString& group, const QString& key, QVariant& value)
 {
-    if (!group.isEmpty() && !group.contains(slash) && !key.contains(slash)) {
+    if (!group.isEmpty() && !group.contains(separator) && !key.contains(separator)) {
         // Asking for the key that sorts before all others of the group parses the section that a
         // listing would parse, and no other. After that none is left that could hold the key.
         const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
         QString path;
         path.reserve(group.size() + 1 + qMax(1, key.size())); // the one allocation for both paths
-        path.append(group).append(slash).append(QChar(QChar::Null));
+        path.append(group).append(separator).append(QChar(QChar::Null));
         if (!settings.contains(path)) {
             path.truncate(group.size() + 1);
             path.append(key);
@@ -126,7 +126,7 @@ bool readParsedKey(QSettings& settings, QString& path, const QString& group, con
                    QVariant& value)
 {
     path.resize(0);
-    path.append(group).append(slash).append(key);
+    path.append(group).append(separator).append(key);
     const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
     return readPath(settings, path, value);
 }
@@ -415,7 +415,7 @@ QMap<QString, QVariant> IniFileManager::getGroupValues(const QString& group) con
     const QStringList keys = getChildKeys(group);
     // The listing has parsed the group's section. For a group within groups, "a/b", each further
     // look-up may parse one more section that has keys of this group: "a" with a key "b/c".
-    int unparsedSections = group.count(slash);
+    int unparsedSections = group.count(separator);
     QString path;
     for (const QString& key : keys) {
         QVariant value;
