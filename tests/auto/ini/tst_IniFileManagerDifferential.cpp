@@ -255,6 +255,7 @@ class tst_IniFileManagerDifferential : public TestCase
 
 private Q_SLOTS:
     void sameAsLiteral();
+    void sectionsOfKeysThatWereAddedAreParsed();
 
 private:
     template <typename File>
@@ -323,6 +324,30 @@ void tst_IniFileManagerDifferential::sameAsLiteral()
             QCOMPARE(actual.size(), literal.size());
         }
     }
+}
+
+// Where two sections hold a key, the one that is parsed last wins: here the first one, as the other
+// is parsed when its group is listed, although all that is asked for was added and needs no
+// section.
+template <typename File>
+QStringList readAddedKey(const QString& filePath)
+{
+    const QString group = QStringLiteral("A");
+    const QString key = QStringLiteral("k");
+    File file(filePath, nullptr);
+    file.setValue(group, QString(QChar(QChar::Null)), 1); // sorts before all others
+    file.setValue(group, key, 2);
+    return {file.getValueString(group, key, QString()),
+            file.getGeneralValueString(QStringLiteral("first"), QString()),
+            file.getValueString(group, QStringLiteral("x"), QString())};
+}
+
+void tst_IniFileManagerDifferential::sectionsOfKeysThatWereAddedAreParsed()
+{
+    const QByteArray content = "first=1\nA\\x=root\n[A]\nx=section\n";
+    const QStringList expected{QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("root")};
+    QCOMPARE(readAddedKey<LiteralIniFile>(writeFile(QStringLiteral("literal"), content)), expected);
+    QCOMPARE(readAddedKey<IniFileManager>(writeFile(QStringLiteral("library"), content)), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_IniFileManagerDifferential)
