@@ -1,0 +1,77 @@
+"""The library with one line changed: compiled and linked by itself, for tests of another build."""
+
+import os
+import pathlib
+import re
+import resource
+import shlex
+import signal
+import subprocess
+
+LIBRARY = "lib/libMiscTools.so.1.0.0"
+
+
+class Mutant:
+    def __init__(self, path, number, line, changed):
+        self.path, self.number, self.line, self.changed = path, number, line, changed
+
+    def __str__(self):
+        return f"{self.path}:{self.number}: {self.line.strip()} -> {self.changed.strip() or '(left out)'}"
+
+    def key(self):
+        return f"{self.path}: {self.line.strip()} -> {self.changed.strip() or '(left out)'}"
+
+
+class Compiler:
+    """The commands of a build, with one source and the output replaced."""
+
+    def __init__(self, build):
+        self.build = build
+        lines = subprocess.check_output(["ninja", "-C", build, "-t", "commands", LIBRARY],
+                                        text=True).splitlines()
+        self.link = lines[-1]
+        self.compile = {}
+        for line in lines:
+            # In quotes where the project's folder has a blank in its name.
+            match = re.search(r' -o (\S+\.o) -c "?(.+/(src/[\w./]+\.cpp))"?$', line)
+            if match:
+                self.compile[match.group(3)] = (line, match.group(1), match.group(2))
+
+    def make(self, mutant, folder):
+        """The library with that change; None when it does not compile."""
+        command, old_object, old_source = self.compile[str(mutant.path)]
+        source = folder / mutant.path.name
+        lines = mutant.path.read_text().split("\n")
+        lines[mutant.number - 1] = mutant.changed
+        source.write_text("\n".join(lines))
+        new_object = folder / "mutant.o"
+        library = folder / "libMiscTools.so.1"
+        includes = shlex.quote(str(pathlib.Path(old_source).parent))
+        steps = [
+            f"{command[:command.rindex(' -o ')]} -MF {folder}/mutant.d -w -I{includes}"
+            f" -o {new_object} -c {source}",
+            self.link.replace(old_object, str(new_object)).replace(
+                f"-o {LIBRARY}", f"-o {library}"),
+        ]
+        for step in steps:
+            if subprocess.run(step, shell=True, cwd=self.build, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL).returncode != 0:
+                return None
+        return library
+
+
+def run_quietly(command, folder, environment, timeout_in_s, memory_in_bytes=resource.RLIM_INFINITY):
+    """Whether the command ends well, and in time."""
+    def limits():
+        resource.setrlimit(resource.RLIMIT_AS, (memory_in_bytes, memory_in_bytes))
+        resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+
+    process = subprocess.Popen(command, cwd=folder, env=environment, preexec_fn=limits,
+                               start_new_session=True, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    try:
+        return process.wait(timeout_in_s) == 0
+    except subprocess.TimeoutExpired:
+        os.killpg(process.pid, signal.SIGKILL) # the session that was begun here
+        process.wait()
+        return False
