@@ -33,7 +33,7 @@ class Compiler:
         self.compile = {}
         for line in lines:
             # In quotes where the project's folder has a blank in its name.
-            match = re.search(r' -o (\S+\.o) -c "?(.+/(src/[\w./]+\.cpp))"?$', line)
+            match = re.search(r""" -o (\S+\.o) -c ['\"]?(.+/(src/[\w./]+\.cpp))['\"]?$""", line)
             if match:
                 self.compile[match.group(3)] = (line, match.group(1), match.group(2))
 
