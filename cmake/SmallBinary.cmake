@@ -36,7 +36,7 @@ function(misctools_keep_small target)
     COMPILE_OPTIONS $<${misctools_is_shipped}:-O2>)
   # Link-time optimisation names things after a random number, unless it is told one for each source.
   # A unity build, which is soon done and not shipped, would leave such sources out.
-  if(NOT CMAKE_UNITY_BUILD)
+  if(NOT CMAKE_UNITY_BUILD AND NOT MISCTOOLS_INSTRUMENTED)
     get_target_property(sources ${target} SOURCES)
     foreach(source IN LISTS sources)
       set_property(SOURCE ${source} APPEND PROPERTY

@@ -284,7 +284,8 @@ void tst_EepromImageProgram::namesAnUnusableTemporaryFolder()
 void tst_EepromImageProgram::noticesEveryFlippedBit()
 {
     const QByteArray block = "Type=B\n";
-    for (int bit = 0; bit < 8 * block.size(); ++bit) {
+    const int step = isEmulated() ? 9 : 1;
+    for (int bit = 0; bit < 8 * block.size(); bit += step) {
         verifyShown(
             EepromImage(block).flipBit(EepromImage::headerEnd + bit / 8, bit % 8).bytes(), 16,
             QString(),
