@@ -278,6 +278,7 @@ FaultyRun FaultyProcess::run(const Fault& fault, const std::function<QByteArray(
     Shared& shared = sharedMemory();
     shared.isArmed = false;
     shared.descriptorsLeft = 0;
+    ChildProcess::letOtherThreadsSleep();
     fflush(nullptr);
     const pid_t process = fork();
     if (process < 0) {

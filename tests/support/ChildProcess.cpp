@@ -1,6 +1,8 @@
 #include "ChildProcess.h"
 
-#include <QtCore/QtGlobal>
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
 
 #include <cerrno>
 #include <cstdio>
@@ -8,12 +10,31 @@
 
 #include <grp.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr unsigned int ordinaryUser = 65534; // "nobody"
+
+// Whether a thread of this process, other than the one that asks, is at work.
+bool isAnotherThreadAtWork()
+{
+    const QByteArray own = QByteArray::number(qint64(syscall(SYS_gettid)));
+    const QString tasks = QStringLiteral("/proc/self/task/");
+    const QStringList threads = QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& thread : threads) {
+        QFile file(tasks + thread + QStringLiteral("/stat"));
+        if (thread.toLatin1() != own && file.open(QIODevice::ReadOnly)) {
+            const QByteArray stat = file.readAll(); // "number (name) state ..."
+            if (stat.mid(stat.lastIndexOf(')')).startsWith(") R")) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 [[noreturn]] void runInChild(const std::function<int()>& function, int outputDescriptor)
 {
@@ -46,12 +67,24 @@ void ChildProcess::leave(int exitCode)
 #endif
 }
 
+void ChildProcess::letOtherThreadsSleep()
+{
+    constexpr int longWhileInMs = 1000;
+
+    QElapsedTimer clock;
+    clock.start();
+    while (isAnotherThreadAtWork() && clock.elapsed() < longWhileInMs) {
+        usleep(100);
+    }
+}
+
 ChildResult ChildProcess::run(const std::function<int()>& function)
 {
     int descriptors[2];
     if (pipe(descriptors) != 0) {
         qFatal("cannot make a pipe for a child process");
     }
+    letOtherThreadsSleep();
     fflush(nullptr);
     const pid_t child = fork();
     if (child < 0) {

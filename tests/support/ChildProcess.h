@@ -29,6 +29,13 @@ ChildResult run(const std::function<int()>& function);
  */
 ChildResult runAsOrdinaryUser(const std::function<int()>& function);
 
+/*
+ * To be called before a fork, as run() does. The start of a test function wakes the watchdog of Qt
+ * Test, which reads the environment: a copy that is made in that moment would find Qt's lock for it
+ * taken, and wait for ever.
+ */
+void letOtherThreadsSleep();
+
 // Ends a forked copy of this process, and nothing of what it shares with the original.
 [[noreturn]] void leave(int exitCode);
 
