@@ -35,7 +35,10 @@ const QString platformLibrary = QStringLiteral(PLATFORM_LIBRARY_FILE);
 // The lines that a tool prints about a file; none when it fails, which every caller would notice.
 QStringList linesOf(const QString& tool, const QStringList& arguments)
 {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C")); // the tools speak languages
     QProcess process;
+    process.setProcessEnvironment(environment);
     process.start(tool, arguments);
     if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit ||
         process.exitCode() != 0) {
