@@ -17,7 +17,7 @@ if(TARGET eeprom-image)
   foreach(tool IN LISTS misctools_tools)
     install(FILES docs/man/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     # The shell looks for a file of the command's name.
-    install(FILES examples/completion/misctools RENAME ${tool}
+    install(FILES tools/completion/misctools RENAME ${tool}
       DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
   endforeach()
 endif()

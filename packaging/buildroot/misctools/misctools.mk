@@ -15,7 +15,7 @@ MISCTOOLS_DEPENDENCIES = qt5base
 # The platform functions are the device software's.
 MISCTOOLS_CONF_OPTS = \
 	-DBUILD_TESTING=OFF \
-	-DMISCTOOLS_BUILD_EXAMPLES=OFF \
+	-DMISCTOOLS_BUILD_TOOLS=OFF \
 	-DMISCTOOLS_PLATFORM=external
 
 $(eval $(cmake-package))

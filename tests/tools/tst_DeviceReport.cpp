@@ -72,7 +72,7 @@ QStringList device()
 
 } // namespace
 
-// The example program, run as its user would run it.
+// The program, run as its user would run it.
 class tst_DeviceReport : public TestCase
 {
     Q_OBJECT

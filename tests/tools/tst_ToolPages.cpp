@@ -7,8 +7,8 @@
 
 namespace {
 
-const QString examples = QStringLiteral(PROJECT_FOLDER "/examples");
-const QString completion = examples + QStringLiteral("/completion/misctools");
+const QString tools = QStringLiteral(PROJECT_FOLDER "/tools");
+const QString completion = tools + QStringLiteral("/completion/misctools");
 
 // What the expression's first group matches in a text's lines.
 QStringList linesOf(const QString& text, const QString& expression)
@@ -49,7 +49,7 @@ QStringList optionsOfPage(const QString& page)
 
 } // namespace
 
-// The manual pages and the completion say of each example program what its --help says.
+// The manual pages and the completion say of each program what its --help says.
 class tst_ToolPages : public TestCase
 {
     Q_OBJECT
@@ -82,8 +82,8 @@ private:
 QStringList tst_ToolPages::programs()
 {
     QStringList result;
-    for (const QString& name : QDir(examples).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (QFile::exists(examples + QLatin1Char('/') + name + QStringLiteral("/main.cpp"))) {
+    for (const QString& name : QDir(tools).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (QFile::exists(tools + QLatin1Char('/') + name + QStringLiteral("/main.cpp"))) {
             result.append(name);
         }
     }

@@ -50,7 +50,7 @@ bool isList(const QVariant& value)
 
 } // namespace
 
-// What the example program says of INI texts, held against what QSettings reads out of them.
+// What the program says of INI texts, held against what QSettings reads out of them.
 class tst_IniRules : public TestCase
 {
     Q_OBJECT

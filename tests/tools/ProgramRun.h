@@ -5,7 +5,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// What a run of an example program leaves behind.
+// What a run of an program leaves behind.
 struct ProgramResult
 {
     int exitCode = -1; // also of one that did not end by itself
@@ -17,7 +17,7 @@ struct ProgramResult
 void verifyResult(const ProgramResult& result, int exitCode, const QString& output,
                   const QString& errors = QString());
 
-// A run of an example program in a folder, which also takes its temporary files unless told
+// A run of an program in a folder, which also takes its temporary files unless told
 // otherwise.
 class ProgramRun
 {

@@ -4,7 +4,7 @@
 #include <QtCore/QCommandLineOption>
 #include <QtCore/QString>
 
-// What every example program says and reads the same way.
+// What every program says and reads the same way.
 namespace CommandLine {
 
 // The options --verbose, for LibraryMessages::take(), --help and --version.

@@ -51,7 +51,7 @@ QByteArray recordJson(const char* minimum, const char* maximum, const char* date
 
 } // namespace
 
-// The example program that keeps the range of the values that it reads.
+// The program that keeps the range of the values that it reads.
 class tst_PeakMeter : public TestCase
 {
     Q_OBJECT

@@ -20,7 +20,7 @@ QString withoutTime(QString output)
 
 } // namespace
 
-// The example program that follows what is copied to a medium.
+// The program that follows what is copied to a medium.
 class tst_WatchMedia : public TestCase
 {
     Q_OBJECT

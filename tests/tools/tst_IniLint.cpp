@@ -22,7 +22,7 @@ QByteArray toJson(const char* text)
 
 } // namespace
 
-// The example program that says what QSettings reads otherwise than it looks; that it is so shows
+// The program that says what QSettings reads otherwise than it looks; that it is so shows
 // tst_IniRules.
 class tst_IniLint : public TestCase
 {

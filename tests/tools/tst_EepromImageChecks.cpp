@@ -10,7 +10,7 @@ const QByteArray boardText = "Type=4711\nTypeName=Sample board\n";
 
 } // namespace
 
-// The commands of the example program that look at an image's bytes: verify and dump.
+// The commands of the program that look at an image's bytes: verify and dump.
 class tst_EepromImageChecks : public TestCase
 {
     Q_OBJECT

@@ -16,7 +16,7 @@ const QString hint = QStringLiteral("run-and-grep: try --help\n");
 
 } // namespace
 
-// The example program that matches expressions over a command's output or a file.
+// The program that matches expressions over a command's output or a file.
 class tst_RunAndGrep : public TestCase
 {
     Q_OBJECT

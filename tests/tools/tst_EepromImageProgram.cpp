@@ -26,7 +26,7 @@ const QString hint = QStringLiteral("eeprom-image: try --help\n");
 
 } // namespace
 
-// The example program at the bench: what it says of each image, and the images that it writes.
+// The program at the bench: what it says of each image, and the images that it writes.
 class tst_EepromImageProgram : public TestCase
 {
     Q_OBJECT
