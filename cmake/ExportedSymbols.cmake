@@ -1,6 +1,27 @@
 # Hidden visibility alone lets inline functions of Qt's own exported classes slip out of a build that
 # does not inline them. A version script, made from what the public headers mark, keeps the library to
 # its interface in every build.
+
+# misctools_exported_patterns(<result> <text of a header>): the version script's patterns for what the
+# header marks with MISCTOOLS_EXPORT.
+function(misctools_exported_patterns result text)
+  set(patterns "")
+  string(REGEX MATCHALL "class MISCTOOLS_EXPORT [A-Za-z0-9_]+" classes "${text}")
+  foreach(class IN LISTS classes)
+    string(REGEX REPLACE ".* " "" class "${class}")
+    list(APPEND patterns "${class}::*" "*thunk?to?${class}::*" "*?for?${class}")
+  endforeach()
+  string(REGEX REPLACE "class MISCTOOLS_EXPORT" "" text "${text}")
+  string(REGEX MATCHALL "MISCTOOLS_EXPORT [^(;]*\\(" functions "${text}")
+  foreach(function IN LISTS functions)
+    string(REGEX REPLACE ".*[ *&]([^ *&(]+)\\($" "\\1" function "${function}")
+    # Characters that a version script does not allow; the last one is the parenthesis.
+    string(REPLACE "<" "?" function "${function}?*")
+    list(APPEND patterns "${function}")
+  endforeach()
+  set(${result} "${patterns}" PARENT_SCOPE)
+endfunction()
+
 function(misctools_export_public_interface target)
   file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
   # A changed header may mark something else.
@@ -8,19 +29,8 @@ function(misctools_export_public_interface target)
   set(patterns "")
   foreach(header IN LISTS headers)
     file(READ ${header} text)
-    string(REGEX MATCHALL "class MISCTOOLS_EXPORT [A-Za-z]+" classes "${text}")
-    foreach(class IN LISTS classes)
-      string(REGEX REPLACE ".* " "" class "${class}")
-      list(APPEND patterns "${class}::*" "*thunk?to?${class}::*" "*?for?${class}")
-    endforeach()
-    string(REGEX REPLACE "class MISCTOOLS_EXPORT" "" text "${text}")
-    string(REGEX MATCHALL "MISCTOOLS_EXPORT [^(;]*\\(" functions "${text}")
-    foreach(function IN LISTS functions)
-      string(REGEX REPLACE ".*[ *&]([^ *&(]+)\\($" "\\1" function "${function}")
-      # Signs that a version script has no room for; the last one is the parenthesis.
-      string(REPLACE "<" "?" function "${function}?*")
-      list(APPEND patterns "${function}")
-    endforeach()
+    misctools_exported_patterns(of_header "${text}")
+    list(APPEND patterns ${of_header})
   endforeach()
   list(REMOVE_DUPLICATES patterns)
   list(JOIN patterns ";\n    " patterns)

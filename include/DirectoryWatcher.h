@@ -34,9 +34,9 @@ class MISCTOOLS_EXPORT DirectoryWatcher : public QObject
 
 public:
     /*! \brief Watches \a paths; an empty list watches nothing yet. */
-    explicit DirectoryWatcher(const QStringList& paths);
+    DirectoryWatcher(const QStringList& paths);
     /*! \brief Watches \a path. */
-    explicit DirectoryWatcher(const QString& path);
+    DirectoryWatcher(const QString& path);
     ~DirectoryWatcher() override;
 
     /*! \brief Watches \a path as well; tells whether it can be watched. */

@@ -26,7 +26,7 @@ class MISCTOOLS_EXPORT HardwareIdentification
 {
 public:
     /*! \brief Takes \a hardwareId apart, as divideHardwareID(). */
-    explicit HardwareIdentification(const QString& hardwareId);
+    HardwareIdentification(const QString& hardwareId);
     virtual ~HardwareIdentification();
 
     /*! \brief An independent copy. */

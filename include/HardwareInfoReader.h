@@ -40,7 +40,7 @@ class MISCTOOLS_EXPORT HardwareInfoReader : public QObject
 
 public:
     /*! \brief A reader owned by \a parent, which may be null. */
-    explicit HardwareInfoReader(QObject* parent);
+    HardwareInfoReader(QObject* parent);
     ~HardwareInfoReader() override;
 
     /*!

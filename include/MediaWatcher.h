@@ -29,7 +29,7 @@ class MISCTOOLS_EXPORT MediaWatcher : public QObject
 
 public:
     /*! \brief A watcher owned by \a parent, which may be null; not recursive, without patterns. */
-    explicit MediaWatcher(QObject* parent);
+    MediaWatcher(QObject* parent);
     ~MediaWatcher() override;
 
     /*! \brief Whether to search all folders of a medium, or its top folder alone. */

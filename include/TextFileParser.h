@@ -38,7 +38,7 @@ public:
      *
      * Errors: "File doesn't exists: <path>", "Can't open file <path> IO Error: <reason>".
      */
-    explicit TextFileParser(const QString& filePath);
+    TextFileParser(const QString& filePath);
     virtual ~TextFileParser();
 
     /*! \brief An independent copy. */

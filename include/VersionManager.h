@@ -25,7 +25,7 @@ class MISCTOOLS_EXPORT VersionManager
 {
 public:
     /*! \brief Takes \a version apart, as initializeVersions(). */
-    explicit VersionManager(const QString& version);
+    VersionManager(const QString& version);
     virtual ~VersionManager();
 
     /*! \brief An independent copy. */

@@ -1,4 +1,4 @@
-#include "common/PlatformFunctions.h"
+#include "PlatformFunctions.h"
 
 #include <QtCore/QtGlobal>
 

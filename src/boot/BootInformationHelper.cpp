@@ -2,8 +2,8 @@
 
 #include "KernelCommandLineDefinition.h"
 #include "KernelCommandLineParser.h"
+#include "PlatformFunctions.h"
 #include "common/Log.h"
-#include "common/PlatformFunctions.h"
 
 #include <QtCore/QFile>
 

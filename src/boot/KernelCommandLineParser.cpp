@@ -2,7 +2,6 @@
 
 #include "KernelCommandLineDefinition.h"
 #include "common/Log.h"
-#include "common/Text.h"
 
 #include <QtCore/QFile>
 
@@ -17,7 +16,7 @@ KernelCommandLineParser::KernelCommandLineParser()
         MISCTOOLS_LOG(KernelCommandLineParser).warning() << "Can't open kernelCommandLine file";
         return;
     }
-    m_arguments = Text::fromBytes(file.readAll()).split(QLatin1Char(' '));
+    m_arguments = QString::fromUtf8(file.readAll()).split(QLatin1Char(' '));
     m_arguments.removeAll(QString());
     m_arguments.removeAll(QStringLiteral("\n"));
 }

@@ -13,6 +13,17 @@ void setToNow(QDateTime& date)
     date.setTime(QTime::currentTime());
 }
 
+// Whether value is the first one of a record, or widens the range of one.
+bool changesAny(const QList<DragIndicator::DragIndicatorInstance>& instances, double value)
+{
+    for (const DragIndicator::DragIndicatorInstance& instance : instances) {
+        if (!instance.initialized || instance.maxValue < value || instance.minValue > value) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 DragIndicator::DragIndicator() : m_textDateImported(false)
@@ -33,6 +44,22 @@ void DragIndicator::reset()
     if (!m_instances.isEmpty()) {
         m_instances.first() = DragIndicatorInstance();
     }
+}
+
+bool DragIndicator::compute(double value)
+{
+    // Mostly nothing changes, and then a list that is shared with a copy of this object stays
+    // shared.
+    if (!m_textDateImported && !changesAny(m_instances, value)) {
+        return false;
+    }
+    bool isChanged = false;
+    for (DragIndicatorInstance& instance : m_instances) {
+        if (checkInstance(instance, value)) {
+            isChanged = true;
+        }
+    }
+    return isChanged;
 }
 
 bool DragIndicator::checkInstance(DragIndicator::DragIndicatorInstance& instance, double value)

@@ -1,7 +1,7 @@
 #include "DragIndicator.h"
 
+#include "PlatformFunctions.h"
 #include "common/Log.h"
-#include "common/PlatformFunctions.h"
 
 #include <QtCore/QJsonObject>
 
@@ -29,33 +29,36 @@ public:
         check(key, readDoubleValueFromJson(key, m_object, value));
     }
 
-    // Gives an empty text when there is none; emptyText is what that is reported with.
+    // Returns an empty text when there is none; emptyText is the warning for one that is there.
     QString readDate(const QString& key, const char* emptyText)
     {
         QString date;
-        const bool isFound = readStringValueFromJson(key, m_object, date);
-        check(key, isFound);
-        if (isFound && date.isEmpty()) {
+        if (!check(key, readStringValueFromJson(key, m_object, date))) {
+            return QString(); // whatever the reader has left in date
+        }
+        if (date.isEmpty()) {
             m_log.warning() << emptyText;
             m_isComplete = false;
         }
         return date;
     }
 
-    void readFlag(const QString& key, bool& value)
+    bool readFlag(const QString& key)
     {
-        check(key, readBoolValueFromJson(key, m_object, value));
+        bool flag = false;
+        return check(key, readBoolValueFromJson(key, m_object, flag)) && flag;
     }
 
     bool isComplete() const { return m_isComplete; }
 
 private:
-    void check(const QString& key, bool isFound)
+    bool check(const QString& key, bool isFound)
     {
         if (!isFound) {
             m_log.warning() << "Cannot find key" << key << "in json object:" << m_object << "!";
             m_isComplete = false;
         }
+        return isFound;
     }
 
     const QMessageLogger& m_log;
@@ -121,7 +124,7 @@ bool DragIndicator::fromJsonArray(const QJsonArray& jsonArray)
                 toDate(reader.readDate(sm_KeyMinValueDate, "Received an empty min date string!"));
             instance.maxValueDate =
                 toDate(reader.readDate(sm_KeyMaxValueDate, "Received an empty max date string!"));
-            reader.readFlag(sm_KeyInitialized, instance.initialized);
+            instance.initialized = reader.readFlag(sm_KeyInitialized);
             m_instances.append(instance);
             isComplete = isComplete && reader.isComplete();
         }

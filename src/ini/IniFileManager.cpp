@@ -107,28 +107,21 @@ bool readKey(QSettings& settings, const QString& group, const QString& key, QVar
         // Asking for the key that sorts before all others of the group parses the section that a
         // listing would parse, and no other. After that none is left that could hold the key.
         const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
-        QString path;
-        path.reserve(group.size() + 1 + qMax(1, key.size())); // the one allocation for both paths
-        path.append(group).append(separator).append(QChar(QChar::Null));
-        if (!settings.contains(path)) {
-            path.truncate(group.size() + 1);
-            path.append(key);
-            return readPath(settings, path, value);
+        const QString prefix = group + separator;
+        if (!settings.contains(prefix + QChar(QChar::Null))) {
+            return readPath(settings, prefix + key, value);
         }
     }
     const GroupScope scope(settings, group);
     return settings.childKeys().contains(key) && readPath(settings, key, value);
 }
 
-// Reads a value whose section is known to be parsed. The path is a string of the caller's, which
-// keeps its memory from one value to the next.
-bool readParsedKey(QSettings& settings, QString& path, const QString& group, const QString& key,
+// Reads a value whose section is known to be parsed.
+bool readParsedKey(const QSettings& settings, const QString& group, const QString& key,
                    QVariant& value)
 {
-    path.resize(0);
-    path.append(group).append(separator).append(key);
     const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
-    return readPath(settings, path, value);
+    return readPath(settings, group + separator + key, value);
 }
 
 // The functions from here on warn through log, in the name of the function that calls them.
@@ -157,51 +150,40 @@ int toInteger(const QVariant& value, int defaultValue, const IniFileManager& fil
     return number;
 }
 
-// The place in groups, just listed, of the first group at the Position externalIndex; -1 when there
-// is none.
-int findPosition(const IniFileManager& file, QSettings& settings, const QStringList& groups,
-                 int externalIndex)
+// Returns a function that reads a group's Position as getValueInteger() does, with its warnings.
+auto positionsIn(const IniFileManager& file)
 {
-    const QString key = QStringLiteral("Position");
-    // Listing the groups has parsed all sections. Who handles a message may sync, and so read the
-    // file anew.
-    bool areAllParsed = true;
-    QString path;
+    return [&file](const QString& group) {
+        return file.getValueInteger(group, QStringLiteral("Position"), 0);
+    };
+}
+
+// Returns the place in groups of the first one whose Position is externalIndex; -1 when there is
+// none.
+template <typename PositionOf>
+int findPosition(const QStringList& groups, int externalIndex, PositionOf positionOf)
+{
     for (int i = 0; i < groups.count(); ++i) {
-        QVariant value;
-        bool isNumber = false;
-        int position = 0;
-        if (areAllParsed && readParsedKey(settings, path, groups.at(i), key, value)) {
-            position = value.toInt(&isNumber);
-        }
-        if (!isNumber) {
-            position = file.getValueInteger(groups.at(i), key, 0);
-            areAllParsed = false;
-        }
-        if (position == externalIndex) {
+        if (positionOf(groups.at(i)) == externalIndex) {
             return i;
         }
     }
     return -1;
 }
 
-// Finds the group at the Position externalIndex; warns when there is none. The groups are listed
-// once, so that a sync() in another thread cannot shift them.
-bool findIndexedGroup(const IniFileManager& file, QSettings& settings, int externalIndex,
-                      const QMessageLogger& log, QString& group)
+// The same for the indexed getters, which warn when there is none.
+int findIndexedGroup(const IniFileManager& file, const QStringList& groups, int externalIndex,
+                     const QMessageLogger& log)
 {
-    const QStringList groups = file.getGroups();
     if (externalIndex >= groups.count()) {
         log.warning() << file.getGeneralLogInfo() << "Invalid group index!";
-        return false;
+        return -1;
     }
-    const int groupIndex = findPosition(file, settings, groups, externalIndex);
+    const int groupIndex = findPosition(groups, externalIndex, positionsIn(file));
     if (groupIndex < 0) {
         log.warning() << file.getGeneralLogInfo() << "Index not found in group!";
-        return false;
     }
-    group = groups.at(groupIndex);
-    return true;
+    return groupIndex;
 }
 
 } // namespace
@@ -416,11 +398,10 @@ QMap<QString, QVariant> IniFileManager::getGroupValues(const QString& group) con
     // The listing has parsed the group's section. For a group within groups, "a/b", each further
     // look-up may parse one more section that has keys of this group: "a" with a key "b/c".
     int unparsedSections = group.count(separator);
-    QString path;
     for (const QString& key : keys) {
         QVariant value;
         if (key.isEmpty() || unparsedSections > 0 ||
-            !readParsedKey(m_settings, path, group, key, value)) {
+            !readParsedKey(m_settings, group, key, value)) {
             value = getValue(group, key, QVariant());
             --unparsedSections;
         }
@@ -437,7 +418,7 @@ bool IniFileManager::searchIndex(int externalIndex, int& groupIndex) const
         MISCTOOLS_LOG(IniFileManager).warning() << getGeneralLogInfo() << "Invalid external index!";
         return false;
     }
-    const int found = findPosition(*this, m_settings, groups, externalIndex);
+    const int found = findPosition(groups, externalIndex, positionsIn(*this));
     if (found < 0) {
         return false;
     }
@@ -445,33 +426,34 @@ bool IniFileManager::searchIndex(int externalIndex, int& groupIndex) const
     return true;
 }
 
+// The indexed getters list the groups once, so that a sync() in another thread cannot shift them
+// between finding a group and reading from it.
+
 int IniFileManager::getValueInteger(int externalIndex, const QString& key, int defaultValue) const
 {
     const QMutexLocker locker(&m_mutex);
-    QString group;
-    if (!findIndexedGroup(*this, m_settings, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
-        return defaultValue;
-    }
-    return getValueInteger(group, key, defaultValue);
+    const QStringList groups = getGroups();
+    const int groupIndex =
+        findIndexedGroup(*this, groups, externalIndex, MISCTOOLS_LOG(IniFileManager));
+    return groupIndex < 0 ? defaultValue
+                          : getValueInteger(groups.at(groupIndex), key, defaultValue);
 }
 
 QString IniFileManager::getValueString(int externalIndex, const QString& key,
                                        const QString& defaultValue) const
 {
     const QMutexLocker locker(&m_mutex);
-    QString group;
-    if (!findIndexedGroup(*this, m_settings, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
-        return defaultValue;
-    }
-    return getValueString(group, key, defaultValue);
+    const QStringList groups = getGroups();
+    const int groupIndex =
+        findIndexedGroup(*this, groups, externalIndex, MISCTOOLS_LOG(IniFileManager));
+    return groupIndex < 0 ? defaultValue : getValueString(groups.at(groupIndex), key, defaultValue);
 }
 
 bool IniFileManager::getValueBool(int externalIndex, const QString& key, bool defaultValue) const
 {
     const QMutexLocker locker(&m_mutex);
-    QString group;
-    if (!findIndexedGroup(*this, m_settings, externalIndex, MISCTOOLS_LOG(IniFileManager), group)) {
-        return defaultValue;
-    }
-    return getValueBool(group, key, defaultValue);
+    const QStringList groups = getGroups();
+    const int groupIndex =
+        findIndexedGroup(*this, groups, externalIndex, MISCTOOLS_LOG(IniFileManager));
+    return groupIndex < 0 ? defaultValue : getValueBool(groups.at(groupIndex), key, defaultValue);
 }

@@ -1,8 +1,7 @@
 #include "IniFileManager.h"
 
+#include "common/FileReading.h"
 #include "common/Log.h"
-#include "common/Text.h"
-#include "common/TextPieces.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QSaveFile>
@@ -11,64 +10,39 @@ namespace {
 
 constexpr char canNotOpenFile[] = "Can not open file:";
 
-QList<void (*)(QString&)> ownCleanUpFunctions()
+// Reads the text of the file at path; false, with a warning, when it cannot be opened. isWhole
+// tells whether it was read to its end. The file is closed afterwards, as replacing it needs a
+// descriptor.
+bool readText(const QString& path, const QMessageLogger& log, QString& text, bool& isWhole)
 {
-    return {&IniFileManager::cleanUpComments, &IniFileManager::cleanUpListSeperators};
-}
-
-// What these functions do to a text, done to its UTF-8 in one pass: ASCII characters stand for
-// themselves there.
-void cleanUpUtf8(QByteArray& utf8)
-{
-    const char* const begin = utf8.data();
-    Text::rewriteBytes(
-        utf8, 0,
-        [](quint64 block) { return Text::isInBlock(block, ',') || Text::isInBlock(block, '3'); },
-        [begin](char byte, char* target) {
-            if (byte == ',') {
-                byte = ' ';
-            } else if (byte == '3' && target - begin >= 2 && target[-1] == '2' &&
-                       target[-2] == '%') {
-                target -= 2;
-                byte = '#';
-            }
-            *target = byte;
-            return target + 1;
-        });
-}
-
-bool writeAll(QIODevice& device, const QByteArray& bytes)
-{
-    return device.write(bytes) == bytes.size();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        log.warning() << canNotOpenFile << path;
+        return false;
+    }
+    text = QString::fromUtf8(readAllInTextMode(file)); // up to the first zero byte
+    isWhole = file.error() == QFileDevice::NoError && file.atEnd();
+    return true;
 }
 
 } // namespace
 
-QList<void (*)(QString&)> IniFileManager::sm_CleanUpFunctions = ownCleanUpFunctions();
+QList<void (*)(QString&)> IniFileManager::sm_CleanUpFunctions = {
+    &IniFileManager::cleanUpComments, &IniFileManager::cleanUpListSeperators};
 
 void IniFileManager::cleanUp(const QString& filePath)
 {
-    QFile source(filePath);
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
+    QString text;
+    bool isWhole = false;
+    if (!readText(filePath, MISCTOOLS_LOG(IniFileManager), text, isWhole)) {
         return;
     }
-    TextPieces pieces(source);
-    QString text;
-    // The library's own functions do to each piece of a text what they do to the whole, so that a
-    // large file need not fit into memory. Of others this is not known.
-    const bool isPieceByPiece = sm_CleanUpFunctions == ownCleanUpFunctions();
-    if (!isPieceByPiece) {
-        while (pieces.next()) {
-            pieces.appendTo(text);
+    for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
+        if (cleanUpFunction == nullptr) {
+            MISCTOOLS_LOG(IniFileManager).warning() << "Function pointer is Null.";
+            continue;
         }
-        for (const auto cleanUpFunction : qAsConst(sm_CleanUpFunctions)) {
-            if (cleanUpFunction == nullptr) {
-                MISCTOOLS_LOG(IniFileManager).warning() << "Function pointer is Null.";
-                continue;
-            }
-            cleanUpFunction(text);
-        }
+        cleanUpFunction(text);
     }
 
     QSaveFile target(filePath);
@@ -76,19 +50,10 @@ void IniFileManager::cleanUp(const QString& filePath)
         MISCTOOLS_LOG(IniFileManager).warning() << canNotOpenFile << filePath;
         return;
     }
-    bool isWritten = true;
-    if (isPieceByPiece) {
-        while (isWritten && pieces.next()) {
-            QByteArray utf8 = pieces.toUtf8();
-            cleanUpUtf8(utf8);
-            isWritten = writeAll(target, utf8);
-        }
-    } else {
-        isWritten = writeAll(target, text.toUtf8());
-    }
-    // QSaveFile would put a text that was cut short in the file's place: one that could not be
-    // written, as on a full disk, or one that could be read in part only.
-    if (!isWritten || source.error() != QFileDevice::NoError) {
+    const QByteArray utf8 = text.toUtf8();
+    // Committing would replace the file by a part of its text: one that could not be read to its
+    // end, or not be written, as on a full disk.
+    if (!isWhole || target.write(utf8) != utf8.size()) {
         target.cancelWriting();
     }
     target.commit();

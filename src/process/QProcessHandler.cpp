@@ -1,7 +1,6 @@
 #include "QProcessHandler.h"
 
 #include "common/Log.h"
-#include "common/Text.h"
 
 namespace {
 
@@ -104,7 +103,7 @@ void QProcessHandler::clearLastStates()
 
 void QProcessHandler::saveLastStates()
 {
-    m_standardOutput = Text::fromBytes(m_process.readAllStandardOutput());
-    m_standardError = Text::fromBytes(m_process.readAllStandardError());
+    m_standardOutput = QString::fromUtf8(m_process.readAllStandardOutput());
+    m_standardError = QString::fromUtf8(m_process.readAllStandardError());
     m_lastExitStatus = m_process.exitStatus();
 }

@@ -1,6 +1,6 @@
 #include "PlatformCaller.h"
 
-#include "common/PlatformFunctions.h"
+#include "PlatformFunctions.h"
 
 QString PlatformCaller::productCode()
 {

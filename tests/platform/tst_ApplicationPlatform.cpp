@@ -1,6 +1,10 @@
+#include "DragIndicator.h"
 #include "PlatformCaller.h"
+#include "PlatformFunctions.h"
 #include "TestCase.h"
-#include "common/PlatformFunctions.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QScopeGuard>
 
 // The platform functions of a device: this program defines them, as device software does, and
 // libraries that were linked against the bundled ones call these.
@@ -10,7 +14,15 @@ class tst_ApplicationPlatform : public TestCase
 
 private Q_SLOTS:
     void definitionsOfTheApplicationWin();
+    void failedReadsLeaveNoDateAndNoFlag();
 };
+
+namespace {
+
+// What the readers return; they write their argument in either case.
+bool readsSucceed = true;
+
+} // namespace
 
 QString DeviceManifestManager::getProductCode()
 {
@@ -22,14 +34,14 @@ bool readDoubleValueFromJson(const QString& key, const QJsonObject& object, doub
     Q_UNUSED(key)
     Q_UNUSED(object)
     value = 47.11;
-    return true;
+    return readsSucceed;
 }
 
 bool readStringValueFromJson(const QString& key, const QJsonObject& object, QString& value)
 {
     Q_UNUSED(object)
     value = QStringLiteral("the application's ") + key;
-    return true;
+    return readsSucceed;
 }
 
 bool readBoolValueFromJson(const QString& key, const QJsonObject& object, bool& value)
@@ -37,7 +49,34 @@ bool readBoolValueFromJson(const QString& key, const QJsonObject& object, bool& 
     Q_UNUSED(key)
     Q_UNUSED(object)
     value = true;
-    return true;
+    return readsSucceed;
+}
+
+void tst_ApplicationPlatform::failedReadsLeaveNoDateAndNoFlag()
+{
+    readsSucceed = false;
+    const auto restore = qScopeGuard([] { readsSucceed = true; });
+    for (int i = 0; i < 2; ++i) {
+        for (const char* key :
+             {"MinValue", "MaxValue", "MinValueDate", "MaxValueDate", "Initialized"}) {
+            const QString text = QStringLiteral("Cannot find key \"%1\" in json object: "
+                                                "QJsonObject() !");
+            messages().expectWarning("DragIndicator", text.arg(QLatin1String(key)));
+        }
+    }
+    messages().expectWarning(
+        "DragIndicator",
+        QStringLiteral("Resetting drag indicator due to errors on importing json data!"));
+    DragIndicator indicator;
+    QVERIFY(!indicator.fromJsonArray({QJsonObject(), QJsonObject()}));
+    for (const QJsonValue& record : indicator.asJsonArray()) {
+        QCOMPARE(record[QStringLiteral("MinValueDate")], QJsonValue(QString()));
+        QCOMPARE(record[QStringLiteral("MaxValueDate")], QJsonValue(QString()));
+        QCOMPARE(record[QStringLiteral("Initialized")], QJsonValue(false));
+    }
+    // The text was no date in the older form, either: nothing is to be saved again.
+    QVERIFY(indicator.compute(1));
+    QVERIFY(!indicator.compute(1));
 }
 
 void tst_ApplicationPlatform::definitionsOfTheApplicationWin()

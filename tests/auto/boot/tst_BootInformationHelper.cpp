@@ -1,7 +1,7 @@
 #include "BootInformationHelper.h"
 #include "DeviceRoot.h"
+#include "PlatformFunctions.h"
 #include "TestCase.h"
-#include "common/PlatformFunctions.h"
 
 #include <type_traits>
 

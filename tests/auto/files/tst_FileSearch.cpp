@@ -1,18 +1,21 @@
 #include "ChildProcess.h"
+#include "RecursiveFileSearchWorkerThread.h"
 #include "TestCase.h"
 #include "WildcardFilter.h"
 
 #include <QtCore/QDirIterator>
 #include <QtCore/QFile>
+#include <QtCore/QProcess>
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QTextCodec>
+#include <QtCore/QThreadPool>
 
 #include <filesystem>
 #include <utility>
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,25 +23,11 @@ Q_DECLARE_METATYPE(QDir::Filters)
 
 namespace {
 
-// Counts the entries that were made to have no type; negative while they keep theirs.
-int entriesWithoutType = -1;
-
-} // namespace
-
-// Stands before the system's: not every file system tells what its entries are.
-extern "C" Q_DECL_EXPORT dirent64* readdir64(DIR* stream)
-{
-    using Function = dirent64* (*)(DIR*);
-    static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "readdir64"));
-    dirent64* const entry = next(stream);
-    if (entry != nullptr && entriesWithoutType >= 0) {
-        entry->d_type = DT_UNKNOWN;
-        ++entriesWithoutType;
-    }
-    return entry;
-}
-
-namespace {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr uint smallStackSize = 512 * 1024; // the sanitizer's frames are larger
+#else
+constexpr uint smallStackSize = 64 * 1024;
+#endif
 
 // Entries of a folder by their bytes: Qt can neither make nor remove names that are not UTF-8.
 class Tree
@@ -287,7 +276,8 @@ private Q_SLOTS:
     void largeTreeAsIterated_data();
     void largeTreeAsIterated();
     void randomTreesAsIterated();
-    void typesAreFoundOut();
+    void deepTreesNeedLittleStack();
+    void destructorsMaySearchAtExit();
     void otherEncodings_data();
     void otherEncodings();
     void unreadableFolders();
@@ -494,18 +484,42 @@ void tst_FileSearch::randomTreesAsIterated()
     QVERIFY(found > 3 * int(count)); // the trees are no empty ones
 }
 
-void tst_FileSearch::typesAreFoundOut()
+// A tree as deep as descriptors allow, on a stack that a thread of a small device may have.
+void tst_FileSearch::deepTreesNeedLittleStack()
 {
-    const Tree tree(folder());
-    addLargeTree(tree);
-    const QStringList expected = relativeTo(folder(), iterated(folder(), {}, QDir::NoFilter));
+    constexpr int levels = 900;
+    rlimit descriptors = {};
+    getrlimit(RLIMIT_NOFILE, &descriptors);
+    descriptors.rlim_cur = qMax<rlim_t>(descriptors.rlim_cur, levels + 100);
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &descriptors), 0);
 
-    entriesWithoutType = 0;
-    const QStringList found = searchedRelatively(folder(), {});
-    const int changed = std::exchange(entriesWithoutType, -1);
+    QVERIFY(QDir(folder()).mkpath(QStringLiteral("d/").repeated(levels)));
+    QThreadPool pool;
+    pool.setStackSize(smallStackSize);
+    RecursiveFileSearchWorkerThread* const worker =
+        new RecursiveFileSearchWorkerThread(folder(), QStringList()); // owned by the pool
+    QStringList found;
+    connect(
+        worker, &RecursiveFileSearchWorkerThread::searchFinished, this,
+        [&found](const QStringList& result) { found = result; }, Qt::DirectConnection);
+    pool.start(worker);
+    QVERIFY(pool.waitForDone());
+    // Each directory is listed, and in each one, as in the first, "." and "..".
+    QCOMPARE(found.size(), levels + 2 * (levels + 1));
+}
 
-    QCOMPARE(found, expected);
-    QVERIFY(changed >= expected.size());
+// The program's destructor searches after Qt's own globals are gone.
+void tst_FileSearch::destructorsMaySearchAtExit()
+{
+    writeFile(QStringLiteral("one"), QByteArray());
+    writeFile(QStringLiteral("two"), QByteArray());
+    QProcess program;
+    program.setProcessChannelMode(QProcess::MergedChannels);
+    program.start(QStringLiteral(SEARCH_AT_EXIT_PROGRAM), {folder()});
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+    QCOMPARE(program.readAll(), QByteArray("4 entries\n"));
 }
 
 void tst_FileSearch::otherEncodings_data()

@@ -7,8 +7,10 @@
 #include <csignal>
 #include <type_traits>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 static_assert(
     std::is_same<decltype(IniFileManager::sm_CleanUpFunctions), QList<void (*)(QString&)>>::value,
@@ -103,6 +105,9 @@ private Q_SLOTS:
     void withoutPermission();
     void failedReplacementIsSilent_data();
     void failedReplacementIsSilent();
+
+    void oneFreeDescriptorIsEnough();
+    void fileBeyondAByteArrayStays();
 
     void functionsRunInOrder();
     void textIsWhatWasRead_data();
@@ -378,6 +383,42 @@ void tst_IniFileManagerCleanUp::failedReplacementIsSilent()
     QCOMPARE(readFile(iniFile()), content);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              words("settings.ini"));
+}
+
+void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
+{
+    writeIni("a=%23,\n");
+    const ChildResult result = ChildProcess::run([this] {
+        IniFileManager::cleanUp(path(QStringLiteral("missing"))); // whatever the first call opens
+        rlimit limit = {};
+        getrlimit(RLIMIT_NOFILE, &limit);
+        limit.rlim_cur = 64;
+        setrlimit(RLIMIT_NOFILE, &limit);
+        int last = -1;
+        for (int descriptor = 0; descriptor >= 0; descriptor = open("/dev/null", O_RDONLY)) {
+            last = descriptor;
+        }
+        close(last);
+        IniFileManager::cleanUp(iniFile());
+        return 0;
+    });
+    QVERIFY(result.exited);
+    QCOMPARE(result.output, QStringLiteral("Can not open file: \"%1\"\n")
+                                .arg(path(QStringLiteral("missing")))
+                                .toLocal8Bit());
+    QCOMPARE(readFile(iniFile()), QByteArray("a=# \n"));
+}
+
+// Qt reads nothing of such a file, and no text is no reason to empty it.
+void tst_IniFileManagerCleanUp::fileBeyondAByteArrayStays()
+{
+    writeIni("a=%23,\n");
+    const qint64 size = qint64(5) * 1024 * 1024 * 1024;
+    QVERIFY(QFile::resize(iniFile(), size));
+    const ino_t before = inodeOf(iniFile());
+    IniFileManager::cleanUp(iniFile());
+    QCOMPARE(QFileInfo(iniFile()).size(), size);
+    QCOMPARE(inodeOf(iniFile()), before);
 }
 
 void tst_IniFileManagerCleanUp::functionsRunInOrder()

@@ -1,7 +1,7 @@
 #include "TextFileParser.h"
 
+#include "common/FileReading.h"
 #include "common/Log.h"
-#include "common/TextPieces.h"
 
 #include <QtCore/QFile>
 
@@ -57,18 +57,7 @@ TextFileParser::TextFileParser(const QString& filePath) : m_hasError(false)
                  QStringLiteral(" IO Error: ") + file.errorString());
         return;
     }
-    TextPieces pieces(file);
-    while (pieces.next()) {
-        if (m_content.isNull()) {
-            // An operator that appends wants room for one character more than it needs.
-            m_content.reserve(int(file.size()) + 1);
-        }
-        pieces.appendTo(m_content);
-    }
-    // Only a file without any text leaves the content null, which shows in matches of nothing.
-    if (m_content.isNull() && pieces.isCut()) {
-        m_content = QLatin1String("");
-    }
+    m_content = QString::fromUtf8(readAllInTextMode(file)); // up to the first zero byte
 }
 
 TextFileParser::~TextFileParser() = default;

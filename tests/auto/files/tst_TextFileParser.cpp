@@ -11,9 +11,15 @@
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTextCodec>
 
+#include <atomic>
 #include <cstdio>
+#include <thread>
 
+#include <csignal>
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 Q_DECLARE_METATYPE(QRegularExpression::PatternOptions)
 
@@ -41,6 +47,13 @@ int mostMemoryInMiB()
     rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
     return int(usage.ru_maxrss / 1024);
+}
+
+int availableMemoryInMiB()
+{
+    TextFileParser memory(QStringLiteral("/proc/meminfo"));
+    return memory.match(QRegularExpression(QStringLiteral("MemAvailable:\\s+(\\d+)"))).toInt() /
+           1024;
 }
 
 // As QStringList's comparison, which takes null and empty texts for equal, but does not.
@@ -124,6 +137,11 @@ private Q_SLOTS:
     void fileIsUtf8InEveryLocale();
     void readsFilesWithoutASize();
     void readsLargeFiles();
+    void hugeFileEndsAtItsZeroByte_data();
+    void hugeFileEndsAtItsZeroByte();
+    void hugeFileFitsInLittleAddressSpace();
+    void growingFileEndsWhereItEndedAtOpening();
+    void fifoIsReadToItsEnd();
     void keepsTheContentOfItsConstruction();
 
     void missingFile_data();
@@ -243,6 +261,99 @@ void tst_TextFileParser::readsLargeFiles()
         QCOMPARE(versions.at(i), QString::number(i));
     }
     QCOMPARE(contentOf(parser), QString::fromLatin1(bytes.replace("\r", "")));
+}
+
+void tst_TextFileParser::hugeFileEndsAtItsZeroByte_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<QString>("content");
+    QTest::newRow("twice its characters exceed a QString")
+        << qint64(1025) * 1024 * 1024 << QStringLiteral("text");
+    // QIODevice::readAll() returns nothing of a file that a QByteArray cannot hold.
+    QTest::newRow("as large as an int") << qint64(INT_MAX) << QString();
+    QTest::newRow("larger than an int") << qint64(5) * 1024 * 1024 * 1024 << QString();
+}
+
+void tst_TextFileParser::hugeFileEndsAtItsZeroByte()
+{
+    QFETCH(qint64, size);
+    QFETCH(QString, content);
+    if (availableMemoryInMiB() < 2500) {
+        MISCTOOLS_SKIP("needs 2.5 GB of free memory");
+    }
+    const QString filePath = writeFile(QStringLiteral("file"), QByteArray("text\0more", 9));
+    QVERIFY(QFile::resize(filePath, size));
+    TextFileParser parser(filePath);
+    QVERIFY(!parser.hasError());
+    QCOMPARE(contentOf(parser), content);
+}
+
+void tst_TextFileParser::hugeFileFitsInLittleAddressSpace()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    // The sanitizer's own mappings exceed such a limit.
+    const rlim_t addressSpace = RLIM_INFINITY;
+#else
+    const rlim_t addressSpace = rlim_t(900000) * 1024;
+#endif
+    const QString filePath = writeFile(QStringLiteral("file"), QByteArray("text\0more", 9));
+    QVERIFY(QFile::resize(filePath, qint64(600) * 1024 * 1024));
+    const ChildResult child = ChildProcess::run([&filePath, addressSpace] {
+        const rlimit limit = {addressSpace, addressSpace};
+        setrlimit(RLIMIT_AS, &limit);
+        TextFileParser parser(filePath);
+        return contentOf(parser) == QLatin1String("text") ? 0 : 1;
+    });
+    QVERIFY2(child.exited, child.output.constData());
+    QCOMPARE(child.exitCode, 0);
+}
+
+void tst_TextFileParser::growingFileEndsWhereItEndedAtOpening()
+{
+    constexpr int initialSize = 8 * 1024 * 1024;
+    constexpr int finalSize = 16 * initialSize;
+    const QString filePath = writeFile(QStringLiteral("file"), QByteArray(initialSize, 'a'));
+    std::atomic_bool isWriting(true);
+    std::thread writer([&filePath, &isWriting] {
+        QFile file(filePath);
+        file.open(QIODevice::Append | QIODevice::Unbuffered);
+        const QByteArray block(64 * 1024, 'b');
+        for (int size = initialSize; isWriting && size < finalSize; size += block.size()) {
+            file.write(block);
+        }
+    });
+    TextFileParser parser(filePath);
+    isWriting = false;
+    writer.join();
+    // One that follows the writer ends where the writer does.
+    QVERIFY(contentOf(parser).size() >= initialSize);
+    QVERIFY2(contentOf(parser).size() < finalSize,
+             QByteArray::number(contentOf(parser).size()).constData());
+    QVERIFY(!parser.hasError());
+}
+
+void tst_TextFileParser::fifoIsReadToItsEnd()
+{
+    const QString filePath = path(QStringLiteral("fifo"));
+    const QByteArray name = QFile::encodeName(filePath);
+    QCOMPARE(mkfifo(name.constData(), 0600), 0);
+    // Several times what a pipe holds, so that the writer notices a reader that leaves early.
+    const QByteArray bytes = QByteArray("a\0", 2) + QByteArray(300000 - 2, 'b');
+    std::atomic<ssize_t> written(-1);
+    std::thread writer([&name, &bytes, &written] {
+        sigset_t pipeSignal;
+        sigemptyset(&pipeSignal);
+        sigaddset(&pipeSignal, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr); // as an error of write()
+        const int descriptor = open(name.constData(), O_WRONLY | O_CLOEXEC);
+        written = write(descriptor, bytes.constData(), size_t(bytes.size()));
+        close(descriptor);
+    });
+    TextFileParser parser(filePath);
+    writer.join();
+    QCOMPARE(written.load(), ssize_t(bytes.size()));
+    QCOMPARE(contentOf(parser), QStringLiteral("a"));
+    QVERIFY(!parser.hasError());
 }
 
 void tst_TextFileParser::keepsTheContentOfItsConstruction()

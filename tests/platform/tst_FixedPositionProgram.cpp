@@ -1,0 +1,44 @@
+#include "DirectoryWatcher.h"
+#include "IniFileManager.h"
+#include "MediaWatcher.h"
+#include "RecursiveFileSearchWorkerThread.h"
+#include "TestCase.h"
+
+#if defined(__PIC__) || defined(__PIE__)
+#error "This program is to be compiled without -fPIC and -fPIE."
+#endif
+
+// A program whose code depends on its position: where it takes the address of one of the library's
+// functions it gets one of its own, which the library has to use as well.
+class tst_FixedPositionProgram : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void signalsConnectByPointer();
+    void cleanUpFunctionsAreFoundByPointer();
+};
+
+void tst_FixedPositionProgram::signalsConnectByPointer()
+{
+    DirectoryWatcher directories{QStringList()};
+    QVERIFY(connect(&directories, &DirectoryWatcher::directoryChanged, this, [] {}));
+    MediaWatcher media(nullptr);
+    QVERIFY(connect(&media, &MediaWatcher::filesFound, this, [] {}));
+    RecursiveFileSearchWorkerThread worker(folder(), QStringList());
+    bool isFinished = false;
+    QVERIFY(connect(&worker, &RecursiveFileSearchWorkerThread::searchFinished, this,
+                    [&isFinished] { isFinished = true; }));
+    worker.run();
+    QVERIFY(isFinished);
+}
+
+void tst_FixedPositionProgram::cleanUpFunctionsAreFoundByPointer()
+{
+    QCOMPARE(IniFileManager::sm_CleanUpFunctions.removeAll(&IniFileManager::cleanUpListSeperators),
+             1);
+    QCOMPARE(IniFileManager::sm_CleanUpFunctions.removeAll(&IniFileManager::cleanUpComments), 1);
+}
+
+QTEST_GUILESS_MAIN(tst_FixedPositionProgram)
+#include "tst_FixedPositionProgram.moc"
