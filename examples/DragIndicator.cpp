@@ -38,7 +38,7 @@ int main()
         file.write(QJsonDocument(temperature.asJsonArray()).toJson());
     }
 
-    // The user resets one record; the other one keeps the range of the whole life.
+    // The user may reset one record; the other one keeps the range since the first value.
     temperature.reset();
     const bool hasValue = temperature.isInitialized(DragIndicator::ResettableInstance);
     std::printf("after a reset: %s\n", hasValue ? "a value" : "no value yet");

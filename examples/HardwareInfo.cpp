@@ -23,7 +23,7 @@ int main()
     board.setTypeName(QStringLiteral("Sample board"));
     board.setHwVersion(QStringLiteral("2.1"));
 
-    HardwareInfo successor = board; // a copy of its own
+    HardwareInfo successor = board; // an independent copy
     successor.setHwVersion(QStringLiteral("2.2"));
     successor.setComment(QStringLiteral("Prototype"));
     //! [record]

@@ -9,7 +9,7 @@
 
 int main()
 {
-    // A directory plays the part of the medium, with one file that is wanted and one that is not.
+    // A directory stands for the medium. One of its files matches the pattern, the other does not.
     const QString mountPoint = QDir::current().filePath(QStringLiteral("stick"));
     const QDir medium(mountPoint);
     medium.mkpath(QStringLiteral("2026"));

@@ -8,7 +8,7 @@ int main()
 {
     //! [match]
     TextFileParser osRelease(QStringLiteral("os-release"));
-    // The result is the text of the group in parentheses, not of the whole expression.
+    // The result is the text of the group in parentheses, not the whole match.
     const QString id = osRelease.match(QRegularExpression(QStringLiteral("\\bID=(\\w+)")));
     const QStringList keys =
         osRelease.multiMatch(QRegularExpression(QStringLiteral("(?m)^(\\w+)=")));

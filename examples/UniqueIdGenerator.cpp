@@ -1,4 +1,4 @@
-// Gives every object of a process a number of its own, in several threads without a lock.
+// Takes numbers that are unique within the process, in several threads and without a lock.
 
 #include <UniqueIdGenerator.h>
 
