@@ -6,6 +6,8 @@
 /*!
  * \brief Tells how the device has just booted, and removes the markers that say so.
  *
+ * \snippet BootInformationHelper.cpp mode
+ *
  * Two files are the markers: /orvalis-reboot is there after a reboot,
  * /orvalis/etc/orvalis-first-boot on the first boot after a firmware update.
  *

@@ -12,6 +12,8 @@
 /*!
  * \brief Watches folders and reports their changes in bursts.
  *
+ * \snippet DirectoryWatcher.cpp watch
+ *
  * Every change restarts a delay; when the delay passes without another change, one signal reports
  * all that changed in the meantime. Copying a thousand files into a folder is so one signal.
  *

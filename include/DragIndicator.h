@@ -11,6 +11,8 @@
 /*!
  * \brief Keeps the lowest and the highest value that a measured value ever had, and when.
  *
+ * \snippet DragIndicator.cpp compute
+ *
  * Like the drag pointers of an instrument. Two records take the same values; reset() clears the
  * first of them, while the second goes on.
  *

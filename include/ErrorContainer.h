@@ -15,6 +15,8 @@
 /*!
  * \brief The outcome of an operation: an error code and a text.
  *
+ * \snippet ErrorContainer.cpp return
+ *
  * The codes are negated errno values (see errno(3)); 0 is success. Any other number may be used
  * too. The type can travel in a QVariant and through queued signals.
  *

@@ -8,6 +8,8 @@
 /*!
  * \brief Makes names for files that the device exports.
  *
+ * \snippet ExportFileNameCreator.cpp name
+ *
  * A name holds the device's index and the local time, so that files of different devices and
  * moments do not collide: V3_2026_11_15T09_37_12.csv.
  *

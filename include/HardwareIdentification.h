@@ -8,10 +8,7 @@
 /*!
  * \brief Takes a device's 16-digit hardware ID apart.
  *
- * \code
- * const HardwareIdentification id(QStringLiteral("1234567891234567"));
- * id.getProductGroupNumber(); // "123456", and then "78", "912", "345", "67"
- * \endcode
+ * \snippet HardwareIdentification.cpp parts
  *
  * \par Contract
  * - \b Threads: a plain value; one thread at a time.

@@ -8,6 +8,8 @@
 /*!
  * \brief What a board says of itself: six texts, all empty until somebody sets them.
  *
+ * \snippet HardwareInfo.cpp record
+ *
  * HardwareInfoReader fills a record from the board's EEPROM.
  *
  * \par Contract

@@ -12,17 +12,11 @@ class HardwareInfo;
 /*!
  * \brief Reads a board's hardware record out of its EEPROM image.
  *
+ * \snippet HardwareInfoReader.cpp read
+ *
  * The kernel shows the EEPROM as a file. Twenty bytes into it lies a header of four little-endian
  * 32-bit words: reserved, start address and length of a block of INI text, and the block's
  * checksum. The block is believed only when it is whole and its checksum matches.
- *
- * \code
- * HardwareInfo board;
- * HardwareInfoReader reader(nullptr);
- * if (reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), path, board)) {
- *     use(board.typeName());
- * }
- * \endcode
  *
  * \par Contract
  * - \b Threads: one object, one thread; objects on different threads do not disturb each other.

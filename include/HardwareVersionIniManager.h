@@ -13,6 +13,8 @@ class IniFileManager;
 /*!
  * \brief Reads the six hardware fields from an INI text held in memory.
  *
+ * \snippet HardwareVersionIniManager.cpp fields
+ *
  * The text goes into a temporary file, which an IniFileManager reads; the file is there from
  * construction to destruction. The keys stand at the top level of the text: keys inside a named
  * section are not found.

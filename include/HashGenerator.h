@@ -16,6 +16,8 @@
 /*!
  * \brief Digests of files.
  *
+ * \snippet HashGenerator.cpp digest
+ *
  * \par Contract
  * - \b Threads: may be called from any thread.
  * - \b Ownership: nothing is kept.

@@ -14,16 +14,12 @@
 /*!
  * \brief Reads and writes one INI file, safely from several threads.
  *
+ * \snippet IniFileManager.cpp read
+ *
  * The manager wraps a QSettings object in INI format. Keys that stand in no section, or in the
  * section [General], are reached through the functions with "General" in their name; all others
  * through their group, which is the name of the section. Every miss and every misuse is answered
  * with the caller's default and one warning that names the file.
- *
- * \code
- * IniFileManager::cleanUp(path); // optional: "%23" becomes "#", commas become blanks
- * IniFileManager settings(path, "UTF-8");
- * const int port = settings.getValueInteger(QStringLiteral("Net"), QStringLiteral("Port"), 80);
- * \endcode
  *
  * \par Contract
  * - \b Threads: one object may be shared. Every call holds the object's recursive mutex, except

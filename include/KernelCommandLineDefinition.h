@@ -8,6 +8,8 @@
 /*!
  * \brief The names that go with the kernel command line.
  *
+ * \snippet KernelCommandLineParser.cpp definition
+ *
  * \par Contract
  * - \b Threads: may be called from any thread.
  * - \b Ownership: the texts live as long as the library.

@@ -9,6 +9,8 @@
 /*!
  * \brief Answers what arguments the kernel was started with.
  *
+ * \snippet KernelCommandLineParser.cpp arguments
+ *
  * The file /proc/cmdline is read once, at construction, and cut at its blanks; quotes mean nothing.
  *
  * \par Contract

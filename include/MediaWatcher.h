@@ -12,6 +12,8 @@
 /*!
  * \brief Finds files on a medium that was just mounted.
  *
+ * \snippet MediaWatcher.cpp search
+ *
  * The application tells where; the answer is a signal within the same call.
  *
  * \par Contract

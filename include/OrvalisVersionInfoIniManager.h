@@ -9,6 +9,8 @@
 /*!
  * \brief Reads the application's version information from /orvalis/etc/OrvalisVersionInfo.ini.
  *
+ * \snippet OrvalisVersionInfoIniManager.cpp info
+ *
  * \par Contract
  * - \b Threads: one object may be shared; every call locks it.
  * - \b Ownership: the object owns its IniFileManager; it cannot be copied.

@@ -10,13 +10,7 @@
 /*!
  * \brief Runs a program, waits for its end, and keeps its output.
  *
- * \code
- * QProcessHandler handler;
- * handler.setWaitForFinishedTimeout(5000);
- * if (handler.startProcess(QStringLiteral("uname"), {QStringLiteral("-s")}) == 0) {
- *     use(handler.getStandardOutput());
- * }
- * \endcode
+ * \snippet QProcessHandler.cpp run
  *
  * \par Contract
  * - \b Threads: one object, one thread; calls block for up to both time-outs together.

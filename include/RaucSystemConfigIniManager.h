@@ -9,6 +9,8 @@
 /*!
  * \brief Reads the device index from the update service's /etc/rauc/system.conf.
  *
+ * \snippet RaucSystemConfigIniManager.cpp index
+ *
  * \par Contract
  * - \b Threads: one object may be shared; every call locks it.
  * - \b Ownership: the object owns its IniFileManager; it cannot be copied.

@@ -9,10 +9,7 @@
 /*!
  * \brief Makes a stable identifier, in the shape of a UUID, from a recorder's URL.
  *
- * \code
- * const QString id = RecorderUrlHashHandling::buildUUIDFromByteArray(
- *     RecorderUrlHashHandling::createUrlHash(url)); // "d41d8cd9-8f00-b204-e980-0998ecf8427e"
- * \endcode
+ * \snippet RecorderUrlHashHandling.cpp identifier
  *
  * \par Contract
  * - \b Threads: may be called from any thread.

@@ -11,11 +11,7 @@
 /*!
  * \brief Searches a folder and all below it, as a task for a thread pool.
  *
- * \code
- * auto* worker = new RecursiveFileSearchWorkerThread(path, {QStringLiteral("*.csv")});
- * connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, this, &Import::offer);
- * QThreadPool::globalInstance()->start(worker); // deletes the worker afterwards
- * \endcode
+ * \snippet RecursiveFileSearchWorkerThread.cpp search
  *
  * \par Contract
  * - \b Threads: the library starts none. run() works in the thread that calls it and emits there;

@@ -10,10 +10,7 @@
 /*!
  * \brief Matches regular expressions over the text of a file.
  *
- * \code
- * TextFileParser osRelease(QStringLiteral("/etc/os-release"));
- * const QString id = osRelease.match(QRegularExpression(QStringLiteral("\\bID=(\\w+)")));
- * \endcode
+ * \snippet TextFileParser.cpp match
  *
  * \par Contract
  * - \b Threads: one object, one thread.

@@ -8,6 +8,8 @@
 /*!
  * \brief Hands out numbers that are unique within the process: 0, 1, 2 and so on.
  *
+ * \snippet UniqueIdGenerator.cpp number
+ *
  * \par Contract
  * - \b Threads: all calls may overlap; no two get the same number. No call waits for another.
  * - \b Ownership: the one instance lives as long as the process.

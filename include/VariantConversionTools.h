@@ -9,6 +9,8 @@
 /*!
  * \brief Checked conversions of variants.
  *
+ * \snippet VariantConversionTools.cpp convert
+ *
  * Whether a conversion is possible is decided by the variant's type alone (QVariant::canConvert): a
  * text can be made a bool whatever it says.
  *

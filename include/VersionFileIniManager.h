@@ -9,6 +9,8 @@
 /*!
  * \brief Reads the software version from /orvalis/VersionFile.ini.
  *
+ * \snippet VersionFileIniManager.cpp version
+ *
  * \par Contract
  * - \b Threads: one object may be shared; every call locks it.
  * - \b Ownership: the object owns its IniFileManager; it cannot be copied.

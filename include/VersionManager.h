@@ -8,6 +8,8 @@
 /*!
  * \brief Takes a software version apart, in the old or the new format.
  *
+ * \snippet VersionManager.cpp parts
+ *
  * The number of dots decides: two make the old format, "V8.12.3-45" (base number, major, minor and
  * test index), anything else is read as the new one, "8.100.2.7.1234-g1a2b3c" (base number, major,
  * minor, patch version, build number and git hash), which has four.

@@ -18,6 +18,8 @@
 /*!
  * \brief Tells whether a file's name fits one of several wildcard patterns, such as "*.txt".
  *
+ * \snippet WildcardFilter.cpp filter
+ *
  * \par Contract
  * - \b Threads: after construction a filter is only read, and may be shared.
  * - \b Ownership: a filter keeps what it needs of the patterns.

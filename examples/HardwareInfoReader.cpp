@@ -1,0 +1,29 @@
+// Reads a board's hardware record from its EEPROM image.
+
+#include <HardwareInfo.h>
+#include <HardwareInfoReader.h>
+
+#include <cstdio>
+
+int main()
+{
+    // On a device the kernel shows the EEPROM as /sys/bus/i2c/devices/0-0050/eeprom or similar.
+    const QString image = QStringLiteral("eeprom.bin");
+    //! [read]
+    HardwareInfo board;
+    HardwareInfoReader reader(nullptr);
+    // The first path names a temporary file; its directory must be writable.
+    if (!reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), image, board)) {
+        return 1; // the library has logged the reason
+    }
+    std::printf("%s, type %s, version %s, LP-ID %s\n", qPrintable(board.typeName()),
+                qPrintable(board.type()), qPrintable(board.hwVersion()), qPrintable(board.lpId()));
+    //! [read]
+
+    // After a failure the record is unchanged: it never mixes the texts of two boards.
+    const QString missing = QStringLiteral("missing.bin");
+    if (!reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), missing, board)) {
+        std::printf("no record, still %s\n", qPrintable(board.typeName()));
+    }
+    return 0;
+}

@@ -1,0 +1,21 @@
+// Reads the device index from the configuration of the update service, /etc/rauc/system.conf.
+
+#include <RaucSystemConfigIniManager.h>
+
+#include <cstdio>
+
+int main()
+{
+    //! [index]
+    const RaucSystemConfigIniManager config; // logs a warning if there is no such file
+    const QString index = config.getDeviceIndex();
+    std::printf("device index %s\n", qPrintable(index));
+    //! [index]
+
+    // A missing index and one that is no number are "0", after a warning.
+    if (index == QStringLiteral("0")) {
+        std::puts("the configuration has no device index");
+        return 1;
+    }
+    return 0;
+}
