@@ -78,22 +78,19 @@ void addSearch(Contenders& contenders, int files, const QString& pattern)
                 return entries;
             },
             isComplete)
-        .atMost(1.15);
+        .atMost(1.25);
     if (pattern.isEmpty()) {
-        contenders
-            .peer(
-                QStringLiteral("std::filesystem, walk alone"),
-                [folder = path.toStdString()] {
-                    int entries = 0;
-                    for (const auto& entry :
-                         std::filesystem::recursive_directory_iterator(folder)) {
-                        keep(entry);
-                        ++entries;
-                    }
-                    return entries;
-                },
-                isComplete)
-            .atMost(1.3);
+        contenders.peer(
+            QStringLiteral("std::filesystem, walk alone"),
+            [folder = path.toStdString()] {
+                int entries = 0;
+                for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+                    keep(entry);
+                    ++entries;
+                }
+                return entries;
+            },
+            isComplete);
     }
 }
 

@@ -45,7 +45,7 @@ void addFileHash(Contenders& contenders, int bytes)
         [](const QByteArray& digest) { return digest.size() == 16; });
     // The start of a program covers the work on small files.
     if (bytes >= 100 * mebi) {
-        program.atMost(1.25);
+        program.atMost(1.6);
     }
 }
 

@@ -266,7 +266,7 @@ void addIndexedValue(Contenders& contenders, int sections)
             QStringLiteral("QSettings::childGroups"),
             [settings] { return settings->childGroups(); },
             [sections](const QStringList& result) { return result.size() == sections; })
-        .atMost(2);
+        .atMost(5);
 }
 
 /*
@@ -341,6 +341,24 @@ QByteArray contentOf(const QString& filePath)
     return file.readAll();
 }
 
+void cleanUpLiterally(const QString& filePath)
+{
+    QFile source(filePath);
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        qFatal("cannot read %s", qPrintable(filePath));
+    }
+    QString text = QString::fromUtf8(source.readAll());
+    source.close();
+    for (const auto cleanUpFunction : qAsConst(IniFileManager::sm_CleanUpFunctions)) {
+        cleanUpFunction(text);
+    }
+    QSaveFile target(filePath);
+    if (!target.open(QIODevice::WriteOnly | QIODevice::Text) || target.write(text.toUtf8()) < 0 ||
+        !target.commit()) {
+        qFatal("cannot write %s", qPrintable(filePath));
+    }
+}
+
 void addCleanUp(Contenders& contenders, int bytes)
 {
     const QString name = QStringLiteral("clean-up-%1.ini").arg(bytes);
@@ -362,22 +380,39 @@ void addCleanUp(Contenders& contenders, int bytes)
             std::filesystem::copy_file(original.toStdString(), filePath.toStdString(),
                                        std::filesystem::copy_options::overwrite_existing);
         });
-    const auto clean = std::make_shared<QByteArray>();
     contenders
         .peer(
-            QStringLiteral("QSaveFile, write, commit"),
-            [filePath, clean] {
-                QSaveFile file(filePath);
-                return file.open(QIODevice::WriteOnly) && file.write(*clean) == clean->size() &&
-                       file.commit();
+            QStringLiteral("QFile, functions, QSaveFile"),
+            [filePath] {
+                cleanUpLiterally(filePath);
+                return filePath;
             },
-            equals(true),
-            [cleanFile, clean] {
-                if (clean->isNull()) {
-                    *clean = contentOf(cleanFile);
-                }
+            [cleanFile](const QString& path) { return contentOf(path) == contentOf(cleanFile); },
+            [original, filePath] {
+                std::filesystem::copy_file(original.toStdString(), filePath.toStdString(),
+                                           std::filesystem::copy_options::overwrite_existing);
             })
-        .atMost(4);
+        .noDearer();
+}
+
+// Each read of a key without a group lists all of them.
+void addTopLevelHit(Contenders& contenders, int keys)
+{
+    const QString filePath = Workspace::file(QStringLiteral("top-level-%1.ini").arg(keys), [keys] {
+        QByteArray content;
+        for (int i = 0; i < keys; ++i) {
+            content += keyName(i).toUtf8() + '=' + valueText(i).toUtf8() + '\n';
+        }
+        return content;
+    });
+    const QString key = keyName(keys / 2);
+    const QString text = valueText(keys / 2);
+    contenders.subject(
+        [file = manager(filePath), key] { return file->getGeneralValue(key, QVariant()); },
+        equals(QVariant(text)));
+    contenders.peer(
+        QStringLiteral("MiscTools, getGroupValues of all"),
+        [file = manager(filePath)] { return file->getGroupValues(QString()); }, areAllValues(keys));
 }
 
 template <typename Add>
@@ -414,10 +449,10 @@ Operations operations()
             .counted(5)
             .peakMeasured(),
         operation(QStringLiteral("cleanUp, 1 MiB"), addCleanUp, mebi).counted(2),
-        operation(QStringLiteral("cleanUp, 10 MiB"), addCleanUp, 10 * mebi)
+        operation(QStringLiteral("cleanUp, 250 KB"), addCleanUp, 250 * 1000).inTable(),
+        operation(QStringLiteral("getGeneralValue, hit, 2,000 keys"), addTopLevelHit, 2000)
             .inTable()
-            .peakMeasured()
-            .limit(Measure::PeakMemory, 12 * 1000 * 1000 / kibi),
+            .counted(10),
     };
     const QString keys = QStringLiteral("keys");
     for (const int size : {10, 100, 1000, 10000}) {

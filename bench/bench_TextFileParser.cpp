@@ -64,7 +64,7 @@ void addLoad(Contenders& contenders, int bytes, const QByteArray& lineEnd)
         QStringLiteral("readAll, QString::fromUtf8"), [filePath] { return literalText(filePath); },
         [bytes](const QString& text) { return text.size() >= bytes / 2; });
     if (lineEnd == lineFeed) {
-        literal.atMost(0.5);
+        literal.atMost(0.8);
     }
 }
 

@@ -22,7 +22,7 @@ void addOldFormat(Contenders& contenders)
             QStringLiteral("QVersionNumber::fromString"),
             [version = QStringLiteral("8.12.3-45")] { return QVersionNumber::fromString(version); },
             equals(QVersionNumber(8, 12, 3)))
-        .atMost(4);
+        .atMost(8);
 }
 
 void addNewFormat(Contenders& contenders)

@@ -85,8 +85,11 @@ public:
      *
      * Warns "Can not open file:" with the path, and leaves the file as it was, when it cannot be
      * opened for reading or writing; warns "Function pointer is Null." for each null in the list.
-     * When the old text cannot be read to its end, or the new one not be written, as on a full
-     * disk, the file stays as it was, too, but nothing is logged.
+     * When the old text cannot be read to its end (2 GiB or more never can), or the new one cannot
+     * be written, as on a full disk, the file stays as it was, too, but nothing is logged.
+     *
+     * The file is replaced: it belongs to the caller afterwards, and what is no regular file, such
+     * as a device node or a FIFO, becomes one.
      */
     static void cleanUp(const QString& filePath);
 
@@ -170,7 +173,9 @@ public:
     /*!
      * \brief Whether \a key exists in \a group; an empty group stands for the top level.
      *
-     * Empty key: warns "Key is empty!", false.
+     * Empty key: warns "Key is empty!", false. Where the file has subsections of \a group, such as
+     * [Net/Alias] beside [Net], QSettings finds a key only once its section is parsed, which every
+     * listing and getValue() does: call one of them first.
      */
     bool contains(const QString& group, const QString& key) const;
 

@@ -21,9 +21,11 @@
  *   the text is empty.
  * - \b Units and formats: the text is decoded as UTF-8 up to its first zero byte, without carriage
  *   returns. Expressions are those of QRegularExpression.
- * - \b Limits: the steps of a search are limited for each place where a match may start, not for
- *   the text, so that a bad expression over a long text may take minutes. One that begins with
- *   "(*LIMIT_MATCH=10000)" is given up sooner.
+ * - \b Limits: the file is held in memory, as bytes while it is read and then as a QString; one of
+ *   2 GiB or more counts as empty, as QIODevice::readAll() has it. The steps of a search are
+ * limited for each position where a match may start, not for the text, so that a bad expression
+ * over a long text may take minutes. One that begins with "(*LIMIT_MATCH=10000)" is given up
+ * sooner.
  *
  * \since 1.0
  */

@@ -57,7 +57,7 @@ TextFileParser::TextFileParser(const QString& filePath) : m_hasError(false)
                  QStringLiteral(" IO Error: ") + file.errorString());
         return;
     }
-    m_content = QString::fromUtf8(readAllInTextMode(file)); // up to the first zero byte
+    m_content = decodeToFirstZeroByte(readAllInTextMode(file));
 }
 
 TextFileParser::~TextFileParser() = default;

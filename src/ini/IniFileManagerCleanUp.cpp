@@ -20,7 +20,7 @@ bool readText(const QString& path, const QMessageLogger& log, QString& text, boo
         log.warning() << canNotOpenFile << path;
         return false;
     }
-    text = QString::fromUtf8(readAllInTextMode(file)); // up to the first zero byte
+    text = decodeToFirstZeroByte(readAllInTextMode(file));
     isWhole = file.error() == QFileDevice::NoError && file.atEnd();
     return true;
 }

@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "CpuTime.h"
 #include "DirectoryWatcher.h"
 #include "IniFileManager.h"
 #include "TestCase.h"
@@ -6,8 +7,14 @@
 
 #include <QtCore/QDirIterator>
 
+#include <cerrno>
+#include <cstring>
+#include <functional>
 #include <memory>
+#include <thread>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -135,6 +142,10 @@ private Q_SLOTS:
     void largeNumbersAreCut();
     void commentsAreLostOnWriting();
     void sectionsNestAtSlashes();
+    void containsDependsOnWhatWasParsed();
+    void topLevelReadsListAllKeys();
+    void replacedFilesBelongToTheWriter();
+    void specialFilesBecomeRegularFiles();
     void dotEntriesGoWithAFilter();
     void renamedFolderIsDeaf();
     void watchesRunOut();
@@ -199,6 +210,106 @@ void tst_Gotchas::sectionsNestAtSlashes()
     const auto file = iniFile("[Net/eth0]\nkey=1\n");
     QCOMPARE(file->getGroups(), texts({"Net"}));
     QCOMPARE(file->getValueInteger(QStringLiteral("Net/eth0"), key, 0), 1);
+}
+
+void tst_Gotchas::containsDependsOnWhatWasParsed()
+{
+    const QString port = QStringLiteral("Port");
+    const QString filePath =
+        writeFile(QStringLiteral("file"), "[Net]\nPort=80\n[Net/Alias]\nx=1\n");
+    const IniFileManager fresh(filePath, nullptr);
+    QVERIFY(!fresh.contains(net, port));
+    QCOMPARE(fresh.getValueInteger(net, port, 0), 80);
+    QVERIFY(fresh.contains(net, port));
+}
+
+void tst_Gotchas::topLevelReadsListAllKeys()
+{
+    constexpr int count = 2000;
+    QByteArray keys;
+    for (int i = 0; i < count; ++i) {
+        keys += "key" + QByteArray::number(i) + "=1\n";
+    }
+    const QString filePath = writeFile(QStringLiteral("file"), keys + "[Net]\n" + keys);
+    const IniFileManager manager(filePath, nullptr);
+    const auto secondsOf = [](const std::function<void(const QString&)>& read) {
+        const CpuTime time;
+        for (int i = 0; i < count; ++i) {
+            read(QStringLiteral("key%1").arg(i));
+        }
+        return time.seconds();
+    };
+    const double topLevel =
+        secondsOf([&manager](const QString& name) { manager.getGeneralValue(name, QVariant()); });
+    const double inGroup =
+        secondsOf([&manager](const QString& name) { manager.getValue(net, name, QVariant()); });
+    // Some two hundred times, where nothing else is measured with it.
+    QVERIFY2(topLevel > 10 * inGroup,
+             qPrintable(QStringLiteral("%1 s and %2 s").arg(topLevel).arg(inGroup)));
+}
+
+void tst_Gotchas::replacedFilesBelongToTheWriter()
+{
+    const QString filePath = path(QStringLiteral("file"));
+    const auto replaceFile = [&filePath](bool isCleanedUp) {
+        if (isCleanedUp) {
+            IniFileManager::cleanUp(filePath);
+        } else {
+            IniFileManager manager(filePath, nullptr);
+            manager.setValue(net, key, 1);
+            manager.sync();
+        }
+    };
+    for (const bool isCleanedUp : {true, false}) {
+        QFile::remove(filePath);
+        writeFile(QStringLiteral("file"), "[Net]\na=1\n");
+        // Only root can give a file away; for everybody the file is a new one.
+        constexpr uid_t other = 65534;
+        const bool isRoot =
+            chown(QFile::encodeName(filePath).constData(), other, other) == 0 && geteuid() == 0;
+        const QString otherName = path(QStringLiteral("link%1").arg(isCleanedUp));
+        QCOMPARE(
+            link(QFile::encodeName(filePath).constData(), QFile::encodeName(otherName).constData()),
+            0);
+        replaceFile(isCleanedUp);
+        QCOMPARE(QFileInfo(filePath).ownerId(), uint(geteuid()));
+        QCOMPARE(QFileInfo(otherName).ownerId(), isRoot ? other : uint(geteuid()));
+        QCOMPARE(readFile(otherName), QByteArray("[Net]\na=1\n"));
+        QCOMPARE(readFile(filePath) != readFile(otherName), !isCleanedUp);
+    }
+}
+
+void tst_Gotchas::specialFilesBecomeRegularFiles()
+{
+    const QString filePath = path(QStringLiteral("file"));
+    const QByteArray name = QFile::encodeName(filePath);
+    const auto withWriter = [&name](const std::function<void()>& replaceFile) {
+        std::thread writer([&name] {
+            const int descriptor =
+                int(TEMP_FAILURE_RETRY(open(name.constData(), O_WRONLY | O_CLOEXEC)));
+            if (TEMP_FAILURE_RETRY(write(descriptor, "a=1,\n", 5)) != 5) {
+                qFatal("cannot write into the FIFO: %s", strerror(errno));
+            }
+            close(descriptor);
+        });
+        replaceFile();
+        writer.join();
+    };
+
+    QCOMPARE(mkfifo(name.constData(), 0600), 0);
+    withWriter([&filePath] { IniFileManager::cleanUp(filePath); });
+    QVERIFY(QFileInfo(filePath).isFile());
+    QCOMPARE(readFile(filePath), QByteArray("a=1 \n"));
+
+    QVERIFY(QFile::remove(filePath));
+    QCOMPARE(mkfifo(name.constData(), 0600), 0);
+    withWriter([&filePath] {
+        IniFileManager manager(filePath, nullptr);
+        manager.setValue(net, key, 1);
+        manager.sync();
+    });
+    QVERIFY(QFileInfo(filePath).isFile());
+    QVERIFY(readFile(filePath).contains("[Net]\nkey=1\n"));
 }
 
 void tst_Gotchas::dotEntriesGoWithAFilter()

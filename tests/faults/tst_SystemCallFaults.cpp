@@ -251,7 +251,7 @@ void tst_SystemCallFaults::brokenReadKeepsTheFile()
     const QByteArray before = readFile(files() + QStringLiteral("/settings.ini"));
     const QVector<QByteArray> calls =
         Operations::run(operation, files(), Fault(), messages()).run.calls;
-    QVERIFY(calls.count("read") > 2);
+    QVERIFY(calls.contains("read"));
     Fault fault;
     fault.kind = Fault::Lasting;
     fault.error = EIO;

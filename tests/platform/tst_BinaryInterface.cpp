@@ -29,6 +29,16 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <link.h>
+#include <type_traits>
+
+// Constructors of one argument convert, as they are declared.
+static_assert(std::is_convertible<const QString&, DirectoryWatcher>::value, "converts");
+static_assert(std::is_convertible<const QStringList&, DirectoryWatcher>::value, "converts");
+static_assert(std::is_convertible<const QString&, HardwareIdentification>::value, "converts");
+static_assert(std::is_convertible<QObject*, HardwareInfoReader>::value, "converts");
+static_assert(std::is_convertible<QObject*, MediaWatcher>::value, "converts");
+static_assert(std::is_convertible<const QString&, TextFileParser>::value, "converts");
+static_assert(std::is_convertible<const QString&, VersionManager>::value, "converts");
 
 // What programs that were built earlier rely on: where the fields of an object lie, how large it
 // is, and which function stands in which slot of its table of virtual functions.

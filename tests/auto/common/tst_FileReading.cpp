@@ -5,13 +5,13 @@
 #include <QtCore/QBuffer>
 #include <QtCore/QRandomGenerator>
 
-// Compares readAllInTextMode() with Qt's own text mode.
+// Compares the reading and decoding of files with Qt's own.
 class tst_FileReading : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void randomBytesAreReadAsInTextMode();
+    void randomBytesAreReadAndDecodedAsByQt();
     void largeFilesAreReadAsInTextMode_data();
     void largeFilesAreReadAsInTextMode();
 };
@@ -34,7 +34,7 @@ QByteArray read(QByteArray content)
 
 } // namespace
 
-void tst_FileReading::randomBytesAreReadAsInTextMode()
+void tst_FileReading::randomBytesAreReadAndDecodedAsByQt()
 {
     QRandomGenerator random(1);
     const int count = rounds(50000);
@@ -46,6 +46,9 @@ void tst_FileReading::randomBytesAreReadAsInTextMode()
             "round " + QByteArray::number(i) + ": " + content.toPercentEncoding();
         QVERIFY2(result == expected, shown.constData());
         QVERIFY2(result.isNull() == expected.isNull(), shown.constData());
+        const QString text = decodeToFirstZeroByte(result);
+        QVERIFY2(text == QString::fromUtf8(expected), shown.constData());
+        QVERIFY2(text.isNull() == QString::fromUtf8(expected).isNull(), shown.constData());
     }
 }
 

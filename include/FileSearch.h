@@ -1,0 +1,12 @@
+#ifndef MISCTOOLS_FILESEARCH_H
+#define MISCTOOLS_FILESEARCH_H
+
+/*!
+ * \file
+ * \brief Another name for WildcardFilter.h, which declares searchFilesOnPathRecursive() and
+ *        concatenatePaths().
+ */
+
+#include "WildcardFilter.h"
+
+#endif
