@@ -49,8 +49,7 @@ Operations operations()
     return {
         Operation(QStringLiteral("containsHardwareIDOnlyNumbers"), addDigits)
             .inTable()
-            .counted(100)
-            .limit(Measure::Instructions, 700),
+            .counted(100),
         Operation(QStringLiteral("construction"), addConstruction).inTable().counted(100),
     };
 }

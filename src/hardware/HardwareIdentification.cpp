@@ -2,6 +2,8 @@
 
 #include "common/Log.h"
 
+#include <QtCore/QRegExp>
+
 HardwareIdentification::HardwareIdentification(const QString& hardwareId) : m_isValid(false)
 {
     divideHardwareID(hardwareId);
@@ -52,15 +54,7 @@ void HardwareIdentification::divideHardwareID(const QString& hardwareId)
 
 bool HardwareIdentification::containsHardwareIDOnlyNumbers(const QString& hardwareId) const
 {
-    int digitsInARow = 0;
-    for (const QChar character : hardwareId) {
-        const bool isDigit = character >= QLatin1Char('0') && character <= QLatin1Char('9');
-        digitsInARow = isDigit ? digitsInARow + 1 : 0;
-        if (digitsInARow == 16) {
-            return true;
-        }
-    }
-    return false;
+    return hardwareId.contains(QRegExp(QStringLiteral("[0-9]{16,16}")));
 }
 
 bool HardwareIdentification::isHardwareIDValid() const
