@@ -4,9 +4,11 @@
 #include "IniTestCase.h"
 #include "LiteralIniFile.h"
 
+#include <cerrno>
 #include <csignal>
 #include <type_traits>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -18,6 +20,29 @@ static_assert(
 
 using CleanUpFunctions = QList<void (*)(QString&)>;
 Q_DECLARE_METATYPE(CleanUpFunctions)
+
+namespace {
+
+// How many reads succeed, each of half of what is asked for, before all others fail; -1 for all.
+int readsBeforeFailure = -1;
+
+} // namespace
+
+// Takes precedence over the system's: a medium that is pulled out while a file is read.
+extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
+{
+    using Function = ssize_t (*)(int, void*, size_t);
+    static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "read"));
+    if (readsBeforeFailure < 0) {
+        return next(descriptor, buffer, size);
+    }
+    if (readsBeforeFailure == 0) {
+        errno = EIO;
+        return -1;
+    }
+    --readsBeforeFailure;
+    return next(descriptor, buffer, size / 2);
+}
 
 namespace {
 
@@ -106,6 +131,7 @@ private Q_SLOTS:
     void failedReplacementIsSilent_data();
     void failedReplacementIsSilent();
 
+    void fileThatIsReadInPartStays();
     void oneFreeDescriptorIsEnough();
     void fileBeyondAByteArrayStays();
 
@@ -383,6 +409,21 @@ void tst_IniFileManagerCleanUp::failedReplacementIsSilent()
     QCOMPARE(readFile(iniFile()), content);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              words("settings.ini"));
+}
+
+// QFile reports no error for a read that fails after its first bytes.
+void tst_IniFileManagerCleanUp::fileThatIsReadInPartStays()
+{
+    const QByteArray content = QByteArray("a=%23,\n").repeated(10000);
+    for (int reads = 0; reads < 5; ++reads) {
+        writeIni(content);
+        const ino_t before = inodeOf(iniFile());
+        readsBeforeFailure = reads;
+        IniFileManager::cleanUp(iniFile());
+        readsBeforeFailure = -1;
+        QCOMPARE(readFile(iniFile()), content);
+        QCOMPARE(inodeOf(iniFile()), before);
+    }
 }
 
 void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
