@@ -1,0 +1,238 @@
+# shellcheck shell=bash
+# What the scripts share. Sourced by bash, with the project's folder as the current one.
+
+# print_usage FILE: the comment that a script begins with.
+print_usage() { sed -n '2,/^[^#]/{/^[^#]/d;s/^# \{0,1\}//;p}' "$1"; }
+
+# answer_help FILE ARGUMENT...: shows that comment, and ends, where an argument asks for it.
+answer_help()
+{
+    local file=$1 argument
+    shift
+    for argument; do
+        if [ "$argument" = --help ] || [ "$argument" = -h ]; then
+            print_usage "$file"
+            exit 0
+        fi
+    done
+}
+
+# refuse NAME WORDS...: the script NAME cannot do what its arguments say.
+refuse()
+{
+    echo "$1: ${*:2} (see $1 --help)" >&2
+    exit 2
+}
+
+# --- the last line of what a script prints
+
+verdict=
+verdict_details=
+# end_with_verdict NAME: from here on the script's last line is "NAME: PASSED (DETAILS)", or FAILED with
+# the exit code and the stage that it failed in. A script sets $verdict_details, $stage, and $verdict
+# where another word fits better; $remove_in_the_end has what it does not leave behind.
+end_with_verdict()
+{
+    verdict_name=$1
+    stage=
+    remove_in_the_end=()
+    trap 'print_verdict $?' EXIT
+}
+
+print_verdict()
+{
+    rm -rf "${remove_in_the_end[@]}"
+    if [ "$1" -eq 0 ]; then
+        verdict=${verdict:-PASSED}
+    elif [ "$verdict" != FAILED ]; then
+        verdict=FAILED
+        verdict_details="${stage:+$stage, }exit code $1"
+    fi
+    if [ -n "${MISCTOOLS_VERDICT_FILE:-}" ]; then
+        leave_verdict
+    else
+        echo "$verdict_name: $verdict${verdict_details:+ ($verdict_details)}"
+    fi
+}
+
+# For script/check, which has the last line: it names a file in MISCTOOLS_VERDICT_FILE.
+leave_verdict()
+{
+    if [ -n "${MISCTOOLS_VERDICT_FILE:-}" ]; then
+        printf '%s\n' "$verdict" "$verdict_details" >"$MISCTOOLS_VERDICT_FILE"
+    fi
+}
+
+# fail_with_verdict WORDS...
+fail_with_verdict()
+{
+    verdict=FAILED
+    verdict_details=$*
+    exit 1
+}
+
+# --- where temporary files go
+
+# Builds, tests and the demonstration write files there, and some of these are programs.
+require_temporary_folder()
+{
+    local folder=${TMPDIR:-/tmp} probe trouble=
+    if ! probe=$(mktemp -d "$folder/misctools.XXXXXX" 2>/dev/null) ||
+        ! printf '#!/bin/sh\n' >"$probe/program" 2>/dev/null; then
+        trouble="no file can be written in $folder"
+    elif ! chmod +x "$probe/program" || ! "$probe/program" 2>/dev/null; then
+        trouble="no program can be started in $folder, which may be mounted noexec"
+    fi
+    [ -z "$probe" ] || rm -rf "$probe"
+    [ -z "$trouble" ] ||
+        fail_with_verdict "$trouble; have another folder used: TMPDIR=FOLDER $verdict_name"
+}
+
+# --- the presets of CMakePresets.json, which CMake reads from 3.21 on: for an older one they are read here
+
+cmake_version() { cmake --version | sed -n '1s/.*version \([0-9.]*\).*/\1/p'; }
+
+cmake_reads_presets()
+{
+    [ "$(printf '%s\n' 3.21 "$(cmake_version)" | sort --version-sort | head -n 1)" = 3.21 ]
+}
+
+# preset_values KIND PRESET KEY: the members KEY of a preset of that kind ("configurePresets",
+# "testPresets") and of those that it inherits from, theirs first: "NAME=VALUE" for each member of an
+# object, and the value of a text. The file has a line for each.
+preset_values()
+{
+    PROJECT_FOLDER=$PWD awk -v kind="$1" -v preset="$2" -v key="$3" '
+        function value_of(line) {
+            sub(/^[^:]*: "/, "", line)
+            sub(/",?$/, "", line)
+            gsub(/\\"/, "\"", line)
+            return line
+        }
+        function name_of(line) {
+            sub(/^ *"/, "", line)
+            sub(/".*/, "", line)
+            return line
+        }
+        function replaced(text, old, new,    place, before) {
+            before = ""
+            while ((place = index(text, old)) > 0) {
+                before = before substr(text, 1, place - 1) new
+                text = substr(text, place + length(old))
+            }
+            return before text
+        }
+        /^  "[A-Za-z]*": / { here = name_of($0) == kind }
+        !here { next }
+        /^      "name": / { name = value_of($0) }
+        /^      "inherits": / { parents[name] = value_of($0) }
+        /^      }/ { inside = 0 }
+        inside { values[name] = values[name] name_of($0) "=" value_of($0) "\n" }
+        name_of($0) == key && /{$/ { inside = 1 }
+        name_of($0) == key && !/{$/ { values[name] = values[name] value_of($0) "\n" }
+        END {
+            for (name = preset; name in parents || name in values; name = parents[name])
+                all = values[name] all
+            all = replaced(all, "${sourceDir}", ENVIRON["PROJECT_FOLDER"])
+            printf "%s", replaced(all, "${presetName}", preset)
+        }' CMakePresets.json
+}
+
+# configure_preset PRESET [OPTION...]: configures build/PRESET.
+configure_preset()
+{
+    local preset=$1 options=() value
+    shift
+    if cmake_reads_presets; then
+        cmake --preset "$preset" "$@"
+        return
+    fi
+    while IFS= read -r value; do
+        options+=("-D$value")
+    done < <(preset_values configurePresets "$preset" cacheVariables)
+    value=$(preset_values configurePresets "$preset" toolchainFile)
+    [ -z "$value" ] || options+=("-DCMAKE_TOOLCHAIN_FILE=$value")
+    value=$(preset_values configurePresets "$preset" generator)
+    if [ -z "$value" ]; then
+        echo "There is no preset \"$preset\" in CMakePresets.json." >&2
+        return 1
+    fi
+    echo "CMake $(cmake_version) reads no presets (3.21 and later do); it gets the values of \"$preset\":"
+    echo "    -G $value ${options[*]}"
+    # Further options may name another build folder.
+    [[ " $* " == *" -B "* ]] || options+=(-B "build/$preset")
+    cmake -S . -G "$value" "${options[@]}" "$@"
+}
+
+# build_preset PRESET [OPTION...]: builds in build/PRESET, with all processors.
+build_preset()
+{
+    local what=(--preset "$1")
+    cmake_reads_presets || what=("build/$1")
+    shift
+    cmake --build "${what[@]}" --parallel "$(nproc)" "$@"
+}
+
+# test_preset PRESET [OPTION...]: runs ctest in build/PRESET; $test_launcher may hold a command that is to
+# start it.
+test_launcher=()
+test_preset()
+{
+    local preset=$1 environment
+    shift
+    if cmake_reads_presets; then
+        env -u MISCTOOLS_VERDICT_FILE "${test_launcher[@]}" ctest --preset "$preset" "$@"
+        return
+    fi
+    mapfile -t environment < <(preset_values testPresets "$preset" environment)
+    (
+        cd "build/$preset" || exit
+        env -u MISCTOOLS_VERDICT_FILE "${environment[@]}" "${test_launcher[@]}" \
+            ctest --no-tests=error --output-on-failure "$@"
+    )
+}
+
+# run_tests PRESET [OPTION...]: does the same, says what was skipped and why, and makes a verdict of that
+# and of earlier runs.
+tests_run=0
+tests_skipped=0
+run_tests()
+{
+    local status=0 output=build/$1/script-test.log log=build/$1/Testing/Temporary/LastTest.log
+    local counts reasons
+    # The times of labels add up times of tests that ran side by side.
+    test_preset "$@" --output-on-failure --no-label-summary 2>&1 | tee "$output" || status=$?
+
+    # CTest's own words: "97% tests passed, 1 tests failed out of 30".
+    counts=$(sed -nE 's/^[0-9]+% tests passed, ([0-9]+) tests? failed out of ([0-9]+)$/\1 \2/p' \
+        "$output" | tail -n 1)
+    if [ -z "$counts" ]; then
+        verdict='NO TEST WAS RUN'
+        verdict_details=
+        leave_verdict
+        return "$status"
+    fi
+    tests_run=$((tests_run + ${counts#* }))
+    tests_skipped=$((tests_skipped +
+        $(grep -cE '^ *[0-9]+/[0-9]+ Test +#[0-9]+: .*\*\*\*Skipped ' "$output" || true)))
+
+    # CTest names the tests that skipped something; why they did is in its log alone.
+    reasons=$(
+        sed -nE 's/^SKIP   : (\w+)::.*\) (.*)$/\1: \2/p' "$log" | sort | uniq -c
+        grep '^device root: not available' "$log" | sort -u || true
+    )
+    [ -z "$reasons" ] || printf '\nSkipped, how often and why:\n%s\n' "$reasons"
+
+    if [ "$status" -ne 0 ]; then
+        verdict=FAILED
+        verdict_details="${counts% *} of ${counts#* } tests, $tests_skipped skipped"
+    elif [ "$tests_skipped" -eq "$tests_run" ]; then
+        verdict=SKIPPED
+        verdict_details="something in each of $tests_run tests"
+    else
+        verdict=PASSED
+        verdict_details="$tests_run tests, $tests_skipped skipped"
+    fi
+    leave_verdict
+    return "$status"
+}

@@ -1,0 +1,5 @@
+// Something to make libraries of.
+int support()
+{
+    return 0;
+}
