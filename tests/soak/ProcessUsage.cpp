@@ -55,6 +55,16 @@ long readResidentInKiB()
     return pages.toLong() * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
+long readHeapInKiB()
+{
+    // The old call, whose numbers have 32 bits, is all that glibc has before 2.33.
+#if __GLIBC_PREREQ(2, 33)
+    return static_cast<long>(mallinfo2().uordblks / 1024);
+#else
+    return mallinfo().uordblks / 1024;
+#endif
+}
+
 } // namespace
 
 ProcessUsage ProcessUsage::now()
@@ -64,7 +74,7 @@ ProcessUsage ProcessUsage::now()
     usage.threads = entries(QStringLiteral("/proc/self/task")).size();
     usage.children = countChildren();
     usage.inotifyWatches = countInotifyWatches();
-    usage.heapInKiB = static_cast<long>(mallinfo2().uordblks / 1024);
+    usage.heapInKiB = readHeapInKiB();
     usage.residentInKiB = readResidentInKiB();
     return usage;
 }

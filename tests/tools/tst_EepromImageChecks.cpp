@@ -181,7 +181,7 @@ void tst_EepromImageChecks::verifyJudgesAsTheLibrary()
     QRandomGenerator random(4711);
     QSet<int> verdicts;
     for (int round = 0; round < rounds(150); ++round) {
-        QByteArray image = EepromImage(boardText).startAddress(36 + random.bounded(8)).bytes();
+        QByteArray image = EepromImage(boardText).startAddress(36 + random.bounded(8U)).bytes();
         // One byte of the header in two images, bytes anywhere in others, and ends cut off.
         if (random.bounded(2) == 0) {
             const char values[] = {'\0', '\1', '\x24', '\xFF'};

@@ -120,7 +120,7 @@ void tst_ErrorContainer::typeIsRegisteredByFirstUse()
     QCOMPARE(registeredType(), int(QMetaType::UnknownType));
     // Children, so that each row sees the first use.
     const ChildResult result = ChildProcess::run([constructs, threads] {
-        std::vector<int> types(size_t(threads), int(QMetaType::UnknownType));
+        std::vector<int> types(size_t(threads), QMetaType::UnknownType);
         std::vector<std::thread> users;
         for (int& type : types) {
             users.emplace_back([constructs, &type] {

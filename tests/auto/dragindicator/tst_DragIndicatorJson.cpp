@@ -1,4 +1,5 @@
 #include "DragIndicator.h"
+#include "QtVersion.h"
 #include "Records.h"
 #include "TestCase.h"
 #include "TimeZone.h"
@@ -444,14 +445,16 @@ void tst_DragIndicatorJson::datesUnderLocales_data()
     // The month's name may also be that of the system's language; the day's is not read at all.
     QTest::newRow("German names, German system") << german << c << germanDate << isoDate << true;
     QTest::newRow("Arabic names, Arabic system") << arabic << c << arabicDate << isoDate << true;
+    // Qt 5.15.2 takes five or six words for a date, no more.
     QTest::newRow("Vietnamese names of two words, Vietnamese system")
-        << vietnamese << c << vietnameseDate << isoDate << true;
+        << vietnamese << c << vietnameseDate << (isQtOfDebian11() ? QString() : isoDate) << true;
     QTest::newRow("day before month, German system")
         << german << c << QStringLiteral("Sa. 1. Dez. 12:30:05 2018")
         << QStringLiteral("2018-12-01T12:30:05") << true;
-    // A name that ends in a full stop is taken for the day's number.
+    // A name that ends in a full stop is taken for the day's number; not by Qt 5.15.2.
     QTest::newRow("shortened month, German system")
-        << german << c << QStringLiteral("Sa. Dez. 1 12:30:05 2018") << QString() << true;
+        << german << c << QStringLiteral("Sa. Dez. 1 12:30:05 2018")
+        << (isQtOfDebian11() ? QStringLiteral("2018-12-01T12:30:05") : QString()) << true;
 
     QTest::newRow("German names, other system") << none << c << germanDate << QString() << true;
     QTest::newRow("German names, Arabic system") << arabic << c << germanDate << QString() << true;

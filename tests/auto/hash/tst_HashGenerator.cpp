@@ -276,13 +276,13 @@ void tst_HashGenerator::filesWithoutPermission()
 
     const QString filePath = writeFile(QStringLiteral("file"), "content");
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::Permissions()));
-    if (isFolderOpen) {
-        QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7755)));
-    }
+    // Where an ordinary user runs this, it is the owner of the folder that is to be shut out.
+    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(isFolderOpen ? 0x7755 : 0)));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([&filePath] {
         return HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5).isNull() ? 0
                                                                                              : 1;
     });
+    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7700)));
     QVERIFY(result.exited);
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(QString::fromLocal8Bit(result.output), warning.arg(filePath) + QLatin1Char('\n'));

@@ -72,6 +72,7 @@ private Q_SLOTS:
     void unreadableTree_data();
     void unreadableTree();
     void withoutNamespaces();
+    void withoutAProgramOfTheSystem();
     void testsAreSkippedWithoutNamespaces();
     void skipIsAFailureInContinuousIntegration();
     void variableAloneIsNoDeviceRoot();
@@ -516,6 +517,23 @@ void tst_DeviceRoot::withoutNamespaces()
              result.errors.constData());
     QCOMPARE(result.errors.count('\n'), 1);
     QVERIFY(!result.errors.contains("Operation not permitted"));
+}
+
+void tst_DeviceRoot::withoutAProgramOfTheSystem()
+{
+    NEED_NAMESPACES();
+    // Within a device root one of the system's programs can be covered.
+    const Result result =
+        runShell("for file in /usr/sbin/pivot_root /sbin/pivot_root; do\n"
+                 "    [ ! -e $file ] || PATH=$PATH:/usr/sbin:/sbin mount --bind /dev/null $file\n"
+                 "done\n"
+                 "\"$1\" tree echo it runs",
+                 {m_launcher});
+    QCOMPARE(result.errors, QByteArray("device root: not available here; to allow it: the system's "
+                                       "pivot_root (in Debian's package util-linux, "
+                                       "util-linux-extra or mount)\n"));
+    QCOMPARE(result.output, QByteArray("it runs\n"));
+    QCOMPARE(result.exitCode, 0);
 }
 
 void tst_DeviceRoot::testsAreSkippedWithoutNamespaces()
