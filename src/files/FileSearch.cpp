@@ -19,6 +19,13 @@ bool canNameFolder(const QString& path)
     return !path.contains(QChar::Null);
 }
 
+// QDir::NoFilter stands for all entries, and Qt puts these in its place; 5.15.2 does so only after
+// it has taken the flag for case out of it, and would match patterns otherwise than later versions.
+QDir::Filters resolved(QDir::Filters filters)
+{
+    return filters == QDir::NoFilter ? QDir::AllEntries : filters;
+}
+
 // Entries' paths, relative to the folder that is searched.
 class RelativePaths
 {
@@ -146,7 +153,7 @@ void searchFilesOnPathRecursive(const QString& path, const QStringList& nameFilt
     if (!canNameFolder(path)) {
         return;
     }
-    QDirIterator entries(path, nameFilters, filters, QDirIterator::Subdirectories);
+    QDirIterator entries(path, nameFilters, resolved(filters), QDirIterator::Subdirectories);
     while (entries.hasNext()) {
         entries.next();
         result.append(entries.fileInfo());
@@ -170,7 +177,7 @@ void searchFilesOnPathRecursive(const QString& path, const QStringList& nameFilt
         NameSearch(paths, result).addEntries(path);
         return;
     }
-    QDirIterator entries(path, nameFilters, QDir::NoFilter, QDirIterator::Subdirectories);
+    QDirIterator entries(path, nameFilters, resolved(QDir::NoFilter), QDirIterator::Subdirectories);
     while (entries.hasNext()) {
         result.append(paths.ofEntry(entries.next()));
     }
