@@ -13,6 +13,13 @@ bool canNameDirectory(const QString& path)
     return !path.contains(QChar::Null);
 }
 
+// Qt replaces QDir::NoFilter by all entries. 5.15.2 does so only after it has taken the flag for
+// case from it, and would match patterns otherwise than later versions.
+QDir::Filters resolved(QDir::Filters filters)
+{
+    return filters == QDir::NoFilter ? QDir::AllEntries : filters;
+}
+
 // Entries' paths relative to the directory that is searched. QDir::relativeFilePath() takes longer
 // than finding the entry, and mostly the answer is what follows the directory's path.
 class RelativePaths
@@ -48,7 +55,7 @@ void searchFilesOnPathRecursive(const QString& path, const QStringList& nameFilt
     if (!canNameDirectory(path)) {
         return;
     }
-    QDirIterator entries(path, nameFilters, filters, QDirIterator::Subdirectories);
+    QDirIterator entries(path, nameFilters, resolved(filters), QDirIterator::Subdirectories);
     while (entries.hasNext()) {
         entries.next();
         result.append(entries.fileInfo());
@@ -68,7 +75,7 @@ void searchFilesOnPathRecursive(const QString& path, const QStringList& nameFilt
         return;
     }
     const RelativePaths paths(path);
-    QDirIterator entries(path, nameFilters, QDir::NoFilter, QDirIterator::Subdirectories);
+    QDirIterator entries(path, nameFilters, resolved(QDir::NoFilter), QDirIterator::Subdirectories);
     while (entries.hasNext()) {
         result.append(paths.ofEntry(entries.next()));
     }

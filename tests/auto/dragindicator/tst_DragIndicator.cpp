@@ -34,10 +34,15 @@ namespace {
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-constexpr char minSignature[] = "double DragIndicator::getMinValue(DragIndicatorInstances) const";
-constexpr char maxSignature[] = "double DragIndicator::getMaxValue(DragIndicatorInstances) const";
-constexpr char initializedSignature[] =
-    "bool DragIndicator::isInitialized(DragIndicatorInstances) const";
+// GCC 10 names a nested type with its class; GCC 12 and clang do not.
+#if defined(__clang__) || __GNUC__ > 10
+#define INSTANCES "DragIndicatorInstances"
+#else
+#define INSTANCES "DragIndicator::DragIndicatorInstances"
+#endif
+constexpr char minSignature[] = "double DragIndicator::getMinValue(" INSTANCES ") const";
+constexpr char maxSignature[] = "double DragIndicator::getMaxValue(" INSTANCES ") const";
+constexpr char initializedSignature[] = "bool DragIndicator::isInitialized(" INSTANCES ") const";
 
 const QString textDate = QStringLiteral("Fri Mar 1 12:30:05 2024");
 const QString isoDate = QStringLiteral("2024-03-01T12:30:05");

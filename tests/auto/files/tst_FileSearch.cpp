@@ -170,6 +170,9 @@ QStringList sorted(QStringList list)
 // What the searches are measured by.
 QStringList iterated(const QString& path, const QStringList& nameFilters, QDir::Filters filters)
 {
+    if (filters == QDir::NoFilter && isQtOfDebian11()) {
+        filters = QDir::AllEntries; // what later versions make of it
+    }
     QStringList paths;
     QDirIterator iterator(path, nameFilters, filters, QDirIterator::Subdirectories);
     while (iterator.hasNext()) {
@@ -323,16 +326,11 @@ void tst_FileSearch::kindsOfEntries_data()
                         const char* expected) {
         QTest::newRow(name) << filters << words(patterns) << sorted(words(expected));
     };
-    // As far as 5.15.2, QDir::NoFilter matches patterns with regard to case; not in 5.15.8.
-    const bool mindsCase = isQtOfDebian11();
     const QDir::Filters filesAndFolders = QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot;
 
     row("NoFilter ignores case, hidden, broken and special entries", QDir::NoFilter, "*.txt",
-        mindsCase ? "lower.txt link.txt sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt"
-                  : "UPPER.TXT lower.txt link.txt sub/deep.txt sub/deeper.txt "
-                    "sub/deeper.txt/deepest.txt");
-    row("NoFilter with a pattern of the other case", QDir::NoFilter, "LOWER.*",
-        mindsCase ? "" : "lower.txt");
+        "UPPER.TXT lower.txt link.txt sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
+    row("NoFilter with a pattern of the other case", QDir::NoFilter, "LOWER.*", "lower.txt");
     row("NoFilter with a pattern for dots", QDir::NoFilter, ".",
         ". empty/. sub/. sub/deeper.txt/.");
     row("NoFilter with a pattern for two dots", QDir::NoFilter, "..",
@@ -342,8 +340,7 @@ void tst_FileSearch::kindsOfEntries_data()
     row("NoFilter with a pattern twice", QDir::NoFilter, "*.bin *.bin", "data.bin");
     row("NoFilter finds a linked folder, not what is in it", QDir::NoFilter, "linked* deep.txt",
         "linkedfolder sub/deep.txt");
-    row("NoFilter with a set", QDir::NoFilter, "[ul]*.txt",
-        mindsCase ? "lower.txt link.txt" : "UPPER.TXT lower.txt link.txt");
+    row("NoFilter with a set", QDir::NoFilter, "[ul]*.txt", "UPPER.TXT lower.txt link.txt");
     row("NoFilter with a pattern for hidden entries", QDir::NoFilter, ".hidden*", "");
     row("NoFilter with a pattern that holds a folder", QDir::NoFilter, "sub/deep.txt", "");
     row("Files", QDir::Files, "*.txt",

@@ -274,7 +274,7 @@ void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
     }
     const QStringList patterns(QStringLiteral("*.mp3"));
     QStringList expected;
-    QDirIterator iterator(folder(), patterns, QDir::NoFilter, QDirIterator::Subdirectories);
+    QDirIterator iterator(folder(), patterns, QDir::AllEntries, QDirIterator::Subdirectories);
     while (iterator.hasNext()) {
         expected.append(iterator.next());
     }
