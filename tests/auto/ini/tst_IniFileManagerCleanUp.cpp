@@ -92,10 +92,11 @@ void removeFolder(QString&)
 
 void leaveAsItIs(QString&) {}
 
-ino_t inodeOf(const QString& filePath)
+// Not stat(), which on a 32-bit machine finds no file of 2 GiB or more.
+ino64_t inodeOf(const QString& filePath)
 {
-    struct stat status = {};
-    if (stat(QFile::encodeName(filePath).constData(), &status) != 0) {
+    struct stat64 status = {};
+    if (stat64(QFile::encodeName(filePath).constData(), &status) != 0) {
         qFatal("cannot find %s", qPrintable(filePath));
     }
     return status.st_ino;
@@ -255,7 +256,7 @@ void tst_IniFileManagerCleanUp::defaultFunctions()
 void tst_IniFileManagerCleanUp::unchangedFileIsReplacedAtomically()
 {
     writeIni("k=1\n");
-    const ino_t before = inodeOf(iniFile());
+    const ino64_t before = inodeOf(iniFile());
     IniFileManager::cleanUp(iniFile());
     QVERIFY(inodeOf(iniFile()) != before);
     QCOMPARE(readFile(iniFile()), QByteArray("k=1\n"));
@@ -353,7 +354,7 @@ void tst_IniFileManagerCleanUp::withoutPermission()
     QFETCH(int, folderPermissions);
     const QByteArray content = "k=1,2\r\n%23\n";
     writeIni(content);
-    const ino_t before = inodeOf(iniFile());
+    const ino64_t before = inodeOf(iniFile());
     QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions(filePermissions)));
     QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(folderPermissions)));
 
@@ -417,7 +418,7 @@ void tst_IniFileManagerCleanUp::fileThatIsReadInPartStays()
     const QByteArray content = QByteArray("a=%23,\n").repeated(10000);
     for (int reads = 0; reads < 5; ++reads) {
         writeIni(content);
-        const ino_t before = inodeOf(iniFile());
+        const ino64_t before = inodeOf(iniFile());
         readsBeforeFailure = reads;
         IniFileManager::cleanUp(iniFile());
         readsBeforeFailure = -1;
@@ -456,7 +457,7 @@ void tst_IniFileManagerCleanUp::fileBeyondAByteArrayStays()
     writeIni("a=%23,\n");
     const qint64 size = qint64(5) * 1024 * 1024 * 1024;
     QVERIFY(QFile::resize(iniFile(), size));
-    const ino_t before = inodeOf(iniFile());
+    const ino64_t before = inodeOf(iniFile());
     IniFileManager::cleanUp(iniFile());
     QCOMPARE(QFileInfo(iniFile()).size(), size);
     QCOMPARE(inodeOf(iniFile()), before);
