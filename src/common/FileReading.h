@@ -6,18 +6,18 @@
 #include <QtCore/QString>
 
 #include <algorithm>
+#include <cstring>
 
 // Returns what readAll() returns for a file that is open in text mode, for one that is not: no
-// carriage returns, and null where nothing else is left. Qt's text mode looks at each byte, which
-// takes twice as long.
+// carriage returns, and null where nothing else is left. Qt's text mode looks at each byte, and so
+// does QByteArray::indexOf(): both take twice as long as memchr().
 inline QByteArray readAllInTextMode(QIODevice& file)
 {
     QByteArray bytes = file.readAll();
-    const int first = bytes.indexOf('\r');
-    if (first < 0) {
+    if (std::memchr(bytes.constData(), '\r', size_t(bytes.size())) == nullptr) {
         return bytes;
     }
-    bytes.truncate(int(std::remove(bytes.begin() + first, bytes.end(), '\r') - bytes.begin()));
+    bytes.truncate(int(std::remove(bytes.begin(), bytes.end(), '\r') - bytes.begin()));
     return bytes.isEmpty() ? QByteArray() : bytes;
 }
 
@@ -28,8 +28,10 @@ inline QString decodeToFirstZeroByte(const QByteArray& bytes)
     if (bytes.isNull()) {
         return QString();
     }
-    const int zero = bytes.indexOf('\0');
-    return QString::fromUtf8(bytes.constData(), zero >= 0 ? zero : bytes.size());
+    const char* const begin = bytes.constData();
+    const void* const zero = std::memchr(begin, '\0', size_t(bytes.size()));
+    return QString::fromUtf8(begin, zero != nullptr ? int(static_cast<const char*>(zero) - begin)
+                                                    : bytes.size());
 }
 
 #endif
