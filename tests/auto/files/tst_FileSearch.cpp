@@ -27,7 +27,7 @@ namespace {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr uint smallStackSize = 512 * 1024; // the sanitizer's frames are larger
 #else
-constexpr uint smallStackSize = 64 * 1024;
+constexpr uint smallStackSize = 64 * 1024; // less than 64-bit ARM allows
 #endif
 
 // Entries of a folder by their bytes: Qt can neither make nor remove names that are not UTF-8.
@@ -499,7 +499,7 @@ void tst_FileSearch::deepTreesNeedLittleStack()
 
     QVERIFY(QDir(folder()).mkpath(QStringLiteral("d/").repeated(levels)));
     QThreadPool pool;
-    pool.setStackSize(smallStackSize);
+    pool.setStackSize(qMax(smallStackSize, uint(sysconf(_SC_THREAD_STACK_MIN))));
     RecursiveFileSearchWorkerThread* const worker =
         new RecursiveFileSearchWorkerThread(folder(), QStringList()); // owned by the pool
     QStringList found;
