@@ -491,8 +491,8 @@ void tst_FileSearch::randomTreesAsIterated()
 // A tree as deep as descriptors allow, on a stack that a thread of a small device may have.
 void tst_FileSearch::deepTreesNeedLittleStack()
 {
-    const int levels =
-        isEmulated() ? 100 : 900; // the emulator takes minutes for many open directories
+    // An emulator takes minutes for many open directories.
+    const int levels = isEmulated() ? 100 : 900;
     rlimit descriptors = {};
     getrlimit(RLIMIT_NOFILE, &descriptors);
     descriptors.rlim_cur = qMax<rlim_t>(descriptors.rlim_cur, levels + 100);
