@@ -441,9 +441,10 @@ Operations operations()
             .inTable()
             .counted(1),
         Operation(QStringLiteral("getGroupValues, 10,000 keys"), addManyGroupValues).inTable(),
+        // Not counted: how its many small allocations fit into the heap, and so how many
+        // instructions they take, depends on the length of the program's path (by 3 %).
         operation(QStringLiteral("indexed getter, 1,000 sections"), addIndexedValue, 1000)
-            .inTable()
-            .counted(10),
+            .inTable(),
         operation(QStringLiteral("open, one read, 1 MiB"), addFirstRead, mebi)
             .inTable()
             .counted(5)
