@@ -5,8 +5,6 @@ function(misctools_set_warnings target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
     -Woverloaded-virtual
-    # QSKIP of Qt 5.15 takes a text and, for what nobody gives, three dots.
-    $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
     $<$<BOOL:${MISCTOOLS_WERROR}>:-Werror>)
 endfunction()
 
