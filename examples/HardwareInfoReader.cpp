@@ -3,6 +3,7 @@
 #include <HardwareInfo.h>
 #include <HardwareInfoReader.h>
 
+#include <QDir>
 #include <cstdio>
 
 int main()
@@ -13,7 +14,7 @@ int main()
     HardwareInfo board;
     HardwareInfoReader reader(nullptr);
     // The first path names a temporary file; its directory must be writable.
-    if (!reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), image, board)) {
+    if (!reader.readHardwareInfoFromSysFs(QDir::temp().filePath("hwinfo.XXXXXX"), image, board)) {
         return 1; // the library has logged the reason
     }
     std::printf("%s, type %s, version %s, LP-ID %s\n", qPrintable(board.typeName()),
@@ -22,7 +23,7 @@ int main()
 
     // After a failure the record is unchanged: it never mixes the texts of two boards.
     const QString missing = QStringLiteral("missing.bin");
-    if (!reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), missing, board)) {
+    if (!reader.readHardwareInfoFromSysFs(QDir::temp().filePath("hwinfo.XXXXXX"), missing, board)) {
         std::printf("no record, still %s\n", qPrintable(board.typeName()));
     }
     return 0;

@@ -3,6 +3,7 @@
 
 #include <HardwareVersionIniManager.h>
 
+#include <QDir>
 #include <cstdio>
 
 int main()
@@ -15,7 +16,7 @@ int main()
                           "CompatibilityIndex=3\n"
                           "LP-ID=LP-000815\n");
     // The class writes the text into a temporary file, which exists as long as the object does.
-    const HardwareVersionIniManager record(text, QStringLiteral("/tmp/hwinfo.XXXXXX"));
+    const HardwareVersionIniManager record(text, QDir::temp().filePath("hwinfo.XXXXXX"));
     std::printf("%s, type %s, version %s\n", qPrintable(record.getTypeName()),
                 qPrintable(record.getType()), qPrintable(record.getHwVersion()));
     //! [fields]

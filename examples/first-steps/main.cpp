@@ -1,6 +1,7 @@
 #include <HardwareInfo.h>
 #include <HardwareInfoReader.h>
 
+#include <QDir>
 #include <cstdio>
 
 int main(int argc, char* argv[])
@@ -11,7 +12,7 @@ int main(int argc, char* argv[])
     const QString image = QString::fromLocal8Bit(argv[1]);
     HardwareInfo board;
     HardwareInfoReader reader(nullptr);
-    if (!reader.readHardwareInfoFromSysFs(QStringLiteral("/tmp/hwinfo.XXXXXX"), image, board)) {
+    if (!reader.readHardwareInfoFromSysFs(QDir::temp().filePath("hwinfo.XXXXXX"), image, board)) {
         return 1; // The library has logged why.
     }
     std::printf("This is a %s, version %s.\n", qPrintable(board.typeName()),
