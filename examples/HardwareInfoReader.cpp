@@ -13,8 +13,9 @@ int main()
     //! [read]
     HardwareInfo board;
     HardwareInfoReader reader(nullptr);
-    // The first path names a temporary file; its directory must be writable.
-    if (!reader.readHardwareInfoFromSysFs(QDir::temp().filePath("hwinfo.XXXXXX"), image, board)) {
+    // Names a temporary file; its directory must be writable.
+    const QString temporary = QDir::temp().filePath(QStringLiteral("hwinfo.XXXXXX"));
+    if (!reader.readHardwareInfoFromSysFs(temporary, image, board)) {
         return 1; // the library has logged the reason
     }
     std::printf("%s, type %s, version %s, LP-ID %s\n", qPrintable(board.typeName()),
@@ -23,7 +24,7 @@ int main()
 
     // After a failure the record is unchanged: it never mixes the texts of two boards.
     const QString missing = QStringLiteral("missing.bin");
-    if (!reader.readHardwareInfoFromSysFs(QDir::temp().filePath("hwinfo.XXXXXX"), missing, board)) {
+    if (!reader.readHardwareInfoFromSysFs(temporary, missing, board)) {
         std::printf("no record, still %s\n", qPrintable(board.typeName()));
     }
     return 0;

@@ -16,7 +16,8 @@ int main()
                           "CompatibilityIndex=3\n"
                           "LP-ID=LP-000815\n");
     // The class writes the text into a temporary file, which exists as long as the object does.
-    const HardwareVersionIniManager record(text, QDir::temp().filePath("hwinfo.XXXXXX"));
+    const QString temporary = QDir::temp().filePath(QStringLiteral("hwinfo.XXXXXX"));
+    const HardwareVersionIniManager record(text, temporary);
     std::printf("%s, type %s, version %s\n", qPrintable(record.getTypeName()),
                 qPrintable(record.getType()), qPrintable(record.getHwVersion()));
     //! [fields]

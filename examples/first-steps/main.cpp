@@ -12,7 +12,8 @@ int main(int argc, char* argv[])
     const QString image = QString::fromLocal8Bit(argv[1]);
     HardwareInfo board;
     HardwareInfoReader reader(nullptr);
-    if (!reader.readHardwareInfoFromSysFs(QDir::temp().filePath("hwinfo.XXXXXX"), image, board)) {
+    const QString temporary = QDir::temp().filePath(QStringLiteral("hwinfo.XXXXXX"));
+    if (!reader.readHardwareInfoFromSysFs(temporary, image, board)) {
         return 1; // The library has logged why.
     }
     std::printf("This is a %s, version %s.\n", qPrintable(board.typeName()),

@@ -495,7 +495,7 @@ void tst_FileSearch::deepTreesNeedLittleStack()
     const int levels = isEmulated() ? 100 : 900;
     rlimit descriptors = {};
     getrlimit(RLIMIT_NOFILE, &descriptors);
-    descriptors.rlim_cur = qMax<rlim_t>(descriptors.rlim_cur, levels + 100);
+    descriptors.rlim_cur = qMax(descriptors.rlim_cur, rlim_t(levels + 100));
     QCOMPARE(setrlimit(RLIMIT_NOFILE, &descriptors), 0);
 
     QVERIFY(QDir(folder()).mkpath(QStringLiteral("d/").repeated(levels)));

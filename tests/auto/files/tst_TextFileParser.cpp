@@ -290,15 +290,15 @@ void tst_TextFileParser::hugeFileEndsAtItsZeroByte()
 
 void tst_TextFileParser::hugeFileFitsInLittleAddressSpace()
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    // The sanitizer's own mappings exceed such a limit.
-    const rlim_t addressSpace = RLIM_INFINITY;
-#else
-    const rlim_t addressSpace = rlim_t(900000) * 1024;
-#endif
     const QString filePath = writeFile(QStringLiteral("file"), QByteArray("text\0more", 9));
     QVERIFY(QFile::resize(filePath, qint64(600) * 1024 * 1024));
-    const ChildResult child = ChildProcess::run([&filePath, addressSpace] {
+    const ChildResult child = ChildProcess::run([&filePath] {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        // The sanitizer's own mappings exceed any such limit.
+        const rlim_t addressSpace = RLIM_INFINITY;
+#else
+        const rlim_t addressSpace = rlim_t(900000) * 1024;
+#endif
         const rlimit limit = {addressSpace, addressSpace};
         setrlimit(RLIMIT_AS, &limit);
         TextFileParser parser(filePath);
