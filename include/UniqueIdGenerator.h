@@ -23,7 +23,8 @@ class MISCTOOLS_EXPORT UniqueIdGenerator
 public:
     /*! \brief A generator of its own, which begins at 0. */
     UniqueIdGenerator();
-    ~UniqueIdGenerator();
+    ~UniqueIdGenerator(); // NOLINT(performance-trivially-destructible): part of the binary
+                          // interface
 
     /*! \brief The process's generator. */
     static UniqueIdGenerator& getInstance();

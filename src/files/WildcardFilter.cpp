@@ -5,7 +5,7 @@
 WildcardFilter::WildcardFilter(const QStringList& patterns, QDir::Filters filters)
 {
     const Qt::CaseSensitivity caseSensitivity =
-        (filters & QDir::CaseSensitive) ? Qt::CaseSensitive : Qt::CaseInsensitive;
+        filters.testFlag(QDir::CaseSensitive) ? Qt::CaseSensitive : Qt::CaseInsensitive;
     m_regExps.reserve(patterns.size());
     for (const QString& pattern : patterns) {
         m_regExps.append(QRegExp(pattern, caseSensitivity, QRegExp::Wildcard));
@@ -24,7 +24,7 @@ bool WildcardFilter::matchesFilters(const QString& fileName) const
     for (const QRegExp& regExp : m_regExps) {
         // A match is written into the expression, const or not: threads that share the filter each
         // need one of their own.
-        const QRegExp ownRegExp(regExp);
+        const QRegExp ownRegExp(regExp); // NOLINT(performance-unnecessary-copy-initialization)
         if (ownRegExp.exactMatch(fileName)) {
             return true;
         }

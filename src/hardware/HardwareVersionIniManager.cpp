@@ -93,7 +93,7 @@ QString HardwareVersionIniManager::getStringValueFromIniFile(const QString& sect
 
 const QString& HardwareVersionIniManager::getVersionDataGroup() const
 {
-    static const QString group = QStringLiteral("");
+    static const QString group = QLatin1String("");
     return group;
 }
 

@@ -21,7 +21,7 @@ State& state()
     return theState;
 }
 
-void handle(QtMsgType, const QMessageLogContext& context, const QString& text)
+void handle(QtMsgType /*type*/, const QMessageLogContext& context, const QString& text)
 {
     state().texts.append(text);
     if (state().areShown) {

@@ -80,12 +80,13 @@ int run(const QStringList& arguments)
         return Complete;
     }
     if (!parser.positionalArguments().isEmpty()) {
-        return usageError(
-            QStringLiteral("unexpected argument %1").arg(parser.positionalArguments().first()));
+        return usageError(QStringLiteral("unexpected argument %1")
+                              .arg(parser.positionalArguments().constFirst()));
     }
     for (const QCommandLineOption& option : {eeprom, hardwareId}) {
         if (parser.isSet(option) && parser.value(option).isEmpty()) {
-            return usageError(QStringLiteral("--%1 must not be empty").arg(option.names().first()));
+            return usageError(
+                QStringLiteral("--%1 must not be empty").arg(option.names().constFirst()));
         }
     }
 

@@ -15,7 +15,7 @@ using namespace ImageFormat;
 namespace {
 
 // Far above any EEPROM; a slip of the finger must not fill the disk.
-constexpr qint64 maxImageSize = 16 * 1024 * 1024;
+constexpr qint64 maxImageSize = qint64(16) * 1024 * 1024;
 
 struct Layout
 {

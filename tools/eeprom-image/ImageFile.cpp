@@ -143,8 +143,7 @@ quint32 ImageFile::word(qint64 address) const
 
 QString ImageFile::range(qint64 address, qint64 size)
 {
-    const QString bytes =
-        size == 1 ? QStringLiteral("1 byte") : QStringLiteral("%1 bytes").arg(size);
+    QString bytes = size == 1 ? QStringLiteral("1 byte") : QStringLiteral("%1 bytes").arg(size);
     if (size == 0) {
         return bytes;
     }

@@ -6,7 +6,7 @@
 
 namespace {
 
-const QByteArray byteOrderMark("\xEF\xBB\xBF");
+constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 
 QString prefixOf(const QByteArray& sectionName)
 {
@@ -34,7 +34,7 @@ IniReading::IniReading(const QByteArray& text, const QTextCodec* codec) : m_code
         m_codec = QTextCodec::codecForName("UTF-8");
     }
     const LineNumbers numbers(text);
-    IniLines lines(text, hasByteOrderMark ? byteOrderMark.size() : 0, text.size());
+    IniLines lines(text, hasByteOrderMark ? int(qstrlen(byteOrderMark)) : 0, text.size());
     // The mark is passed over in the search for sections, but not where the keys are read.
     int begin = 0;
     while (lines.next()) {

@@ -39,8 +39,8 @@ bool NameRules::isUtf8BeyondAscii(const QByteArray& bytes)
 
 bool NameRules::isUnreachable(const QString& path)
 {
-    const QChar slash = QLatin1Char('/');
-    return path.isEmpty() || path.startsWith(slash) || path.endsWith(slash) ||
+    const QLatin1Char separator('/');
+    return path.isEmpty() || path.startsWith(separator) || path.endsWith(separator) ||
            path.contains(QStringLiteral("//"));
 }
 

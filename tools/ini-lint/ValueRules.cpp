@@ -128,7 +128,8 @@ QString markedType(const QString& text)
 
 void checkMarks(const IniEntry& entry, Findings& findings)
 {
-    for (const QString& text : entry.value.texts()) {
+    const QStringList texts = entry.value.texts();
+    for (const QString& text : texts) {
         const QString type = markedType(text);
         if (!type.isEmpty()) {
             findings.append({entry.extent.first, QStringLiteral("at-sign"),

@@ -19,7 +19,7 @@
 namespace {
 
 // Some hundred bytes are usual; something else of that name need not be read to its end.
-constexpr qint64 maxSize = 64 * 1024;
+constexpr qint64 maxSize = 65536;
 
 const QString dateKeys[] = {QStringLiteral("MinValueDate"), QStringLiteral("MaxValueDate")};
 

@@ -91,7 +91,7 @@ void PeakMeter::start()
 
 void PeakMeter::readInput()
 {
-    std::array<char, 64 * 1024> buffer;
+    std::array<char, 65536> buffer;
     const ssize_t size = read(STDIN_FILENO, buffer.data(), buffer.size());
     if (size > 0) {
         takeLines(m_splitter.take(QByteArray(buffer.data(), int(size))));

@@ -62,7 +62,7 @@ QString rangeLine(const Range& range, int columns)
             .trimmed();
     }
     const QString limits = QStringLiteral("%1..%2").arg(minimum, maximum);
-    const QString both = (limits + QStringLiteral("  ") + now).trimmed();
+    QString both = (limits + QStringLiteral("  ") + now).trimmed();
     if (both.size() <= columns) {
         return both;
     }

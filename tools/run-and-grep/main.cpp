@@ -106,7 +106,8 @@ QString helpText(const QCommandLineParser& parser)
 
 bool readExpressions(const QCommandLineParser& parser, Job& job)
 {
-    for (const QString& pattern : parser.values(expressionOption())) {
+    const QStringList patterns = parser.values(expressionOption());
+    for (const QString& pattern : patterns) {
         const QRegularExpression expression(pattern, QRegularExpression::MultilineOption);
         if (!expression.isValid()) {
             CommandLine::complain(QStringLiteral("invalid expression '%1': %2 at character %3")

@@ -202,7 +202,8 @@ void MediumWatch::showFiles(const char* mark, const QStringList& files)
     constexpr int mostOnTerminal = 10;
 
     const int shown = m_display.isLive() ? qMin(files.size(), mostOnTerminal) : files.size();
-    for (const QString& file : files.mid(0, shown)) {
+    const QStringList shownFiles = files.mid(0, shown);
+    for (const QString& file : shownFiles) {
         m_display.showEvent(QLatin1String(mark) + CommandLine::printable(file));
     }
     if (shown < files.size()) {
