@@ -23,8 +23,8 @@
  *   with it. It must not be deleted by a receiver of its signal; use deleteLater() there.
  * - **Errors:** a path that cannot be watched is passed over; only addPath() tells. Qt itself may
  *   log why, and warns of an empty path.
- * - **Units and formats:** the delay is in milliseconds, kept to about 5 %. A folder changes when an
- *   entry is added, removed or renamed or has its permissions changed, not when the content of a
+ * - **Units and formats:** the delay is in milliseconds, kept to about 5 %. A folder changes when
+ *   an entry is added, removed or renamed or has its permissions changed, not when the content of a
  *   file changes. A stream of changes that never pauses for the delay is never reported. A folder
  *   that is renamed itself is watched on under the name that it had.
  *

@@ -21,7 +21,8 @@
  * too. The type can travel in a QVariant and through queued signals.
  *
  * \par Contract
- * - **Threads:** a plain value, one thread at a time; registerTypes() may be called from any thread.
+ * - **Threads:** a plain value, one thread at a time; registerTypes() may be called from any
+ *   thread.
  * - **Ownership:** copies are independent.
  * - **Errors:** none.
  * - **Units and formats:** no text is made from a code.

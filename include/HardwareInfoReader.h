@@ -20,8 +20,8 @@ class HardwareInfo;
  *
  * \par Contract
  * - **Threads:** one object, one thread; objects on different threads do not disturb each other.
- * - **Ownership:** the parent owns the reader, as QObject has it. Each read opens and closes its own
- *   file, and the temporary file of a read is gone when the read returns.
+ * - **Ownership:** the parent owns the reader, as QObject has it. Each read opens and closes its
+ *   own file, and the temporary file of a read is gone when the read returns.
  * - **Errors:** nothing throws; each failed read logs one message and gives false.
  * - **Units and formats:** addresses and lengths are bytes; the block is at most 65,535 bytes. No
  *   more than header and block is asked of the driver, as an EEPROM's bus is slow.

@@ -32,9 +32,9 @@
  * - **Errors:** nothing throws. A missing file is a warning, and the object stays usable; each
  *   function says what else it logs. Every warning but those of the constructor and of cleanUp()
  *   begins with getGeneralLogInfo().
- * - **Units and formats:** the INI dialect is that of QSettings::IniFormat: a value with an unquoted
- *   comma is a list, ';' starts a comment, keys and groups are case-sensitive. Managers and
- *   QSettings objects on the same path in one process share their unsynced writes.
+ * - **Units and formats:** the INI dialect is that of QSettings::IniFormat: a value with an
+ *   unquoted comma is a list, ';' starts a comment, keys and groups are case-sensitive. Managers
+ *   and QSettings objects on the same path in one process share their unsynced writes.
  *
  * \since 1.0
  */

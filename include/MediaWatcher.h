@@ -17,8 +17,8 @@
  * The application tells where; the answer is a signal within the same call.
  *
  * \par Contract
- * - **Threads:** all happens in the caller's thread, which a large medium keeps busy. The signal may
- *   be connected across threads: the type "QFileInfoList" is registered at construction.
+ * - **Threads:** all happens in the caller's thread, which a large medium keeps busy. The signal
+ *   may be connected across threads: the type "QFileInfoList" is registered at construction.
  * - **Ownership:** the parent owns the watcher, as QObject has it.
  * - **Errors:** nothing throws and nothing is logged; a missing medium has no files.
  * - **Units and formats:** patterns are wildcards such as "*.mp3"; without one every name fits.
