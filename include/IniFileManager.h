@@ -27,7 +27,7 @@
  *   every other call. Warnings are made while the mutex is held: a message handler may call back
  *   into the same object, but must not wait for another thread that uses it. Pending writes are
  *   also flushed by the event loop of the thread that made the object, which is safe beside all
- *   calls. cleanUp() and the list sm_CleanUpFunctions are not synchronised.
+ *   calls. cleanUp() and the list sm_CleanUpFunctions are not synchronized.
  * - **Ownership:** the object owns all that it uses; it cannot be copied.
  * - **Errors:** nothing throws. A missing file is a warning, and the object stays usable; each
  *   function says what else it logs. Every warning but those of the constructor and of cleanUp()
