@@ -12,11 +12,11 @@
  * /orvalis/etc/orvalis-first-boot on the first boot after a firmware update.
  *
  * \par Contract
- * - \b Threads: an object holds nothing and may be shared; a marker that somebody else removes
+ * - **Threads:** an object holds nothing and may be shared; a marker that somebody else removes
  *   between the look and the removal is reported as one that could not be removed.
- * - \b Ownership: nothing is kept; every question looks anew.
- * - \b Errors: nothing throws; only the removal of a marker warns.
- * - \b Units and formats: the product code comes from the platform function
+ * - **Ownership:** nothing is kept; every question looks anew.
+ * - **Errors:** nothing throws; only the removal of a marker warns.
+ * - **Units and formats:** the product code comes from the platform function
  *   DeviceManifestManager::getProductCode().
  *
  * \since 1.0

@@ -18,13 +18,13 @@
  * all that changed in the meantime. Copying a thousand files into a folder is so one signal.
  *
  * \par Contract
- * - \b Threads: all members belong to the object's thread, which must run an event loop.
- * - \b Ownership: the object owns its watches and its timer; a burst that is not reported yet goes
+ * - **Threads:** all members belong to the object's thread, which must run an event loop.
+ * - **Ownership:** the object owns its watches and its timer; a burst that is not reported yet goes
  *   with it. It must not be deleted by a receiver of its signal; use deleteLater() there.
- * - \b Errors: a path that cannot be watched is passed over; only addPath() tells. Qt itself may
+ * - **Errors:** a path that cannot be watched is passed over; only addPath() tells. Qt itself may
  *   log why, and warns of an empty path.
- * - \b Units and formats: the delay is in milliseconds, kept to about 5 %. A folder changes when an
- *   entry is added, removed or renamed or has its permissions changed, not when the content of a
+ * - **Units and formats:** the delay is in milliseconds, kept to about 5 %. A folder changes when
+ *   an entry is added, removed or renamed or has its permissions changed, not when the content of a
  *   file changes. A stream of changes that never pauses for the delay is never reported. A folder
  *   that is renamed itself is watched on under the name that it had.
  *

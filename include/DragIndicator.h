@@ -17,11 +17,11 @@
  * first of them, while the second goes on.
  *
  * \par Contract
- * - \b Threads: one object, one thread.
- * - \b Ownership: a value that may be copied.
- * - \b Errors: nothing throws; each function says what it warns of. A negative index is no error
+ * - **Threads:** one object, one thread.
+ * - **Ownership:** a value that may be copied.
+ * - **Errors:** nothing throws; each function says what it warns of. A negative index is no error
  *   that is reported: it ends the process, in every build.
- * - \b Units and formats: values in the caller's unit; dates are local, but one that was imported
+ * - **Units and formats:** values in the caller's unit; dates are local, but one that was imported
  *   with a zone keeps it. Dates are what the clock says at the moment: when the clock is set back,
  *   a later extreme has an earlier date. A NaN as the first value of a record stays its minimum and
  *   maximum until reset(); later NaNs are passed over.

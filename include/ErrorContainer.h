@@ -21,10 +21,11 @@
  * too. The type can travel in a QVariant and through queued signals.
  *
  * \par Contract
- * - \b Threads: a plain value, one thread at a time; registerTypes() may be called from any thread.
- * - \b Ownership: copies are independent.
- * - \b Errors: none.
- * - \b Units and formats: no text is made from a code.
+ * - **Threads:** a plain value, one thread at a time; registerTypes() may be called from any
+ *   thread.
+ * - **Ownership:** copies are independent.
+ * - **Errors:** none.
+ * - **Units and formats:** no text is made from a code.
  *
  * \since 1.0
  */

@@ -14,10 +14,10 @@
  * moments do not collide: V3_2026_11_15T09_37_12.csv.
  *
  * \par Contract
- * - \b Threads: may be called from any thread.
- * - \b Ownership: nothing is kept.
- * - \b Errors: none of its own; see RaucSystemConfigIniManager for the device index.
- * - \b Units and formats: the local time to the second: two calls within a second give one name.
+ * - **Threads:** may be called from any thread.
+ * - **Ownership:** nothing is kept.
+ * - **Errors:** none of its own; see RaucSystemConfigIniManager for the device index.
+ * - **Units and formats:** the local time to the second: two calls within a second give one name.
  *
  * \since 1.0
  */

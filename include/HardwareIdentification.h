@@ -11,11 +11,11 @@
  * \snippet HardwareIdentification.cpp parts
  *
  * \par Contract
- * - \b Threads: a plain value; one thread at a time.
- * - \b Ownership: getters return copies.
- * - \b Errors: nothing throws. An ID that fails a check is warned of once; isHardwareIDValid() is
+ * - **Threads:** a plain value; one thread at a time.
+ * - **Ownership:** getters return copies.
+ * - **Errors:** nothing throws. An ID that fails a check is warned of once; isHardwareIDValid() is
  *   then false, and every part is empty.
- * - \b Units and formats: sixteen digits 0 to 9, without blanks or signs.
+ * - **Units and formats:** sixteen digits 0 to 9, without blanks or signs.
  *
  * \since 1.0
  */

@@ -13,10 +13,10 @@
  * HardwareInfoReader fills a record from the board's EEPROM.
  *
  * \par Contract
- * - \b Threads: a plain value; one thread at a time.
- * - \b Ownership: copies are independent; getters return copies.
- * - \b Errors: none.
- * - \b Units and formats: the texts stand as the board's INI block holds them, unchecked.
+ * - **Threads:** a plain value; one thread at a time.
+ * - **Ownership:** copies are independent; getters return copies.
+ * - **Errors:** none.
+ * - **Units and formats:** the texts stand as the board's INI block holds them, unchecked.
  *
  * \since 1.0
  */

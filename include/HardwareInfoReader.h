@@ -19,11 +19,11 @@ class HardwareInfo;
  * checksum. The block is believed only when it is whole and its checksum matches.
  *
  * \par Contract
- * - \b Threads: one object, one thread; objects on different threads do not disturb each other.
- * - \b Ownership: the parent owns the reader, as QObject has it. Each read opens and closes its own
- *   file, and the temporary file of a read is gone when the read returns.
- * - \b Errors: nothing throws; each failed read logs one message and gives false.
- * - \b Units and formats: addresses and lengths are bytes; the block is at most 65,535 bytes. No
+ * - **Threads:** one object, one thread; objects on different threads do not disturb each other.
+ * - **Ownership:** the parent owns the reader, as QObject has it. Each read opens and closes its
+ *   own file, and the temporary file of a read is gone when the read returns.
+ * - **Errors:** nothing throws; each failed read logs one message and gives false.
+ * - **Units and formats:** addresses and lengths are bytes; the block is at most 65,535 bytes. No
  *   more than header and block is asked of the driver, as an EEPROM's bus is slow.
  *
  * \since 1.0

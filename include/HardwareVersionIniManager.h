@@ -20,13 +20,13 @@ class IniFileManager;
  * section are not found.
  *
  * \par Contract
- * - \b Threads: one object, one thread. The name accessors may be called from any thread.
- * - \b Ownership: the object owns its temporary file, which goes when the object goes.
- * - \b Errors: nothing throws. When the text cannot be put into a file, that is warned of once at
+ * - **Threads:** one object, one thread. The name accessors may be called from any thread.
+ * - **Ownership:** the object owns its temporary file, which goes when the object goes.
+ * - **Errors:** nothing throws. When the text cannot be put into a file, that is warned of once at
  *   construction ("Can't open temporary file for version data!" or "Error on writing to temporary
  *   file for version data!"), again at each read, and every value is empty. An empty text counts
  *   as an error on writing.
- * - \b Units and formats: the INI dialect is that of IniFileManager without a codec.
+ * - **Units and formats:** the INI dialect is that of IniFileManager without a codec.
  *
  * \since 1.0
  */

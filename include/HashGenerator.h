@@ -19,11 +19,11 @@
  * \snippet HashGenerator.cpp digest
  *
  * \par Contract
- * - \b Threads: may be called from any thread.
- * - \b Ownership: nothing is kept.
- * - \b Errors: nothing throws; a file that cannot be opened is warned of and gives a null array.
+ * - **Threads:** may be called from any thread.
+ * - **Ownership:** nothing is kept.
+ * - **Errors:** nothing throws; a file that cannot be opened is warned of and gives a null array.
  *   One that breaks off while it is read gives the digest of what was read.
- * - \b Units and formats: a digest is raw bytes, not hexadecimal text. The file is read whole, in
+ * - **Units and formats:** a digest is raw bytes, not hexadecimal text. The file is read whole, in
  *   text mode: carriage returns do not count, so that a text has one digest whatever its line ends.
  *
  * \since 1.0

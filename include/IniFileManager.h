@@ -22,19 +22,19 @@
  * with the caller's default and one warning that names the file.
  *
  * \par Contract
- * - \b Threads: one object may be shared. Every call holds the object's recursive mutex, except
+ * - **Threads:** one object may be shared. Every call holds the object's recursive mutex, except
  *   getGroups(), sync() and getGeneralLogInfo(), which never wait for that mutex and may run beside
  *   every other call. Warnings are made while the mutex is held: a message handler may call back
  *   into the same object, but must not wait for another thread that uses it. Pending writes are
  *   also flushed by the event loop of the thread that made the object, which is safe beside all
- *   calls. cleanUp() and the list sm_CleanUpFunctions are not synchronised.
- * - \b Ownership: the object owns all that it uses; it cannot be copied.
- * - \b Errors: nothing throws. A missing file is a warning, and the object stays usable; each
+ *   calls. cleanUp() and the list sm_CleanUpFunctions are not synchronized.
+ * - **Ownership:** the object owns all that it uses; it cannot be copied.
+ * - **Errors:** nothing throws. A missing file is a warning, and the object stays usable; each
  *   function says what else it logs. Every warning but those of the constructor and of cleanUp()
  *   begins with getGeneralLogInfo().
- * - \b Units and formats: the INI dialect is that of QSettings::IniFormat: a value with an unquoted
- *   comma is a list, ';' starts a comment, keys and groups are case-sensitive. Managers and
- *   QSettings objects on the same path in one process share their unsynced writes.
+ * - **Units and formats:** the INI dialect is that of QSettings::IniFormat: a value with an
+ *   unquoted comma is a list, ';' starts a comment, keys and groups are case-sensitive. Managers
+ *   and QSettings objects on the same path in one process share their unsynced writes.
  *
  * \since 1.0
  */

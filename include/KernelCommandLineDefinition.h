@@ -11,10 +11,10 @@
  * \snippet KernelCommandLineParser.cpp definition
  *
  * \par Contract
- * - \b Threads: may be called from any thread.
- * - \b Ownership: the texts live as long as the library.
- * - \b Errors: none.
- * - \b Units and formats: see KernelCommandLineParser.
+ * - **Threads:** may be called from any thread.
+ * - **Ownership:** the texts live as long as the library.
+ * - **Errors:** none.
+ * - **Units and formats:** see KernelCommandLineParser.
  *
  * \since 1.0
  */

@@ -14,11 +14,11 @@
  * The file /proc/cmdline is read once, at construction, and cut at its blanks; quotes mean nothing.
  *
  * \par Contract
- * - \b Threads: after construction an object is only read, and may be shared.
- * - \b Ownership: answers are copies.
- * - \b Errors: nothing throws. "No kernelCommandLine file" and "Can't open kernelCommandLine file"
+ * - **Threads:** after construction an object is only read, and may be shared.
+ * - **Ownership:** answers are copies.
+ * - **Errors:** nothing throws. "No kernelCommandLine file" and "Can't open kernelCommandLine file"
  *   are warned of at construction; nothing is then contained.
- * - \b Units and formats: an argument is found by the beginning of its name: the key "orvalismode"
+ * - **Units and formats:** an argument is found by the beginning of its name: the key "orvalismode"
  *   also finds "orvalismodex=1". Of an argument that is given twice only the first counts. The line
  *   ends in a line feed, which belongs to its last word: the value of "mode" in a line that ends
  *   with "mode=x" is "x" and a line feed.

@@ -17,11 +17,11 @@
  * The application tells where; the answer is a signal within the same call.
  *
  * \par Contract
- * - \b Threads: all happens in the caller's thread, which a large medium keeps busy. The signal may
- *   be connected across threads: the type "QFileInfoList" is registered at construction.
- * - \b Ownership: the parent owns the watcher, as QObject has it.
- * - \b Errors: nothing throws and nothing is logged; a missing medium has no files.
- * - \b Units and formats: patterns are wildcards such as "*.mp3"; without one every name fits.
+ * - **Threads:** all happens in the caller's thread, which a large medium keeps busy. The signal
+ *   may be connected across threads: the type "QFileInfoList" is registered at construction.
+ * - **Ownership:** the parent owns the watcher, as QObject has it.
+ * - **Errors:** nothing throws and nothing is logged; a missing medium has no files.
+ * - **Units and formats:** patterns are wildcards such as "*.mp3"; without one every name fits.
  *
  * \since 1.0
  */

@@ -12,11 +12,11 @@
  * \snippet OrvalisVersionInfoIniManager.cpp info
  *
  * \par Contract
- * - \b Threads: one object may be shared; every call locks it.
- * - \b Ownership: the object owns its IniFileManager; it cannot be copied.
- * - \b Errors: nothing throws. A missing file is warned of at construction and is never created; a
+ * - **Threads:** one object may be shared; every call locks it.
+ * - **Ownership:** the object owns its IniFileManager; it cannot be copied.
+ * - **Errors:** nothing throws. A missing file is warned of at construction and is never created; a
  *   missing value is empty, with the warnings of IniFileManager::getValueString().
- * - \b Units and formats: values are given as they stand.
+ * - **Units and formats:** values are given as they stand.
  *
  * \since 1.0
  */

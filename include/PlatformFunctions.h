@@ -14,9 +14,9 @@
  * declarations of its own with the same signatures.
  *
  * \par Contract
- * - \b Threads: the library calls them from the thread that called the library.
- * - \b Ownership: arguments are borrowed for the call.
- * - \b Errors: the functions must not throw, and the library logs what is missing.
+ * - **Threads:** the library calls them from the thread that called the library.
+ * - **Ownership:** arguments are borrowed for the call.
+ * - **Errors:** the functions must not throw, and the library logs what is missing.
  *
  * \since 1.0
  */

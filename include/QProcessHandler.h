@@ -13,12 +13,12 @@
  * \snippet QProcessHandler.cpp run
  *
  * \par Contract
- * - \b Threads: one object, one thread; calls block for up to both time-outs together.
- * - \b Ownership: the object owns its process; destroying it kills a program that still runs.
- * - \b Errors: nothing throws. Time-outs and programs that cannot be started give -1 and one
+ * - **Threads:** one object, one thread; calls block for up to both time-outs together.
+ * - **Ownership:** the object owns its process; destroying it kills a program that still runs.
+ * - **Errors:** nothing throws. Time-outs and programs that cannot be started give -1 and one
  *   warning. No exit code is -1 on Linux: a program that leaves with -1 has the exit code 255.
- * - \b Units and formats: time-outs are in milliseconds. Output is decoded as UTF-8 up to its first
- *   zero byte. The program's standard input stays open and empty, unless a file is set.
+ * - **Units and formats:** time-outs are in milliseconds. Output is decoded as UTF-8 up to its
+ *   first zero byte. The program's standard input stays open and empty, unless a file is set.
  *
  * \since 1.0
  */

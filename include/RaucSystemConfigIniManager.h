@@ -12,11 +12,11 @@
  * \snippet RaucSystemConfigIniManager.cpp index
  *
  * \par Contract
- * - \b Threads: one object may be shared; every call locks it.
- * - \b Ownership: the object owns its IniFileManager; it cannot be copied.
- * - \b Errors: nothing throws. A missing file is warned of at construction and is never created; a
+ * - **Threads:** one object may be shared; every call locks it.
+ * - **Ownership:** the object owns its IniFileManager; it cannot be copied.
+ * - **Errors:** nothing throws. A missing file is warned of at construction and is never created; a
  *   missing or unreadable index is "0", with the warnings of IniFileManager::getValueInteger().
- * - \b Units and formats: the index is a decimal number as text.
+ * - **Units and formats:** the index is a decimal number as text.
  *
  * \since 1.0
  */

@@ -12,10 +12,10 @@
  * \snippet RecorderUrlHashHandling.cpp identifier
  *
  * \par Contract
- * - \b Threads: may be called from any thread.
- * - \b Ownership: nothing is kept.
- * - \b Errors: nothing throws and nothing is logged.
- * - \b Units and formats: a hash is the 16 raw bytes of an MD5 digest (RFC 1321). The text has the
+ * - **Threads:** may be called from any thread.
+ * - **Ownership:** nothing is kept.
+ * - **Errors:** nothing throws and nothing is logged.
+ * - **Units and formats:** a hash is the 16 raw bytes of an MD5 digest (RFC 1321). The text has the
  *   shape of RFC 4122, but not its version and variant bits.
  *
  * \since 1.0

@@ -14,12 +14,12 @@
  * \snippet RecursiveFileSearchWorkerThread.cpp search
  *
  * \par Contract
- * - \b Threads: the library starts none. run() works in the thread that calls it and emits there;
+ * - **Threads:** the library starts none. run() works in the thread that calls it and emits there;
  *   receivers in other threads get the signal through their event loop.
- * - \b Ownership: a thread pool deletes the task after it ran, unless setAutoDelete(false) was
+ * - **Ownership:** a thread pool deletes the task after it ran, unless setAutoDelete(false) was
  *   called; otherwise it is the caller's.
- * - \b Errors: nothing throws and nothing is logged; a missing folder has no entries.
- * - \b Units and formats: patterns are wildcards such as "*.csv"; without one every name fits.
+ * - **Errors:** nothing throws and nothing is logged; a missing folder has no entries.
+ * - **Units and formats:** patterns are wildcards such as "*.csv"; without one every name fits.
  *
  * \since 1.0
  */

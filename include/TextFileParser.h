@@ -13,15 +13,15 @@
  * \snippet TextFileParser.cpp match
  *
  * \par Contract
- * - \b Threads: one object, one thread.
- * - \b Ownership: the file is read whole at construction and closed again; what changes later is
+ * - **Threads:** one object, one thread.
+ * - **Ownership:** the file is read whole at construction and closed again; what changes later is
  *   not seen.
- * - \b Errors: nothing throws. Each error is a warning, sets hasError() and replaces
+ * - **Errors:** nothing throws. Each error is a warning, sets hasError() and replaces
  *   getLastError(); only clearLastError() takes that back. The object stays usable: without a file
  *   the text is empty.
- * - \b Units and formats: the text is decoded as UTF-8 up to its first zero byte, without carriage
+ * - **Units and formats:** the text is decoded as UTF-8 up to its first zero byte, without carriage
  *   returns. Expressions are those of QRegularExpression.
- * - \b Limits: the file is held in memory, as bytes while it is read and then as a QString; one of
+ * - **Limits:** the file is held in memory, as bytes while it is read and then as a QString; one of
  *   2 GiB or more counts as empty, as QIODevice::readAll() has it. The steps of a search are
  * limited for each position where a match may start, not for the text, so that a bad expression
  * over a long text may take minutes. One that begins with "(*LIMIT_MATCH=10000)" is given up

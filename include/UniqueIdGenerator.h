@@ -11,10 +11,10 @@
  * \snippet UniqueIdGenerator.cpp number
  *
  * \par Contract
- * - \b Threads: all calls may overlap; no two get the same number. No call waits for another.
- * - \b Ownership: the one instance lives as long as the process.
- * - \b Errors: none. Behind 2147483647 comes -2147483648; that is not checked.
- * - \b Units and formats: numbers begin anew with every process.
+ * - **Threads:** all calls may overlap; no two get the same number. No call waits for another.
+ * - **Ownership:** the one instance lives as long as the process.
+ * - **Errors:** none. Behind 2147483647 comes -2147483648; that is not checked.
+ * - **Units and formats:** numbers begin anew with every process.
  *
  * \since 1.0
  */

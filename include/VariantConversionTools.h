@@ -15,10 +15,10 @@
  * text can be made a bool whatever it says.
  *
  * \par Contract
- * - \b Threads: may be called from any thread.
- * - \b Ownership: nothing is kept.
- * - \b Errors: nothing throws; an impossible conversion is warned of and gives false.
- * - \b Units and formats: as QVariant::toBool() and QVariant::toString() convert.
+ * - **Threads:** may be called from any thread.
+ * - **Ownership:** nothing is kept.
+ * - **Errors:** nothing throws; an impossible conversion is warned of and gives false.
+ * - **Units and formats:** as QVariant::toBool() and QVariant::toString() convert.
  *
  * \since 1.0
  */

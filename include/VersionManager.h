@@ -15,12 +15,12 @@
  * minor, patch version, build number and git hash), which has four.
  *
  * \par Contract
- * - \b Threads: the getters only read, and several threads may call them on one object. The three
+ * - **Threads:** the getters only read, and several threads may call them on one object. The three
  *   initialize functions change the object and must not run beside any other call.
- * - \b Ownership: a value that may be copied; getters return copies.
- * - \b Errors: nothing throws. What a version does not hold is a null text; what is odd is a
+ * - **Ownership:** a value that may be copied; getters return copies.
+ * - **Errors:** nothing throws. What a version does not hold is a null text; what is odd is a
  *   warning.
- * - \b Units and formats: every part is text as it stands, leading zeros included.
+ * - **Units and formats:** every part is text as it stands, leading zeros included.
  *
  * \since 1.0
  */

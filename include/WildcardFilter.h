@@ -21,11 +21,11 @@
  * \snippet WildcardFilter.cpp filter
  *
  * \par Contract
- * - \b Threads: after construction a filter is only read, and may be shared.
- * - \b Ownership: a filter keeps what it needs of the patterns.
- * - \b Errors: nothing throws; an empty name is warned of.
- * - \b Units and formats: patterns as QRegExp::Wildcard has them; the whole name must fit.
- * - \b Limits: no pattern backtracks, but in a row of stars each costs more than the one before:
+ * - **Threads:** after construction a filter is only read, and may be shared.
+ * - **Ownership:** a filter keeps what it needs of the patterns.
+ * - **Errors:** nothing throws; an empty name is warned of.
+ * - **Units and formats:** patterns as QRegExp::Wildcard has them; the whole name must fit.
+ * - **Limits:** no pattern backtracks, but in a row of stars each costs more than the one before:
  *   254 of them take a good part of a second over the longest name, 1000 of them several.
  *
  * \since 1.0

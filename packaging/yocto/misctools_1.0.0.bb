@@ -1,5 +1,5 @@
 SUMMARY = "Utilities for the application software of an embedded Linux device"
-# The project comes without a licence text: whoever builds an image answers for it.
+# The project comes without a license text: whoever builds an image answers for it.
 LICENSE = "CLOSED"
 
 # The archive that script/package makes, beside this recipe in misctools-1.0.0/ or files/.
