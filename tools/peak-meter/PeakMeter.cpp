@@ -43,7 +43,7 @@ QString count(qint64 number, const QString& what)
                                          number == 1 ? QString() : QStringLiteral("s"));
 }
 
-// As much of a line as helps to recognise it.
+// As much of a line as helps to recognize it.
 QString beginningOf(const QByteArray& line)
 {
     constexpr int length = 40;
