@@ -1,0 +1,313 @@
+#!/usr/bin/env python3
+"""Runs the benchmark programs and makes tables, plots and the record of their results; see script/bench."""
+
+import argparse
+import concurrent.futures
+import os
+import pathlib
+import platform
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import typing
+
+RECORD = pathlib.Path('tests/benchmarks/counts.tsv')
+TARGETS = pathlib.Path('tests/benchmarks/targets.tsv')
+PAGE = pathlib.Path('docs/performance.md')
+BUILD = pathlib.Path('build/bench').absolute()
+ALLOWED_GROWTH = 1.02
+SUBJECT = 'MiscTools'
+# What is counted: an operation without a size, else the one with this size.
+COUNTED_SIZES = (0, 1000, 1024 * 1024)
+
+
+class Row(typing.NamedTuple):
+    """A row of a benchmark: an operation by one contender."""
+    program: str
+    function: str
+    contender: str
+    size: int
+    unit: str
+
+    @staticmethod
+    def parse(program, function, tag):
+        contender, size, unit = re.fullmatch(r'(.*?)(?:, (\d+) (\w+))?', tag).groups()
+        return Row(program, function, contender, int(size or 0), unit or '')
+
+    def argument(self):
+        """What selects the row when its program is run."""
+        size = f', {self.size} {self.unit}' if self.unit else ''
+        return f'{self.function}:{self.contender}{size}'
+
+    def operation(self):
+        if self.unit in ('', 'calls'):
+            return self.function
+        if self.unit != 'bytes':
+            return f'{self.function}, {self.size:,} {self.unit}'
+        size = f'{self.size >> 20} MiB' if self.size >= 1 << 20 else f'{self.size >> 10} KiB'
+        return f'{self.function}, {size}'
+
+    def calls(self):
+        return self.size if self.unit == 'calls' else 1
+
+
+def run(command, **options):
+    """The output of a program; the end of this one if it fails."""
+    result = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE,
+                            stderr=subprocess.STDOUT, text=True, check=False, **options)
+    if result.returncode != 0:
+        sys.exit(f'{result.stdout}\nscript/bench: exit code {result.returncode}: {command}')
+    return result.stdout
+
+
+def readable_time(nanoseconds):
+    factor, unit = next(each for each in ((1e9, 's'), (1e6, 'ms'), (1e3, 'µs'), (0, 'ns'))
+                        if nanoseconds >= each[0])
+    return f'{nanoseconds / (factor or 1):#.3g}'.rstrip('.') + f' {unit}'
+
+
+def readable_count(count):
+    return '–' if count is None else f'{count:,.1f}'.removesuffix('.0')
+
+
+def markdown(table):
+    """The first row is the head."""
+    rule = '|' + '---|' * len(table[0])
+    lines = ['| ' + ' | '.join(row) + ' |' for row in table]
+    return '\n'.join([lines[0], rule, *lines[1:]]) + '\n'
+
+
+def print_table(table):
+    widths = [max(map(len, column)) for column in zip(*table)]
+    for row in table:
+        print('  '.join(map(str.ljust, row, widths)).rstrip())
+
+
+def read_numbers(path):
+    """Lines of three names and a number."""
+    lines = [line.split('\t') for line in path.read_text(encoding='utf-8').splitlines() if line[0] != '#']
+    return {tuple(line[:3]): float(line[3]) for line in lines}
+
+
+def target_cells(value, target):
+    if target is None:
+        return ['', '']
+    # A clock cannot tell less.
+    tolerance = 1.03 if target == 1 else 1
+    return [f'≤ {target:,g}', 'yes' if value <= target * tolerance else '**no**']
+
+
+def measure_times(programs, is_quick, folder):
+    """Nanoseconds per call, by row."""
+    times = {}
+    for program in programs:
+        print(f'script/bench: {program}', flush=True)
+        run([BUILD / f'bin/tst_bench_{program}', '-median', '1' if is_quick else '5',
+             '-o', 'times.csv,csv', '-o', '-,txt'], cwd=folder, env={**os.environ, 'TMPDIR': str(folder)})
+        for function, tag, value in re.findall(r'^"(\w+)","(.*)","WalltimeMilliseconds",([^,]+)',
+                                               (folder / 'times.csv').read_text(), re.MULTILINE):
+            row = Row.parse(program, function, tag)
+            times[row] = float(value) * 1e6 / row.calls()
+    return times
+
+
+def times_table(times, targets):
+    """The two largest sizes of each operation, beside peers, and beside a smaller size with a target."""
+    table = [['class', 'operation', SUBJECT, 'peer', 'takes', 'ratio', 'target', 'met']]
+    subjects = {row: time for row, time in times.items() if row.contender == SUBJECT}
+    by_operation = {(row.program, row.operation()): time for row, time in subjects.items()}
+    for subject, time in subjects.items():
+        if subject.size not in sorted(row.size for row in subjects if row[:2] == subject[:2])[-2:]:
+            continue
+        name = (subject.program, subject.operation())
+        peers = {row.contender: value for row, value in times.items()
+                 if row._replace(contender=SUBJECT) == subject != row}
+        peers.update((peer, by_operation[subject.program, peer]) for *operation, peer in targets
+                     if tuple(operation) == name and (subject.program, peer) in by_operation)
+        for peer, value in peers.items():
+            ratio = time / value
+            table.append([*name, readable_time(time), peer, readable_time(value), f'{ratio:.2f}',
+                          *target_cells(ratio, targets.pop((*name, peer), None))])
+        if not peers:
+            table.append([*name, readable_time(time), '', '', '', '', ''])
+    return table
+
+
+def plot(times):
+    """Time against size, for each operation with three sizes or more."""
+    plots = {}
+    for row, time in times.items():
+        contenders = plots.setdefault((row.function, row.unit), {})
+        contenders.setdefault(row.contender, []).append(f'{row.size} {time}')
+    for (function, unit), contenders in plots.items():
+        if len(contenders[SUBJECT]) < 3:
+            continue
+        data = [f'$points{number} << end\n' + '\n'.join(points) + '\nend'
+                for number, points in enumerate(contenders.values())]
+        curves = [f'$points{number} with linespoints linewidth {1 if number else 3} title "{contender}"'
+                  for number, contender in enumerate(contenders)]
+        run(['gnuplot', 'tests/benchmarks/plot.gnuplot', '-'], input='\n'.join([
+            f'set output "docs/performance-{function}.svg"', f'set title "{function}" noenhanced',
+            f'set xlabel "{unit}"', *data, 'plot ' + ', '.join(curves)]) + '\n')
+
+
+class Counter:
+    """Counts with programs and a library whose paths have the same length everywhere."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        for file in [*BUILD.glob('bin/*bench*'), *BUILD.glob('lib/*.so*')]:
+            shutil.copy(file, folder, follow_symlinks=False)
+        # The seed of hash tables changes counts, and so does a function that is bound at its first call.
+        self.environment = {
+            'PATH': os.environ['PATH'], 'HOME': '/', 'LC_ALL': 'C.UTF-8', 'TMPDIR': str(folder),
+            'LD_LIBRARY_PATH': str(folder), 'LD_BIND_NOW': '1', 'QT_HASH_SEED': '0'}
+
+    def run(self, *command, folder=None, **changes):
+        return run(command, cwd=folder or self.folder, env={**self.environment, **changes})
+
+    def count(self, program):
+        """Counts per call, by program, operation and measure."""
+        if program == 'LibraryFile':
+            return self.count_library()
+        path = self.folder / f'tst_bench_{program}'
+        counts = {}
+        for function, tag in re.findall(r'^\w+ (\w+) (.*)$', self.run(path, '-datatags'), re.MULTILINE):
+            row = Row.parse(program, function, tag)
+            if row.contender == SUBJECT and row.size in COUNTED_SIZES:
+                name = (program, row.operation())
+                counts[(*name, 'instructions')] = self.instructions(path, row) / row.calls()
+                counts[(*name, 'system calls')] = self.system_calls(path, row) / row.calls()
+                if row.unit in ('bytes', 'files'):
+                    counts[(*name, 'peak heap, KiB')] = self.peak_heap(path, row)
+        return counts
+
+    def instructions(self, path, row):
+        # Qt Test lists the files beside its output, which changes its heap, and so what allocations take.
+        folder = self.folder / f'{row.program}-{row.function}'
+        folder.mkdir()
+        self.run(path, '-callgrind', '-o', 'count.csv,csv', '-o', '-,txt', row.argument(), folder=folder)
+        return float(re.search('"InstructionReads",([^,]+)', (folder / 'count.csv').read_text())[1])
+
+    def system_calls(self, path, row):
+        """But for those that manage memory."""
+        log = self.folder / f'{row.program}.strace'
+        lines = []
+        for iterations in (1, 2):
+            self.run('strace', '--trace=!%memory', '--signal=none', f'--output={log}', path,
+                     '-iterations', iterations, row.argument())
+            lines.append(log.read_bytes().count(b'\n'))
+        # Qt Test runs the function twice, the first time to warm up.
+        return (lines[1] - lines[0]) / 2
+
+    def peak_heap(self, path, row):
+        """Of the whole program, with one call."""
+        output = self.run('valgrind', '--tool=dhat', '--dhat-out-file=/dev/null', path, '-iterations', 1,
+                          row.argument())
+        return float(re.search(r'At t-gmax: ([\d,]+) bytes', output)[1].replace(',', '')) / 1024
+
+    def count_library(self):
+        """What the library adds to the start of a program, and the size of its file."""
+        instructions = []
+        for program in ('alone', 'with-library'):
+            output = self.folder / f'{program}.callgrind'
+            self.run('valgrind', '--tool=callgrind', f'--callgrind-out-file={output}',
+                     self.folder / f'bench-start-{program}', LD_BIND_NOW='')
+            instructions.append(float(re.search(r'\ntotals: (\d+)', output.read_text())[1]))
+        stripped = self.folder / 'stripped'
+        run(['strip', '-o', stripped, self.folder / 'libMiscTools.so.1'])
+        return {('LibraryFile', 'start of a program', 'instructions'): instructions[1] - instructions[0],
+                ('LibraryFile', 'stripped file', 'bytes'): float(stripped.stat().st_size)}
+
+
+def count(programs, folder):
+    """The counts of the programs, which run side by side: load changes no count."""
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        results = pool.map(Counter(folder).count, programs)
+        return {key: round(value, 1) for result in results for key, value in result.items()}
+
+
+def tools():
+    cache = (BUILD / 'CMakeCache.txt').read_text()
+    compiler = re.search(r'\nCMAKE_CXX_COMPILER:\w+=(.*)\n', cache)[1]
+    return ['compiler: ' + run([compiler, '--version']).splitlines()[0],
+            'Qt: ' + run(['pkg-config', '--modversion', 'Qt5Core']).strip()]
+
+
+def record(counts):
+    lines = ['# What operations take per call. Recorded by: script/bench --counts --record',
+             *(f'# {tool}' for tool in tools()),
+             *('\t'.join((*key, f'{value:.1f}'.removesuffix('.0'))) for key, value in counts.items())]
+    RECORD.write_text('\n'.join(lines) + '\n', encoding='utf-8')
+
+
+def compare(counts, programs):
+    """The number of counts that grew against the record or do not match it."""
+    recorded = {key: value for key, value in read_numbers(RECORD).items() if key[0] in programs}
+    table = [['class', 'operation', 'measure', 'recorded', 'now', 'change', '']]
+    failures = 0
+    for key in {**recorded, **counts}:
+        before, now = recorded.get(key), counts.get(key)
+        verdict = ''
+        if before is None or now is None:
+            verdict = 'NOT RECORDED' if before is None else 'NOT COUNTED'
+        elif now > before * ALLOWED_GROWTH:
+            verdict = 'GREW'
+        failures += bool(verdict)
+        change = f'{(now / before - 1) * 100:+.1f} %' if before and now is not None else ''
+        table.append([*key, readable_count(before), readable_count(now), change, verdict])
+    print_table(table)
+    if any(f'# {tool}\n' not in RECORD.read_text(encoding='utf-8') for tool in tools()):
+        print('The record was made with other tools, which changes counts; these are', tools())
+    print(f'script/bench: {len(counts)} counts; {failures} grew or do not match the record')
+    return failures
+
+
+def update_page(times, counts):
+    targets = read_numbers(TARGETS)
+    processor = re.search(r'model name\s*: (.*)|$', pathlib.Path('/proc/cpuinfo').read_text())[1]
+    machine = [f'processor: {processor} ({platform.machine()}), {os.cpu_count()} cores',
+               'system: ' + platform.freedesktop_os_release()['PRETTY_NAME'], *tools()]
+    parts = {
+        'machine': ''.join(f'- {line}\n' for line in machine),
+        'times': markdown(times_table(times, targets)),
+        'counts': markdown([['class', 'operation', 'measure', 'per call', 'target', 'met'], *(
+            [*key, readable_count(value), *target_cells(value, targets.pop(key, None))]
+            for key, value in counts.items())])}
+    if targets:
+        sys.exit(f'{TARGETS} has targets for what is not measured: {list(targets)}')
+    text = PAGE.read_text(encoding='utf-8')
+    for name, part in parts.items():
+        text = re.sub(f'(<!-- begin {name} -->\n).*(<!-- end {name} -->)',
+                      lambda match, part=part: match[1] + part + match[2], text, flags=re.DOTALL)
+    PAGE.write_text(text, encoding='utf-8')
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    for option in ('--quick', '--counts', '--record', '--update-docs'):
+        parser.add_argument(option, action='store_true')
+    parser.add_argument('names', nargs='+')
+    arguments = parser.parse_args()
+    # In memory, where possible: otherwise a disk would be measured.
+    memory = '/dev/shm' if os.access('/dev/shm', os.W_OK) else None
+    with tempfile.TemporaryDirectory(prefix='misctools-bench.', dir=memory) as folder:
+        folder = pathlib.Path(folder)
+        if arguments.counts:
+            counts = count(arguments.names, folder)
+            if arguments.record:
+                record(counts)
+            elif compare(counts, arguments.names) > 0:
+                sys.exit(1)
+            return
+        programs = [name for name in arguments.names if name != 'LibraryFile']
+        times = measure_times(programs, arguments.quick, folder)
+        print_table(times_table(times, read_numbers(TARGETS)))
+        if arguments.update_docs:
+            plot(times)
+            update_page(times, count(arguments.names, folder))
+
+
+main()
