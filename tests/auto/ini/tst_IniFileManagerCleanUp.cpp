@@ -136,6 +136,7 @@ private Q_SLOTS:
     void oneFreeDescriptorIsEnough();
     void fileBeyondAByteArrayStays();
 
+    void functionsRunInOrder_data();
     void functionsRunInOrder();
     void textIsWhatWasRead_data();
     void textIsWhatWasRead();
@@ -463,16 +464,42 @@ void tst_IniFileManagerCleanUp::fileBeyondAByteArrayStays()
     QCOMPARE(inodeOf(iniFile()), before);
 }
 
+void tst_IniFileManagerCleanUp::functionsRunInOrder_data()
+{
+    QTest::addColumn<CleanUpFunctions>("functions");
+    QTest::addColumn<QStringList>("seen");
+    QTest::addColumn<QByteArray>("cleaned");
+
+    QTest::newRow("functions of both")
+        << CleanUpFunctions{&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
+                            &appendA, &IniFileManager::cleanUpComments,       &seeOnly}
+        << QStringList{QStringLiteral("%23,"), QStringLiteral("%23 A"), QStringLiteral("%23 AB"),
+                       QStringLiteral("# ABA")}
+        << QByteArray("# ABA");
+    // As many as the library has, and none of its own.
+    QTest::newRow("two functions of the application")
+        << CleanUpFunctions{&appendA, &appendB} << words("%23, %23,A") << QByteArray("%23,AB");
+    QTest::newRow("the library's two, the other way round")
+        << CleanUpFunctions{&IniFileManager::cleanUpListSeperators, &seeOnly,
+                            &IniFileManager::cleanUpComments}
+        << QStringList(QStringLiteral("%23 ")) << QByteArray("# ");
+    QTest::newRow("one of the library's, twice")
+        << CleanUpFunctions{&IniFileManager::cleanUpComments, &IniFileManager::cleanUpComments}
+        << QStringList() << QByteArray("#,");
+}
+
 void tst_IniFileManagerCleanUp::functionsRunInOrder()
 {
+    QFETCH(CleanUpFunctions, functions);
+    QFETCH(QStringList, seen);
+    QFETCH(QByteArray, cleaned);
     writeIni("%23,");
-    const CleanUpFunctionsGuard guard({&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
-                                       &appendA, &IniFileManager::cleanUpComments, &seeOnly});
+    const CleanUpFunctionsGuard guard(functions);
     seenTexts.clear();
     IniFileManager::cleanUp(iniFile());
-    QCOMPARE(seenTexts, QStringList({QStringLiteral("%23,"), QStringLiteral("%23 A"),
-                                     QStringLiteral("%23 AB"), QStringLiteral("# ABA")}));
-    QCOMPARE(readFile(iniFile()), QByteArray("# ABA"));
+    QCOMPARE(seenTexts, seen);
+    QCOMPARE(readFile(iniFile()), cleaned);
+    QVERIFY(IniFileManager::sm_CleanUpFunctions == functions);
 }
 
 void tst_IniFileManagerCleanUp::textIsWhatWasRead_data()
@@ -525,6 +552,7 @@ void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped()
     const CleanUpFunctionsGuard guard(list);
     IniFileManager::cleanUp(iniFile());
     QCOMPARE(readFile(iniFile()), cleaned);
+    QVERIFY(IniFileManager::sm_CleanUpFunctions == list);
 }
 
 void tst_IniFileManagerCleanUp::noFunctions()
