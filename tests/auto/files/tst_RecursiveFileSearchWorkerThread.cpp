@@ -154,6 +154,7 @@ void tst_RecursiveFileSearchWorkerThread::everyRunAnswersAnew()
     QCOMPARE(finished.at(0).first().toStringList(), QStringList());
     QCOMPARE(finished.at(1).first().toStringList(), words("a.csv"));
     QCOMPARE(finished.at(2).first().toStringList(), words("a.csv"));
+    QVERIFY(worker.autoDelete());
 }
 
 void tst_RecursiveFileSearchWorkerThread::argumentsAreCopied()

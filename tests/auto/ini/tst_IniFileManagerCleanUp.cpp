@@ -133,6 +133,7 @@ private Q_SLOTS:
     void failedReplacementIsSilent();
 
     void fileThatIsReadInPartStays();
+    void emptyFileThatCannotBeReadStays();
     void oneFreeDescriptorIsEnough();
     void fileBeyondAByteArrayStays();
 
@@ -450,6 +451,17 @@ void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
                                 .arg(path(QStringLiteral("missing")))
                                 .toLocal8Bit());
     QCOMPARE(readFile(iniFile()), QByteArray("a=# \n"));
+}
+
+// One of size 0 as well: it may have content all the same, as those of the kernel do.
+void tst_IniFileManagerCleanUp::emptyFileThatCannotBeReadStays()
+{
+    writeIni("");
+    const ino64_t before = inodeOf(iniFile());
+    readsBeforeFailure = 0;
+    IniFileManager::cleanUp(iniFile());
+    readsBeforeFailure = -1;
+    QCOMPARE(inodeOf(iniFile()), before);
 }
 
 // Qt reads nothing of such a file, and no text is no reason to empty it.
