@@ -1,5 +1,7 @@
+#include "ChildProcess.h"
 #include "MediaWatcher.h"
 #include "TestCase.h"
+#include "Threads.h"
 
 #include <QtCore/QDirIterator>
 #include <QtCore/QMetaMethod>
@@ -65,6 +67,7 @@ class tst_MediaWatcher : public TestCase
 
 private Q_SLOTS:
     void initTestCase();
+    void listTypeIsRegisteredInManyThreads(); // first: later functions register the type
     void metaObject();
     void methods();
     void listTypeIsRegistered();
@@ -118,6 +121,22 @@ QStringList tst_MediaWatcher::inFolder(const QStringList& names)
 void tst_MediaWatcher::initTestCase()
 {
     m_typeBeforeAnyWatcher = QMetaType::type(listTypeName);
+}
+
+// Qt warns where two threads register a list at the same time.
+void tst_MediaWatcher::listTypeIsRegisteredInManyThreads()
+{
+    // Children, so that each sees the first use.
+    for (int i = 0; i < 50; ++i) {
+        const ChildResult result = ChildProcess::run([] {
+            callInManyThreads([](int) { const MediaWatcher watcher(nullptr); });
+            return QMetaType::type(listTypeName) >= QMetaType::User ? 0 : 1;
+        });
+        QVERIFY(result.exited);
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.output, QByteArray());
+    }
+    QCOMPARE(QMetaType::type(listTypeName), int(QMetaType::UnknownType));
 }
 
 void tst_MediaWatcher::metaObject()
