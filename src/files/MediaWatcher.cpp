@@ -4,7 +4,9 @@
 
 MediaWatcher::MediaWatcher(QObject* parent) : QObject(parent), m_recursive(false)
 {
-    qRegisterMetaType<QList<QFileInfo>>("QFileInfoList");
+    // Once: Qt warns where two threads register a list at the same time.
+    static const int type = qRegisterMetaType<QList<QFileInfo>>("QFileInfoList");
+    Q_UNUSED(type)
 }
 
 MediaWatcher::~MediaWatcher() = default;

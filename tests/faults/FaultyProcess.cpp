@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/seccomp.h>
 #include <poll.h>
@@ -33,7 +34,40 @@ struct Shared
 {
     std::atomic<bool> isArmed; // between the beginning and the end of the function
     std::atomic<int> descriptorsLeft;
+    std::atomic<int> transfers;
 };
+
+// In the child: what its reads and writes go by.
+Shared* sharedOfChild = nullptr;
+int shortTransfer = -1;
+
+size_t sizeOfTransfer(size_t size)
+{
+    if (sharedOfChild == nullptr || !sharedOfChild->isArmed) {
+        return size;
+    }
+    return sharedOfChild->transfers++ == shortTransfer ? (size + 1) / 2 : size;
+}
+
+} // namespace
+
+// These take precedence over the system's. The kernel can be asked to fail a call, but not to do
+// less of it.
+extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
+{
+    using Function = ssize_t (*)(int, void*, size_t);
+    static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "read"));
+    return next(descriptor, buffer, sizeOfTransfer(size));
+}
+
+extern "C" Q_DECL_EXPORT ssize_t write(int descriptor, const void* buffer, size_t size)
+{
+    using Function = ssize_t (*)(int, const void*, size_t);
+    static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "write"));
+    return next(descriptor, buffer, sizeOfTransfer(size));
+}
+
+namespace {
 
 int openDescriptors()
 {
@@ -93,9 +127,11 @@ int receiveDescriptor(int socket)
     return descriptor;
 }
 
-[[noreturn]] void runInChild(const std::function<QByteArray()>& function, int socket,
-                             Shared& shared)
+[[noreturn]] void runInChild(const Fault& fault, const std::function<QByteArray()>& function,
+                             int socket, Shared& shared)
 {
+    sharedOfChild = &shared;
+    shortTransfer = fault.kind == Fault::Short ? fault.call : -1;
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     setpgid(0, 0);
     const int listener = SystemCalls::watch();
@@ -182,6 +218,13 @@ private:
         return !isOwn;
     }
 
+    // Linux has closed a file before it could be interrupted, and does not say so.
+    bool isWatchedFor(const QByteArray& name) const
+    {
+        return m_fault.kind != Fault::None && m_fault.kind != Fault::Short &&
+               !(m_fault.error == EINTR && name == "close");
+    }
+
     // The error that the call is to fail with; 0 for none.
     int decide(pid_t process, int number)
     {
@@ -191,7 +234,7 @@ private:
         }
         const QByteArray name = SystemCalls::nameOf(number);
         QVector<QByteArray>& calls = isAtStart ? m_run.callsAtStart : m_run.calls;
-        const bool isTheCall = m_fault.kind != Fault::None && isAtStart == m_fault.isAtStart &&
+        const bool isTheCall = isWatchedFor(name) && isAtStart == m_fault.isAtStart &&
                                (calls.size() == m_fault.call || (m_fault.kind == Fault::Lasting &&
                                                                  m_run.failedCalls.contains(name)));
         calls.append(name);
@@ -278,6 +321,7 @@ FaultyRun FaultyProcess::run(const Fault& fault, const std::function<QByteArray(
     Shared& shared = sharedMemory();
     shared.isArmed = false;
     shared.descriptorsLeft = 0;
+    shared.transfers = 0;
     ChildProcess::letOtherThreadsSleep();
     fflush(nullptr);
     const pid_t process = fork();
@@ -286,7 +330,7 @@ FaultyRun FaultyProcess::run(const Fault& fault, const std::function<QByteArray(
     }
     if (process == 0) {
         close(sockets[0]);
-        runInChild(function, sockets[1], shared);
+        runInChild(fault, function, sockets[1], shared);
     }
     close(sockets[1]);
 
@@ -296,6 +340,7 @@ FaultyRun FaultyProcess::run(const Fault& fault, const std::function<QByteArray(
         Supervisor supervisor(fault, process, shared, run);
         supervise(supervisor, listener, sockets[0], process, run);
         run.descriptorsLeft = shared.descriptorsLeft - supervisor.failedCloses();
+        run.transfers = shared.transfers;
         close(listener);
     }
     close(sockets[0]);

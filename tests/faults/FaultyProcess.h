@@ -14,11 +14,12 @@ struct Fault
         None,
         Once,    // the call fails with the error
         Lasting, // the call, and from then on every one of its name
-        Kill     // the process ends instead of the call
+        Kill,    // the process ends instead of the call
+        Short    // the call, which reads or writes, does so with half of what it is asked for
     };
 
     Kind kind = None;
-    int call = 0;           // counted from 0
+    int call = 0;           // counted from 0; Short counts what reads and writes, and nothing else
     bool isAtStart = false; // among the calls between the start of a program and its first own
     int error = 0;
 };
@@ -36,6 +37,7 @@ struct FaultyRun
     QVector<QByteArray> calls;        // their names, in order
     QVector<QByteArray> callsAtStart; // of started programs, before the program's own
     QVector<QByteArray> failedCalls;
+    int transfers = 0; // how often it has read or written
 };
 
 /*

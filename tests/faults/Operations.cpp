@@ -1,11 +1,13 @@
 #include "Operations.h"
 
 #include "BootInformationHelper.h"
+#include "DeviceRoot.h"
 #include "EepromImage.h"
 #include "HardwareInfo.h"
 #include "HardwareInfoReader.h"
 #include "HashGenerator.h"
 #include "IniFileManager.h"
+#include "KernelCommandLineParser.h"
 #include "MessageRecorder.h"
 #include "QProcessHandler.h"
 #include "TextFileParser.h"
@@ -338,6 +340,26 @@ QString problemOfMatch(const QString& folder, const Outcome& outcome)
                        "an unknown error")});
 }
 
+// Command line
+
+QStringList useCommandLine(const QString&)
+{
+    return {KernelCommandLineParser().getValue(QStringLiteral("orvalismode"))};
+}
+
+QString problemOfCommandLine(const QString&, const Outcome& outcome)
+{
+    const QString value = outcome.results.value(0);
+    const bool isRight = value == QStringLiteral("factoryreset");
+    // A file that cannot be read is an empty one, without a message.
+    const int messages = isRight || outcome.hasFailed("read") ? 0 : 1;
+    return firstProblem(
+        {problemUnless(isRight || (value.isEmpty() && outcome.hasFault()), "the value is wrong"),
+         problemUnless(outcome.messages.size() == messages, "not the right number of messages"),
+         problemOfMessages(outcome, QStringLiteral("KernelCommandLineParser: "
+                                                   "(No|Can't open) kernelCommandLine file"))});
+}
+
 // Markers
 
 const QString firmwareUpdateMarker = QStringLiteral("/orvalis/etc/orvalis-first-boot");
@@ -472,7 +494,7 @@ QVector<Operation> Operations::writing()
                 }}};
 }
 
-QVector<Operation> Operations::all()
+QVector<Operation> Operations::transferring()
 {
     return writing() +
            QVector<Operation>{
@@ -484,6 +506,20 @@ QVector<Operation> Operations::all()
                     writeFile(dataPath(folder), "a=1\nb=2\n" + hashedData + "\nc=3\n");
                 },
                 &useMatch, &problemOfMatch},
+               {"command line",
+                [](const QString&) {
+                    DeviceRoot::setCommandLine("quiet " + QByteArray(5000, 'a') +
+                                               " orvalismode=factoryreset console=ttyS0\n");
+                },
+                &useCommandLine, &problemOfCommandLine},
+               {"program", [](const QString&) {}, &useProgram, &problemOfProgram},
+           };
+}
+
+QVector<Operation> Operations::all()
+{
+    return transferring() +
+           QVector<Operation>{
                {"firmware update marker",
                 [](const QString&) { writeFile(firmwareUpdateMarker, "1"); },
                 [](const QString&) {
@@ -510,7 +546,6 @@ QVector<Operation> Operations::all()
                                            true);
                 }},
                {"search", &prepareSearch, &useSearch, &problemOfSearch},
-               {"program", [](const QString&) {}, &useProgram, &problemOfProgram},
            };
 }
 

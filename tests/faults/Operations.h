@@ -44,6 +44,9 @@ Operation programTwice();
 // These and others that write a file, which is then the old one or the new one.
 QVector<Operation> writing();
 
+// These and others that read or write.
+QVector<Operation> transferring();
+
 // These and all others.
 QVector<Operation> all();
 

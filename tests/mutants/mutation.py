@@ -1,4 +1,5 @@
-"""The library with one line changed: compiled and linked by itself, for tests of another build."""
+"""The library with one line changed: which changes there are, how one is compiled and linked by itself, and
+how a test of another build is run with it."""
 
 import os
 import pathlib
@@ -9,6 +10,7 @@ import signal
 import subprocess
 
 LIBRARY = "lib/libMiscTools.so.1.0.0"
+PASSED, FAILED, TIMED_OUT = "passed", "failed", "timed out"
 
 
 class Mutant:
@@ -20,6 +22,57 @@ class Mutant:
 
     def key(self):
         return f"{self.path}: {self.line.strip()} -> {self.changed.strip() or '(left out)'}"
+
+
+# What is replaced by what: each place where an expression fits is a mutant.
+REPLACEMENTS = [
+    (r" == ", " != "),
+    (r" != ", " == "),
+    (r" < ", " <= "),
+    (r" > ", " >= "),
+    (r" <= ", " < "),
+    (r" >= ", " > "),
+    (r" && ", " || "),
+    (r" \|\| ", " && "),
+    (r" \+ ", " - "),
+    (r" - ", " + "),
+    (r" \+= ", " = "),
+    (r"\+\+", "--"),
+    (r"\btrue\b", "false"),
+    (r"\bfalse\b", "true"),
+    (r"\bcontinue;", "break;"),
+    (r"\bbreak;", "continue;"),
+    (r"\b0\b", "1"),
+    (r"\b1\b", "2"),
+    (r"\bif \((?=[^!])", "if (!"),
+    (r"(?<=[( ])!(?=\w)", ""),
+]
+# A statement that stands on a line of its own is left out: a call, an assignment.
+STATEMENT = re.compile(r"^ +(?!return|using|const |static |QString |case |default|delete )[\w.>()*:-]+"
+                       r"(\(.*\)| [+&|]?= .*);$")
+
+
+def code_of(line):
+    """The line with its texts and comments blanked out, so that places stay."""
+    blank = lambda match: " " * len(match.group())
+    return re.sub(r"//.*|\"(\\.|[^\"\\])*\"|'(\\.|[^'\\])+'", blank, line)
+
+
+def mutants_of(path):
+    in_comment = False
+    for number, line in enumerate(path.read_text().split("\n"), 1):
+        code = code_of(line)
+        if code.lstrip().startswith("/*"):
+            in_comment = True
+        if in_comment or code.startswith("#") or "#include" in code:
+            in_comment = in_comment and "*/" not in code
+            continue
+        for expression, replacement in REPLACEMENTS:
+            for place in re.finditer(expression, code):
+                yield Mutant(path, number, line,
+                             line[:place.start()] + replacement + line[place.end():])
+        if STATEMENT.match(code):
+            yield Mutant(path, number, line, "")
 
 
 class Compiler:
@@ -61,7 +114,7 @@ class Compiler:
 
 
 def run_quietly(command, folder, environment, timeout_in_s, memory_in_bytes=resource.RLIM_INFINITY):
-    """Whether the command ends well, and in time."""
+    """How the command ends: with PASSED, FAILED or TIMED_OUT."""
     def limits():
         resource.setrlimit(resource.RLIMIT_AS, (memory_in_bytes, memory_in_bytes))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
@@ -70,8 +123,8 @@ def run_quietly(command, folder, environment, timeout_in_s, memory_in_bytes=reso
                                start_new_session=True, stdin=subprocess.DEVNULL,
                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     try:
-        return process.wait(timeout_in_s) == 0
+        return PASSED if process.wait(timeout_in_s) == 0 else FAILED
     except subprocess.TimeoutExpired:
         os.killpg(process.pid, signal.SIGKILL) # the session that was begun here
         process.wait()
-        return False
+        return TIMED_OUT

@@ -296,6 +296,7 @@ void tst_BootInformationHelper::deleteFirmwareUpdateMarker()
     QFETCH(bool, isGone);
 
     put(firmwareMarker, marker);
+    put(rebootMarker, Marker::File);
     if (!warning.isNull()) {
         messages()
             .expectWarning("BootInformationHelper", warning)
@@ -303,6 +304,7 @@ void tst_BootInformationHelper::deleteFirmwareUpdateMarker()
     }
     BootInformationHelper().deleteFirmwareUpdateMarker();
     QCOMPARE(isSomethingAt(firmwareMarker), !isGone);
+    QVERIFY(QFile::exists(rebootMarker));
 }
 
 void tst_BootInformationHelper::deleteOrvalisRebootMarker_data()
@@ -328,6 +330,7 @@ void tst_BootInformationHelper::deleteOrvalisRebootMarker()
     QFETCH(bool, isGone);
 
     put(rebootMarker, marker);
+    put(firmwareMarker, Marker::File);
     if (!warning.isNull()) {
         messages()
             .expectWarning("BootInformationHelper", warning)
@@ -335,6 +338,7 @@ void tst_BootInformationHelper::deleteOrvalisRebootMarker()
     }
     BootInformationHelper().deleteOrvalisRebootMarker();
     QCOMPARE(isSomethingAt(rebootMarker), !isGone);
+    QVERIFY(QFile::exists(firmwareMarker));
 }
 
 void tst_BootInformationHelper::markersThatAreInUse()

@@ -178,7 +178,7 @@ void tst_ErrorContainer::freshContainer()
 {
     const ErrorContainer error;
     QCOMPARE(error.getErrorCode(), 0);
-    QCOMPARE(error.getErrorMessage(), QString());
+    QVERIFY(error.getErrorMessage().isNull());
     QVERIFY(!error.isError());
 }
 
@@ -223,7 +223,7 @@ void tst_ErrorContainer::codeAloneClearsMessage()
         error.setError(-99, QStringLiteral("earlier"));
         error.setError(code);
         QCOMPARE(error.getErrorCode(), code);
-        QCOMPARE(error.getErrorMessage(), QString());
+        QVERIFY(error.getErrorMessage().isNull());
         QCOMPARE(error.isError(), code != 0);
     }
 }
@@ -231,12 +231,15 @@ void tst_ErrorContainer::codeAloneClearsMessage()
 void tst_ErrorContainer::messageAloneSetsDefaultCode()
 {
     ErrorContainer error;
-    for (const QString& message : {QStringLiteral("x"), QString()}) {
-        error.setError(0, QStringLiteral("earlier"));
-        error.setError(message);
-        QCOMPARE(error.getErrorCode(), -1);
-        QCOMPARE(error.getErrorMessage(), message);
-        QVERIFY(error.isError());
+    for (const int earlier : {0, -2, 7}) {
+        for (const QString& message : {QStringLiteral("x"), QStringLiteral(""), QString()}) {
+            error.setError(earlier, QStringLiteral("earlier"));
+            error.setError(message);
+            QCOMPARE(error.getErrorCode(), -1);
+            QCOMPARE(error.getErrorMessage(), message);
+            QCOMPARE(error.getErrorMessage().isNull(), message.isNull());
+            QVERIFY(error.isError());
+        }
     }
 }
 

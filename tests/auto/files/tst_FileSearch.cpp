@@ -281,6 +281,7 @@ private Q_SLOTS:
     void largeTreeAsIterated();
     void randomTreesAsIterated();
     void deepTreesNeedLittleStack();
+    void longPathsAreSearched();
     void destructorsMaySearchAtExit();
     void otherEncodings_data();
     void otherEncodings();
@@ -511,6 +512,29 @@ void tst_FileSearch::deepTreesNeedLittleStack()
     QVERIFY(pool.waitForDone());
     // Each directory is listed, and in each one, as in the first, "." and "..".
     QCOMPARE(found.size(), levels + 2 * (levels + 1));
+}
+
+// As long as the system takes them, which is 4,095 bytes.
+void tst_FileSearch::longPathsAreSearched()
+{
+    const QString level = QLatin1Char('/') + QString(200, QLatin1Char('d'));
+    QString directory = folder();
+    QStringList expected;
+    while (directory.size() + level.size() + 2 < 4096) {
+        directory += level;
+        QVERIFY(QDir().mkpath(directory));
+        QFile file(directory + QStringLiteral("/f"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        expected.append(file.fileName());
+    }
+    QVERIFY(expected.constLast().size() > 3800);
+    const QStringList patterns(QStringLiteral("f"));
+    QCOMPARE(sorted(searched(folder(), patterns)), sorted(expected));
+    QCOMPARE(sorted(searchedRelatively(folder(), patterns)),
+             sorted(relativeTo(folder(), expected)));
+    // And from there.
+    QCOMPARE(searched(directory, patterns), QStringList(expected.constLast()));
+    QCOMPARE(searchedRelatively(directory, patterns), patterns);
 }
 
 // The program's destructor searches after Qt's own globals are gone.

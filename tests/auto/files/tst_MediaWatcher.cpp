@@ -1,5 +1,7 @@
+#include "ChildProcess.h"
 #include "MediaWatcher.h"
 #include "TestCase.h"
+#include "Threads.h"
 
 #include <QtCore/QDirIterator>
 #include <QtCore/QMetaMethod>
@@ -65,6 +67,7 @@ class tst_MediaWatcher : public TestCase
 
 private Q_SLOTS:
     void initTestCase();
+    void listTypeIsRegisteredInManyThreads(); // first: later functions register the type
     void metaObject();
     void methods();
     void listTypeIsRegistered();
@@ -76,6 +79,8 @@ private Q_SLOTS:
     void wholeMediumIsInFileSystemOrder();
     void filesAreFound_data();
     void filesAreFound();
+    void mountPathIsUsedAsGiven_data();
+    void mountPathIsUsedAsGiven();
     void emptyMediumHasItsDots_data();
     void emptyMediumHasItsDots();
     void nothingFoundIsNoSignal_data();
@@ -116,6 +121,22 @@ QStringList tst_MediaWatcher::inFolder(const QStringList& names)
 void tst_MediaWatcher::initTestCase()
 {
     m_typeBeforeAnyWatcher = QMetaType::type(listTypeName);
+}
+
+// Qt warns where two threads register a list at the same time.
+void tst_MediaWatcher::listTypeIsRegisteredInManyThreads()
+{
+    // Children, so that each sees the first use.
+    for (int i = 0; i < 50; ++i) {
+        const ChildResult result = ChildProcess::run([] {
+            callInManyThreads([](int) { const MediaWatcher watcher(nullptr); });
+            return QMetaType::type(listTypeName) >= QMetaType::User ? 0 : 1;
+        });
+        QVERIFY(result.exited);
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.output, QByteArray());
+    }
+    QCOMPARE(QMetaType::type(listTypeName), int(QMetaType::UnknownType));
 }
 
 void tst_MediaWatcher::metaObject()
@@ -334,6 +355,53 @@ void tst_MediaWatcher::filesAreFound()
     }
     QCOMPARE(found, ofWholeMedium.isEmpty() ? QVector<QStringList>()
                                             : QVector<QStringList>({inFolder(ofWholeMedium)}));
+}
+
+void tst_MediaWatcher::mountPathIsUsedAsGiven_data()
+{
+    QTest::addColumn<QString>("mountPath"); // below the row's folder
+    QTest::addColumn<bool>("recursive");
+    QTest::addColumn<QString>("found"); // as text, as the path is not to be cleaned
+    for (const bool recursive : {false, true}) {
+        const char* const mode = recursive ? "recursive" : "top folder";
+        QTest::addRow("%s, double slash", mode)
+            << QStringLiteral("/Music//live") << recursive << QStringLiteral("/Music//live/d.mp3");
+        QTest::addRow("%s, dotted", mode) << QStringLiteral("/empty/.././Music/live") << recursive
+                                          << QStringLiteral("/empty/.././Music/live/d.mp3");
+        // Not the folder that the link is in, but the one above that which it leads to.
+        QTest::addRow("%s, link and back", mode)
+            << QStringLiteral("/link/..") << recursive
+            << (recursive ? QStringLiteral("/link/../live/d.mp3") : QString());
+    }
+}
+
+void tst_MediaWatcher::mountPathIsUsedAsGiven()
+{
+    QFETCH(QString, mountPath);
+    QFETCH(bool, recursive);
+    QFETCH(QString, found);
+    addMedium();
+    QVERIFY(QFile::link(QStringLiteral("Music/live"), path(QStringLiteral("link"))));
+
+    MediaWatcher watcher(nullptr);
+    watcher.setRecursive(recursive);
+    watcher.setFileMatchPatternList({QStringLiteral("[dc]*.mp3")});
+    Findings findings(watcher);
+    watcher.mediumMounted(folder() + mountPath);
+    QStringList paths;
+    const QVector<QStringList> taken = findings.take();
+    for (const QStringList& names : taken) {
+        paths += names;
+    }
+    paths.sort();
+    QStringList expected;
+    if (mountPath == QStringLiteral("/link/..")) {
+        expected.append(folder() + QStringLiteral("/link/../C.mp3"));
+    }
+    if (!found.isEmpty()) {
+        expected.append(folder() + found);
+    }
+    QCOMPARE(paths, expected);
 }
 
 void tst_MediaWatcher::emptyMediumHasItsDots_data()

@@ -55,6 +55,7 @@ void tst_RecursiveFileSearchWorkerThread::addTree()
 {
     QVERIFY(QDir(folder()).mkpath(QStringLiteral("sub/deeper.csv")));
     QVERIFY(QDir(folder()).mkpath(QStringLiteral("empty")));
+    QVERIFY(QFile::link(QStringLiteral("sub/deeper.csv"), path(QStringLiteral("link"))));
     for (const char* name :
          {"b.csv", "A.CSV", "c.txt", ".hidden.csv", "sub/d.csv", "sub/deeper.csv/e.csv"}) {
         writeFile(QString::fromLatin1(name), "");
@@ -101,6 +102,9 @@ void tst_RecursiveFileSearchWorkerThread::directRunFinds_data()
                                 << words(". . ../ d.csv deeper.csv deeper.csv deeper.csv/e.csv");
     QTest::newRow("trailing slash")
         << QStringLiteral("sub/") << words("d*") << words("d.csv deeper.csv");
+    // Not the folder that the link is in, but the one above that which it leads to.
+    QTest::newRow("link and back") << QStringLiteral("link/..") << words("[de]*")
+                                   << words("d.csv deeper.csv deeper.csv/e.csv");
     QTest::newRow("nothing fits") << QString() << words("*.ogg") << QStringList();
     QTest::newRow("empty folder") << QStringLiteral("empty") << words("*.csv") << QStringList();
     QTest::newRow("missing folder") << QStringLiteral("missing") << QStringList() << QStringList();
@@ -150,6 +154,7 @@ void tst_RecursiveFileSearchWorkerThread::everyRunAnswersAnew()
     QCOMPARE(finished.at(0).first().toStringList(), QStringList());
     QCOMPARE(finished.at(1).first().toStringList(), words("a.csv"));
     QCOMPARE(finished.at(2).first().toStringList(), words("a.csv"));
+    QVERIFY(worker.autoDelete());
 }
 
 void tst_RecursiveFileSearchWorkerThread::argumentsAreCopied()

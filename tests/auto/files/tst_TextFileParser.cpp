@@ -889,7 +889,13 @@ void tst_TextFileParser::setErrorWarns()
 
     TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray()));
     messages().expectWarning("TextFileParser", warning).function(signature);
+    // A message handler that asks gets the error that it is told of.
+    QStringList errorsInHandler;
+    messages().setObserver([&parser, &errorsInHandler](const Message&) {
+        errorsInHandler.append(parser.hasError() ? parser.getLastError() : QStringLiteral("none"));
+    });
     parser.setError(text);
+    QCOMPARE(difference(errorsInHandler, {text}), QString());
     QVERIFY(parser.hasError());
     QCOMPARE(difference({parser.getLastError()}, {text}), QString());
 }

@@ -1,10 +1,10 @@
 #include "TestCase.h"
+#include "Threads.h"
 #include "UniqueIdGenerator.h"
 
 #include <QtCore/QProcess>
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <thread>
 #include <type_traits>
@@ -20,31 +20,9 @@ static_assert(std::is_same<decltype(UniqueIdGenerator::getInstance()), UniqueIdG
 
 namespace {
 
-constexpr int threadCount = 8;
-
 int nextId(UniqueIdGenerator& generator)
 {
     return generator.getId().loadRelaxed();
-}
-
-// Calls the function in threadCount threads, with the thread's number.
-void callInManyThreads(const std::function<void(int)>& function)
-{
-    std::vector<std::thread> threads;
-    QAtomicInt waiting(threadCount);
-    for (int number = 0; number < threadCount; ++number) {
-        threads.emplace_back([&function, &waiting, number] {
-            // All begin together, so that the calls overlap.
-            waiting.fetchAndSubOrdered(1);
-            while (waiting.loadAcquire() > 0) {
-                std::this_thread::yield();
-            }
-            function(number);
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
 }
 
 // What threadCount threads get from the generator, sorted.

@@ -133,9 +133,11 @@ private Q_SLOTS:
     void failedReplacementIsSilent();
 
     void fileThatIsReadInPartStays();
+    void emptyFileThatCannotBeReadStays();
     void oneFreeDescriptorIsEnough();
     void fileBeyondAByteArrayStays();
 
+    void functionsRunInOrder_data();
     void functionsRunInOrder();
     void textIsWhatWasRead_data();
     void textIsWhatWasRead();
@@ -451,6 +453,17 @@ void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
     QCOMPARE(readFile(iniFile()), QByteArray("a=# \n"));
 }
 
+// One of size 0 as well: it may have content all the same, as those of the kernel do.
+void tst_IniFileManagerCleanUp::emptyFileThatCannotBeReadStays()
+{
+    writeIni("");
+    const ino64_t before = inodeOf(iniFile());
+    readsBeforeFailure = 0;
+    IniFileManager::cleanUp(iniFile());
+    readsBeforeFailure = -1;
+    QCOMPARE(inodeOf(iniFile()), before);
+}
+
 // Qt reads nothing of such a file, and no text is no reason to empty it.
 void tst_IniFileManagerCleanUp::fileBeyondAByteArrayStays()
 {
@@ -463,16 +476,42 @@ void tst_IniFileManagerCleanUp::fileBeyondAByteArrayStays()
     QCOMPARE(inodeOf(iniFile()), before);
 }
 
+void tst_IniFileManagerCleanUp::functionsRunInOrder_data()
+{
+    QTest::addColumn<CleanUpFunctions>("functions");
+    QTest::addColumn<QStringList>("seen");
+    QTest::addColumn<QByteArray>("cleaned");
+
+    QTest::newRow("functions of both")
+        << CleanUpFunctions{&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
+                            &appendA, &IniFileManager::cleanUpComments,       &seeOnly}
+        << QStringList{QStringLiteral("%23,"), QStringLiteral("%23 A"), QStringLiteral("%23 AB"),
+                       QStringLiteral("# ABA")}
+        << QByteArray("# ABA");
+    // As many as the library has, and none of its own.
+    QTest::newRow("two functions of the application")
+        << CleanUpFunctions{&appendA, &appendB} << words("%23, %23,A") << QByteArray("%23,AB");
+    QTest::newRow("the library's two, the other way round")
+        << CleanUpFunctions{&IniFileManager::cleanUpListSeperators, &seeOnly,
+                            &IniFileManager::cleanUpComments}
+        << QStringList(QStringLiteral("%23 ")) << QByteArray("# ");
+    QTest::newRow("one of the library's, twice")
+        << CleanUpFunctions{&IniFileManager::cleanUpComments, &IniFileManager::cleanUpComments}
+        << QStringList() << QByteArray("#,");
+}
+
 void tst_IniFileManagerCleanUp::functionsRunInOrder()
 {
+    QFETCH(CleanUpFunctions, functions);
+    QFETCH(QStringList, seen);
+    QFETCH(QByteArray, cleaned);
     writeIni("%23,");
-    const CleanUpFunctionsGuard guard({&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
-                                       &appendA, &IniFileManager::cleanUpComments, &seeOnly});
+    const CleanUpFunctionsGuard guard(functions);
     seenTexts.clear();
     IniFileManager::cleanUp(iniFile());
-    QCOMPARE(seenTexts, QStringList({QStringLiteral("%23,"), QStringLiteral("%23 A"),
-                                     QStringLiteral("%23 AB"), QStringLiteral("# ABA")}));
-    QCOMPARE(readFile(iniFile()), QByteArray("# ABA"));
+    QCOMPARE(seenTexts, seen);
+    QCOMPARE(readFile(iniFile()), cleaned);
+    QVERIFY(IniFileManager::sm_CleanUpFunctions == functions);
 }
 
 void tst_IniFileManagerCleanUp::textIsWhatWasRead_data()
@@ -525,6 +564,7 @@ void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped()
     const CleanUpFunctionsGuard guard(list);
     IniFileManager::cleanUp(iniFile());
     QCOMPARE(readFile(iniFile()), cleaned);
+    QVERIFY(IniFileManager::sm_CleanUpFunctions == list);
 }
 
 void tst_IniFileManagerCleanUp::noFunctions()

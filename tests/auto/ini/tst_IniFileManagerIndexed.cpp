@@ -111,6 +111,9 @@ void tst_IniFileManagerIndexed::searchFindsPosition_data()
     row("group that is called General", "[%General]\nPosition=0\n", 0, "General");
     row("subgroup's Position is not the group's",
         "[a]\nPosition=0\nsub\\Position=1\n[b]\nPosition=0\n", 1, nullptr);
+    const char nextGroupsName[] = "[a]\nPosition=5\nPositionb\\Position=1\n[b]\nPosition=0\n";
+    row("subgroup whose name ends in the next group's, 0", nextGroupsName, 0, "b");
+    row("subgroup whose name ends in the next group's, 1", nextGroupsName, 1, nullptr);
     row("subgroups are not in the list", "[a/sub]\nk=1\n[a]\nPosition=0\n", 0, "a");
 }
 

@@ -74,6 +74,7 @@ private Q_SLOTS:
     void withoutNamespaces();
     void withoutAProgramOfTheSystem();
     void testsAreSkippedWithoutNamespaces();
+    void skipIsAFailureInContinuousIntegration_data();
     void skipIsAFailureInContinuousIntegration();
     void variableAloneIsNoDeviceRoot();
 
@@ -539,7 +540,7 @@ void tst_DeviceRoot::withoutAProgramOfTheSystem()
 void tst_DeviceRoot::testsAreSkippedWithoutNamespaces()
 {
     prepare();
-    m_environment.remove(QStringLiteral("CI"));
+    m_environment.insert(QStringLiteral("CI"), QString()); // set to nothing is not set
     forbidNamespaces();
     const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
     QCOMPARE(result.exitCode, 0);
@@ -552,15 +553,24 @@ void tst_DeviceRoot::testsAreSkippedWithoutNamespaces()
     QVERIFY2(skipped.match(QString::fromUtf8(result.output)).hasMatch(), result.output.constData());
 }
 
+void tst_DeviceRoot::skipIsAFailureInContinuousIntegration_data()
+{
+    QTest::addColumn<QString>("value");
+    for (const char* const value : {"true", "1", "false"}) {
+        QTest::newRow(value) << QString::fromLatin1(value);
+    }
+}
+
 void tst_DeviceRoot::skipIsAFailureInContinuousIntegration()
 {
+    QFETCH(QString, value);
     prepare();
-    m_environment.insert(QStringLiteral("CI"), QStringLiteral("true"));
+    m_environment.insert(QStringLiteral("CI"), value);
     forbidNamespaces();
     const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
     QVERIFY(result.exitCode > 0);
-    QVERIFY2(result.output.contains("must not be skipped where CI=true: needs the device's fixed "
-                                    "paths"),
+    QVERIFY2(result.output.contains("must not be skipped where CI is set: needs the device's "
+                                    "fixed paths"),
              result.output.constData());
     const QRegularExpression skipped(QStringLiteral(MISCTOOLS_SKIPPED_EXPRESSION));
     QVERIFY(!skipped.match(QString::fromUtf8(result.output)).hasMatch());
