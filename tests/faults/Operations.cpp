@@ -127,9 +127,9 @@ QString problemUnless(bool isRight, const char* problem)
 // More than one piece of a text that is read and written bit by bit.
 QByteArray manyKeys()
 {
-    QByteArray text = "[Colours]\n";
+    QByteArray text = "[Colors]\n";
     for (int i = 0; text.size() < 140000; ++i) {
-        text += "colour" + QByteArray::number(i) + "=%23ff0000,%2300ff00\n";
+        text += "color" + QByteArray::number(i) + "=%23ff0000,%2300ff00\n";
     }
     return text;
 }

@@ -365,8 +365,8 @@ void tst_BootInformationHelper::markersThatAreInUse()
 void tst_BootInformationHelper::deletionLeavesTheRest()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
-    const QString neighbour = QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini");
-    DeviceRoot::writeFile(neighbour, "x");
+    const QString neighbor = QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini");
+    DeviceRoot::writeFile(neighbor, "x");
 
     put(rebootMarker, Marker::File);
     put(firmwareMarker, Marker::LinkToFile);
@@ -377,7 +377,7 @@ void tst_BootInformationHelper::deletionLeavesTheRest()
     put(firmwareMarker, Marker::File);
     BootInformationHelper().deleteOrvalisRebootMarker();
     QVERIFY(QFile::exists(firmwareMarker));
-    QVERIFY(QFile::exists(neighbour));
+    QVERIFY(QFile::exists(neighbor));
 }
 
 QTEST_GUILESS_MAIN(tst_BootInformationHelper)

@@ -764,7 +764,7 @@ void tst_TextFileParser::hostileExpressions_data()
     row("possessive repetitions", "(a++)++b", "aab", as(5000) + "!b", NoMatch);
     row("atomic group", "(?>(a|aa)+)b", "aab", as(2000) + "!b", NoMatch);
     row("blanks at the end", "\\s+$", "", QByteArray(5000, ' ') + '!', NoMatch);
-    row("neighbours that overlap", "(?:a|b)*(?:a|c)*[xy]", "aax", as(300) + '!', NoMatch);
+    row("neighbors that overlap", "(?:a|b)*(?:a|c)*[xy]", "aax", as(300) + '!', NoMatch);
 }
 
 void tst_TextFileParser::hostileExpressions()

@@ -149,11 +149,11 @@ void tst_IniFileManager::whatExistsOpensSilently()
 
 void tst_IniFileManager::openingLeavesTheFileAlone()
 {
-    const QByteArray content = "colour=%23ff0000\r\nlist=a,b,c\n;note, %23\n[Z]\n[A]\nb=1\na=2";
+    const QByteArray content = "color=%23ff0000\r\nlist=a,b,c\n;note, %23\n[Z]\n[A]\nb=1\na=2";
     writeIni(content);
     {
         IniFileManager manager(iniFile(), nullptr);
-        QCOMPARE(manager.getGeneralValue(QStringLiteral("colour"), 0),
+        QCOMPARE(manager.getGeneralValue(QStringLiteral("color"), 0),
                  QVariant(QStringLiteral("%23ff0000")));
         QCOMPARE(manager.getGeneralValue(QStringLiteral("list"), 0), QVariant(words("a b c")));
         manager.sync();

@@ -239,10 +239,10 @@ void tst_IniFileManagerCleanUp::fileIsRewritten()
 
 void tst_IniFileManagerCleanUp::cleanedFileReadsAsMeant()
 {
-    writeIni("colour=%23ff0000\nlist=a,b,c\n");
+    writeIni("color=%23ff0000\nlist=a,b,c\n");
     IniFileManager::cleanUp(iniFile());
     const IniFileManager manager(iniFile(), nullptr);
-    QCOMPARE(manager.getGeneralValue(QStringLiteral("colour"), 0),
+    QCOMPARE(manager.getGeneralValue(QStringLiteral("color"), 0),
              QVariant(QStringLiteral("#ff0000")));
     QCOMPARE(manager.getGeneralValue(QStringLiteral("list"), 0), QVariant(QStringLiteral("a b c")));
 }

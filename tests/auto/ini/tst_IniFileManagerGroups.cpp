@@ -155,7 +155,7 @@ void tst_IniFileManagerGroups::missingKeyGivesDefault_data()
     row("empty group", "", "Port");
     row("empty group, section", "", "Net");
     row("General as the top level", "General", "top");
-    row("group as given, not normalised", "/Net//Sub/", "none");
+    row("group as given, not normalized", "/Net//Sub/", "none");
     row("blanks", " ", " ");
     row("umlauts", "\xc3\xa4", "\xc3\xb6");
 }
