@@ -20,8 +20,8 @@
 namespace {
 
 const QString root = QStringLiteral(PROJECT_FOLDER);
-const QString net = QStringLiteral("Net");
-const QString key = QStringLiteral("key");
+const QString net = "Net";
+const QString key = "key";
 
 QStringList texts(std::initializer_list<const char*> list)
 {
@@ -72,7 +72,7 @@ int watchFiveFolders(const QDir& folder)
     if (!limitInotify("max_inotify_watches", "3")) {
         return noLimits;
     }
-    DirectoryWatcher watcher(QStringList{folder.filePath(QStringLiteral("0"))});
+    DirectoryWatcher watcher(QStringList{folder.filePath("0")});
     int added = 0;
     for (int i = 1; i < 5; ++i) {
         added += watcher.addPath(folder.filePath(QString::number(i))) ? 1 : 0;
@@ -86,7 +86,7 @@ int watchOneFolderTwice(const QDir& folder)
     if (!limitInotify("max_inotify_instances", "1")) {
         return noLimits;
     }
-    const QString inbox = folder.filePath(QStringLiteral("inbox"));
+    const QString inbox = folder.filePath("inbox");
     DirectoryWatcher first(inbox);
     DirectoryWatcher second(inbox);
     first.setDelayInMs(0);
@@ -95,8 +95,8 @@ int watchOneFolderTwice(const QDir& folder)
     QSignalSpy changesOfSecond(&second, &DirectoryWatcher::directoryChanged);
     QElapsedTimer timer;
     timer.start();
-    if (!QFile(QDir(inbox).filePath(QStringLiteral("file"))).open(QIODevice::WriteOnly) ||
-        !changesOfFirst.wait() || !changesOfSecond.isEmpty()) {
+    if (!QFile(QDir(inbox).filePath("file")).open(QIODevice::WriteOnly) || !changesOfFirst.wait() ||
+        !changesOfSecond.isEmpty()) {
         return 1;
     }
     // The first look comes a second after the watcher.
@@ -104,8 +104,8 @@ int watchOneFolderTwice(const QDir& folder)
 }
 
 const QHash<QString, int (*)(const QDir& folder)> limitedParts = {
-    {QStringLiteral("watches"), watchFiveFolders},
-    {QStringLiteral("instances"), watchOneFolderTwice},
+    {"watches", watchFiveFolders},
+    {"instances", watchOneFolderTwice},
 };
 
 // Runs a part as the root of a user namespace. That is made by another program: a process that has
@@ -155,8 +155,7 @@ private Q_SLOTS:
 private:
     std::unique_ptr<IniFileManager> iniFile(const QByteArray& content) const
     {
-        return std::make_unique<IniFileManager>(writeFile(QStringLiteral("file.ini"), content),
-                                                nullptr);
+        return std::make_unique<IniFileManager>(writeFile("file.ini", content), nullptr);
     }
 };
 
@@ -165,16 +164,14 @@ void tst_Gotchas::commasMakeLists()
     const auto file = iniFile("[Net]\nkey=eth0, eth1\nquoted=\"eth0, eth1\"\n");
     QCOMPARE(file->getValueString(net, key, QStringLiteral("default")), QString());
     QCOMPARE(file->getValue(net, key, QVariant()).toStringList(), texts({"eth0", "eth1"}));
-    QCOMPARE(file->getValueString(net, QStringLiteral("quoted"), QString()),
-             QStringLiteral("eth0, eth1"));
+    QCOMPARE(file->getValueString(net, QStringLiteral("quoted"), QString()), "eth0, eth1");
 }
 
 void tst_Gotchas::semicolonsEndValues()
 {
     const auto file = iniFile("[Net]\nkey=on;off\nquoted=\"on;off\"\n");
     QCOMPARE(file->getValueString(net, key, QString()), QStringLiteral("on"));
-    QCOMPARE(file->getValueString(net, QStringLiteral("quoted"), QString()),
-             QStringLiteral("on;off"));
+    QCOMPARE(file->getValueString(net, QStringLiteral("quoted"), QString()), "on;off");
 }
 
 void tst_Gotchas::wordsThatAreFalse()
@@ -199,7 +196,7 @@ void tst_Gotchas::commentsAreLostOnWriting()
     const auto file = iniFile("; a comment\n[Net]\nkey=1\n# none=2\n");
     file->setValue(net, key, 3);
     file->sync();
-    const QByteArray content = readFile(path(QStringLiteral("file.ini")));
+    const QByteArray content = readFile(path("file.ini"));
     QVERIFY2(!content.contains("a comment"), content.constData());
     QVERIFY2(content.contains("\nkey=3\n"), content.constData());
     QVERIFY2(content.contains("%23%20none=2\n"), content.constData());
@@ -214,9 +211,8 @@ void tst_Gotchas::sectionsNestAtSlashes()
 
 void tst_Gotchas::containsDependsOnWhatWasParsed()
 {
-    const QString port = QStringLiteral("Port");
-    const QString filePath =
-        writeFile(QStringLiteral("file"), "[Net]\nPort=80\n[Net/Alias]\nx=1\n");
+    const QString port = "Port";
+    const QString filePath = writeFile("file", "[Net]\nPort=80\n[Net/Alias]\nx=1\n");
     const IniFileManager fresh(filePath, nullptr);
     QVERIFY(!fresh.contains(net, port));
     QCOMPARE(fresh.getValueInteger(net, port, 0), 80);
@@ -230,7 +226,7 @@ void tst_Gotchas::topLevelReadsListAllKeys()
     for (int i = 0; i < count; ++i) {
         keys += "key" + QByteArray::number(i) + "=1\n";
     }
-    const QString filePath = writeFile(QStringLiteral("file"), keys + "[Net]\n" + keys);
+    const QString filePath = writeFile("file", keys + "[Net]\n" + keys);
     const IniFileManager manager(filePath, nullptr);
     const auto secondsOf = [](const std::function<void(const QString&)>& read) {
         const CpuTime time;
@@ -250,7 +246,7 @@ void tst_Gotchas::topLevelReadsListAllKeys()
 
 void tst_Gotchas::replacedFilesBelongToTheWriter()
 {
-    const QString filePath = path(QStringLiteral("file"));
+    const QString filePath = path("file");
     const auto replaceFile = [&filePath](bool isCleanedUp) {
         if (isCleanedUp) {
             IniFileManager::cleanUp(filePath);
@@ -262,7 +258,7 @@ void tst_Gotchas::replacedFilesBelongToTheWriter()
     };
     for (const bool isCleanedUp : {true, false}) {
         QFile::remove(filePath);
-        writeFile(QStringLiteral("file"), "[Net]\na=1\n");
+        writeFile("file", "[Net]\na=1\n");
         // Only root can give a file away; for everybody the file is a new one.
         constexpr uid_t other = 65534;
         const bool isRoot =
@@ -281,7 +277,7 @@ void tst_Gotchas::replacedFilesBelongToTheWriter()
 
 void tst_Gotchas::specialFilesBecomeRegularFiles()
 {
-    const QString filePath = path(QStringLiteral("file"));
+    const QString filePath = path("file");
     const QByteArray name = QFile::encodeName(filePath);
     const auto withWriter = [&name](const QByteArray& text,
                                     const std::function<void()>& replaceFile) {
@@ -327,8 +323,8 @@ void tst_Gotchas::dotEntriesGoWithAFilter()
 
 void tst_Gotchas::renamedFolderIsDeaf()
 {
-    const QString inbox = path(QStringLiteral("inbox"));
-    const QString other = path(QStringLiteral("other"));
+    const QString inbox = path("inbox");
+    const QString other = path("other");
     QVERIFY(QDir().mkdir(inbox) && QDir().mkdir(other));
     DirectoryWatcher watcher(QStringList{inbox, other});
     watcher.setDelayInMs(50);
@@ -336,21 +332,21 @@ void tst_Gotchas::renamedFolderIsDeaf()
     connect(&watcher, &DirectoryWatcher::directoryChanged,
             [&changed](const QStringList& folders) { changed += folders; });
 
-    QVERIFY(QDir().rename(inbox, path(QStringLiteral("old"))));
+    QVERIFY(QDir().rename(inbox, path("old")));
     QVERIFY(QDir().mkdir(inbox));
-    writeFile(QStringLiteral("inbox/file"), "");
-    writeFile(QStringLiteral("other/file"), ""); // is noticed after the others
+    writeFile("inbox/file", "");
+    writeFile("other/file", ""); // is noticed after the others
     QTRY_COMPARE(changed, QStringList(other));
     QVERIFY(!watcher.addPath(inbox));
 
     changed.clear();
-    writeFile(QStringLiteral("old/file"), "");
+    writeFile("old/file", "");
     QTRY_COMPARE(changed, QStringList(inbox)); // the name that it had
 
     DirectoryWatcher fresh(inbox);
     fresh.setDelayInMs(50);
     QSignalSpy changes(&fresh, &DirectoryWatcher::directoryChanged);
-    writeFile(QStringLiteral("inbox/second"), "");
+    writeFile("inbox/second", "");
     QVERIFY(changes.wait());
 }
 
@@ -363,8 +359,7 @@ void tst_Gotchas::watchesRunOut()
     const ChildResult result = runLimited("watches", folder());
     MISCTOOLS_NEED_LIMITS(result);
     QCOMPARE(result.exitCode, 2);
-    const QByteArray message =
-        "inotify_add_watch(" + path(QStringLiteral("3")).toUtf8() + ") failed:";
+    const QByteArray message = "inotify_add_watch(" + path("3").toUtf8() + ") failed:";
     QVERIFY2(result.output.startsWith(message), result.output.constData());
     QCOMPARE(result.output.count("inotify_add_watch("), 2);
     QCOMPARE(result.output.count("No space left on device"), 2);
@@ -374,7 +369,7 @@ void tst_Gotchas::watchesRunOut()
 // says nothing of it.
 void tst_Gotchas::watchersBeyondTheLimitAskEverySecond()
 {
-    QVERIFY(QDir().mkdir(path(QStringLiteral("inbox"))));
+    QVERIFY(QDir().mkdir(path("inbox")));
     const ChildResult result = runLimited("instances", folder());
     MISCTOOLS_NEED_LIMITS(result);
     QVERIFY2(result.output.isEmpty(), result.output.constData());
@@ -383,10 +378,8 @@ void tst_Gotchas::watchersBeyondTheLimitAskEverySecond()
 
 void tst_Gotchas::testsThatAreNamedExist()
 {
-    const QStringList named =
-        found(QString(), {QStringLiteral("*.md")}, QStringLiteral("`(tst_\\w+::\\w+)`"));
-    const QStringList functions = found(QStringLiteral("/tests"), {QStringLiteral("tst_*.cpp")},
-                                        QStringLiteral("\nvoid (tst_\\w+::\\w+)\\(\\)"));
+    const QStringList named = found(QString(), {"*.md"}, "`(tst_\\w+::\\w+)`");
+    const QStringList functions = found("/tests", {"tst_*.cpp"}, "\nvoid (tst_\\w+::\\w+)\\(\\)");
     QVERIFY(named.size() > 15);
     for (const QString& test : named) {
         QVERIFY2(functions.contains(test), qUtf8Printable(test));

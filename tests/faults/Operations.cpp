@@ -41,12 +41,12 @@ QByteArray readFile(const QString& filePath)
 
 QString iniPath(const QString& folder)
 {
-    return folder + QStringLiteral("/settings.ini");
+    return folder + "/settings.ini";
 }
 
 QString dataPath(const QString& folder)
 {
-    return folder + QStringLiteral("/data");
+    return folder + "/data";
 }
 
 bool matches(const QString& text, const QString& pattern)
@@ -174,7 +174,7 @@ QString problemOfCleanUp(const QString& folder, const Outcome& outcome)
          problemUnless(outcome.messages.size() <= 1, "more than one message"),
          problemOfMessages(outcome, QStringLiteral("IniFileManager: Can not open file: \"%1\"")
                                         .arg(QRegularExpression::escape(iniPath(folder)))),
-         problemOfLeftovers(folder, QStringLiteral("settings\\.ini"), outcome)});
+         problemOfLeftovers(folder, "settings\\.ini", outcome)});
 }
 
 // Set and sync
@@ -186,7 +186,7 @@ const QByteArray firstSettings = "[Net]\nPort=8080\n";
 QStringList useSetAndSync(const QString& folder)
 {
     IniFileManager manager(iniPath(folder), nullptr);
-    manager.setValue(QStringLiteral("Net"), QStringLiteral("Port"), 8080);
+    manager.setValue("Net", "Port", 8080);
     manager.sync();
     return QStringList();
 }
@@ -216,14 +216,12 @@ QString problemOfSettings(const QString& folder, const Outcome& outcome, const Q
          problemOfMessages(outcome, QStringLiteral("IniFileManager: Can't find specified ini-file: "
                                                    "\"%1\"")
                                         .arg(QRegularExpression::escape(iniPath(folder)))),
-         problemOfLeftovers(folder, QStringLiteral("settings\\.ini"), outcome)});
+         problemOfLeftovers(folder, "settings\\.ini", outcome)});
 }
 
 // Hardware
 
-const QStringList boardRecord = {QStringLiteral("4711"), QStringLiteral("Sample board"),
-                                 QStringLiteral("2.1"),  QStringLiteral("3"),
-                                 QStringLiteral("815"),  QStringLiteral("Made up")};
+const QStringList boardRecord = {"4711", "Sample board", "2.1", "3", "815", "Made up"};
 
 void prepareHardware(const QString& folder)
 {
@@ -235,24 +233,24 @@ void prepareHardware(const QString& folder)
 QStringList useHardware(const QString& folder)
 {
     HardwareInfo info;
-    info.setType(QStringLiteral("untouched"));
+    info.setType("untouched");
     const bool isRead = HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(
-        folder + QStringLiteral("/hwinfo.XXXXXX"), dataPath(folder), info);
+        folder + "/hwinfo.XXXXXX", dataPath(folder), info);
     return {QString::number(isRead), info.type(), info.typeName(), info.hwVersion(),
             info.hwCompIndex(),      info.lpId(), info.Comment()};
 }
 
 QString problemOfHardware(const QString& folder, const Outcome& outcome)
 {
-    const bool isRead = outcome.results.value(0) == QStringLiteral("1");
+    const bool isRead = outcome.results.value(0) == "1";
     const QStringList record = outcome.results.mid(1);
     const QStringList messages = ofLibrary(outcome.messages);
     bool isRight = record.size() == boardRecord.size();
     for (int i = 0; isRight && i < record.size(); ++i) {
         isRight = record.at(i) == boardRecord.at(i) || record.at(i).isEmpty();
     }
-    const QStringList untouched = {
-        QStringLiteral("untouched"), QString(), QString(), QString(), QString(), QString()};
+    const QStringList untouched = {"untouched", QString(), QString(),
+                                   QString(),   QString(), QString()};
     const QString image = QRegularExpression::escape(dataPath(folder));
     const QString ofReader =
         QStringLiteral(
@@ -275,7 +273,7 @@ QString problemOfHardware(const QString& folder, const Outcome& outcome)
                        "not the right number of messages"),
          problemUnless(record == boardRecord || outcome.hasFault(), "the record is not read"),
          problemOfMessages(outcome, isRead ? ofParse : ofReader),
-         problemOfLeftovers(folder, QStringLiteral("data"), outcome)});
+         problemOfLeftovers(folder, "data", outcome)});
 }
 
 // Hash
@@ -315,14 +313,14 @@ QStringList useMatch(const QString& folder)
 {
     TextFileParser parser(dataPath(folder));
     return QStringList(parser.getLastError())
-           << parser.multiMatch(QRegularExpression(QStringLiteral("[abc]=(\\d)")));
+           << parser.multiMatch(QRegularExpression("[abc]=(\\d)"));
 }
 
 QString problemOfMatch(const QString& folder, const Outcome& outcome)
 {
     const QString error = outcome.results.value(0);
     const QStringList found = outcome.results.mid(1);
-    const QStringList all = {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")};
+    const QStringList all = {"1", "2", "3"};
     // As with the hash, a file that breaks off is what could be read of it.
     const bool isOfLess = outcome.hasFailed("read") && found == all.mid(0, found.size());
     return firstProblem(
@@ -344,13 +342,13 @@ QString problemOfMatch(const QString& folder, const Outcome& outcome)
 
 QStringList useCommandLine(const QString&)
 {
-    return {KernelCommandLineParser().getValue(QStringLiteral("orvalismode"))};
+    return {KernelCommandLineParser().getValue("orvalismode")};
 }
 
 QString problemOfCommandLine(const QString&, const Outcome& outcome)
 {
     const QString value = outcome.results.value(0);
-    const bool isRight = value == QStringLiteral("factoryreset");
+    const bool isRight = value == "factoryreset";
     // A file that cannot be read is an empty one, without a message.
     const int messages = isRight || outcome.hasFailed("read") ? 0 : 1;
     return firstProblem(
@@ -362,8 +360,8 @@ QString problemOfCommandLine(const QString&, const Outcome& outcome)
 
 // Markers
 
-const QString firmwareUpdateMarker = QStringLiteral("/orvalis/etc/orvalis-first-boot");
-const QString rebootMarker = QStringLiteral("/orvalis-reboot");
+const QString firmwareUpdateMarker = "/orvalis/etc/orvalis-first-boot";
+const QString rebootMarker = "/orvalis-reboot";
 
 QString problemOfMarker(const QString& marker, const Outcome& outcome, const QString& message,
                         bool isMissSilent)
@@ -380,16 +378,16 @@ QString problemOfMarker(const QString& marker, const Outcome& outcome, const QSt
 
 void prepareSearch(const QString& folder)
 {
-    writeFile(folder + QStringLiteral("/a.txt"), "1");
-    writeFile(folder + QStringLiteral("/b/c.txt"), "1");
-    writeFile(folder + QStringLiteral("/b/d/e.txt"), "1");
-    QFile::link(folder, folder + QStringLiteral("/link"));
+    writeFile(folder + "/a.txt", "1");
+    writeFile(folder + "/b/c.txt", "1");
+    writeFile(folder + "/b/d/e.txt", "1");
+    QFile::link(folder, folder + "/link");
 }
 
 QStringList useSearch(const QString& folder)
 {
     QStringList found;
-    searchFilesOnPathRecursive(folder, {QStringLiteral("*")}, found);
+    searchFilesOnPathRecursive(folder, {"*"}, found);
     return found;
 }
 
@@ -413,8 +411,7 @@ QStringList useProgram(const QString& folder)
     handler.setWaitForStartedTimeout(2000);
     handler.setWaitForFinishedTimeout(2000);
     handler.setWorkingDirectory(folder);
-    const int exitCode = handler.startProcess(
-        QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("echo a; exit 3")});
+    const int exitCode = handler.startProcess("/bin/sh", {"-c", "echo a; exit 3"});
     return {QString::number(exitCode), handler.getStandardOutput(), handler.getStandardError()};
 }
 
@@ -422,8 +419,8 @@ QStringList useProgram(const QString& folder)
 QStringList useProgramTwice(const QString&)
 {
     QProcessHandler handler;
-    const QString program = QStringLiteral("/bin/sh");
-    const QStringList arguments = {QStringLiteral("-c"), QStringLiteral("exit 3")};
+    const QString program = "/bin/sh";
+    const QStringList arguments = {"-c", "exit 3"};
     const int first = handler.startProcess(program, arguments);
     return {QString::number(first), QString::number(handler.startProcess(program, arguments))};
 }
@@ -432,8 +429,7 @@ QString problemOfProgramTwice(const QString&, const Outcome& outcome)
 {
     const QString first = outcome.hasFault() ? QStringLiteral("-1") : QStringLiteral("3");
     return firstProblem(
-        {problemUnless(outcome.results == QStringList({first, QStringLiteral("3")}),
-                       "the exit codes are wrong"),
+        {problemUnless(outcome.results == QStringList({first, "3"}), "the exit codes are wrong"),
          problemUnless(outcome.messages.size() == (outcome.hasFault() ? 1 : 0),
                        "not the right number of messages"),
          problemOfMessages(outcome,
@@ -444,12 +440,12 @@ QString problemOfProgramTwice(const QString&, const Outcome& outcome)
 QString problemOfProgram(const QString&, const Outcome& outcome)
 {
     const QString exitCode = outcome.results.value(0);
-    const bool isRun = exitCode == QStringLiteral("3");
+    const bool isRun = exitCode == "3";
     const QString output = outcome.results.value(1);
     return firstProblem(
-        {problemUnless(isRun || exitCode == QStringLiteral("-1"), "the exit code is wrong"),
+        {problemUnless(isRun || exitCode == "-1", "the exit code is wrong"),
          problemUnless(isRun || outcome.hasFault(), "the program did not run"),
-         problemUnless(output == QStringLiteral("a\n") || (output.isEmpty() && outcome.hasFault()),
+         problemUnless(output == "a\n" || (output.isEmpty() && outcome.hasFault()),
                        "the output is wrong"),
          problemUnless(outcome.results.value(2).isEmpty(), "output of errors"),
          problemUnless(ofLibrary(outcome.messages).size() == (isRun ? 0 : 1),
@@ -558,7 +554,7 @@ Outcome Operations::run(const Operation& operation, const QString& folder, const
         QStringList texts;
         const QVector<Message> taken = messages.take();
         for (const Message& message : taken) {
-            texts.append(message.file + QStringLiteral(": ") + message.text);
+            texts.append(message.file + ": " + message.text);
         }
         QByteArray bytes;
         QDataStream stream(&bytes, QIODevice::WriteOnly);

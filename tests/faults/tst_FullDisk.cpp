@@ -45,8 +45,8 @@ private Q_SLOTS:
     void setAndSync();
 
 private:
-    QString disk() const { return path(QStringLiteral("disk")); }
-    QString file() const { return disk() + QStringLiteral("/settings.ini"); }
+    QString disk() const { return path("disk"); }
+    QString file() const { return disk() + "/settings.ini"; }
     void fillUp(int freePages);
     QStringList entries() const
     {
@@ -57,7 +57,7 @@ private:
 // Lets so many pages of the disk stay free.
 void tst_FullDisk::fillUp(int freePages)
 {
-    QFile filling(disk() + QStringLiteral("/filling"));
+    QFile filling(disk() + "/filling");
     QVERIFY(filling.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     const QByteArray page(pageSize, 'f');
     int pages = 0;
@@ -87,7 +87,7 @@ void tst_FullDisk::cleanUp()
     QFETCH(int, freePages);
     QFETCH(bool, isCleaned);
     const TinyDisk tinyDisk(disk());
-    writeFile(QStringLiteral("disk/settings.ini"), QByteArray(size, ','));
+    writeFile("disk/settings.ini", QByteArray(size, ','));
     fillUp(freePages);
 
     IniFileManager::cleanUp(file());
@@ -100,7 +100,7 @@ void tst_FullDisk::cleanUpWithoutRoomForAFile()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     const TinyDisk tinyDisk(disk());
-    writeFile(QStringLiteral("disk/settings.ini"), "k=1,2\n");
+    writeFile("disk/settings.ini", "k=1,2\n");
     int files = 0;
     for (bool isRoom = true; isRoom; ++files) {
         QFile another(disk() + QLatin1Char('/') + QString::number(files));
@@ -131,17 +131,17 @@ void tst_FullDisk::setAndSync()
     QFETCH(int, freePages);
     QFETCH(QByteArray, content);
     const TinyDisk tinyDisk(disk());
-    writeFile(QStringLiteral("disk/settings.ini"), "[Net]\nPort=80\n");
+    writeFile("disk/settings.ini", "[Net]\nPort=80\n");
     fillUp(freePages);
     IniFileManager manager(file(), nullptr);
-    manager.setValue(QStringLiteral("Net"), QStringLiteral("Port"), 8080);
+    manager.setValue("Net", "Port", 8080);
     manager.sync();
     QCOMPARE(readFile(file()), content);
     QCOMPARE(entries(), QStringList({QStringLiteral("filling"), QStringLiteral("settings.ini")}));
 
     // Nothing that was set is forgotten: it gets into the file as soon as there is room.
-    QVERIFY(QFile::remove(disk() + QStringLiteral("/filling")));
-    manager.setValue(QStringLiteral("Net"), QStringLiteral("Name"), 1);
+    QVERIFY(QFile::remove(disk() + "/filling"));
+    manager.setValue("Net", "Name", 1);
     manager.sync();
     QCOMPARE(readFile(file()), QByteArray("[Net]\nName=1\nPort=8080\n"));
 }

@@ -19,7 +19,7 @@ const QByteArray newSettings = "[Net]\nPort=8080\n";
 void setAndSync(const QString& filePath)
 {
     IniFileManager manager(filePath, nullptr);
-    manager.setValue(QStringLiteral("Net"), QStringLiteral("Port"), 8080);
+    manager.setValue("Net", "Port", 8080);
     manager.sync();
 }
 
@@ -55,8 +55,8 @@ private Q_SLOTS:
     void leftLock();
 
 private:
-    QString file() const { return path(QStringLiteral("settings.ini")); }
-    QString lock() const { return path(QStringLiteral("settings.ini.lock")); }
+    QString file() const { return path("settings.ini"); }
+    QString lock() const { return path("settings.ini.lock"); }
     QStringList entries() const
     {
         return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -79,7 +79,7 @@ void tst_RefusedFiles::withoutPermission()
 {
     QFETCH(int, filePermissions);
     QFETCH(int, folderPermissions);
-    writeFile(QStringLiteral("settings.ini"), oldSettings);
+    writeFile("settings.ini", oldSettings);
     QVERIFY(QFile::setPermissions(file(), QFileDevice::Permissions(filePermissions)));
     QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(folderPermissions)));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([this] {
@@ -136,8 +136,8 @@ void tst_RefusedFiles::leftLock()
     QFETCH(QByteArray, lockText);
     QFETCH(int, ageInSeconds);
     QFETCH(bool, isWaitedFor);
-    writeFile(QStringLiteral("settings.ini"), oldSettings);
-    writeFile(QStringLiteral("settings.ini.lock"), lockText);
+    writeFile("settings.ini", oldSettings);
+    writeFile("settings.ini.lock", lockText);
     QFile lockFile(lock());
     QVERIFY(lockFile.open(QIODevice::ReadWrite));
     QVERIFY(lockFile.setFileTime(QDateTime::currentDateTime().addSecs(-ageInSeconds),

@@ -35,7 +35,7 @@ constexpr NamedError otherErrors[] = {NAMED_ERROR(EROFS), NAMED_ERROR(ENOMEM), N
 // A short form is part of every run of the tests; all faults take a few minutes.
 bool isLongForm()
 {
-    return qEnvironmentVariable("MISCTOOLS_FAULTS") == QStringLiteral("all");
+    return qEnvironmentVariable("MISCTOOLS_FAULTS") == "all";
 }
 
 } // namespace
@@ -80,7 +80,7 @@ private:
     QString outcomeOf(const Operation& operation, const Fault& fault, Outcome& outcome);
     QString outcomeWithoutLoss(const Operation& operation, const Fault& fault);
     QString outcomeOfKill(const Operation& operation, const Fault& fault, Outcome& outcome);
-    QString files() const { return path(QStringLiteral("files")); }
+    QString files() const { return path("files"); }
 
     QMap<QString, int> m_faults; // how many an operation had
 };
@@ -143,10 +143,10 @@ QString tst_SystemCallFaults::outcomeWithoutLoss(const Operation& operation, con
 QString tst_SystemCallFaults::problemOfUse(const Operation& operation, Outcome& outcome)
 {
     if (outcome.run.isTimedOut) {
-        return QStringLiteral("it hangs");
+        return "it hangs";
     }
     if (outcome.run.hasSignalledOthers) {
-        return QStringLiteral("it sends signals to processes that are not its own");
+        return "it sends signals to processes that are not its own";
     }
     if (!outcome.run.exited) {
         return QStringLiteral("signal %1 ended it").arg(outcome.run.signal);
@@ -164,25 +164,24 @@ QString tst_SystemCallFaults::outcomeOfKill(const Operation& operation, const Fa
     prepare(operation);
     outcome = Operations::run(operation, files(), fault, messages());
     if (outcome.run.signal != SIGKILL && outcome.hasFault()) {
-        return QStringLiteral("it was not killed");
+        return "it was not killed";
     }
     if (!operation.isOldOrNew(files())) {
-        return QStringLiteral("the file is neither the old nor the new one");
+        return "the file is neither the old nor the new one";
     }
     // What a killed process leaves: a lock, which is known to be nobody's, and a new file that had
     // not yet replaced the old one. Nobody ever removes that.
-    const QRegularExpression unfinished(QStringLiteral("^settings\\.ini\\.[A-Za-z]{6}$"));
+    const QRegularExpression unfinished("^settings\\.ini\\.[A-Za-z]{6}$");
     const QStringList names = QDir(files()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     for (const QString& name : names) {
         if (unfinished.match(name).hasMatch()) {
             QFile::remove(files() + QLatin1Char('/') + name);
-        } else if (name != QStringLiteral("settings.ini") &&
-                   name != QStringLiteral("settings.ini.lock")) {
-            return QStringLiteral("left behind: ") + name;
+        } else if (name != "settings.ini" && name != "settings.ini.lock") {
+            return "left behind: " + name;
         }
     }
     // A lock that does not yet tell whose it is gets waited for until it is half a minute old.
-    QFile lock(files() + QStringLiteral("/settings.ini.lock"));
+    QFile lock(files() + "/settings.ini.lock");
     if (lock.size() == 0 && lock.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
         lock.setFileTime(QDateTime::currentDateTime().addSecs(-31),
                          QFileDevice::FileModificationTime);
@@ -223,13 +222,12 @@ void tst_SystemCallFaults::verifyEachCall(const Fault& kind,
         for (fault.call = 0; fault.call < calls; ++fault.call) {
             Outcome outcome;
             const QString problem = (this->*use)(operation, fault, outcome);
-            const QString report =
-                QStringLiteral("call %1, %2: %3\n   results: %4\n   messages: %5");
+            const QString report = "call %1, %2: %3\n   results: %4\n   messages: %5";
             QVERIFY2(problem.isEmpty(),
                      qPrintable(report.arg(QString::number(fault.call),
                                            QString::fromLatin1(outcome.run.failedCalls.value(0)),
-                                           problem, outcome.results.join(QStringLiteral(" | ")),
-                                           outcome.messages.join(QStringLiteral("\n      ")))));
+                                           problem, outcome.results.join(" | "),
+                                           outcome.messages.join("\n      "))));
             faults += outcome.hasFault() ? 1 : 0;
         }
     }
@@ -309,7 +307,7 @@ void tst_SystemCallFaults::brokenReadKeepsTheFile()
     MISCTOOLS_NEED_FAULTS();
     QFETCH(Operation, operation);
     prepare(operation);
-    const QByteArray before = readFile(files() + QStringLiteral("/settings.ini"));
+    const QByteArray before = readFile(files() + "/settings.ini");
     const QVector<QByteArray> calls =
         Operations::run(operation, files(), Fault(), messages()).run.calls;
     QVERIFY(calls.contains("read"));
@@ -321,7 +319,7 @@ void tst_SystemCallFaults::brokenReadKeepsTheFile()
             Outcome outcome;
             QCOMPARE(outcomeOf(operation, fault, outcome), QString());
             QCOMPARE(outcome.messages, QStringList());
-            QVERIFY(readFile(files() + QStringLiteral("/settings.ini")) == before);
+            QVERIFY(readFile(files() + "/settings.ini") == before);
         }
     }
 }

@@ -32,8 +32,7 @@ class Session
 {
 public:
     Session()
-        : m_isMatched(QRegularExpression(QStringLiteral("a")).match(QStringLiteral("a")).hasMatch())
-        , m_application(m_argc, m_argv)
+        : m_isMatched(QRegularExpression("a").match("a").hasMatch()), m_application(m_argc, m_argv)
     {
         m_recorder.setObserver(printFatal);
     }
@@ -71,7 +70,7 @@ QString printable(const QString& text)
 
 } // namespace
 
-const QString Fuzz::fileName = QStringLiteral("FILE");
+const QString Fuzz::fileName = "FILE";
 
 void Fuzz::needDeviceRoot()
 {
@@ -131,7 +130,7 @@ QString Fuzz::writeFile(const QString& name, const QByteArray& content)
     QFile file(filePath);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
         file.write(content) != content.size()) {
-        fail(QStringLiteral("cannot write ") + filePath);
+        fail("cannot write " + filePath);
     }
     return filePath;
 }
@@ -145,7 +144,7 @@ QByteArray Fuzz::readFile(const QString& filePath)
 void Fuzz::removeFile(const QString& filePath)
 {
     if (!QFile::remove(filePath)) {
-        fail(QStringLiteral("cannot remove ") + filePath);
+        fail("cannot remove " + filePath);
     }
 }
 

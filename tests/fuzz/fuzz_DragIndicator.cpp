@@ -10,11 +10,11 @@
 
 namespace {
 
-const QString minValue = QStringLiteral("MinValue");
-const QString maxValue = QStringLiteral("MaxValue");
-const QString minValueDate = QStringLiteral("MinValueDate");
-const QString maxValueDate = QStringLiteral("MaxValueDate");
-const QString initialized = QStringLiteral("Initialized");
+const QString minValue = "MinValue";
+const QString maxValue = "MaxValue";
+const QString minValueDate = "MinValueDate";
+const QString maxValueDate = "MaxValueDate";
+const QString initialized = "Initialized";
 
 // An import as its rules are stated, in terms of JSON alone.
 class LiteralImport

@@ -33,7 +33,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                          Fuzz::takeMessages(),
                      expected);
     // Nothing is left of an earlier ID.
-    HardwareIdentification reused(QStringLiteral("1234567891234567"));
+    HardwareIdentification reused("1234567891234567");
     reused.divideHardwareID(id);
     Fuzz::verifySame("parts and messages, the second time",
                      shown(partsOf(reused), reused.containsHardwareIDOnlyNumbers(id)) +

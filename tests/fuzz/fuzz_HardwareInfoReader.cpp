@@ -42,19 +42,17 @@ QStringList valuesOf(const HardwareInfo& info)
 HardwareInfo usedRecord()
 {
     HardwareInfo info;
-    info.setType(QStringLiteral("untouched"));
-    info.setComment(QStringLiteral("untouched, too"));
+    info.setType("untouched");
+    info.setComment("untouched, too");
     return info;
 }
 
 // The values of a block, in the order in which they are read, as the literal INI file has them.
 QStringList literalRecord(const QByteArray& block)
 {
-    static const QStringList keys{QStringLiteral("Version"), QStringLiteral("LP-ID"),
-                                  QStringLiteral("Type"), QStringLiteral("TypeName"),
-                                  QStringLiteral("CompatibilityIndex")};
-    static const QString comment = QStringLiteral("Comment");
-    const QString group = QStringLiteral("");
+    static const QStringList keys{"Version", "LP-ID", "Type", "TypeName", "CompatibilityIndex"};
+    static const QString comment = "Comment";
+    const QString group = "";
     if (block.isEmpty()) {
         qWarning() << "Error on writing to temporary file for version data!";
         for (const QString& key : keys) {
@@ -67,8 +65,7 @@ QStringList literalRecord(const QByteArray& block)
     }
     static int number = 0;
     ++number;
-    const QString filePath =
-        Fuzz::writeFile(QStringLiteral("block") + QString::number(number), block);
+    const QString filePath = Fuzz::writeFile("block" + QString::number(number), block);
     QStringList values;
     {
         LiteralIniFile file(filePath, nullptr);
@@ -86,7 +83,7 @@ QStringList literalRecord(const QByteArray& block)
 // What reading the image at filePath is to give: the record, or the reason against it.
 QStringList literalRead(const QByteArray& image, const QString& filePath)
 {
-    const QStringList untouched = QStringList(QStringLiteral("no")) + valuesOf(usedRecord());
+    const QStringList untouched = QStringList("no") + valuesOf(usedRecord());
     const int headerSize =
         qBound(0, image.size() - int(EepromImage::headerAddress), expectedHeaderSize);
     if (headerSize < expectedHeaderSize) {
@@ -110,14 +107,13 @@ QStringList literalRead(const QByteArray& image, const QString& filePath)
         qWarning() << "Invalid checksum for INI block in eeprom binary file" << filePath << ".";
         return untouched;
     }
-    return QStringList(QStringLiteral("yes")) + literalRecord(block);
+    return QStringList("yes") + literalRecord(block);
 }
 
 QStringList libraryRead(HardwareInfoReader& reader, const QString& filePath)
 {
     HardwareInfo info = usedRecord();
-    const bool isRead =
-        reader.readHardwareInfoFromSysFs(Fuzz::path(QStringLiteral("hw.XXXXXX")), filePath, info);
+    const bool isRead = reader.readHardwareInfoFromSysFs(Fuzz::path("hw.XXXXXX"), filePath, info);
     return QStringList(isRead ? QStringLiteral("yes") : QStringLiteral("no")) + valuesOf(info);
 }
 
@@ -125,13 +121,13 @@ QStringList libraryRead(HardwareInfoReader& reader, const QString& filePath)
 QStringList takeMessages()
 {
     static const QRegularExpression blockFile(QRegularExpression::escape(Fuzz::folder()) +
-                                              QStringLiteral("/(hw\\.[A-Za-z]{6}|block\\d+)"));
+                                              "/(hw\\.[A-Za-z]{6}|block\\d+)");
     return Fuzz::takeMessages().replaceInStrings(blockFile, Fuzz::fileName);
 }
 
 void verifyRead(const QByteArray& image)
 {
-    const QString filePath = Fuzz::writeFile(QStringLiteral("eeprom"), image);
+    const QString filePath = Fuzz::writeFile("eeprom", image);
     const QStringList literal = literalRead(image, filePath);
     const QStringList expected = literal + takeMessages();
     HardwareInfoReader reader(nullptr);

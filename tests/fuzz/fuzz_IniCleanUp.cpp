@@ -14,7 +14,7 @@ void leaveAsItIs(QString&) {}
 
 void verifyCleanUp(const char* what, const QByteArray& content, const QByteArray& expected)
 {
-    const QString filePath = Fuzz::writeFile(QStringLiteral("settings.ini"), content);
+    const QString filePath = Fuzz::writeFile("settings.ini", content);
     IniFileManager::cleanUp(filePath);
     Fuzz::verifySame(what, Fuzz::readFile(filePath), expected);
     Fuzz::verifySame("messages", Fuzz::takeMessages(), QStringList());
@@ -33,7 +33,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         content.remove(0, 1);
         content = content.repeated(content.isEmpty() ? 0 : largeSize / content.size());
     }
-    const QString filePath = Fuzz::writeFile(QStringLiteral("literal.ini"), content);
+    const QString filePath = Fuzz::writeFile("literal.ini", content);
     const QByteArray expected = LiteralIniFile::cleanUp(filePath);
     Fuzz::removeFile(filePath);
 

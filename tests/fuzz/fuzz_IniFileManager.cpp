@@ -29,13 +29,8 @@ const char* const codecs[] = {nullptr, "UTF-8", "ISO 8859-15"};
 // What calls on a file may name: what stands in it, as it stands there, and some that do not.
 QStringList namesFor(const QByteArray& content)
 {
-    static const QRegularExpression separators(QStringLiteral("[\\n\\r=;\\[\\]]+"));
-    QStringList names{QString(),
-                      QStringLiteral("Position"),
-                      QStringLiteral("General"),
-                      QStringLiteral("A/k"),
-                      QStringLiteral("/"),
-                      QString(QChar(QChar::Null))};
+    static const QRegularExpression separators("[\\n\\r=;\\[\\]]+");
+    QStringList names{QString(), "Position", "General", "A/k", "/", QString(QChar(QChar::Null))};
     for (const QString& name : QString::fromLatin1(content).split(separators)) {
         if (names.size() == nameLimit) {
             break;
@@ -57,11 +52,11 @@ QVariant valueFor(int number, const QString& name)
     case 2:
         return true;
     case 3:
-        return QStringLiteral("a,b; c\n\"%23");
+        return "a,b; c\n\"%23";
     case 4:
         return QByteArray("a\0b", 3);
     case 5:
-        return QStringList{QStringLiteral("@one"), name};
+        return QStringList{"@one", name};
     case 6:
         return QVariantList{1.5, name};
     default:
@@ -102,7 +97,7 @@ QStringList readAll(File& file)
 
     QStringList record;
     IniCall call;
-    call.value = QStringLiteral("default");
+    call.value = "default";
     const auto callAll = [&](const auto& operations) {
         for (const int operation : operations) {
             call.operation = operation;
@@ -110,7 +105,7 @@ QStringList readAll(File& file)
         }
     };
     const QStringList generalKeys = file.getGeneralChildKeys().mid(0, sweepLimit);
-    for (const QString& key : generalKeys + QStringList(QStringLiteral("none"))) {
+    for (const QString& key : generalKeys + QStringList("none")) {
         call.key = key;
         callAll(generalReaders);
     }
@@ -126,7 +121,7 @@ QStringList readAll(File& file)
     }
     call.filter = QRegularExpression::escape(call.group);
     callAll(filterReaders);
-    call.key = QStringLiteral("k");
+    call.key = "k";
     for (call.index = -1; call.index <= groups.size(); ++call.index) {
         callAll(indexReaders);
     }
@@ -139,7 +134,7 @@ QString writeNewFile(const QByteArray& content)
 {
     static int number = 0;
     ++number;
-    return Fuzz::writeFile(QStringLiteral("settings") + QString::number(number), content);
+    return Fuzz::writeFile("settings" + QString::number(number), content);
 }
 
 template <typename File>
@@ -176,8 +171,7 @@ QStringList literalDevice(const QByteArray& content)
                        text("ApplicationVersion", "Version"),
                        text("ApplicationVersion", "ProductCode"), text("General", "CreationDate")};
     record += QString::number(
-        LiteralIniFile(filePath, nullptr)
-            .getValueInteger(QStringLiteral("system"), QStringLiteral("compatible"), 0));
+        LiteralIniFile(filePath, nullptr).getValueInteger("system", "compatible", 0));
     record += Fuzz::takeMessages(filePath);
     Fuzz::removeFile(filePath);
     return record;
@@ -185,9 +179,8 @@ QStringList literalDevice(const QByteArray& content)
 
 QStringList libraryDevice(const QByteArray& content)
 {
-    static const QStringList filePaths{QStringLiteral("/orvalis/VersionFile.ini"),
-                                       QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini"),
-                                       QStringLiteral("/etc/rauc/system.conf")};
+    static const QStringList filePaths{
+        "/orvalis/VersionFile.ini", "/orvalis/etc/OrvalisVersionInfo.ini", "/etc/rauc/system.conf"};
     for (const QString& filePath : filePaths) {
         DeviceRoot::writeFile(filePath, content);
     }

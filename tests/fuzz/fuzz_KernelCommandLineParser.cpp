@@ -78,7 +78,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 
     const QStringList words = literalWords(content);
     const KernelCommandLineParser parser;
-    const QString modeKey = QStringLiteral("orvalismode");
+    const QString modeKey = "orvalismode";
     for (const QString& key : {givenKey, modeKey, QString()}) {
         verifyKey(parser, words, key);
     }

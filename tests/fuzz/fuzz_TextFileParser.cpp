@@ -21,10 +21,10 @@ QStringList errorsOf(const QRegularExpression& expression, const QString& conten
 {
     QStringList errors;
     if (!expression.isValid()) {
-        errors += QStringLiteral("Invalid regular expresion: ") + expression.pattern();
+        errors += "Invalid regular expresion: " + expression.pattern();
     }
     if (!expression.isValid() || !expression.globalMatch(content).isValid()) {
-        errors += QStringLiteral("Invalid match on expresion: ") + expression.pattern();
+        errors += "Invalid match on expresion: " + expression.pattern();
     }
     return errors;
 }
@@ -54,9 +54,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     bytes.truncate(contentLimit);
     // Expressions that go back and forth without end are given up after so many steps, so that time
     // is left for others.
-    const QRegularExpression expression(QStringLiteral("(*LIMIT_MATCH=5000)") +
-                                        Fuzz::toText(pattern));
-    const QString filePath = Fuzz::writeFile(QStringLiteral("text"), bytes);
+    const QRegularExpression expression("(*LIMIT_MATCH=5000)" + Fuzz::toText(pattern));
+    const QString filePath = Fuzz::writeFile("text", bytes);
     const QString content = LiteralTextFile::content(bytes);
 
     const QStringList errors = errorsOf(expression, content);

@@ -64,7 +64,7 @@ void verifyTextHashes(const QByteArray& bytes)
 
 void verifyFileHashes(QByteArray bytes)
 {
-    const QString filePath = Fuzz::writeFile(QStringLiteral("file"), bytes);
+    const QString filePath = Fuzz::writeFile("file", bytes);
     QBuffer file(&bytes);
     file.open(QIODevice::ReadOnly | QIODevice::Text);
     const QByteArray text = file.readAll();
@@ -78,8 +78,7 @@ void verifyFileHashes(QByteArray bytes)
 
 void verifyFileName(const QString& extension)
 {
-    static const QRegularExpression beginning(
-        QStringLiteral("^V0_\\d{4}_\\d\\d_\\d\\dT\\d\\d_\\d\\d_\\d\\d\\.$"));
+    static const QRegularExpression beginning("^V0_\\d{4}_\\d\\d_\\d\\dT\\d\\d_\\d\\d_\\d\\d\\.$");
     const QString name = ExportFileNameCreator::create(extension);
     Fuzz::verify(name.endsWith(extension) &&
                      beginning.match(name.left(name.size() - extension.size())).hasMatch(),

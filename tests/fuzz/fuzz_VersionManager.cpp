@@ -11,7 +11,7 @@ constexpr int sizeLimit = 600; // beyond what is read by hand
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const QString version = Fuzz::toText(Fuzz::toBytes(data, size, sizeLimit));
-    const QString before = QStringLiteral("1.2.3-45");
+    const QString before = "1.2.3-45";
 
     LiteralVersion literal;
     literal.read(version);

@@ -12,7 +12,7 @@
 int main(int argc, char* argv[])
 {
     // As RaucSystemConfigIniManager reads it; what Qt keeps of a missing file is not worth caching.
-    const QString filePath = QStringLiteral("/etc/rauc/system.conf");
+    const QString filePath = "/etc/rauc/system.conf";
     if (!QFile::exists(filePath)) {
         std::puts("device root: not available; this test needs one");
         return qEnvironmentVariableIsEmpty("CI") ? 77 : 1;
@@ -29,8 +29,7 @@ int main(int argc, char* argv[])
         return 1;
     }
 
-    const QVariant index =
-        QSettings(filePath, QSettings::IniFormat).value(QStringLiteral("system/compatible"));
+    const QVariant index = QSettings(filePath, QSettings::IniFormat).value("system/compatible");
     void* const error = QMetaType::create(type);
     QMetaType::destroy(type, error);
     std::printf("device index %s, error container %s\n", qPrintable(index.toString()),

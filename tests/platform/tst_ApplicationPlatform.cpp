@@ -26,7 +26,7 @@ bool readsSucceed = true;
 
 QString DeviceManifestManager::getProductCode()
 {
-    return QStringLiteral("the application's code");
+    return "the application's code";
 }
 
 bool readDoubleValueFromJson(const QString& key, const QJsonObject& object, double& value)
@@ -40,7 +40,7 @@ bool readDoubleValueFromJson(const QString& key, const QJsonObject& object, doub
 bool readStringValueFromJson(const QString& key, const QJsonObject& object, QString& value)
 {
     Q_UNUSED(object)
-    value = QStringLiteral("the application's ") + key;
+    value = "the application's " + key;
     return readsSucceed;
 }
 
@@ -64,9 +64,8 @@ void tst_ApplicationPlatform::failedReadsLeaveNoDateAndNoFlag()
             messages().expectWarning("DragIndicator", text.arg(QLatin1String(key)));
         }
     }
-    messages().expectWarning(
-        "DragIndicator",
-        QStringLiteral("Resetting drag indicator due to errors on importing json data!"));
+    messages().expectWarning("DragIndicator",
+                             "Resetting drag indicator due to errors on importing json data!");
     DragIndicator indicator;
     QVERIFY(!indicator.fromJsonArray({QJsonObject(), QJsonObject()}));
     for (const QJsonValue& record : indicator.asJsonArray()) {
@@ -87,7 +86,7 @@ void tst_ApplicationPlatform::definitionsOfTheApplicationWin()
     qunsetenv("MISCTOOLS_PRODUCT_CODE");
     QCOMPARE(productCode, QStringLiteral("the application's code"));
 
-    const QString key = QStringLiteral("key");
+    const QString key = "key";
     double number = 0;
     QVERIFY(PlatformCaller::readDouble(key, QJsonObject(), number));
     QCOMPARE(number, 47.11);

@@ -73,7 +73,7 @@ void tst_BundledPlatform::readersTakeTheirTypeOnly()
     QFETCH(bool, isDouble);
     QFETCH(bool, isString);
     QFETCH(bool, isBool);
-    const QString key = QStringLiteral("key");
+    const QString key = "key";
     QJsonParseError error;
     const QJsonObject object = QJsonDocument::fromJson(json, &error).object();
     QCOMPARE(error.error, QJsonParseError::NoError);
@@ -82,7 +82,7 @@ void tst_BundledPlatform::readersTakeTheirTypeOnly()
     QCOMPARE(PlatformCaller::readDouble(key, object, number), isDouble);
     QCOMPARE(number == -7.25, !isDouble);
 
-    QString text = QStringLiteral("as it was");
+    QString text = "as it was";
     QCOMPARE(PlatformCaller::readString(key, object, text), isString);
     QCOMPARE(text == QLatin1String("as it was"), !isString);
 
@@ -95,13 +95,13 @@ void tst_BundledPlatform::readersTakeTheirTypeOnly()
 
 void tst_BundledPlatform::readersGiveTheValue()
 {
-    const QString key = QStringLiteral("key");
+    const QString key = "key";
     double number = 0;
     QVERIFY(PlatformCaller::readDouble(key, {{key, 1.5}}, number));
     QCOMPARE(number, 1.5);
 
     QString text;
-    QVERIFY(PlatformCaller::readString(key, {{key, QStringLiteral("text")}}, text));
+    QVERIFY(PlatformCaller::readString(key, {{key, "text"}}, text));
     QCOMPARE(text, QStringLiteral("text"));
 }
 

@@ -35,7 +35,7 @@ const QString platformLibrary = QStringLiteral(PLATFORM_LIBRARY_FILE);
 QStringList linesOf(const QString& tool, const QStringList& arguments)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C")); // the tools speak languages
+    environment.insert("LC_ALL", "C"); // the tools speak languages
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(tool, arguments);
@@ -54,7 +54,7 @@ QStringList capturedIn(const QString& file, const char* view, const QString& exp
     const QRegularExpression entry(expression);
     QStringList values;
     for (const QString& line :
-         linesOf(QStringLiteral(READELF), {QLatin1String(view), QStringLiteral("-W"), file})) {
+         linesOf(QStringLiteral(READELF), {QLatin1String(view), "-W", file})) {
         const QRegularExpressionMatch match = entry.match(line);
         if (match.hasMatch()) {
             values.append(match.captured(1));
@@ -72,9 +72,9 @@ QStringList dynamicEntries(const QString& file, const QString& tag)
 // The demangled names of the dynamic symbols that nm shows with the option.
 QStringList dynamicSymbols(const QString& file, const QString& option)
 {
-    const QRegularExpression symbol(QStringLiteral("^[0-9a-f ]+ [A-Za-z] (.*)$"));
+    const QRegularExpression symbol("^[0-9a-f ]+ [A-Za-z] (.*)$");
     QStringList names;
-    for (const QString& line : linesOf(QStringLiteral(NM), {QStringLiteral("-DC"), option, file})) {
+    for (const QString& line : linesOf(QStringLiteral(NM), {"-DC", option, file})) {
         const QRegularExpressionMatch match = symbol.match(line);
         if (match.hasMatch()) {
             names.append(match.captured(1));
@@ -86,7 +86,7 @@ QStringList dynamicSymbols(const QString& file, const QString& option)
 // Those that a file defines.
 QStringList definedSymbols(const QString& file)
 {
-    return dynamicSymbols(file, QStringLiteral("--defined-only"));
+    return dynamicSymbols(file, "--defined-only");
 }
 
 // The public interface as a header declares it. A name stands as often as it is overloaded.
@@ -100,19 +100,18 @@ struct Interface
 void readMembers(const QString& className, QString body, Interface& interface)
 {
     // Bodies of nested types, access labels and macros are no declarations of the class.
-    body.remove(QRegularExpression(QStringLiteral("\\{[^}]*\\}")));
-    body.remove(QRegularExpression(
-        QStringLiteral("\\b(?:public|protected|private)(?: Q_SLOTS)?:|\\bQ_SIGNALS:")));
+    body.remove(QRegularExpression("\\{[^}]*\\}"));
+    body.remove(QRegularExpression("\\b(?:public|protected|private)(?: Q_SLOTS)?:|\\bQ_SIGNALS:"));
     if (body.contains(QLatin1String("Q_OBJECT"))) {
         for (const char* function : {"metaObject", "qt_metacast", "qt_metacall"}) {
             interface.functions.append(className + QLatin1String("::") + QLatin1String(function));
         }
         interface.variables.append(className + QLatin1String("::staticMetaObject"));
     }
-    body.remove(QRegularExpression(QStringLiteral("\\bQ_OBJECT\\b|\\bQ_DISABLE_COPY\\(\\w+\\)")));
+    body.remove(QRegularExpression("\\bQ_OBJECT\\b|\\bQ_DISABLE_COPY\\(\\w+\\)"));
 
-    const QRegularExpression function(QStringLiteral("(~?\\w+)\\("));
-    const QRegularExpression variable(QStringLiteral("^\\s*static\\b.*\\b(\\w+)(?:\\[\\w*\\])?$"));
+    const QRegularExpression function("(~?\\w+)\\(");
+    const QRegularExpression variable("^\\s*static\\b.*\\b(\\w+)(?:\\[\\w*\\])?$");
     for (const QString& declaration : body.split(QLatin1Char(';'))) {
         if (declaration.contains(QLatin1String("= default"))) {
             continue; // made wherever it is used
@@ -132,11 +131,10 @@ void readMembers(const QString& className, QString body, Interface& interface)
 Interface readHeader(QString text)
 {
     Interface interface;
-    text.remove(QRegularExpression(QStringLiteral("/\\*.*?\\*/|//[^\\n]*"),
+    text.remove(QRegularExpression("/\\*.*?\\*/|//[^\\n]*",
                                    QRegularExpression::DotMatchesEverythingOption));
-    const QRegularExpression classExpression(
-        QStringLiteral("class MISCTOOLS_EXPORT (\\w+)[^{;]*\\{(.*?)\\n\\};"),
-        QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpression classExpression("class MISCTOOLS_EXPORT (\\w+)[^{;]*\\{(.*?)\\n\\};",
+                                             QRegularExpression::DotMatchesEverythingOption);
     QRegularExpressionMatchIterator classes = classExpression.globalMatch(text);
     while (classes.hasNext()) {
         const QRegularExpressionMatch match = classes.next();
@@ -144,7 +142,7 @@ Interface readHeader(QString text)
         readMembers(match.captured(1), match.captured(2), interface);
     }
     const QRegularExpression functionExpression(
-        QStringLiteral("(?<!class )\\bMISCTOOLS_EXPORT [^;{]*?(operator<<|\\w+)\\("));
+        "(?<!class )\\bMISCTOOLS_EXPORT [^;{]*?(operator<<|\\w+)\\(");
     QRegularExpressionMatchIterator functions = functionExpression.globalMatch(text);
     while (functions.hasNext()) {
         interface.functions.append(functions.next().captured(1));
@@ -155,7 +153,7 @@ Interface readHeader(QString text)
 Interface publicInterface()
 {
     Interface interface;
-    QDirIterator headers(QStringLiteral(INCLUDE_FOLDER), {QStringLiteral("*.h")});
+    QDirIterator headers(QStringLiteral(INCLUDE_FOLDER), {"*.h"});
     while (headers.hasNext()) {
         QFile header(headers.next());
         if (!header.open(QIODevice::ReadOnly)) {
@@ -176,9 +174,8 @@ Interface readSymbols(QStringList symbols)
     // One constructor or destructor stands there under up to three names that are spelled alike.
     symbols.removeDuplicates();
     Interface interface;
-    const QRegularExpression table(QStringLiteral("^vtable for (\\w+)$"));
-    const QRegularExpression made(
-        QStringLiteral("^(?:typeinfo for|typeinfo name for|(?:non-)?virtual thunk to) "));
+    const QRegularExpression table("^vtable for (\\w+)$");
+    const QRegularExpression made("^(?:typeinfo for|typeinfo name for|(?:non-)?virtual thunk to) ");
     for (const QString& symbol : qAsConst(symbols)) {
         const QRegularExpressionMatch match = table.match(symbol);
         if (match.hasMatch()) {
@@ -204,10 +201,10 @@ QByteArray surplus(QStringList names, const QStringList& others)
 }
 
 const QStringList platformFunctions{
-    QStringLiteral("DeviceManifestManager::getProductCode()"),
-    QStringLiteral("readBoolValueFromJson(QString const&, QJsonObject const&, bool&)"),
-    QStringLiteral("readDoubleValueFromJson(QString const&, QJsonObject const&, double&)"),
-    QStringLiteral("readStringValueFromJson(QString const&, QJsonObject const&, QString&)"),
+    "DeviceManifestManager::getProductCode()",
+    "readBoolValueFromJson(QString const&, QJsonObject const&, bool&)",
+    "readDoubleValueFromJson(QString const&, QJsonObject const&, double&)",
+    "readStringValueFromJson(QString const&, QJsonObject const&, QString&)",
 };
 
 } // namespace
@@ -216,9 +213,8 @@ void tst_LibraryFile::sonames_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("soname");
-    QTest::newRow("library") << library << QStringLiteral("libMiscTools.so.1");
-    QTest::newRow("bundled platform library")
-        << platformLibrary << QStringLiteral("libMiscToolsPlatform.so.1");
+    QTest::newRow("library") << library << "libMiscTools.so.1";
+    QTest::newRow("bundled platform library") << platformLibrary << "libMiscToolsPlatform.so.1";
 }
 
 void tst_LibraryFile::sonames()
@@ -230,9 +226,9 @@ void tst_LibraryFile::sonames()
 
 void tst_LibraryFile::neededLibraries()
 {
-    QStringList needed = dynamicEntries(library, QStringLiteral("NEEDED"));
-    QVERIFY(needed.removeOne(QStringLiteral("libQt5Core.so.5")));
-    QVERIFY(needed.removeOne(QStringLiteral("libMiscToolsPlatform.so.1")));
+    QStringList needed = dynamicEntries(library, "NEEDED");
+    QVERIFY(needed.removeOne("libQt5Core.so.5"));
+    QVERIFY(needed.removeOne("libMiscToolsPlatform.so.1"));
     // What is left belongs to the compiler and the system.
     const QRegularExpression runtime(QStringLiteral(
         "^(?:libstdc\\+\\+|libm|libgcc_s|libc|libpthread|libatomic|ld-linux[\\w-]*)\\.so\\.\\d+$"));
@@ -308,14 +304,11 @@ MISCTOOLS_EXPORT QDebug operator<<(QDebug debug, const Thing& thing);
 void tst_LibraryFile::symbolsAreUnderstood()
 {
     const Interface interface = readSymbols(
-        {QStringLiteral("Thing::Thing(QObject*)"), QStringLiteral("Thing::Thing(QObject*)"),
-         QStringLiteral("Thing::~Thing()"), QStringLiteral("Thing::name() const"),
-         QStringLiteral("Thing::name(int) const"), QStringLiteral("vtable for Thing"),
-         QStringLiteral("typeinfo for Thing"), QStringLiteral("typeinfo name for Thing"),
-         QStringLiteral("Thing::sm_List"), QStringLiteral("non-virtual thunk to Thing::~Thing()"),
-         QStringLiteral("operator<<(QDebug, Thing const&)"), QStringLiteral("helper"),
-         QStringLiteral("(anonymous namespace)::helper()"),
-         QStringLiteral("QList<Thing>::append(Thing const&)")});
+        {"Thing::Thing(QObject*)", "Thing::Thing(QObject*)", "Thing::~Thing()",
+         "Thing::name() const", "Thing::name(int) const", "vtable for Thing", "typeinfo for Thing",
+         "typeinfo name for Thing", "Thing::sm_List", "non-virtual thunk to Thing::~Thing()",
+         "operator<<(QDebug, Thing const&)", "helper", "(anonymous namespace)::helper()",
+         "QList<Thing>::append(Thing const&)"});
     QCOMPARE(interface.classes, QStringList(QStringLiteral("Thing")));
     // Strangers keep enough of their names to be found.
     QCOMPARE(interface.functions.join(QLatin1Char(' ')),
@@ -367,41 +360,41 @@ void tst_LibraryFile::loaderProtectsIt()
     QFETCH(QString, file);
 
     // All calls are bound at load, and what they go through is read-only after that.
-    const QString flags = QStringLiteral("\\(FLAGS\\)\\s+(.*\\S)");
+    const QString flags = "\\(FLAGS\\)\\s+(.*\\S)";
     // "Flags:" is what binutils' readelf adds; LLVM's has none.
-    const QString flags1 = QStringLiteral("\\(FLAGS_1\\)\\s+(?:Flags: )?(.*\\S)");
+    const QString flags1 = "\\(FLAGS_1\\)\\s+(?:Flags: )?(.*\\S)";
     QCOMPARE(capturedIn(file, "-d", flags)
                  .join(QLatin1Char(' '))
                  .split(QLatin1Char(' '))
-                 .count(QStringLiteral("BIND_NOW")),
+                 .count("BIND_NOW"),
              1);
     QVERIFY(capturedIn(file, "-d", flags1)
                 .join(QLatin1Char(' '))
                 .split(QLatin1Char(' '))
-                .contains(QStringLiteral("NOW")));
-    const QString protection = QStringLiteral("^\\s+%1(?:\\s+0x[0-9a-f]+){5}\\s+([RWE ]{3})\\s");
+                .contains("NOW"));
+    const QString protection = "^\\s+%1(?:\\s+0x[0-9a-f]+){5}\\s+([RWE ]{3})\\s";
     QCOMPARE(capturedIn(file, "-l", protection.arg(QStringLiteral("GNU_RELRO"))),
-             QStringList(QStringLiteral("R  ")));
+             QStringList("R  "));
     // The stack holds no code, code is not written to, and what is written to is no code.
     QCOMPARE(capturedIn(file, "-l", protection.arg(QStringLiteral("GNU_STACK"))),
-             QStringList(QStringLiteral("RW ")));
-    const QStringList loaded = capturedIn(file, "-l", protection.arg(QStringLiteral("LOAD")));
+             QStringList("RW "));
+    const QStringList loaded = capturedIn(file, "-l", protection.arg("LOAD"));
     QVERIFY(loaded.size() >= 2);
-    QVERIFY(!loaded.contains(QStringLiteral("RWE")));
-    const QString dynamicTag = QStringLiteral("\\((\\w+)\\)");
+    QVERIFY(!loaded.contains("RWE"));
+    const QString dynamicTag = "\\((\\w+)\\)";
     const QStringList tags = capturedIn(file, "-d", dynamicTag);
-    QVERIFY(tags.contains(QStringLiteral("SONAME")));
-    QVERIFY(!tags.contains(QStringLiteral("TEXTREL")));
+    QVERIFY(tags.contains("SONAME"));
+    QVERIFY(!tags.contains("TEXTREL"));
 }
 
 // Qt's caches refer to its static texts.
 void tst_LibraryFile::staysLoaded()
 {
-    const QString flags1 = QStringLiteral("\\(FLAGS_1\\)\\s+Flags: (.*\\S)");
+    const QString flags1 = "\\(FLAGS_1\\)\\s+Flags: (.*\\S)";
     QVERIFY(capturedIn(library, "-d", flags1)
                 .join(QLatin1Char(' '))
                 .split(QLatin1Char(' '))
-                .contains(QStringLiteral("NODELETE")));
+                .contains("NODELETE"));
 }
 
 void tst_LibraryFile::releaseBuildsGuardTheStack_data()
@@ -412,9 +405,8 @@ void tst_LibraryFile::releaseBuildsGuardTheStack_data()
 void tst_LibraryFile::releaseBuildsGuardTheStack()
 {
     QFETCH(QString, file);
-    const QStringList needed =
-        dynamicSymbols(file, QStringLiteral("--undefined-only"))
-            .filter(QRegularExpression(QStringLiteral("^__stack_chk_fail(?:@|$)")));
+    const QStringList needed = dynamicSymbols(file, "--undefined-only")
+                                   .filter(QRegularExpression("^__stack_chk_fail(?:@|$)"));
     QCOMPARE(needed.size(), IS_SHIPPED);
 }
 

@@ -24,7 +24,7 @@ QStringList entries(const QString& folder)
 long countInotifyWatches()
 {
     long watches = 0;
-    const QString folder = QStringLiteral("/proc/self/fdinfo/");
+    const QString folder = "/proc/self/fdinfo/";
     for (const QString& descriptor : entries(folder)) {
         watches += readAll(folder + descriptor).count("inotify wd:");
     }
@@ -41,7 +41,7 @@ bool isChild(const QString& process)
 long countChildren()
 {
     long children = 0;
-    for (const QString& process : entries(QStringLiteral("/proc"))) {
+    for (const QString& process : entries("/proc")) {
         bool isProcess = false;
         process.toInt(&isProcess);
         children += isProcess && isChild(process) ? 1 : 0;
@@ -51,7 +51,7 @@ long countChildren()
 
 long readResidentInKiB()
 {
-    const QByteArray pages = readAll(QStringLiteral("/proc/self/statm")).split(' ').value(1);
+    const QByteArray pages = readAll("/proc/self/statm").split(' ').value(1);
     return pages.toLong() * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
@@ -70,8 +70,8 @@ long readHeapInKiB()
 ProcessUsage ProcessUsage::now()
 {
     ProcessUsage usage;
-    usage.descriptors = entries(QStringLiteral("/proc/self/fd")).size();
-    usage.threads = entries(QStringLiteral("/proc/self/task")).size();
+    usage.descriptors = entries("/proc/self/fd").size();
+    usage.threads = entries("/proc/self/task").size();
     usage.children = countChildren();
     usage.inotifyWatches = countInotifyWatches();
     usage.heapInKiB = readHeapInKiB();

@@ -126,7 +126,7 @@ void watchDirectories(const QString& root)
         require(watcher.addPath(QStringLiteral("%1/folder%2").arg(root).arg(i)),
                 "a folder cannot be watched");
     }
-    const QString file = root + QStringLiteral("/folder0/new.tmp");
+    const QString file = root + "/folder0/new.tmp";
     const char* const trouble = "a change was not noticed";
     awaitSignal(
         &watcher, &DirectoryWatcher::directoryChanged, [&] { touch(file); }, trouble);
@@ -139,7 +139,7 @@ void watchDirectories(const QString& root)
 void searchInPool(const QString& root, QThreadPool& pool)
 {
     int found = 0;
-    auto* worker = new RecursiveFileSearchWorkerThread(root, QStringList(QStringLiteral("*.txt")));
+    auto* worker = new RecursiveFileSearchWorkerThread(root, QStringList("*.txt"));
     QObject receiver;
     QObject::connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, &receiver,
                      [&found](const QStringList& result) { found = result.size(); });
@@ -153,7 +153,7 @@ void searchMedium(const QString& root)
 {
     int found = 0;
     MediaWatcher watcher(nullptr);
-    watcher.setFileMatchPatternList({QStringLiteral("*.txt"), QStringLiteral("folder*")});
+    watcher.setFileMatchPatternList({"*.txt", "folder*"});
     QObject::connect(&watcher, &MediaWatcher::filesFound,
                      [&found](const QFileInfoList& files) { found = files.size(); });
     watcher.mediumMounted(root);
@@ -166,29 +166,26 @@ void searchMedium(const QString& root)
 void runPrograms()
 {
     QProcessHandler handler;
-    require(handler.startProcess(QStringLiteral("true"), {}) == 0, "true gave something else");
-    require(handler.startProcess(QStringLiteral("echo"), {QStringLiteral("text")}) == 0 &&
+    require(handler.startProcess("true", {}) == 0, "true gave something else");
+    require(handler.startProcess("echo", {"text"}) == 0 &&
                 handler.getStandardOutput() == QLatin1String("text\n"),
             "echo gave something else");
-    require(handler.startProcess(QStringLiteral("/nonexistent/program"), {}) == -1,
+    require(handler.startProcess("/nonexistent/program", {}) == -1,
             "a missing program was started");
     // Still runs when the handler goes.
     handler.setWaitForFinishedTimeout(1);
-    require(handler.startProcess(QStringLiteral("sleep"), {QStringLiteral("100")}) == -1,
-            "sleep did not time out");
+    require(handler.startProcess("sleep", {"100"}) == -1, "sleep did not time out");
 }
 
 void parseText(const QString& root)
 {
-    const QString path = root + QStringLiteral("/version");
+    const QString path = root + "/version";
     require(write(path, "version=1\nversion=2\n"), "a text file cannot be written");
     TextFileParser parser(path);
-    require(parser.multiMatch(QRegularExpression(QStringLiteral("version=(\\d)"))) ==
-                QStringList({QStringLiteral("1"), QStringLiteral("2")}),
+    require(parser.multiMatch(QRegularExpression("version=(\\d)")) == QStringList({"1", "2"}),
             "a text file matches something else");
-    require(parser.match(QRegularExpression(QStringLiteral("("))).isNull(),
-            "an invalid expression matches");
-    require(TextFileParser(root + QStringLiteral("/none")).hasError(), "a missing file was read");
+    require(parser.match(QRegularExpression("(")).isNull(), "an invalid expression matches");
+    require(TextFileParser(root + "/none").hasError(), "a missing file was read");
     require(QFile::remove(path), "a text file cannot be removed");
 }
 
@@ -197,8 +194,8 @@ void readHardware(const QString& root)
     // Every key is there but the one that a board may lack in silence.
     const EepromImage image("Type=4711\nTypeName=Board\nVersion=2.1\nCompatibilityIndex=3\n"
                             "LP-ID=LP-000815\n");
-    const QString path = root + QStringLiteral("/eeprom");
-    const QString temporary = root + QStringLiteral("/hwinfo.XXXXXX");
+    const QString path = root + "/eeprom";
+    const QString temporary = root + "/hwinfo.XXXXXX";
     HardwareInfoReader reader(nullptr);
     HardwareInfo info;
     require(write(path, image.bytes()) && reader.readHardwareInfoFromSysFs(temporary, path, info) &&
@@ -212,7 +209,7 @@ void readHardware(const QString& root)
 
 void hashFiles(const QString& root)
 {
-    const QString path = root + QStringLiteral("/hashed");
+    const QString path = root + "/hashed";
     require(write(path, QByteArray(100000, 'x')), "a file to hash cannot be written");
     require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).toHex() ==
                 "d5816f35916d1d9482fb0f1ec201101d",

@@ -13,7 +13,7 @@ constexpr int processCount = 2;
 constexpr int longWhileInMs = 120000;
 constexpr char writerArgument[] = "write";
 
-const QString group = QStringLiteral("Group");
+const QString group = "Group";
 
 QString keyOf(const QString& writer, int round)
 {
@@ -49,7 +49,7 @@ private Q_SLOTS:
 void tst_IniFileManagerProcesses::nobodysKeysAreLost()
 {
     const int roundCount = stressRounds(1000, 1000);
-    const QString file = writeFile(QStringLiteral("shared.ini"), "[Group]\nFixed=1\n");
+    const QString file = writeFile("shared.ini", "[Group]\nFixed=1\n");
     std::vector<std::unique_ptr<QProcess>> processes;
     QStringList writers;
     for (int i = 0; i < processCount; ++i) {

@@ -13,10 +13,10 @@ namespace {
 
 using Call = std::function<void(IniFileManager&)>;
 
-const QString group = QStringLiteral("Group");
-const QString key = QStringLiteral("Key");
-const QString missing = QStringLiteral("Missing");
-const QString text = QStringLiteral("Text");
+const QString group = "Group";
+const QString key = "Key";
+const QString missing = "Missing";
+const QString text = "Text";
 
 // Long enough for any call that does not wait, short enough for many rows.
 constexpr int shortWhileInMs = 40;
@@ -131,8 +131,7 @@ private:
 
 QString tst_IniFileManagerThreads::iniFile()
 {
-    return writeFile(QStringLiteral("file.ini"),
-                     "Key=1\nText=abc\n[Group]\nKey=2\nText=abc\nPosition=-1\n");
+    return writeFile("file.ini", "Key=1\nText=abc\n[Group]\nKey=2\nText=abc\nPosition=-1\n");
 }
 
 void tst_IniFileManagerThreads::lockingCallsWait_data()
@@ -357,7 +356,7 @@ void tst_IniFileManagerThreads::handlersMayCallBack()
 {
     QFETCH(Call, call);
 
-    const QString made = QStringLiteral("MadeByHandler");
+    const QString made = "MadeByHandler";
     const QString file = iniFile();
     IniFileManager manager(file, nullptr);
     int value = 0;
@@ -419,9 +418,8 @@ void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
     const int questions = stressRounds(60000, 60000);
 
     IniFileManager manager(
-        writeFile(QStringLiteral("groups.ini"), "top=1\n[A]\nk=1\nn/deep=1\n[B]\nk=2\n[C]\nk=3\n"),
-        nullptr);
-    const QStringList expected = {QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")};
+        writeFile("groups.ini", "top=1\n[A]\nk=1\nn/deep=1\n[B]\nk=2\n[C]\nk=3\n"), nullptr);
+    const QStringList expected = {"A", "B", "C"};
     std::atomic<bool> stop{false};
     std::atomic<int> wrongValues{0};
     std::vector<std::thread> threads;
@@ -429,13 +427,13 @@ void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
         threads.emplace_back([&, i] {
             const QString ownGroup = expected.at(i);
             while (!stop) {
-                if (manager.getValueInteger(ownGroup, QStringLiteral("k"), -1) != i + 1 ||
-                    !manager.contains(ownGroup, QStringLiteral("k")) ||
-                    manager.getChildKeys(ownGroup) != QStringList(QStringLiteral("k"))) {
+                if (manager.getValueInteger(ownGroup, "k", -1) != i + 1 ||
+                    !manager.contains(ownGroup, "k") ||
+                    manager.getChildKeys(ownGroup) != QStringList("k")) {
                     ++wrongValues;
                 }
-                manager.setValue(ownGroup, QStringLiteral("k"), i + 1);
-                manager.removeValue(ownGroup, QStringLiteral("none"));
+                manager.setValue(ownGroup, "k", i + 1);
+                manager.removeValue(ownGroup, "none");
             }
         });
     }
@@ -492,11 +490,10 @@ void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment()
     const int reads = stressRounds(10000, 10000);
 
     QFETCH(Call, read);
-    const QString first = QStringLiteral("A");
-    const QString position = QStringLiteral("Position");
-    IniFileManager manager(writeFile(QStringLiteral("positions.ini"),
-                                     "[A]\nPosition=0\nKey=1\n[B]\nPosition=0\nKey=2\n"),
-                           nullptr);
+    const QString first = "A";
+    const QString position = "Position";
+    IniFileManager manager(
+        writeFile("positions.ini", "[A]\nPosition=0\nKey=1\n[B]\nPosition=0\nKey=2\n"), nullptr);
     std::atomic<bool> stop{false};
     std::thread writer([&] {
         while (!stop) {
@@ -552,7 +549,7 @@ void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes()
             std::atomic<bool> stop{false};
             std::thread writer([&] {
                 for (int i = 0; i < 8; ++i) {
-                    manager.setValue(group, QStringLiteral("other"), i);
+                    manager.setValue(group, "other", i);
                 }
                 write(manager);
                 stop = true;
@@ -603,7 +600,7 @@ void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
         const QByteArray position = QByteArray::number(t + 1);
         content += "[Thread" + number + "]\nk=-1\nPosition=" + position + '\n';
     }
-    const QString file = writeFile(QStringLiteral("mixed.ini"), content);
+    const QString file = writeFile("mixed.ini", content);
     std::atomic<int> mistakes{0};
     {
         IniFileManager manager(file, "UTF-8");
@@ -615,28 +612,26 @@ void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
                 const QString general = QStringLiteral("general%1").arg(t);
                 const auto check = [&mistakes](bool right) { mistakes += right ? 0 : 1; };
                 for (int i = 0; i < rounds; ++i) {
-                    manager.setValue(own, QStringLiteral("k"), i);
+                    manager.setValue(own, "k", i);
                     manager.setGeneralValue(general, i);
-                    check(manager.getValueInteger(own, QStringLiteral("k"), -1) == i);
+                    check(manager.getValueInteger(own, "k", -1) == i);
                     check(manager.containsGeneral(general));
                     check(manager.getGeneralValueInteger(general, -1) == i);
-                    check(manager.getValueInteger(t + 1, QStringLiteral("k"), -1) == i);
-                    check(
-                        manager.getValueBool(QStringLiteral("Fixed"), QStringLiteral("k"), false));
+                    check(manager.getValueInteger(t + 1, "k", -1) == i);
+                    check(manager.getValueBool("Fixed", "k", false));
                     switch (i % 8) {
                     case 0:
                         check(manager.getGroups().contains(own));
                         break;
                     case 1:
-                        check(manager.getGroups(QStringLiteral("Fix")) ==
-                              QStringList(QStringLiteral("Fixed")));
+                        check(manager.getGroups("Fix") == QStringList("Fixed"));
                         break;
                     case 2:
-                        check(manager.getGroupValues(own).value(QStringLiteral("k")).toInt() == i);
+                        check(manager.getGroupValues(own).value("k").toInt() == i);
                         break;
                     case 3:
-                        manager.removeValue(own, QStringLiteral("k"));
-                        check(!manager.contains(own, QStringLiteral("k")));
+                        manager.removeValue(own, "k");
+                        check(!manager.contains(own, "k"));
                         break;
                     case 4:
                         check(manager.getGeneralChildKeys().contains(general));
@@ -654,7 +649,7 @@ void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
                         break;
                     }
                 }
-                manager.setValue(own, QStringLiteral("k"), QStringLiteral("end"));
+                manager.setValue(own, "k", "end");
                 --running;
             });
         }
@@ -668,9 +663,7 @@ void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
     QCOMPARE(mistakes.load(), 0);
     const IniFileManager reopened(file, "UTF-8");
     for (int t = 0; t < threadCount; ++t) {
-        QCOMPARE(reopened.getValueString(QStringLiteral("Thread%1").arg(t), QStringLiteral("k"),
-                                         QString()),
-                 QStringLiteral("end"));
+        QCOMPARE(reopened.getValueString(QStringLiteral("Thread%1").arg(t), "k", QString()), "end");
         QCOMPARE(reopened.getGeneralValueInteger(QStringLiteral("general%1").arg(t), -1),
                  rounds - 1);
     }

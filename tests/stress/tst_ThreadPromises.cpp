@@ -80,29 +80,28 @@ QString tst_ThreadPromises::addDirectory(int number) const
 {
     const QString name = QString::number(number);
     QDir(folder()).mkdir(name);
-    writeFile(name + QStringLiteral("/file") + name, name.toLatin1());
+    writeFile(name + "/file" + name, name.toLatin1());
     return path(name);
 }
 
 void tst_ThreadPromises::fixedLocationReadersMayBeShared()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
-    DeviceRoot::writeFile(QStringLiteral("/orvalis/VersionFile.ini"),
+    DeviceRoot::writeFile("/orvalis/VersionFile.ini",
                           "[MainVersion]\nVersionString=V8.12.3\nVersionStringHash=ab12\n");
     DeviceRoot::writeFile(
-        QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini"),
+        "/orvalis/etc/OrvalisVersionInfo.ini",
         "[%General]\nCreationDate=2026\n[ApplicationVersion]\nVersion=1.2\nProductCode=3\n");
-    DeviceRoot::writeFile(QStringLiteral("/etc/rauc/system.conf"), "[system]\ncompatible=7\n");
+    DeviceRoot::writeFile("/etc/rauc/system.conf", "[system]\ncompatible=7\n");
     const VersionFileIniManager versions;
     const OrvalisVersionInfoIniManager application;
     const RaucSystemConfigIniManager configuration;
     const auto isRight = [&versions, &application, &configuration](int) {
-        return versions.getMainVersionVersionString() == QStringLiteral("V8.12.3") &&
-               versions.getVersionStringHash() == QStringLiteral("ab12") &&
-               application.getApplicationVersion() == QStringLiteral("1.2") &&
-               application.getProductCode() == QStringLiteral("3") &&
-               application.getCreationDate() == QStringLiteral("2026") &&
-               configuration.getDeviceIndex() == QStringLiteral("7");
+        return versions.getMainVersionVersionString() == "V8.12.3" &&
+               versions.getVersionStringHash() == "ab12" &&
+               application.getApplicationVersion() == "1.2" &&
+               application.getProductCode() == "3" && application.getCreationDate() == "2026" &&
+               configuration.getDeviceIndex() == "7";
     };
     QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
 }
@@ -122,15 +121,12 @@ void tst_ThreadPromises::kernelCommandLineMayBeShared()
 
 void tst_ThreadPromises::versionGettersMayBeShared()
 {
-    const VersionManager version(QStringLiteral("8.1.2.3.4-g1a2b"));
+    const VersionManager version("8.1.2.3.4-g1a2b");
     const auto isRight = [&version](int) {
-        return !version.isOldVersion() && version.getMainVersion() == QStringLiteral("8.1.2.3.4") &&
-               version.getBaseNumber() == QStringLiteral("8") &&
-               version.getMajorIndex() == QStringLiteral("1") &&
-               version.getMinorIndex() == QStringLiteral("2") &&
-               version.getPatchVersion() == QStringLiteral("3") &&
-               version.getBuildNumber() == QStringLiteral("4") &&
-               version.getGitHash() == QStringLiteral("g1a2b");
+        return !version.isOldVersion() && version.getMainVersion() == "8.1.2.3.4" &&
+               version.getBaseNumber() == "8" && version.getMajorIndex() == "1" &&
+               version.getMinorIndex() == "2" && version.getPatchVersion() == "3" &&
+               version.getBuildNumber() == "4" && version.getGitHash() == "g1a2b";
     };
     QCOMPARE(rightAnswersInManyThreads(quickCalls(), isRight), all(quickCalls()));
 }
@@ -170,7 +166,7 @@ void tst_ThreadPromises::functionsWithoutObjectMayBeCalledFromAnyThread()
                VariantConversionTools::toBool(QVariant(number % 2), flag) && flag == isOdd &&
                VariantConversionTools::toString(QVariant(number), converted) && converted == text &&
                concatenatePaths(text, text) == text + QLatin1Char('/') + text &&
-               mode == QStringLiteral("orvalismodefactoryreset/proc/cmdline");
+               mode == "orvalismodefactoryreset/proc/cmdline";
     };
     QCOMPARE(rightAnswersInManyThreads(quickCalls(), isRight), all(quickCalls()));
 }
@@ -178,15 +174,14 @@ void tst_ThreadPromises::functionsWithoutObjectMayBeCalledFromAnyThread()
 void tst_ThreadPromises::functionsThatReadFilesMayBeCalledFromAnyThread()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
-    DeviceRoot::writeFile(QStringLiteral("/etc/rauc/system.conf"), "[system]\ncompatible=7\n");
+    DeviceRoot::writeFile("/etc/rauc/system.conf", "[system]\ncompatible=7\n");
     const auto isRight = [this](int number) {
         const QString text = QString::number(number);
         const QByteArray bytes(1000 * (number + 1), char('0' + number));
         const QString exported = ExportFileNameCreator::create(text);
         return HashGenerator::createHashFromFile(writeFile(text, bytes), QCryptographicHash::Md5) ==
                    QCryptographicHash::hash(bytes, QCryptographicHash::Md5) &&
-               exported.startsWith(QStringLiteral("V7_")) &&
-               exported.endsWith(QLatin1Char('.') + text);
+               exported.startsWith("V7_") && exported.endsWith(QLatin1Char('.') + text);
     };
     QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
 }
@@ -199,7 +194,7 @@ void tst_ThreadPromises::searchesMayBeCalledFromAnyThread()
     const auto isRight = [this](int number) {
         const QString name = QStringLiteral("file%1").arg(number);
         QStringList paths;
-        searchFilesOnPathRecursive(path(QString::number(number)), {QStringLiteral("file*")}, paths);
+        searchFilesOnPathRecursive(path(QString::number(number)), {"file*"}, paths);
         QFileInfoList files;
         searchFilesOnPathRecursive(folder(), {name}, QDir::Files, files);
         return paths == QStringList(name) && files.size() == 1 &&
@@ -239,7 +234,7 @@ void tst_ThreadPromises::directoryWatcherRunsInTheThreadOfItsEventLoop()
                         events.quit();
                     });
             QTimer::singleShot(10000, &events, [&events] { events.quit(); });
-            QDir(directory).mkdir(QStringLiteral("new"));
+            QDir(directory).mkdir("new");
             events.exec();
         }));
         threads.back()->start();
@@ -263,7 +258,7 @@ void tst_ThreadPromises::mediaWatcherWorksInTheThreadThatCalls()
         QStringList found;
         MediaWatcher watcher(nullptr);
         watcher.setRecursive(number % 2 != 0);
-        watcher.setFileMatchPatternList({QStringLiteral("file*")});
+        watcher.setFileMatchPatternList({"file*"});
         connect(&watcher, &MediaWatcher::filesFound, [&found](const QFileInfoList& files) {
             for (const QFileInfo& file : files) {
                 found.append(file.fileName());
@@ -287,8 +282,8 @@ void tst_ThreadPromises::searchWorkersReportAcrossThreads()
     QStringList found;
     std::vector<std::unique_ptr<RecursiveFileSearchWorkerThread>> workers;
     for (int number = 0; number < threadCount; ++number) {
-        workers.push_back(std::make_unique<RecursiveFileSearchWorkerThread>(
-            addDirectory(number), QStringList(QStringLiteral("file*"))));
+        workers.push_back(std::make_unique<RecursiveFileSearchWorkerThread>(addDirectory(number),
+                                                                            QStringList("file*")));
         connect(workers.back().get(), &RecursiveFileSearchWorkerThread::searchFinished, &receiver,
                 [&found](const QStringList& paths) { found += paths; });
     }
@@ -309,18 +304,17 @@ void tst_ThreadPromises::separateReadersAreIndependent()
     const auto isRight = [this](int number) {
         const QString name = addDirectory(number);
         const QByteArray value = QByteArray::number(number);
-        const QString image = writeFile(QStringLiteral("image") + QString::fromLatin1(value),
+        const QString image = writeFile("image" + QString::fromLatin1(value),
                                         EepromImage("Type=" + value +
                                                     "\nTypeName=a\nVersion=1\n"
                                                     "CompatibilityIndex=2\nLP-ID=3\n")
                                             .bytes());
         HardwareInfo info;
         HardwareInfoReader reader(nullptr);
-        const bool isRead =
-            reader.readHardwareInfoFromSysFs(name + QStringLiteral("/hw.XXXXXX"), image, info) &&
-            info.type() == QString::number(number);
+        const bool isRead = reader.readHardwareInfoFromSysFs(name + "/hw.XXXXXX", image, info) &&
+                            info.type() == QString::number(number);
         TextFileParser parser(name + QStringLiteral("/file%1").arg(number));
-        const QRegularExpression anything(QStringLiteral("(\\d)"));
+        const QRegularExpression anything("(\\d)");
         return isRead && parser.match(anything) == QString::number(number) &&
                parser.multiMatch(anything) == QStringList(QString::number(number));
     };
@@ -354,8 +348,7 @@ void tst_ThreadPromises::separateProcessesAreIndependent()
     const auto isRight = [](int number) {
         QProcessHandler handler;
         const QString command = QStringLiteral("echo %1; echo %1 >&2; exit %1").arg(number);
-        return handler.startProcess(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command}) ==
-                   number &&
+        return handler.startProcess("/bin/sh", {"-c", command}) == number &&
                handler.getStandardOutput() == QStringLiteral("%1\n").arg(number) &&
                handler.getStandardError() == QStringLiteral("%1\n").arg(number);
     };

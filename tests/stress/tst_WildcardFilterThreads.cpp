@@ -22,18 +22,16 @@ struct Name
 QVector<Name> namesOfThread(int thread)
 {
     const QString stem = QString(1 + 7 * thread, QChar('a' + thread));
-    return {{stem + QStringLiteral(".txt"), true},
-            {stem + QStringLiteral(".txt.bin"), false},
-            {stem + QStringLiteral(".TAR.gz"), true},
-            {QStringLiteral("log") + stem, true},
-            {QStringLiteral("blog") + stem, false}};
+    return {{stem + ".txt", true},
+            {stem + ".txt.bin", false},
+            {stem + ".TAR.gz", true},
+            {"log" + stem, true},
+            {"blog" + stem, false}};
 }
 
 WildcardFilter makeFilter()
 {
-    return WildcardFilter(
-        {QStringLiteral("*.txt"), QStringLiteral("*.tar.?z"), QStringLiteral("[k-m]og*")},
-        QDir::Files);
+    return WildcardFilter({"*.txt", "*.tar.?z", "[k-m]og*"}, QDir::Files);
 }
 
 // How many answers were wrong when each thread asked the filter that it is given.

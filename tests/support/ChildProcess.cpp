@@ -22,10 +22,10 @@ constexpr unsigned int ordinaryUser = 65534; // "nobody"
 bool isAnotherThreadAtWork()
 {
     const QByteArray own = QByteArray::number(qint64(syscall(SYS_gettid)));
-    const QString tasks = QStringLiteral("/proc/self/task/");
+    const QString tasks = "/proc/self/task/";
     const QStringList threads = QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString& thread : threads) {
-        QFile file(tasks + thread + QStringLiteral("/stat"));
+        QFile file(tasks + thread + "/stat");
         if (thread.toLatin1() != own && file.open(QIODevice::ReadOnly)) {
             const QByteArray stat = file.readAll(); // "number (name) state ..."
             if (stat.mid(stat.lastIndexOf(')')).startsWith(") R")) {

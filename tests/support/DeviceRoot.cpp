@@ -15,7 +15,7 @@ namespace {
 
 QString commandLinePath()
 {
-    return qEnvironmentVariable("MISCTOOLS_DEVICE_ROOT") + QStringLiteral("/cmdline");
+    return qEnvironmentVariable("MISCTOOLS_DEVICE_ROOT") + "/cmdline";
 }
 
 bool isSameFile(const char* path, const QString& otherPath)

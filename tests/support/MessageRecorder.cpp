@@ -10,17 +10,17 @@ QString levelName(QtMsgType level)
 {
     switch (level) {
     case QtDebugMsg:
-        return QStringLiteral("debug");
+        return "debug";
     case QtInfoMsg:
-        return QStringLiteral("info");
+        return "info";
     case QtWarningMsg:
-        return QStringLiteral("warning");
+        return "warning";
     case QtCriticalMsg:
-        return QStringLiteral("critical");
+        return "critical";
     case QtFatalMsg:
-        return QStringLiteral("fatal");
+        return "fatal";
     }
-    return QStringLiteral("unknown");
+    return "unknown";
 }
 
 } // namespace
@@ -69,7 +69,7 @@ QString ExpectedMessage::difference(const Message& message) const
     if (!m_file.isNull()) {
         compare("file", message.file, m_file);
         if (message.line <= 0) {
-            differences.append(QStringLiteral("it has no line"));
+            differences.append("it has no line");
         }
     }
     // Compilers spell signatures differently; GCC's spelling is the reference.
@@ -81,7 +81,7 @@ QString ExpectedMessage::difference(const Message& message) const
     if (!m_category.isNull()) {
         compare("category", message.category, m_category);
     }
-    return differences.join(QStringLiteral(", "));
+    return differences.join(", ");
 }
 
 QString ExpectedMessage::description() const

@@ -50,5 +50,5 @@ void TestCase::cleanup()
     const QStringList problems = m_recorder->takeProblems();
     m_recorder.reset();
     m_folder.reset();
-    QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QStringLiteral("\n   "))));
+    QVERIFY2(problems.isEmpty(), qPrintable(problems.join("\n   ")));
 }

@@ -18,7 +18,7 @@ struct StubbornType
     QString toText(bool* ok) const
     {
         *ok = false;
-        return QStringLiteral("not to be seen");
+        return "not to be seen";
     }
     bool toBool(bool* ok) const
     {
@@ -39,32 +39,24 @@ QVector<VariantSample> numbers()
 {
     using Sample = VariantSample;
     return {
-        Sample("bool", true).toBool(true).toText(QStringLiteral("true")),
-        Sample("bool, false", false).toBool(false).toText(QStringLiteral("false")),
-        Sample("bool, null", QVariant(QVariant::Bool))
-            .toBool(false)
-            .toText(QStringLiteral("false")),
-        Sample("int", 42).toBool(true).toText(QStringLiteral("42")),
-        Sample("int, zero", 0).toBool(false).toText(QStringLiteral("0")),
-        Sample("uint", 42u).toBool(true).toText(QStringLiteral("42")),
-        Sample("qlonglong", Q_INT64_C(-5000000000))
-            .toBool(true)
-            .toText(QStringLiteral("-5000000000")),
-        Sample("qulonglong", Q_UINT64_C(5000000000))
-            .toBool(true)
-            .toText(QStringLiteral("5000000000")),
-        Sample("double", 0.5).toBool(true).toText(QStringLiteral("0.5")),
-        Sample("float", 0.5f).toBool(true).toText(QStringLiteral("0.5")),
-        Sample("short", QVariant::fromValue(short(5))).toBool(true).toText(QStringLiteral("5")),
-        Sample("ushort", QVariant::fromValue(ushort(5))).toBool(true).toText(QStringLiteral("5")),
-        Sample("char", QVariant::fromValue('A')).toBool(true).toText(QStringLiteral("A")),
-        Sample("signed char", QVariant::fromValue<signed char>('A'))
-            .toBool(true)
-            .toText(QStringLiteral("A")),
+        Sample("bool", true).toBool(true).toText("true"),
+        Sample("bool, false", false).toBool(false).toText("false"),
+        Sample("bool, null", QVariant(QVariant::Bool)).toBool(false).toText("false"),
+        Sample("int", 42).toBool(true).toText("42"),
+        Sample("int, zero", 0).toBool(false).toText("0"),
+        Sample("uint", 42u).toBool(true).toText("42"),
+        Sample("qlonglong", Q_INT64_C(-5000000000)).toBool(true).toText("-5000000000"),
+        Sample("qulonglong", Q_UINT64_C(5000000000)).toBool(true).toText("5000000000"),
+        Sample("double", 0.5).toBool(true).toText("0.5"),
+        Sample("float", 0.5f).toBool(true).toText("0.5"),
+        Sample("short", QVariant::fromValue(short(5))).toBool(true).toText("5"),
+        Sample("ushort", QVariant::fromValue(ushort(5))).toBool(true).toText("5"),
+        Sample("char", QVariant::fromValue('A')).toBool(true).toText("A"),
+        Sample("signed char", QVariant::fromValue<signed char>('A')).toBool(true).toText("A"),
         // QVariant::toString() would give these a text, and yet says that it cannot.
-        Sample("uchar", QVariant::fromValue<uchar>('A'), QStringLiteral("QVariant(uchar, 65)")),
-        Sample("long", QVariant::fromValue(5L), QStringLiteral("QVariant(long, 5)")),
-        Sample("ulong", QVariant::fromValue(5UL), QStringLiteral("QVariant(ulong, 5)")),
+        Sample("uchar", QVariant::fromValue<uchar>('A'), "QVariant(uchar, 65)"),
+        Sample("long", QVariant::fromValue(5L), "QVariant(long, 5)"),
+        Sample("ulong", QVariant::fromValue(5UL), "QVariant(ulong, 5)"),
     };
 }
 
@@ -72,42 +64,37 @@ QVector<VariantSample> texts()
 {
     using Sample = VariantSample;
     return {
-        Sample("QString", QStringLiteral("text")).toBool(true).toText(QStringLiteral("text")),
-        Sample("QString, empty", QStringLiteral("")).toBool(false).toText(QStringLiteral("")),
+        Sample("QString", "text").toBool(true).toText("text"),
+        Sample("QString, empty", "").toBool(false).toText(""),
         Sample("QString, null", QVariant(QVariant::String)).toBool(false).toText(QString()),
-        Sample("QString, true", QStringLiteral("true")).toBool(true).toText(QStringLiteral("true")),
-        Sample("QString, false", QStringLiteral("False"))
-            .toBool(false)
-            .toText(QStringLiteral("False")),
-        Sample("QString, 0", QStringLiteral("0")).toBool(false).toText(QStringLiteral("0")),
-        Sample("QString, 00", QStringLiteral("00")).toBool(true).toText(QStringLiteral("00")),
+        Sample("QString, true", "true").toBool(true).toText("true"),
+        Sample("QString, false", "False").toBool(false).toText("False"),
+        Sample("QString, 0", "0").toBool(false).toText("0"),
+        Sample("QString, 00", "00").toBool(true).toText("00"),
         Sample("QString, beyond ASCII", QStringLiteral(u"\u00E4\u20AC"))
             .toBool(true)
             .toText(QStringLiteral(u"\u00E4\u20AC")),
-        Sample("QByteArray", QByteArray("raw")).toBool(true).toText(QStringLiteral("raw")),
-        Sample("QByteArray, 0", QByteArray("0")).toBool(false).toText(QStringLiteral("0")),
-        Sample("QChar", QChar(QLatin1Char('x'))).toBool(true).toText(QStringLiteral("x")),
-        Sample("QStringList of one", QStringList(QStringLiteral("one")),
-               QStringLiteral("QVariant(QStringList, (\"one\"))"))
-            .toText(QStringLiteral("one")),
-        Sample("QStringList of two", QStringList{QStringLiteral("one"), QStringLiteral("two")},
-               QStringLiteral("QVariant(QStringList, (\"one\", \"two\"))")),
-        Sample("QStringList, empty", QStringList(), QStringLiteral("QVariant(QStringList, ())")),
+        Sample("QByteArray", QByteArray("raw")).toBool(true).toText("raw"),
+        Sample("QByteArray, 0", QByteArray("0")).toBool(false).toText("0"),
+        Sample("QChar", QChar(QLatin1Char('x'))).toBool(true).toText("x"),
+        Sample("QStringList of one", QStringList("one"), "QVariant(QStringList, (\"one\"))")
+            .toText("one"),
+        Sample("QStringList of two", QStringList{"one", "two"},
+               "QVariant(QStringList, (\"one\", \"two\"))"),
+        Sample("QStringList, empty", QStringList(), "QVariant(QStringList, ())"),
         Sample("QByteArrayList", QVariant::fromValue(QByteArrayList{"a"}),
-               QStringLiteral("QVariant(QByteArrayList, (\"a\"))")),
-        Sample("QUrl", QUrl(QStringLiteral("http://host/a")),
-               QStringLiteral("QVariant(QUrl, QUrl(\"http://host/a\"))"))
-            .toText(QStringLiteral("http://host/a")),
-        Sample("QUuid", QUuid(QStringLiteral("{00010203-0405-0607-0809-0a0b0c0d0e0f}")),
-               QStringLiteral("QVariant(QUuid, QUuid(\"{00010203-0405-0607-0809-0a0b0c0d0e0f}\"))"))
-            .toText(QStringLiteral("{00010203-0405-0607-0809-0a0b0c0d0e0f}")),
-        Sample("QRegExp", QRegExp(QStringLiteral("a*")),
-               QStringLiteral("QVariant(QRegExp, QRegExp(patternSyntax=0, pattern='\"a*\"'))")),
-        Sample("QRegularExpression", QRegularExpression(QStringLiteral("a*")),
+               "QVariant(QByteArrayList, (\"a\"))"),
+        Sample("QUrl", QUrl("http://host/a"), "QVariant(QUrl, QUrl(\"http://host/a\"))")
+            .toText("http://host/a"),
+        Sample("QUuid", QUuid("{00010203-0405-0607-0809-0a0b0c0d0e0f}"),
+               "QVariant(QUuid, QUuid(\"{00010203-0405-0607-0809-0a0b0c0d0e0f}\"))")
+            .toText("{00010203-0405-0607-0809-0a0b0c0d0e0f}"),
+        Sample("QRegExp", QRegExp("a*"),
+               "QVariant(QRegExp, QRegExp(patternSyntax=0, pattern='\"a*\"'))"),
+        Sample("QRegularExpression", QRegularExpression("a*"),
                QStringLiteral("QVariant(QRegularExpression, QRegularExpression(\"a*\", "
                               "QRegularExpression::PatternOptions(\"NoPatternOption\")))")),
-        Sample("QLocale", QLocale::c(),
-               QStringLiteral("QVariant(QLocale, QLocale(C, Default, Default))")),
+        Sample("QLocale", QLocale::c(), "QVariant(QLocale, QLocale(C, Default, Default))"),
     };
 }
 
@@ -127,11 +114,10 @@ QVector<VariantSample> dates()
     const QTime time(1, 2, 3);
     const QDateTime dateTime(date, time, Qt::UTC);
     return {
-        Sample("QDate", date, QStringLiteral("QVariant(QDate, QDate(\"2020-02-29\"))"))
-            .toText(QStringLiteral("2020-02-29")),
-        Sample("QTime", time, logged("QTime", time)).toText(QStringLiteral("01:02:03.000")),
+        Sample("QDate", date, "QVariant(QDate, QDate(\"2020-02-29\"))").toText("2020-02-29"),
+        Sample("QTime", time, logged("QTime", time)).toText("01:02:03.000"),
         Sample("QDateTime", dateTime, logged("QDateTime", dateTime))
-            .toText(QStringLiteral("2020-02-29T01:02:03.000Z")),
+            .toText("2020-02-29T01:02:03.000Z"),
     };
 }
 
@@ -139,34 +125,30 @@ QVector<VariantSample> shapes()
 {
     using Sample = VariantSample;
     return {
-        Sample("QRect", QRect(1, 2, 3, 4), QStringLiteral("QVariant(QRect, QRect(1,2 3x4))")),
-        Sample("QRectF", QRectF(1, 2, 3, 4), QStringLiteral("QVariant(QRectF, QRectF(1,2 3x4))")),
-        Sample("QSize", QSize(1, 2), QStringLiteral("QVariant(QSize, QSize(1, 2))")),
-        Sample("QSizeF", QSizeF(1, 2), QStringLiteral("QVariant(QSizeF, QSizeF(1, 2))")),
-        Sample("QLine", QLine(1, 2, 3, 4),
-               QStringLiteral("QVariant(QLine, QLine(QPoint(1,2),QPoint(3,4)))")),
-        Sample("QLineF", QLineF(1, 2, 3, 4),
-               QStringLiteral("QVariant(QLineF, QLineF(QPointF(1,2),QPointF(3,4)))")),
-        Sample("QPoint", QPoint(1, 2), QStringLiteral("QVariant(QPoint, QPoint(1,2))")),
-        Sample("QPointF", QPointF(1, 2), QStringLiteral("QVariant(QPointF, QPointF(1,2))")),
+        Sample("QRect", QRect(1, 2, 3, 4), "QVariant(QRect, QRect(1,2 3x4))"),
+        Sample("QRectF", QRectF(1, 2, 3, 4), "QVariant(QRectF, QRectF(1,2 3x4))"),
+        Sample("QSize", QSize(1, 2), "QVariant(QSize, QSize(1, 2))"),
+        Sample("QSizeF", QSizeF(1, 2), "QVariant(QSizeF, QSizeF(1, 2))"),
+        Sample("QLine", QLine(1, 2, 3, 4), "QVariant(QLine, QLine(QPoint(1,2),QPoint(3,4)))"),
+        Sample("QLineF", QLineF(1, 2, 3, 4), "QVariant(QLineF, QLineF(QPointF(1,2),QPointF(3,4)))"),
+        Sample("QPoint", QPoint(1, 2), "QVariant(QPoint, QPoint(1,2))"),
+        Sample("QPointF", QPointF(1, 2), "QVariant(QPointF, QPointF(1,2))"),
     };
 }
 
 QVector<VariantSample> containers()
 {
     using Sample = VariantSample;
-    const QString key = QStringLiteral("k");
+    const QString key = "k";
     return {
         Sample("QVariantMap", QVariantMap{{key, 1}},
-               QStringLiteral("QVariant(QVariantMap, QMap((\"k\", QVariant(int, 1))))")),
+               "QVariant(QVariantMap, QMap((\"k\", QVariant(int, 1))))"),
         Sample("QVariantHash", QVariantHash{{key, 1}},
-               QStringLiteral("QVariant(QVariantHash, QHash((\"k\", QVariant(int, 1))))")),
-        Sample("QVariantList", QVariantList{1},
-               QStringLiteral("QVariant(QVariantList, (QVariant(int, 1)))")),
+               "QVariant(QVariantHash, QHash((\"k\", QVariant(int, 1))))"),
+        Sample("QVariantList", QVariantList{1}, "QVariant(QVariantList, (QVariant(int, 1)))"),
         Sample("QVariant in a QVariant", QVariant(QMetaType::QVariant, nullptr),
-               QStringLiteral("QVariant(QVariant, QVariant(Invalid))")),
-        Sample("QBitArray", QBitArray(2, true),
-               QStringLiteral("QVariant(QBitArray, QBitArray(11))")),
+               "QVariant(QVariant, QVariant(Invalid))"),
+        Sample("QBitArray", QBitArray(2, true), "QVariant(QBitArray, QBitArray(11))"),
         // A JSON number has a bool, which is false, and a text, which is none.
         Sample("QJsonValue, number", QVariant::fromValue(QJsonValue(1)))
             .toBool(false)
@@ -174,24 +156,20 @@ QVector<VariantSample> containers()
         Sample("QJsonValue, bool", QVariant::fromValue(QJsonValue(true)))
             .toBool(true)
             .toText(QString()),
-        Sample("QJsonValue, text", QVariant::fromValue(QJsonValue(QStringLiteral("text"))))
+        Sample("QJsonValue, text", QVariant::fromValue(QJsonValue("text")))
             .toBool(false)
-            .toText(QStringLiteral("text")),
+            .toText("text"),
         Sample("QJsonObject", QJsonObject{{key, 1}},
-               QStringLiteral("QVariant(QJsonObject, QJsonObject({\"k\":1}))")),
-        Sample("QJsonArray", QJsonArray{1},
-               QStringLiteral("QVariant(QJsonArray, QJsonArray([1]))")),
-        Sample("QJsonDocument", QJsonDocument(),
-               QStringLiteral("QVariant(QJsonDocument, QJsonDocument())")),
-        Sample("QCborValue", QVariant::fromValue(QCborValue(5)))
-            .toBool(false)
-            .toText(QStringLiteral("5")),
+               "QVariant(QJsonObject, QJsonObject({\"k\":1}))"),
+        Sample("QJsonArray", QJsonArray{1}, "QVariant(QJsonArray, QJsonArray([1]))"),
+        Sample("QJsonDocument", QJsonDocument(), "QVariant(QJsonDocument, QJsonDocument())"),
+        Sample("QCborValue", QVariant::fromValue(QCborValue(5))).toBool(false).toText("5"),
         Sample("QCborArray", QVariant::fromValue(QCborArray{5}),
-               QStringLiteral("QVariant(QCborArray, QCborArray{QCborValue(5)})")),
+               "QVariant(QCborArray, QCborArray{QCborValue(5)})"),
         Sample("QCborMap", QVariant::fromValue(QCborMap{{key, 5}}),
-               QStringLiteral("QVariant(QCborMap, QCborMap{{QCborValue(\"k\"), QCborValue(5)}})")),
+               "QVariant(QCborMap, QCborMap{{QCborValue(\"k\"), QCborValue(5)}})"),
         Sample("QCborSimpleType", QVariant::fromValue(QCborSimpleType(5)),
-               QStringLiteral("QVariant(QCborSimpleType, QCborSimpleType(5))")),
+               "QVariant(QCborSimpleType, QCborSimpleType(5))"),
     };
 }
 
@@ -203,35 +181,32 @@ QVector<VariantSample> others()
     QDebug(&curveText).nospace() << curve;
 
     QMetaType::registerConverter<ConvertibleType, QString>(
-        [](const ConvertibleType&) { return QStringLiteral("converted"); });
+        [](const ConvertibleType&) { return "converted"; });
     QMetaType::registerConverter<ConvertibleType, bool>(
         [](const ConvertibleType&) { return true; });
     QMetaType::registerConverter(&StubbornType::toText);
     QMetaType::registerConverter(&StubbornType::toBool);
 
     return {
-        Sample("invalid", QVariant(), QStringLiteral("QVariant(Invalid)")),
+        Sample("invalid", QVariant(), "QVariant(Invalid)"),
         Sample("QEasingCurve", curve, curveText),
-        Sample("void*", QVariant::fromValue<void*>(nullptr),
-               QStringLiteral("QVariant(void*, 0x0)")),
+        Sample("void*", QVariant::fromValue<void*>(nullptr), "QVariant(void*, 0x0)"),
         Sample("QObject*", QVariant::fromValue<QObject*>(nullptr),
-               QStringLiteral("QVariant(QObject*, QObject(0x0))")),
+               "QVariant(QObject*, QObject(0x0))"),
         Sample("std::nullptr_t", QVariant::fromValue(nullptr),
-               QStringLiteral("QVariant(std::nullptr_t, (nullptr))"))
+               "QVariant(std::nullptr_t, (nullptr))")
             .toText(QString()),
         Sample("QModelIndex", QModelIndex(),
-               QStringLiteral("QVariant(QModelIndex, QModelIndex(-1,-1,0x0,QObject(0x0)))")),
-        Sample(
-            "QPersistentModelIndex", QPersistentModelIndex(),
-            QStringLiteral("QVariant(QPersistentModelIndex, QModelIndex(-1,-1,0x0,QObject(0x0)))")),
+               "QVariant(QModelIndex, QModelIndex(-1,-1,0x0,QObject(0x0)))"),
+        Sample("QPersistentModelIndex", QPersistentModelIndex(),
+               "QVariant(QPersistentModelIndex, QModelIndex(-1,-1,0x0,QObject(0x0)))"),
         Sample("an enumeration", QVariant::fromValue(QCryptographicHash::Md5),
-               QStringLiteral("QVariant(QCryptographicHash::Algorithm, \"Md5\")"))
-            .toText(QStringLiteral("Md5")),
-        Sample("user type", QVariant::fromValue(PlainType()),
-               QStringLiteral("QVariant(PlainType, )")),
+               "QVariant(QCryptographicHash::Algorithm, \"Md5\")")
+            .toText("Md5"),
+        Sample("user type", QVariant::fromValue(PlainType()), "QVariant(PlainType, )"),
         Sample("user type with conversions", QVariant::fromValue(ConvertibleType()))
             .toBool(true)
-            .toText(QStringLiteral("converted")),
+            .toText("converted"),
         Sample("user type whose conversions fail", QVariant::fromValue(StubbornType()))
             .toBool(false)
             .toText(QString()),

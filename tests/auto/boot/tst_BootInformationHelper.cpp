@@ -10,8 +10,8 @@ namespace {
 QString productCode;
 int productCodeQuestions = 0;
 
-const QString rebootMarker = QStringLiteral("/orvalis-reboot");
-const QString firmwareMarker = QStringLiteral("/orvalis/etc/orvalis-first-boot");
+const QString rebootMarker = "/orvalis-reboot";
+const QString firmwareMarker = "/orvalis/etc/orvalis-first-boot";
 
 // What stands where a marker may be.
 enum class Marker
@@ -55,12 +55,12 @@ void put(const QString& path, Marker marker)
         break;
     case Marker::DanglingLink:
         QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-        QVERIFY(QFile::link(QStringLiteral("/orvalis/nothing"), path));
+        QVERIFY(QFile::link("/orvalis/nothing", path));
         break;
     case Marker::LinkToFile:
-        DeviceRoot::writeFile(QStringLiteral("/orvalis/target"), QByteArray());
+        DeviceRoot::writeFile("/orvalis/target", QByteArray());
         QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-        QVERIFY(QFile::link(QStringLiteral("/orvalis/target"), path));
+        QVERIFY(QFile::link("/orvalis/target", path));
         break;
     }
 }
@@ -128,10 +128,8 @@ void tst_BootInformationHelper::bootMode_data()
         bool tellsHardResets;
     };
     const Product products[] = {
-        {"640917", QStringLiteral("640917"), true},
-        {"other product", QStringLiteral("640918"), false},
-        {"longer code", QStringLiteral("6409170"), false},
-        {"code and blank", QStringLiteral("640917 "), false},
+        {"640917", "640917", true},        {"other product", "640918", false},
+        {"longer code", "6409170", false}, {"code and blank", "640917 ", false},
         {"no product", QString(), false},
     };
     struct Argument
@@ -230,7 +228,7 @@ void tst_BootInformationHelper::commandLineIsReadOnlyWhenItDecides_data()
     QTest::addColumn<int>("mode");
     QTest::addColumn<bool>("isRead");
 
-    QTest::newRow("hard reset") << QStringLiteral("640917") << Marker::None << 3 << false;
+    QTest::newRow("hard reset") << "640917" << Marker::None << 3 << false;
     QTest::newRow("firmware update") << QString() << Marker::File << 1 << false;
     QTest::newRow("neither") << QString() << Marker::None << 0 << true;
 }
@@ -247,15 +245,13 @@ void tst_BootInformationHelper::commandLineIsReadOnlyWhenItDecides()
     put(firmwareMarker, firmware);
     const DeviceRoot::Covered covered("/proc");
     if (isRead) {
-        messages().expectWarning("KernelCommandLineParser",
-                                 QStringLiteral("No kernelCommandLine file"));
+        messages().expectWarning("KernelCommandLineParser", "No kernelCommandLine file");
     }
     const BootInformationHelper helper;
     QCOMPARE(int(helper.getCurrentBootMode()), mode);
 
     QCOMPARE(messages().takeProblems(), QStringList());
-    messages().expectWarning("KernelCommandLineParser",
-                             QStringLiteral("No kernelCommandLine file"));
+    messages().expectWarning("KernelCommandLineParser", "No kernelCommandLine file");
     QVERIFY(!helper.isFactoryReset());
 }
 
@@ -278,12 +274,11 @@ void tst_BootInformationHelper::deleteFirmwareUpdateMarker_data()
     QTest::addColumn<QString>("warning"); // null: silent
     QTest::addColumn<bool>("isGone");
 
-    const QString missing =
-        QStringLiteral("Unable to delete firmware update marker, file does not exist!");
+    const QString missing = "Unable to delete firmware update marker, file does not exist!";
     QTest::newRow("none") << Marker::None << missing << true;
     QTest::newRow("file") << Marker::File << QString() << true;
-    QTest::newRow("folder") << Marker::Folder
-                            << QStringLiteral("Error on removing firmware update marker!") << false;
+    QTest::newRow("folder") << Marker::Folder << "Error on removing firmware update marker!"
+                            << false;
     QTest::newRow("dangling link") << Marker::DanglingLink << missing << false;
     QTest::newRow("link to file") << Marker::LinkToFile << QString() << true;
 }
@@ -315,8 +310,7 @@ void tst_BootInformationHelper::deleteOrvalisRebootMarker_data()
 
     QTest::newRow("none") << Marker::None << QString() << true;
     QTest::newRow("file") << Marker::File << QString() << true;
-    QTest::newRow("folder") << Marker::Folder
-                            << QStringLiteral("Unable to remove file: \"/orvalis-reboot\"")
+    QTest::newRow("folder") << Marker::Folder << "Unable to remove file: \"/orvalis-reboot\""
                             << false;
     QTest::newRow("dangling link") << Marker::DanglingLink << QString() << false;
     QTest::newRow("link to file") << Marker::LinkToFile << QString() << true;
@@ -346,16 +340,16 @@ void tst_BootInformationHelper::markersThatAreInUse()
     MISCTOOLS_NEED_DEVICE_ROOT();
     put(rebootMarker, Marker::File);
     put(firmwareMarker, Marker::File);
-    const QString other = writeFile(QStringLiteral("other"), "x");
+    const QString other = writeFile("other", "x");
     {
         // What is mounted cannot be removed, though it is a file.
         const DeviceRoot::Covered coveredReboot("/orvalis-reboot", other);
         const DeviceRoot::Covered coveredFirmware("/orvalis/etc/orvalis-first-boot", other);
         messages().expectWarning("BootInformationHelper",
-                                 QStringLiteral("Unable to remove file: \"/orvalis-reboot\""));
+                                 "Unable to remove file: \"/orvalis-reboot\"");
         BootInformationHelper().deleteOrvalisRebootMarker();
         messages().expectWarning("BootInformationHelper",
-                                 QStringLiteral("Error on removing firmware update marker!"));
+                                 "Error on removing firmware update marker!");
         BootInformationHelper().deleteFirmwareUpdateMarker();
     }
     QVERIFY(QFile::exists(rebootMarker));
@@ -365,13 +359,13 @@ void tst_BootInformationHelper::markersThatAreInUse()
 void tst_BootInformationHelper::deletionLeavesTheRest()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
-    const QString neighbor = QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini");
+    const QString neighbor = "/orvalis/etc/OrvalisVersionInfo.ini";
     DeviceRoot::writeFile(neighbor, "x");
 
     put(rebootMarker, Marker::File);
     put(firmwareMarker, Marker::LinkToFile);
     BootInformationHelper().deleteFirmwareUpdateMarker();
-    QVERIFY(QFile::exists(QStringLiteral("/orvalis/target")));
+    QVERIFY(QFile::exists("/orvalis/target"));
     QVERIFY(QFile::exists(rebootMarker));
 
     put(firmwareMarker, Marker::File);

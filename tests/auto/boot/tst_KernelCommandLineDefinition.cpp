@@ -28,10 +28,9 @@ void tst_KernelCommandLineDefinition::names_data()
     QTest::addColumn<QString>("text");
 
     using Definition = KernelCommandLineDefinition;
-    QTest::newRow("file path") << Name(&Definition::getFilePath) << QStringLiteral("/proc/cmdline");
-    QTest::newRow("key") << Name(&Definition::getKeyOrvalisMode) << QStringLiteral("orvalismode");
-    QTest::newRow("value") << Name(&Definition::getValueOrvalisModeFactoryReset)
-                           << QStringLiteral("factoryreset");
+    QTest::newRow("file path") << Name(&Definition::getFilePath) << "/proc/cmdline";
+    QTest::newRow("key") << Name(&Definition::getKeyOrvalisMode) << "orvalismode";
+    QTest::newRow("value") << Name(&Definition::getValueOrvalisModeFactoryReset) << "factoryreset";
 }
 
 void tst_KernelCommandLineDefinition::names()

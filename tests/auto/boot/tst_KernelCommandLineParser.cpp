@@ -41,19 +41,16 @@ void tst_KernelCommandLineParser::look_data()
         QTest::newRow(situation) << line << QString::fromUtf8(key) << argument << value;
     };
     const QString none;
-    const QString mode = QStringLiteral("mode");
-    const QString x = QStringLiteral("x");
-    const QString modeX = QStringLiteral("mode=x");
-    const QString lineFeed = QStringLiteral("\n");
+    const QString mode = "mode";
+    const QString x = "x";
+    const QString modeX = "mode=x";
+    const QString lineFeed = "\n";
 
     const QByteArray usual("console=ttyS0 orvalismode=factoryreset quiet\n");
-    newRow("first word", usual, "console", QStringLiteral("console=ttyS0"),
-           QStringLiteral("ttyS0"));
-    newRow("middle word", usual, "orvalismode", QStringLiteral("orvalismode=factoryreset"),
-           QStringLiteral("factoryreset"));
-    newRow("last word keeps its line feed", usual, "quiet", QStringLiteral("quiet\n"), lineFeed);
-    newRow("last value keeps its line feed", "a mode=x\n", "mode", QStringLiteral("mode=x\n"),
-           QStringLiteral("x\n"));
+    newRow("first word", usual, "console", "console=ttyS0", "ttyS0");
+    newRow("middle word", usual, "orvalismode", "orvalismode=factoryreset", "factoryreset");
+    newRow("last word keeps its line feed", usual, "quiet", "quiet\n", lineFeed);
+    newRow("last value keeps its line feed", "a mode=x\n", "mode", "mode=x\n", "x\n");
     newRow("no line feed", "a mode=x", "mode", modeX, x);
     newRow("not there", usual, "root", none, none);
 
@@ -62,7 +59,7 @@ void tst_KernelCommandLineParser::look_data()
     newRow("blanks alone", "   ", "", none, none);
     newRow("line feed alone", "\n", "", none, none);
     newRow("blank and line feed", " \n", "", none, none);
-    newRow("two line feeds are a word", "\n\n", "", QStringLiteral("\n\n"), QStringLiteral("\n\n"));
+    newRow("two line feeds are a word", "\n\n", "", "\n\n", "\n\n");
 
     newRow("two blanks", "a  mode=x b", "mode", modeX, x);
     newRow("leading blanks", "  mode=x b", "", modeX, modeX);
@@ -71,17 +68,12 @@ void tst_KernelCommandLineParser::look_data()
     newRow("lone line feeds everywhere", "\n \n mode=x \n", "", modeX, modeX);
     newRow("lone line feeds are not found", "\n mode=x \n", "\n", none, none);
     newRow("tab does not part", "a\tmode=x", "mode", none, none);
-    newRow("tab stays in the word", "mode=x\ty b", "mode", QStringLiteral("mode=x\ty"),
-           QStringLiteral("x\ty"));
+    newRow("tab stays in the word", "mode=x\ty b", "mode", "mode=x\ty", "x\ty");
     newRow("line feed does not part", "a\nmode=x b", "mode", none, none);
-    newRow("line feed in a word stays", "a\nmode=x b", "a", QStringLiteral("a\nmode=x"),
-           QStringLiteral("\nmode=x"));
-    newRow("carriage return stays", "mode=x\r\n", "mode", QStringLiteral("mode=x\r\n"),
-           QStringLiteral("x\r\n"));
-    newRow("lone carriage return is a word", "\r \n", "", QStringLiteral("\r"),
-           QStringLiteral("\r"));
-    newRow("quotes mean nothing", "mode=\"x y\" z", "mode", QStringLiteral("mode=\"x"),
-           QStringLiteral("\"x"));
+    newRow("line feed in a word stays", "a\nmode=x b", "a", "a\nmode=x", "\nmode=x");
+    newRow("carriage return stays", "mode=x\r\n", "mode", "mode=x\r\n", "x\r\n");
+    newRow("lone carriage return is a word", "\r \n", "", "\r", "\r");
+    newRow("quotes mean nothing", "mode=\"x y\" z", "mode", "mode=\"x", "\"x");
 
     newRow("before a zero byte", QByteArray("mode=x\0y b", 10), "mode", modeX, x);
     newRow("after a zero byte", QByteArray("a \0mode=x b", 11), "mode", none, none);
@@ -94,9 +86,8 @@ void tst_KernelCommandLineParser::look_data()
     newRow("invalid UTF-8 before it", "\xc3 mode=x b", "mode", modeX, x);
 
     newRow("longer name that begins with the key", "orvalismodex=1 b", "orvalismode",
-           QStringLiteral("orvalismodex=1"), QStringLiteral("x=1"));
-    newRow("longer name comes first", "modex=1 mode=x b", "mode", QStringLiteral("modex=1"),
-           QStringLiteral("x=1"));
+           "orvalismodex=1", "x=1");
+    newRow("longer name comes first", "modex=1 mode=x b", "mode", "modex=1", "x=1");
     newRow("longer name comes second", "mode=x modex=1 b", "mode", modeX, x);
     newRow("key in the middle of a word", "amode=x b", "mode", none, none);
     newRow("key longer than the word", "mod=x b", "mode", none, none);
@@ -104,23 +95,18 @@ void tst_KernelCommandLineParser::look_data()
     newRow("given twice", "mode=x mode=y b", "mode", modeX, x);
     newRow("given twice, first without value", "mode mode=y b", "mode", mode, none);
 
-    newRow("bare word", "orvalismode b", "orvalismode", QStringLiteral("orvalismode"), none);
-    newRow("empty value", "mode= b", "mode", QStringLiteral("mode="), none);
-    newRow("equals sign in the value", "mode=a=b c", "mode", QStringLiteral("mode=a=b"),
-           QStringLiteral("a=b"));
-    newRow("two equals signs", "mode==x c", "mode", QStringLiteral("mode==x"),
-           QStringLiteral("=x"));
-    newRow("key again in the value", "mode=a-mode=b c", "mode", QStringLiteral("mode=a-mode=b"),
-           QStringLiteral("a-mode=b"));
+    newRow("bare word", "orvalismode b", "orvalismode", "orvalismode", none);
+    newRow("empty value", "mode= b", "mode", "mode=", none);
+    newRow("equals sign in the value", "mode=a=b c", "mode", "mode=a=b", "a=b");
+    newRow("two equals signs", "mode==x c", "mode", "mode==x", "=x");
+    newRow("key again in the value", "mode=a-mode=b c", "mode", "mode=a-mode=b", "a-mode=b");
     newRow("key with equals sign", "mode=x b", "mode=", modeX, x);
-    newRow("key with equals sign, two in the word", "mode==x b", "mode=", QStringLiteral("mode==x"),
-           x);
+    newRow("key with equals sign, two in the word", "mode==x b", "mode=", "mode==x", x);
     newRow("key with value", "mode=x b", "mode=x", modeX, none);
-    newRow("empty key finds the first word", "console mode=x b", "", QStringLiteral("console"),
-           QStringLiteral("console"));
-    newRow("empty key, word begins with equals sign", "=x b", "", QStringLiteral("=x"), x);
-    newRow("word without name", "a =x b", "=", QStringLiteral("=x"), x);
-    newRow("word without name, two equals signs", "a ==x b", "=", QStringLiteral("==x"), x);
+    newRow("empty key finds the first word", "console mode=x b", "", "console", "console");
+    newRow("empty key, word begins with equals sign", "=x b", "", "=x", x);
+    newRow("word without name", "a =x b", "=", "=x", x);
+    newRow("word without name, two equals signs", "a ==x b", "=", "==x", x);
     newRow("key with a blank", "a mode=x b", "a mode", none, none);
 }
 
@@ -183,7 +169,7 @@ void tst_KernelCommandLineParser::missingFile()
     DeviceRoot::setCommandLine("mode=x b\n");
     const DeviceRoot::Covered covered("/proc");
     messages()
-        .expectWarning("KernelCommandLineParser", QStringLiteral("No kernelCommandLine file"))
+        .expectWarning("KernelCommandLineParser", "No kernelCommandLine file")
         .function("KernelCommandLineParser::KernelCommandLineParser()");
     const KernelCommandLineParser parser;
     verifyNothingIsContained(parser);
@@ -193,7 +179,7 @@ void tst_KernelCommandLineParser::unreadableFile()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     // A socket in the file system cannot be opened, not even by root.
-    const QString socketPath = path(QStringLiteral("socket"));
+    const QString socketPath = path("socket");
     const QByteArray name = QFile::encodeName(socketPath);
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
@@ -205,8 +191,7 @@ void tst_KernelCommandLineParser::unreadableFile()
 
     const DeviceRoot::Covered covered("/proc/cmdline", socketPath);
     messages()
-        .expectWarning("KernelCommandLineParser",
-                       QStringLiteral("Can't open kernelCommandLine file"))
+        .expectWarning("KernelCommandLineParser", "Can't open kernelCommandLine file")
         .function("KernelCommandLineParser::KernelCommandLineParser()");
     const KernelCommandLineParser parser;
     close(descriptor);

@@ -188,7 +188,7 @@ void tst_ErrorContainer::setError_data()
     QTest::addColumn<QString>("message");
     QTest::addColumn<bool>("isError");
 
-    const QString text = QStringLiteral("text");
+    const QString text = "text";
     QTest::newRow("success") << 0 << QString() << false;
     QTest::newRow("success with a text") << 0 << text << false;
     QTest::newRow("default code without a text") << -1 << QString() << true;
@@ -209,7 +209,7 @@ void tst_ErrorContainer::setError()
     QFETCH(bool, isError);
 
     ErrorContainer error;
-    error.setError(-99, QStringLiteral("earlier"));
+    error.setError(-99, "earlier");
     error.setError(code, message);
     QCOMPARE(error.getErrorCode(), code);
     QCOMPARE(error.getErrorMessage(), message);
@@ -220,7 +220,7 @@ void tst_ErrorContainer::codeAloneClearsMessage()
 {
     ErrorContainer error;
     for (const int code : {-2, -12, 7, 0}) {
-        error.setError(-99, QStringLiteral("earlier"));
+        error.setError(-99, "earlier");
         error.setError(code);
         QCOMPARE(error.getErrorCode(), code);
         QVERIFY(error.getErrorMessage().isNull());
@@ -233,7 +233,7 @@ void tst_ErrorContainer::messageAloneSetsDefaultCode()
     ErrorContainer error;
     for (const int earlier : {0, -2, 7}) {
         for (const QString& message : {QStringLiteral("x"), QStringLiteral(""), QString()}) {
-            error.setError(earlier, QStringLiteral("earlier"));
+            error.setError(earlier, "earlier");
             error.setError(message);
             QCOMPARE(error.getErrorCode(), -1);
             QCOMPARE(error.getErrorMessage(), message);
@@ -245,11 +245,11 @@ void tst_ErrorContainer::messageAloneSetsDefaultCode()
 
 void tst_ErrorContainer::copiesAreIndependent()
 {
-    ErrorContainer original = makeError(-2, QStringLiteral("first"));
+    ErrorContainer original = makeError(-2, "first");
     const ErrorContainer copy = original;
     ErrorContainer assigned;
     assigned = original;
-    original.setError(-16, QStringLiteral("second"));
+    original.setError(-16, "second");
 
     QCOMPARE(original.getErrorCode(), -16);
     QCOMPARE(original.getErrorMessage(), QStringLiteral("second"));
@@ -266,7 +266,7 @@ void tst_ErrorContainer::destructorIsVirtual()
 
 void tst_ErrorContainer::travelsInVariant()
 {
-    const QVariant variant = QVariant::fromValue(makeError(-16, QStringLiteral("busy")));
+    const QVariant variant = QVariant::fromValue(makeError(-16, "busy"));
     QCOMPARE(QByteArray(variant.typeName()), QByteArray("ErrorContainer"));
     const QVariant copy = variant;
     const ErrorContainer error = copy.value<ErrorContainer>();
@@ -303,7 +303,7 @@ void tst_ErrorContainer::travelsThroughQueuedSignal()
                         Qt::QueuedConnection));
     }
     {
-        ErrorContainer error = makeError(-12, QStringLiteral("no room"));
+        ErrorContainer error = makeError(-12, "no room");
         Q_EMIT sender.happened(error);
         error.setError(0); // the one on its way is a copy
     }
@@ -323,20 +323,17 @@ void tst_ErrorContainer::debugOutput_data()
     QTest::addColumn<bool>("spaces");
     QTest::addColumn<QString>("output");
 
-    const QString abc = QStringLiteral("abc");
-    QTest::newRow("as usual") << -2 << abc << true << true << QStringLiteral("-2 \"abc\" ");
-    QTest::newRow("no quotes") << -2 << abc << false << true << QStringLiteral("-2 abc ");
-    QTest::newRow("no spaces") << -2 << abc << true << false << QStringLiteral("-2\"abc\"");
-    QTest::newRow("neither") << -2 << abc << false << false << QStringLiteral("-2abc");
-    QTest::newRow("no error") << 0 << QString() << true << true << QStringLiteral("0 \"\" ");
-    QTest::newRow("no error, no quotes")
-        << 0 << QString() << false << true << QStringLiteral("0  ");
-    QTest::newRow("blanks and special characters")
-        << -38 << QStringLiteral(" a \"b\"\n") << true << true
-        << QStringLiteral("-38 \" a \\\"b\\\"\\n\" ");
-    QTest::newRow("blanks and special characters, no quotes")
-        << -38 << QStringLiteral(" a \"b\"\n") << false << true
-        << QStringLiteral("-38  a \"b\"\n ");
+    const QString abc = "abc";
+    QTest::newRow("as usual") << -2 << abc << true << true << "-2 \"abc\" ";
+    QTest::newRow("no quotes") << -2 << abc << false << true << "-2 abc ";
+    QTest::newRow("no spaces") << -2 << abc << true << false << "-2\"abc\"";
+    QTest::newRow("neither") << -2 << abc << false << false << "-2abc";
+    QTest::newRow("no error") << 0 << QString() << true << true << "0 \"\" ";
+    QTest::newRow("no error, no quotes") << 0 << QString() << false << true << "0  ";
+    QTest::newRow("blanks and special characters") << -38 << " a \"b\"\n"
+                                                   << true << true << "-38 \" a \\\"b\\\"\\n\" ";
+    QTest::newRow("blanks and special characters, no quotes") << -38 << " a \"b\"\n"
+                                                              << false << true << "-38  a \"b\"\n ";
 }
 
 void tst_ErrorContainer::debugOutput()
@@ -358,7 +355,7 @@ void tst_ErrorContainer::debugOutput()
 
 void tst_ErrorContainer::debugOutputKeepsStreamState()
 {
-    const ErrorContainer error = makeError(-2, QStringLiteral("abc"));
+    const ErrorContainer error = makeError(-2, "abc");
     QString text;
     QDebug(&text) << "before" << error << QStringLiteral("after") << error;
     QCOMPARE(text, QStringLiteral("before -2 \"abc\" \"after\" -2 \"abc\" "));
@@ -370,8 +367,8 @@ void tst_ErrorContainer::debugOutputKeepsStreamState()
 
 void tst_ErrorContainer::debugOutputInMessage()
 {
-    messages().expect(QtWarningMsg, QStringLiteral("failed: -2 \"abc\""));
-    qWarning() << "failed:" << makeError(-2, QStringLiteral("abc"));
+    messages().expect(QtWarningMsg, "failed: -2 \"abc\"");
+    qWarning() << "failed:" << makeError(-2, "abc");
 }
 
 QTEST_GUILESS_MAIN(tst_ErrorContainer)

@@ -80,7 +80,7 @@ void tst_VariantConversionTools::toString()
                 QStringLiteral("Unable to convert QVariant %1 to string!").arg(sample.debugged))
             .function("static bool VariantConversionTools::toString(const QVariant&, QString&)");
     }
-    const QString before = QStringLiteral("before");
+    const QString before = "before";
     QString result = before;
     QCOMPARE(VariantConversionTools::toString(sample.value, result), sample.isText);
     QCOMPARE(result, sample.isText ? sample.asText : before);

@@ -2,16 +2,16 @@
 
 QJsonObject Records::object(double minValue, double maxValue, const QString& date, bool initialized)
 {
-    return {{QStringLiteral("MinValue"), minValue},
-            {QStringLiteral("MaxValue"), maxValue},
-            {QStringLiteral("MinValueDate"), date},
-            {QStringLiteral("MaxValueDate"), date},
-            {QStringLiteral("Initialized"), initialized}};
+    return {{"MinValue", minValue},
+            {"MaxValue", maxValue},
+            {"MinValueDate", date},
+            {"MaxValueDate", date},
+            {"Initialized", initialized}};
 }
 
 QJsonObject Records::emptyObject()
 {
-    return object(0.0, 0.0, QStringLiteral(""), false);
+    return object(0.0, 0.0, "", false);
 }
 
 DragIndicator::DragIndicatorInstances Records::at(int index)

@@ -23,12 +23,12 @@ QDateTime readClock(const QString& reading)
 
 QDate QDate::currentDate()
 {
-    return readClock(QStringLiteral("date")).date();
+    return readClock("date").date();
 }
 
 QTime QTime::currentTime()
 {
-    return readClock(QStringLiteral("time")).time();
+    return readClock("time").time();
 }
 
 TestClock::TestClock(const QDateTime& now, qint64 step)

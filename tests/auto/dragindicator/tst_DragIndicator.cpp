@@ -44,8 +44,8 @@ constexpr char minSignature[] = "double DragIndicator::getMinValue(" INSTANCES "
 constexpr char maxSignature[] = "double DragIndicator::getMaxValue(" INSTANCES ") const";
 constexpr char initializedSignature[] = "bool DragIndicator::isInitialized(" INSTANCES ") const";
 
-const QString textDate = QStringLiteral("Fri Mar 1 12:30:05 2024");
-const QString isoDate = QStringLiteral("2024-03-01T12:30:05");
+const QString textDate = "Fri Mar 1 12:30:05 2024";
+const QString isoDate = "2024-03-01T12:30:05";
 
 const QDateTime noon(QDate(2024, 3, 1), QTime(12, 0));
 
@@ -80,12 +80,12 @@ QString dateOf(const DragIndicator& indicator, int index, const QString& key)
 
 QString minDateOf(const DragIndicator& indicator, int index)
 {
-    return dateOf(indicator, index, QStringLiteral("MinValueDate"));
+    return dateOf(indicator, index, "MinValueDate");
 }
 
 QString maxDateOf(const DragIndicator& indicator, int index)
 {
-    return dateOf(indicator, index, QStringLiteral("MaxValueDate"));
+    return dateOf(indicator, index, "MaxValueDate");
 }
 
 Record takenRecord(double minimum, double maximum)
@@ -277,7 +277,7 @@ void tst_DragIndicator::firstValueReadsClockOnce()
     record.minValueDate = QDateTime(QDate(1999, 1, 1), QTime(1, 0), Qt::UTC);
     TestClock clock(noon, 1000);
     QVERIFY(indicator.checkInstance(record, 1));
-    QCOMPARE(clock.takeReadings(), QStringList({QStringLiteral("date"), QStringLiteral("time")}));
+    QCOMPARE(clock.takeReadings(), QStringList({QStringLiteral("date"), "time"}));
     QCOMPARE(record.minValueDate, noon.addSecs(1));
     QCOMPARE(record.minValueDate.timeSpec(), Qt::LocalTime);
     QCOMPARE(record.maxValueDate, record.minValueDate);
@@ -306,8 +306,7 @@ void tst_DragIndicator::maximumComesBeforeMinimum()
     QCOMPARE(rangeOf(record), QByteArray("5 to 5"));
     QCOMPARE(record.maxValueDate, noon.addDays(1).addSecs(1));
     QCOMPARE(record.minValueDate, noon.addDays(1).addSecs(3));
-    QCOMPARE(clock.takeReadings(), QStringList({QStringLiteral("date"), QStringLiteral("time"),
-                                                QStringLiteral("date"), QStringLiteral("time")}));
+    QCOMPARE(clock.takeReadings(), QStringList({QStringLiteral("date"), "time", "date", "time"}));
 }
 
 void tst_DragIndicator::laterDatesReadClockForEachExtreme_data()
@@ -317,7 +316,7 @@ void tst_DragIndicator::laterDatesReadClockForEachExtreme_data()
     QTest::addColumn<int>("minSeconds");
     QTest::addColumn<int>("maxSeconds");
 
-    const QStringList once{QStringLiteral("date"), QStringLiteral("time")};
+    const QStringList once{"date", "time"};
     QTest::newRow("inside") << 5.0 << QStringList() << 0 << 0;
     QTest::newRow("minimum again") << 4.0 << QStringList() << 0 << 0;
     QTest::newRow("maximum again") << 6.0 << QStringList() << 0 << 0;
@@ -492,12 +491,10 @@ void tst_DragIndicator::initObjectAppends()
 void tst_DragIndicator::emptyListTakesNothing()
 {
     DragIndicator indicator;
-    messages().expectWarning(
-        "DragIndicator",
-        QStringLiteral("Received invalid count for drag indicator instances: 0 , 2 !"));
-    messages().expectWarning(
-        "DragIndicator",
-        QStringLiteral("Resetting drag indicator due to errors on importing json data!"));
+    messages().expectWarning("DragIndicator",
+                             "Received invalid count for drag indicator instances: 0 , 2 !");
+    messages().expectWarning("DragIndicator",
+                             "Resetting drag indicator due to errors on importing json data!");
     QVERIFY(!indicator.fromJsonArray(QJsonArray()));
     indicator.reset();
     QVERIFY(!indicator.compute(1));
@@ -673,16 +670,16 @@ void tst_DragIndicator::tellsIsoDates_data()
 
     const char32_t mathematicalDigit = 0x1D7CE;
     QTest::newRow("null") << QString() << false;
-    QTest::newRow("empty") << QStringLiteral("") << false;
+    QTest::newRow("empty") << "" << false;
     QTest::newRow("ISO") << isoDate << true;
     QTest::newRow("text") << textDate << false;
-    QTest::newRow("0") << QStringLiteral("0") << true;
-    QTest::newRow("9") << QStringLiteral("9x") << true;
-    QTest::newRow("before 0") << QStringLiteral("/1") << false;
-    QTest::newRow("after 9") << QStringLiteral(":1") << false;
-    QTest::newRow("minus") << QStringLiteral("-2024-03-01") << false;
-    QTest::newRow("blank") << QStringLiteral(" 2024-03-01") << false;
-    QTest::newRow("digit second") << QStringLiteral("x1") << false;
+    QTest::newRow("0") << "0" << true;
+    QTest::newRow("9") << "9x" << true;
+    QTest::newRow("before 0") << "/1" << false;
+    QTest::newRow("after 9") << ":1" << false;
+    QTest::newRow("minus") << "-2024-03-01" << false;
+    QTest::newRow("blank") << " 2024-03-01" << false;
+    QTest::newRow("digit second") << "x1" << false;
     QTest::newRow("NUL") << QString(1, QChar(0)) << false;
     QTest::newRow("Arabic-Indic") << QStringLiteral(u"\u0660") << true;
     QTest::newRow("Devanagari") << QStringLiteral(u"\u096F") << true;

@@ -57,8 +57,8 @@ private:
 
 namespace {
 
-const QString isoDate = QStringLiteral("2024-03-01T12:30:05");
-const QString textDate = QStringLiteral("Fri Mar 1 12:30:05 2024");
+const QString isoDate = "2024-03-01T12:30:05";
+const QString textDate = "Fri Mar 1 12:30:05 2024";
 
 QJsonObject goodObject()
 {
@@ -109,8 +109,7 @@ void tst_DragIndicatorJson::expectMissingKey(const QString& key, const QJsonObje
 
 void tst_DragIndicatorJson::expectEnd()
 {
-    expectFromImport(
-        QStringLiteral("Resetting drag indicator due to errors on importing json data!"));
+    expectFromImport("Resetting drag indicator due to errors on importing json data!");
 }
 
 void tst_DragIndicatorJson::exportOfEmptyRecords()
@@ -118,9 +117,7 @@ void tst_DragIndicatorJson::exportOfEmptyRecords()
     const QJsonArray array = DragIndicator().asJsonArray();
     QCOMPARE(array, (QJsonArray{Records::emptyObject(), Records::emptyObject()}));
     QCOMPARE(array.at(0).toObject().keys(),
-             (QStringList{QStringLiteral("Initialized"), QStringLiteral("MaxValue"),
-                          QStringLiteral("MaxValueDate"), QStringLiteral("MinValue"),
-                          QStringLiteral("MinValueDate")}));
+             (QStringList{"Initialized", "MaxValue", "MaxValueDate", "MinValue", "MinValueDate"}));
 }
 
 void tst_DragIndicatorJson::exportOfValues()
@@ -145,8 +142,7 @@ void tst_DragIndicatorJson::exportOfValues()
 void tst_DragIndicatorJson::exportOfNoRecords()
 {
     DragIndicator indicator;
-    expectFromImport(
-        QStringLiteral("Received invalid count for drag indicator instances: 0 , 2 !"));
+    expectFromImport("Received invalid count for drag indicator instances: 0 , 2 !");
     expectEnd();
     QVERIFY(!indicator.fromJsonArray(QJsonArray()));
     QCOMPARE(indicator.asJsonArray(), QJsonArray());
@@ -176,8 +172,7 @@ void tst_DragIndicatorJson::wrongCount()
     QVERIFY(!indicator.fromJsonArray(array));
     QCOMPARE(recordCount(indicator), 0);
     QVERIFY(!indicator.compute(1.0));
-    messages().expectWarning("DragIndicator",
-                             QStringLiteral("Error on reading min value for instance 0 !"));
+    messages().expectWarning("DragIndicator", "Error on reading min value for instance 0 !");
     QCOMPARE(indicator.getMinValue(Records::at(0)), 0.0);
 }
 
@@ -185,15 +180,12 @@ void tst_DragIndicatorJson::elementIsNoObject_data()
 {
     QTest::addColumn<QJsonValue>("element");
     QTest::addColumn<QString>("shown");
-    QTest::newRow("null") << QJsonValue() << QStringLiteral("QJsonValue(null)");
-    QTest::newRow("bool") << QJsonValue(true) << QStringLiteral("QJsonValue(bool, true)");
-    QTest::newRow("number") << QJsonValue(5) << QStringLiteral("QJsonValue(double, 5)");
-    QTest::newRow("text") << QJsonValue(QStringLiteral("x"))
-                          << QStringLiteral("QJsonValue(string, \"x\")");
-    QTest::newRow("array") << QJsonValue(QJsonArray{1})
-                           << QStringLiteral("QJsonValue(array, QJsonArray([1]))");
-    QTest::newRow("undefined") << QJsonValue(QJsonValue::Undefined)
-                               << QStringLiteral("QJsonValue(null)");
+    QTest::newRow("null") << QJsonValue() << "QJsonValue(null)";
+    QTest::newRow("bool") << QJsonValue(true) << "QJsonValue(bool, true)";
+    QTest::newRow("number") << QJsonValue(5) << "QJsonValue(double, 5)";
+    QTest::newRow("text") << QJsonValue("x") << "QJsonValue(string, \"x\")";
+    QTest::newRow("array") << QJsonValue(QJsonArray{1}) << "QJsonValue(array, QJsonArray([1]))";
+    QTest::newRow("undefined") << QJsonValue(QJsonValue::Undefined) << "QJsonValue(null)";
 }
 
 void tst_DragIndicatorJson::elementIsNoObject()
@@ -220,14 +212,14 @@ void tst_DragIndicatorJson::elementIsNoObject()
 void tst_DragIndicatorJson::damageIsReportedInOrder()
 {
     QJsonObject object = Records::object(1.5, 2.5, QString());
-    object.remove(QStringLiteral("MaxValue"));
-    object.insert(QStringLiteral("Initialized"), QStringLiteral("true"));
+    object.remove("MaxValue");
+    object.insert("Initialized", "true");
     DragIndicator indicator;
     const auto expectFromObject = [this, &object] {
-        expectMissingKey(QStringLiteral("MaxValue"), object);
-        expectFromImport(QStringLiteral("Received an empty min date string!"));
-        expectFromImport(QStringLiteral("Received an empty max date string!"));
-        expectMissingKey(QStringLiteral("Initialized"), object);
+        expectMissingKey("MaxValue", object);
+        expectFromImport("Received an empty min date string!");
+        expectFromImport("Received an empty max date string!");
+        expectMissingKey("Initialized", object);
     };
     expectFromObject();
     expectFromObject();
@@ -236,8 +228,7 @@ void tst_DragIndicatorJson::damageIsReportedInOrder()
     const QJsonObject taken = Records::object(1.5, 0.0, QString(), false);
     QCOMPARE(indicator.asJsonArray(), (QJsonArray{taken, taken}));
 
-    expectFromImport(
-        QStringLiteral("Cannot convert json value for instance to object: QJsonValue(null) !"));
+    expectFromImport("Cannot convert json value for instance to object: QJsonValue(null) !");
     expectFromObject();
     expectEnd();
     QVERIFY(!indicator.fromJsonArray({QJsonValue(), object}));
@@ -258,7 +249,7 @@ void tst_DragIndicatorJson::onlyObjectLandsFirst()
 void tst_DragIndicatorJson::missingKeyAsLogged()
 {
     QJsonObject object = goodObject();
-    object.remove(QStringLiteral("Initialized"));
+    object.remove("Initialized");
     DragIndicator indicator;
     expectFromImport(
         QStringLiteral("Cannot find key \"Initialized\" in json object: "
@@ -274,8 +265,8 @@ void tst_DragIndicatorJson::missingKeyAsLogged()
 void tst_DragIndicatorJson::otherMembersDoNotMatter()
 {
     QJsonObject object = goodObject();
-    object.insert(QStringLiteral("Unit"), QStringLiteral("bar"));
-    object.insert(QStringLiteral("minvalue"), QStringLiteral("keys are compared exactly"));
+    object.insert("Unit", "bar");
+    object.insert("minvalue", "keys are compared exactly");
     DragIndicator indicator;
     QVERIFY(indicator.fromJsonArray({object, goodObject()}));
     QCOMPARE(indicator.asJsonArray(), (QJsonArray{goodObject(), goodObject()}));
@@ -300,13 +291,13 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
         QString emptyText;
     };
     const Member members[] = {
-        {QStringLiteral("MinValue"), QStringLiteral("1.5"), 0.0, QString()},
-        {QStringLiteral("MaxValue"), true, 0.0, QString()},
-        {QStringLiteral("MinValueDate"), 20240301, QString(QLatin1String("")),
-         QStringLiteral("Received an empty min date string!")},
-        {QStringLiteral("MaxValueDate"), QJsonValue(), QString(QLatin1String("")),
-         QStringLiteral("Received an empty max date string!")},
-        {QStringLiteral("Initialized"), 1, false, QString()},
+        {"MinValue", "1.5", 0.0, QString()},
+        {"MaxValue", true, 0.0, QString()},
+        {"MinValueDate", 20240301, QString(QLatin1String("")),
+         "Received an empty min date string!"},
+        {"MaxValueDate", QJsonValue(), QString(QLatin1String("")),
+         "Received an empty max date string!"},
+        {"Initialized", 1, false, QString()},
     };
     enum State
     {
@@ -380,20 +371,20 @@ void tst_DragIndicatorJson::dateForms_data()
 
     const QString none;
     QTest::newRow("ISO") << isoDate << isoDate << false;
-    QTest::newRow("ISO, UTC") << QStringLiteral("2024-03-01T12:30:05Z")
-                              << QStringLiteral("2024-03-01T12:30:05Z") << false;
-    QTest::newRow("ISO, offset") << QStringLiteral("2024-03-01T12:30:05+02:00")
-                                 << QStringLiteral("2024-03-01T12:30:05+02:00") << false;
-    QTest::newRow("ISO, fraction") << QStringLiteral("2024-03-01T12:30:05.678") << isoDate << false;
-    QTest::newRow("ISO, date only")
-        << QStringLiteral("2024-03-01") << QStringLiteral("2024-03-01T00:00:00") << false;
-    QTest::newRow("ISO, no such day") << QStringLiteral("2024-02-31T12:30:05") << none << false;
-    QTest::newRow("digits alone") << QStringLiteral("1") << none << false;
+    QTest::newRow("ISO, UTC") << "2024-03-01T12:30:05Z"
+                              << "2024-03-01T12:30:05Z" << false;
+    QTest::newRow("ISO, offset") << "2024-03-01T12:30:05+02:00"
+                                 << "2024-03-01T12:30:05+02:00" << false;
+    QTest::newRow("ISO, fraction") << "2024-03-01T12:30:05.678" << isoDate << false;
+    QTest::newRow("ISO, date only") << "2024-03-01"
+                                    << "2024-03-01T00:00:00" << false;
+    QTest::newRow("ISO, no such day") << "2024-02-31T12:30:05" << none << false;
+    QTest::newRow("digits alone") << "1" << none << false;
     QTest::newRow("digit of another script")
         << QStringLiteral("\u0662\u0660\u0662\u0664-03-01T12:30:05") << none << false;
     QTest::newRow("text") << textDate << isoDate << true;
-    QTest::newRow("no date") << QStringLiteral("x") << none << true;
-    QTest::newRow("blank first") << QStringLiteral(" 2024-03-01T12:30:05") << none << true;
+    QTest::newRow("no date") << "x" << none << true;
+    QTest::newRow("blank first") << " 2024-03-01T12:30:05" << none << true;
 }
 
 void tst_DragIndicatorJson::dateForms()
@@ -429,7 +420,7 @@ void tst_DragIndicatorJson::datesUnderLocales_data()
     const QString germanDate = QStringLiteral(u"Fr. M\u00E4rz 1 12:30:05 2024");
     const QString arabicDate = QStringLiteral(u"\u0627\u0644\u062C\u0645\u0639\u0629 "
                                               u"\u0645\u0627\u0631\u0633 1 12:30:05 2024");
-    const QString vietnameseDate = QStringLiteral("Th 6 thg 3 1 12:30:05 2024");
+    const QString vietnameseDate = "Th 6 thg 3 1 12:30:05 2024";
 
     QTest::newRow("English names, German system") << german << c << textDate << isoDate << true;
     QTest::newRow("English names, Arabic system") << arabic << c << textDate << isoDate << true;
@@ -448,12 +439,11 @@ void tst_DragIndicatorJson::datesUnderLocales_data()
     // Qt 5.15.2 takes five or six words for a date, no more.
     QTest::newRow("Vietnamese names of two words, Vietnamese system")
         << vietnamese << c << vietnameseDate << (isQtOfDebian11() ? QString() : isoDate) << true;
-    QTest::newRow("day before month, German system")
-        << german << c << QStringLiteral("Sa. 1. Dez. 12:30:05 2018")
-        << QStringLiteral("2018-12-01T12:30:05") << true;
+    QTest::newRow("day before month, German system") << german << c << "Sa. 1. Dez. 12:30:05 2018"
+                                                     << "2018-12-01T12:30:05" << true;
     // A name that ends in a full stop is taken for the day's number; not by Qt 5.15.2.
     QTest::newRow("shortened month, German system")
-        << german << c << QStringLiteral("Sa. Dez. 1 12:30:05 2018")
+        << german << c << "Sa. Dez. 1 12:30:05 2018"
         << (isQtOfDebian11() ? QStringLiteral("2018-12-01T12:30:05") : QString()) << true;
 
     QTest::newRow("German names, other system") << none << c << germanDate << QString() << true;
@@ -486,13 +476,12 @@ void tst_DragIndicatorJson::datesUnderLocales()
     if (qgetenv("LC_ALL") != systemLocale) {
         // Qt reads it once: the row is for a process that begins with it.
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(systemLocale));
+        environment.insert("LC_ALL", QString::fromLatin1(systemLocale));
         QProcess process;
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(
-            QCoreApplication::applicationFilePath(),
-            {QStringLiteral("datesUnderLocales:") + QString::fromLatin1(QTest::currentDataTag())});
+        process.start(QCoreApplication::applicationFilePath(),
+                      {"datesUnderLocales:" + QString::fromLatin1(QTest::currentDataTag())});
         QVERIFY(process.waitForFinished());
         const QByteArray output = process.readAll();
         QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
@@ -515,8 +504,8 @@ void tst_DragIndicatorJson::datesUnderLocales()
     QVERIFY(indicator.compute(1.25));
     const QJsonArray array = indicator.asJsonArray();
     for (const QJsonValue& element : array) {
-        const QString written = element.toObject().value(QStringLiteral("MinValueDate")).toString();
-        const QRegularExpression form(QStringLiteral("\\A[0-9-]{10}T[0-9:]{8}\\z"));
+        const QString written = element.toObject().value("MinValueDate").toString();
+        const QRegularExpression form("\\A[0-9-]{10}T[0-9:]{8}\\z");
         QVERIFY2(form.match(written).hasMatch(), qPrintable(written));
     }
     DragIndicator restored;
@@ -562,8 +551,8 @@ void tst_DragIndicatorJson::hourThatDoesNotExist()
     QCOMPARE(saved.at(1), QJsonValue(Records::object(1.5, 2.5, isoDate)));
 
     if (!exists) {
-        expectFromImport(QStringLiteral("Received an empty min date string!"));
-        expectFromImport(QStringLiteral("Received an empty max date string!"));
+        expectFromImport("Received an empty min date string!");
+        expectFromImport("Received an empty max date string!");
         expectEnd();
     }
     QCOMPARE(indicator.fromJsonArray(saved), exists);
@@ -574,7 +563,7 @@ void tst_DragIndicatorJson::hourThatComesTwice()
 {
     const TimeZone place(centralEurope);
     const QDateTime first(QDate(2026, 10, 25), QTime(0, 30), Qt::UTC);
-    const QString text = QStringLiteral("2026-10-25T02:30:00");
+    const QString text = "2026-10-25T02:30:00";
     QCOMPARE(first.toLocalTime().toString(Qt::ISODate), text);
     QCOMPARE(first.addSecs(3600).toLocalTime().toString(Qt::ISODate), text);
 
@@ -613,9 +602,9 @@ void tst_DragIndicatorJson::textDateIsReportedOnce()
 void tst_DragIndicatorJson::failedImportKeepsWhatItTook()
 {
     QJsonObject object = Records::object(1.5, 2.5, textDate);
-    object.remove(QStringLiteral("MinValue"));
+    object.remove("MinValue");
     DragIndicator indicator;
-    expectMissingKey(QStringLiteral("MinValue"), object);
+    expectMissingKey("MinValue", object);
     expectEnd();
     QVERIFY(!indicator.fromJsonArray({object, goodObject()}));
     QCOMPARE(indicator.getMinValue(Records::at(0)), 0.0);
@@ -644,8 +633,7 @@ void tst_DragIndicatorJson::failedImportKeepsTextDate()
     const QJsonObject object = Records::object(1.5, 2.5, textDate);
     QVERIFY(indicator.fromJsonArray({object, object}));
     if (damaged.isEmpty()) {
-        expectFromImport(
-            QStringLiteral("Received invalid count for drag indicator instances: 0 , 2 !"));
+        expectFromImport("Received invalid count for drag indicator instances: 0 , 2 !");
     }
     for (int i = 0; i < damaged.size(); ++i) {
         expectFromImport(QStringLiteral(
@@ -661,8 +649,8 @@ void tst_DragIndicatorJson::freshExportCannotBeImported()
 {
     DragIndicator indicator;
     for (int i = 0; i < 2; ++i) {
-        expectFromImport(QStringLiteral("Received an empty min date string!"));
-        expectFromImport(QStringLiteral("Received an empty max date string!"));
+        expectFromImport("Received an empty min date string!");
+        expectFromImport("Received an empty max date string!");
     }
     expectEnd();
     QVERIFY(!indicator.fromJsonArray(DragIndicator().asJsonArray()));
@@ -725,8 +713,7 @@ void tst_DragIndicatorJson::fileRoundTrip()
     DragIndicator indicator;
     indicator.compute(0.1);
     indicator.compute(12345.678901234567);
-    const QString file =
-        writeFile(QStringLiteral("records.json"), QJsonDocument(indicator.asJsonArray()).toJson());
+    const QString file = writeFile("records.json", QJsonDocument(indicator.asJsonArray()).toJson());
     DragIndicator restored;
     QVERIFY(restored.fromJsonArray(QJsonDocument::fromJson(readFile(file)).array()));
     QCOMPARE(restored.asJsonArray(), indicator.asJsonArray());
@@ -750,9 +737,9 @@ void tst_DragIndicatorJson::valuesThatJsonDoesNotKnow()
     const QJsonArray array =
         QJsonDocument::fromJson(QJsonDocument(indicator.asJsonArray()).toJson()).array();
     for (const QJsonValue& element : array) {
-        QVERIFY(element.toObject().value(QStringLiteral("MinValue")).isNull());
-        expectMissingKey(QStringLiteral("MinValue"), element.toObject());
-        expectMissingKey(QStringLiteral("MaxValue"), element.toObject());
+        QVERIFY(element.toObject().value("MinValue").isNull());
+        expectMissingKey("MinValue", element.toObject());
+        expectMissingKey("MaxValue", element.toObject());
     }
     expectEnd();
     DragIndicator restored;

@@ -36,5 +36,5 @@ QString LiteralTextFile::described(const QStringList& texts)
         descriptions.append(text.isNull() ? QStringLiteral("null")
                                           : QLatin1Char('"') + text + QLatin1Char('"'));
     }
-    return QLatin1Char('[') + descriptions.join(QStringLiteral(", ")) + QLatin1Char(']');
+    return QLatin1Char('[') + descriptions.join(", ") + QLatin1Char(']');
 }

@@ -22,8 +22,8 @@ constexpr int earliestInMs(int delayInMs)
     return delayInMs - delayInMs / 20;
 }
 
-const QString folderA = QStringLiteral("/a");
-const QString folderB = QStringLiteral("/b");
+const QString folderA = "/a";
+const QString folderB = "/b";
 
 // What the system keeps for this process.
 struct Resources
@@ -35,7 +35,7 @@ struct Resources
 Resources resources()
 {
     Resources result;
-    const QDir descriptions(QStringLiteral("/proc/self/fdinfo"));
+    const QDir descriptions("/proc/self/fdinfo");
     const QStringList names = descriptions.entryList(QDir::Files);
     for (const QString& name : names) {
         QFile description(descriptions.filePath(name));
@@ -320,8 +320,7 @@ void tst_DirectoryWatcher::delayOfZeroReportsFromTheEventLoop()
 void tst_DirectoryWatcher::negativeDelayNeverReports()
 {
     // The timer counts as active and yet never expires, so that not even a new delay is taken.
-    const QString text =
-        QStringLiteral("QObject::startTimer: Timers cannot have negative intervals");
+    const QString text = "QObject::startTimer: Timers cannot have negative intervals";
     DirectoryWatcher watcher{QStringList()};
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     watcher.setDelayInMs(-1);
@@ -409,7 +408,7 @@ void tst_DirectoryWatcher::destructionDropsTheBurst()
     DirectoryWatcher other(folder());
     other.setDelayInMs(2 * shortDelayInMs);
     QSignalSpy otherChanges(&other, &DirectoryWatcher::directoryChanged);
-    writeFile(QStringLiteral("file"), "");
+    writeFile("file", "");
     if (isNoticed) {
         watcher->directoryGotChanged(folderA);
     }
@@ -445,27 +444,27 @@ void tst_DirectoryWatcher::changesAreReported()
 {
     QFETCH(int, change);
 
-    const QString watched = makeFolder(QStringLiteral("watched"));
-    const QString file = writeFile(QStringLiteral("watched/file"), "");
-    makeFolder(QStringLiteral("watched/folder"));
+    const QString watched = makeFolder("watched");
+    const QString file = writeFile("watched/file", "");
+    makeFolder("watched/folder");
     DirectoryWatcher watcher(watched);
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     switch (change) {
     case 0:
-        writeFile(QStringLiteral("watched/new"), "");
+        writeFile("watched/new", "");
         break;
     case 1:
         QVERIFY(QFile::remove(file));
         break;
     case 2:
-        QVERIFY(QFile::rename(file, path(QStringLiteral("watched/renamed"))));
+        QVERIFY(QFile::rename(file, path("watched/renamed")));
         break;
     case 3:
-        makeFolder(QStringLiteral("watched/new"));
+        makeFolder("watched/new");
         break;
     case 4:
-        QVERIFY(QDir().rmdir(path(QStringLiteral("watched/folder"))));
+        QVERIFY(QDir().rmdir(path("watched/folder")));
         break;
     case 5:
         QVERIFY(QFile::setPermissions(file, QFile::ReadOwner));
@@ -484,13 +483,13 @@ void tst_DirectoryWatcher::changesAreReported()
 
 void tst_DirectoryWatcher::changesOfTwoFoldersAreOneBurst()
 {
-    const QString first = makeFolder(QStringLiteral("first"));
-    const QString second = makeFolder(QStringLiteral("second"));
+    const QString first = makeFolder("first");
+    const QString second = makeFolder("second");
     DirectoryWatcher watcher({first, second});
     watcher.setDelayInMs(longDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    writeFile(QStringLiteral("first/file"), "");
-    writeFile(QStringLiteral("second/file"), "");
+    writeFile("first/file", "");
+    writeFile("second/file", "");
     QVERIFY(changes.wait());
     QStringList folders = changes.first().first().toStringList();
     QCOMPARE(changes.count(), 1);
@@ -510,9 +509,9 @@ void tst_DirectoryWatcher::contentOfFilesDoesNotCount()
 {
     QFETCH(bool, isFileWatched);
 
-    const QString watched = makeFolder(QStringLiteral("watched"));
-    const QString other = makeFolder(QStringLiteral("other"));
-    const QString filePath = writeFile(QStringLiteral("watched/file"), "");
+    const QString watched = makeFolder("watched");
+    const QString other = makeFolder("other");
+    const QString filePath = writeFile("watched/file", "");
     DirectoryWatcher watcher({watched, other});
     watcher.setDelayInMs(longDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
@@ -528,7 +527,7 @@ void tst_DirectoryWatcher::contentOfFilesDoesNotCount()
     file.close();
     QVERIFY(contentChanges.wait());
     // Notices come in their order: what this one comes without was none.
-    writeFile(QStringLiteral("other/file"), "");
+    writeFile("other/file", "");
     QVERIFY(changes.wait());
     QCOMPARE(changes.count(), 1);
     QCOMPARE(changes.first().first().toStringList(), QStringList(other));
@@ -536,13 +535,13 @@ void tst_DirectoryWatcher::contentOfFilesDoesNotCount()
 
 void tst_DirectoryWatcher::foldersBelowDoNotCount()
 {
-    makeFolder(QStringLiteral("below"));
-    const QString other = makeFolder(QStringLiteral("other"));
+    makeFolder("below");
+    const QString other = makeFolder("other");
     DirectoryWatcher watcher({folder(), other});
     watcher.setDelayInMs(longDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    writeFile(QStringLiteral("below/file"), "");
-    writeFile(QStringLiteral("other/file"), "");
+    writeFile("below/file", "");
+    writeFile("other/file", "");
     QVERIFY(changes.wait());
     QCOMPARE(changes.count(), 1);
     QCOMPARE(changes.first().first().toStringList(), QStringList(other));
@@ -550,7 +549,7 @@ void tst_DirectoryWatcher::foldersBelowDoNotCount()
 
 void tst_DirectoryWatcher::removedFolderIsReportedAndForgotten()
 {
-    const QString watched = makeFolder(QStringLiteral("watched"));
+    const QString watched = makeFolder("watched");
     DirectoryWatcher watcher(watched);
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
@@ -560,9 +559,9 @@ void tst_DirectoryWatcher::removedFolderIsReportedAndForgotten()
     QVERIFY(!watcher.addPath(watched));
 
     // Made anew it is another folder, which must be added again.
-    makeFolder(QStringLiteral("watched"));
+    makeFolder("watched");
     QVERIFY(watcher.addPath(watched));
-    writeFile(QStringLiteral("watched/file"), "");
+    writeFile("watched/file", "");
     QVERIFY(changes.wait());
     QVERIFY(changes.first().first().toStringList().contains(watched));
 }
@@ -571,11 +570,11 @@ void tst_DirectoryWatcher::addPathTells_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("isAdded");
-    QTest::newRow("folder") << QStringLiteral("folder") << true;
-    QTest::newRow("folder, trailing slash") << QStringLiteral("folder/") << true;
-    QTest::newRow("file") << QStringLiteral("file") << true;
-    QTest::newRow("linked folder") << QStringLiteral("link") << true;
-    QTest::newRow("missing") << QStringLiteral("missing") << false;
+    QTest::newRow("folder") << "folder" << true;
+    QTest::newRow("folder, trailing slash") << "folder/" << true;
+    QTest::newRow("file") << "file" << true;
+    QTest::newRow("linked folder") << "link" << true;
+    QTest::newRow("missing") << "missing" << false;
 }
 
 void tst_DirectoryWatcher::addPathTells()
@@ -583,9 +582,9 @@ void tst_DirectoryWatcher::addPathTells()
     QFETCH(QString, name);
     QFETCH(bool, isAdded);
 
-    const QString target = makeFolder(QStringLiteral("folder"));
-    writeFile(QStringLiteral("file"), "");
-    QVERIFY(QFile::link(target, path(QStringLiteral("link"))));
+    const QString target = makeFolder("folder");
+    writeFile("file", "");
+    QVERIFY(QFile::link(target, path("link")));
     DirectoryWatcher watcher{QStringList()};
     const int watchesBefore = resources().watches;
     QCOMPARE(watcher.addPath(path(name)), isAdded);
@@ -594,7 +593,7 @@ void tst_DirectoryWatcher::addPathTells()
 
 void tst_DirectoryWatcher::pathBelowAFileIsLoggedByQt()
 {
-    const QString below = writeFile(QStringLiteral("file"), "") + QStringLiteral("/folder");
+    const QString below = writeFile("file", "") + "/folder";
     DirectoryWatcher watcher{QStringList()};
     // The system's reasons are in the system's language.
     messages().expect(
@@ -605,7 +604,7 @@ void tst_DirectoryWatcher::pathBelowAFileIsLoggedByQt()
 
 void tst_DirectoryWatcher::pathThatIsWatchedAlready()
 {
-    const QString watched = makeFolder(QStringLiteral("watched"));
+    const QString watched = makeFolder("watched");
     const int watchesBefore = resources().watches;
     DirectoryWatcher watcher(watched);
     QVERIFY(!watcher.addPath(watched));
@@ -614,19 +613,18 @@ void tst_DirectoryWatcher::pathThatIsWatchedAlready()
 
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    writeFile(QStringLiteral("watched/file"), "");
+    writeFile("watched/file", "");
     QVERIFY(changes.wait());
     QCOMPARE(changes.count(), 1);
 }
 
 void tst_DirectoryWatcher::pathsAreAdded()
 {
-    const QStringList paths = {makeFolder(QStringLiteral("a")), makeFolder(QStringLiteral("b")),
-                               makeFolder(QStringLiteral("c"))};
+    const QStringList paths = {makeFolder("a"), makeFolder("b"), makeFolder("c")};
     const int watchesBefore = resources().watches;
     DirectoryWatcher watcher{QStringList()};
     QVERIFY(watcher.addPath(paths.first()));
-    watcher.addPaths({paths.at(1), path(QStringLiteral("missing")), paths.at(2)});
+    watcher.addPaths({paths.at(1), path("missing"), paths.at(2)});
     QCOMPARE(resources().watches - watchesBefore, 3);
 
     watcher.setDelayInMs(longDelayInMs);
@@ -643,12 +641,11 @@ void tst_DirectoryWatcher::pathsAreAdded()
 
 void tst_DirectoryWatcher::unwatchablePathsArePassedOver()
 {
-    const QString watched = makeFolder(QStringLiteral("watched"));
+    const QString watched = makeFolder("watched");
     const int watchesBefore = resources().watches;
-    const DirectoryWatcher some(
-        {path(QStringLiteral("missing")), watched, path(QStringLiteral("missing too"))});
+    const DirectoryWatcher some({path("missing"), watched, path("missing too")});
     QCOMPARE(resources().watches - watchesBefore, 1);
-    const DirectoryWatcher none(path(QStringLiteral("missing")));
+    const DirectoryWatcher none(path("missing"));
     QCOMPARE(resources().watches - watchesBefore, 1);
 }
 
@@ -661,25 +658,24 @@ void tst_DirectoryWatcher::emptyListIsSilent()
     QVERIFY(watcher.addPath(folder()));
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    writeFile(QStringLiteral("file"), "");
+    writeFile("file", "");
     QVERIFY(changes.wait());
 }
 
 void tst_DirectoryWatcher::emptyPathsWarnAsQtDoes()
 {
-    const QString listText = QStringLiteral("QFileSystemWatcher::addPaths: list is empty");
+    const QString listText = "QFileSystemWatcher::addPaths: list is empty";
     messages().expect(QtWarningMsg, listText);
     DirectoryWatcher watcher{QString()};
     messages().expect(QtWarningMsg, listText);
     watcher.addPaths({});
-    messages().expect(QtWarningMsg, QStringLiteral("QFileSystemWatcher::addPath: path is empty"));
+    messages().expect(QtWarningMsg, "QFileSystemWatcher::addPath: path is empty");
     QVERIFY(watcher.addPath(QString()));
 }
 
 void tst_DirectoryWatcher::nothingIsLeftBehind()
 {
-    const QStringList paths = {makeFolder(QStringLiteral("a")), makeFolder(QStringLiteral("b")),
-                               folder()};
+    const QStringList paths = {makeFolder("a"), makeFolder("b"), folder()};
     const Resources before = resources();
     {
         const DirectoryWatcher watcher(paths);

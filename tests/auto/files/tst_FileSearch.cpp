@@ -305,11 +305,11 @@ void tst_FileSearch::noFilterListsWhatTheSystemHas()
     QStringList expected;
     readFolder(QFile::encodeName(folder()), expected);
     QVERIFY(expected.size() > 400);
-    QVERIFY(expected.contains(path(QStringLiteral("line\nfeed.txt"))));
+    QVERIFY(expected.contains(path("line\nfeed.txt")));
     QVERIFY(expected.contains(path(QFile::decodeName("gr\xc3\xbc\xc3\x9f.txt"))));
-    QVERIFY(expected.contains(path(QStringLiteral("sub/deeper.txt/deepest.txt"))));
-    QVERIFY(expected.contains(path(QStringLiteral("."))));
-    QVERIFY(expected.contains(path(QStringLiteral("linkedpipe"))));
+    QVERIFY(expected.contains(path("sub/deeper.txt/deepest.txt")));
+    QVERIFY(expected.contains(path(".")));
+    QVERIFY(expected.contains(path("linkedpipe")));
 
     QCOMPARE(searched(folder(), {}), expected);
     QCOMPARE(searched(folder(), {}, QDir::NoFilter), expected);
@@ -523,12 +523,12 @@ void tst_FileSearch::longPathsAreSearched()
     while (directory.size() + level.size() + 2 < 4096) {
         directory += level;
         QVERIFY(QDir().mkpath(directory));
-        QFile file(directory + QStringLiteral("/f"));
+        QFile file(directory + "/f");
         QVERIFY(file.open(QIODevice::WriteOnly));
         expected.append(file.fileName());
     }
     QVERIFY(expected.constLast().size() > 3800);
-    const QStringList patterns(QStringLiteral("f"));
+    const QStringList patterns("f");
     QCOMPARE(sorted(searched(folder(), patterns)), sorted(expected));
     QCOMPARE(sorted(searchedRelatively(folder(), patterns)),
              sorted(relativeTo(folder(), expected)));
@@ -540,8 +540,8 @@ void tst_FileSearch::longPathsAreSearched()
 // The program's destructor searches after Qt's own globals are gone.
 void tst_FileSearch::destructorsMaySearchAtExit()
 {
-    writeFile(QStringLiteral("one"), QByteArray());
-    writeFile(QStringLiteral("two"), QByteArray());
+    writeFile("one", QByteArray());
+    writeFile("two", QByteArray());
     QProcess program;
     program.setProcessChannelMode(QProcess::MergedChannels);
     program.start(QStringLiteral(SEARCH_AT_EXIT_PROGRAM), {folder()});
@@ -589,7 +589,7 @@ void tst_FileSearch::unreadableFolders()
 
     const QString root = folder();
     const ChildResult child = ChildProcess::runAsOrdinaryUser([&root] {
-        const QStringList patternsOfRows[] = {{}, {QStringLiteral("*.txt")}};
+        const QStringList patternsOfRows[] = {{}, {"*.txt"}};
         const QDir::Filters filtersOfRows[] = {QDir::NoFilter, QDir::Files,
                                                QDir::AllEntries | QDir::Readable,
                                                QDir::AllEntries | QDir::System};
@@ -605,8 +605,7 @@ void tst_FileSearch::unreadableFolders()
             return 2;
         }
         // They are seen themselves, but not looked into.
-        if (!found.contains(QStringLiteral("folder3")) ||
-            !found.contains(QStringLiteral("folder4/inner"))) {
+        if (!found.contains("folder3") || !found.contains("folder4/inner")) {
             return 3;
         }
         for (const QString& entry : found) {
@@ -618,7 +617,7 @@ void tst_FileSearch::unreadableFolders()
         if (found.size() < 300) {
             return 5;
         }
-        return searchedRelatively(root + QStringLiteral("/folder3"), {}).isEmpty() ? 0 : 6;
+        return searchedRelatively(root + "/folder3", {}).isEmpty() ? 0 : 6;
     });
     for (const char* name : {"folder3", "folder4/inner", "listable"}) {
         tree.setMode(name, 0755); // so that they can be removed
@@ -694,7 +693,7 @@ void tst_FileSearch::startPaths()
 
 void tst_FileSearch::entriesOfAnEmptyFolder()
 {
-    const QStringList dots = {path(QStringLiteral(".")), path(QStringLiteral(".."))};
+    const QStringList dots = {path("."), path("..")};
     QCOMPARE(sorted(searched(folder(), {})), dots);
     QCOMPARE(sorted(searched(folder(), {QStringLiteral("*")})), dots);
     QCOMPARE(sorted(searchedRelatively(folder(), {})), words(". ../"));
@@ -723,11 +722,11 @@ void tst_FileSearch::namesThatHaveNoBytes()
 void tst_FileSearch::nothingToFind_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("missing folder") << QStringLiteral("missing");
-    QTest::newRow("file") << QStringLiteral("lower.txt");
-    QTest::newRow("broken link") << QStringLiteral("broken.txt");
-    QTest::newRow("pipe") << QStringLiteral("pipe.txt");
-    QTest::newRow("folder below a file") << QStringLiteral("lower.txt/folder");
+    QTest::newRow("missing folder") << "missing";
+    QTest::newRow("file") << "lower.txt";
+    QTest::newRow("broken link") << "broken.txt";
+    QTest::newRow("pipe") << "pipe.txt";
+    QTest::newRow("folder below a file") << "lower.txt/folder";
     QTest::newRow("name too long") << QString(300, QLatin1Char('a'));
     QTest::newRow("NUL behind a folder") << QStringLiteral("sub") + QChar(QChar::Null);
     QTest::newRow("NUL in a folder's name")
@@ -747,21 +746,21 @@ void tst_FileSearch::nothingToFind()
 
 void tst_FileSearch::resultIsAppendedTo()
 {
-    writeFile(QStringLiteral("a.txt"), "");
-    const QStringList patterns(QStringLiteral("*.txt"));
-    const QFileInfo earlier(QStringLiteral("/earlier"));
-    const QString found = path(QStringLiteral("a.txt"));
+    writeFile("a.txt", "");
+    const QStringList patterns("*.txt");
+    const QFileInfo earlier("/earlier");
+    const QString found = path("a.txt");
 
     QFileInfoList entries = {earlier};
     searchFilesOnPathRecursive(folder(), patterns, QDir::Files, entries);
     searchFilesOnPathRecursive(folder(), patterns, entries);
-    searchFilesOnPathRecursive(path(QStringLiteral("missing")), patterns, entries);
+    searchFilesOnPathRecursive(path("missing"), patterns, entries);
     QCOMPARE(filePaths(entries), QStringList({earlier.filePath(), found, found}));
 
-    QStringList names = {QStringLiteral("earlier")};
+    QStringList names = {"earlier"};
     searchFilesOnPathRecursive(folder(), patterns, names);
     searchFilesOnPathRecursive(folder(), patterns, names);
-    searchFilesOnPathRecursive(path(QStringLiteral("missing")), patterns, names);
+    searchFilesOnPathRecursive(path("missing"), patterns, names);
     QCOMPARE(names, words("earlier a.txt a.txt"));
 }
 

@@ -99,14 +99,14 @@ private:
 // In an order that is the sorted one neither forwards nor backwards.
 void tst_MediaWatcher::addMedium()
 {
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("Music/live")));
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("empty")));
+    QVERIFY(QDir(folder()).mkpath("Music/live"));
+    QVERIFY(QDir(folder()).mkpath("empty"));
     for (const char* name : {"delta.mp3", "Alpha.mp3", "charlie.MP3", "Bravo.txt", "echo.txt",
                              ".hidden.mp3", "Music/b.mp3", "Music/C.mp3", "Music/a.mp3",
                              "Music/live/d.mp3", "Music/live/cover.png"}) {
         writeFile(QString::fromLatin1(name), "");
     }
-    QVERIFY(QFile::link(QStringLiteral("Music"), path(QStringLiteral("link.mp3"))));
+    QVERIFY(QFile::link("Music", path("link.mp3")));
 }
 
 QStringList tst_MediaWatcher::inFolder(const QStringList& names)
@@ -165,9 +165,9 @@ void tst_MediaWatcher::methods()
     QCOMPARE(mounted.access(), QMetaMethod::Public);
     QCOMPARE(mounted.parameterNames(), QList<QByteArray>({"strMountPath"}));
 
-    writeFile(QStringLiteral("a.mp3"), "");
+    writeFile("a.mp3", "");
     MediaWatcher watcher(nullptr);
-    watcher.setFileMatchPatternList({QStringLiteral("*.mp3")});
+    watcher.setFileMatchPatternList({"*.mp3"});
     Findings findings(watcher);
     QVERIFY(QMetaObject::invokeMethod(&watcher, "mediumMounted", Q_ARG(QString, folder())));
     QCOMPARE(findings.take(), QVector<QStringList>({inFolder(words("a.mp3"))}));
@@ -191,7 +191,7 @@ void tst_MediaWatcher::listTypeIsRegistered()
 void tst_MediaWatcher::listTypeIsASequence()
 {
     const MediaWatcher watcher(nullptr);
-    const QFileInfoList files = {QFileInfo(QStringLiteral("/a")), QFileInfo(QStringLiteral("/b"))};
+    const QFileInfoList files = {QFileInfo("/a"), QFileInfo("/b")};
     const QVariant variant(QMetaType::type(listTypeName), &files);
     QVERIFY(variant.isValid());
     QCOMPARE(*static_cast<const QFileInfoList*>(variant.constData()), files);
@@ -236,11 +236,11 @@ void tst_MediaWatcher::listComesThroughOtherThreads()
 {
     QFETCH(bool, isConnectedByName);
     QFETCH(Qt::ConnectionType, connectionType);
-    writeFile(QStringLiteral("b.mp3"), "");
-    writeFile(QStringLiteral("a.mp3"), "");
+    writeFile("b.mp3", "");
+    writeFile("a.mp3", "");
 
     MediaWatcher watcher(nullptr);
-    watcher.setFileMatchPatternList({QStringLiteral("*.mp3")});
+    watcher.setFileMatchPatternList({"*.mp3"});
     QThread thread;
     Receiver receiver;
     receiver.moveToThread(&thread);
@@ -282,7 +282,7 @@ void tst_MediaWatcher::namesAreSortedByTheirCharacters()
     Findings findings(watcher);
     watcher.mediumMounted(folder());
     QStringList expected = words("10.mp3 9.mp3 _a.mp3 a?b.mp3 a-b.mp3 B.mp3 z.mp3");
-    expected.replaceInStrings(QStringLiteral("?"), QStringLiteral(" "));
+    expected.replaceInStrings("?", " ");
     expected.append(umlaut); // after every letter of ASCII
     QCOMPARE(findings.take(), QVector<QStringList>({inFolder(expected)}));
 }
@@ -293,7 +293,7 @@ void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
     for (int i = 0; i < 100; ++i) {
         writeFile(QStringLiteral("%1.mp3").arg(i * 37 % 100), "");
     }
-    const QStringList patterns(QStringLiteral("*.mp3"));
+    const QStringList patterns("*.mp3");
     QStringList expected;
     QDirIterator iterator(folder(), patterns, QDir::AllEntries, QDirIterator::Subdirectories);
     while (iterator.hasNext()) {
@@ -365,12 +365,12 @@ void tst_MediaWatcher::mountPathIsUsedAsGiven_data()
     for (const bool recursive : {false, true}) {
         const char* const mode = recursive ? "recursive" : "top folder";
         QTest::addRow("%s, double slash", mode)
-            << QStringLiteral("/Music//live") << recursive << QStringLiteral("/Music//live/d.mp3");
-        QTest::addRow("%s, dotted", mode) << QStringLiteral("/empty/.././Music/live") << recursive
-                                          << QStringLiteral("/empty/.././Music/live/d.mp3");
+            << "/Music//live" << recursive << "/Music//live/d.mp3";
+        QTest::addRow("%s, dotted", mode)
+            << "/empty/.././Music/live" << recursive << "/empty/.././Music/live/d.mp3";
         // Not the folder that the link is in, but the one above that which it leads to.
         QTest::addRow("%s, link and back", mode)
-            << QStringLiteral("/link/..") << recursive
+            << "/link/.." << recursive
             << (recursive ? QStringLiteral("/link/../live/d.mp3") : QString());
     }
 }
@@ -381,11 +381,11 @@ void tst_MediaWatcher::mountPathIsUsedAsGiven()
     QFETCH(bool, recursive);
     QFETCH(QString, found);
     addMedium();
-    QVERIFY(QFile::link(QStringLiteral("Music/live"), path(QStringLiteral("link"))));
+    QVERIFY(QFile::link("Music/live", path("link")));
 
     MediaWatcher watcher(nullptr);
     watcher.setRecursive(recursive);
-    watcher.setFileMatchPatternList({QStringLiteral("[dc]*.mp3")});
+    watcher.setFileMatchPatternList({"[dc]*.mp3"});
     Findings findings(watcher);
     watcher.mediumMounted(folder() + mountPath);
     QStringList paths;
@@ -395,8 +395,8 @@ void tst_MediaWatcher::mountPathIsUsedAsGiven()
     }
     paths.sort();
     QStringList expected;
-    if (mountPath == QStringLiteral("/link/..")) {
-        expected.append(folder() + QStringLiteral("/link/../C.mp3"));
+    if (mountPath == "/link/..") {
+        expected.append(folder() + "/link/../C.mp3");
     }
     if (!found.isEmpty()) {
         expected.append(folder() + found);
@@ -440,15 +440,15 @@ void tst_MediaWatcher::emptyMediumHasItsDots()
 void tst_MediaWatcher::nothingFoundIsNoSignal_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("missing") << QStringLiteral("missing");
-    QTest::newRow("file") << QStringLiteral("file");
-    QTest::newRow("below a file") << QStringLiteral("file/folder");
+    QTest::newRow("missing") << "missing";
+    QTest::newRow("file") << "file";
+    QTest::newRow("below a file") << "file/folder";
 }
 
 void tst_MediaWatcher::nothingFoundIsNoSignal()
 {
     QFETCH(QString, name);
-    writeFile(QStringLiteral("file"), "");
+    writeFile("file", "");
 
     MediaWatcher watcher(nullptr);
     Findings findings(watcher);
@@ -461,7 +461,7 @@ void tst_MediaWatcher::nothingFoundIsNoSignal()
 
 void tst_MediaWatcher::settingsAreReplaced()
 {
-    QVERIFY(QDir(folder()).mkdir(QStringLiteral("sub")));
+    QVERIFY(QDir(folder()).mkdir("sub"));
     for (const char* name : {"a.mp3", "b.txt", "sub/c.mp3"}) {
         writeFile(QString::fromLatin1(name), "");
     }
@@ -476,7 +476,7 @@ void tst_MediaWatcher::settingsAreReplaced()
 
     QStringList patterns = words("*.mp3");
     watcher.setFileMatchPatternList(patterns);
-    patterns.append(QStringLiteral("*.txt"));
+    patterns.append("*.txt");
     QCOMPARE(found(), inFolder(words("a.mp3")));
     watcher.setRecursive(true);
     QCOMPARE(found(), inFolder(words("a.mp3 sub/c.mp3")));
@@ -491,7 +491,7 @@ void tst_MediaWatcher::settingsAreReplaced()
 
 void tst_MediaWatcher::answerComesWithinTheCall()
 {
-    writeFile(QStringLiteral("a.mp3"), "");
+    writeFile("a.mp3", "");
     MediaWatcher watcher(nullptr);
     watcher.setFileMatchPatternList(words("*.mp3"));
     Findings findings(watcher);

@@ -53,9 +53,9 @@ private:
 
 void tst_RecursiveFileSearchWorkerThread::addTree()
 {
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("sub/deeper.csv")));
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("empty")));
-    QVERIFY(QFile::link(QStringLiteral("sub/deeper.csv"), path(QStringLiteral("link"))));
+    QVERIFY(QDir(folder()).mkpath("sub/deeper.csv"));
+    QVERIFY(QDir(folder()).mkpath("empty"));
+    QVERIFY(QFile::link("sub/deeper.csv", path("link")));
     for (const char* name :
          {"b.csv", "A.CSV", "c.txt", ".hidden.csv", "sub/d.csv", "sub/deeper.csv/e.csv"}) {
         writeFile(QString::fromLatin1(name), "");
@@ -98,17 +98,16 @@ void tst_RecursiveFileSearchWorkerThread::directRunFinds_data()
         << words("A.CSV b.csv sub/d.csv sub/deeper.csv sub/deeper.csv/e.csv");
     QTest::newRow("several patterns")
         << QString() << words("?.txt e.*") << words("c.txt sub/deeper.csv/e.csv");
-    QTest::newRow("no pattern") << QStringLiteral("sub") << QStringList()
+    QTest::newRow("no pattern") << "sub" << QStringList()
                                 << words(". . ../ d.csv deeper.csv deeper.csv deeper.csv/e.csv");
-    QTest::newRow("trailing slash")
-        << QStringLiteral("sub/") << words("d*") << words("d.csv deeper.csv");
+    QTest::newRow("trailing slash") << "sub/" << words("d*") << words("d.csv deeper.csv");
     // Not the folder that the link is in, but the one above that which it leads to.
-    QTest::newRow("link and back") << QStringLiteral("link/..") << words("[de]*")
-                                   << words("d.csv deeper.csv deeper.csv/e.csv");
+    QTest::newRow("link and back")
+        << "link/.." << words("[de]*") << words("d.csv deeper.csv deeper.csv/e.csv");
     QTest::newRow("nothing fits") << QString() << words("*.ogg") << QStringList();
-    QTest::newRow("empty folder") << QStringLiteral("empty") << words("*.csv") << QStringList();
-    QTest::newRow("missing folder") << QStringLiteral("missing") << QStringList() << QStringList();
-    QTest::newRow("file") << QStringLiteral("b.csv") << QStringList() << QStringList();
+    QTest::newRow("empty folder") << "empty" << words("*.csv") << QStringList();
+    QTest::newRow("missing folder") << "missing" << QStringList() << QStringList();
+    QTest::newRow("file") << "b.csv" << QStringList() << QStringList();
 }
 
 void tst_RecursiveFileSearchWorkerThread::directRunFinds()
@@ -131,7 +130,7 @@ void tst_RecursiveFileSearchWorkerThread::resultIsInFileSystemOrder()
     for (int i = 0; i < 100; ++i) {
         writeFile(QStringLiteral("%1.csv").arg(i * 37 % 100), "");
     }
-    const QStringList patterns(QStringLiteral("*.csv"));
+    const QStringList patterns("*.csv");
     QStringList expected;
     searchFilesOnPathRecursive(folder(), patterns, expected);
     QVERIFY(expected != sorted(expected));
@@ -144,10 +143,10 @@ void tst_RecursiveFileSearchWorkerThread::resultIsInFileSystemOrder()
 
 void tst_RecursiveFileSearchWorkerThread::everyRunAnswersAnew()
 {
-    RecursiveFileSearchWorkerThread worker(folder(), {QStringLiteral("*.csv")});
+    RecursiveFileSearchWorkerThread worker(folder(), {"*.csv"});
     QSignalSpy finished(&worker, &RecursiveFileSearchWorkerThread::searchFinished);
     worker.run();
-    writeFile(QStringLiteral("a.csv"), "");
+    writeFile("a.csv", "");
     worker.run();
     worker.run();
     QCOMPARE(finished.count(), 3);
@@ -159,9 +158,9 @@ void tst_RecursiveFileSearchWorkerThread::everyRunAnswersAnew()
 
 void tst_RecursiveFileSearchWorkerThread::argumentsAreCopied()
 {
-    writeFile(QStringLiteral("a.csv"), "");
+    writeFile("a.csv", "");
     QString searchPath = folder();
-    QStringList patterns(QStringLiteral("*.csv"));
+    QStringList patterns("*.csv");
     RecursiveFileSearchWorkerThread worker(searchPath, patterns);
     searchPath.clear();
     patterns.clear();
@@ -173,7 +172,7 @@ void tst_RecursiveFileSearchWorkerThread::argumentsAreCopied()
 void tst_RecursiveFileSearchWorkerThread::poolDeletesTheWorker()
 {
     addTree();
-    auto* const worker = new RecursiveFileSearchWorkerThread(folder(), {QStringLiteral("?.csv")});
+    auto* const worker = new RecursiveFileSearchWorkerThread(folder(), {"?.csv"});
     const QPointer<RecursiveFileSearchWorkerThread> guard(worker);
     QStringList result;
     int resultCount = 0;
@@ -205,7 +204,7 @@ void tst_RecursiveFileSearchWorkerThread::poolDeletesTheWorker()
 
 void tst_RecursiveFileSearchWorkerThread::poolLeavesTheWorker()
 {
-    RecursiveFileSearchWorkerThread worker(folder(), {QStringLiteral("*.csv")});
+    RecursiveFileSearchWorkerThread worker(folder(), {"*.csv"});
     worker.setAutoDelete(false);
     QVERIFY(!worker.autoDelete());
     QSignalSpy destroyed(&worker, &QObject::destroyed);
@@ -216,11 +215,11 @@ void tst_RecursiveFileSearchWorkerThread::poolLeavesTheWorker()
     QThreadPool pool;
     pool.start(&worker);
     QVERIFY(pool.waitForDone(10000));
-    writeFile(QStringLiteral("a.csv"), "");
+    writeFile("a.csv", "");
     pool.start(&worker);
     QVERIFY(pool.waitForDone(10000));
     QCOMPARE(destroyed.count(), 0);
-    QTRY_COMPARE(results, QStringList({QString(), QStringLiteral("a.csv")}));
+    QTRY_COMPARE(results, QStringList({QString(), "a.csv"}));
 }
 
 void tst_RecursiveFileSearchWorkerThread::manyWorkersAtOnce()
@@ -233,8 +232,7 @@ void tst_RecursiveFileSearchWorkerThread::manyWorkersAtOnce()
     QThreadPool pool;
     pool.setMaxThreadCount(8);
     for (int i = 0; i < workerCount; ++i) {
-        auto* const worker =
-            new RecursiveFileSearchWorkerThread(folder(), {QStringLiteral("?.csv")});
+        auto* const worker = new RecursiveFileSearchWorkerThread(folder(), {"?.csv"});
         connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, &receiver,
                 [&right](const QStringList& paths) {
                     if (sorted(paths) == words("A.CSV b.csv sub/d.csv sub/deeper.csv/e.csv")) {

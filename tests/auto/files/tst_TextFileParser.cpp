@@ -51,9 +51,8 @@ int mostMemoryInMiB()
 
 int availableMemoryInMiB()
 {
-    TextFileParser memory(QStringLiteral("/proc/meminfo"));
-    return memory.match(QRegularExpression(QStringLiteral("MemAvailable:\\s+(\\d+)"))).toInt() /
-           1024;
+    TextFileParser memory("/proc/meminfo");
+    return memory.match(QRegularExpression("MemAvailable:\\s+(\\d+)")).toInt() / 1024;
 }
 
 // As QStringList's comparison, which takes null and empty texts for equal, but does not.
@@ -61,9 +60,7 @@ QString difference(const QStringList& actual, const QStringList& expected)
 {
     const QString actualTexts = LiteralTextFile::described(actual);
     const QString expectedTexts = LiteralTextFile::described(expected);
-    return actualTexts == expectedTexts
-               ? QString()
-               : actualTexts + QStringLiteral(" instead of ") + expectedTexts;
+    return actualTexts == expectedTexts ? QString() : actualTexts + " instead of " + expectedTexts;
 }
 
 QString oneOf(QRandomGenerator& random, const QStringList& texts)
@@ -90,11 +87,8 @@ QByteArray randomBytes(QRandomGenerator& random)
 QString randomPattern(QRandomGenerator& random, int depth)
 {
     if (depth == 0) {
-        return oneOf(random, {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("."),
-                              QStringLiteral("\\w"), QStringLiteral("\\d"), QStringLiteral("\\s"),
-                              QStringLiteral("[ab=]"), QStringLiteral("[^a]"), QStringLiteral("^"),
-                              QStringLiteral("$"), QStringLiteral("\\b"), QStringLiteral("="),
-                              QStringLiteral("\\x{e4}"), QStringLiteral("\\n")});
+        return oneOf(random, {"a", "b", ".", "\\w", "\\d", "\\s", "[ab=]", "[^a]", "^", "$", "\\b",
+                              "=", "\\x{e4}", "\\n"});
     }
     const QString inner = randomPattern(random, depth - 1);
     switch (random.bounded(8)) {
@@ -105,21 +99,16 @@ QString randomPattern(QRandomGenerator& random, int depth)
     case 2:
         return QStringLiteral("(%1)").arg(inner);
     case 3:
-        return QStringLiteral("(%1)%2").arg(
-            inner, oneOf(random, {QStringLiteral("?"), QStringLiteral("*"), QStringLiteral("+?")}));
+        return QStringLiteral("(%1)%2").arg(inner, oneOf(random, {"?", "*", "+?"}));
     case 4:
-        return QStringLiteral("(?:%1)%2")
-            .arg(inner, oneOf(random, {QStringLiteral("?"), QStringLiteral("*"),
-                                       QStringLiteral("+"), QStringLiteral("{0,2}")}));
+        return QStringLiteral("(?:%1)%2").arg(inner, oneOf(random, {"?", "*", "+", "{0,2}"}));
     case 5:
         return QStringLiteral("(%1)|(%2)").arg(inner, randomPattern(random, depth - 1));
     case 6:
         return QStringLiteral("(?%1%2)%3")
-            .arg(oneOf(random, {QStringLiteral("="), QStringLiteral("!")}), inner,
-                 randomPattern(random, depth - 1));
+            .arg(oneOf(random, {"=", "!"}), inner, randomPattern(random, depth - 1));
     default:
-        return QStringLiteral("(?%1a)%2")
-            .arg(oneOf(random, {QStringLiteral("<="), QStringLiteral("<!")}), inner);
+        return QStringLiteral("(?%1a)%2").arg(oneOf(random, {"<=", "<!"}), inner);
     }
 }
 
@@ -185,8 +174,8 @@ private:
     // The whole text that the parser holds.
     static QString contentOf(TextFileParser& parser)
     {
-        return parser.match(QRegularExpression(QStringLiteral("\\A.*\\z"),
-                                               QRegularExpression::DotMatchesEverythingOption));
+        return parser.match(
+            QRegularExpression("\\A.*\\z", QRegularExpression::DotMatchesEverythingOption));
     }
 };
 
@@ -195,21 +184,20 @@ void tst_TextFileParser::decodesTheFile_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("content");
 
-    QTest::newRow("plain") << QByteArray("one\ntwo\n") << QStringLiteral("one\ntwo\n");
+    QTest::newRow("plain") << QByteArray("one\ntwo\n") << "one\ntwo\n";
     QTest::newRow("empty") << QByteArray("") << QString();
     QTest::newRow("carriage returns before line feeds")
-        << QByteArray("one\r\ntwo\r\n") << QStringLiteral("one\ntwo\n");
-    QTest::newRow("carriage returns elsewhere")
-        << QByteArray("\rone\r\r\ntw\ro\r") << QStringLiteral("one\ntwo");
+        << QByteArray("one\r\ntwo\r\n") << "one\ntwo\n";
+    QTest::newRow("carriage returns elsewhere") << QByteArray("\rone\r\r\ntw\ro\r") << "one\ntwo";
     QTest::newRow("carriage returns only") << QByteArray("\r\r") << QString();
-    QTest::newRow("carriage return and zero byte") << QByteArray("\r\0a", 3) << QStringLiteral("");
-    QTest::newRow("zero byte") << QByteArray("one\0two", 7) << QStringLiteral("one");
-    QTest::newRow("zero byte first") << QByteArray("\0two", 4) << QStringLiteral("");
-    QTest::newRow("zero byte last") << QByteArray("one\0", 4) << QStringLiteral("one");
+    QTest::newRow("carriage return and zero byte") << QByteArray("\r\0a", 3) << "";
+    QTest::newRow("zero byte") << QByteArray("one\0two", 7) << "one";
+    QTest::newRow("zero byte first") << QByteArray("\0two", 4) << "";
+    QTest::newRow("zero byte last") << QByteArray("one\0", 4) << "one";
     QTest::newRow("UTF-8") << QByteArray("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80")
                            << QStringLiteral("\u00e4\u20ac\U0001f600");
-    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfone") << QStringLiteral("one");
-    QTest::newRow("byte order mark alone") << QByteArray("\xef\xbb\xbf") << QStringLiteral("");
+    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfone") << "one";
+    QTest::newRow("byte order mark alone") << QByteArray("\xef\xbb\xbf") << "";
     QTest::newRow("not UTF-8") << QByteArray("a\xff\xe4z") << QStringLiteral("a\ufffd\ufffdz");
     QTest::newRow("cut in a character")
         << QByteArray("a\xe2\x82") << QStringLiteral("a\ufffd\ufffd");
@@ -220,7 +208,7 @@ void tst_TextFileParser::decodesTheFile()
     QFETCH(QByteArray, bytes);
     QFETCH(QString, content);
 
-    TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
+    TextFileParser parser(writeFile("file", bytes));
     const QString actual = contentOf(parser);
     QCOMPARE(actual, content);
     QCOMPARE(actual.isNull(), content.isNull());
@@ -232,7 +220,7 @@ void tst_TextFileParser::fileIsUtf8InEveryLocale()
 {
     QTextCodec* const before = QTextCodec::codecForLocale();
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
-    TextFileParser parser(writeFile(QStringLiteral("file"), "\xc3\xa4"));
+    TextFileParser parser(writeFile("file", "\xc3\xa4"));
     QTextCodec::setCodecForLocale(before);
     QCOMPARE(contentOf(parser), QStringLiteral("\u00e4"));
 }
@@ -240,7 +228,7 @@ void tst_TextFileParser::fileIsUtf8InEveryLocale()
 // The kernel's files give their size as 0.
 void tst_TextFileParser::readsFilesWithoutASize()
 {
-    TextFileParser parser(QStringLiteral("/proc/self/status"));
+    TextFileParser parser("/proc/self/status");
     QCOMPARE(parser.match(QRegularExpression(QStringLiteral("\\bPid:\\s+(\\d+)"))),
              QString::number(QCoreApplication::applicationPid()));
     QVERIFY(!parser.hasError());
@@ -253,9 +241,8 @@ void tst_TextFileParser::readsLargeFiles()
     while (bytes.size() < 5 * 1024 * 1024) {
         bytes += "some line of no interest\r\nversion=" + QByteArray::number(count++) + "\r\n";
     }
-    TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
-    const QStringList versions =
-        parser.multiMatch(QRegularExpression(QStringLiteral("version=(\\S+)")));
+    TextFileParser parser(writeFile("file", bytes));
+    const QStringList versions = parser.multiMatch(QRegularExpression("version=(\\S+)"));
     QCOMPARE(versions.size(), count);
     for (int i = 0; i < count; ++i) {
         QCOMPARE(versions.at(i), QString::number(i));
@@ -267,8 +254,7 @@ void tst_TextFileParser::hugeFileEndsAtItsZeroByte_data()
 {
     QTest::addColumn<qint64>("size");
     QTest::addColumn<QString>("content");
-    QTest::newRow("twice its characters exceed a QString")
-        << qint64(1025) * 1024 * 1024 << QStringLiteral("text");
+    QTest::newRow("twice its characters exceed a QString") << qint64(1025) * 1024 * 1024 << "text";
     // QIODevice::readAll() returns nothing of a file that a QByteArray cannot hold.
     QTest::newRow("as large as an int") << qint64(INT_MAX) << QString();
     QTest::newRow("larger than an int") << qint64(5) * 1024 * 1024 * 1024 << QString();
@@ -281,7 +267,7 @@ void tst_TextFileParser::hugeFileEndsAtItsZeroByte()
     if (availableMemoryInMiB() < 2500) {
         MISCTOOLS_SKIP("needs 2.5 GB of free memory");
     }
-    const QString filePath = writeFile(QStringLiteral("file"), QByteArray("text\0more", 9));
+    const QString filePath = writeFile("file", QByteArray("text\0more", 9));
     QVERIFY(QFile::resize(filePath, size));
     TextFileParser parser(filePath);
     QVERIFY(!parser.hasError());
@@ -290,7 +276,7 @@ void tst_TextFileParser::hugeFileEndsAtItsZeroByte()
 
 void tst_TextFileParser::hugeFileFitsInLittleAddressSpace()
 {
-    const QString filePath = writeFile(QStringLiteral("file"), QByteArray("text\0more", 9));
+    const QString filePath = writeFile("file", QByteArray("text\0more", 9));
     QVERIFY(QFile::resize(filePath, qint64(600) * 1024 * 1024));
     const ChildResult child = ChildProcess::run([&filePath] {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -312,7 +298,7 @@ void tst_TextFileParser::growingFileEndsWhereItEndedAtOpening()
 {
     constexpr int initialSize = 8 * 1024 * 1024;
     constexpr int finalSize = 16 * initialSize;
-    const QString filePath = writeFile(QStringLiteral("file"), QByteArray(initialSize, 'a'));
+    const QString filePath = writeFile("file", QByteArray(initialSize, 'a'));
     std::atomic_bool isWriting(true);
     std::thread writer([&filePath, &isWriting] {
         QFile file(filePath);
@@ -334,7 +320,7 @@ void tst_TextFileParser::growingFileEndsWhereItEndedAtOpening()
 
 void tst_TextFileParser::fifoIsReadToItsEnd()
 {
-    const QString filePath = path(QStringLiteral("fifo"));
+    const QString filePath = path("fifo");
     const QByteArray name = QFile::encodeName(filePath);
     QCOMPARE(mkfifo(name.constData(), 0600), 0);
     // Several times what a pipe holds, so that the writer notices a reader that leaves early.
@@ -358,9 +344,9 @@ void tst_TextFileParser::fifoIsReadToItsEnd()
 
 void tst_TextFileParser::keepsTheContentOfItsConstruction()
 {
-    const QString filePath = writeFile(QStringLiteral("file"), "first");
+    const QString filePath = writeFile("file", "first");
     TextFileParser parser(filePath);
-    writeFile(QStringLiteral("file"), "second");
+    writeFile("file", "second");
     QCOMPARE(contentOf(parser), QStringLiteral("first"));
     QVERIFY(QFile::remove(filePath));
     QCOMPARE(contentOf(parser), QStringLiteral("first"));
@@ -371,11 +357,11 @@ void tst_TextFileParser::missingFile_data()
 {
     QTest::addColumn<QString>("filePath");
 
-    QTest::newRow("absolute") << QStringLiteral("/nowhere/to/be/found");
-    QTest::newRow("relative") << QStringLiteral("nowhere/../to/./be//found");
-    QTest::newRow("home folder is not expanded") << QStringLiteral("~");
+    QTest::newRow("absolute") << "/nowhere/to/be/found";
+    QTest::newRow("relative") << "nowhere/../to/./be//found";
+    QTest::newRow("home folder is not expanded") << "~";
     QTest::newRow("not ASCII") << QStringLiteral("/nowhere/\u00e4\u20ac");
-    QTest::newRow("through a file") << QStringLiteral("/proc/version/file");
+    QTest::newRow("through a file") << "/proc/version/file";
     QTest::newRow("empty") << QString();
 }
 
@@ -383,14 +369,14 @@ void tst_TextFileParser::missingFile()
 {
     QFETCH(QString, filePath);
 
-    const QString error = QStringLiteral("File doesn't exists: ") + filePath;
+    const QString error = "File doesn't exists: " + filePath;
     expectError(error);
     TextFileParser parser(filePath);
     QVERIFY(parser.hasError());
     QCOMPARE(parser.getLastError(), error);
 
     // No further error.
-    const QRegularExpression expression(QStringLiteral("\\w+"));
+    const QRegularExpression expression("\\w+");
     QCOMPARE(parser.multiMatch(expression), QStringList());
     QVERIFY(parser.match(expression).isNull());
     QRegularExpressionMatchIterator matches = parser.internallMatch(expression);
@@ -402,8 +388,7 @@ void tst_TextFileParser::missingFile()
 
 void tst_TextFileParser::directory()
 {
-    const QString error = QStringLiteral("Can't open file ") + folder() +
-                          QStringLiteral(" IO Error: file to open is a directory");
+    const QString error = "Can't open file " + folder() + " IO Error: file to open is a directory";
     expectError(error);
     TextFileParser parser(folder());
     QVERIFY(parser.hasError());
@@ -414,12 +399,11 @@ void tst_TextFileParser::directory()
 
 void tst_TextFileParser::unreadableFile()
 {
-    const QString filePath = writeFile(QStringLiteral("file"), "secret");
+    const QString filePath = writeFile("file", "secret");
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::WriteOwner));
     QVERIFY(QFile::setPermissions(folder(), QFile::permissions(folder()) | QFileDevice::ExeOther));
 
-    const QString error = QStringLiteral("Can't open file ") + filePath +
-                          QStringLiteral(" IO Error: Permission denied");
+    const QString error = "Can't open file " + filePath + " IO Error: Permission denied";
     const ChildResult result = ChildProcess::runAsOrdinaryUser([&] {
         TextFileParser parser(filePath);
         return parser.hasError() && parser.getLastError() == error && contentOf(parser).isNull()
@@ -434,8 +418,8 @@ void tst_TextFileParser::unreadableFile()
 // What cannot be reached does not exist.
 void tst_TextFileParser::fileBehindAClosedFolder()
 {
-    const QString filePath = writeFile(QStringLiteral("file"), "secret");
-    const QString error = QStringLiteral("File doesn't exists: ") + filePath;
+    const QString filePath = writeFile("file", "secret");
+    const QString error = "File doesn't exists: " + filePath;
     QVERIFY(QFile::setPermissions(folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([&] {
         const TextFileParser parser(filePath);
@@ -450,15 +434,15 @@ void tst_TextFileParser::fileBehindAClosedFolder()
 
 void tst_TextFileParser::relativeFileName()
 {
-    writeFile(QStringLiteral("file"), "content");
-    QVERIFY(QDir(folder()).mkdir(QStringLiteral("sub")));
+    writeFile("file", "content");
+    QVERIFY(QDir(folder()).mkdir("sub"));
     const QString before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(folder()));
-    TextFileParser file(QStringLiteral("./sub/../file"));
+    TextFileParser file("./sub/../file");
     const QString error = QStringLiteral("Can't open file ./sub/ IO Error: file to open is a "
                                          "directory");
     expectError(error);
-    const TextFileParser sub(QStringLiteral("./sub/"));
+    const TextFileParser sub("./sub/");
     QVERIFY(QDir::setCurrent(before));
     QCOMPARE(contentOf(file), QStringLiteral("content"));
     QCOMPARE(sub.getLastError(), error);
@@ -477,85 +461,58 @@ void tst_TextFileParser::matches_data()
     };
     const QByteArray lines("name=x\nversion=1.2 b\nend\nversion=3\n");
     const QString null;
-    const QString empty = QStringLiteral("");
+    const QString empty = "";
 
-    addRow("no match", QStringLiteral("nothing"), lines, {});
-    addRow("no group", QStringLiteral("version=\\S+"), lines,
-           {QStringLiteral("version=1.2"), QStringLiteral("version=3")});
-    addRow("one group", QStringLiteral("version=(\\S+)"), lines,
-           {QStringLiteral("1.2"), QStringLiteral("3")});
-    addRow("several groups", QStringLiteral("(\\w+)=(\\S)(\\S*)"), lines,
-           {QStringLiteral("name"), QStringLiteral("version"), QStringLiteral("version")});
-    addRow("group in a group", QStringLiteral("version=((\\d)\\S*)"), lines,
-           {QStringLiteral("1.2"), QStringLiteral("3")});
-    addRow("group that does not capture", QStringLiteral("(?:version|name)=."), lines,
-           {QStringLiteral("name=x"), QStringLiteral("version=1"), QStringLiteral("version=3")});
-    addRow("named group", QStringLiteral("version=(?<number>\\d)"), lines,
-           {QStringLiteral("1"), QStringLiteral("3")});
-    addRow("second group named", QStringLiteral("(v)ersion=(?<number>\\d)"), lines,
-           {QStringLiteral("v"), QStringLiteral("v")});
-    addRow("repeated group keeps its last turn", QStringLiteral("(?:(\\d)\\.?)+"), lines,
-           {QStringLiteral("2"), QStringLiteral("3")});
-    addRow("optional group takes part or not", QStringLiteral("a(b)?"), "ab a",
-           {QStringLiteral("b"), QStringLiteral("a")});
-    addRow("only group takes no part", QStringLiteral("a|(b)"), "a", {QStringLiteral("a")});
-    addRow("first group takes no part, a later one does", QStringLiteral("(a)|(b)"), "ab",
-           {QStringLiteral("a"), null});
-    addRow("first group takes part, the later one does not", QStringLiteral("(a)(b)?"), "a",
-           {QStringLiteral("a")});
-    addRow("group in a negative look-ahead never takes part", QStringLiteral("a(?!(b))"), "ac",
-           {QStringLiteral("a")});
-    addRow("empty group", QStringLiteral("key=(\\w*)"), "key=\nkey=v",
-           {empty, QStringLiteral("v")});
-    addRow("empty group alone", QStringLiteral("()"), "ab", {empty, empty, empty});
-    addRow("empty matches", QStringLiteral("x*"), "axxb",
-           {empty, QStringLiteral("xx"), empty, empty});
-    addRow("empty matches do not part a surrogate pair", QStringLiteral("x*"), "\xf0\x9f\x98\x80",
-           {empty, empty});
+    addRow("no match", "nothing", lines, {});
+    addRow("no group", "version=\\S+", lines, {"version=1.2", "version=3"});
+    addRow("one group", "version=(\\S+)", lines, {"1.2", "3"});
+    addRow("several groups", "(\\w+)=(\\S)(\\S*)", lines, {"name", "version", "version"});
+    addRow("group in a group", "version=((\\d)\\S*)", lines, {"1.2", "3"});
+    addRow("group that does not capture", "(?:version|name)=.", lines,
+           {"name=x", "version=1", "version=3"});
+    addRow("named group", "version=(?<number>\\d)", lines, {"1", "3"});
+    addRow("second group named", "(v)ersion=(?<number>\\d)", lines, {"v", "v"});
+    addRow("repeated group keeps its last turn", "(?:(\\d)\\.?)+", lines, {"2", "3"});
+    addRow("optional group takes part or not", "a(b)?", "ab a", {"b", "a"});
+    addRow("only group takes no part", "a|(b)", "a", {"a"});
+    addRow("first group takes no part, a later one does", "(a)|(b)", "ab", {"a", null});
+    addRow("first group takes part, the later one does not", "(a)(b)?", "a", {"a"});
+    addRow("group in a negative look-ahead never takes part", "a(?!(b))", "ac", {"a"});
+    addRow("empty group", "key=(\\w*)", "key=\nkey=v", {empty, "v"});
+    addRow("empty group alone", "()", "ab", {empty, empty, empty});
+    addRow("empty matches", "x*", "axxb", {empty, "xx", empty, empty});
+    addRow("empty matches do not part a surrogate pair", "x*", "\xf0\x9f\x98\x80", {empty, empty});
     addRow("empty expression", QString(), "a", {empty, empty});
-    addRow("look-behind", QStringLiteral("(?<==)\\d"), lines,
-           {QStringLiteral("1"), QStringLiteral("3")});
-    addRow("negative look-behind", QStringLiteral("(?<!b)a"), "ba ca", {QStringLiteral("a")});
-    addRow("look-behind sees what was matched before", QStringLiteral("(?<=a)b|a"), "ab",
-           {QStringLiteral("a"), QStringLiteral("b")});
-    addRow("look-ahead", QStringLiteral("\\w+(?==)"), lines,
-           {QStringLiteral("name"), QStringLiteral("version"), QStringLiteral("version")});
-    addRow("group in a look-ahead", QStringLiteral("version(?==(\\S+))"), lines,
-           {QStringLiteral("1.2"), QStringLiteral("3")});
-    addRow("match start moved", QStringLiteral("version=\\K\\d"), lines,
-           {QStringLiteral("1"), QStringLiteral("3")});
-    addRow("back-reference", QStringLiteral("(.)\\1"), "aabcc",
-           {QStringLiteral("a"), QStringLiteral("c")});
-    addRow("overlapping occurrences", QStringLiteral("aa"), "aaaa",
-           {QStringLiteral("aa"), QStringLiteral("aa")});
-    addRow("case counts", QStringLiteral("VERSION"), lines, {});
-    addRow("case does not count", QStringLiteral("VERSION"), lines,
-           {QStringLiteral("version"), QStringLiteral("version")},
+    addRow("look-behind", "(?<==)\\d", lines, {"1", "3"});
+    addRow("negative look-behind", "(?<!b)a", "ba ca", {"a"});
+    addRow("look-behind sees what was matched before", "(?<=a)b|a", "ab", {"a", "b"});
+    addRow("look-ahead", "\\w+(?==)", lines, {"name", "version", "version"});
+    addRow("group in a look-ahead", "version(?==(\\S+))", lines, {"1.2", "3"});
+    addRow("match start moved", "version=\\K\\d", lines, {"1", "3"});
+    addRow("back-reference", "(.)\\1", "aabcc", {"a", "c"});
+    addRow("overlapping occurrences", "aa", "aaaa", {"aa", "aa"});
+    addRow("case counts", "VERSION", lines, {});
+    addRow("case does not count", "VERSION", lines, {"version", "version"},
            QRegularExpression::CaseInsensitiveOption);
     addRow("case beyond ASCII does not count", QStringLiteral("\u00c4"), "\xc3\xa4",
            {QStringLiteral("\u00e4")}, QRegularExpression::CaseInsensitiveOption);
-    addRow("word without Unicode properties", QStringLiteral("\\w+"), "a\xc3\xa4",
-           {QStringLiteral("a")});
-    addRow("word with Unicode properties", QStringLiteral("\\w+"), "a\xc3\xa4",
-           {QStringLiteral("a\u00e4")}, QRegularExpression::UseUnicodePropertiesOption);
-    addRow("a character beyond the base plane is one", QStringLiteral("^.$"), "\xf0\x9f\x98\x80",
+    addRow("word without Unicode properties", "\\w+", "a\xc3\xa4", {"a"});
+    addRow("word with Unicode properties", "\\w+", "a\xc3\xa4", {QStringLiteral("a\u00e4")},
+           QRegularExpression::UseUnicodePropertiesOption);
+    addRow("a character beyond the base plane is one", "^.$", "\xf0\x9f\x98\x80",
            {QStringLiteral("\U0001f600")});
-    addRow("anchors are those of the text", QStringLiteral("^\\w+|\\w+$"), "one\ntwo\nthree\n",
-           {QStringLiteral("one"), QStringLiteral("three")});
-    addRow("anchors are those of the lines", QStringLiteral("^\\w+$"), "one\r\ntwo\nthree",
-           {QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")},
+    addRow("anchors are those of the text", "^\\w+|\\w+$", "one\ntwo\nthree\n", {"one", "three"});
+    addRow("anchors are those of the lines", "^\\w+$", "one\r\ntwo\nthree", {"one", "two", "three"},
            QRegularExpression::MultilineOption);
-    addRow("a dot is no line feed", QStringLiteral("e.t"), "e\nt", {});
-    addRow("a dot is a line feed", QStringLiteral("e.t"), "e\r\nt", {QStringLiteral("e\nt")},
+    addRow("a dot is no line feed", "e.t", "e\nt", {});
+    addRow("a dot is a line feed", "e.t", "e\r\nt", {"e\nt"},
            QRegularExpression::DotMatchesEverythingOption);
-    addRow("there is no carriage return", QStringLiteral("\\r"), "one\r\ntwo\r", {});
-    addRow("groups do not capture", QStringLiteral("version=(\\S+)"), lines,
-           {QStringLiteral("version=1.2"), QStringLiteral("version=3")},
+    addRow("there is no carriage return", "\\r", "one\r\ntwo\r", {});
+    addRow("groups do not capture", "version=(\\S+)", lines, {"version=1.2", "version=3"},
            QRegularExpression::DontCaptureOption);
-    addRow("greed inverted", QStringLiteral("a+"), "aa", {QStringLiteral("a"), QStringLiteral("a")},
-           QRegularExpression::InvertedGreedinessOption);
-    addRow("extended syntax", QStringLiteral("v (\\w) # a comment"), "ve v x",
-           {QStringLiteral("e")}, QRegularExpression::ExtendedPatternSyntaxOption);
+    addRow("greed inverted", "a+", "aa", {"a", "a"}, QRegularExpression::InvertedGreedinessOption);
+    addRow("extended syntax", "v (\\w) # a comment", "ve v x", {"e"},
+           QRegularExpression::ExtendedPatternSyntaxOption);
 }
 
 void tst_TextFileParser::matches()
@@ -565,7 +522,7 @@ void tst_TextFileParser::matches()
     QFETCH(QByteArray, bytes);
     QFETCH(QStringList, texts);
 
-    TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
+    TextFileParser parser(writeFile("file", bytes));
     const QRegularExpression expression(pattern, options);
     QCOMPARE(difference(parser.multiMatch(expression), texts), QString());
     const QString first = parser.match(expression);
@@ -576,14 +533,14 @@ void tst_TextFileParser::matches()
 
 void tst_TextFileParser::emptyContentStillMatchesEmptyExpressions()
 {
-    const QRegularExpression expression(QStringLiteral("x*"));
-    TextFileParser emptyFile(writeFile(QStringLiteral("empty"), QByteArray()));
+    const QRegularExpression expression("x*");
+    TextFileParser emptyFile(writeFile("empty", QByteArray()));
     QCOMPARE(difference(emptyFile.multiMatch(expression), {QString()}), QString());
-    TextFileParser zeroByte(writeFile(QStringLiteral("zero"), QByteArray(1, '\0')));
+    TextFileParser zeroByte(writeFile("zero", QByteArray(1, '\0')));
     QCOMPARE(difference(zeroByte.multiMatch(expression), {QStringLiteral("")}), QString());
 
-    expectError(QStringLiteral("File doesn't exists: nowhere"));
-    TextFileParser missing(QStringLiteral("nowhere"));
+    expectError("File doesn't exists: nowhere");
+    TextFileParser missing("nowhere");
     QCOMPARE(difference(missing.multiMatch(expression), {QString()}), QString());
 }
 
@@ -595,7 +552,7 @@ void tst_TextFileParser::agreesWithTheObviousWay()
     int withResults = 0;
     for (int i = 0; i < files; ++i) {
         const QByteArray bytes = randomBytes(random);
-        TextFileParser parser(writeFile(QStringLiteral("file"), bytes));
+        TextFileParser parser(writeFile("file", bytes));
         const QString content = LiteralTextFile::content(bytes);
         for (int j = 0; j < patternsPerFile; ++j) {
             const QRegularExpression expression(
@@ -604,8 +561,8 @@ void tst_TextFileParser::agreesWithTheObviousWay()
             QVERIFY2(expression.isValid(), qPrintable(expression.pattern()));
             const QStringList expected = LiteralTextFile::multiMatch(content, expression);
             const QString result = difference(parser.multiMatch(expression), expected);
-            QVERIFY2(result.isEmpty(), qPrintable(expression.pattern() + QStringLiteral(" over ") +
-                                                  content + QStringLiteral(": ") + result));
+            QVERIFY2(result.isEmpty(),
+                     qPrintable(expression.pattern() + " over " + content + ": " + result));
             QCOMPARE(difference({parser.match(expression)}, {expected.value(0)}), QString());
             // An expression that takes too many steps to its first match is an error, in both
             // calls.
@@ -629,11 +586,11 @@ void tst_TextFileParser::invalidExpression_data()
     const auto addRow = [](const char* name, const QString& pattern, const QString& shown) {
         QTest::newRow(name) << pattern << shown;
     };
-    addRow("bracket left open", QStringLiteral("version=[a"), QStringLiteral("version=[a"));
-    addRow("group left open", QStringLiteral("version=(\\S+"), QStringLiteral("version=(\\\\S+"));
-    addRow("nothing to repeat", QStringLiteral("*"), QStringLiteral("*"));
-    addRow("quotation mark", QStringLiteral("(\""), QStringLiteral("(\\\""));
-    addRow("line feed", QStringLiteral("(\n"), QStringLiteral("(\\n"));
+    addRow("bracket left open", "version=[a", "version=[a");
+    addRow("group left open", "version=(\\S+", "version=(\\\\S+");
+    addRow("nothing to repeat", "*", "*");
+    addRow("quotation mark", "(\"", "(\\\"");
+    addRow("line feed", "(\n", "(\\n");
     addRow("not ASCII", QStringLiteral("(\u00e4"), QStringLiteral("(\u00e4"));
 }
 
@@ -642,9 +599,9 @@ void tst_TextFileParser::invalidExpression()
     QFETCH(QString, pattern);
     QFETCH(QString, shown);
 
-    TextFileParser parser(writeFile(QStringLiteral("file"), "version=[a"));
-    expectError(QStringLiteral("Invalid regular expresion: ") + shown);
-    expectError(QStringLiteral("Invalid match on expresion: ") + shown);
+    TextFileParser parser(writeFile("file", "version=[a"));
+    expectError("Invalid regular expresion: " + shown);
+    expectError("Invalid match on expresion: " + shown);
     QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
     QVERIFY(parser.hasError());
     QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ") + pattern);
@@ -652,10 +609,9 @@ void tst_TextFileParser::invalidExpression()
 
 void tst_TextFileParser::invalidExpressionAlone()
 {
-    TextFileParser parser(writeFile(QStringLiteral("file"), "content"));
-    expectError(QStringLiteral("Invalid regular expresion: ["));
-    const QRegularExpressionMatchIterator matches =
-        parser.internallMatch(QRegularExpression(QStringLiteral("[")));
+    TextFileParser parser(writeFile("file", "content"));
+    expectError("Invalid regular expresion: [");
+    const QRegularExpressionMatchIterator matches = parser.internallMatch(QRegularExpression("["));
     QVERIFY(!matches.isValid());
     QVERIFY(!matches.hasNext());
     QVERIFY(parser.hasError());
@@ -664,10 +620,10 @@ void tst_TextFileParser::invalidExpressionAlone()
 
 void tst_TextFileParser::invalidMatchOfOne()
 {
-    TextFileParser parser(writeFile(QStringLiteral("file"), "content"));
-    expectError(QStringLiteral("Invalid regular expresion: ["));
-    expectError(QStringLiteral("Invalid match on expresion: ["));
-    QVERIFY(parser.match(QRegularExpression(QStringLiteral("["))).isNull());
+    TextFileParser parser(writeFile("file", "content"));
+    expectError("Invalid regular expresion: [");
+    expectError("Invalid match on expresion: [");
+    QVERIFY(parser.match(QRegularExpression("[")).isNull());
     QVERIFY(parser.hasError());
     QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ["));
 }
@@ -675,11 +631,11 @@ void tst_TextFileParser::invalidMatchOfOne()
 // A valid expression can still have no valid match: where the search gives up.
 void tst_TextFileParser::endlessBacktrackingEnds()
 {
-    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray(60, 'x') + " y"));
-    const QString pattern = QStringLiteral("(x+x+)+y");
+    TextFileParser parser(writeFile("file", QByteArray(60, 'x') + " y"));
+    const QString pattern = "(x+x+)+y";
     QElapsedTimer timer;
     timer.start();
-    expectError(QStringLiteral("Invalid match on expresion: ") + pattern);
+    expectError("Invalid match on expresion: " + pattern);
     QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
     QVERIFY(timer.elapsed() < 60000);
     QVERIFY(parser.hasError());
@@ -689,16 +645,15 @@ void tst_TextFileParser::endlessBacktrackingEnds()
 // Without a single y there is nothing to search for.
 void tst_TextFileParser::backtrackingIsSparedWhereAMatchIsOutOfQuestion()
 {
-    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray(60, 'x')));
-    QVERIFY(parser.match(QRegularExpression(QStringLiteral("(x+x+)+y"))).isNull());
+    TextFileParser parser(writeFile("file", QByteArray(60, 'x')));
+    QVERIFY(parser.match(QRegularExpression("(x+x+)+y")).isNull());
     QVERIFY(!parser.hasError());
 }
 
 void tst_TextFileParser::backtrackingBehindAMatchEndsTheList()
 {
-    TextFileParser parser(writeFile(QStringLiteral("file"), "xxy " + QByteArray(60, 'x') + " xxy"));
-    QCOMPARE(parser.multiMatch(QRegularExpression(QStringLiteral("(x+x+)+y"))),
-             QStringList(QStringLiteral("xx")));
+    TextFileParser parser(writeFile("file", "xxy " + QByteArray(60, 'x') + " xxy"));
+    QCOMPARE(parser.multiMatch(QRegularExpression(QStringLiteral("(x+x+)+y"))), QStringList("xx"));
     QVERIFY(!parser.hasError());
 }
 
@@ -775,14 +730,14 @@ void tst_TextFileParser::hostileExpressions()
     QFETCH(Outcome, outcome);
 
     const QRegularExpression expression(pattern);
-    const QString invalidMatch = QStringLiteral("Invalid match on expresion: ");
-    const QString shown = QString(pattern).replace(QStringLiteral("\\"), QStringLiteral("\\\\"));
+    const QString invalidMatch = "Invalid match on expresion: ";
+    const QString shown = QString(pattern).replace("\\", "\\\\");
     const int memoryBefore = mostMemoryInMiB();
     const CpuTime time;
 
-    TextFileParser parser(writeFile(QStringLiteral("hostile"), hostile));
+    TextFileParser parser(writeFile("hostile", hostile));
     if (outcome == Invalid) {
-        expectError(QStringLiteral("Invalid regular expresion: ") + shown);
+        expectError("Invalid regular expresion: " + shown);
     }
     if (outcome != NoMatch) {
         expectError(invalidMatch + shown);
@@ -793,7 +748,7 @@ void tst_TextFileParser::hostileExpressions()
 
     // Behind a match there is no error, whatever the outcome.
     if (!fitting.isEmpty()) {
-        TextFileParser both(writeFile(QStringLiteral("both"), fitting + '\n' + hostile));
+        TextFileParser both(writeFile("both", fitting + '\n' + hostile));
         QCOMPARE(both.multiMatch(expression).size(), 1);
         QVERIFY(!both.hasError());
     }
@@ -805,9 +760,9 @@ void tst_TextFileParser::hostileExpressions()
 void tst_TextFileParser::fewerStepsCanBeAskedFor()
 {
     // Without the limit this takes half a minute, and ends without an error.
-    const QString pattern = QStringLiteral("(*LIMIT_MATCH=10000)(?:a|b)*(?:a|c)*[xy]");
-    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray(3000, 'a') + '!'));
-    expectError(QStringLiteral("Invalid match on expresion: ") + pattern);
+    const QString pattern = "(*LIMIT_MATCH=10000)(?:a|b)*(?:a|c)*[xy]";
+    TextFileParser parser(writeFile("file", QByteArray(3000, 'a') + '!'));
+    expectError("Invalid match on expresion: " + pattern);
     const CpuTime time;
     QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
     QVERIFY2(time.seconds() < 10, qPrintable(QString::number(time.seconds())));
@@ -818,9 +773,9 @@ void tst_TextFileParser::fewerStepsCanBeAskedFor()
 // environment, or as the processor is not known), steps are remembered on the heap.
 void tst_TextFileParser::memoryIsBoundedWhereItIsAskedFor()
 {
-    const QString pattern = QStringLiteral("(*NO_JIT)(*LIMIT_HEAP=10000)^(a|b)*$");
-    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray(1000000, 'a')));
-    expectError(QStringLiteral("Invalid match on expresion: ") + pattern);
+    const QString pattern = "(*NO_JIT)(*LIMIT_HEAP=10000)^(a|b)*$";
+    TextFileParser parser(writeFile("file", QByteArray(1000000, 'a')));
+    expectError("Invalid match on expresion: " + pattern);
     const int before = mostMemoryInMiB();
     QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
     QVERIFY(parser.hasError());
@@ -829,9 +784,9 @@ void tst_TextFileParser::memoryIsBoundedWhereItIsAskedFor()
 
 void tst_TextFileParser::internalMatchGivesAllOfAMatch()
 {
-    TextFileParser parser(writeFile(QStringLiteral("file"), "a=1\r\nb=2"));
+    TextFileParser parser(writeFile("file", "a=1\r\nb=2"));
     QRegularExpressionMatchIterator matches =
-        parser.internallMatch(QRegularExpression(QStringLiteral("(\\w)=(?<value>\\d)")));
+        parser.internallMatch(QRegularExpression("(\\w)=(?<value>\\d)"));
     QVERIFY(matches.isValid());
     QCOMPARE(matches.matchType(), QRegularExpression::NormalMatch);
     QCOMPARE(matches.matchOptions(), QRegularExpression::MatchOptions());
@@ -845,11 +800,11 @@ void tst_TextFileParser::internalMatchGivesAllOfAMatch()
 
 void tst_TextFileParser::errorsStay()
 {
-    TextFileParser parser(writeFile(QStringLiteral("file"), "content"));
-    const QRegularExpression valid(QStringLiteral("\\w+"));
-    const QString error = QStringLiteral("Invalid regular expresion: (");
+    TextFileParser parser(writeFile("file", "content"));
+    const QRegularExpression valid("\\w+");
+    const QString error = "Invalid regular expresion: (";
     expectError(error);
-    parser.internallMatch(QRegularExpression(QStringLiteral("(")));
+    parser.internallMatch(QRegularExpression("("));
 
     QCOMPARE(parser.match(valid), QStringLiteral("content"));
     QCOMPARE(parser.multiMatch(valid), QStringList(QStringLiteral("content")));
@@ -865,7 +820,7 @@ void tst_TextFileParser::errorsStay()
 
     // The next error counts again.
     expectError(error);
-    parser.internallMatch(QRegularExpression(QStringLiteral("(")));
+    parser.internallMatch(QRegularExpression("("));
     QVERIFY(parser.hasError());
     QCOMPARE(parser.getLastError(), error);
 }
@@ -875,11 +830,13 @@ void tst_TextFileParser::setErrorWarns_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("warning");
 
-    QTest::newRow("text") << QStringLiteral("some error") << QStringLiteral("\"some error\"");
-    QTest::newRow("quotation marks")
-        << QStringLiteral("a \"b\"") << QStringLiteral("\"a \\\"b\\\"\"");
-    QTest::newRow("empty") << QStringLiteral("") << QStringLiteral("\"\"");
-    QTest::newRow("null") << QString() << QStringLiteral("\"\"");
+    QTest::newRow("text") << "some error"
+                          << "\"some error\"";
+    QTest::newRow("quotation marks") << "a \"b\""
+                                     << "\"a \\\"b\\\"\"";
+    QTest::newRow("empty") << ""
+                           << "\"\"";
+    QTest::newRow("null") << QString() << "\"\"";
 }
 
 void tst_TextFileParser::setErrorWarns()
@@ -887,7 +844,7 @@ void tst_TextFileParser::setErrorWarns()
     QFETCH(QString, text);
     QFETCH(QString, warning);
 
-    TextFileParser parser(writeFile(QStringLiteral("file"), QByteArray()));
+    TextFileParser parser(writeFile("file", QByteArray()));
     messages().expectWarning("TextFileParser", warning).function(signature);
     // A message handler that asks gets the error that it is told of.
     QStringList errorsInHandler;
@@ -902,10 +859,10 @@ void tst_TextFileParser::setErrorWarns()
 
 void tst_TextFileParser::copiesAreIndependent()
 {
-    TextFileParser parser(writeFile(QStringLiteral("file"), "content"));
+    TextFileParser parser(writeFile("file", "content"));
     TextFileParser copy(parser);
-    expectError(QStringLiteral("error"));
-    copy.setError(QStringLiteral("error"));
+    expectError("error");
+    copy.setError("error");
     QVERIFY(!parser.hasError());
     QCOMPARE(contentOf(copy), QStringLiteral("content"));
     parser = copy;

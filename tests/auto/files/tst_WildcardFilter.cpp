@@ -77,13 +77,13 @@ void tst_WildcardFilter::caseFollowsTheFlagAlone()
     QFETCH(QDir::Filters, filters);
     QFETCH(bool, caseCounts);
 
-    const WildcardFilter filter({QStringLiteral("*.TXT")}, filters);
-    QVERIFY(filter.matchesFilters(QStringLiteral("A.TXT")));
+    const WildcardFilter filter({"*.TXT"}, filters);
+    QVERIFY(filter.matchesFilters("A.TXT"));
     QCOMPARE(filter.matchesFilters(QStringLiteral("a.txt")), !caseCounts);
     QCOMPARE(filter.matchesFilters(QStringLiteral("a.Txt")), !caseCounts);
-    QVERIFY(!filter.matchesFilters(QStringLiteral("a.bin")));
+    QVERIFY(!filter.matchesFilters("a.bin"));
     // Kinds of entries mean nothing to a filter of names.
-    QVERIFY(filter.matchesFilters(QStringLiteral(".HIDDEN.TXT")));
+    QVERIFY(filter.matchesFilters(".HIDDEN.TXT"));
 }
 
 void tst_WildcardFilter::patternsFitWholeNames_data()
@@ -178,7 +178,7 @@ void tst_WildcardFilter::manyStarsOverTheLongestName_data()
         return piece.repeated(length / piece.size());
     };
     const QString letters = repeated("a", 255);
-    const QString b = QStringLiteral("b");
+    const QString b = "b";
     QTest::newRow("stars and letters") << repeated("*a", 254) + b << letters;
     QTest::newRow("letters and stars") << repeated("a*", 254) + b << letters;
     QTest::newRow("two letters each") << repeated("*aa", 254) + b << letters;
@@ -188,10 +188,9 @@ void tst_WildcardFilter::manyStarsOverTheLongestName_data()
     QTest::newRow("stars and question marks") << repeated("*?", 254) + b << letters;
     QTest::newRow("two stars and a question mark") << repeated("**?", 254) + b << letters;
     QTest::newRow("sets and stars") << repeated("[a-z]*", 254) + b << letters;
-    QTest::newRow("stars and sets") << repeated("*[ab]", 254) + QStringLiteral("c") << letters;
+    QTest::newRow("stars and sets") << repeated("*[ab]", 254) + "c" << letters;
     QTest::newRow("negated sets") << repeated("*[^b]", 254) + b << letters;
-    QTest::newRow("two letters in turn")
-        << repeated("*a*b", 252) + QStringLiteral("c") << repeated("ab", 254);
+    QTest::newRow("two letters in turn") << repeated("*a*b", 252) + "c" << repeated("ab", 254);
     QTest::newRow("escaped stars") << repeated("*\\*", 252) + b << repeated("*", 255);
     QTest::newRow("brackets") << repeated("[[]*", 252) + b << repeated("[", 255);
     QTest::newRow("nothing but stars and dots") << repeated("*.", 254) + b << repeated(".", 255);
@@ -259,11 +258,10 @@ void tst_WildcardFilter::emptyNameWarnsAndFitsNothing_data()
     QTest::addColumn<QStringList>("patterns");
     QTest::addColumn<QString>("name");
 
-    QTest::newRow("a pattern for all names")
-        << QStringList(QStringLiteral("*")) << QStringLiteral("");
-    QTest::newRow("an empty pattern") << QStringList(QString()) << QStringLiteral("");
-    QTest::newRow("no pattern") << QStringList() << QStringLiteral("");
-    QTest::newRow("a null name") << QStringList(QStringLiteral("*")) << QString();
+    QTest::newRow("a pattern for all names") << QStringList("*") << "";
+    QTest::newRow("an empty pattern") << QStringList(QString()) << "";
+    QTest::newRow("no pattern") << QStringList() << "";
+    QTest::newRow("a null name") << QStringList("*") << QString();
 }
 
 void tst_WildcardFilter::emptyNameWarnsAndFitsNothing()
@@ -280,50 +278,49 @@ void tst_WildcardFilter::emptyNameWarnsAndFitsNothing()
 
 void tst_WildcardFilter::everyEmptyNameWarns()
 {
-    const WildcardFilter filter({QStringLiteral("*")}, QDir::NoFilter);
+    const WildcardFilter filter({"*"}, QDir::NoFilter);
     for (int i = 0; i < 3; ++i) {
         messages().expectWarning("WildcardFilter", QLatin1String(emptyNameText));
         QVERIFY(!filter.matchesFilters(QString()));
-        QVERIFY(filter.matchesFilters(QStringLiteral("a")));
+        QVERIFY(filter.matchesFilters("a"));
     }
 }
 
 void tst_WildcardFilter::filterMayBeAskedAgain()
 {
-    const WildcardFilter filter({QStringLiteral("*.txt"), QStringLiteral("b*")}, QDir::Filters());
+    const WildcardFilter filter({"*.txt", "b*"}, QDir::Filters());
     for (int i = 0; i < 3; ++i) {
-        QVERIFY(filter.matchesFilters(QStringLiteral("a.txt")));
-        QVERIFY(!filter.matchesFilters(QStringLiteral("a.bin")));
-        QVERIFY(filter.matchesFilters(QStringLiteral("b.bin")));
+        QVERIFY(filter.matchesFilters("a.txt"));
+        QVERIFY(!filter.matchesFilters("a.bin"));
+        QVERIFY(filter.matchesFilters("b.bin"));
     }
 }
 
 void tst_WildcardFilter::filterKeepsItsPatterns()
 {
-    QStringList patterns(QStringLiteral("*.txt"));
+    QStringList patterns("*.txt");
     const WildcardFilter filter(patterns, QDir::Filters());
-    patterns[0] = QStringLiteral("*.bin");
-    patterns.append(QStringLiteral("*"));
-    QVERIFY(filter.matchesFilters(QStringLiteral("a.txt")));
-    QVERIFY(!filter.matchesFilters(QStringLiteral("a.bin")));
+    patterns[0] = "*.bin";
+    patterns.append("*");
+    QVERIFY(filter.matchesFilters("a.txt"));
+    QVERIFY(!filter.matchesFilters("a.bin"));
 }
 
 void tst_WildcardFilter::copiesAreIndependent()
 {
-    std::unique_ptr<WildcardFilter> original(
-        new WildcardFilter({QStringLiteral("*.txt")}, QDir::CaseSensitive));
+    std::unique_ptr<WildcardFilter> original(new WildcardFilter({"*.txt"}, QDir::CaseSensitive));
     const WildcardFilter copy(*original);
-    WildcardFilter assigned({QStringLiteral("*.bin")}, QDir::Filters());
+    WildcardFilter assigned({"*.bin"}, QDir::Filters());
     assigned = *original;
-    *original = WildcardFilter({QStringLiteral("*.zip")}, QDir::Filters());
+    *original = WildcardFilter({"*.zip"}, QDir::Filters());
 
-    QVERIFY(original->matchesFilters(QStringLiteral("A.ZIP")));
-    QVERIFY(!original->matchesFilters(QStringLiteral("a.txt")));
+    QVERIFY(original->matchesFilters("A.ZIP"));
+    QVERIFY(!original->matchesFilters("a.txt"));
     original.reset();
     for (const WildcardFilter& filter : {copy, assigned}) {
-        QVERIFY(filter.matchesFilters(QStringLiteral("a.txt")));
-        QVERIFY(!filter.matchesFilters(QStringLiteral("A.TXT")));
-        QVERIFY(!filter.matchesFilters(QStringLiteral("a.bin")));
+        QVERIFY(filter.matchesFilters("a.txt"));
+        QVERIFY(!filter.matchesFilters("A.TXT"));
+        QVERIFY(!filter.matchesFilters("a.bin"));
     }
 }
 
@@ -333,7 +330,7 @@ void tst_WildcardFilter::derivedFiltersAreDestroyedWhole()
     {
     public:
         explicit DerivedFilter(bool& isDestroyed)
-            : WildcardFilter({QStringLiteral("*")}, QDir::NoFilter), m_isDestroyed(isDestroyed)
+            : WildcardFilter({"*"}, QDir::NoFilter), m_isDestroyed(isDestroyed)
         {
         }
         ~DerivedFilter() override { m_isDestroyed = true; }
@@ -344,7 +341,7 @@ void tst_WildcardFilter::derivedFiltersAreDestroyedWhole()
 
     bool isDestroyed = false;
     std::unique_ptr<WildcardFilter> filter(new DerivedFilter(isDestroyed));
-    QVERIFY(filter->matchesFilters(QStringLiteral("a")));
+    QVERIFY(filter->matchesFilters("a"));
     filter.reset();
     QVERIFY(isDestroyed);
 }

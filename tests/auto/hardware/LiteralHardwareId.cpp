@@ -13,12 +13,12 @@ LiteralHardwareId::Parts LiteralHardwareId::partsOf(const HardwareIdentification
 char* LiteralHardwareId::toString(const Parts& parts)
 {
     return qstrdup(QByteArray((parts.isValid ? "valid <" : "invalid <") +
-                              parts.texts.join(QStringLiteral("> <")).toUtf8() + '>'));
+                              parts.texts.join("> <").toUtf8() + '>'));
 }
 
 bool LiteralHardwareId::containsOnlyNumbers(const QString& id)
 {
-    return id.indexOf(QRegExp(QStringLiteral("[0-9]{16,16}"), Qt::CaseSensitive), 0) != -1;
+    return id.indexOf(QRegExp("[0-9]{16,16}", Qt::CaseSensitive), 0) != -1;
 }
 
 LiteralHardwareId::Outcome LiteralHardwareId::divide(const QString& id, Parts& parts)
@@ -33,11 +33,11 @@ LiteralHardwareId::Outcome LiteralHardwareId::divide(const QString& id, Parts& p
     }
     const QString documentType = id.mid(8, 3);
     const QString partsList = id.mid(14, 2);
-    if (documentType.contains(QStringLiteral("000"), Qt::CaseSensitive)) {
+    if (documentType.contains("000", Qt::CaseSensitive)) {
         qWarning() << "Document type count number is invalid " << documentType;
         return Outcome::NoDocumentType;
     }
-    if (partsList.contains(QStringLiteral("00"), Qt::CaseSensitive)) {
+    if (partsList.contains("00", Qt::CaseSensitive)) {
         qWarning() << "Parts list paragrpah is invalid " << partsList;
         return Outcome::NoPartsList;
     }

@@ -6,15 +6,13 @@ const QByteArray ReaderSamples::boardText = "Type=4711\n"
                                             "CompatibilityIndex=3\n"
                                             "LP-ID=LP-000815\n"
                                             "Comment=Made up\n";
-const QStringList ReaderSamples::boardRecord = {
-    QStringLiteral("4711"), QStringLiteral("Sample board"), QStringLiteral("2.1"),
-    QStringLiteral("3"),    QStringLiteral("LP-000815"),    QStringLiteral("Made up")};
+const QStringList ReaderSamples::boardRecord = {"4711", "Sample board", "2.1",
+                                                "3",    "LP-000815",    "Made up"};
 
 const QStringList ReaderSamples::sixEmptyTexts = {QString(), QString(), QString(),
                                                   QString(), QString(), QString()};
-const QStringList ReaderSamples::untouched = {
-    QStringLiteral("type"),  QStringLiteral("type name"), QStringLiteral("version"),
-    QStringLiteral("index"), QStringLiteral("lp-id"),     QStringLiteral("comment")};
+const QStringList ReaderSamples::untouched = {"type",  "type name", "version",
+                                              "index", "lp-id",     "comment"};
 HardwareInfo ReaderSamples::usedRecord()
 {
     HardwareInfo info;

@@ -22,7 +22,7 @@ namespace {
 
 constexpr char divideSignature[] = "void HardwareIdentification::divideHardwareID(const QString&)";
 
-const QString goodId = QStringLiteral("1234567891234567");
+const QString goodId = "1234567891234567";
 
 QString anyDigit(QRandomGenerator& random)
 {
@@ -140,22 +140,22 @@ void tst_HardwareIdentification::invalidIdLeavesNothing_data()
                                  << QStringLiteral("Size of hardware ID is invalid %1").arg(length);
     };
     size("null", QString(), 0);
-    size("empty", QStringLiteral(""), 0);
-    size("one digit", QStringLiteral("1"), 1);
-    size("14 digits", QStringLiteral("12345678912345"), 14);
-    size("15 digits", QStringLiteral("123456789123456"), 15);
-    size("17 digits", QStringLiteral("12345678912345678"), 17);
+    size("empty", "", 0);
+    size("one digit", "1", 1);
+    size("14 digits", "12345678912345", 14);
+    size("15 digits", "123456789123456", 15);
+    size("17 digits", "12345678912345678", 17);
     size("32 digits", goodId + goodId, 32);
     size("line feed behind", goodId + QLatin1Char('\n'), 17);
     size("NUL behind", goodId + QChar(QChar::Null), 17);
-    size("letters, too", QStringLiteral("abc"), 3);
+    size("letters, too", "abc", 3);
     size("length counts UTF-16 units", QString::fromUtf8("\xF0\x9D\x9F\x8E").repeated(7), 14);
 
     // As QDebug shows the ID.
     const auto numbers = [](const char* situation, const QString& id, const QString& shown) {
         QTest::newRow(situation) << id
-                                 << QStringLiteral("Hardware ID contains not only numbers \"") +
-                                        shown + QLatin1Char('"');
+                                 << "Hardware ID contains not only numbers \"" + shown +
+                                        QLatin1Char('"');
     };
     const auto plain = [&numbers](const char* situation, const char* id) {
         numbers(situation, QString::fromUtf8(id), QString::fromUtf8(id));
@@ -173,11 +173,10 @@ void tst_HardwareIdentification::invalidIdLeavesNothing_data()
     plain("colon, just above the digits", "1234567:91234567");
     plain("only blanks", "                ");
     plain("a letter before 000", "A234567800034500");
-    numbers("line feed at the end", QStringLiteral("123456789123456\n"),
-            QStringLiteral("123456789123456\\n"));
+    numbers("line feed at the end", "123456789123456\n", "123456789123456\\n");
     numbers("NUL inside",
             QStringLiteral("1234567891") + QChar(QChar::Null) + QStringLiteral("34567"),
-            QStringLiteral("1234567891\\u000034567"));
+            "1234567891\\u000034567");
     const QString arabic = QString::fromUtf8("\xD9\xA1").repeated(16);
     numbers("Arabic-Indic digits", arabic, arabic);
     const QString devanagari = QString::fromUtf8("\xE0\xA5\xA7").repeated(16);
@@ -190,14 +189,13 @@ void tst_HardwareIdentification::invalidIdLeavesNothing_data()
     numbers("digits of two UTF-16 units", mathematical, mathematical);
 
     // The text's own blank and the one that QDebug puts between items.
-    const QString documentType = QStringLiteral("Document type count number is invalid  \"000\"");
-    QTest::newRow("document type 000") << QStringLiteral("1234560000000167") << documentType;
-    QTest::newRow("document type 000 alone") << QStringLiteral("1234567800034567") << documentType;
-    QTest::newRow("document type before the parts list")
-        << QStringLiteral("1234567800034500") << documentType;
+    const QString documentType = "Document type count number is invalid  \"000\"";
+    QTest::newRow("document type 000") << "1234560000000167" << documentType;
+    QTest::newRow("document type 000 alone") << "1234567800034567" << documentType;
+    QTest::newRow("document type before the parts list") << "1234567800034500" << documentType;
     QTest::newRow("all zeros") << QString(16, QLatin1Char('0')) << documentType;
-    QTest::newRow("parts list 00") << QStringLiteral("1234567812345600")
-                                   << QStringLiteral("Parts list paragrpah is invalid  \"00\"");
+    QTest::newRow("parts list 00") << "1234567812345600"
+                                   << "Parts list paragrpah is invalid  \"00\"";
 }
 
 void tst_HardwareIdentification::invalidIdLeavesNothing()
@@ -229,10 +227,8 @@ void tst_HardwareIdentification::goodIdReplacesTheOneBefore()
 {
     HardwareIdentification identification(goodId);
     const HardwareIdentification copy(identification);
-    identification.divideHardwareID(QStringLiteral("0000000000100001"));
-    const Parts expected = {true,
-                            {QStringLiteral("000000"), QStringLiteral("00"), QStringLiteral("001"),
-                             QStringLiteral("000"), QStringLiteral("01")}};
+    identification.divideHardwareID("0000000000100001");
+    const Parts expected = {true, {"000000", "00", "001", "000", "01"}};
     QCOMPARE(partsOf(identification), expected);
     QCOMPARE(partsOf(copy), partsOf(HardwareIdentification(goodId)));
 }
@@ -240,9 +236,9 @@ void tst_HardwareIdentification::goodIdReplacesTheOneBefore()
 void tst_HardwareIdentification::goodIdFollowsABadOne()
 {
     messages()
-        .expectWarning("HardwareIdentification", QStringLiteral("Size of hardware ID is invalid 3"))
+        .expectWarning("HardwareIdentification", "Size of hardware ID is invalid 3")
         .function(divideSignature);
-    HardwareIdentification identification(QStringLiteral("123"));
+    HardwareIdentification identification("123");
     identification.divideHardwareID(goodId);
     QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
 }
@@ -266,17 +262,16 @@ void tst_HardwareIdentification::containsSixteenDigits_data()
     QTest::newRow("16 zeros") << QString(16, QLatin1Char('0')) << true;
     QTest::newRow("17 digits") << goodId + QLatin1Char('8') << true;
     QTest::newRow("many digits") << goodId.repeated(100) << true;
-    QTest::newRow("16 digits behind a word") << QStringLiteral("ID ") + goodId << true;
-    QTest::newRow("16 digits before a word") << goodId + QStringLiteral(" is it") << true;
-    QTest::newRow("16 digits between others")
-        << QStringLiteral("1 22 333 x") + goodId + QStringLiteral("x4") << true;
-    QTest::newRow("16 digits in a second line") << QStringLiteral("a\n") + goodId << true;
+    QTest::newRow("16 digits behind a word") << "ID " + goodId << true;
+    QTest::newRow("16 digits before a word") << goodId + " is it" << true;
+    QTest::newRow("16 digits between others") << "1 22 333 x" + goodId + "x4" << true;
+    QTest::newRow("16 digits in a second line") << "a\n" + goodId << true;
     QTest::newRow("16 digits behind a NUL") << QString(1, QChar::Null) + goodId << true;
     QTest::newRow("twice 15 digits")
         << goodId.left(15) + QLatin1Char(' ') + goodId.left(15) << false;
     QTest::newRow("15 digits and another script's") << goodId.left(15) + QChar(0x0661) << false;
     QTest::newRow("16 of another script") << QString(16, QChar(0x0661)) << false;
-    QTest::newRow("its own expression") << QStringLiteral("[0-9]{16,16}") << false;
+    QTest::newRow("its own expression") << "[0-9]{16,16}" << false;
 }
 
 void tst_HardwareIdentification::containsSixteenDigits()

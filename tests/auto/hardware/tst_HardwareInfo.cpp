@@ -63,9 +63,9 @@ void tst_HardwareInfo::settersSetTheirFieldOnly()
 {
     QFETCH(int, field);
     HardwareInfo info;
-    (info.*setters.at(field))(QStringLiteral("text"));
+    (info.*setters.at(field))("text");
     QStringList expected = sixEmptyTexts;
-    expected[field] = QStringLiteral("text");
+    expected[field] = "text";
     QCOMPARE(values(info), expected);
 
     (info.*setters.at(field))(QString());
@@ -75,20 +75,20 @@ void tst_HardwareInfo::settersSetTheirFieldOnly()
 void tst_HardwareInfo::gettersGiveCopies()
 {
     HardwareInfo info;
-    info.setComment(QStringLiteral("first"));
+    info.setComment("first");
     QString comment = info.Comment();
-    comment.append(QStringLiteral(" changed"));
+    comment.append(" changed");
     QCOMPARE(info.Comment(), QStringLiteral("first"));
 }
 
 void tst_HardwareInfo::copiesAreIndependent()
 {
     HardwareInfo info;
-    info.setType(QStringLiteral("original"));
+    info.setType("original");
     const HardwareInfo constructed(info);
     HardwareInfo assigned;
     assigned = info;
-    info.setType(QStringLiteral("changed"));
+    info.setType("changed");
     QCOMPARE(constructed.type(), QStringLiteral("original"));
     QCOMPARE(assigned.type(), QStringLiteral("original"));
 }

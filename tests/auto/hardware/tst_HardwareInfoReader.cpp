@@ -28,9 +28,7 @@ constexpr char readFunction[] = "bool HardwareInfoReader::readHardwareInfoFromSy
                                 "QString&, const QString&, HardwareInfo&)";
 
 // Without these keys a read says in which order they were asked for. (A missing comment is silent.)
-const QStringList keysInReadOrder = {QStringLiteral("Version"), QStringLiteral("LP-ID"),
-                                     QStringLiteral("Type"), QStringLiteral("TypeName"),
-                                     QStringLiteral("CompatibilityIndex")};
+const QStringList keysInReadOrder = {"Version", "LP-ID", "Type", "TypeName", "CompatibilityIndex"};
 
 QByteArray randomBytes(int count)
 {
@@ -100,15 +98,9 @@ private Q_SLOTS:
     void fieldsLieInTheirOrder();
 
 private:
-    QString fileTemplate() const { return path(QStringLiteral("tmp/hwinfo.XXXXXX")); }
-    QStringList temporaryFiles() const
-    {
-        return QDir(path(QStringLiteral("tmp"))).entryList(QDir::Files);
-    }
-    QString writeImage(const QByteArray& image) const
-    {
-        return writeFile(QStringLiteral("eeprom"), image);
-    }
+    QString fileTemplate() const { return path("tmp/hwinfo.XXXXXX"); }
+    QStringList temporaryFiles() const { return QDir(path("tmp")).entryList(QDir::Files); }
+    QString writeImage(const QByteArray& image) const { return writeFile("eeprom", image); }
     void verifyRead(const QString& image, const QStringList& record);
     void verifyNotRead(const QString& image);
     void expectWarning(const QString& text);
@@ -118,7 +110,7 @@ private:
 
 void tst_HardwareInfoReader::verifyRead(const QString& image, const QStringList& record)
 {
-    QDir(folder()).mkdir(QStringLiteral("tmp"));
+    QDir(folder()).mkdir("tmp");
     HardwareInfo info = usedRecord();
     HardwareInfoReader reader(nullptr);
     QVERIFY(reader.readHardwareInfoFromSysFs(fileTemplate(), image, info));
@@ -220,13 +212,13 @@ void tst_HardwareInfoReader::blockBeforeAndAcrossTheHeader()
 {
     QFETCH(QByteArray, image);
     QStringList missing = keysInReadOrder;
-    missing.removeOne(QStringLiteral("Type"));
+    missing.removeOne("Type");
     messages().setObserver([this, missing](const Message&) {
         messages().setObserver(nullptr);
         expectMissingKeys(missing);
     });
     QStringList record = sixEmptyTexts;
-    record[0] = QStringLiteral("4711");
+    record[0] = "4711";
     verifyRead(writeImage(image), record);
 }
 
@@ -387,15 +379,15 @@ void tst_HardwareInfoReader::everyFlippedBitOfTheBlockIsNoticed()
 void tst_HardwareInfoReader::missingFile_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("no such file") << QStringLiteral("none");
-    QTest::newRow("no such folder") << QStringLiteral("none/eeprom");
-    QTest::newRow("a file as folder") << QStringLiteral("file/eeprom");
+    QTest::newRow("no such file") << "none";
+    QTest::newRow("no such folder") << "none/eeprom";
+    QTest::newRow("a file as folder") << "file/eeprom";
 }
 
 void tst_HardwareInfoReader::missingFile()
 {
     QFETCH(QString, name);
-    writeFile(QStringLiteral("file"), "content");
+    writeFile("file", "content");
     messages()
         .expect(QtDebugMsg,
                 QStringLiteral("Can't find eeprom binary file \"%1\" .").arg(path(name)))
@@ -410,13 +402,13 @@ void tst_HardwareInfoReader::imageThatCannotBeOpened_data()
     QTest::addColumn<QString>("name");
     QTest::newRow("folder") << QString();
     // QFile counts the link itself as a file that exists.
-    QTest::newRow("link to nothing") << QStringLiteral("link");
+    QTest::newRow("link to nothing") << "link";
 }
 
 void tst_HardwareInfoReader::imageThatCannotBeOpened()
 {
     QFETCH(QString, name);
-    QVERIFY(QFile::link(path(QStringLiteral("none")), path(QStringLiteral("link"))));
+    QVERIFY(QFile::link(path("none"), path("link")));
     messages()
         .expect(QtDebugMsg,
                 QStringLiteral("Can't open eeprom binary file \"%1\" .").arg(path(name)))
@@ -492,7 +484,7 @@ void tst_HardwareInfoReader::firstFailingCheckIsReported_data()
     QTest::addColumn<QString>("message"); // of the image %1
 
     using Image = EepromImage;
-    const QString file = QStringLiteral("%1");
+    const QString file = "%1";
     const QByteArray wrong = Image(boardText).checksum(0).bytes();
     QTest::newRow("header short before all else")
         << Image(boardText).bytesToRead(0xFFFFFFFFU).checksum(0).bytes().left(35)
@@ -546,8 +538,7 @@ void tst_HardwareInfoReader::asksForHeaderAndBlockOnly()
     const QString file = writeImage(image);
     HardwareInfo info;
     const ReadLog log(file);
-    HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(path(QStringLiteral("hwinfo.XXXXXX")),
-                                                          file, info);
+    HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(path("hwinfo.XXXXXX"), file, info);
     // What is logged is the matter of other tests.
     messages().take();
     QCOMPARE(log.reads().size(), expected.size());
@@ -572,16 +563,16 @@ void tst_HardwareInfoReader::temporaryFileLivesForTheParseOnly()
     QStringList contents;
     messages().setObserver([this, &contents](const Message&) {
         for (const QString& file : temporaryFiles()) {
-            contents.append(QString::fromLatin1(readFile(path(QStringLiteral("tmp/") + file))));
+            contents.append(QString::fromLatin1(readFile(path("tmp/" + file))));
         }
         if (contents.size() == 1) {
-            const QRegularExpression name(QStringLiteral("^hwinfo\\.[A-Za-z]{6}$"));
+            const QRegularExpression name("^hwinfo\\.[A-Za-z]{6}$");
             QVERIFY(name.match(temporaryFiles().first()).hasMatch());
             expectMissingKeys(keysInReadOrder);
         }
     });
     QStringList record = sixEmptyTexts;
-    record[5] = QStringLiteral("no more");
+    record[5] = "no more";
     verifyRead(writeImage(EepromImage(text).bytes()), record);
     // One file at each of the messages.
     QStringList expected;
@@ -597,8 +588,7 @@ void tst_HardwareInfoReader::unusableTemporaryFile()
     expectNoTextInTemporaryFile("Can't open temporary file for version data!");
     HardwareInfo info = usedRecord();
     QVERIFY(HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(
-        path(QStringLiteral("none/hwinfo.XXXXXX")), writeImage(EepromImage(boardText).bytes()),
-        info));
+        path("none/hwinfo.XXXXXX"), writeImage(EepromImage(boardText).bytes()), info));
     QCOMPARE(values(info), sixEmptyTexts);
 }
 
@@ -611,12 +601,12 @@ void tst_HardwareInfoReader::oneReaderReadsManyTimes()
         QByteArray text = boardText;
         text.replace("4711", number);
         const QString image = writeImage(EepromImage(text).bytes());
-        QVERIFY(reader.readHardwareInfoFromSysFs(path(QStringLiteral("hwinfo")), image, info));
+        QVERIFY(reader.readHardwareInfoFromSysFs(path("hwinfo"), image, info));
         QCOMPARE(info.type(), QString::fromLatin1(number));
 
         const QString damaged = writeImage(EepromImage(text).flipBit(40, 0).bytes());
         expectWarning(invalidChecksum(damaged));
-        QVERIFY(!reader.readHardwareInfoFromSysFs(path(QStringLiteral("hwinfo")), damaged, info));
+        QVERIFY(!reader.readHardwareInfoFromSysFs(path("hwinfo"), damaged, info));
         QCOMPARE(info.type(), QString::fromLatin1(number));
     }
 }
@@ -625,7 +615,7 @@ void tst_HardwareInfoReader::readersOnSeveralThreads()
 {
     constexpr int threadCount = 4;
     constexpr int readsPerThread = 25;
-    QDir(folder()).mkdir(QStringLiteral("tmp"));
+    QDir(folder()).mkdir("tmp");
     QAtomicInt goodReads;
     std::vector<std::unique_ptr<QThread>> threads;
     for (int i = 0; i < threadCount; ++i) {
@@ -655,11 +645,11 @@ void tst_HardwareInfoReader::readersOnSeveralThreads()
 void tst_HardwareInfoReader::data2HwInfoFillsTheRecord()
 {
     HardwareInfo info = usedRecord();
-    HardwareInfoReader(nullptr).data2HwInfo(boardText, path(QStringLiteral("hwinfo")), info);
+    HardwareInfoReader(nullptr).data2HwInfo(boardText, path("hwinfo"), info);
     QCOMPARE(values(info), boardRecord);
 
     expectNoTextInTemporaryFile("Error on writing to temporary file for version data!");
-    HardwareInfoReader(nullptr).data2HwInfo(QByteArray(), path(QStringLiteral("hwinfo")), info);
+    HardwareInfoReader(nullptr).data2HwInfo(QByteArray(), path("hwinfo"), info);
     QCOMPARE(values(info), sixEmptyTexts);
 }
 

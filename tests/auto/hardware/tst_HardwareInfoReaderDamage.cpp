@@ -79,7 +79,7 @@ private:
 void tst_HardwareInfoReaderDamage::store(const QByteArray& image)
 {
     m_image = image;
-    m_file.reset(new QFile(path(QStringLiteral("eeprom"))));
+    m_file.reset(new QFile(path("eeprom")));
     QVERIFY(m_file->open(QIODevice::ReadWrite | QIODevice::Truncate | QIODevice::Unbuffered));
     QCOMPARE(m_file->write(image), qint64(image.size()));
 }
@@ -97,15 +97,15 @@ void tst_HardwareInfoReaderDamage::flip(int bit)
 bool tst_HardwareInfoReaderDamage::isRead(const QString& warning)
 {
     m_info = usedRecord();
-    const bool isRead = m_reader.readHardwareInfoFromSysFs(path(QStringLiteral("hwinfo.XXXXXX")),
-                                                           m_file->fileName(), m_info);
+    const bool isRead =
+        m_reader.readHardwareInfoFromSysFs(path("hwinfo.XXXXXX"), m_file->fileName(), m_info);
     const QVector<Message> taken = messages().take();
     const bool isAsSaid = isRead ? warning.isEmpty()
                                  : taken.size() == 1 && taken.first().text == warning &&
                                        taken.first().level == QtWarningMsg &&
                                        values(m_info) == untouched;
     if (!isAsSaid) {
-        const QString report = QStringLiteral("image %1 gives %2 and %3 messages: %4");
+        const QString report = "image %1 gives %2 and %3 messages: %4";
         QTest::qFail(
             qPrintable(report.arg(QString::fromLatin1(m_image.toHex()), QVariant(isRead).toString(),
                                   QString::number(taken.size()),

@@ -62,7 +62,7 @@ private Q_SLOTS:
     void classHasItsShape();
 
 private:
-    QString fileTemplate() const { return path(QStringLiteral("hwinfo.XXXXXX")); }
+    QString fileTemplate() const { return path("hwinfo.XXXXXX"); }
     QStringList filesInFolder() const { return QDir(folder()).entryList(QDir::Files); }
     void expectNotFound(const QString& group, const QString& key);
     void expectNoManagerAtEachRead();
@@ -235,11 +235,10 @@ void tst_HardwareVersionIniManager::missingCommentIsSilent()
 void tst_HardwareVersionIniManager::otherSectionsAreReadOnRequestOnly()
 {
     const HardwareVersionIniManager manager("Type=A\n[Board]\nType=B\n", fileTemplate());
-    const QString board = QStringLiteral("Board");
-    QCOMPARE(manager.getStringValueFromIniFile(board, manager.getKeyType()), QStringLiteral("B"));
-    QCOMPARE(manager.getStringValueFromIniFile(QString(), manager.getKeyType()),
-             QStringLiteral("A"));
-    expectNotFound(board, QStringLiteral("Version"));
+    const QString board = "Board";
+    QCOMPARE(manager.getStringValueFromIniFile(board, manager.getKeyType()), "B");
+    QCOMPARE(manager.getStringValueFromIniFile(QString(), manager.getKeyType()), "A");
+    expectNotFound(board, "Version");
     QCOMPARE(manager.getStringValueFromIniFile(board, manager.getKeyHwVersion()), QString());
 }
 
@@ -247,12 +246,12 @@ void tst_HardwareVersionIniManager::textLiesInATemporaryFile_data()
 {
     QTest::addColumn<QString>("templateName");
     QTest::addColumn<QString>("pattern");
-    QTest::newRow("placeholder at the end")
-        << QStringLiteral("hwinfo.XXXXXX") << QStringLiteral("^hwinfo\\.[A-Za-z]{6}$");
-    QTest::newRow("placeholder inside")
-        << QStringLiteral("board-XXXXXX.ini") << QStringLiteral("^board-[A-Za-z]{6}\\.ini$");
-    QTest::newRow("no placeholder")
-        << QStringLiteral("hwinfo") << QStringLiteral("^hwinfo\\.[A-Za-z]{6}$");
+    QTest::newRow("placeholder at the end") << "hwinfo.XXXXXX"
+                                            << "^hwinfo\\.[A-Za-z]{6}$";
+    QTest::newRow("placeholder inside") << "board-XXXXXX.ini"
+                                        << "^board-[A-Za-z]{6}\\.ini$";
+    QTest::newRow("no placeholder") << "hwinfo"
+                                    << "^hwinfo\\.[A-Za-z]{6}$";
 }
 
 void tst_HardwareVersionIniManager::textLiesInATemporaryFile()
@@ -284,7 +283,7 @@ void tst_HardwareVersionIniManager::emptyTextIsAWriteError()
     QFETCH(QByteArray, text);
     messages()
         .expectWarning("HardwareVersionIniManager",
-                       QStringLiteral("Error on writing to temporary file for version data!"))
+                       "Error on writing to temporary file for version data!")
         .function("HardwareVersionIniManager::HardwareVersionIniManager(const QByteArray&, const "
                   "QString&)");
     {
@@ -298,31 +297,30 @@ void tst_HardwareVersionIniManager::emptyTextIsAWriteError()
 void tst_HardwareVersionIniManager::unusableTemplate_data()
 {
     QTest::addColumn<QString>("templateName");
-    QTest::newRow("missing folder") << QStringLiteral("none/hwinfo.XXXXXX");
-    QTest::newRow("folder is a file") << QStringLiteral("file/hwinfo.XXXXXX");
+    QTest::newRow("missing folder") << "none/hwinfo.XXXXXX";
+    QTest::newRow("folder is a file") << "file/hwinfo.XXXXXX";
 }
 
 void tst_HardwareVersionIniManager::unusableTemplate()
 {
     QFETCH(QString, templateName);
-    const QString file = writeFile(QStringLiteral("file"), "content");
+    const QString file = writeFile("file", "content");
     messages()
-        .expectWarning("HardwareVersionIniManager",
-                       QStringLiteral("Can't open temporary file for version data!"))
+        .expectWarning("HardwareVersionIniManager", "Can't open temporary file for version data!")
         .function("HardwareVersionIniManager::HardwareVersionIniManager(const QByteArray&, const "
                   "QString&)");
     const HardwareVersionIniManager manager(boardText, path(templateName));
     expectNoManagerAtEachRead();
     verifyAllEmpty(manager);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-             QStringList(QStringLiteral("file")));
+             QStringList("file"));
     QCOMPARE(readFile(file), QByteArray("content"));
 }
 
 void tst_HardwareVersionIniManager::exhaustedMemory()
 {
     messages()
-        .expect(QtCriticalMsg, QStringLiteral("Can't create 'IniFileManager' object!"))
+        .expect(QtCriticalMsg, "Can't create 'IniFileManager' object!")
         .file("HardwareVersionIniManager")
         .category("default")
         .function("HardwareVersionIniManager::HardwareVersionIniManager(const QByteArray&, const "

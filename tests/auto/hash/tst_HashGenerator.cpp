@@ -146,8 +146,7 @@ void tst_HashGenerator::fileHash()
     QFETCH(QByteArray, hashed);
 
     const auto method = static_cast<QCryptographicHash::Algorithm>(algorithm);
-    const QByteArray hash =
-        HashGenerator::createHashFromFile(writeFile(QStringLiteral("file"), bytes), method);
+    const QByteArray hash = HashGenerator::createHashFromFile(writeFile("file", bytes), method);
     QCOMPARE(hash.size(), QCryptographicHash::hashLength(method));
     QCOMPARE(hash.toHex(), QCryptographicHash::hash(hashed, method).toHex());
 }
@@ -169,7 +168,7 @@ void tst_HashGenerator::fileThatShrinksWhileItIsRead()
 {
     const QByteArray start = QByteArray("0123456789\r\n").repeated(100);
     for (const qint64 mebibytes : {1, 65, 200}) {
-        const QString filePath = writeFile(QStringLiteral("file"), start);
+        const QString filePath = writeFile("file", start);
         QVERIFY(QFile::resize(filePath, mebibytes * 1024 * 1024)); // without taking up the space
         sizeAtFirstRead = start.size();
         const QByteArray hash =
@@ -207,17 +206,16 @@ void tst_HashGenerator::fileHashVectors()
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, hash);
 
-    QCOMPARE(
-        HashGenerator::createHashFromFile(writeFile(QStringLiteral("file"), bytes),
-                                          static_cast<QCryptographicHash::Algorithm>(algorithm))
-            .toHex(),
-        hash);
+    QCOMPARE(HashGenerator::createHashFromFile(
+                 writeFile("file", bytes), static_cast<QCryptographicHash::Algorithm>(algorithm))
+                 .toHex(),
+             hash);
 }
 
 void tst_HashGenerator::fileOfUnknownSize()
 {
     // Its size is 0, and yet it has content.
-    const QString filePath = QStringLiteral("/proc/self/cmdline");
+    const QString filePath = "/proc/self/cmdline";
     QCOMPARE(QFileInfo(filePath).size(), 0);
     const QByteArray content = readFile(filePath);
     QVERIFY(content.contains('\0') && !content.contains('\r'));
@@ -228,7 +226,7 @@ void tst_HashGenerator::fileOfUnknownSize()
 void tst_HashGenerator::fileIsLeftAsItIs()
 {
     const QByteArray content = "a\r\n";
-    const QString filePath = writeFile(QStringLiteral("file"), content);
+    const QString filePath = writeFile("file", content);
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::ReadOwner));
     const QByteArray first = HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5);
     QVERIFY(!first.isNull());
@@ -241,13 +239,13 @@ void tst_HashGenerator::missingFile_data()
     QTest::addColumn<QString>("filePath");
     QTest::addColumn<QString>("shown");
 
-    const QString missing = QStringLiteral("/nowhere/file");
+    const QString missing = "/nowhere/file";
     QTest::newRow("missing") << missing << missing;
     QTest::newRow("no path") << QString() << QString();
-    QTest::newRow("blanks and quotation marks")
-        << QStringLiteral("/nowhere/a \"b\"") << QStringLiteral("/nowhere/a \\\"b\\\"");
-    QTest::newRow("below a file") << QStringLiteral("/proc/version/file")
-                                  << QStringLiteral("/proc/version/file");
+    QTest::newRow("blanks and quotation marks") << "/nowhere/a \"b\""
+                                                << "/nowhere/a \\\"b\\\"";
+    QTest::newRow("below a file") << "/proc/version/file"
+                                  << "/proc/version/file";
 }
 
 void tst_HashGenerator::missingFile()
@@ -264,8 +262,8 @@ void tst_HashGenerator::missingFile()
 void tst_HashGenerator::danglingLink()
 {
     // The link itself is there: only opening it fails.
-    const QString link = path(QStringLiteral("link"));
-    QVERIFY(QFile::link(QStringLiteral("/nowhere/file"), link));
+    const QString link = path("link");
+    QVERIFY(QFile::link("/nowhere/file", link));
     messages().expectWarning(
         "HashGenerator",
         QStringLiteral("Can't open file: \"%1\" ( \"No such file or directory\" )!").arg(link));
@@ -274,8 +272,8 @@ void tst_HashGenerator::danglingLink()
 
 void tst_HashGenerator::linkToFile()
 {
-    const QString link = path(QStringLiteral("link"));
-    QVERIFY(QFile::link(writeFile(QStringLiteral("file"), "a\r\n"), link));
+    const QString link = path("link");
+    QVERIFY(QFile::link(writeFile("file", "a\r\n"), link));
     QCOMPARE(HashGenerator::createHashFromFile(link, QCryptographicHash::Md5),
              QCryptographicHash::hash("a\n", QCryptographicHash::Md5));
 }
@@ -294,7 +292,7 @@ void tst_HashGenerator::directory()
 void tst_HashGenerator::fileThatCannotBeRead()
 {
     // It can be opened, but there is no memory at its begin: what cannot be read counts as nothing.
-    QFile file(QStringLiteral("/proc/self/mem"));
+    QFile file("/proc/self/mem");
     QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
     char byte = 0;
     QCOMPARE(file.read(&byte, 1), Q_INT64_C(-1));
@@ -307,9 +305,8 @@ void tst_HashGenerator::filesWithoutPermission_data()
     QTest::addColumn<bool>("isFolderOpen");
     QTest::addColumn<QString>("warning");
 
-    QTest::newRow("file") << true
-                          << QStringLiteral("Can't open file: \"%1\" ( \"Permission denied\" )!");
-    QTest::newRow("folder") << false << QStringLiteral("Can't find file: \"%1\" !");
+    QTest::newRow("file") << true << "Can't open file: \"%1\" ( \"Permission denied\" )!";
+    QTest::newRow("folder") << false << "Can't find file: \"%1\" !";
 }
 
 void tst_HashGenerator::filesWithoutPermission()
@@ -317,7 +314,7 @@ void tst_HashGenerator::filesWithoutPermission()
     QFETCH(bool, isFolderOpen);
     QFETCH(QString, warning);
 
-    const QString filePath = writeFile(QStringLiteral("file"), "content");
+    const QString filePath = writeFile("file", "content");
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::Permissions()));
     // Where an ordinary user runs this, it is the owner of the folder that is to be shut out.
     QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(isFolderOpen ? 0x7755 : 0)));

@@ -116,13 +116,11 @@ void tst_RecorderUrlHashHandling::uuid_data()
     QTest::addColumn<QString>("text"); // null: none
 
     QTest::newRow("counting") << QByteArray::fromHex("000102030405060708090a0b0c0d0e0f")
-                              << QStringLiteral("00010203-0405-0607-0809-0a0b0c0d0e0f");
+                              << "00010203-0405-0607-0809-0a0b0c0d0e0f";
     QTest::newRow("high nibble first") << QByteArray::fromHex("f00e1dc22bb33aa49558677694851c0d")
-                                       << QStringLiteral("f00e1dc2-2bb3-3aa4-9558-677694851c0d");
-    QTest::newRow("zeros") << QByteArray(16, '\0')
-                           << QStringLiteral("00000000-0000-0000-0000-000000000000");
-    QTest::newRow("all bits") << QByteArray(16, '\xFF')
-                              << QStringLiteral("ffffffff-ffff-ffff-ffff-ffffffffffff");
+                                       << "f00e1dc2-2bb3-3aa4-9558-677694851c0d";
+    QTest::newRow("zeros") << QByteArray(16, '\0') << "00000000-0000-0000-0000-000000000000";
+    QTest::newRow("all bits") << QByteArray(16, '\xFF') << "ffffffff-ffff-ffff-ffff-ffffffffffff";
     QTest::newRow("null") << QByteArray() << QString();
     QTest::newRow("empty") << QByteArray("") << QString();
     QTest::newRow("1 byte") << QByteArray(1, 'a') << QString();
@@ -145,7 +143,7 @@ void tst_RecorderUrlHashHandling::uuidOfUrl()
 {
     QCOMPARE(RecorderUrlHashHandling::buildUUIDFromByteArray(
                  RecorderUrlHashHandling::createUrlHash(QByteArray())),
-             QStringLiteral("d41d8cd9-8f00-b204-e980-0998ecf8427e"));
+             "d41d8cd9-8f00-b204-e980-0998ecf8427e");
 }
 
 QTEST_GUILESS_MAIN(tst_RecorderUrlHashHandling)

@@ -77,8 +77,8 @@ void tst_UniqueIdGenerator::nextProcessBeginsAnew_data()
 {
     QTest::addColumn<QString>("testFunction");
 
-    QTest::newRow("at zero") << QStringLiteral("processBeginsAtZero");
-    QTest::newRow("with calls of many threads") << QStringLiteral("instanceIsOne");
+    QTest::newRow("at zero") << "processBeginsAtZero";
+    QTest::newRow("with calls of many threads") << "instanceIsOne";
 }
 
 void tst_UniqueIdGenerator::nextProcessBeginsAnew()

@@ -4,18 +4,17 @@
 
 void IniTestCase::writeIni(const QByteArray& content) const
 {
-    writeFile(QStringLiteral("settings.ini"), content);
+    writeFile("settings.ini", content);
 }
 
 ExpectedMessage& IniTestCase::expectIniWarning(const QString& items)
 {
-    return messages().expectWarning("IniFileManager", QStringLiteral("\"Ini-File (") + iniFile() +
-                                                          QStringLiteral("):\" ") + items);
+    return messages().expectWarning("IniFileManager", "\"Ini-File (" + iniFile() + "):\" " + items);
 }
 
 QString IniTestCase::copyOfIniFile() const
 {
-    const QString copy = path(QStringLiteral("copy.ini"));
+    const QString copy = path("copy.ini");
     if (!QFile::copy(iniFile(), copy)) {
         qFatal("cannot copy %s", qPrintable(iniFile()));
     }
@@ -45,9 +44,7 @@ void IniTestCase::addValueRows()
     const auto word = [](const char* name, const char* text, const char* string, bool truth) {
         const QString asString = QString::fromUtf8(string);
         QTest::newRow(name) << QByteArray(text) << QVariant(asString) << asString << truth << false
-                            << 0
-                            << QStringLiteral("QVariant(QString, \"") + asString +
-                                   QStringLiteral("\")");
+                            << 0 << "QVariant(QString, \"" + asString + "\")";
     };
     const auto other = [](const char* name, const char* text, const QVariant& value,
                           const QString& string, const char* shown) {
@@ -96,7 +93,7 @@ void IniTestCase::addValueRows()
     other("list of nothing", ",", QStringList({QString(), QString()}), QString(),
           R"(QVariant(QStringList, ("", "")))");
     other("present and invalid", "@Invalid()", QVariant(), QString(), "QVariant(Invalid)");
-    QTest::newRow("bytes") << QByteArray("@ByteArray(12)") << QVariant(QByteArray("12"))
-                           << QStringLiteral("12") << true << true << 12 << QString();
+    QTest::newRow("bytes") << QByteArray("@ByteArray(12)") << QVariant(QByteArray("12")) << "12"
+                           << true << true << 12 << QString();
     other("point", "@Point(1 2)", QPoint(1, 2), QString(), "QVariant(QPoint, QPoint(1,2))");
 }

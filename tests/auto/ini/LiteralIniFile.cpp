@@ -17,8 +17,7 @@ LiteralIniFile::LiteralIniFile(const QString& filePath, const char* codecName)
 
 QDebug LiteralIniFile::warning() const
 {
-    return qWarning() << QStringLiteral("Ini-File (") + m_settings.fileName() +
-                             QStringLiteral("):");
+    return qWarning() << "Ini-File (" + m_settings.fileName() + "):";
 }
 
 QByteArray LiteralIniFile::cleanUp(const QString& filePath)
@@ -29,8 +28,8 @@ QByteArray LiteralIniFile::cleanUp(const QString& filePath)
     }
     const QByteArray bytes = file.readAll();
     QString text = bytes.isNull() ? QString() : QString(bytes.constData());
-    text.replace(QStringLiteral("%23"), QStringLiteral("#"));
-    text.replace(QStringLiteral(","), QStringLiteral(" "));
+    text.replace("%23", "#");
+    text.replace(",", " ");
     return text.toUtf8();
 }
 
@@ -200,7 +199,7 @@ bool LiteralIniFile::getValueBool(const QString& group, const QString& key, bool
 
 QStringList LiteralIniFile::getGroups(const QString& filter) const
 {
-    const QRegularExpression expression(QStringLiteral("^") + filter + QStringLiteral(".*"));
+    const QRegularExpression expression("^" + filter + ".*");
     return getGroups().filter(expression);
 }
 
@@ -235,7 +234,7 @@ bool LiteralIniFile::searchIndex(int externalIndex, int& groupIndex) const
         return false;
     }
     for (int i = 0; i < groups.count(); ++i) {
-        if (getValueInteger(groups[i], QStringLiteral("Position"), 0) == externalIndex) {
+        if (getValueInteger(groups[i], "Position", 0) == externalIndex) {
             groupIndex = i;
             return true;
         }

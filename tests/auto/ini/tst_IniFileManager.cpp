@@ -78,18 +78,18 @@ void tst_IniFileManager::missingFileWarnsOnce_data()
     const auto row = [](const char* situation, const QString& name, const QString& shown) {
         QTest::newRow(situation) << name << shown;
     };
-    row("no file", QStringLiteral("none.ini"), QStringLiteral("none.ini"));
-    row("no folder", QStringLiteral("none/none.ini"), QStringLiteral("none/none.ini"));
-    row("blank in the name", QStringLiteral("a b.ini"), QStringLiteral("a b.ini"));
-    row("quote in the name", QStringLiteral("a\"b.ini"), QStringLiteral("a\\\"b.ini"));
-    row("dangling link", QStringLiteral("link.ini"), QStringLiteral("link.ini"));
+    row("no file", "none.ini", "none.ini");
+    row("no folder", "none/none.ini", "none/none.ini");
+    row("blank in the name", "a b.ini", "a b.ini");
+    row("quote in the name", "a\"b.ini", "a\\\"b.ini");
+    row("dangling link", "link.ini", "link.ini");
 }
 
 void tst_IniFileManager::missingFileWarnsOnce()
 {
     QFETCH(QString, name);
     QFETCH(QString, shown);
-    QVERIFY(QFile::link(path(QStringLiteral("nowhere")), path(QStringLiteral("link.ini"))));
+    QVERIFY(QFile::link(path("nowhere"), path("link.ini")));
     messages()
         .expectWarning("IniFileManager",
                        QStringLiteral("Can't find specified ini-file: \"%1\"").arg(path(shown)))
@@ -101,14 +101,13 @@ void tst_IniFileManager::missingFileWarnsOnce()
         QVERIFY(!QFile::exists(path(name)));
     }
     QVERIFY(!QFile::exists(path(name)));
-    QVERIFY(!QFile::exists(path(QStringLiteral("none"))));
+    QVERIFY(!QFile::exists(path("none")));
 }
 
 void tst_IniFileManager::emptyPathWarns()
 {
-    messages().expectWarning("IniFileManager",
-                             QStringLiteral("Can't find specified ini-file: \"\""));
-    messages().expectWarning("IniFileManager", QStringLiteral("\"Ini-File ():\" Key is empty!"));
+    messages().expectWarning("IniFileManager", "Can't find specified ini-file: \"\"");
+    messages().expectWarning("IniFileManager", "\"Ini-File ():\" Key is empty!");
     const IniFileManager manager(QString(), nullptr);
     QCOMPARE(manager.getGeneralValue(QString(), 1), QVariant(1));
 }
@@ -116,7 +115,7 @@ void tst_IniFileManager::emptyPathWarns()
 void tst_IniFileManager::relativePathWarnsAsGiven()
 {
     // No such file lies beside the tests.
-    const QString name = QStringLiteral("tst_IniFileManager-none.ini");
+    const QString name = "tst_IniFileManager-none.ini";
     messages().expectWarning("IniFileManager",
                              QStringLiteral("Can't find specified ini-file: \"%1\"").arg(name));
     messages().expectWarning("IniFileManager", QStringLiteral("\"Ini-File (%1):\" Key is empty!")
@@ -128,19 +127,19 @@ void tst_IniFileManager::relativePathWarnsAsGiven()
 void tst_IniFileManager::whatExistsOpensSilently_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("file") << QStringLiteral("settings.ini");
-    QTest::newRow("empty file") << QStringLiteral("empty.ini");
-    QTest::newRow("folder") << QStringLiteral("folder.ini");
-    QTest::newRow("link to a file") << QStringLiteral("link.ini");
+    QTest::newRow("file") << "settings.ini";
+    QTest::newRow("empty file") << "empty.ini";
+    QTest::newRow("folder") << "folder.ini";
+    QTest::newRow("link to a file") << "link.ini";
 }
 
 void tst_IniFileManager::whatExistsOpensSilently()
 {
     QFETCH(QString, name);
     writeIni("key=1\n");
-    writeFile(QStringLiteral("empty.ini"), QByteArray());
-    QVERIFY(QDir().mkdir(path(QStringLiteral("folder.ini"))));
-    QVERIFY(QFile::link(iniFile(), path(QStringLiteral("link.ini"))));
+    writeFile("empty.ini", QByteArray());
+    QVERIFY(QDir().mkdir(path("folder.ini")));
+    QVERIFY(QFile::link(iniFile(), path("link.ini")));
 
     IniFileManager manager(path(name), nullptr);
     const bool hasContent = QFileInfo(path(name)).canonicalFilePath() == iniFile();
@@ -171,8 +170,8 @@ void tst_IniFileManager::unreadableFileReadsAsEmpty()
     const ChildResult result = ChildProcess::runAsOrdinaryUser([this] {
         IniFileManager manager(iniFile(), nullptr);
         const bool isEmpty = manager.getGroups().isEmpty() && manager.getCount() == 0 &&
-                             manager.getGeneralValueInteger(QStringLiteral("key"), 7) == 7;
-        manager.setGeneralValue(QStringLiteral("key"), 2);
+                             manager.getGeneralValueInteger("key", 7) == 7;
+        manager.setGeneralValue("key", 2);
         manager.sync();
         return isEmpty ? 0 : 1;
     });
@@ -189,8 +188,8 @@ void tst_IniFileManager::unreadableFileReadsAsEmpty()
 void tst_IniFileManager::firstWriteCreatesTheFile_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("no file") << QStringLiteral("none.ini");
-    QTest::newRow("no folder") << QStringLiteral("none/deeper/none.ini");
+    QTest::newRow("no file") << "none.ini";
+    QTest::newRow("no folder") << "none/deeper/none.ini";
 }
 
 void tst_IniFileManager::firstWriteCreatesTheFile()
@@ -199,7 +198,7 @@ void tst_IniFileManager::firstWriteCreatesTheFile()
     messages().expectWarning(
         "IniFileManager", QStringLiteral("Can't find specified ini-file: \"%1\"").arg(path(name)));
     IniFileManager manager(path(name), nullptr);
-    manager.setGeneralValue(QStringLiteral("key"), 5);
+    manager.setGeneralValue("key", 5);
     QVERIFY(!QFile::exists(path(name)));
     manager.sync();
     QCOMPARE(readFile(path(name)), QByteArray("[General]\nkey=5\n"));
@@ -232,7 +231,7 @@ void tst_IniFileManager::codecDecodesValues()
     QFETCH(QString, value);
     writeIni("key=" + text + "\n[Group]\nkey=" + text + "\n");
     const IniFileManager manager(iniFile(), codec.isNull() ? nullptr : codec.constData());
-    const QString key = QStringLiteral("key");
+    const QString key = "key";
     QCOMPARE(manager.getGeneralValueString(key, QString()), value);
     QCOMPARE(manager.getValueString(QStringLiteral("Group"), key, QString()), value);
 }
@@ -272,7 +271,7 @@ void tst_IniFileManager::destructionWrites()
     writeIni("key=1\n");
     {
         IniFileManager manager(iniFile(), nullptr);
-        manager.setGeneralValue(QStringLiteral("key"), 2);
+        manager.setGeneralValue("key", 2);
         QCOMPARE(readFile(iniFile()), QByteArray("key=1\n"));
     }
     QCOMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
@@ -282,7 +281,7 @@ void tst_IniFileManager::syncWrites()
 {
     writeIni("key=1\n");
     IniFileManager manager(iniFile(), nullptr);
-    manager.setGeneralValue(QStringLiteral("key"), 2);
+    manager.setGeneralValue("key", 2);
     manager.sync();
     QCOMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
 }
@@ -291,7 +290,7 @@ void tst_IniFileManager::syncReadsWhatOthersWrote()
 {
     writeIni("key=1\n");
     IniFileManager manager(iniFile(), nullptr);
-    const QString key = QStringLiteral("key");
+    const QString key = "key";
     QCOMPARE(manager.getGeneralValueInteger(key, 0), 1);
     writeIni("key=1234\n[Net]\n");
     QCOMPARE(manager.getGeneralValueInteger(key, 0), 1);
@@ -303,14 +302,14 @@ void tst_IniFileManager::eventLoopWrites()
 {
     writeIni("key=1\n");
     IniFileManager manager(iniFile(), nullptr);
-    manager.setGeneralValue(QStringLiteral("key"), 2);
+    manager.setGeneralValue("key", 2);
     QTRY_COMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
     // And again: the first flush must not leave a note that one is still under way.
-    manager.setValue(QStringLiteral("Net"), QStringLiteral("Port"), 80);
+    manager.setValue("Net", "Port", 80);
     QTRY_COMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n\n[Net]\nPort=80\n"));
-    manager.removeGeneralValue(QStringLiteral("key"));
+    manager.removeGeneralValue("key");
     QTRY_COMPARE(readFile(iniFile()), QByteArray("[Net]\nPort=80\n"));
-    manager.removeValue(QStringLiteral("Net"), QStringLiteral("Port"));
+    manager.removeValue("Net", "Port");
     QTRY_COMPARE(readFile(iniFile()), QByteArray());
 }
 
@@ -318,16 +317,16 @@ void tst_IniFileManager::managersOfOnePathShareUnsyncedWrites()
 {
     const QByteArray content = "key=1\n[Net]\nPort=80\nName=a\n";
     writeIni(content);
-    const QString net = QStringLiteral("Net");
-    const QString port = QStringLiteral("Port");
+    const QString net = "Net";
+    const QString port = "Port";
     IniFileManager writer(iniFile(), nullptr);
     const IniFileManager reader(iniFile(), nullptr);
     QCOMPARE(reader.getValueInteger(net, port, 0), 80);
 
     writer.setValue(net, port, 8080);
-    writer.removeValue(net, QStringLiteral("Name"));
-    writer.setGeneralValue(QStringLiteral("key"), 2);
-    writer.setValue(QStringLiteral("New"), QStringLiteral("x"), 1);
+    writer.removeValue(net, "Name");
+    writer.setGeneralValue("key", 2);
+    writer.setValue("New", "x", 1);
 
     QCOMPARE(reader.getValue(net, port, 0), QVariant(8080));
     QCOMPARE(reader.getChildKeys(net), words("Port"));
@@ -339,9 +338,9 @@ void tst_IniFileManager::managersOfOnePathShareUnsyncedWrites()
 void tst_IniFileManager::logInfoNamesTheAbsolutePath_data()
 {
     QTest::addColumn<QString>("constructionPath"); // "%1" is the row's folder
-    QTest::newRow("absolute") << QStringLiteral("%1/settings.ini");
-    QTest::newRow("relative") << QStringLiteral("settings.ini");
-    QTest::newRow("relative with a dot") << QStringLiteral("./settings.ini");
+    QTest::newRow("absolute") << "%1/settings.ini";
+    QTest::newRow("relative") << "settings.ini";
+    QTest::newRow("relative with a dot") << "./settings.ini";
 }
 
 void tst_IniFileManager::logInfoNamesTheAbsolutePath()
@@ -417,7 +416,7 @@ void tst_IniFileManager::readersOfPresentValue()
     QFETCH(QString, shown);
     writeIni("[General]\nkey=" + text + "\n");
     const IniFileManager manager(iniFile(), nullptr);
-    const QString key = QStringLiteral("key");
+    const QString key = "key";
 
     const QVariant read = manager.getGeneralValue(key, 4711);
     QCOMPARE(read.userType(), value.userType());
@@ -425,7 +424,7 @@ void tst_IniFileManager::readersOfPresentValue()
     QCOMPARE(manager.getGeneralValueString(key, QStringLiteral("default")), string);
     QCOMPARE(manager.getGeneralValueBool(key, !truth), truth);
     if (!isInteger) {
-        expectIniWarning(QStringLiteral("Conversion failed: ") + shown)
+        expectIniWarning("Conversion failed: " + shown)
             .function("int IniFileManager::getGeneralValueInteger(const QString&, int) const");
     }
     QCOMPARE(manager.getGeneralValueInteger(key, 4711), isInteger ? integer : 4711);
@@ -464,8 +463,7 @@ void tst_IniFileManager::missingKeyGivesDefault()
     const IniFileManager manager(iniFile(), nullptr);
 
     const auto expectMiss = [this, &shown] {
-        expectIniWarning(QStringLiteral("Key \"") + shown +
-                         QStringLiteral("\" not found in section 'General'!"))
+        expectIniWarning("Key \"" + shown + "\" not found in section 'General'!")
             .function("QVariant IniFileManager::getGeneralValue(const QString&, const QVariant&) "
                       "const");
     };
@@ -474,7 +472,7 @@ void tst_IniFileManager::missingKeyGivesDefault()
     }
     QCOMPARE(manager.getGeneralValue(key, QStringLiteral("x")), QVariant(QStringLiteral("x")));
     QCOMPARE(manager.getGeneralValueInteger(key, -7), -7);
-    QCOMPARE(manager.getGeneralValueString(key, QStringLiteral("x")), QStringLiteral("x"));
+    QCOMPARE(manager.getGeneralValueString(key, QStringLiteral("x")), "x");
     QCOMPARE(manager.getGeneralValueBool(key, true), true);
 }
 
@@ -495,21 +493,21 @@ void tst_IniFileManager::defaultsKeepTheirType()
     QFETCH(QVariant, defaultValue);
     writeIni("[Net]\nPort=80\n");
     const IniFileManager manager(iniFile(), nullptr);
-    const QString key = QStringLiteral("none");
+    const QString key = "none";
 
-    expectIniWarning(QStringLiteral("Key \"none\" not found in section 'General'!"));
+    expectIniWarning("Key \"none\" not found in section 'General'!");
     const QVariant general = manager.getGeneralValue(key, defaultValue);
     QCOMPARE(general.userType(), defaultValue.userType());
     QCOMPARE(general, defaultValue);
 
-    expectIniWarning(QStringLiteral("Key \"none\" not found in Group \"Net\" !"));
-    const QVariant grouped = manager.getValue(QStringLiteral("Net"), key, defaultValue);
+    expectIniWarning("Key \"none\" not found in Group \"Net\" !");
+    const QVariant grouped = manager.getValue("Net", key, defaultValue);
     QCOMPARE(grouped.userType(), defaultValue.userType());
     QCOMPARE(grouped, defaultValue);
 
-    expectIniWarning(QStringLiteral("Key is empty!"));
+    expectIniWarning("Key is empty!");
     QCOMPARE(manager.getGeneralValue(QString(), defaultValue), defaultValue);
-    expectIniWarning(QStringLiteral("Key is empty!"));
+    expectIniWarning("Key is empty!");
     QCOMPARE(manager.getValue(QStringLiteral("Net"), QString(), defaultValue), defaultValue);
 }
 
@@ -517,9 +515,9 @@ void tst_IniFileManager::typedDefaults()
 {
     writeIni(QByteArray());
     const IniFileManager manager(iniFile(), nullptr);
-    const QString key = QStringLiteral("none");
+    const QString key = "none";
     for (int reader = 0; reader < 5; ++reader) {
-        expectIniWarning(QStringLiteral("Key \"none\" not found in section 'General'!"));
+        expectIniWarning("Key \"none\" not found in section 'General'!");
     }
     QCOMPARE(manager.getGeneralValueInteger(key, std::numeric_limits<int>::min()),
              std::numeric_limits<int>::min());
@@ -534,7 +532,7 @@ void tst_IniFileManager::emptyKeyGivesDefault_data()
 {
     QTest::addColumn<QString>("key");
     QTest::newRow("null") << QString();
-    QTest::newRow("empty") << QStringLiteral("");
+    QTest::newRow("empty") << "";
 }
 
 void tst_IniFileManager::emptyKeyGivesDefault()
@@ -546,11 +544,11 @@ void tst_IniFileManager::emptyKeyGivesDefault()
     {
         IniFileManager manager(iniFile(), nullptr);
         for (int call = 0; call < 7; ++call) {
-            expectIniWarning(QStringLiteral("Key is empty!"));
+            expectIniWarning("Key is empty!");
         }
         QCOMPARE(manager.getGeneralValue(key, 7), QVariant(7));
         QCOMPARE(manager.getGeneralValueInteger(key, 7), 7);
-        QCOMPARE(manager.getGeneralValueString(key, QStringLiteral("x")), QStringLiteral("x"));
+        QCOMPARE(manager.getGeneralValueString(key, QStringLiteral("x")), "x");
         QCOMPARE(manager.getGeneralValueBool(key, true), true);
         QCOMPARE(manager.containsGeneral(key), false);
         manager.setGeneralValue(key, 6);
@@ -601,17 +599,17 @@ void tst_IniFileManager::typesReadBack_data()
                         const QVariant& read) {
         QTest::newRow(type) << written << QByteArray(text) << read;
     };
-    row("int", 5, "5", QStringLiteral("5"));
-    row("bool", true, "true", QStringLiteral("true"));
-    row("double", 1.5, "1.5", QStringLiteral("1.5"));
-    row("text", QStringLiteral("a b"), "a b", QStringLiteral("a b"));
-    row("text with a comma", QStringLiteral("a,b"), "\"a,b\"", QStringLiteral("a,b"));
-    row("text with an at sign", QStringLiteral("@a"), "@@a", QStringLiteral("@a"));
-    row("lines", QStringLiteral("a\nb"), "a\\nb", QStringLiteral("a\nb"));
+    row("int", 5, "5", "5");
+    row("bool", true, "true", "true");
+    row("double", 1.5, "1.5", "1.5");
+    row("text", "a b", "a b", "a b");
+    row("text with a comma", "a,b", "\"a,b\"", "a,b");
+    row("text with an at sign", "@a", "@@a", "@a");
+    row("lines", "a\nb", "a\\nb", "a\nb");
     row("empty text", QString(), "", QString());
     row("bytes", QByteArray("a\xff"), "@ByteArray(a\\xff)", QByteArray("a\xff"));
     row("list", words("a b"), "a, b", words("a b"));
-    row("list of one", words("a"), "a", QStringLiteral("a"));
+    row("list of one", words("a"), "a", "a");
     row("empty list", QStringList(), "@Invalid()", QVariant());
     row("invalid", QVariant(), "@Invalid()", QVariant());
 }
@@ -622,8 +620,8 @@ void tst_IniFileManager::typesReadBack()
     QFETCH(QByteArray, text);
     QFETCH(QVariant, read);
     writeIni(QByteArray());
-    const QString key = QStringLiteral("key");
-    const QString group = QStringLiteral("Group");
+    const QString key = "key";
+    const QString group = "Group";
     {
         IniFileManager manager(iniFile(), nullptr);
         manager.setGeneralValue(key, written);
@@ -647,11 +645,11 @@ void tst_IniFileManager::unsyncedListOfOne()
 {
     writeIni(QByteArray());
     IniFileManager manager(iniFile(), nullptr);
-    const QString key = QStringLiteral("key");
+    const QString key = "key";
     // A list converts to text, and so to a number, when it has exactly one element.
     manager.setGeneralValue(key, words("12"));
     QCOMPARE(manager.getGeneralValueString(key, QString()), QStringLiteral("12"));
-    expectIniWarning(QStringLiteral("Conversion failed: QVariant(QStringList, (\"12\"))"));
+    expectIniWarning("Conversion failed: QVariant(QStringList, (\"12\"))");
     QCOMPARE(manager.getGeneralValueInteger(key, 7), 7);
 }
 
@@ -733,7 +731,7 @@ void tst_IniFileManager::generalChildKeys_data()
     QTest::newRow("key with a path") << QByteArray("a=1\nb\\c=1\n") << words("a");
     QTest::newRow("key given twice") << QByteArray("a=1\na=2\n") << words("a");
     QTest::newRow("comments") << QByteArray(";a=1\n#b=1\n# c\nd=1\n") << words("#b d");
-    QTest::newRow("escaped key") << QByteArray("%41%20b=1\n") << QStringList(QStringLiteral("A b"));
+    QTest::newRow("escaped key") << QByteArray("%41%20b=1\n") << QStringList("A b");
     QTest::newRow("nameless key") << QByteArray("=5\n") << QStringList(QString());
 }
 

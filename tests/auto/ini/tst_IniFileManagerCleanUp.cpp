@@ -282,7 +282,7 @@ void tst_IniFileManagerCleanUp::permissionsStay()
 void tst_IniFileManagerCleanUp::linkStaysALink()
 {
     writeIni("k=1,2\n");
-    const QString link = path(QStringLiteral("link.ini"));
+    const QString link = path("link.ini");
     QVERIFY(QFile::link(iniFile(), link));
     IniFileManager::cleanUp(link);
     QCOMPARE(QFile::symLinkTarget(link), iniFile());
@@ -292,17 +292,17 @@ void tst_IniFileManagerCleanUp::linkStaysALink()
 void tst_IniFileManagerCleanUp::missingFileIsNotCreated_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("no file") << QStringLiteral("none.ini");
-    QTest::newRow("no folder") << QStringLiteral("none/none.ini");
-    QTest::newRow("dangling link") << QStringLiteral("link.ini");
-    QTest::newRow("folder") << QStringLiteral("folder.ini");
+    QTest::newRow("no file") << "none.ini";
+    QTest::newRow("no folder") << "none/none.ini";
+    QTest::newRow("dangling link") << "link.ini";
+    QTest::newRow("folder") << "folder.ini";
 }
 
 void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
 {
     QFETCH(QString, name);
-    QVERIFY(QFile::link(path(QStringLiteral("nowhere")), path(QStringLiteral("link.ini"))));
-    QVERIFY(QDir().mkdir(path(QStringLiteral("folder.ini"))));
+    QVERIFY(QFile::link(path("nowhere"), path("link.ini")));
+    QVERIFY(QDir().mkdir(path("folder.ini")));
     const CleanUpFunctionsGuard guard({&seeOnly});
     seenTexts.clear();
 
@@ -316,22 +316,22 @@ void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
                                       QDir::NoDotAndDotDot),
              words("folder.ini link.ini"));
-    QVERIFY(QDir(path(QStringLiteral("folder.ini"))).isEmpty());
+    QVERIFY(QDir(path("folder.ini")).isEmpty());
 }
 
 void tst_IniFileManagerCleanUp::emptyPathWarns()
 {
     // Qt itself has something to say about a file without a name.
-    messages().expect(QtWarningMsg, QStringLiteral("QFSFileEngine::open: No file name specified"));
-    messages().expectWarning("IniFileManager", QStringLiteral("Can not open file: \"\""));
+    messages().expect(QtWarningMsg, "QFSFileEngine::open: No file name specified");
+    messages().expectWarning("IniFileManager", "Can not open file: \"\"");
     IniFileManager::cleanUp(QString());
 }
 
 void tst_IniFileManagerCleanUp::fileGoneBeforeItIsWritten()
 {
-    folderToRemove = path(QStringLiteral("sub"));
+    folderToRemove = path("sub");
     QVERIFY(QDir().mkdir(folderToRemove));
-    const QString file = writeFile(QStringLiteral("sub/settings.ini"), "k=1\n");
+    const QString file = writeFile("sub/settings.ini", "k=1\n");
     const CleanUpFunctionsGuard guard({&removeFolder});
     messages()
         .expectWarning("IniFileManager", QStringLiteral("Can not open file: \"%1\"").arg(file))
@@ -433,7 +433,7 @@ void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
 {
     writeIni("a=%23,\n");
     const ChildResult result = ChildProcess::run([this] {
-        IniFileManager::cleanUp(path(QStringLiteral("missing"))); // whatever the first call opens
+        IniFileManager::cleanUp(path("missing")); // whatever the first call opens
         rlimit limit = {};
         getrlimit(RLIMIT_NOFILE, &limit);
         limit.rlim_cur = 64;
@@ -447,9 +447,8 @@ void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
         return 0;
     });
     QVERIFY(result.exited);
-    QCOMPARE(result.output, QStringLiteral("Can not open file: \"%1\"\n")
-                                .arg(path(QStringLiteral("missing")))
-                                .toLocal8Bit());
+    QCOMPARE(result.output,
+             QStringLiteral("Can not open file: \"%1\"\n").arg(path("missing")).toLocal8Bit());
     QCOMPARE(readFile(iniFile()), QByteArray("a=# \n"));
 }
 
@@ -485,16 +484,14 @@ void tst_IniFileManagerCleanUp::functionsRunInOrder_data()
     QTest::newRow("functions of both")
         << CleanUpFunctions{&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
                             &appendA, &IniFileManager::cleanUpComments,       &seeOnly}
-        << QStringList{QStringLiteral("%23,"), QStringLiteral("%23 A"), QStringLiteral("%23 AB"),
-                       QStringLiteral("# ABA")}
-        << QByteArray("# ABA");
+        << QStringList{"%23,", "%23 A", "%23 AB", "# ABA"} << QByteArray("# ABA");
     // As many as the library has, and none of its own.
     QTest::newRow("two functions of the application")
         << CleanUpFunctions{&appendA, &appendB} << words("%23, %23,A") << QByteArray("%23,AB");
     QTest::newRow("the library's two, the other way round")
         << CleanUpFunctions{&IniFileManager::cleanUpListSeperators, &seeOnly,
                             &IniFileManager::cleanUpComments}
-        << QStringList(QStringLiteral("%23 ")) << QByteArray("# ");
+        << QStringList("%23 ") << QByteArray("# ");
     QTest::newRow("one of the library's, twice")
         << CleanUpFunctions{&IniFileManager::cleanUpComments, &IniFileManager::cleanUpComments}
         << QStringList() << QByteArray("#,");
@@ -520,7 +517,7 @@ void tst_IniFileManagerCleanUp::textIsWhatWasRead_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("empty file") << QByteArray() << QString();
     QTest::newRow("UTF-8") << QByteArray("\xc3\xa4\r\n,") << QString::fromUtf8("\xc3\xa4\n,");
-    QTest::newRow("zero byte") << QByteArray("a\0b", 3) << QStringLiteral("a");
+    QTest::newRow("zero byte") << QByteArray("a\0b", 3) << "a";
 }
 
 void tst_IniFileManagerCleanUp::textIsWhatWasRead()
@@ -538,11 +535,11 @@ void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped_data()
 {
     QTest::addColumn<QString>("functions"); // "0" is a null
     QTest::addColumn<QByteArray>("cleaned");
-    QTest::newRow("first") << QStringLiteral("0AB") << QByteArray("xAB");
-    QTest::newRow("middle") << QStringLiteral("A0B") << QByteArray("xAB");
-    QTest::newRow("last") << QStringLiteral("AB0") << QByteArray("xAB");
-    QTest::newRow("several") << QStringLiteral("0B00A0") << QByteArray("xBA");
-    QTest::newRow("nothing else") << QStringLiteral("0") << QByteArray("x");
+    QTest::newRow("first") << "0AB" << QByteArray("xAB");
+    QTest::newRow("middle") << "A0B" << QByteArray("xAB");
+    QTest::newRow("last") << "AB0" << QByteArray("xAB");
+    QTest::newRow("several") << "0B00A0" << QByteArray("xBA");
+    QTest::newRow("nothing else") << "0" << QByteArray("x");
 }
 
 void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped()
@@ -555,7 +552,7 @@ void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped()
         if (function == QLatin1Char('0')) {
             list.append(nullptr);
             messages()
-                .expectWarning("IniFileManager", QStringLiteral("Function pointer is Null."))
+                .expectWarning("IniFileManager", "Function pointer is Null.")
                 .function("static void IniFileManager::cleanUp(const QString&)");
         } else {
             list.append(function == QLatin1Char('A') ? &appendA : &appendB);
@@ -596,7 +593,7 @@ void tst_IniFileManagerCleanUp::randomFilesAsDescribed()
         if (random.bounded(20) == 0) {
             content = content.repeated(random.bounded(5000)) + hostileText(random);
         }
-        const QString file = writeFile(QStringLiteral("file"), content);
+        const QString file = writeFile("file", content);
         const QByteArray expected = LiteralIniFile::cleanUp(file);
         IniFileManager::cleanUp(file);
         QVERIFY2(readFile(file) == expected,

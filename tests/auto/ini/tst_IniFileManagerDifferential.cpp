@@ -119,34 +119,34 @@ QString anyKey(QRandomGenerator& random)
 {
     static const QString keys[] = {
         QString(),
-        QStringLiteral("k"),
-        QStringLiteral("k"),
-        QStringLiteral("K"),
-        QStringLiteral("n"),
-        QStringLiteral("l"),
-        QStringLiteral("i"),
-        QStringLiteral("v"),
-        QStringLiteral("b"),
-        QStringLiteral("t"),
-        QStringLiteral("s"),
-        QStringLiteral("e"),
-        QStringLiteral("q"),
-        QStringLiteral("A"),
-        QStringLiteral("B"),
-        QStringLiteral("A/k"),
-        QStringLiteral("B/k"),
-        QStringLiteral("/k"),
-        QStringLiteral("k/"),
-        QStringLiteral("B//k"),
-        QStringLiteral("/"),
-        QStringLiteral("//"),
-        QStringLiteral("x y"),
+        "k",
+        "k",
+        "K",
+        "n",
+        "l",
+        "i",
+        "v",
+        "b",
+        "t",
+        "s",
+        "e",
+        "q",
+        "A",
+        "B",
+        "A/k",
+        "B/k",
+        "/k",
+        "k/",
+        "B//k",
+        "/",
+        "//",
+        "x y",
         QString(QChar(QChar::Null)),
         QStringLiteral("\u00C4"),
-        QStringLiteral("%6B"),
-        QStringLiteral("General"),
-        QStringLiteral("Position"),
-        QStringLiteral("Position"),
+        "%6B",
+        "General",
+        "Position",
+        "Position",
     };
     return pick(random, keys);
 }
@@ -155,25 +155,25 @@ QString anyGroup(QRandomGenerator& random)
 {
     static const QString groups[] = {
         QString(),
-        QStringLiteral("A"),
-        QStringLiteral("A"),
-        QStringLiteral("A/B"),
-        QStringLiteral("A/B"),
-        QStringLiteral("B"),
-        QStringLiteral("A/"),
-        QStringLiteral("/A"),
-        QStringLiteral("A//B"),
-        QStringLiteral("/"),
-        QStringLiteral("//"),
-        QStringLiteral("General"),
-        QStringLiteral("general"),
-        QStringLiteral("%General"),
-        QStringLiteral("%general"),
-        QStringLiteral("a"),
+        "A",
+        "A",
+        "A/B",
+        "A/B",
+        "B",
+        "A/",
+        "/A",
+        "A//B",
+        "/",
+        "//",
+        "General",
+        "general",
+        "%General",
+        "%general",
+        "a",
         QStringLiteral("\u00C4"),
-        QStringLiteral("k"),
-        QStringLiteral("Z"),
-        QStringLiteral("A/B/C"),
+        "k",
+        "Z",
+        "A/B/C",
         QString(QChar(QChar::Null)),
         QStringLiteral("A") + QChar(QChar::Null),
     };
@@ -196,9 +196,9 @@ QVariant anyValue(QRandomGenerator& random)
         QVariant(QString()),
         QVariant(QByteArray("a\0b", 3)),
         QVariant(QStringList()),
-        QVariant(QStringList{QStringLiteral("one")}),
-        QVariant(QStringList{QStringLiteral("one"), QStringLiteral("@two")}),
-        QVariant(QVariantList{1, QStringLiteral("b")}),
+        QVariant(QStringList{"one"}),
+        QVariant(QStringList{"one", "@two"}),
+        QVariant(QVariantList{1, "b"}),
     };
     return pick(random, values);
 }
@@ -206,14 +206,7 @@ QVariant anyValue(QRandomGenerator& random)
 QString anyFilter(QRandomGenerator& random)
 {
     static const QString filters[] = {
-        QString(),
-        QStringLiteral("A"),
-        QStringLiteral("."),
-        QStringLiteral("a|B"),
-        QStringLiteral(".*B"),
-        QStringLiteral("("),
-        QStringLiteral("$"),
-        QStringLiteral("%"),
+        QString(), "A", ".", "a|B", ".*B", "(", "$", "%",
     };
     return pick(random, filters);
 }
@@ -269,7 +262,7 @@ QStringList tst_IniFileManagerDifferential::play(quint32 seed, const QByteArray&
     static const char* const codecs[] = {nullptr, nullptr, "UTF-8", "ISO 8859-15"};
     QRandomGenerator random(seed);
     const QString filePath = writeFile(name, content);
-    const QString otherPath = path(QStringLiteral("other"));
+    const QString otherPath = path("other");
     QStringList record;
     const auto takeMessages = [&] {
         for (const Message& message : messages().take()) {
@@ -310,10 +303,8 @@ void tst_IniFileManagerDifferential::sameAsLiteral()
         const QByteArray content = hostileFile(random);
         // Names of their own per round, as QSettings keeps files that it has read.
         const QString number = QString::number(seed);
-        const QStringList literal =
-            play<LiteralIniFile>(seed, content, QStringLiteral("literal") + number);
-        const QStringList actual =
-            play<IniFileManager>(seed, content, QStringLiteral("library") + number);
+        const QStringList literal = play<LiteralIniFile>(seed, content, "literal" + number);
+        const QStringList actual = play<IniFileManager>(seed, content, "library" + number);
         if (actual != literal) {
             for (int i = 0; i < qMin(actual.size(), literal.size()); ++i) {
                 QVERIFY2(
@@ -332,20 +323,20 @@ void tst_IniFileManagerDifferential::sameAsLiteral()
 template <typename File>
 QStringList readAddedKey(const QString& filePath)
 {
-    const QString group = QStringLiteral("A");
-    const QString key = QStringLiteral("k");
+    const QString group = "A";
+    const QString key = "k";
     File file(filePath, nullptr);
     file.setValue(group, QString(QChar(QChar::Null)), 1); // sorts before all others
     file.setValue(group, key, 2);
     return {file.getValueString(group, key, QString()),
-            file.getGeneralValueString(QStringLiteral("first"), QString()),
-            file.getValueString(group, QStringLiteral("x"), QString())};
+            file.getGeneralValueString("first", QString()),
+            file.getValueString(group, "x", QString())};
 }
 
 void tst_IniFileManagerDifferential::sectionsOfKeysThatWereAddedAreParsed()
 {
     const QByteArray content = "first=1\nA\\x=root\n[A]\nx=section\n";
-    const QStringList expected{QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("root")};
+    const QStringList expected{"2", "1", "root"};
     QCOMPARE(readAddedKey<LiteralIniFile>(writeFile(QStringLiteral("literal"), content)), expected);
     QCOMPARE(readAddedKey<IniFileManager>(writeFile(QStringLiteral("library"), content)), expected);
 }

@@ -62,8 +62,8 @@ void tst_IniFileManagerGroups::readersOfPresentValue()
     QFETCH(QString, shown);
     writeIni("key=top\n[Net]\nkey=" + text + "\n[Other]\nkey=other\n");
     const IniFileManager manager(iniFile(), nullptr);
-    const QString net = QStringLiteral("Net");
-    const QString key = QStringLiteral("key");
+    const QString net = "Net";
+    const QString key = "key";
 
     const QVariant read = manager.getValue(net, key, 4711);
     QCOMPARE(read.userType(), value.userType());
@@ -72,7 +72,7 @@ void tst_IniFileManagerGroups::readersOfPresentValue()
     QCOMPARE(manager.getValueString(net, key, QStringLiteral("default")), string);
     QCOMPARE(manager.getValueBool(net, key, !truth), truth);
     if (!isInteger) {
-        expectIniWarning(QStringLiteral("Conversion failed: ") + shown)
+        expectIniWarning("Conversion failed: " + shown)
             .function("int IniFileManager::getValueInteger(const QString&, const QString&, int) "
                       "const");
     }
@@ -124,11 +124,11 @@ void tst_IniFileManagerGroups::keyIsFound()
 
 void tst_IniFileManagerGroups::pointersAreValues()
 {
-    IniFileManager manager(writeFile(QStringLiteral("net.ini"), "[Net]\nPort=5\n"), nullptr);
+    IniFileManager manager(writeFile("net.ini", "[Net]\nPort=5\n"), nullptr);
     const QVariant pointer = QVariant::fromValue(static_cast<void*>(&manager));
-    manager.setValue(QStringLiteral("Net"), QStringLiteral("Owner"), pointer);
+    manager.setValue("Net", "Owner", pointer);
     QCOMPARE(manager.getValue(QStringLiteral("Net"), QStringLiteral("Owner"), 0), pointer);
-    manager.removeValue(QStringLiteral("Net"), QStringLiteral("Owner"));
+    manager.removeValue("Net", "Owner");
 }
 
 void tst_IniFileManagerGroups::missingKeyGivesDefault_data()
@@ -168,15 +168,13 @@ void tst_IniFileManagerGroups::missingKeyGivesDefault()
     const IniFileManager manager(iniFile(), nullptr);
 
     for (int reader = 0; reader < 4; ++reader) {
-        expectIniWarning(QStringLiteral("Key \"") + key +
-                         QStringLiteral("\" not found in Group \"") + group +
-                         QStringLiteral("\" !"))
+        expectIniWarning("Key \"" + key + "\" not found in Group \"" + group + "\" !")
             .function("QVariant IniFileManager::getValue(const QString&, const QString&, const "
                       "QVariant&) const");
     }
     QCOMPARE(manager.getValue(group, key, QStringLiteral("x")), QVariant(QStringLiteral("x")));
     QCOMPARE(manager.getValueInteger(group, key, -7), -7);
-    QCOMPARE(manager.getValueString(group, key, QStringLiteral("x")), QStringLiteral("x"));
+    QCOMPARE(manager.getValueString(group, key, QStringLiteral("x")), "x");
     QCOMPARE(manager.getValueBool(group, key, true), true);
 }
 
@@ -185,16 +183,16 @@ void tst_IniFileManagerGroups::emptyKeyGivesDefault()
     // The group has a nameless key, which these functions must not reach.
     writeIni("[Net]\n=5\n");
     const IniFileManager manager(iniFile(), nullptr);
-    const QString net = QStringLiteral("Net");
-    const QStringList keys = {QString(), QStringLiteral("")};
+    const QString net = "Net";
+    const QStringList keys = {QString(), ""};
     for (const QString& key : keys) {
         for (int reader = 0; reader < 7; ++reader) {
-            expectIniWarning(QStringLiteral("Key is empty!"));
+            expectIniWarning("Key is empty!");
         }
         QCOMPARE(manager.getValue(net, key, 7), QVariant(7));
         QCOMPARE(manager.getValue(QString(), key, 7), QVariant(7));
         QCOMPARE(manager.getValueInteger(net, key, 7), 7);
-        QCOMPARE(manager.getValueString(net, key, QStringLiteral("x")), QStringLiteral("x"));
+        QCOMPARE(manager.getValueString(net, key, QStringLiteral("x")), "x");
         QCOMPARE(manager.getValueBool(net, key, true), true);
         QCOMPARE(manager.contains(net, key), false);
         QCOMPARE(manager.contains(QString(), key), false);
@@ -209,10 +207,9 @@ void tst_IniFileManagerGroups::integerWithDefault_data()
 
     QTest::newRow("number") << QByteArray("[Net]\nPort=8080\n") << QString() << 8080;
     QTest::newRow("word") << QByteArray("[Net]\nPort=eighty\n")
-                          << QStringLiteral("Conversion failed: QVariant(QString, \"eighty\")")
-                          << 80;
+                          << "Conversion failed: QVariant(QString, \"eighty\")" << 80;
     QTest::newRow("no key") << QByteArray("[Net]\nName=a\n")
-                            << QStringLiteral("Key \"Port\" not found in Group \"Net\" !") << 80;
+                            << "Key \"Port\" not found in Group \"Net\" !" << 80;
 }
 
 void tst_IniFileManagerGroups::integerWithDefault()
@@ -357,13 +354,13 @@ void tst_IniFileManagerGroups::emptyNamesWriteNothing_data()
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("warning");
 
-    const QString groupIsEmpty = QStringLiteral("Group is empty!");
-    const QString keyIsEmpty = QStringLiteral("Key is empty!");
-    const QString empty = QStringLiteral("");
-    QTest::newRow("null group") << QString() << QStringLiteral("a") << groupIsEmpty;
-    QTest::newRow("empty group") << empty << QStringLiteral("a") << groupIsEmpty;
-    QTest::newRow("null key") << QStringLiteral("Net") << QString() << keyIsEmpty;
-    QTest::newRow("empty key") << QStringLiteral("Net") << empty << keyIsEmpty;
+    const QString groupIsEmpty = "Group is empty!";
+    const QString keyIsEmpty = "Key is empty!";
+    const QString empty = "";
+    QTest::newRow("null group") << QString() << "a" << groupIsEmpty;
+    QTest::newRow("empty group") << empty << "a" << groupIsEmpty;
+    QTest::newRow("null key") << "Net" << QString() << keyIsEmpty;
+    QTest::newRow("empty key") << "Net" << empty << keyIsEmpty;
     QTest::newRow("both null") << QString() << QString() << groupIsEmpty;
     QTest::newRow("both empty") << empty << empty << groupIsEmpty;
 }
@@ -432,7 +429,7 @@ void tst_IniFileManagerGroups::invalidFilterSelectsNothing()
     writeIni("[A]\nk=1\n[B]\nk=1\n");
     const IniFileManager manager(iniFile(), nullptr);
     // Qt's own warning, once for each group.
-    const QString warning = QStringLiteral("QString::contains: invalid QRegularExpression object");
+    const QString warning = "QString::contains: invalid QRegularExpression object";
     messages().expect(QtWarningMsg, warning);
     messages().expect(QtWarningMsg, warning);
     QCOMPARE(manager.getGroups(QStringLiteral("(")), QStringList());
@@ -514,19 +511,15 @@ void tst_IniFileManagerGroups::groupValues_data()
     QTest::addColumn<QString>("group");
     QTest::addColumn<QVariantMap>("values");
 
-    const QString one = QStringLiteral("1");
+    const QString one = "1";
     QTest::newRow("values of all types")
-        << QStringLiteral("Net")
-        << QVariantMap{{QStringLiteral("Port"), QStringLiteral("80")},
-                       {QStringLiteral("List"), words("a b")},
-                       {QStringLiteral("Nothing"), QVariant()},
-                       {QStringLiteral("Word"), QStringLiteral("x y")}};
-    QTest::newRow("subgroup") << QStringLiteral("Net/Sub")
-                              << QVariantMap{{QStringLiteral("deep"), one}};
-    QTest::newRow("empty group: top level")
-        << QString() << QVariantMap{{QStringLiteral("top"), one}};
-    QTest::newRow("missing group") << QStringLiteral("None") << QVariantMap();
-    QTest::newRow("group with subgroups only") << QStringLiteral("Deep") << QVariantMap();
+        << "Net"
+        << QVariantMap{
+               {"Port", "80"}, {"List", words("a b")}, {"Nothing", QVariant()}, {"Word", "x y"}};
+    QTest::newRow("subgroup") << "Net/Sub" << QVariantMap{{"deep", one}};
+    QTest::newRow("empty group: top level") << QString() << QVariantMap{{"top", one}};
+    QTest::newRow("missing group") << "None" << QVariantMap();
+    QTest::newRow("group with subgroups only") << "Deep" << QVariantMap();
 }
 
 void tst_IniFileManagerGroups::groupValues()
@@ -543,12 +536,10 @@ void tst_IniFileManagerGroups::groupValuesWithNamelessKey()
 {
     writeIni("[Net]\n=5\nPort=80\n");
     const IniFileManager manager(iniFile(), nullptr);
-    expectIniWarning(QStringLiteral("Key is empty!"))
+    expectIniWarning("Key is empty!")
         .function("QVariant IniFileManager::getValue(const QString&, const QString&, const "
                   "QVariant&) const");
-    QCOMPARE(
-        manager.getGroupValues(QStringLiteral("Net")),
-        (QVariantMap{{QString(), QVariant()}, {QStringLiteral("Port"), QStringLiteral("80")}}));
+    QCOMPARE(manager.getGroupValues("Net"), (QVariantMap{{QString(), QVariant()}, {"Port", "80"}}));
 }
 
 void tst_IniFileManagerGroups::groupValuesOfSectionsThatShareKeys()
@@ -557,9 +548,7 @@ void tst_IniFileManagerGroups::groupValuesOfSectionsThatShareKeys()
     // sorts between its group and the key, hides the second from a mere look-up of the key.
     writeIni("[A/B]\nk=1\nl=2\n[A]\nB\\k=3\n[A/B/a]\nx=1\n");
     const IniFileManager manager(iniFile(), nullptr);
-    QCOMPARE(manager.getGroupValues(QStringLiteral("A/B")),
-             (QVariantMap{{QStringLiteral("k"), QStringLiteral("3")},
-                          {QStringLiteral("l"), QStringLiteral("2")}}));
+    QCOMPARE(manager.getGroupValues(QStringLiteral("A/B")), (QVariantMap{{"k", "3"}, {"l", "2"}}));
 }
 
 void tst_IniFileManagerGroups::groupValuesOfSectionsOnThreeLevels()
@@ -568,8 +557,7 @@ void tst_IniFileManagerGroups::groupValuesOfSectionsOnThreeLevels()
     writeIni("[A/B/C]\nk=1\nl=2\n[A/B]\nC\\k=3\n[A]\nB\\C\\l=4\n[A/B/C/a]\nx=1\n");
     const IniFileManager manager(iniFile(), nullptr);
     QCOMPARE(manager.getGroupValues(QStringLiteral("A/B/C")),
-             (QVariantMap{{QStringLiteral("k"), QStringLiteral("3")},
-                          {QStringLiteral("l"), QStringLiteral("4")}}));
+             (QVariantMap{{"k", "3"}, {"l", "4"}}));
 }
 
 void tst_IniFileManagerGroups::oneLookUpByPathWouldFindAnotherValue()
@@ -577,13 +565,13 @@ void tst_IniFileManagerGroups::oneLookUpByPathWouldFindAnotherValue()
     // The top level is parsed and has a key "A/k". The section [A] is not, and its own "k" is not
     // seen by a look-up of the path, as [A/B] stands between them.
     writeIni("A\\k=top level\n[A]\nk=section\n[A/B]\nx=1\n");
-    const QString path = QStringLiteral("A/k");
+    const QString path = "A/k";
     QSettings settings(copyOfIniFile(), QSettings::IniFormat);
-    QVERIFY(!settings.contains(QStringLiteral("none")));
+    QVERIFY(!settings.contains("none"));
     QCOMPARE(settings.value(path), QVariant(QStringLiteral("top level")));
 
     IniFileManager manager(iniFile(), nullptr);
-    QVERIFY(!manager.containsGeneral(QStringLiteral("none")));
+    QVERIFY(!manager.containsGeneral("none"));
     QCOMPARE(manager.getValue(QStringLiteral("A"), QStringLiteral("k"), QVariant()),
              QVariant(QStringLiteral("section")));
 }
@@ -592,23 +580,23 @@ void tst_IniFileManagerGroups::groupIsLeftAfterEveryCall()
 {
     writeIni("top=1\n[Net]\nPort=80\n");
     IniFileManager manager(iniFile(), nullptr);
-    const QString net = QStringLiteral("Net");
-    const QString port = QStringLiteral("Port");
+    const QString net = "Net";
+    const QString port = "Port";
     const auto isAtTopLevel = [&manager] {
         return manager.getGroups() == words("Net") && manager.getGeneralChildKeys() == words("top");
     };
 
     manager.setValue(net, port, 81);
     QVERIFY(isAtTopLevel());
-    manager.setValue(net, QStringLiteral("Name"), 1);
-    manager.removeValue(net, QStringLiteral("Name"));
+    manager.setValue(net, "Name", 1);
+    manager.removeValue(net, "Name");
     QVERIFY(isAtTopLevel());
     manager.contains(net, port);
     QVERIFY(isAtTopLevel());
     manager.getValue(net, port, 0);
     QVERIFY(isAtTopLevel());
-    expectIniWarning(QStringLiteral("Key \"none\" not found in Group \"Net\" !"));
-    manager.getValue(net, QStringLiteral("none"), 0);
+    expectIniWarning("Key \"none\" not found in Group \"Net\" !");
+    manager.getValue(net, "none", 0);
     QVERIFY(isAtTopLevel());
     manager.getChildKeys(net);
     QVERIFY(isAtTopLevel());

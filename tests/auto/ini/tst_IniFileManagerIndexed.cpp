@@ -40,8 +40,8 @@ namespace {
 // What groupIndex holds before a search, to see whether it is left alone.
 constexpr int untouched = -4711;
 
-const QString key = QStringLiteral("k");
-const QString defaultText = QStringLiteral("default");
+const QString key = "k";
+const QString defaultText = "default";
 
 constexpr char searchIndexSignature[] = "bool IniFileManager::searchIndex(int, int&) const";
 constexpr char integerSignature[] =
@@ -66,7 +66,7 @@ void tst_IniFileManagerIndexed::expectNoPosition(const char* group)
 
 void tst_IniFileManagerIndexed::expectBadPosition(const char* value)
 {
-    expectIniWarning(QStringLiteral("Conversion failed: ") + QString::fromUtf8(value))
+    expectIniWarning("Conversion failed: " + QString::fromUtf8(value))
         .function(groupIntegerSignature);
 }
 
@@ -158,7 +158,7 @@ void tst_IniFileManagerIndexed::searchRefusesHighIndex()
     const IniFileManager manager(iniFile(), nullptr);
 
     // The one warning also shows that no group is looked at.
-    expectIniWarning(QStringLiteral("Invalid external index!")).function(searchIndexSignature);
+    expectIniWarning("Invalid external index!").function(searchIndexSignature);
     int groupIndex = untouched;
     QVERIFY(!manager.searchIndex(externalIndex, groupIndex));
     QCOMPARE(groupIndex, untouched);
@@ -234,34 +234,28 @@ void tst_IniFileManagerIndexed::gettersDelegate_data()
     QTest::addColumn<bool>("truth");
 
     const QString none;
-    QTest::newRow("number") << QByteArray("k=7\n") << key << none << none << 7
-                            << QStringLiteral("7") << true;
-    QTest::newRow("zero") << QByteArray("k=0\n") << key << none << none << 0 << QStringLiteral("0")
-                          << false;
-    QTest::newRow("64 bits are cut") << QByteArray("k=4294967301\n") << key << none << none << 5
-                                     << QStringLiteral("4294967301") << true;
-    QTest::newRow("word") << QByteArray("k=abc\n") << key << none
-                          << QStringLiteral("QVariant(QString, \"abc\")") << 99
-                          << QStringLiteral("abc") << true;
-    QTest::newRow("nothing") << QByteArray("k=\n") << key << none
-                             << QStringLiteral("QVariant(QString, \"\")") << 99
-                             << QStringLiteral("") << false;
+    QTest::newRow("number") << QByteArray("k=7\n") << key << none << none << 7 << "7" << true;
+    QTest::newRow("zero") << QByteArray("k=0\n") << key << none << none << 0 << "0" << false;
+    QTest::newRow("64 bits are cut")
+        << QByteArray("k=4294967301\n") << key << none << none << 5 << "4294967301" << true;
+    QTest::newRow("word") << QByteArray("k=abc\n") << key << none << "QVariant(QString, \"abc\")"
+                          << 99 << "abc" << true;
+    QTest::newRow("nothing") << QByteArray("k=\n") << key << none << "QVariant(QString, \"\")" << 99
+                             << "" << false;
     QTest::newRow("list") << QByteArray("k=1,2\n") << key << none
-                          << QStringLiteral("QVariant(QStringList, (\"1\", \"2\"))") << 99
-                          << QString() << false;
-    const QString notFound = QStringLiteral("Key \"%1\" not found in Group \"b\" !");
+                          << "QVariant(QStringList, (\"1\", \"2\"))" << 99 << QString() << false;
+    const QString notFound = "Key \"%1\" not found in Group \"b\" !";
     QTest::newRow("missing key") << QByteArray() << key << notFound.arg(key) << none << 99
                                  << defaultText << true;
     QTest::newRow("other case of the key")
         << QByteArray("K=1\n") << key << notFound.arg(key) << none << 99 << defaultText << true;
     QTest::newRow("key of a subgroup")
-        << QByteArray("sub\\k=1\n") << QStringLiteral("sub/k")
-        << notFound.arg(QStringLiteral("sub/k")) << none << 99 << defaultText << true;
-    QTest::newRow("null key") << QByteArray("=5\n") << none << QStringLiteral("Key is empty!")
-                              << none << 99 << defaultText << true;
-    QTest::newRow("empty key") << QByteArray("=5\n") << QStringLiteral("")
-                               << QStringLiteral("Key is empty!") << none << 99 << defaultText
-                               << true;
+        << QByteArray("sub\\k=1\n") << "sub/k" << notFound.arg("sub/k") << none << 99 << defaultText
+        << true;
+    QTest::newRow("null key") << QByteArray("=5\n") << none << "Key is empty!" << none << 99
+                              << defaultText << true;
+    QTest::newRow("empty key") << QByteArray("=5\n") << ""
+                               << "Key is empty!" << none << 99 << defaultText << true;
 }
 
 void tst_IniFileManagerIndexed::gettersDelegate()
@@ -283,8 +277,7 @@ void tst_IniFileManagerIndexed::gettersDelegate()
     };
     expectWarning();
     if (!shown.isEmpty()) {
-        expectIniWarning(QStringLiteral("Conversion failed: ") + shown)
-            .function(groupIntegerSignature);
+        expectIniWarning("Conversion failed: " + shown).function(groupIntegerSignature);
     }
     QCOMPARE(manager.getValueInteger(1, askedKey, 99), integer);
     expectWarning();
@@ -310,7 +303,7 @@ void tst_IniFileManagerIndexed::gettersRefuseHighIndex()
     // Each getter checks by itself, before it searches and before it looks at the key.
     const QStringList keys = {key, QString()};
     for (const QString& anyKey : keys) {
-        const QString warning = QStringLiteral("Invalid group index!");
+        const QString warning = "Invalid group index!";
         expectIniWarning(warning).function(integerSignature);
         QCOMPARE(manager.getValueInteger(externalIndex, anyKey, -99), -99);
         expectIniWarning(warning).function(stringSignature);
@@ -344,7 +337,7 @@ void tst_IniFileManagerIndexed::gettersMissPosition()
 
     const QStringList keys = {key, QString()};
     for (const QString& anyKey : keys) {
-        const QString warning = QStringLiteral("Index not found in group!");
+        const QString warning = "Index not found in group!";
         expectIniWarning(warning).function(integerSignature);
         QCOMPARE(manager.getValueInteger(externalIndex, anyKey, -99), -99);
         expectIniWarning(warning).function(stringSignature);
@@ -381,11 +374,10 @@ void tst_IniFileManagerIndexed::gettersWarnOfProbes()
     // is warned of behind the probes.
     expectProbes();
     expectNoPosition("d");
-    expectIniWarning(QStringLiteral("Index not found in group!")).function(integerSignature);
+    expectIniWarning("Index not found in group!").function(integerSignature);
     QCOMPARE(manager.getValueInteger(1, key, 99), 99);
     expectProbes();
-    expectIniWarning(QStringLiteral("Key \"none\" not found in Group \"c\" !"))
-        .function(groupValueSignature);
+    expectIniWarning("Key \"none\" not found in Group \"c\" !").function(groupValueSignature);
     QCOMPARE(manager.getValueInteger(2, QStringLiteral("none"), 99), 99);
 }
 
@@ -394,7 +386,7 @@ void tst_IniFileManagerIndexed::namelessGroupReadsTheTopLevel()
     // A nameless group is listed first, but an empty group stands for the top level.
     writeIni("Position=1\nk=top\n[]\nPosition=0\nk=nameless\n[a]\nPosition=0\nk=5\n");
     const IniFileManager manager(iniFile(), nullptr);
-    QCOMPARE(manager.getGroups(), QStringList({QStringLiteral(""), QStringLiteral("a")}));
+    QCOMPARE(manager.getGroups(), QStringList({QStringLiteral(""), "a"}));
 
     int groupIndex = untouched;
     QVERIFY(manager.searchIndex(1, groupIndex));
@@ -404,43 +396,43 @@ void tst_IniFileManagerIndexed::namelessGroupReadsTheTopLevel()
     QCOMPARE(manager.getValueString(1, key, defaultText), QStringLiteral("top"));
     QCOMPARE(manager.getValueString(0, key, defaultText), QStringLiteral("5"));
 
-    writeFile(QStringLiteral("bare.ini"), "[]\nPosition=0\nk=nameless\n[a]\nPosition=1\nk=5\n");
-    const IniFileManager bare(path(QStringLiteral("bare.ini")), nullptr);
+    writeFile("bare.ini", "[]\nPosition=0\nk=nameless\n[a]\nPosition=1\nk=5\n");
+    const IniFileManager bare(path("bare.ini"), nullptr);
     const QString warning =
         QStringLiteral("\"%1\" Key \"%2\" not found in Group \"\" !").arg(bare.getGeneralLogInfo());
-    messages().expectWarning("IniFileManager", warning.arg(QStringLiteral("Position")));
+    messages().expectWarning("IniFileManager", warning.arg("Position"));
     messages().expectWarning("IniFileManager", warning.arg(key));
     QCOMPARE(bare.getValueString(0, key, defaultText), defaultText);
 }
 
 void tst_IniFileManagerIndexed::changesOfAnotherManagerCount()
 {
-    const QString position = QStringLiteral("Position");
+    const QString position = "Position";
     writeIni("[a]\nPosition=0\nk=1\n[b]\nPosition=1\nk=2\n");
     const IniFileManager manager(iniFile(), nullptr);
     IniFileManager other(iniFile(), nullptr);
     QCOMPARE(manager.getValueInteger(0, key, 99), 1);
 
-    other.setValue(QStringLiteral("a"), position, 1);
-    other.setValue(QStringLiteral("b"), position, 0);
+    other.setValue("a", position, 1);
+    other.setValue("b", position, 0);
     QCOMPARE(manager.getValueInteger(0, key, 99), 2);
     QCOMPARE(manager.getValueInteger(1, key, 99), 1);
 
     // A new group raises the bound, and may push others back in the list.
-    expectIniWarning(QStringLiteral("Invalid group index!"));
+    expectIniWarning("Invalid group index!");
     QCOMPARE(manager.getValueInteger(2, key, 99), 99);
-    other.setValue(QStringLiteral("A"), position, 2);
-    other.setValue(QStringLiteral("A"), key, 3);
+    other.setValue("A", position, 2);
+    other.setValue("A", key, 3);
     QCOMPARE(manager.getValueInteger(2, key, 99), 3);
     int groupIndex = untouched;
     QVERIFY(manager.searchIndex(0, groupIndex));
     QCOMPARE(groupIndex, 2);
 
-    other.removeValue(QStringLiteral("b"), position);
-    other.removeValue(QStringLiteral("b"), key);
-    expectIniWarning(QStringLiteral("Index not found in group!"));
+    other.removeValue("b", position);
+    other.removeValue("b", key);
+    expectIniWarning("Index not found in group!");
     QCOMPARE(manager.getValueInteger(0, key, 99), 99);
-    expectIniWarning(QStringLiteral("Invalid group index!"));
+    expectIniWarning("Invalid group index!");
     QCOMPARE(manager.getValueInteger(2, key, 99), 99);
 }
 
@@ -453,7 +445,7 @@ void tst_IniFileManagerIndexed::searchSeesWhatAHandlerReadsAnew()
     messages().setObserver([this, &manager](const Message&) {
         writeIni("B\\Position=7\n[A]\nk=1\n[B]\nPosition=1\n[B/A]\nx=1\n");
         manager.sync();
-        QVERIFY(!manager.containsGeneral(QStringLiteral("none")));
+        QVERIFY(!manager.containsGeneral("none"));
     });
     int groupIndex = untouched;
     const bool isFound = manager.searchIndex(1, groupIndex);

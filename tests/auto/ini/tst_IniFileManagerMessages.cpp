@@ -40,10 +40,10 @@ void tst_IniFileManagerMessages::warning_data()
         QTest::newRow(situation) << call << QString::fromLatin1(items) << QByteArray(signature)
                                  << result;
     };
-    const QString net = QStringLiteral("Net");
-    const QString name = QStringLiteral("Name");
-    const QString none = QStringLiteral("none");
-    const QString word = QStringLiteral("word");
+    const QString net = "Net";
+    const QString name = "Name";
+    const QString none = "none";
+    const QString word = "word";
 
     const char setGeneralValue[] =
         "void IniFileManager::setGeneralValue(const QString&, const QVariant&)";
@@ -278,8 +278,8 @@ void tst_IniFileManagerMessages::handlerUsesTheObject()
     int handled = 0;
     messages().setObserver([&manager, &handled](const Message&) {
         ++handled;
-        const QString net = QStringLiteral("Net");
-        const QString port = QStringLiteral("Port");
+        const QString net = "Net";
+        const QString port = "Port";
         QCOMPARE(manager.getGroups(), words("Net Z"));
         QCOMPARE(manager.getCount(), 2);
         QCOMPARE(manager.getGroups(QStringLiteral("N")), words("Net"));
@@ -289,7 +289,7 @@ void tst_IniFileManagerMessages::handlerUsesTheObject()
         QCOMPARE(manager.getChildKeys(net), words("Name Port Position"));
         QCOMPARE(manager.getGroupValues(net).size(), 3);
         QCOMPARE(manager.getGeneralValueInteger(QStringLiteral("top"), 0), 1);
-        QVERIFY(manager.containsGeneral(QStringLiteral("top")));
+        QVERIFY(manager.containsGeneral("top"));
         QCOMPARE(manager.getGeneralChildKeys(), words("top word"));
         int groupIndex = -1;
         QVERIFY(manager.searchIndex(1, groupIndex));
@@ -309,17 +309,17 @@ void tst_IniFileManagerMessages::handlerWritesThroughTheObject()
 {
     writeIni(content());
     IniFileManager manager(iniFile(), nullptr);
-    const QString net = QStringLiteral("Net");
-    const QString none = QStringLiteral("none");
+    const QString net = "Net";
+    const QString none = "none";
     // The handler supplies the very key that was missed: the miss stands, the next look-up finds
     // it.
     messages().setObserver([&](const Message&) {
         manager.setValue(net, none, 9);
         manager.setGeneralValue(none, 10);
-        manager.removeValue(QStringLiteral("Z"), QStringLiteral("k"));
-        manager.removeValue(QStringLiteral("Z"), QStringLiteral("Position"));
+        manager.removeValue("Z", "k");
+        manager.removeValue("Z", "Position");
     });
-    expectIniWarning(QStringLiteral("Key \"none\" not found in Group \"Net\" !"));
+    expectIniWarning("Key \"none\" not found in Group \"Net\" !");
     QCOMPARE(manager.getValueInteger(net, none, 7), 7);
     messages().setObserver(nullptr);
 

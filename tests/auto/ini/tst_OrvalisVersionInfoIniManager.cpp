@@ -8,9 +8,9 @@
 
 namespace {
 
-const QString filePath = QStringLiteral("/orvalis/etc/OrvalisVersionInfo.ini");
-const QString groupApplication = QStringLiteral("ApplicationVersion");
-const QString groupGeneral = QStringLiteral("General");
+const QString filePath = "/orvalis/etc/OrvalisVersionInfo.ini";
+const QString groupApplication = "ApplicationVersion";
+const QString groupGeneral = "General";
 
 using Name = const QString& (*)();
 using Getter = QString (OrvalisVersionInfoIniManager::*)() const;
@@ -48,15 +48,13 @@ void tst_OrvalisVersionInfoIniManager::publishedNames_data()
 
     using Manager = OrvalisVersionInfoIniManager;
     QTest::newRow("file name") << Name(&Manager::getFileNameOrvalisVersionInfoIni)
-                               << QStringLiteral("OrvalisVersionInfo.ini");
-    QTest::newRow("general") << Name(&Manager::getGroupNameGeneral) << QStringLiteral("General");
+                               << "OrvalisVersionInfo.ini";
+    QTest::newRow("general") << Name(&Manager::getGroupNameGeneral) << "General";
     QTest::newRow("application") << Name(&Manager::getGroupNameApplicationVersion)
-                                 << QStringLiteral("ApplicationVersion");
-    QTest::newRow("version") << Name(&Manager::getKeyVersion) << QStringLiteral("Version");
-    QTest::newRow("product code") << Name(&Manager::getKeyProductCode)
-                                  << QStringLiteral("ProductCode");
-    QTest::newRow("creation date")
-        << Name(&Manager::getKeyCreationDate) << QStringLiteral("CreationDate");
+                                 << "ApplicationVersion";
+    QTest::newRow("version") << Name(&Manager::getKeyVersion) << "Version";
+    QTest::newRow("product code") << Name(&Manager::getKeyProductCode) << "ProductCode";
+    QTest::newRow("creation date") << Name(&Manager::getKeyCreationDate) << "CreationDate";
 }
 
 void tst_OrvalisVersionInfoIniManager::publishedNames()
@@ -107,10 +105,9 @@ void tst_OrvalisVersionInfoIniManager::values_data()
             QTest::addRow("%s, %s", source.name, situation)
                 << source.getter << QString::fromLatin1(key) << source.group << content << value;
         };
-        newRow("there", section + key + "=640917\n", QStringLiteral("640917"));
-        newRow("as it stands", section + key + "=\" 2026-11-15 / x \"\n",
-               QStringLiteral(" 2026-11-15 / x "));
-        newRow("empty", section + key + "=\n", QStringLiteral(""));
+        newRow("there", section + key + "=640917\n", "640917");
+        newRow("as it stands", section + key + "=\" 2026-11-15 / x \"\n", " 2026-11-15 / x ");
+        newRow("empty", section + key + "=\n", "");
         newRow("Latin-1", section + key + "=\xe4\xc3\xbc\n", QString::fromLatin1("\xe4\xc3\xbc"));
         newRow("no key", section + "Other=1\n", QString());
         newRow("other case", section + key.toLower() + "=1\n", QString());
@@ -118,12 +115,11 @@ void tst_OrvalisVersionInfoIniManager::values_data()
         newRow("empty file", QByteArray(), QString());
         // [General] holds what is outside every group.
         newRow("only [General]", "[General]\n" + key + "=1\n", QString());
-        newRow("[General] and its own", "[General]\n" + key + "=1\n" + section + key + "=2\n",
-               QStringLiteral("2"));
+        newRow("[General] and its own", "[General]\n" + key + "=1\n" + section + key + "=2\n", "2");
     }
     QTest::newRow("creation date, with the application's")
-        << Getter(&OrvalisVersionInfoIniManager::getCreationDate) << QStringLiteral("CreationDate")
-        << groupGeneral << QByteArray("[ApplicationVersion]\nCreationDate=1\n") << QString();
+        << Getter(&OrvalisVersionInfoIniManager::getCreationDate) << "CreationDate" << groupGeneral
+        << QByteArray("[ApplicationVersion]\nCreationDate=1\n") << QString();
 }
 
 void tst_OrvalisVersionInfoIniManager::values()
@@ -151,18 +147,15 @@ void tst_OrvalisVersionInfoIniManager::missingFile()
         const OrvalisVersionInfoIniManager manager;
         QCOMPARE(messages().takeProblems(), QStringList());
 
-        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("Version"),
-                                      groupApplication);
+        IniWarnings::expectMissingKey(messages(), filePath, "Version", groupApplication);
         QCOMPARE(manager.getApplicationVersion(), QString());
-        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("ProductCode"),
-                                      groupApplication);
+        IniWarnings::expectMissingKey(messages(), filePath, "ProductCode", groupApplication);
         QCOMPARE(manager.getProductCode(), QString());
-        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("CreationDate"),
-                                      groupGeneral);
+        IniWarnings::expectMissingKey(messages(), filePath, "CreationDate", groupGeneral);
         QCOMPARE(manager.getCreationDate(), QString());
         QCoreApplication::processEvents();
     }
-    QVERIFY(!QFileInfo::exists(QStringLiteral("/orvalis")));
+    QVERIFY(!QFileInfo::exists("/orvalis"));
 }
 
 void tst_OrvalisVersionInfoIniManager::fileIsNotTouched()

@@ -7,7 +7,7 @@
 
 namespace {
 
-const QString filePath = QStringLiteral("/etc/rauc/system.conf");
+const QString filePath = "/etc/rauc/system.conf";
 
 } // namespace
 
@@ -38,8 +38,7 @@ private:
 
 void tst_RaucSystemConfigIniManager::expectMissingIndex()
 {
-    IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("compatible"),
-                                  QStringLiteral("system"));
+    IniWarnings::expectMissingKey(messages(), filePath, "compatible", "system");
 }
 
 void tst_RaucSystemConfigIniManager::number_data()
@@ -47,18 +46,18 @@ void tst_RaucSystemConfigIniManager::number_data()
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<QString>("index");
 
-    QTest::newRow("one digit") << QByteArray("7") << QStringLiteral("7");
-    QTest::newRow("zero") << QByteArray("0") << QStringLiteral("0");
-    QTest::newRow("negative") << QByteArray("-1") << QStringLiteral("-1");
-    QTest::newRow("plus sign") << QByteArray("+7") << QStringLiteral("7");
-    QTest::newRow("leading zeros") << QByteArray("007") << QStringLiteral("7");
-    QTest::newRow("blanks around") << QByteArray("  7  ") << QStringLiteral("7");
-    QTest::newRow("quoted") << QByteArray("\"7\"") << QStringLiteral("7");
-    QTest::newRow("largest") << QByteArray("2147483647") << QStringLiteral("2147483647");
-    QTest::newRow("smallest") << QByteArray("-2147483648") << QStringLiteral("-2147483648");
+    QTest::newRow("one digit") << QByteArray("7") << "7";
+    QTest::newRow("zero") << QByteArray("0") << "0";
+    QTest::newRow("negative") << QByteArray("-1") << "-1";
+    QTest::newRow("plus sign") << QByteArray("+7") << "7";
+    QTest::newRow("leading zeros") << QByteArray("007") << "7";
+    QTest::newRow("blanks around") << QByteArray("  7  ") << "7";
+    QTest::newRow("quoted") << QByteArray("\"7\"") << "7";
+    QTest::newRow("largest") << QByteArray("2147483647") << "2147483647";
+    QTest::newRow("smallest") << QByteArray("-2147483648") << "-2147483648";
     // A text converts through 64 bits, of which the lower half counts.
-    QTest::newRow("one too large") << QByteArray("2147483648") << QStringLiteral("-2147483648");
-    QTest::newRow("64 bits") << QByteArray("4294967303") << QStringLiteral("7");
+    QTest::newRow("one too large") << QByteArray("2147483648") << "-2147483648";
+    QTest::newRow("64 bits") << QByteArray("4294967303") << "7";
 }
 
 void tst_RaucSystemConfigIniManager::number()
@@ -90,8 +89,7 @@ void tst_RaucSystemConfigIniManager::noNumber_data()
     newRow("more than 64 bits", "99999999999999999999");
     newRow("two numbers", "7 7");
     newRow("Latin-1", "\xe4\xc3\xbc");
-    QTest::newRow("list") << QByteArray("7,8")
-                          << QStringLiteral("QVariant(QStringList, (\"7\", \"8\"))");
+    QTest::newRow("list") << QByteArray("7,8") << "QVariant(QStringList, (\"7\", \"8\"))";
 }
 
 void tst_RaucSystemConfigIniManager::noNumber()
@@ -139,7 +137,7 @@ void tst_RaucSystemConfigIniManager::missingFile()
         QCOMPARE(manager.getDeviceIndex(), QStringLiteral("0"));
         QCoreApplication::processEvents();
     }
-    QVERIFY(!QFileInfo::exists(QStringLiteral("/etc/rauc")));
+    QVERIFY(!QFileInfo::exists("/etc/rauc"));
 }
 
 void tst_RaucSystemConfigIniManager::fileIsNotTouched()

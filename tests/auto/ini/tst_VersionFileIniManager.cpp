@@ -8,8 +8,8 @@
 
 namespace {
 
-const QString filePath = QStringLiteral("/orvalis/VersionFile.ini");
-const QString group = QStringLiteral("MainVersion");
+const QString filePath = "/orvalis/VersionFile.ini";
+const QString group = "MainVersion";
 
 using Name = const QString& (*)();
 
@@ -43,9 +43,9 @@ void tst_VersionFileIniManager::publishedNames_data()
     QTest::addColumn<QString>("text");
 
     QTest::newRow("file name") << Name(&VersionFileIniManager::getFileNameVersionFile)
-                               << QStringLiteral("VersionFile.ini");
+                               << "VersionFile.ini";
     QTest::newRow("section") << Name(&VersionFileIniManager::getSectionNameMainVersion)
-                             << QStringLiteral("MainVersion");
+                             << "MainVersion";
 }
 
 void tst_VersionFileIniManager::publishedNames()
@@ -70,14 +70,15 @@ void tst_VersionFileIniManager::values_data()
     QTest::addColumn<QString>("hash");
 
     const QString missing;
-    const QString empty = QStringLiteral("");
+    const QString empty = "";
     QTest::newRow("both")
         << QByteArray("[MainVersion]\nVersionString=V8.12.3-45\nVersionStringHash=ab12\n")
-        << QStringLiteral("V8.12.3-45") << QStringLiteral("ab12");
-    QTest::newRow("no hash") << QByteArray("[MainVersion]\nVersionString=1.2.3\n")
-                             << QStringLiteral("1.2.3") << missing;
+        << "V8.12.3-45"
+        << "ab12";
+    QTest::newRow("no hash") << QByteArray("[MainVersion]\nVersionString=1.2.3\n") << "1.2.3"
+                             << missing;
     QTest::newRow("no version") << QByteArray("[MainVersion]\nVersionStringHash=ab12\n") << missing
-                                << QStringLiteral("ab12");
+                                << "ab12";
     QTest::newRow("empty values") << QByteArray(
                                          "[MainVersion]\nVersionString=\nVersionStringHash=\n")
                                   << empty << empty;
@@ -92,16 +93,17 @@ void tst_VersionFileIniManager::values_data()
         << QByteArray("VersionString=1.2.3\nVersionStringHash=ab12\n") << missing << missing;
     QTest::newRow("subgroup of the name")
         << QByteArray("[MainVersion]\nVersionString\\x=1\nVersionStringHash=ab12\n") << missing
-        << QStringLiteral("ab12");
+        << "ab12";
     QTest::newRow("neither parsed nor checked")
         << QByteArray("[MainVersion]\nVersionString=\" no.version \"\nVersionStringHash=#?!\n")
-        << QStringLiteral(" no.version ") << QStringLiteral("#?!");
+        << " no.version "
+        << "#?!";
     QTest::newRow("bytes beyond ASCII are Latin-1")
         << QByteArray("[MainVersion]\nVersionString=\xe4\nVersionStringHash=\xc3\xbc\n")
         << QString(QChar(0xe4)) << QString(QChar(0xc3)) + QChar(0xbc);
     QTest::newRow("a comma makes a list, which is no text")
         << QByteArray("[MainVersion]\nVersionString=1,2\nVersionStringHash=\"1,2\"\n") << empty
-        << QStringLiteral("1,2");
+        << "1,2";
 }
 
 void tst_VersionFileIniManager::values()
@@ -114,12 +116,11 @@ void tst_VersionFileIniManager::values()
     DeviceRoot::writeFile(filePath, content);
     const VersionFileIniManager manager;
     if (version.isNull()) {
-        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("VersionString"), group);
+        IniWarnings::expectMissingKey(messages(), filePath, "VersionString", group);
     }
     QCOMPARE(manager.getMainVersionVersionString(), version);
     if (hash.isNull()) {
-        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("VersionStringHash"),
-                                      group);
+        IniWarnings::expectMissingKey(messages(), filePath, "VersionStringHash", group);
     }
     QCOMPARE(manager.getVersionStringHash(), hash);
 }
@@ -132,14 +133,13 @@ void tst_VersionFileIniManager::missingFile()
         const VersionFileIniManager manager;
         QCOMPARE(messages().takeProblems(), QStringList());
 
-        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("VersionString"), group);
+        IniWarnings::expectMissingKey(messages(), filePath, "VersionString", group);
         QCOMPARE(manager.getMainVersionVersionString(), QString());
-        IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("VersionStringHash"),
-                                      group);
+        IniWarnings::expectMissingKey(messages(), filePath, "VersionStringHash", group);
         QCOMPARE(manager.getVersionStringHash(), QString());
         QCoreApplication::processEvents();
     }
-    QVERIFY(!QFileInfo::exists(QStringLiteral("/orvalis")));
+    QVERIFY(!QFileInfo::exists("/orvalis"));
 }
 
 void tst_VersionFileIniManager::fileIsNotTouched()
@@ -161,9 +161,9 @@ void tst_VersionFileIniManager::changedFileIsReadByTheNextObject()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     DeviceRoot::writeFile(filePath, "[MainVersion]\nVersionString=1.2.3\n");
-    QCOMPARE(VersionFileIniManager().getMainVersionVersionString(), QStringLiteral("1.2.3"));
+    QCOMPARE(VersionFileIniManager().getMainVersionVersionString(), "1.2.3");
     DeviceRoot::writeFile(filePath, "[MainVersion]\nVersionString=1.2.4\n");
-    QCOMPARE(VersionFileIniManager().getMainVersionVersionString(), QStringLiteral("1.2.4"));
+    QCOMPARE(VersionFileIniManager().getMainVersionVersionString(), "1.2.4");
 }
 
 QTEST_GUILESS_MAIN(tst_VersionFileIniManager)

@@ -44,7 +44,7 @@ QString hex(const QByteArray& bytes)
 
 int openDescriptors()
 {
-    return QDir(QStringLiteral("/proc/self/fd"))
+    return QDir("/proc/self/fd")
         .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
         .size();
 }
@@ -169,27 +169,21 @@ private:
     void expectNotOpen(int times)
     {
         for (int i = 0; i < times; ++i) {
-            messages().expect(QtWarningMsg,
-                              QStringLiteral("QIODevice::read (QProcess): device not open"));
+            messages().expect(QtWarningMsg, "QIODevice::read (QProcess): device not open");
         }
     }
 
     // The arguments of a program that waits for release(), and leaves a file when it ends.
-    QStringList waiting() const
-    {
-        return {QStringLiteral("wait-for"), path(QStringLiteral("go")),
-                path(QStringLiteral("done"))};
-    }
+    QStringList waiting() const { return {"wait-for", path("go"), path("done")}; }
 
-    void release() const { writeFile(QStringLiteral("go"), QByteArray()); }
+    void release() const { writeFile("go", QByteArray()); }
 
     // Starts the waiting program and sees the time-out.
     void startWaiting(QProcessHandler& handler)
     {
         handler.setWaitForFinishedTimeout(shortTimeoutInMs);
-        expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
-                                  waiting().join(QLatin1Char(' ')), QStringLiteral("early output"),
-                                  QStringLiteral("early error")));
+        expectWarning(warningText("Timeout from command ", testProgram(),
+                                  waiting().join(QLatin1Char(' ')), "early output", "early error"));
         QCOMPARE(handler.startProcess(testProgram(), waiting()), -1);
     }
 };
@@ -224,10 +218,8 @@ void tst_QProcessHandler::exitCodes()
     QProcessHandler handler;
     for (int exitCode = 0; exitCode <= 255; ++exitCode) {
         // The shell begins sooner than the test program.
-        QCOMPARE(
-            handler.startProcess(QStringLiteral("/bin/sh"),
-                                 {QStringLiteral("-c"), QStringLiteral("exit %1").arg(exitCode)}),
-            exitCode);
+        QCOMPARE(handler.startProcess("/bin/sh", {"-c", QStringLiteral("exit %1").arg(exitCode)}),
+                 exitCode);
         QCOMPARE(handler.getLastExitStatus(), 0);
     }
 }
@@ -249,9 +241,7 @@ void tst_QProcessHandler::deathBySignal()
 
     QProcessHandler handler;
     // The code that QProcess has is the signal.
-    QCOMPARE(
-        handler.startProcess(testProgram(), {QStringLiteral("signal"), QString::number(signal)}),
-        signal);
+    QCOMPARE(handler.startProcess(testProgram(), {"signal", QString::number(signal)}), signal);
     QCOMPARE(handler.getLastExitStatus(), 1);
     QVERIFY(handler.getStandardOutput().isNull());
     QVERIFY(handler.getStandardError().isNull());
@@ -266,13 +256,13 @@ void tst_QProcessHandler::outputIsDecoded_data()
     QTest::addColumn<QString>("text");
 
     QTest::newRow("nothing") << QByteArray() << QString();
-    QTest::newRow("text") << QByteArray("one\ntwo\n") << QStringLiteral("one\ntwo\n");
-    QTest::newRow("carriage returns") << QByteArray("one\r\n") << QStringLiteral("one\r\n");
-    QTest::newRow("zero byte") << QByteArray("a\0b", 3) << QStringLiteral("a");
-    QTest::newRow("zero byte first") << QByteArray("\0b", 2) << QStringLiteral("");
+    QTest::newRow("text") << QByteArray("one\ntwo\n") << "one\ntwo\n";
+    QTest::newRow("carriage returns") << QByteArray("one\r\n") << "one\r\n";
+    QTest::newRow("zero byte") << QByteArray("a\0b", 3) << "a";
+    QTest::newRow("zero byte first") << QByteArray("\0b", 2) << "";
     QTest::newRow("UTF-8") << QByteArray("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80")
                            << QStringLiteral("\u00e4\u20ac\U0001f600");
-    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfone") << QStringLiteral("one");
+    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfone") << "one";
     QTest::newRow("not UTF-8") << QByteArray("a\xff\xe4z") << QStringLiteral("a\ufffd\ufffdz");
 }
 
@@ -285,8 +275,8 @@ void tst_QProcessHandler::outputIsDecoded()
         return actual == expected && actual.isNull() == expected.isNull();
     };
     QProcessHandler handler;
-    const QString write = QStringLiteral("write");
-    const QString other = QStringLiteral("other");
+    const QString write = "write";
+    const QString other = "other";
     QCOMPARE(handler.startProcess(testProgram(), {write, hex(bytes), hex("other")}), 0);
     QVERIFY2(check(handler.getStandardOutput(), text), qPrintable(handler.getStandardOutput()));
     QCOMPARE(handler.getStandardError(), other);
@@ -303,8 +293,8 @@ void tst_QProcessHandler::outputIsUtf8InEveryLocale()
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
     QProcessHandler handler;
     // The program's own path is encoded with that codec, too; it may hold more than ASCII.
-    const int exitCode = handler.startProcess(
-        QFile::decodeName(program), {QStringLiteral("write"), hex("\xc3\xa4"), hex("\xc3\xb6")});
+    const int exitCode = handler.startProcess(QFile::decodeName(program),
+                                              {"write", hex("\xc3\xa4"), hex("\xc3\xb6")});
     QTextCodec::setCodecForLocale(before);
     QCOMPARE(exitCode, 0);
     QCOMPARE(handler.getStandardOutput(), QStringLiteral("\u00e4"));
@@ -342,13 +332,10 @@ void tst_QProcessHandler::argumentsArriveUnchanged_data()
     QTest::addColumn<QStringList>("arguments");
 
     QTest::newRow("none") << QStringList();
-    QTest::newRow("blanks") << QStringList{QStringLiteral("a b"), QStringLiteral(" c  "),
-                                           QStringLiteral("\t\n")};
-    QTest::newRow("quotation marks")
-        << QStringList{QStringLiteral("\"a\""), QStringLiteral("'b c'"), QStringLiteral("\\\"")};
-    QTest::newRow("empty") << QStringList{QString(), QStringLiteral("a"), QStringLiteral("")};
-    QTest::newRow("shell syntax") << QStringList{QStringLiteral("$HOME"), QStringLiteral("*"),
-                                                 QStringLiteral(";exit 1"), QStringLiteral("~")};
+    QTest::newRow("blanks") << QStringList{"a b", " c  ", "\t\n"};
+    QTest::newRow("quotation marks") << QStringList{"\"a\"", "'b c'", "\\\""};
+    QTest::newRow("empty") << QStringList{QString(), "a", ""};
+    QTest::newRow("shell syntax") << QStringList{"$HOME", "*", ";exit 1", "~"};
     QTest::newRow("not ASCII") << QStringList{QStringLiteral("\u00e4\u20ac\U0001f600")};
 }
 
@@ -361,9 +348,7 @@ void tst_QProcessHandler::argumentsArriveUnchanged()
     for (const QString& argument : arguments) {
         expected += hex(QFile::encodeName(argument)) + QLatin1Char('\n');
     }
-    QCOMPARE(
-        handler.startProcess(testProgram(), QStringList(QStringLiteral("arguments")) + arguments),
-        0);
+    QCOMPARE(handler.startProcess(testProgram(), QStringList("arguments") + arguments), 0);
     QCOMPARE(handler.getStandardOutput(), expected);
 }
 
@@ -373,8 +358,7 @@ void tst_QProcessHandler::programIsFoundInThePath()
     const QFileInfo program(testProgram());
     qputenv("PATH", QFile::encodeName(program.path()));
     QProcessHandler handler;
-    const int exitCode =
-        handler.startProcess(program.fileName(), {QStringLiteral("exit"), QStringLiteral("3")});
+    const int exitCode = handler.startProcess(program.fileName(), {"exit", "3"});
     qputenv("PATH", before);
     QCOMPARE(exitCode, 3);
 }
@@ -387,25 +371,22 @@ void tst_QProcessHandler::programThatCannotBeStarted_data()
     QTest::addColumn<QString>("shownArguments");
 
     // A relative program is one in the row's folder.
-    QTest::newRow("unknown") << QStringLiteral("/nowhere/to/be/found") << QByteArray()
-                             << QStringList{QStringLiteral("a"), QStringLiteral("b c")}
-                             << QStringLiteral("a b c");
-    QTest::newRow("unknown in the path") << QStringLiteral("no-such-program-in-the-path")
-                                         << QByteArray() << QStringList() << QString();
+    QTest::newRow("unknown") << "/nowhere/to/be/found" << QByteArray() << QStringList{"a", "b c"}
+                             << "a b c";
+    QTest::newRow("unknown in the path")
+        << "no-such-program-in-the-path" << QByteArray() << QStringList() << QString();
     QTest::newRow("quotation marks in the arguments")
-        << QStringLiteral("/nowhere") << QByteArray() << QStringList{QStringLiteral("\"a\"")}
-        << QStringLiteral("\\\"a\\\"");
-    QTest::newRow("empty arguments") << QStringLiteral("/nowhere") << QByteArray()
-                                     << QStringList{QString(), QString()} << QStringLiteral(" ");
+        << "/nowhere" << QByteArray() << QStringList{"\"a\""} << "\\\"a\\\"";
+    QTest::newRow("empty arguments")
+        << "/nowhere" << QByteArray() << QStringList{QString(), QString()} << " ";
     QTest::newRow("not ASCII") << QStringLiteral("/nowhere/\u00e4") << QByteArray()
                                << QStringList{QStringLiteral("\u20ac")} << QStringLiteral("\u20ac");
-    QTest::newRow("directory") << QStringLiteral("/") << QByteArray() << QStringList() << QString();
+    QTest::newRow("directory") << "/" << QByteArray() << QStringList() << QString();
     QTest::newRow("no permission to execute")
-        << QStringLiteral("script") << QByteArray("#!/bin/sh\n") << QStringList() << QString();
+        << "script" << QByteArray("#!/bin/sh\n") << QStringList() << QString();
     QTest::newRow("unknown interpreter")
-        << QStringLiteral("script") << QByteArray("#!/nowhere\n") << QStringList() << QString();
-    QTest::newRow("not a program")
-        << QStringLiteral("script") << QByteArray("text") << QStringList() << QString();
+        << "script" << QByteArray("#!/nowhere\n") << QStringList() << QString();
+    QTest::newRow("not a program") << "script" << QByteArray("text") << QStringList() << QString();
 }
 
 void tst_QProcessHandler::programThatCannotBeStarted()
@@ -424,8 +405,7 @@ void tst_QProcessHandler::programThatCannotBeStarted()
     QProcessHandler handler;
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}), 0);
 
-    expectWarning(
-        warningText(QStringLiteral("Timeout on starting command "), program, shownArguments));
+    expectWarning(warningText("Timeout on starting command ", program, shownArguments));
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(handler.startProcess(program, arguments), -1);
@@ -435,13 +415,12 @@ void tst_QProcessHandler::programThatCannotBeStarted()
     // QProcess knows of no crash.
     QCOMPARE(handler.getLastExitStatus(), 0);
 
-    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), QStringLiteral("4")}), 4);
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), "4"}), 4);
 }
 
 void tst_QProcessHandler::noProgramAtAll()
 {
-    const QString warning =
-        warningText(QStringLiteral("Timeout on starting command "), QString(), QStringLiteral("a"));
+    const QString warning = warningText("Timeout on starting command ", QString(), "a");
     QProcessHandler handler;
     // QProcess turns it down before it opens anything to read from.
     expectNotOpen(2);
@@ -453,8 +432,7 @@ void tst_QProcessHandler::noProgramAtAll()
     QCOMPARE(handler.getLastExitStatus(), 0);
 
     // Nothing started, so QProcess still has the exit status of the run before.
-    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("signal"), QStringLiteral("9")}),
-             9);
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("signal"), "9"}), 9);
     expectWarning(warning);
     QCOMPARE(handler.startProcess(QString(), {QStringLiteral("a")}), -1);
     QCOMPARE(handler.getLastExitStatus(), 1);
@@ -463,14 +441,13 @@ void tst_QProcessHandler::noProgramAtAll()
 void tst_QProcessHandler::missingWorkingDirectory()
 {
     QProcessHandler handler;
-    handler.setWorkingDirectory(path(QStringLiteral("missing")));
+    handler.setWorkingDirectory(path("missing"));
     for (int i = 0; i < 2; ++i) {
-        expectWarning(warningText(QStringLiteral("Timeout on starting command "), testProgram(),
-                                  QStringLiteral("cwd")));
+        expectWarning(warningText("Timeout on starting command ", testProgram(), "cwd"));
         QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), -1);
         QCOMPARE(handler.getLastExitStatus(), 0);
     }
-    QVERIFY(QDir(folder()).mkdir(QStringLiteral("missing")));
+    QVERIFY(QDir(folder()).mkdir("missing"));
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
     QCOMPARE(handler.getStandardOutput(), path(QStringLiteral("missing")));
 }
@@ -478,32 +455,30 @@ void tst_QProcessHandler::missingWorkingDirectory()
 void tst_QProcessHandler::missingStandardInputFile()
 {
     QProcessHandler handler;
-    handler.setStandardInputFile(path(QStringLiteral("missing")));
-    expectWarning(warningText(QStringLiteral("Timeout on starting command "), testProgram(),
-                              QStringLiteral("echo")));
+    handler.setStandardInputFile(path("missing"));
+    expectWarning(warningText("Timeout on starting command ", testProgram(), "echo"));
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), -1);
     QCOMPARE(handler.getLastExitStatus(), 0);
 
-    writeFile(QStringLiteral("missing"), "found");
+    writeFile("missing", "found");
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), 0);
     QCOMPARE(handler.getStandardOutput(), QStringLiteral("found"));
 }
 
 void tst_QProcessHandler::startTimeout()
 {
-    const QString program = path(QStringLiteral("program"));
+    const QString program = path("program");
     QVERIFY(QFile::copy(testProgram(), program));
     HeldProgram held(program);
     if (!held.isHeld()) {
         MISCTOOLS_SKIP("needs file leases");
     }
     release();
-    const QString done = path(QStringLiteral("done"));
-    const QString text = QStringLiteral("Timeout on starting command ");
+    const QString done = path("done");
+    const QString text = "Timeout on starting command ";
 
     QProcessHandler handler;
-    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("signal"), QStringLiteral("9")}),
-             9);
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("signal"), "9"}), 9);
     handler.setWaitForStartedTimeout(50);
     expectWarning(warningText(text, program, waiting().join(QLatin1Char(' '))));
     QElapsedTimer timer;
@@ -517,8 +492,8 @@ void tst_QProcessHandler::startTimeout()
 
     // It still starts, so no other one can.
     handler.setWaitForStartedTimeout(0);
-    messages().expect(QtWarningMsg, QStringLiteral("QProcess::start: Process is already running"));
-    expectWarning(warningText(text, QStringLiteral("other"), QString()));
+    messages().expect(QtWarningMsg, "QProcess::start: Process is already running");
+    expectWarning(warningText(text, "other", QString()));
     QCOMPARE(handler.startProcess(QStringLiteral("other"), {}), -1);
     QVERIFY(!QFile::exists(done));
 
@@ -530,12 +505,12 @@ void tst_QProcessHandler::startTimeout()
     QCOMPARE(handler.getStandardError(), QStringLiteral("early errorlate error"));
 
     handler.setWaitForStartedTimeout(hangInMs);
-    QCOMPARE(handler.startProcess(program, {QStringLiteral("exit"), QStringLiteral("6")}), 6);
+    QCOMPARE(handler.startProcess(program, {QStringLiteral("exit"), "6"}), 6);
 }
 
 void tst_QProcessHandler::destructionKillsAProgramThatStarts()
 {
-    const QString program = path(QStringLiteral("program"));
+    const QString program = path("program");
     QVERIFY(QFile::copy(testProgram(), program));
     const HeldProgram held(program);
     if (!held.isHeld()) {
@@ -545,8 +520,7 @@ void tst_QProcessHandler::destructionKillsAProgramThatStarts()
     {
         QProcessHandler handler;
         handler.setWaitForStartedTimeout(50);
-        expectWarning(warningText(QStringLiteral("Timeout on starting command "), program,
-                                  QStringLiteral("echo")));
+        expectWarning(warningText("Timeout on starting command ", program, "echo"));
         QCOMPARE(handler.startProcess(program, {QStringLiteral("echo")}), -1);
         expectDestroyedWhileRunning(program);
     }
@@ -556,7 +530,7 @@ void tst_QProcessHandler::destructionKillsAProgramThatStarts()
 
 void tst_QProcessHandler::finishTimeout()
 {
-    const QString done = path(QStringLiteral("done"));
+    const QString done = path("done");
     QProcessHandler handler;
     QElapsedTimer timer;
     timer.start();
@@ -581,11 +555,10 @@ void tst_QProcessHandler::finishTimeoutShowsArguments_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("shown");
 
-    const QString echo = QStringLiteral("echo");
+    const QString echo = "echo";
     QTest::newRow("one") << QStringList{echo} << echo;
-    QTest::newRow("several") << QStringList{echo, QStringLiteral("a b"), QStringLiteral("\"")}
-                             << QStringLiteral("echo a b \\\"");
-    QTest::newRow("empty") << QStringList{echo, QString(), QString()} << QStringLiteral("echo  ");
+    QTest::newRow("several") << QStringList{echo, "a b", "\""} << "echo a b \\\"";
+    QTest::newRow("empty") << QStringList{echo, QString(), QString()} << "echo  ";
 }
 
 void tst_QProcessHandler::finishTimeoutShowsArguments()
@@ -593,7 +566,7 @@ void tst_QProcessHandler::finishTimeoutShowsArguments()
     QFETCH(QStringList, arguments);
     QFETCH(QString, shown);
 
-    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(), shown));
+    expectWarning(warningText("Timeout from command ", testProgram(), shown));
     expectDestroyedWhileRunning();
     QProcessHandler handler;
     handler.setWaitForFinishedTimeout(50);
@@ -615,8 +588,7 @@ void tst_QProcessHandler::outputAfterATimeoutIsKept()
 
 void tst_QProcessHandler::finishTimeoutOfNothing()
 {
-    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
-                              QStringLiteral("echo")));
+    expectWarning(warningText("Timeout from command ", testProgram(), "echo"));
     expectDestroyedWhileRunning();
     QProcessHandler handler;
     handler.setWaitForFinishedTimeout(0);
@@ -630,8 +602,7 @@ void tst_QProcessHandler::negativeTimeoutsAreNone()
     handler.setWaitForFinishedTimeout(-1);
     QElapsedTimer timer;
     timer.start();
-    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("delay"), QStringLiteral("200")}),
-             0);
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("delay"), "200"}), 0);
     QVERIFY(timer.elapsed() >= 200);
     QCOMPARE(handler.getLastExitStatus(), 0);
 }
@@ -642,15 +613,15 @@ void tst_QProcessHandler::secondStartWaitsForTheFirstProgram()
     startWaiting(handler);
     release();
     handler.setWaitForFinishedTimeout(hangInMs);
-    messages().expect(QtWarningMsg, QStringLiteral("QProcess::start: Process is already running"));
+    messages().expect(QtWarningMsg, "QProcess::start: Process is already running");
     // Code and output of the first one.
-    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), QStringLiteral("3")}), 7);
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), "3"}), 7);
     QCOMPARE(handler.getStandardOutput(), QStringLiteral("late output"));
     QCOMPARE(handler.getStandardError(), QStringLiteral("late error"));
     QCOMPARE(handler.getLastExitStatus(), 0);
     QVERIFY(!hasChildren());
 
-    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), QStringLiteral("3")}), 3);
+    QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), "3"}), 3);
     QVERIFY(handler.getStandardOutput().isNull());
 }
 
@@ -659,13 +630,10 @@ void tst_QProcessHandler::secondStartTimesOutOnTheFirstProgram()
     QProcessHandler handler;
     startWaiting(handler);
     handler.setWaitForFinishedTimeout(50);
-    messages().expect(QtWarningMsg, QStringLiteral("QProcess::start: Process is already running"));
+    messages().expect(QtWarningMsg, "QProcess::start: Process is already running");
     // It names the second one, which was never started.
-    expectWarning(warningText(QStringLiteral("Timeout from command "), QStringLiteral("other"),
-                              QStringLiteral("a b")));
-    QCOMPARE(
-        handler.startProcess(QStringLiteral("other"), {QStringLiteral("a"), QStringLiteral("b")}),
-        -1);
+    expectWarning(warningText("Timeout from command ", "other", "a b"));
+    QCOMPARE(handler.startProcess("other", {"a", "b"}), -1);
     QCOMPARE(handler.getLastExitStatus(), 0);
     expectDestroyedWhileRunning();
 }
@@ -689,8 +657,7 @@ void tst_QProcessHandler::standardInputStaysOpen()
 {
     QProcessHandler handler;
     handler.setWaitForFinishedTimeout(shortTimeoutInMs);
-    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
-                              QStringLiteral("echo")));
+    expectWarning(warningText("Timeout from command ", testProgram(), "echo"));
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), -1);
     QVERIFY(hasChildren());
     expectDestroyedWhileRunning();
@@ -700,7 +667,7 @@ void tst_QProcessHandler::settingsPersist()
 {
     QProcessHandler handler;
     handler.setWorkingDirectory(folder());
-    handler.setStandardInputFile(writeFile(QStringLiteral("input"), QByteArray(100000, 'i')));
+    handler.setStandardInputFile(writeFile("input", QByteArray(100000, 'i')));
     for (int i = 0; i < 3; ++i) {
         QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
         QCOMPARE(handler.getStandardOutput(), folder());
@@ -709,12 +676,11 @@ void tst_QProcessHandler::settingsPersist()
     }
 
     handler.setWaitForFinishedTimeout(50);
-    expectWarning(warningText(QStringLiteral("Timeout on starting command "),
-                              QStringLiteral("/nowhere"), QString()));
+    expectWarning(warningText("Timeout on starting command ", "/nowhere", QString()));
     QCOMPARE(handler.startProcess(QStringLiteral("/nowhere"), {}), -1);
-    const QStringList delay = {QStringLiteral("delay"), QString::number(hangInMs)};
-    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
-                              delay.join(QLatin1Char(' '))));
+    const QStringList delay = {"delay", QString::number(hangInMs)};
+    expectWarning(
+        warningText("Timeout from command ", testProgram(), delay.join(QLatin1Char(' '))));
     QCOMPARE(handler.startProcess(testProgram(), delay), -1);
     expectDestroyedWhileRunning();
 }
@@ -727,12 +693,11 @@ void tst_QProcessHandler::settingsCanBeTakenBack()
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
     QCOMPARE(handler.getStandardOutput(), QDir::currentPath());
 
-    handler.setStandardInputFile(QStringLiteral("/dev/null"));
+    handler.setStandardInputFile("/dev/null");
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), 0);
     handler.setStandardInputFile(QString());
     handler.setWaitForFinishedTimeout(50);
-    expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
-                              QStringLiteral("echo")));
+    expectWarning(warningText("Timeout from command ", testProgram(), "echo"));
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), -1);
     expectDestroyedWhileRunning();
 }
@@ -762,8 +727,7 @@ void tst_QProcessHandler::resultsAreClearedWhileTheProgramRuns()
         QVERIFY(handler.getStandardError().isNull());
         QCOMPARE(handler.getLastExitStatus(), 1);
     });
-    expectWarning(warningText(QStringLiteral("Timeout on starting command "),
-                              QStringLiteral("/nowhere"), QString()));
+    expectWarning(warningText("Timeout on starting command ", "/nowhere", QString()));
     QCOMPARE(handler.startProcess(QStringLiteral("/nowhere"), {}), -1);
     QCOMPARE(calls, 1);
 }
@@ -802,15 +766,15 @@ void tst_QProcessHandler::saveLastStatesBeforeTheFirstRun()
 
 void tst_QProcessHandler::destructionKillsTheProgram()
 {
-    const QString processIdFile = path(QStringLiteral("pid"));
+    const QString processIdFile = path("pid");
     const int descriptors = openDescriptors();
     pid_t processId = 0;
     {
         QProcessHandler handler;
         handler.setWaitForFinishedTimeout(50);
-        const QStringList arguments = {QStringLiteral("stay"), processIdFile};
-        expectWarning(warningText(QStringLiteral("Timeout from command "), testProgram(),
-                                  arguments.join(QLatin1Char(' '))));
+        const QStringList arguments = {"stay", processIdFile};
+        expectWarning(
+            warningText("Timeout from command ", testProgram(), arguments.join(QLatin1Char(' '))));
         QCOMPARE(handler.startProcess(testProgram(), arguments), -1);
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(processIdFile), hangInMs);
         processId = readFile(processIdFile).toInt();
@@ -828,24 +792,21 @@ void tst_QProcessHandler::destructionKillsTheProgram()
 void tst_QProcessHandler::thousandRunsLeaveNothingBehind()
 {
     // Begins sooner than the test program, above all under an emulator.
-    const QString shell = QStringLiteral("/bin/sh");
+    const QString shell = "/bin/sh";
     QProcessHandler handler;
     QCOMPARE(handler.startProcess(shell, {QStringLiteral("-c"), QStringLiteral(":")}), 0);
     const int descriptors = openDescriptors();
     const int runs = isEmulated() ? 100 : 1000;
     for (int i = 0; i < runs; ++i) {
         if (i % 10 == 0) {
-            expectWarning(warningText(QStringLiteral("Timeout on starting command "),
-                                      QStringLiteral("/nowhere"), QString()));
+            expectWarning(warningText("Timeout on starting command ", "/nowhere", QString()));
             QCOMPARE(handler.startProcess(QStringLiteral("/nowhere"), {}), -1);
         } else if (i % 10 == 5) {
             QProcessHandler other;
             QCOMPARE(other.startProcess(shell, {QStringLiteral("-c"), QStringLiteral("exit 5")}),
                      5);
         } else {
-            QCOMPARE(handler.startProcess(
-                         shell, {QStringLiteral("-c"), QStringLiteral("echo a; echo b >&2")}),
-                     0);
+            QCOMPARE(handler.startProcess(shell, {"-c", "echo a; echo b >&2"}), 0);
         }
         QVERIFY(!hasChildren());
     }

@@ -29,8 +29,7 @@ const QByteArray listDevice("for f in /orvalis /orvalis-reboot /etc/rauc; do "
 // The names in the machine's own /, and what of a device it has.
 QStringList machine()
 {
-    QStringList entries =
-        QDir(QStringLiteral("/")).entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
+    QStringList entries = QDir("/").entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
     for (const QString& folder : {QStringLiteral("/orvalis"), QStringLiteral("/etc/rauc")}) {
         QDirIterator iterator(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
                               QDirIterator::Subdirectories);
@@ -110,7 +109,7 @@ void tst_DeviceRoot::prepare()
 {
     m_currentFolder = folder();
     m_environment = QProcessEnvironment::systemEnvironment();
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("tree")));
+    QVERIFY(QDir(folder()).mkpath("tree"));
 }
 
 bool tst_DeviceRoot::isAvailable()
@@ -122,7 +121,7 @@ bool tst_DeviceRoot::isAvailable()
 
 QString tst_DeviceRoot::writeTreeFile(const QString& name, const QByteArray& content)
 {
-    const QString file = QStringLiteral("tree/") + name;
+    const QString file = "tree/" + name;
     QDir().mkpath(QFileInfo(path(file)).path());
     return writeFile(file, content);
 }
@@ -149,16 +148,15 @@ Result tst_DeviceRoot::runProgram(const QString& program, const QStringList& arg
 
 Result tst_DeviceRoot::runShell(const QByteArray& command, const QStringList& arguments)
 {
-    return runProgram(m_launcher, QStringList{path(QStringLiteral("tree")), QStringLiteral("sh"),
-                                              QStringLiteral("-c"), QString::fromUtf8(command),
-                                              QStringLiteral("sh")} +
-                                      arguments);
+    return runProgram(m_launcher,
+                      QStringList{path("tree"), "sh", "-c", QString::fromUtf8(command), "sh"} +
+                          arguments);
 }
 
 ChildResult tst_DeviceRoot::runAsOrdinaryUser(const QByteArray& command)
 {
     // A checkout may lie where an ordinary user may not look.
-    const QString launcher = path(QStringLiteral("launcher"));
+    const QString launcher = path("launcher");
     if (!QFile::exists(launcher) && !QFile::copy(m_launcher, launcher)) {
         qFatal("cannot copy the launcher");
     }
@@ -175,25 +173,25 @@ ChildResult tst_DeviceRoot::runAsOrdinaryUser(const QByteArray& command)
 
 void tst_DeviceRoot::forbidNamespaces()
 {
-    QDir().mkpath(path(QStringLiteral("bin")));
+    QDir().mkpath(path("bin"));
     const QString unshare = writeFile(
-        QStringLiteral("bin/unshare"),
+        "bin/unshare",
         "#!/bin/sh\necho 'unshare: unshare failed: Operation not permitted' >&2\nexit 1\n");
     QFile::setPermissions(unshare, QFile::ReadOwner | QFile::ExeOwner);
-    const QString searchPath = QStringLiteral("PATH");
-    m_environment.insert(searchPath, path(QStringLiteral("bin")) + QLatin1Char(':') +
-                                         m_environment.value(searchPath));
+    const QString searchPath = "PATH";
+    m_environment.insert(searchPath,
+                         path("bin") + QLatin1Char(':') + m_environment.value(searchPath));
 }
 
 void tst_DeviceRoot::filesStandAtTheirPaths()
 {
     NEED_NAMESPACES();
-    writeTreeFile(QStringLiteral("orvalis/VersionFile.ini"), "version");
-    writeTreeFile(QStringLiteral("orvalis/etc/OrvalisVersionInfo.ini"), "info");
-    writeTreeFile(QStringLiteral("orvalis/etc/orvalis-first-boot"), "");
-    writeTreeFile(QStringLiteral("orvalis-reboot"), "");
-    writeTreeFile(QStringLiteral("etc/rauc/system.conf"), "system");
-    writeTreeFile(QStringLiteral("proc/cmdline"), "quiet\n");
+    writeTreeFile("orvalis/VersionFile.ini", "version");
+    writeTreeFile("orvalis/etc/OrvalisVersionInfo.ini", "info");
+    writeTreeFile("orvalis/etc/orvalis-first-boot", "");
+    writeTreeFile("orvalis-reboot", "");
+    writeTreeFile("etc/rauc/system.conf", "system");
+    writeTreeFile("proc/cmdline", "quiet\n");
 
     const Result result = runShell(
         "cat /orvalis/VersionFile.ini; echo; cat /orvalis/etc/OrvalisVersionInfo.ini; echo; "
@@ -219,7 +217,7 @@ void tst_DeviceRoot::whatTheTreeLacksIsMissing()
 void tst_DeviceRoot::commandLineCanBeChanged()
 {
     NEED_NAMESPACES();
-    writeTreeFile(QStringLiteral("proc/cmdline"), "first\n");
+    writeTreeFile("proc/cmdline", "first\n");
     const Result result = runShell("cat /proc/cmdline; echo second "
                                    ">$MISCTOOLS_DEVICE_ROOT/cmdline; cat /proc/cmdline");
     QCOMPARE(result.output, QByteArray("first\nsecond\n"));
@@ -229,8 +227,8 @@ void tst_DeviceRoot::commandLineCanBeChanged()
 void tst_DeviceRoot::filesOfTheDeviceCanBeChanged()
 {
     NEED_NAMESPACES();
-    const QString reboot = writeTreeFile(QStringLiteral("orvalis-reboot"), "");
-    const QString version = writeTreeFile(QStringLiteral("orvalis/VersionFile.ini"), "old");
+    const QString reboot = writeTreeFile("orvalis-reboot", "");
+    const QString version = writeTreeFile("orvalis/VersionFile.ini", "old");
     const Result result = runShell(
         "rm /orvalis-reboot && echo new >/orvalis/VersionFile.ini && mkdir /etc/rauc && "
         "touch /etc/rauc/system.conf && ls / | grep orvalis; cat /orvalis/*; ls /etc/rauc");
@@ -239,17 +237,17 @@ void tst_DeviceRoot::filesOfTheDeviceCanBeChanged()
     // The tree is a pattern only.
     QVERIFY(QFile::exists(reboot));
     QCOMPARE(readFile(version), QByteArray("old"));
-    QVERIFY(!QFile::exists(path(QStringLiteral("tree/etc"))));
+    QVERIFY(!QFile::exists(path("tree/etc")));
 }
 
 void tst_DeviceRoot::machineIsUntouched()
 {
     NEED_NAMESPACES();
-    writeTreeFile(QStringLiteral("orvalis/VersionFile.ini"), "version");
-    writeTreeFile(QStringLiteral("orvalis-reboot"), "");
+    writeTreeFile("orvalis/VersionFile.ini", "version");
+    writeTreeFile("orvalis-reboot", "");
     const QStringList before = machine();
-    const QByteArray commandLine = readFile(QStringLiteral("/proc/cmdline"));
-    const QByteArray mounts = readFile(QStringLiteral("/proc/self/mounts"));
+    const QByteArray commandLine = readFile("/proc/cmdline");
+    const QByteArray mounts = readFile("/proc/self/mounts");
 
     const Result result = runShell("touch /orvalis/new /etc/rauc && mkdir /folder && echo in");
     QCOMPARE(result.output, QByteArray("in\n"));
@@ -263,18 +261,17 @@ void tst_DeviceRoot::twoSideBySide()
 {
     NEED_NAMESPACES();
     // Each says that it is ready, waits for the other, and then looks.
-    const QStringList names{QStringLiteral("a"), QStringLiteral("b")};
+    const QStringList names{"a", "b"};
     QScopedPointer<QProcess> processes[2];
     for (int i = 0; i < 2; ++i) {
         writeFile(names.at(i), QByteArray());
-        QVERIFY(QDir(folder()).mkpath(QStringLiteral("tree-") + names.at(i)));
+        QVERIFY(QDir(folder()).mkpath("tree-" + names.at(i)));
         writeFile(QStringLiteral("tree-%1/orvalis-reboot").arg(names.at(i)),
                   names.at(i).toLatin1());
         processes[i].reset(new QProcess);
         processes[i]->start(
             m_launcher,
-            {path(QStringLiteral("tree-") + names.at(i)), QStringLiteral("sh"),
-             QStringLiteral("-c"),
+            {path("tree-" + names.at(i)), "sh", "-c",
              QStringLiteral("echo own-%1 >$MISCTOOLS_DEVICE_ROOT/cmdline; mkdir /orvalis; "
                             "touch /orvalis/%1 /etc/rauc; echo ready; read answer; "
                             "cat /orvalis-reboot /proc/cmdline; ls /orvalis")
@@ -308,10 +305,10 @@ void tst_DeviceRoot::restOfTheMachineIsThere()
             }
         }
     }
-    const QString list = writeFile(QStringLiteral("list"), expected);
+    const QString list = writeFile("list", expected);
     const Result result = runShell("while IFS= read -r f; do [ -e \"$f\" ] && echo \"$f\"; done "
                                    "<\"$1\"; cat /etc/passwd | cmp - \"$2\" >&2",
-                                   {list, QStringLiteral("/etc/passwd")});
+                                   {list, "/etc/passwd"});
     QCOMPARE(result.output, expected);
     QCOMPARE(result.errors, QByteArray());
 }
@@ -319,10 +316,8 @@ void tst_DeviceRoot::restOfTheMachineIsThere()
 void tst_DeviceRoot::argumentsAreHandedThrough()
 {
     NEED_NAMESPACES();
-    const QStringList arguments{QStringLiteral("two  blanks"), QString(),
-                                QStringLiteral("*"),           QStringLiteral("--inside"),
-                                QStringLiteral("line\nfeed"),  QStringLiteral("$HOME"),
-                                QStringLiteral("quote'\"")};
+    const QStringList arguments{"two  blanks", QString(), "*",       "--inside",
+                                "line\nfeed",  "$HOME",   "quote'\""};
     const Result result = runShell("printf '<%s>' \"$@\"", arguments);
     QByteArray expected;
     for (const QString& argument : arguments) {
@@ -335,8 +330,7 @@ void tst_DeviceRoot::standardInputIsHandedThrough()
 {
     NEED_NAMESPACES();
     const QByteArray input(100000, 'x');
-    const Result result =
-        runProgram(m_launcher, {path(QStringLiteral("tree")), QStringLiteral("cat")}, input);
+    const Result result = runProgram(m_launcher, {path("tree"), "cat"}, input);
     QCOMPARE(result.output.size(), input.size());
     QCOMPARE(result.output, input);
 }
@@ -368,10 +362,9 @@ void tst_DeviceRoot::signalsAreHandedThrough()
 
     // ... and one that the launcher gets.
     QProcess process;
-    process.start(m_launcher,
-                  {path(QStringLiteral("tree")), QStringLiteral("sh"), QStringLiteral("-c"),
-                   QStringLiteral("trap 'echo caught; exit 9' TERM; echo ready; "
-                                  "while :; do read answer || exit 8; done")});
+    process.start(m_launcher, {path("tree"), "sh", "-c",
+                               QStringLiteral("trap 'echo caught; exit 9' TERM; echo ready; "
+                                              "while :; do read answer || exit 8; done")});
     QTRY_VERIFY_WITH_TIMEOUT(process.canReadLine(), 30000);
     QCOMPARE(process.readLine(), QByteArray("ready\n"));
     process.terminate();
@@ -386,11 +379,11 @@ void tst_DeviceRoot::currentFolderStays_data()
 {
     QTest::addColumn<QString>("folderPath"); // null: the row's own
     QTest::newRow("in a temporary folder") << QString();
-    QTest::newRow("root") << QStringLiteral("/");
-    QTest::newRow("tmp") << QStringLiteral("/tmp");
-    QTest::newRow("where the new root is made") << QStringLiteral("/mnt");
+    QTest::newRow("root") << "/";
+    QTest::newRow("tmp") << "/tmp";
+    QTest::newRow("where the new root is made") << "/mnt";
     QTest::newRow("the project") << QFileInfo(m_launcher).path();
-    QTest::newRow("etc") << QStringLiteral("/etc");
+    QTest::newRow("etc") << "/etc";
 }
 
 void tst_DeviceRoot::currentFolderStays()
@@ -406,10 +399,9 @@ void tst_DeviceRoot::currentFolderStays()
 void tst_DeviceRoot::linksInTheTreeStayLinks()
 {
     NEED_NAMESPACES();
-    QVERIFY(QFile::link(QStringLiteral("/nothing"), path(QStringLiteral("tree/orvalis-reboot"))));
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("tree/orvalis/etc")));
-    QVERIFY(QFile::link(QStringLiteral("/etc/passwd"),
-                        path(QStringLiteral("tree/orvalis/etc/orvalis-first-boot"))));
+    QVERIFY(QFile::link("/nothing", path("tree/orvalis-reboot")));
+    QVERIFY(QDir(folder()).mkpath("tree/orvalis/etc"));
+    QVERIFY(QFile::link("/etc/passwd", path("tree/orvalis/etc/orvalis-first-boot")));
     const Result result =
         runShell("readlink /orvalis-reboot; readlink /orvalis/etc/orvalis-first-boot");
     QCOMPARE(result.output, QByteArray("/nothing\n/etc/passwd\n"));
@@ -418,11 +410,10 @@ void tst_DeviceRoot::linksInTheTreeStayLinks()
 void tst_DeviceRoot::relativeTree()
 {
     NEED_NAMESPACES();
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("a  tree/-odd")));
-    writeFile(QStringLiteral("a  tree/-odd/orvalis-reboot"), "odd");
-    m_currentFolder = path(QStringLiteral("a  tree"));
-    const Result result = runProgram(m_launcher, {QStringLiteral("-odd"), QStringLiteral("cat"),
-                                                  QStringLiteral("/orvalis-reboot")});
+    QVERIFY(QDir(folder()).mkpath("a  tree/-odd"));
+    writeFile("a  tree/-odd/orvalis-reboot", "odd");
+    m_currentFolder = path("a  tree");
+    const Result result = runProgram(m_launcher, {"-odd", "cat", "/orvalis-reboot"});
     QCOMPARE(result.errors, QByteArray());
     QCOMPARE(result.output, QByteArray("odd"));
 }
@@ -430,8 +421,8 @@ void tst_DeviceRoot::relativeTree()
 void tst_DeviceRoot::unusableTree_data()
 {
     QTest::addColumn<QString>("tree");
-    QTest::newRow("missing") << QStringLiteral("none");
-    QTest::newRow("file") << QStringLiteral("file");
+    QTest::newRow("missing") << "none";
+    QTest::newRow("file") << "file";
     QTest::newRow("empty name") << QString();
 }
 
@@ -439,9 +430,8 @@ void tst_DeviceRoot::unusableTree()
 {
     QFETCH(QString, tree);
     prepare();
-    writeFile(QStringLiteral("file"), "x");
-    const Result result =
-        runProgram(m_launcher, {tree, QStringLiteral("echo"), QStringLiteral("must not run")});
+    writeFile("file", "x");
+    const Result result = runProgram(m_launcher, {tree, "echo", "must not run"});
     QCOMPARE(result.errors, "device root: there is no folder " + tree.toUtf8() + '\n');
     QCOMPARE(result.output, QByteArray());
     QCOMPARE(result.exitCode, 125);
@@ -459,8 +449,8 @@ void tst_DeviceRoot::usage()
 void tst_DeviceRoot::ordinaryUser()
 {
     NEED_NAMESPACES();
-    writeTreeFile(QStringLiteral("orvalis/VersionFile.ini"), "version");
-    writeTreeFile(QStringLiteral("proc/cmdline"), "quiet\n");
+    writeTreeFile("orvalis/VersionFile.ini", "version");
+    writeTreeFile("proc/cmdline", "quiet\n");
     const ChildResult result = runAsOrdinaryUser(
         "\"$LAUNCHER\" tree sh -c 'cat /orvalis/VersionFile.ini /proc/cmdline; "
         "echo \"$PATH\"; echo own >/orvalis/VersionFile.ini; touch /orvalis-reboot; "
@@ -470,7 +460,7 @@ void tst_DeviceRoot::ordinaryUser()
     }
     QCOMPARE(result.output, QByteArray("versionquiet\n/usr/bin:/bin\nown\n"));
     QCOMPARE(result.exitCode, 7);
-    QVERIFY(!QFile::exists(QStringLiteral("/orvalis-reboot")));
+    QVERIFY(!QFile::exists("/orvalis-reboot"));
 }
 
 void tst_DeviceRoot::unreadableTree_data()
@@ -479,7 +469,7 @@ void tst_DeviceRoot::unreadableTree_data()
     QTest::newRow("command line is a folder") << QString();
     // The owner of a file is stopped by nothing inside a device root; root can play another user.
     if (geteuid() == 0) {
-        QTest::newRow("no permission") << QStringLiteral("orvalis/VersionFile.ini");
+        QTest::newRow("no permission") << "orvalis/VersionFile.ini";
     }
 }
 
@@ -488,7 +478,7 @@ void tst_DeviceRoot::unreadableTree()
     NEED_NAMESPACES();
     QFETCH(QString, file);
     if (file.isEmpty()) {
-        QVERIFY(QDir(folder()).mkpath(QStringLiteral("tree/proc/cmdline")));
+        QVERIFY(QDir(folder()).mkpath("tree/proc/cmdline"));
     } else {
         QVERIFY(QFile::setPermissions(writeTreeFile(file, "x"), QFileDevice::Permissions()));
     }
@@ -505,12 +495,12 @@ void tst_DeviceRoot::unreadableTree()
 void tst_DeviceRoot::withoutNamespaces()
 {
     prepare();
-    writeTreeFile(QStringLiteral("orvalis-reboot"), "");
+    writeTreeFile("orvalis-reboot", "");
     forbidNamespaces();
-    m_environment.insert(QStringLiteral("MISCTOOLS_DEVICE_ROOT"), QStringLiteral("/left-over"));
+    m_environment.insert("MISCTOOLS_DEVICE_ROOT", "/left-over");
 
-    const Result result = runShell("echo \"$1,${MISCTOOLS_DEVICE_ROOT-none}\"; pwd; exit 7",
-                                   {QStringLiteral("it runs")});
+    const Result result =
+        runShell("echo \"$1,${MISCTOOLS_DEVICE_ROOT-none}\"; pwd; exit 7", {"it runs"});
     // The program runs on the bare machine, and one line says why.
     QCOMPARE(result.output, "it runs,none\n" + QFile::encodeName(folder()) + '\n');
     QCOMPARE(result.exitCode, 7);
@@ -540,7 +530,7 @@ void tst_DeviceRoot::withoutAProgramOfTheSystem()
 void tst_DeviceRoot::testsAreSkippedWithoutNamespaces()
 {
     prepare();
-    m_environment.insert(QStringLiteral("CI"), QString()); // set to nothing is not set
+    m_environment.insert("CI", QString()); // set to nothing is not set
     forbidNamespaces();
     const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
     QCOMPARE(result.exitCode, 0);
@@ -565,7 +555,7 @@ void tst_DeviceRoot::skipIsAFailureInContinuousIntegration()
 {
     QFETCH(QString, value);
     prepare();
-    m_environment.insert(QStringLiteral("CI"), value);
+    m_environment.insert("CI", value);
     forbidNamespaces();
     const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
     QVERIFY(result.exitCode > 0);
@@ -579,7 +569,7 @@ void tst_DeviceRoot::skipIsAFailureInContinuousIntegration()
 void tst_DeviceRoot::variableAloneIsNoDeviceRoot()
 {
     // A forgotten variable must not let a test remove the files of a real device.
-    const QString commandLine = writeFile(QStringLiteral("cmdline"), "quiet\n");
+    const QString commandLine = writeFile("cmdline", "quiet\n");
     qputenv("MISCTOOLS_DEVICE_ROOT", QFile::encodeName(folder()));
     const ChildResult asked = ChildProcess::run([] { return DeviceRoot::isEntered() ? 1 : 0; });
     const ChildResult changed = ChildProcess::run([] {

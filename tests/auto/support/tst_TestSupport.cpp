@@ -26,8 +26,8 @@ private Q_SLOTS:
 
 void tst_TestSupport::announcedMessagesPass()
 {
-    messages().expect(QtWarningMsg, QStringLiteral("first 1"));
-    messages().expect(QtDebugMsg, QStringLiteral("second"));
+    messages().expect(QtWarningMsg, "first 1");
+    messages().expect(QtDebugMsg, "second");
     qWarning() << "first" << 1;
     qDebug() << "second";
     QCOMPARE(messages().takeProblems(), QStringList());
@@ -43,9 +43,9 @@ void tst_TestSupport::unannouncedMessageIsAProblem()
 
 void tst_TestSupport::missingMessageIsAProblem()
 {
-    messages().expect(QtCriticalMsg, QStringLiteral("promise"));
+    messages().expect(QtCriticalMsg, "promise");
     QCOMPARE(messages().takeProblems(),
-             QStringList(QStringLiteral("announced and never came: critical <promise>")));
+             QStringList("announced and never came: critical <promise>"));
 }
 
 void tst_TestSupport::differencesAreNamed_data()
@@ -53,20 +53,20 @@ void tst_TestSupport::differencesAreNamed_data()
     QTest::addColumn<ExpectedMessage>("expected");
     QTest::addColumn<QString>("problem");
 
-    const QString text = QStringLiteral("text");
+    const QString text = "text";
     QTest::newRow("none") << ExpectedMessage(QtWarningMsg, text) << QString();
     QTest::newRow("level") << ExpectedMessage(QtCriticalMsg, text)
-                           << QStringLiteral("level is <warning> instead of <critical>");
-    QTest::newRow("text") << ExpectedMessage(QtWarningMsg, QStringLiteral("other"))
-                          << QStringLiteral("text is <text> instead of <other>");
+                           << "level is <warning> instead of <critical>";
+    QTest::newRow("text") << ExpectedMessage(QtWarningMsg, "other")
+                          << "text is <text> instead of <other>";
     QTest::newRow("file") << ExpectedMessage(QtWarningMsg, text).file("Other")
-                          << QStringLiteral("file is <Source> instead of <Other>");
+                          << "file is <Source> instead of <Other>";
 #if defined(Q_CC_GNU) && !defined(Q_CC_CLANG)
     QTest::newRow("function") << ExpectedMessage(QtWarningMsg, text).function("void g()")
-                              << QStringLiteral("function is <void f()> instead of <void g()>");
+                              << "function is <void f()> instead of <void g()>";
 #endif
     QTest::newRow("category") << ExpectedMessage(QtWarningMsg, text).category("other")
-                              << QStringLiteral("category is <default> instead of <other>");
+                              << "category is <default> instead of <other>";
     QTest::newRow("all pinned, all right") << ExpectedMessage(QtWarningMsg, text)
                                                   .file("Source")
                                                   .function("void f()")
@@ -88,8 +88,8 @@ void tst_TestSupport::differencesAreNamed()
 
 void tst_TestSupport::orderMatters()
 {
-    messages().expect(QtWarningMsg, QStringLiteral("a"));
-    messages().expect(QtWarningMsg, QStringLiteral("b"));
+    messages().expect(QtWarningMsg, "a");
+    messages().expect(QtWarningMsg, "b");
     qWarning() << "b";
     qWarning() << "a";
     QCOMPARE(messages().takeProblems().size(), 2);
@@ -128,7 +128,7 @@ void tst_TestSupport::childProcessReportsItsEnd()
 
 void tst_TestSupport::ordinaryUserIsStoppedByPermissions()
 {
-    const QByteArray secret = writeFile(QStringLiteral("secret"), "x").toLocal8Bit();
+    const QByteArray secret = writeFile("secret", "x").toLocal8Bit();
     QVERIFY(QFile::setPermissions(QString::fromLocal8Bit(secret), QFileDevice::Permissions()));
     const ChildResult result = ChildProcess::runAsOrdinaryUser(
         [&secret] { return access(secret.constData(), R_OK) == 0 ? 1 : 0; });

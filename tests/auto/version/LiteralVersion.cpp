@@ -19,7 +19,7 @@ QStringList shown(bool isOld, const QStringList& components)
 
 void LiteralVersion::read(const QString& version)
 {
-    const int dots = version.count(QStringLiteral("."), Qt::CaseSensitive);
+    const int dots = version.count(".", Qt::CaseSensitive);
     isOld = dots == 2;
     if (dots != 2 && dots != 4) {
         qWarning() << "Number of dots" << dots << "in version not allowed:" << version;
@@ -33,8 +33,7 @@ void LiteralVersion::read(const QString& version)
 
 void LiteralVersion::readOld(const QString& version)
 {
-    const QRegularExpression expression(
-        QStringLiteral("V?((\\S*)\\.(\\d{1,2})\\.(\\d{1,2}))\\-?(\\d{1,3})?"));
+    const QRegularExpression expression("V?((\\S*)\\.(\\d{1,2})\\.(\\d{1,2}))\\-?(\\d{1,3})?");
     const QRegularExpressionMatch match = expression.match(version);
     if (match.hasMatch()) {
         mainVersion = match.captured(1);
@@ -49,10 +48,10 @@ void LiteralVersion::readOld(const QString& version)
 
 void LiteralVersion::readNew(const QString& version)
 {
-    QStringList pieces = version.split(QStringLiteral("-"), Qt::KeepEmptyParts);
+    QStringList pieces = version.split("-", Qt::KeepEmptyParts);
     mainVersion = pieces.takeFirst();
-    gitHash = pieces.join(QStringLiteral("-"));
-    const QStringList numbers = mainVersion.split(QStringLiteral("."), Qt::KeepEmptyParts);
+    gitHash = pieces.join("-");
+    const QStringList numbers = mainVersion.split(".", Qt::KeepEmptyParts);
     if (numbers.size() > 0) {
         baseNumber = numbers[0];
     }

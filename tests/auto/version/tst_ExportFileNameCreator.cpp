@@ -16,7 +16,7 @@
 
 namespace {
 
-const QString filePath = QStringLiteral("/etc/rauc/system.conf");
+const QString filePath = "/etc/rauc/system.conf";
 
 // The local time as a name shows it; by the C library alone. (Not by time(), whose clock may lag
 // behind at the turn of a second.)
@@ -74,9 +74,9 @@ void tst_ExportFileNameCreator::form()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
-    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    const QString name = ExportFileNameCreator::create("csv");
     const QRegularExpression form(
-        QStringLiteral("\\AV3_[0-9]{4}_[0-9]{2}_[0-9]{2}T[0-9]{2}_[0-9]{2}_[0-9]{2}\\.csv\\z"));
+        "\\AV3_[0-9]{4}_[0-9]{2}_[0-9]{2}T[0-9]{2}_[0-9]{2}_[0-9]{2}\\.csv\\z");
     QVERIFY2(form.match(name).hasMatch(), qPrintable(name));
 }
 
@@ -84,18 +84,18 @@ void tst_ExportFileNameCreator::extension_data()
 {
     QTest::addColumn<QString>("extension");
 
-    QTest::newRow("plain") << QStringLiteral("csv");
-    QTest::newRow("empty") << QStringLiteral("");
+    QTest::newRow("plain") << "csv";
+    QTest::newRow("empty") << "";
     QTest::newRow("null") << QString();
-    QTest::newRow("first place") << QStringLiteral("%1");
-    QTest::newRow("second place") << QStringLiteral("%2");
-    QTest::newRow("third place") << QStringLiteral("%3");
-    QTest::newRow("all places") << QStringLiteral("%1%2%3%4");
-    QTest::newRow("percent signs") << QStringLiteral("%%");
-    QTest::newRow("places of the locale") << QStringLiteral("%L1");
-    QTest::newRow("leading dot") << QStringLiteral(".csv");
-    QTest::newRow("what is replaced in the time") << QStringLiteral("tar.gz:a-b");
-    QTest::newRow("folder") << QStringLiteral("../x");
+    QTest::newRow("first place") << "%1";
+    QTest::newRow("second place") << "%2";
+    QTest::newRow("third place") << "%3";
+    QTest::newRow("all places") << "%1%2%3%4";
+    QTest::newRow("percent signs") << "%%";
+    QTest::newRow("places of the locale") << "%L1";
+    QTest::newRow("leading dot") << ".csv";
+    QTest::newRow("what is replaced in the time") << "tar.gz:a-b";
+    QTest::newRow("folder") << "../x";
     QTest::newRow("other script") << QString(QChar(0x4e2d));
 }
 
@@ -108,7 +108,7 @@ void tst_ExportFileNameCreator::extension()
     const QString earliest = localTime();
     const QString name = ExportFileNameCreator::create(extension);
     const QString latest = localTime();
-    const QString time = timeIn(name, QStringLiteral("V3_"), QLatin1Char('.') + extension);
+    const QString time = timeIn(name, "V3_", QLatin1Char('.') + extension);
     QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
 }
 
@@ -117,9 +117,9 @@ void tst_ExportFileNameCreator::deviceIndex_data()
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<QString>("begin");
 
-    QTest::newRow("zero") << QByteArray("0") << QStringLiteral("V0_");
-    QTest::newRow("large") << QByteArray("2147483647") << QStringLiteral("V2147483647_");
-    QTest::newRow("negative, keeps its dash") << QByteArray("-1") << QStringLiteral("V-1_");
+    QTest::newRow("zero") << QByteArray("0") << "V0_";
+    QTest::newRow("large") << QByteArray("2147483647") << "V2147483647_";
+    QTest::newRow("negative, keeps its dash") << QByteArray("-1") << "V-1_";
 }
 
 void tst_ExportFileNameCreator::deviceIndex()
@@ -130,9 +130,9 @@ void tst_ExportFileNameCreator::deviceIndex()
 
     DeviceRoot::writeFile(filePath, "[system]\ncompatible=" + value + "\n");
     const QString earliest = localTime();
-    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    const QString name = ExportFileNameCreator::create("csv");
     const QString latest = localTime();
-    const QString time = timeIn(name, begin, QStringLiteral(".csv"));
+    const QString time = timeIn(name, begin, ".csv");
     QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
 }
 
@@ -140,9 +140,8 @@ void tst_ExportFileNameCreator::deviceIndexMissing()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     IniWarnings::expectMissingFile(messages(), filePath);
-    IniWarnings::expectMissingKey(messages(), filePath, QStringLiteral("compatible"),
-                                  QStringLiteral("system"));
-    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    IniWarnings::expectMissingKey(messages(), filePath, "compatible", "system");
+    const QString name = ExportFileNameCreator::create("csv");
     QVERIFY2(name.startsWith(QLatin1String("V0_")), qPrintable(name));
 }
 
@@ -176,9 +175,9 @@ void tst_ExportFileNameCreator::localTimeIsTaken()
     DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
     const TimeZone timeZone(zone);
     const QString earliest = localTime();
-    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    const QString name = ExportFileNameCreator::create("csv");
     const QString latest = localTime();
-    const QString time = timeIn(name, QStringLiteral("V3_"), QStringLiteral(".csv"));
+    const QString time = timeIn(name, "V3_", ".csv");
     QVERIFY2(earliest <= time && time <= latest,
              qPrintable(QStringLiteral("%1 <= %2 <= %3").arg(earliest, time, latest)));
 }
@@ -191,10 +190,10 @@ void tst_ExportFileNameCreator::languageDoesNotMatter()
     // Has digits and a thousands separator of its own.
     QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
     const QString earliest = localTime();
-    const QString name = ExportFileNameCreator::create(QStringLiteral("csv"));
+    const QString name = ExportFileNameCreator::create("csv");
     const QString latest = localTime();
     QLocale::setDefault(previous);
-    const QString time = timeIn(name, QStringLiteral("V12345_"), QStringLiteral(".csv"));
+    const QString time = timeIn(name, "V12345_", ".csv");
     QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
 }
 
@@ -208,8 +207,8 @@ void tst_ExportFileNameCreator::callsInOneSecondAgree()
     QString second;
     do {
         before = localTime();
-        first = ExportFileNameCreator::create(QStringLiteral("csv"));
-        second = ExportFileNameCreator::create(QStringLiteral("csv"));
+        first = ExportFileNameCreator::create("csv");
+        second = ExportFileNameCreator::create("csv");
         after = localTime();
     } while (before != after);
     QCOMPARE(first, second);
@@ -229,7 +228,7 @@ void tst_ExportFileNameCreator::manyThreads()
     for (QStringList& ownNames : names) {
         threads.emplace_back([&ownNames] {
             for (int i = 0; i < callsPerThread; ++i) {
-                ownNames.append(ExportFileNameCreator::create(QStringLiteral("csv")));
+                ownNames.append(ExportFileNameCreator::create("csv"));
             }
         });
     }
@@ -241,7 +240,7 @@ void tst_ExportFileNameCreator::manyThreads()
     for (const QStringList& ownNames : names) {
         QCOMPARE(ownNames.size(), callsPerThread);
         for (const QString& name : ownNames) {
-            const QString time = timeIn(name, QStringLiteral("V3_"), QStringLiteral(".csv"));
+            const QString time = timeIn(name, "V3_", ".csv");
             QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
         }
     }

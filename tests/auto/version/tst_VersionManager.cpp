@@ -55,7 +55,7 @@ QString versionLike(QRandomGenerator& random)
     }
     version += QLatin1String(pick(random, behind)) + anyNumber(random);
     if (random.bounded(3) == 0) {
-        version += QLatin1String(pick(random, behind)) + QStringLiteral("g1a2b");
+        version += QLatin1String(pick(random, behind)) + "g1a2b";
     }
     return version;
 }
@@ -64,16 +64,36 @@ QString versionLike(QRandomGenerator& random)
 QString scramble(QRandomGenerator& random)
 {
     static const QString pieces[] = {
-        QStringLiteral("."),      QStringLiteral("."),      QStringLiteral("."),
-        QStringLiteral("."),      QStringLiteral("1"),      QStringLiteral("2"),
-        QStringLiteral("12"),     QStringLiteral("345"),    QStringLiteral("0"),
-        QStringLiteral("-"),      QStringLiteral("-"),      QStringLiteral("V"),
-        QStringLiteral("v"),      QStringLiteral("x"),      QStringLiteral("A"),
-        QStringLiteral(" "),      QStringLiteral("\t"),     QStringLiteral("\n"),
-        QStringLiteral("\v"),     QStringLiteral("\f"),     QStringLiteral("\r"),
-        QStringLiteral("\u0663"), QStringLiteral("\uFF11"), QStringLiteral("\u00A0"),
-        QStringLiteral("\u2003"), QStringLiteral("\u00E4"), QString(QChar::Null),
-        QString(QChar(0xD800)),   QString(QChar(0xDC00)),   QStringLiteral("_"),
+        ".",
+        ".",
+        ".",
+        ".",
+        "1",
+        "2",
+        "12",
+        "345",
+        "0",
+        "-",
+        "-",
+        "V",
+        "v",
+        "x",
+        "A",
+        " ",
+        "\t",
+        "\n",
+        QStringLiteral("\v"),
+        QStringLiteral("\f"),
+        "\r",
+        QStringLiteral("\u0663"),
+        QStringLiteral("\uFF11"),
+        QStringLiteral("\u00A0"),
+        QStringLiteral("\u2003"),
+        QStringLiteral("\u00E4"),
+        QString(QChar::Null),
+        QString(QChar(0xD800)),
+        QString(QChar(0xDC00)),
+        "_",
     };
     QString version;
     for (int count = random.bounded(14); count > 0; --count) {
@@ -187,14 +207,13 @@ void tst_VersionManager::oldFormat_data()
     // Without Unicode properties only ASCII blanks are blanks.
     QTest::newRow("no-break space in the base number")
         << QStringLiteral("a\u00A0b.1.2")
-        << QStringList({QStringLiteral("<a\u00A0b.1.2>"), QStringLiteral("<a\u00A0b>"),
-                        QStringLiteral("<1>"), QStringLiteral("<2>"), QStringLiteral("null")});
+        << QStringList({QStringLiteral("<a\u00A0b.1.2>"), QStringLiteral("<a\u00A0b>"), "<1>",
+                        "<2>", "null"});
     const QString withNul = QStringLiteral("a%1b").arg(QChar(QChar::Null));
     QTest::newRow("NUL in the base number")
-        << withNul + QStringLiteral(".1.2")
-        << QStringList({QLatin1Char('<') + withNul + QStringLiteral(".1.2>"),
-                        QLatin1Char('<') + withNul + QLatin1Char('>'), QStringLiteral("<1>"),
-                        QStringLiteral("<2>"), QStringLiteral("null")});
+        << withNul + ".1.2"
+        << QStringList({QLatin1Char('<') + withNul + ".1.2>",
+                        QLatin1Char('<') + withNul + QLatin1Char('>'), "<1>", "<2>", "null"});
 }
 
 void tst_VersionManager::oldFormat()
@@ -203,8 +222,7 @@ void tst_VersionManager::oldFormat()
     QFETCH(QStringList, components);
     const VersionManager manager(version);
     expectOldGetterWarnings();
-    QCOMPARE(componentsOf(manager),
-             QStringList(QStringLiteral("old")) + components + words("null null null"));
+    QCOMPARE(componentsOf(manager), QStringList("old") + components + words("null null null"));
 }
 
 void tst_VersionManager::oldFormatWithoutMatch_data()
@@ -215,19 +233,19 @@ void tst_VersionManager::oldFormatWithoutMatch_data()
     const auto row = [](const char* situation, const QString& version) {
         QTest::newRow(situation) << version << version;
     };
-    row("letters", QStringLiteral("A.B.C"));
-    row("three digits of major index", QStringLiteral("1.123.4"));
-    row("only dots", QStringLiteral(".."));
-    row("no minor index", QStringLiteral("1.2."));
-    row("no major index", QStringLiteral("1..2"));
-    row("blank in the major index", QStringLiteral("1.2 .3"));
-    row("blank before the minor index", QStringLiteral("1.2. 3"));
-    row("dash for a dot", QStringLiteral("1.2-3."));
-    row("negative minor index", QStringLiteral("1.2.-3"));
+    row("letters", "A.B.C");
+    row("three digits of major index", "1.123.4");
+    row("only dots", "..");
+    row("no minor index", "1.2.");
+    row("no major index", "1..2");
+    row("blank in the major index", "1.2 .3");
+    row("blank before the minor index", "1.2. 3");
+    row("dash for a dot", "1.2-3.");
+    row("negative minor index", "1.2.-3");
     row("Arabic-Indic digit", QStringLiteral("1.\u0663.4"));
     row("fullwidth digit", QStringLiteral("1.2.\uFF13"));
-    QTest::newRow("line feed between the parts")
-        << QStringLiteral("1.2\n.3") << QStringLiteral("1.2\\n.3");
+    QTest::newRow("line feed between the parts") << "1.2\n.3"
+                                                 << "1.2\\n.3";
     // Half a surrogate pair makes the whole text unreadable for the expression.
     QTest::newRow("half a surrogate pair")
         << QChar(0xD800) + QStringLiteral(" 1.2.3") << QStringLiteral("\\uD800 1.2.3");
@@ -272,10 +290,8 @@ void tst_VersionManager::newFormat_data()
     row("other script's digits", "\xD9\xA3.2.3.4.5",
         "<\xD9\xA3.2.3.4.5> <\xD9\xA3> <2> <3> <4> <5> null");
     QTest::newRow("blanks are kept")
-        << QStringLiteral(" 1 . 2.3.4.5 - g ")
-        << QStringList({QStringLiteral("< 1 . 2.3.4.5 >"), QStringLiteral("< 1 >"),
-                        QStringLiteral("< 2>"), QStringLiteral("<3>"), QStringLiteral("<4>"),
-                        QStringLiteral("<5 >"), QStringLiteral("< g >")});
+        << " 1 . 2.3.4.5 - g "
+        << QStringList({"< 1 . 2.3.4.5 >", "< 1 >", "< 2>", "<3>", "<4>", "<5 >", "< g >"});
 }
 
 void tst_VersionManager::newFormat()
@@ -283,7 +299,7 @@ void tst_VersionManager::newFormat()
     QFETCH(QString, version);
     QFETCH(QStringList, components);
     const VersionManager manager(version);
-    components.insert(4, QStringLiteral("null"));
+    components.insert(4, "null");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), QStringList(QStringLiteral("new")) + components);
 }
@@ -330,7 +346,7 @@ void tst_VersionManager::otherDotCounts()
 void tst_VersionManager::nullVersion()
 {
     // Shown as an empty text, but every component stays null.
-    expectWarning(QStringLiteral("Number of dots 0 in version not allowed: \"\""), dotsSignature);
+    expectWarning("Number of dots 0 in version not allowed: \"\"", dotsSignature);
     const VersionManager manager{QString()};
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new null null null null null null null null"));
@@ -339,8 +355,8 @@ void tst_VersionManager::nullVersion()
 void tst_VersionManager::gettersWarnInTheWrongFormat()
 {
     // One at a time, each time anew; the other getters say nothing in either format.
-    const VersionManager oldVersion(QStringLiteral("V8.12.3-45"));
-    const VersionManager newVersion(QStringLiteral("8.100.2.7.1234-g1a2b3c"));
+    const VersionManager oldVersion("V8.12.3-45");
+    const VersionManager newVersion("8.100.2.7.1234-g1a2b3c");
     const auto takeOne = [this](const char* text) {
         return takeTexts() == QStringList(QLatin1String(text));
     };
@@ -381,7 +397,7 @@ void tst_VersionManager::isOldVersionCountsDots()
 {
     QFETCH(int, dots);
     const QString version = QStringLiteral(".").repeated(dots);
-    VersionManager oldVersion(QStringLiteral("1.2.3"));
+    VersionManager oldVersion("1.2.3");
     if (dots != 2 && dots != 4) {
         expectWarning(QStringLiteral("Number of dots %1 in version not allowed: \"%2\"")
                           .arg(QString::number(dots), version),
@@ -392,16 +408,16 @@ void tst_VersionManager::isOldVersionCountsDots()
 
 void tst_VersionManager::isOldVersionReadsNoField()
 {
-    VersionManager oldVersion(QStringLiteral("1.2.3"));
-    VersionManager newVersion(QStringLiteral("1.2.3.4.5"));
+    VersionManager oldVersion("1.2.3");
+    VersionManager newVersion("1.2.3.4.5");
     expectOldGetterWarnings();
     const QStringList oldComponents = componentsOf(oldVersion);
     expectNewGetterWarnings();
     const QStringList newComponents = componentsOf(newVersion);
 
     for (VersionManager* version : {&oldVersion, &newVersion}) {
-        QVERIFY(version->isOldVersion(QStringLiteral("a.b.c")));
-        QVERIFY(!version->isOldVersion(QStringLiteral("a.b.c.d.e")));
+        QVERIFY(version->isOldVersion("a.b.c"));
+        QVERIFY(!version->isOldVersion("a.b.c.d.e"));
     }
     QVERIFY(oldVersion.isOldVersion());
     QVERIFY(!newVersion.isOldVersion());
@@ -415,24 +431,24 @@ void tst_VersionManager::oldStepAlone()
 {
     // It reads whatever it is given, keeps the decided format, and leaves alone what only the new
     // format has.
-    VersionManager manager(QStringLiteral("1.2.3.4.5-g"));
-    manager.initializeVersionsOld(QStringLiteral("V6.7.8-9"));
+    VersionManager manager("1.2.3.4.5-g");
+    manager.initializeVersionsOld("V6.7.8-9");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <6.7.8> <6> <7> <8> <9> <4> <5> <g>"));
 
     // The base number takes all that it can.
-    manager.initializeVersionsOld(QStringLiteral("1.2.3.4.5-6"));
+    manager.initializeVersionsOld("1.2.3.4.5-6");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <1.2.3.4.5> <1.2.3> <4> <5> <6> <4> <5> <g>"));
 
     // A test index that is not there replaces the one before.
-    manager.initializeVersionsOld(QStringLiteral("1.2.3"));
+    manager.initializeVersionsOld("1.2.3");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <1.2.3> <1> <2> <3> null <4> <5> <g>"));
 
     // What does not match changes nothing.
-    expectWarning(QStringLiteral("Can not convert the following version: \"1.2\""), oldSignature);
-    manager.initializeVersionsOld(QStringLiteral("1.2"));
+    expectWarning("Can not convert the following version: \"1.2\"", oldSignature);
+    manager.initializeVersionsOld("1.2");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <1.2.3> <1> <2> <3> null <4> <5> <g>"));
 }
@@ -440,48 +456,47 @@ void tst_VersionManager::oldStepAlone()
 void tst_VersionManager::newStepAlone()
 {
     // It counts no dots, keeps the decided format, and leaves alone what only the old format has.
-    VersionManager manager(QStringLiteral("1.2.3-45"));
-    manager.initializeVersionsNew(QStringLiteral("6.7.8.9.10-g"));
+    VersionManager manager("1.2.3-45");
+    manager.initializeVersionsNew("6.7.8.9.10-g");
     expectOldGetterWarnings();
     QCOMPARE(componentsOf(manager), words("old <6.7.8.9.10> <6> <7> <8> <45> <9> <10> <g>"));
 
     // Parts that are not there keep what was there before; a git hash does not.
-    manager.initializeVersionsNew(QStringLiteral("a.b"));
+    manager.initializeVersionsNew("a.b");
     expectOldGetterWarnings();
     QCOMPARE(componentsOf(manager), words("old <a.b> <a> <b> <8> <45> <9> <10> null"));
 
-    manager.initializeVersionsNew(QStringLiteral("...-"));
+    manager.initializeVersionsNew("...-");
     expectOldGetterWarnings();
     QCOMPARE(componentsOf(manager), words("old <...> <> <> <> <45> <> <10> null"));
 }
 
 void tst_VersionManager::initializeAgain()
 {
-    VersionManager manager(QStringLiteral("1.2.3-45"));
-    manager.initializeVersions(QStringLiteral("6.7.8.9.10-g"));
+    VersionManager manager("1.2.3-45");
+    manager.initializeVersions("6.7.8.9.10-g");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <6.7.8.9.10> <6> <7> <8> <45> <9> <10> <g>"));
 
-    manager.initializeVersions(QStringLiteral("V1.2.3"));
+    manager.initializeVersions("V1.2.3");
     expectOldGetterWarnings();
     QCOMPARE(componentsOf(manager), words("old <1.2.3> <1> <2> <3> null <9> <10> <g>"));
 
-    expectWarning(QStringLiteral("Number of dots 1 in version not allowed: \"a.b\""),
-                  dotsSignature);
-    manager.initializeVersions(QStringLiteral("a.b"));
+    expectWarning("Number of dots 1 in version not allowed: \"a.b\"", dotsSignature);
+    manager.initializeVersions("a.b");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <a.b> <a> <b> <3> null <9> <10> null"));
 
-    expectWarning(QStringLiteral("Can not convert the following version: \"..\""), oldSignature);
-    manager.initializeVersions(QStringLiteral(".."));
+    expectWarning("Can not convert the following version: \"..\"", oldSignature);
+    manager.initializeVersions("..");
     QVERIFY(manager.isOldVersion());
 }
 
 void tst_VersionManager::copies()
 {
-    const VersionManager original(QStringLiteral("1.2.3.4.5-g"));
+    const VersionManager original("1.2.3.4.5-g");
     VersionManager copy(original);
-    VersionManager assigned(QStringLiteral("V9.9.9-9"));
+    VersionManager assigned("V9.9.9-9");
     assigned = original;
     const QStringList components = words("new <1.2.3.4.5> <1> <2> <3> null <4> <5> <g>");
     expectNewGetterWarnings();
@@ -489,7 +504,7 @@ void tst_VersionManager::copies()
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(assigned), components);
 
-    copy.initializeVersions(QStringLiteral("6.7.8.9.10"));
+    copy.initializeVersions("6.7.8.9.10");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(original), components);
 }
@@ -507,8 +522,8 @@ void tst_VersionManager::sameAsLiteral()
 
     QRandomGenerator random(1);
     LiteralVersion literalReused;
-    literalReused.read(QStringLiteral("1.2.3"));
-    VersionManager reused(QStringLiteral("1.2.3"));
+    literalReused.read("1.2.3");
+    VersionManager reused("1.2.3");
     int dotCounts[7] = {};
     int withTestIndex = 0;
     int withoutTestIndex = 0;
