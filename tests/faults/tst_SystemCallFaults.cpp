@@ -1,4 +1,5 @@
 #include "DeviceRoot.h"
+#include "IniFileManager.h"
 #include "Operations.h"
 #include "TestCase.h"
 
@@ -65,6 +66,7 @@ private Q_SLOTS:
     void brokenReadKeepsTheFile();
     void failedForkIsAFailedStart_data();
     void failedForkIsAFailedStart();
+    void flushOfTheEventLoopIsOneSync();
     void killedAtACall_data() { addOperations(Operations::writing()); }
     void killedAtACall();
     void cleanupTestCase();
@@ -346,6 +348,31 @@ void tst_SystemCallFaults::failedForkIsAFailedStart()
     QVERIFY(fault.call >= 0);
     QCOMPARE(outcomeOf(Operations::programTwice(), fault, outcome), QString());
     QCOMPARE(outcome.run.failedCalls, QVector<QByteArray>{"clone"});
+}
+
+// A flush of Qt's own beside the manager's would not be guarded against writes of other threads.
+void tst_SystemCallFaults::flushOfTheEventLoopIsOneSync()
+{
+    MISCTOOLS_NEED_FAULTS();
+    const auto callsOf = [this](void (*flush)(IniFileManager&)) {
+        const QString filePath = writeFile(QStringLiteral("settings.ini"), "[Net]\nPort=80\n");
+        return FaultyProcess::run(Fault(),
+                                  [&filePath, flush] {
+                                      IniFileManager manager(filePath, nullptr);
+                                      manager.setValue(QStringLiteral("Net"),
+                                                       QStringLiteral("Port"), 8080);
+                                      flush(manager);
+                                      return QByteArray();
+                                  })
+            .calls;
+    };
+    const QVector<QByteArray> ofSync = callsOf([](IniFileManager& manager) { manager.sync(); });
+    QCOMPARE(readFile(path(QStringLiteral("settings.ini"))), QByteArray("[Net]\nPort=8080\n"));
+    const QVector<QByteArray> ofEventLoop =
+        callsOf([](IniFileManager&) { QCoreApplication::sendPostedEvents(); });
+    QCOMPARE(readFile(path(QStringLiteral("settings.ini"))), QByteArray("[Net]\nPort=8080\n"));
+    QVERIFY(!ofSync.isEmpty());
+    QCOMPARE(ofEventLoop, ofSync);
 }
 
 void tst_SystemCallFaults::killedAtACall()
