@@ -1,4 +1,5 @@
 # How the plots of docs/performance.md look; tests/benchmarks/report.py adds what they show.
+set encoding utf8
 set terminal svg size 720,400 font "sans,13" background "white"
 set logscale xy
 set format x "10^{%T}"

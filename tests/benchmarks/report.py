@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Runs the benchmark programs and makes tables, plots and the record of their results; see script/bench."""
 
-import argparse
 import concurrent.futures
 import os
 import pathlib
@@ -74,15 +73,10 @@ def readable_count(count):
 
 def markdown(table):
     """The first row is the head."""
-    rule = '|' + '---|' * len(table[0])
-    lines = ['| ' + ' | '.join(row) + ' |' for row in table]
-    return '\n'.join([lines[0], rule, *lines[1:]]) + '\n'
-
-
-def print_table(table):
     widths = [max(map(len, column)) for column in zip(*table)]
-    for row in table:
-        print('  '.join(map(str.ljust, row, widths)).rstrip())
+    lines = ['| ' + ' | '.join(map(str.ljust, row, widths)) + ' |\n' for row in table]
+    lines.insert(1, '|' + ''.join('-' * (width + 2) + '|' for width in widths) + '\n')
+    return ''.join(lines)
 
 
 def read_numbers(path):
@@ -103,6 +97,8 @@ def measure_times(programs, is_quick, folder):
     """Nanoseconds per call, by row."""
     times = {}
     for program in programs:
+        if program == 'LibraryFile':
+            continue
         print(f'script/bench: {program}', flush=True)
         run([BUILD / f'bin/tst_bench_{program}', '-median', '1' if is_quick else '5',
              '-o', 'times.csv,csv', '-o', '-,txt'], cwd=folder, env={**os.environ, 'TMPDIR': str(folder)})
@@ -241,6 +237,7 @@ def record(counts):
              *(f'# {tool}' for tool in tools()),
              *('\t'.join((*key, f'{value:.1f}'.removesuffix('.0'))) for key, value in counts.items())]
     RECORD.write_text('\n'.join(lines) + '\n', encoding='utf-8')
+    print(f'script/bench: {len(counts)} counts are now in {RECORD}')
 
 
 def compare(counts, programs):
@@ -258,7 +255,7 @@ def compare(counts, programs):
         failures += bool(verdict)
         change = f'{(now / before - 1) * 100:+.1f} %' if before and now is not None else ''
         table.append([*key, readable_count(before), readable_count(now), change, verdict])
-    print_table(table)
+    print(markdown(table))
     if any(f'# {tool}\n' not in RECORD.read_text(encoding='utf-8') for tool in tools()):
         print('The record was made with other tools, which changes counts; these are', tools())
     print(f'script/bench: {len(counts)} counts; {failures} grew or do not match the record')
@@ -286,28 +283,22 @@ def update_page(times, counts):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    for option in ('--quick', '--counts', '--record', '--update-docs'):
-        parser.add_argument(option, action='store_true')
-    parser.add_argument('names', nargs='+')
-    arguments = parser.parse_args()
+    options = [argument for argument in sys.argv[1:] if argument.startswith('--')]
+    names = [argument for argument in sys.argv[1:] if argument not in options]
     # In memory, where possible: otherwise a disk would be measured.
     memory = '/dev/shm' if os.access('/dev/shm', os.W_OK) else None
     with tempfile.TemporaryDirectory(prefix='misctools-bench.', dir=memory) as folder:
         folder = pathlib.Path(folder)
-        if arguments.counts:
-            counts = count(arguments.names, folder)
-            if arguments.record:
-                record(counts)
-            elif compare(counts, arguments.names) > 0:
-                sys.exit(1)
-            return
-        programs = [name for name in arguments.names if name != 'LibraryFile']
-        times = measure_times(programs, arguments.quick, folder)
-        print_table(times_table(times, read_numbers(TARGETS)))
-        if arguments.update_docs:
-            plot(times)
-            update_page(times, count(arguments.names, folder))
+        if '--record' in options:
+            record(count(names, folder))
+        elif '--counts' in options:
+            sys.exit(compare(count(names, folder), names) > 0)
+        else:
+            times = measure_times(names, '--quick' in options, folder)
+            print(markdown(times_table(times, read_numbers(TARGETS))))
+            if '--update-docs' in options:
+                plot(times)
+                update_page(times, count(names, folder))
 
 
 main()

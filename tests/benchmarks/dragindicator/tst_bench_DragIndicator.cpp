@@ -3,17 +3,6 @@
 
 using namespace Benchmark;
 
-class tst_bench_DragIndicator : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void compute_data();
-    void compute() { runRow(); }
-    void computeOnCopy_data();
-    void computeOnCopy() { runRow(); }
-};
-
 namespace {
 
 DragIndicator indicator()
@@ -24,48 +13,49 @@ DragIndicator indicator()
     return result;
 }
 
-struct Extremes
-{
-    double min = -100;
-    double max = 100;
-    bool isInitialized = true;
-};
-
 } // namespace
 
-// A value within the range changes nothing.
-void tst_bench_DragIndicator::compute_data()
+class tst_bench_DragIndicator : public QObject
 {
-    const auto misctools = [](int calls) {
-        DragIndicator subject = indicator();
-        measureCalls(
-            calls, [&] { return subject.compute(1.5); }, false);
-    };
-    const auto comparisons = [](int calls) {
-        const Extremes records[2];
-        const auto compute = [&records] {
-            bool isChanged = false;
-            for (const Extremes& each : records) {
-                keep(each);
-                isChanged = isChanged || !each.isInitialized || each.max < 1.5 || each.min > 1.5;
-            }
-            return isChanged;
-        };
-        measureCalls(calls, compute, false);
-    };
-    addRows({{"MiscTools", misctools}, {"comparisons alone", comparisons}}, "calls", {1000});
-}
+    Q_OBJECT
 
-// A copy shares its records with the original until they change.
-void tst_bench_DragIndicator::computeOnCopy_data()
-{
-    const auto misctools = [](int calls) {
-        const DragIndicator original = indicator();
-        measureCalls(
-            calls, [&] { return DragIndicator(original).compute(1.5); }, false);
-    };
-    addRows({{"MiscTools", misctools}}, "calls", {1000});
-}
+private Q_SLOTS:
+    // A value within the range changes nothing.
+    void compute() { runRow(); }
+    void compute_data()
+    {
+        const Rows rows("calls", {1000});
+        rows.add("MiscTools", [](int calls) {
+            DragIndicator subject = indicator();
+            measureCalls(
+                calls, [&] { return subject.compute(1.5); }, false);
+        });
+        rows.add("comparisons alone", [](int calls) {
+            const double extremes[][2] = {{-100, 100}, {-100, 100}};
+            const auto compute = [&extremes] {
+                bool isChanged = false;
+                for (const auto& [min, max] : extremes) {
+                    keep(min);
+                    isChanged = isChanged || max < 1.5 || min > 1.5;
+                }
+                return isChanged;
+            };
+            measureCalls(calls, compute, false);
+        });
+    }
+
+    // A copy shares its records with the original until they change.
+    void computeOnCopy() { runRow(); }
+    void computeOnCopy_data()
+    {
+        const Rows rows("calls", {1000});
+        rows.add("MiscTools", [](int calls) {
+            const DragIndicator original = indicator();
+            measureCalls(
+                calls, [&] { return DragIndicator(original).compute(1.5); }, false);
+        });
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_bench_DragIndicator)
 #include "tst_bench_DragIndicator.moc"

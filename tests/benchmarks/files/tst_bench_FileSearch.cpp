@@ -5,17 +5,6 @@
 
 using namespace Benchmark;
 
-class tst_bench_FileSearch : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void searchFilesOnPathRecursive_data();
-    void searchFilesOnPathRecursive() { runRow(); }
-    void searchIniFiles_data();
-    void searchIniFiles() { runRow(); }
-};
-
 namespace {
 
 // Directories of a hundred files each; each tenth file is an INI file.
@@ -84,20 +73,28 @@ void measureStandardWalk(int files)
 
 } // namespace
 
-void tst_bench_FileSearch::searchFilesOnPathRecursive_data()
+class tst_bench_FileSearch : public QObject
 {
-    addRows({{"MiscTools", &measureSearch<all>},
-             {"QDirIterator, walk alone", &measureQtWalk<all>},
-             {"std::filesystem, walk alone", &measureStandardWalk}},
-            "files", {100, 1000, 10000, 100000});
-}
+    Q_OBJECT
 
-void tst_bench_FileSearch::searchIniFiles_data()
-{
-    addRows({{"MiscTools", &measureSearch<iniFiles>},
-             {"QDirIterator, walk alone", &measureQtWalk<iniFiles>}},
-            "files", {1000});
-}
+private Q_SLOTS:
+    void searchFilesOnPathRecursive() { runRow(); }
+    void searchFilesOnPathRecursive_data()
+    {
+        const Rows rows("files", {100, 1000, 10000, 100000});
+        rows.add("MiscTools", &measureSearch<all>);
+        rows.add("QDirIterator, walk alone", &measureQtWalk<all>);
+        rows.add("std::filesystem, walk alone", &measureStandardWalk);
+    }
+
+    void searchIniFiles() { runRow(); }
+    void searchIniFiles_data()
+    {
+        const Rows rows("files", {1000});
+        rows.add("MiscTools", &measureSearch<iniFiles>);
+        rows.add("QDirIterator, walk alone", &measureQtWalk<iniFiles>);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_bench_FileSearch)
 #include "tst_bench_FileSearch.moc"

@@ -8,21 +8,6 @@
 
 using namespace Benchmark;
 
-class tst_bench_TextFileParser : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void load_data();
-    void load() { runRow(); }
-    void loadCarriageReturns_data();
-    void loadCarriageReturns() { runRow(); }
-    void multiMatch_data();
-    void multiMatch() { runRow(); }
-    void matchAtStart_data();
-    void matchAtStart() { runRow(); }
-};
-
 namespace {
 
 constexpr char lineFeed[] = "\n";
@@ -95,53 +80,62 @@ QStringList allMatches(const pcre2_code* code, pcre2_match_data* match, const QS
 
 } // namespace
 
-void tst_bench_TextFileParser::load_data()
+class tst_bench_TextFileParser : public QObject
 {
-    addRows({{"MiscTools", &measureLoad<lineFeed>},
-             {"readAll, QString::fromUtf8", &measureReadAll<lineFeed>}},
-            "bytes", {kibi, 32 * kibi, mebi, 10 * mebi});
-}
+    Q_OBJECT
 
-void tst_bench_TextFileParser::loadCarriageReturns_data()
-{
-    addRows({{"MiscTools", &measureLoad<carriageReturn>},
-             {"readAll, QString::fromUtf8", &measureReadAll<carriageReturn>}},
-            "bytes", {mebi, 10 * mebi});
-}
+private Q_SLOTS:
+    void load() { runRow(); }
+    void load_data()
+    {
+        const Rows rows("bytes", {kibi, 32 * kibi, mebi, 10 * mebi});
+        rows.add("MiscTools", &measureLoad<lineFeed>);
+        rows.add("readAll, QString::fromUtf8", &measureReadAll<lineFeed>);
+    }
 
-void tst_bench_TextFileParser::multiMatch_data()
-{
-    const auto misctools = [](int bytes) {
-        TextFileParser parser(logFile<lineFeed>(bytes));
-        const QRegularExpression subject(expression);
-        measure([&] { return parser.multiMatch(subject); }, states(bytes));
-    };
-    const auto pcre = [](int bytes) {
-        const QString text = QString::fromUtf8(content(logFile<lineFeed>(bytes)));
-        int error = 0;
-        PCRE2_SIZE offset = 0;
-        const std::unique_ptr<pcre2_code, decltype(&pcre2_code_free)> code(
-            pcre2_compile(expression.utf16(), PCRE2_ZERO_TERMINATED, PCRE2_UTF, &error, &offset,
-                          nullptr),
-            &pcre2_code_free);
-        const std::unique_ptr<pcre2_match_data, decltype(&pcre2_match_data_free)> match(
-            pcre2_match_data_create_from_pattern(code.get(), nullptr), &pcre2_match_data_free);
-        QCOMPARE(pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE), 0);
-        measure([&] { return allMatches(code.get(), match.get(), text); }, states(bytes));
-    };
-    addRows({{"MiscTools", misctools}, {"PCRE2-16, JIT", pcre}}, "bytes",
-            {kibi, 32 * kibi, mebi, 10 * mebi});
-}
+    void loadCarriageReturns() { runRow(); }
+    void loadCarriageReturns_data()
+    {
+        const Rows rows("bytes", {mebi, 10 * mebi});
+        rows.add("MiscTools", &measureLoad<carriageReturn>);
+        rows.add("readAll, QString::fromUtf8", &measureReadAll<carriageReturn>);
+    }
 
-void tst_bench_TextFileParser::matchAtStart_data()
-{
-    const auto misctools = [](int bytes) {
-        TextFileParser parser(logFile<lineFeed>(bytes));
-        const QRegularExpression subject(expression);
-        measure([&] { return parser.match(subject); }, QStringLiteral("number0"));
-    };
-    addRows({{"MiscTools", misctools}}, "bytes", {kibi, 32 * kibi, mebi, 10 * mebi});
-}
+    void multiMatch() { runRow(); }
+    void multiMatch_data()
+    {
+        const Rows rows("bytes", {kibi, 32 * kibi, mebi, 10 * mebi});
+        rows.add("MiscTools", [](int bytes) {
+            TextFileParser parser(logFile<lineFeed>(bytes));
+            const QRegularExpression subject(expression);
+            measure([&] { return parser.multiMatch(subject); }, states(bytes));
+        });
+        rows.add("PCRE2-16, JIT", [](int bytes) {
+            const QString text = QString::fromUtf8(content(logFile<lineFeed>(bytes)));
+            int error = 0;
+            PCRE2_SIZE offset = 0;
+            const std::unique_ptr<pcre2_code, decltype(&pcre2_code_free)> code(
+                pcre2_compile(expression.utf16(), PCRE2_ZERO_TERMINATED, PCRE2_UTF, &error, &offset,
+                              nullptr),
+                &pcre2_code_free);
+            const std::unique_ptr<pcre2_match_data, decltype(&pcre2_match_data_free)> match(
+                pcre2_match_data_create_from_pattern(code.get(), nullptr), &pcre2_match_data_free);
+            QCOMPARE(pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE), 0);
+            measure([&] { return allMatches(code.get(), match.get(), text); }, states(bytes));
+        });
+    }
+
+    void matchAtStart() { runRow(); }
+    void matchAtStart_data()
+    {
+        const Rows rows("bytes", {kibi, 32 * kibi, mebi, 10 * mebi});
+        rows.add("MiscTools", [](int bytes) {
+            TextFileParser parser(logFile<lineFeed>(bytes));
+            const QRegularExpression subject(expression);
+            measure([&] { return parser.match(subject); }, QStringLiteral("number0"));
+        });
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_bench_TextFileParser)
 #include "tst_bench_TextFileParser.moc"

@@ -10,24 +10,22 @@ class tst_bench_UniqueIdGenerator : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void getId_data();
     void getId() { runRow(); }
+    void getId_data()
+    {
+        const Rows rows("calls", {1000});
+        rows.add("MiscTools", [](int calls) {
+            const auto nextId = [] { return int(UniqueIdGenerator::getInstance().getId()); };
+            const int first = nextId();
+            measureCalls(calls, nextId, first + calls);
+        });
+        rows.add("std::atomic<int>, increment", [](int calls) {
+            std::atomic<int> last(0);
+            measureCalls(
+                calls, [&last] { return ++last; }, calls);
+        });
+    }
 };
-
-void tst_bench_UniqueIdGenerator::getId_data()
-{
-    const auto misctools = [](int calls) {
-        const auto nextId = [] { return int(UniqueIdGenerator::getInstance().getId()); };
-        const int first = nextId();
-        measureCalls(calls, nextId, first + calls);
-    };
-    const auto atomic = [](int calls) {
-        std::atomic<int> last(0);
-        measureCalls(
-            calls, [&last] { return ++last; }, calls);
-    };
-    addRows({{"MiscTools", misctools}, {"std::atomic<int>, increment", atomic}}, "calls", {1000});
-}
 
 QTEST_GUILESS_MAIN(tst_bench_UniqueIdGenerator)
 #include "tst_bench_UniqueIdGenerator.moc"

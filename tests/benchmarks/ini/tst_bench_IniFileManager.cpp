@@ -12,27 +12,6 @@
 
 using namespace Benchmark;
 
-class tst_bench_IniFileManager : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void getValueHit_data();
-    void getValueHit() { runRow(); }
-    void getValueMiss_data();
-    void getValueMiss() { runRow(); }
-    void getGroupValues_data();
-    void getGroupValues() { runRow(); }
-    void indexedGetter_data();
-    void indexedGetter() { runRow(); }
-    void getGeneralValue_data();
-    void getGeneralValue() { runRow(); }
-    void openAndRead_data();
-    void openAndRead() { runRow(); }
-    void cleanUp_data();
-    void cleanUp() { runRow(); }
-};
-
 namespace {
 
 const QString group = QStringLiteral("Group");
@@ -46,6 +25,11 @@ QString keyName(int number)
 QString valueText(int number)
 {
     return QStringLiteral("value of %1").arg(number);
+}
+
+QVariant value(int number)
+{
+    return valueText(number);
 }
 
 QMap<QString, QVariant> allValues(int keys)
@@ -64,19 +48,14 @@ void writeKeys(QIODevice& file, int keys)
     }
 }
 
-// One section with this many keys.
-QString fileWithKeys(int keys)
+// One section with this many keys, or none around them.
+QString fileWithKeys(int keys, const QByteArray& section = "[Group]\n")
 {
-    return file(QStringLiteral("keys-%1.ini").arg(keys), [keys](QIODevice& file) {
-        file.write("[Group]\n");
+    const QString name = QStringLiteral("%1-keys-%2.ini").arg(keys).arg(section.size());
+    return file(name, [keys, section](QIODevice& file) {
+        file.write(section);
         writeKeys(file, keys);
     });
-}
-
-QString fileWithTopLevelKeys(int keys)
-{
-    return file(QStringLiteral("top-level-%1.ini").arg(keys),
-                [keys](QIODevice& file) { writeKeys(file, keys); });
 }
 
 // Each section has its own number as Position.
@@ -92,65 +71,66 @@ QString fileWithSections(int sections)
 
 // Sections of fifty keys, in a file with forty names. QSettings keeps what it parsed for the thirty
 // files that were closed last, so it only reads a file again under a name not used for a while.
-constexpr int names = 40;
-
-QString name(const QString& filePath, int number)
+class FileWithManyNames
 {
-    return filePath + QLatin1Char('-') + QString::number(number % names);
-}
-
-QString fileWithManyNames(int bytes)
-{
-    const QString result = file(QStringLiteral("size-%1.ini").arg(bytes), [bytes](QIODevice& file) {
-        file.write("[Group]\n");
-        writeKeys(file, 50);
-        for (int i = 0; file.pos() < bytes; ++i) {
-            file.write("[Other" + QByteArray::number(i) + "]\n");
+public:
+    explicit FileWithManyNames(int bytes)
+        : m_path(file(QStringLiteral("size-%1.ini").arg(bytes), [bytes](QIODevice& file) {
+            file.write("[Group]\n");
             writeKeys(file, 50);
+            for (int i = 0; file.pos() < bytes; ++i) {
+                file.write("[Other" + QByteArray::number(i) + "]\n");
+                writeKeys(file, 50);
+            }
+        }))
+    {
+        while (!QFile::exists(next())) {
+            std::filesystem::create_hard_link(m_path.toStdString(), name().toStdString());
         }
-    });
-    for (int i = 0; i < names && !QFile::exists(name(result, i)); ++i) {
-        std::filesystem::create_hard_link(result.toStdString(), name(result, i).toStdString());
     }
-    return result;
-}
 
-QString nextName(const QString& filePath)
-{
-    static int last = 0;
-    return name(filePath, ++last);
-}
+    QString next()
+    {
+        ++theNumber;
+        return name();
+    }
+
+private:
+    QString name() const { return m_path + QString::number(theNumber % 40); }
+
+    // Common to all: Qt Test calls a test function, which makes such a file, several times.
+    static inline int theNumber = 0;
+    QString m_path;
+};
 
 // The plain way to a value that may be missing.
 QVariant listedValue(QSettings& settings, const QString& key)
 {
-    QVariant value;
+    QVariant result;
     settings.beginGroup(group);
     if (settings.childKeys().contains(key)) {
-        value = settings.value(key);
+        result = settings.value(key);
     } else {
         qWarning() << "Ini-File" << settings.fileName() << "Key" << key << "not found in" << group;
     }
     settings.endGroup();
-    return value;
+    return result;
 }
 
 // Before each call the file is copied, which is measured as well.
-void measureCleanUp(int bytes, void (*cleanUp)(const QString& filePath))
+template <void (*cleanUp)(const QString& filePath)>
+void measureCleanUp(int bytes)
 {
     const auto lines = [bytes](const QString& name, const QByteArray& line) {
-        return file(name.arg(bytes), [bytes, &line](QIODevice& file) {
-            for (int i = 0; i < bytes / 50; ++i) {
-                file.write(line);
-            }
-        });
+        return file(name.arg(bytes),
+                    [&](QIODevice& file) { file.write(line.repeated(bytes / 50)); });
     };
     const QString original = lines(QStringLiteral("original-%1.ini"),
                                    "Name=first%20part, second part %23 12, and so on\r\n");
     const QString expected = lines(QStringLiteral("expected-%1.ini"),
                                    "Name=first%20part  second part # 12  and so on\n");
     const QString copy = path(QStringLiteral("copy.ini"));
-    const auto copyAndCleanUp = [&original, &copy, cleanUp] {
+    const auto copyAndCleanUp = [&] {
         std::filesystem::copy_file(original.toStdString(), copy.toStdString(),
                                    std::filesystem::copy_options::overwrite_existing);
         cleanUp(copy);
@@ -176,153 +156,153 @@ void cleanUpLiterally(const QString& filePath)
 
 } // namespace
 
-void tst_bench_IniFileManager::getValueHit_data()
+class tst_bench_IniFileManager : public QObject
 {
-    const auto misctools = [](int keys) {
-        const IniFileManager file(fileWithKeys(keys), "UTF-8");
-        const QString key = keyName(keys / 2);
-        measure([&] { return file.getValue(group, key, QVariant()); },
-                QVariant(valueText(keys / 2)));
-    };
-    const auto settings = [](int keys) {
-        const QSettings file(fileWithKeys(keys), QSettings::IniFormat);
-        QMutex mutex(QMutex::Recursive);
-        const QString key = group + QLatin1Char('/') + keyName(keys / 2);
-        const auto value = [&] {
-            const QMutexLocker locker(&mutex);
-            return file.value(key);
-        };
-        measure(value, QVariant(valueText(keys / 2)));
-    };
-    const auto kconfig = [](int keys) {
-        const KConfig file(fileWithKeys(keys), KConfig::SimpleConfig);
-        const KConfigGroup section(&file, group);
-        const QString key = keyName(keys / 2);
-        measure([&] { return section.readEntry(key, QString()); }, valueText(keys / 2));
-    };
-    const auto simpleIni = [](int keys) {
-        CSimpleIniCaseA file;
-        file.LoadFile(fileWithKeys(keys).toLocal8Bit().constData());
-        const QByteArray key = keyName(keys / 2).toUtf8();
-        const auto check = [keys](const char* value) {
-            QCOMPARE(QString::fromUtf8(value), valueText(keys / 2));
-        };
-        measureChecked([&] { return file.GetValue("Group", key.constData()); }, check);
-    };
-    const auto listing = [](int keys) {
-        QSettings file(fileWithKeys(keys), QSettings::IniFormat);
-        const QString key = keyName(keys / 2);
-        measure([&] { return listedValue(file, key); }, QVariant(valueText(keys / 2)));
-    };
-    addRows({{"MiscTools", misctools},
-             {"QSettings::value, mutex", settings},
-             {"KConfigGroup::readEntry", kconfig},
-             {"CSimpleIni::GetValue", simpleIni},
-             {"childKeys, value", listing}},
-            "keys", {10, 100, 1000, 10000});
-}
+    Q_OBJECT
 
-void tst_bench_IniFileManager::getValueMiss_data()
-{
-    const auto misctools = [](int keys) {
-        const IniFileManager file(fileWithKeys(keys), "UTF-8");
-        measure([&] { return file.getValue(group, missingKey, QVariant()); }, QVariant(), 1);
-    };
-    const auto listing = [](int keys) {
-        QSettings file(fileWithKeys(keys), QSettings::IniFormat);
-        measure([&] { return listedValue(file, missingKey); }, QVariant(), 1);
-    };
-    addRows({{"MiscTools", misctools}, {"childKeys, message", listing}}, "keys", {1000, 10000});
-}
+private Q_SLOTS:
+    void getValueHit() { runRow(); }
+    void getValueHit_data()
+    {
+        const Rows rows("keys", {10, 100, 1000, 10000});
+        rows.add("MiscTools", [](int keys) {
+            const IniFileManager file(fileWithKeys(keys), "UTF-8");
+            const QString key = keyName(keys / 2);
+            measure([&] { return file.getValue(group, key, QVariant()); }, value(keys / 2));
+        });
+        rows.add("QSettings::value, mutex", [](int keys) {
+            const QSettings file(fileWithKeys(keys), QSettings::IniFormat);
+            QMutex mutex(QMutex::Recursive);
+            const QString key = group + QLatin1Char('/') + keyName(keys / 2);
+            const auto lockedValue = [&] {
+                const QMutexLocker locker(&mutex);
+                return file.value(key);
+            };
+            measure(lockedValue, value(keys / 2));
+        });
+        rows.add("KConfigGroup::readEntry", [](int keys) {
+            const KConfig file(fileWithKeys(keys), KConfig::SimpleConfig);
+            const KConfigGroup section(&file, group);
+            const QString key = keyName(keys / 2);
+            measure([&] { return section.readEntry(key, QString()); }, valueText(keys / 2));
+        });
+        rows.add("CSimpleIni::GetValue", [](int keys) {
+            CSimpleIniCaseA file;
+            file.LoadFile(fileWithKeys(keys).toLocal8Bit().constData());
+            const QByteArray key = keyName(keys / 2).toUtf8();
+            const auto check = [keys](const char* result) {
+                QCOMPARE(QString::fromUtf8(result), valueText(keys / 2));
+            };
+            measureChecked([&] { return file.GetValue("Group", key.constData()); }, check);
+        });
+        rows.add("childKeys, value", [](int keys) {
+            QSettings file(fileWithKeys(keys), QSettings::IniFormat);
+            const QString key = keyName(keys / 2);
+            measure([&] { return listedValue(file, key); }, value(keys / 2));
+        });
+    }
 
-void tst_bench_IniFileManager::getGroupValues_data()
-{
-    const auto misctools = [](int keys) {
-        const IniFileManager file(fileWithKeys(keys), "UTF-8");
-        measure([&] { return file.getGroupValues(group); }, allValues(keys));
-    };
-    const auto settings = [](int keys) {
-        QSettings file(fileWithKeys(keys), QSettings::IniFormat);
-        file.beginGroup(group);
-        measure([&] { return file.childKeys(); }, QStringList(allValues(keys).keys()));
-    };
-    addRows({{"MiscTools", misctools}, {"QSettings::childKeys", settings}}, "keys",
-            {10, 100, 1000, 10000});
-}
+    void getValueMiss() { runRow(); }
+    void getValueMiss_data()
+    {
+        const Rows rows("keys", {1000, 10000});
+        rows.add("MiscTools", [](int keys) {
+            const IniFileManager file(fileWithKeys(keys), "UTF-8");
+            measure([&] { return file.getValue(group, missingKey, QVariant()); }, QVariant(), 1);
+        });
+        rows.add("childKeys, message", [](int keys) {
+            QSettings file(fileWithKeys(keys), QSettings::IniFormat);
+            measure([&] { return listedValue(file, missingKey); }, QVariant(), 1);
+        });
+    }
 
-// Of the last section, so that all are examined.
-void tst_bench_IniFileManager::indexedGetter_data()
-{
-    const auto misctools = [](int sections) {
-        const IniFileManager file(fileWithSections(sections), "UTF-8");
-        const QString key = QStringLiteral("Name");
-        measure([&] { return file.getValueString(sections - 1, key, QString()); },
-                valueText(sections - 1));
-    };
-    const auto settings = [](int sections) {
-        const QSettings file(fileWithSections(sections), QSettings::IniFormat);
-        measure([&] { return file.childGroups(); }, QStringList(allValues(sections).keys()));
-    };
-    addRows({{"MiscTools", misctools}, {"QSettings::childGroups", settings}}, "sections",
-            {10, 100, 1000, 10000});
-}
+    void getGroupValues() { runRow(); }
+    void getGroupValues_data()
+    {
+        const Rows rows("keys", {10, 100, 1000, 10000});
+        rows.add("MiscTools", [](int keys) {
+            const IniFileManager file(fileWithKeys(keys), "UTF-8");
+            measure([&] { return file.getGroupValues(group); }, allValues(keys));
+        });
+        rows.add("QSettings::childKeys", [](int keys) {
+            QSettings file(fileWithKeys(keys), QSettings::IniFormat);
+            file.beginGroup(group);
+            measure([&] { return file.childKeys(); }, QStringList(allValues(keys).keys()));
+        });
+    }
 
-// Each read of a key without a group lists all of them.
-void tst_bench_IniFileManager::getGeneralValue_data()
-{
-    const auto misctools = [](int keys) {
-        const IniFileManager file(fileWithTopLevelKeys(keys), "UTF-8");
-        const QString key = keyName(keys / 2);
-        measure([&] { return file.getGeneralValue(key, QVariant()); },
-                QVariant(valueText(keys / 2)));
-    };
-    const auto wholeGroup = [](int keys) {
-        const IniFileManager file(fileWithTopLevelKeys(keys), "UTF-8");
-        measure([&] { return file.getGroupValues(QString()); }, allValues(keys));
-    };
-    addRows({{"MiscTools", misctools}, {"getGroupValues of all", wholeGroup}}, "keys", {1000});
-}
+    // Of the last section, so that all are examined.
+    void indexedGetter() { runRow(); }
+    void indexedGetter_data()
+    {
+        const Rows rows("sections", {10, 100, 1000, 10000});
+        rows.add("MiscTools", [](int sections) {
+            const IniFileManager file(fileWithSections(sections), "UTF-8");
+            const QString key = QStringLiteral("Name");
+            measure([&] { return file.getValueString(sections - 1, key, QString()); },
+                    valueText(sections - 1));
+        });
+        rows.add("QSettings::childGroups", [](int sections) {
+            const QSettings file(fileWithSections(sections), QSettings::IniFormat);
+            measure([&] { return file.childGroups(); }, QStringList(allValues(sections).keys()));
+        });
+    }
 
-void tst_bench_IniFileManager::openAndRead_data()
-{
-    static const QString key = keyName(25);
-    static const QString text = valueText(25);
-    const auto misctools = [](int bytes) {
-        const QString filePath = fileWithManyNames(bytes);
-        const auto read = [&filePath] {
-            return IniFileManager(nextName(filePath), "UTF-8").getValue(group, key, QVariant());
-        };
-        measure(read, QVariant(text));
-    };
-    const auto settings = [](int bytes) {
-        const QString filePath = fileWithManyNames(bytes);
-        const auto read = [&filePath] {
-            QSettings file(nextName(filePath), QSettings::IniFormat);
-            file.setIniCodec("UTF-8");
-            return file.value(group + QLatin1Char('/') + key);
-        };
-        measure(read, QVariant(text));
-    };
-    const auto kconfig = [](int bytes) {
-        const QString filePath = fileWithManyNames(bytes);
-        const auto read = [&filePath] {
-            const KConfig file(nextName(filePath), KConfig::SimpleConfig);
-            return KConfigGroup(&file, group).readEntry(key, QString());
-        };
-        measure(read, text);
-    };
-    addRows(
-        {{"MiscTools", misctools}, {"QSettings, value", settings}, {"KConfig, readEntry", kconfig}},
-        "bytes", {kibi, 32 * kibi, mebi});
-}
+    // Each read of a key without a group lists all of them.
+    void getGeneralValue() { runRow(); }
+    void getGeneralValue_data()
+    {
+        const Rows rows("keys", {1000});
+        rows.add("MiscTools", [](int keys) {
+            const IniFileManager file(fileWithKeys(keys, QByteArray()), "UTF-8");
+            const QString key = keyName(keys / 2);
+            measure([&] { return file.getGeneralValue(key, QVariant()); }, value(keys / 2));
+        });
+        rows.add("getGroupValues of all", [](int keys) {
+            const IniFileManager file(fileWithKeys(keys, QByteArray()), "UTF-8");
+            measure([&] { return file.getGroupValues(QString()); }, allValues(keys));
+        });
+    }
 
-void tst_bench_IniFileManager::cleanUp_data()
-{
-    const auto misctools = [](int bytes) { measureCleanUp(bytes, &IniFileManager::cleanUp); };
-    const auto literal = [](int bytes) { measureCleanUp(bytes, &cleanUpLiterally); };
-    addRows({{"MiscTools", misctools}, {"QFile, functions, QSaveFile", literal}}, "bytes",
-            {kibi, 32 * kibi, 256 * kibi, mebi});
-}
+    void openAndRead() { runRow(); }
+    void openAndRead_data()
+    {
+        static const QString key = keyName(25);
+        const Rows rows("bytes", {kibi, 32 * kibi, mebi});
+        rows.add("MiscTools", [](int bytes) {
+            FileWithManyNames file(bytes);
+            const auto read = [&file] {
+                return IniFileManager(file.next(), "UTF-8").getValue(group, key, QVariant());
+            };
+            measure(read, value(25));
+        });
+        rows.add("QSettings, value", [](int bytes) {
+            FileWithManyNames file(bytes);
+            const auto read = [&file] {
+                QSettings settings(file.next(), QSettings::IniFormat);
+                settings.setIniCodec("UTF-8");
+                return settings.value(group + QLatin1Char('/') + key);
+            };
+            measure(read, value(25));
+        });
+        rows.add("KConfig, readEntry", [](int bytes) {
+            FileWithManyNames file(bytes);
+            const auto read = [&file] {
+                const KConfig config(file.next(), KConfig::SimpleConfig);
+                return KConfigGroup(&config, group).readEntry(key, QString());
+            };
+            measure(read, valueText(25));
+        });
+    }
+
+    void cleanUp() { runRow(); }
+    void cleanUp_data()
+    {
+        const Rows rows("bytes", {kibi, 32 * kibi, 256 * kibi, mebi});
+        rows.add("MiscTools", &measureCleanUp<&IniFileManager::cleanUp>);
+        rows.add("QFile, functions, QSaveFile", &measureCleanUp<&cleanUpLiterally>);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_bench_IniFileManager)
 #include "tst_bench_IniFileManager.moc"

@@ -3,7 +3,6 @@
 
 #include <QtTest/QtTest>
 
-#include <functional>
 #include <initializer_list>
 
 /*
@@ -15,38 +14,93 @@ namespace Benchmark {
 // Prepares the work for a size, and calls one of the functions below that measure.
 using Run = void (*)(int size);
 
-struct Contender
+} // namespace Benchmark
+
+Q_DECLARE_METATYPE(Benchmark::Run)
+
+namespace Benchmark {
+
+class Rows
 {
-    const char* name;
-    Run run;
+public:
+    explicit Rows(const QByteArray& unit = QByteArray(), std::initializer_list<int> sizes = {0})
+        : m_unit(unit), m_sizes(sizes)
+    {
+        QTest::addColumn<Run>("run");
+        QTest::addColumn<int>("size");
+    }
+
+    void add(const QByteArray& contender, Run run) const
+    {
+        for (const int size : m_sizes) {
+            const QByteArray suffix = ", " + QByteArray::number(size) + ' ' + m_unit;
+            QTest::newRow(contender + (m_unit.isEmpty() ? "" : suffix)) << run << size;
+        }
+    }
+
+private:
+    QByteArray m_unit;
+    QVector<int> m_sizes;
 };
 
-void addRows(std::initializer_list<Contender> contenders, const char* unit = nullptr,
-             std::initializer_list<int> sizes = {0});
-void runRow();
+inline void runRow()
+{
+    QFETCH(Run, run);
+    QFETCH(int, size);
+    run(size);
+}
 
 constexpr int kibi = 1024;
 constexpr int mebi = 1024 * kibi;
 
 // In a directory that lives as long as the program.
-QString path(const QString& name);
+inline QString path(const QString& name)
+{
+    static const QTemporaryDir directory(QDir::tempPath() + QStringLiteral("/bench-XXXXXX"));
+    return directory.filePath(name);
+}
+
 // The path of a file there, which write fills unless the file exists.
-QString file(const QString& name, const std::function<void(QIODevice&)>& write);
-QByteArray content(const QString& filePath);
-QByteArray digest(const QString& filePath, QCryptographicHash::Algorithm algorithm);
+template <typename Write>
+QString file(const QString& name, const Write& write)
+{
+    QFile file(path(name));
+    if (!file.exists()) {
+        if (!file.open(QIODevice::WriteOnly)) {
+            qFatal("cannot write %s", qPrintable(file.fileName()));
+        }
+        write(file);
+    }
+    return file.fileName();
+}
+
+inline QByteArray content(const QString& filePath)
+{
+    QFile file(filePath);
+    return file.open(QIODevice::ReadOnly | QIODevice::Text) ? file.readAll() : QByteArray();
+}
+
+inline QByteArray digest(const QString& filePath, QCryptographicHash::Algorithm algorithm)
+{
+    QFile file(filePath);
+    QCryptographicHash hash(algorithm);
+    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result() : QByteArray();
+}
 
 // Counts log messages while it lives, and prints none: that would take longer than what is
 // measured.
 class MessageCounter
 {
 public:
-    MessageCounter();
-    ~MessageCounter();
+    MessageCounter() : m_previousHandler(qInstallMessageHandler(&countMessage)) { count = 0; }
+    ~MessageCounter() { qInstallMessageHandler(m_previousHandler); }
 
-    int count() const;
+    static inline int count = 0;
 
 private:
     Q_DISABLE_COPY(MessageCounter)
+
+    static void countMessage(QtMsgType, const QMessageLogContext&, const QString&) { ++count; }
 
     QtMessageHandler m_previousHandler;
 };
@@ -65,8 +119,10 @@ void measureChecked(const Call& call, const Check& check, int messages = 0)
 {
     const MessageCounter counter;
     check(call());
-    QCOMPARE(counter.count(), messages);
+    QCOMPARE(counter.count, messages);
     if (!QTest::currentTestFailed()) {
+        // So that the heap has what a call frees, whatever the check has allocated.
+        keep(call());
         QBENCHMARK
         {
             keep(call());
@@ -96,7 +152,5 @@ void measureCalls(int calls, const Call& call, const Result& expected)
 }
 
 } // namespace Benchmark
-
-Q_DECLARE_METATYPE(Benchmark::Run)
 
 #endif
