@@ -141,6 +141,7 @@ private Q_SLOTS:
     void textDatesStay_data();
     void textDatesStay();
     void copiesAreIndependent();
+    void recordsStaySharedUntilOneChanges();
     void tellsIsoDates_data();
     void tellsIsoDates();
 
@@ -664,6 +665,24 @@ void tst_DragIndicator::copiesAreIndependent()
     QVERIFY(!original.compute(5));
     QVERIFY(!copy.compute(5));
     QVERIFY(Records::takeTextDateImported(assigned));
+}
+
+void tst_DragIndicator::recordsStaySharedUntilOneChanges()
+{
+    // Behind the table of virtual functions, what the list of records has on the heap.
+    const auto records = [](const DragIndicator& indicator) {
+        return reinterpret_cast<const void* const*>(&indicator)[1];
+    };
+    DragIndicator indicator;
+    indicator.compute(1.0);
+    indicator.compute(3.0);
+    const DragIndicator copy = indicator;
+    for (const double value : {2.0, 1.0, 3.0}) {
+        QVERIFY(!indicator.compute(value));
+        QCOMPARE(records(indicator), records(copy));
+    }
+    QVERIFY(indicator.compute(4.0));
+    QVERIFY(records(indicator) != records(copy));
 }
 
 void tst_DragIndicator::tellsIsoDates_data()
