@@ -41,9 +41,12 @@ struct FaultyRun
 };
 
 /*
- * Runs a function in a forked copy of this process, and asks the kernel to be told of each call
- * that deals with files and processes before it is made. That sees what the C library does by
- * itself as well, needs no privileges, and takes a millisecond.
+ * Fault injection: runs a function in a forked copy of this process and makes one of its system
+ * calls fail, kill the process, or transfer half the bytes. A seccomp filter has the kernel ask
+ * this process before each call that deals with files and processes; the answer is to go on, an
+ * error, or a kill. A test runs the function without a fault to count its calls, and then once for
+ * each call, so that every error path is taken, those in Qt and the C library too. Needs no
+ * privileges; a run takes a millisecond.
  */
 namespace FaultyProcess {
 

@@ -1,5 +1,7 @@
-"""The library with one line changed: which changes there are, how one is compiled and linked by itself, and
-how a test of another build is run with it."""
+"""Mutation testing: would the tests notice a defect? A mutant is the library with one line of src/ changed
+or left out. This module lists the mutants of a file, compiles one (the changed source, then the link) and
+runs a test program of the dev build with it, which finds it through LD_LIBRARY_PATH. A mutant that passes
+shows that a test is missing."""
 
 import os
 import pathlib

@@ -1,7 +1,8 @@
-// What the thread sanitizer cannot see of Qt, as the distribution's Qt is not built with it: that a
-// QMutex is a lock, that a QSemaphore orders what is done on both sides of it, and what a QSettings
-// object keeps without a lock of its own. In a test that this file is linked into, these functions
-// stand in for Qt's, tell the sanitizer, and call Qt's.
+// Shows the thread sanitizer what Qt does. The sanitizer sees only code that was compiled with it,
+// and the distribution's Qt was not: it would report races under a QMutex or across a QSemaphore,
+// where there are none, and miss races on the fields that a QSettings object does not guard itself.
+// A test that links this file gets wrappers of these Qt functions. Each tells the sanitizer of the
+// lock or the access, and then calls Qt's own function.
 #include <QtCore/QMutex>
 #include <QtCore/QSemaphore>
 #include <QtCore/QSettings>
