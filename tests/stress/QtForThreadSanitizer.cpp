@@ -11,7 +11,11 @@
 
 #include <sanitizer/tsan_interface.h>
 
+#include <cerrno>
+#include <cstdarg>
+
 #include <dlfcn.h>
+#include <sys/syscall.h>
 
 extern "C" {
 // What the compiler calls for an access to one byte.
@@ -72,6 +76,29 @@ void noteWriting(const QSettings* settings)
 }
 
 } // namespace
+
+// Where the kernel has process descriptors, Qt starts processes with the clone system call, which
+// the sanitizer does not see: the child hangs if another thread held one of the sanitizer's own
+// locks at that moment. Qt looks for them with waitid; told that there are none, it calls fork(),
+// which the sanitizer prepares for.
+extern "C" Q_DECL_EXPORT long syscall(long number, ...) noexcept
+{
+    static auto* const callSystem =
+        original<long(long, long, long, long, long, long, long)>("syscall");
+    if (number == SYS_waitid) {
+        errno = ENOSYS;
+        return -1;
+    }
+    va_list list;
+    va_start(list, number);
+    long arguments[6];
+    for (long& argument : arguments) {
+        argument = va_arg(list, long);
+    }
+    va_end(list);
+    return callSystem(number, arguments[0], arguments[1], arguments[2], arguments[3], arguments[4],
+                      arguments[5]);
+}
 
 void QMutex::lock() noexcept
 {
