@@ -10,6 +10,7 @@ import resource
 import shlex
 import signal
 import subprocess
+import threading
 
 LIBRARY = "lib/libMiscTools.so.1.0.0"
 PASSED, FAILED, TIMED_OUT = "passed", "failed", "timed out"
@@ -116,17 +117,29 @@ class Compiler:
 
 
 def run_quietly(command, folder, environment, timeout_in_s, memory_in_bytes=resource.RLIM_INFINITY):
-    """How the command ends: with PASSED, FAILED or TIMED_OUT."""
+    """How the command ends: with PASSED, FAILED or TIMED_OUT. A test is over where it first fails."""
     def limits():
         resource.setrlimit(resource.RLIMIT_AS, (memory_in_bytes, memory_in_bytes))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
     process = subprocess.Popen(command, cwd=folder, env=environment, preexec_fn=limits,
                                start_new_session=True, stdin=subprocess.DEVNULL,
-                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    try:
-        return PASSED if process.wait(timeout_in_s) == 0 else FAILED
-    except subprocess.TimeoutExpired:
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    is_late = threading.Event()
+
+    def end(reason=None):
+        if reason:
+            reason.set()
         os.killpg(process.pid, signal.SIGKILL) # the session that was begun here
-        process.wait()
-        return TIMED_OUT
+
+    clock = threading.Timer(timeout_in_s, end, [is_late])
+    clock.start()
+    with process.stdout as output:
+        has_failed = any(line.startswith(b"FAIL!") for line in output)
+    if has_failed:
+        end()
+    status = process.wait()
+    clock.cancel()
+    if has_failed or not is_late.is_set():
+        return FAILED if has_failed or status != 0 else PASSED
+    return TIMED_OUT

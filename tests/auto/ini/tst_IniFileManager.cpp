@@ -5,6 +5,8 @@
 #include <limits>
 #include <type_traits>
 
+#include <dlfcn.h>
+
 static_assert(!std::is_polymorphic<IniFileManager>::value, "there are no virtual functions");
 static_assert(!std::is_copy_constructible<IniFileManager>::value &&
                   !std::is_copy_assignable<IniFileManager>::value,
@@ -14,6 +16,21 @@ static_assert(sizeof(IniFileManager) == sizeof(QSettings) + sizeof(QMutex),
 static_assert(std::is_same<decltype(&IniFileManager::containsGeneral),
                            bool (IniFileManager::*)(const QString&)>::value,
               "the published signature is not const");
+
+namespace {
+
+int syncs = 0;
+
+} // namespace
+
+// In place of Qt's, for whoever calls it from outside of Qt.
+void QSettings::sync()
+{
+    ++syncs;
+    using Function = void (*)(QSettings*);
+    static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "_ZN9QSettings4syncEv"));
+    next(this);
+}
 
 class tst_IniFileManager : public IniTestCase
 {
@@ -40,6 +57,7 @@ private Q_SLOTS:
     void syncWrites();
     void syncReadsWhatOthersWrote();
     void eventLoopWrites();
+    void eventLoopWritesThroughTheManager();
     void managersOfOnePathShareUnsyncedWrites();
 
     void logInfoNamesTheAbsolutePath_data();
@@ -311,6 +329,22 @@ void tst_IniFileManager::eventLoopWrites()
     QTRY_COMPARE(readFile(iniFile()), QByteArray("[Net]\nPort=80\n"));
     manager.removeValue("Net", "Port");
     QTRY_COMPARE(readFile(iniFile()), QByteArray());
+}
+
+// Its flush is guarded against the writes of other threads, which that of Qt is not.
+void tst_IniFileManager::eventLoopWritesThroughTheManager()
+{
+    writeIni("key=1\n");
+    IniFileManager manager(iniFile(), nullptr);
+    manager.setGeneralValue(QStringLiteral("key"), 2);
+    syncs = 0;
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(syncs, 1);
+    QCOMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
+    // Events of other kinds reach the settings object, which does not take this one.
+    QEvent other(QEvent::LanguageChange);
+    QVERIFY(!QCoreApplication::sendEvent(reinterpret_cast<QSettings*>(&manager), &other));
+    QCOMPARE(syncs, 1);
 }
 
 void tst_IniFileManager::managersOfOnePathShareUnsyncedWrites()
