@@ -585,7 +585,8 @@ void tst_DeviceReport::fullDisk()
     MISCTOOLS_NEED_DEVICE_ROOT();
     copySampleDevice();
     const Result result = runReport({}, QStringLiteral("/dev/full"));
-    QCOMPARE(result.errors, QByteArray("device-report: cannot write the report\n"));
+    QCOMPARE(result.errors,
+             QByteArray("device-report: cannot write standard output: No space left on device\n"));
     QCOMPARE(result.exitCode, 3);
 }
 

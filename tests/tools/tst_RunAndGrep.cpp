@@ -304,14 +304,14 @@ void tst_RunAndGrep::helpNamesEveryExitCode()
 {
     const ProgramResult result = run({QStringLiteral("--help")});
     QCOMPARE(result.errors, QString());
-    QVERIFY2(result.output.contains(
-                 QStringLiteral("\nExit codes:\n"
-                                "  0  something matched\n"
-                                "  1  nothing matched\n"
-                                "  2  wrong usage or an invalid expression\n"
-                                "  3  PROGRAM could not be started, or did not end in time\n"
-                                "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
-                                "  5  a file could not be read or written\n")),
+    QVERIFY2(result.output.contains(QStringLiteral(
+                 "\nExit codes:\n"
+                 "  0  something matched\n"
+                 "  1  nothing matched\n"
+                 "  2  wrong usage or an invalid expression\n"
+                 "  3  PROGRAM could not be started, or did not end in time\n"
+                 "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
+                 "  5  a file could not be read or written, or the output not be written\n")),
              qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }

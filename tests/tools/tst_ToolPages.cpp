@@ -5,6 +5,8 @@
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
 
+#include <csignal>
+
 namespace {
 
 const QString tools = QStringLiteral(PROJECT_FOLDER "/tools");
@@ -67,6 +69,10 @@ private Q_SLOTS:
     void completesValues();
     void versionIsThatOfTheLibrary_data();
     void versionIsThatOfTheLibrary();
+    void lostOutputIsAFailure_data();
+    void lostOutputIsAFailure();
+    void closedPipeEndsQuietly_data();
+    void closedPipeEndsQuietly();
     void pagesAreSound_data();
     void pagesAreSound();
 
@@ -193,10 +199,12 @@ void tst_ToolPages::commandsOfTheImageProgram_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<QStringList>("options"); // beside those of every command
     QTest::newRow("create") << QStringLiteral("create")
-                            << QStringList{"--allow-overlap", "--fill", "--size", "--start"};
-    QTest::newRow("show") << QStringLiteral("show") << QStringList{"--verbose"};
+                            << QStringList{"--allow-overlap", "--fill", "--in-place", "--size",
+                                           "--start"};
+    QTest::newRow("show") << QStringLiteral("show") << QStringList{"--json", "--verbose"};
     QTest::newRow("verify") << QStringLiteral("verify") << QStringList();
     QTest::newRow("dump") << QStringLiteral("dump") << QStringList();
+    QTest::newRow("extract") << QStringLiteral("extract") << QStringList();
 }
 
 void tst_ToolPages::commandsOfTheImageProgram()
@@ -206,7 +214,7 @@ void tst_ToolPages::commandsOfTheImageProgram()
 
     const QString program = QStringLiteral("eeprom-image");
     QVERIFY(completed({program, QString()}).contains(command));
-    QCOMPARE(completed({program, QString()}).size(), 4);
+    QCOMPARE(completed({program, QString()}).size(), 5);
     QVERIFY(help(program).contains(QStringLiteral("\n  eeprom-image %1 ").arg(command)));
     QVERIFY(page(program).contains(QStringLiteral("\n.It Cm %1\n").arg(command)));
 
@@ -216,8 +224,7 @@ void tst_ToolPages::commandsOfTheImageProgram()
     QCOMPARE(offered, options);
     // The program takes each of them: it complains of nothing but the files.
     for (const QString& option : offered) {
-        const bool hasValue =
-            option != QStringLiteral("--verbose") && option != QStringLiteral("--allow-overlap");
+        const bool hasValue = QStringList{"--start", "--size", "--fill"}.contains(option);
         const ProgramResult result =
             ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program,
                        {command, hasValue ? option + QStringLiteral("=1") : option}, folder())
@@ -298,6 +305,64 @@ void tst_ToolPages::versionIsThatOfTheLibrary()
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.exitCode, 0);
     }
+}
+
+void tst_ToolPages::lostOutputIsAFailure_data()
+{
+    eachProgram();
+}
+
+void tst_ToolPages::lostOutputIsAFailure()
+{
+    QFETCH(QString, program);
+    const QString script = QStringLiteral("\"$0\" %1 >/dev/full");
+    for (const char* option : {"--help", "--version"}) {
+        const ProgramResult result =
+            ProgramRun(QStringLiteral("sh"),
+                       {QStringLiteral("-c"), script.arg(QLatin1String(option)),
+                        QStringLiteral(PROGRAM_FOLDER "/") + program},
+                       folder())
+                .finish();
+        QCOMPARE(result.errors,
+                 program +
+                     QStringLiteral(": cannot write standard output: No space left on device\n"));
+        const QString exitCode = QStringLiteral("^ +%1  .*(output|written)").arg(result.exitCode);
+        QVERIFY2(result.exitCode > 0 && help(program).contains(QRegularExpression(
+                                            exitCode, QRegularExpression::MultilineOption)),
+                 qPrintable(exitCode));
+    }
+}
+
+void tst_ToolPages::closedPipeEndsQuietly_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("trap");
+    QTest::addColumn<int>("exitCode"); // of the shell
+    for (const QString& program : programs()) {
+        const auto row = [&program](const char* name, const char* trap, int exitCode) {
+            QTest::addRow("%s, %s", qPrintable(program), name)
+                << program << QString::fromLatin1(trap) << exitCode;
+        };
+        row("SIGPIPE", "", 128 + SIGPIPE);
+        row("SIGPIPE ignored", "trap '' PIPE; ", 0);
+    }
+}
+
+void tst_ToolPages::closedPipeEndsQuietly()
+{
+    QFETCH(QString, program);
+    QFETCH(QString, trap);
+    QFETCH(int, exitCode);
+    // A pipe whose only reader is closed before the program begins.
+    const QString script = trap + QStringLiteral("mkfifo pipe; exec 3<>pipe 4>pipe 3<&-\n"
+                                                 "\"$0\" --help >&4; exit $?");
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("sh"),
+                   {QStringLiteral("-c"), script, QStringLiteral(PROGRAM_FOLDER "/") + program},
+                   folder())
+            .finish();
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, exitCode);
 }
 
 void tst_ToolPages::pagesAreSound_data()

@@ -383,7 +383,8 @@ void tst_WatchMedia::helpNamesEveryExitCode()
                                 "  0  ended by itself\n"
                                 "  2  wrong usage\n"
                                 "  3  FOLDER is missing, is no folder, or cannot be watched\n"
-                                "  4  FOLDER was taken away\n")),
+                                "  4  FOLDER was taken away\n"
+                                "  5  the output could not be written\n")),
              qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }

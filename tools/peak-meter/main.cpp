@@ -58,6 +58,7 @@ QString helpText(const QCommandLineParser& parser)
                "  3  FILE cannot be read, is damaged, or another peak-meter uses it\n"
                "  4  FILE cannot be written\n"
                "  5  standard input cannot be read\n"
+               "  6  the output could not be written\n"
                "\n"
                "Examples:\n"
                "  tail -f temperatures.log | peak-meter --file peaks.json\n"
@@ -95,13 +96,8 @@ int measure(const QCommandLineParser& parser)
     return QCoreApplication::exec();
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+int run(bool hasInput)
 {
-    // Qt would take the descriptor for something of its own.
-    const bool hasInput = fcntl(STDIN_FILENO, F_GETFD) != -1;
-    const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "\nReads numbers from standard input, one per line, and shows the lowest and the highest, "
@@ -130,4 +126,15 @@ int main(int argc, char* argv[])
     }
     LibraryMessages::take(parser.isSet(CommandLine::verboseOption()));
     return measure(parser);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Qt would take the descriptor for something of its own.
+    const bool hasInput = fcntl(STDIN_FILENO, F_GETFD) != -1;
+    const QCoreApplication application(argc, argv);
+    CommandLine::flushBeforeWaiting();
+    return CommandLine::end(run(hasInput), OutputLost);
 }

@@ -96,7 +96,7 @@ QString helpText(const QCommandLineParser& parser)
                           "  2  wrong usage or an invalid expression\n"
                           "  3  PROGRAM could not be started, or did not end in time\n"
                           "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
-                          "  5  a file could not be read or written\n"
+                          "  5  a file could not be read or written, or the output not be written\n"
                           "\n"
                           "Examples:\n"
                           "  run-and-grep -e 'inet ([0-9.]+)' -- ip address\n"
@@ -272,11 +272,8 @@ ExitCode runAndGrep(const Job& job)
     return exitCode;
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+int run()
 {
-    const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.addOptions({expressionOption(), firstOption(), timeoutOption(), outputOption(),
                        CommandLine::verboseOption(), CommandLine::helpOption(),
@@ -313,4 +310,12 @@ int main(int argc, char* argv[])
     job.isFirstOnly = parser.isSet(firstOption());
     LibraryMessages::take(parser.isSet(CommandLine::verboseOption()));
     return job.command.isEmpty() ? grep(job, job.file) : runAndGrep(job);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    return CommandLine::end(run(), FileTrouble);
 }

@@ -19,7 +19,8 @@ enum ExitCode
     Ended = 0,
     WrongUsage = 2,
     NoMedium = 3,
-    MediumGone = 4
+    MediumGone = 4,
+    OutputLost = 5
 };
 
 struct WatchOptions

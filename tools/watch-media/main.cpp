@@ -64,6 +64,7 @@ QString helpText(const QCommandLineParser& parser)
                           "  2  wrong usage\n"
                           "  3  FOLDER is missing, is no folder, or cannot be watched\n"
                           "  4  FOLDER was taken away\n"
+                          "  5  the output could not be written\n"
                           "\n"
                           "Example: a tree is copied in while the program watches.\n"
                           "  mkdir /tmp/medium\n"
@@ -118,11 +119,8 @@ int watch(const WatchOptions& options)
     return mediumWatch.start() ? QCoreApplication::exec() : NoMedium;
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+int run()
 {
-    const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "\nLists the files in FOLDER as on a medium that was just mounted, then shows "
@@ -155,4 +153,13 @@ int main(int argc, char* argv[])
     options.name = parser.positionalArguments().constFirst();
     options.folder = QDir::cleanPath(QDir().absoluteFilePath(options.name));
     return checkFolder(options.name) ? watch(options) : NoMedium;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    CommandLine::flushBeforeWaiting();
+    return CommandLine::end(run(), OutputLost);
 }
