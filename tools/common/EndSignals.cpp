@@ -24,6 +24,11 @@ int EndSignals::take() const
     return std::max(sigtimedwait(&m_numbers, nullptr, &noTime), 0);
 }
 
+void EndSignals::release() const
+{
+    sigprocmask(SIG_UNBLOCK, &m_numbers, nullptr);
+}
+
 int EndSignals::openDescriptor() const
 {
     return signalfd(-1, &m_numbers, SFD_CLOEXEC);

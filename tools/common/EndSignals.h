@@ -16,6 +16,9 @@ public:
     // The number of a signal that came, or 0; does not wait.
     int take() const;
 
+    // They work as usual again.
+    void release() const;
+
     // A new descriptor that is readable when a signal came, for QSocketNotifier.
     int openDescriptor() const;
 
