@@ -10,7 +10,7 @@
 namespace {
 
 const QString tools = QStringLiteral(PROJECT_FOLDER "/tools");
-const QString completion = tools + QStringLiteral("/completion/misctools");
+const QString completion = QStringLiteral(COMPLETION_FOLDER "/misctools.");
 
 // What the expression's first group matches in a text's lines.
 QStringList linesOf(const QString& text, const QString& expression)
@@ -62,6 +62,10 @@ private Q_SLOTS:
     void helpAndPageAgree();
     void helpAndCompletionAgree_data();
     void helpAndCompletionAgree();
+    void shellsOfferTheSame_data();
+    void shellsOfferTheSame();
+    void optionsTakeValuesWhereTheHelpSaysSo_data();
+    void optionsTakeValuesWhereTheHelpSaysSo();
     void commandsOfTheImageProgram_data();
     void commandsOfTheImageProgram();
     void rulesOfTheLinter();
@@ -83,6 +87,7 @@ private:
     QString help(const QString& program) const;
     // What bash offers for the last of the words.
     QStringList completed(const QStringList& words) const;
+    QStringList outputOf(const QString& shell, const QStringList& arguments) const;
 };
 
 QStringList tst_ToolPages::programs()
@@ -127,7 +132,8 @@ QStringList tst_ToolPages::completed(const QStringList& words) const
                        "printf '%s\\n' \"${COMPREPLY[@]}\"");
     const ProgramResult result =
         ProgramRun(QStringLiteral("bash"),
-                   QStringList{QStringLiteral("--norc"), QStringLiteral("-c"), script, completion} +
+                   QStringList{QStringLiteral("--norc"), QStringLiteral("-c"), script,
+                               completion + QStringLiteral("bash")} +
                        words,
                    folder())
             .finish();
@@ -192,6 +198,96 @@ void tst_ToolPages::helpAndCompletionAgree()
     offered.sort();
     options.sort();
     QCOMPARE(offered, options);
+}
+
+// The lines that a shell writes, sorted; what it complains of is a warning, which fails the test.
+QStringList tst_ToolPages::outputOf(const QString& shell, const QStringList& arguments) const
+{
+    const ProgramResult result = ProgramRun(shell, arguments, folder()).finish();
+    if (result.exitCode != 0 || !result.errors.isEmpty()) {
+        qWarning("%s: %s", qPrintable(shell), qPrintable(result.errors));
+    }
+    QStringList lines = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    lines.removeDuplicates();
+    lines.sort();
+    return lines;
+}
+
+void tst_ToolPages::shellsOfferTheSame_data()
+{
+    QTest::addColumn<QString>("shell");
+    QTest::addColumn<QStringList>("words");
+    // "script/check completion" installs the others.
+    for (const char* shell : {"bash", "zsh", "fish"}) {
+        if (QStandardPaths::findExecutable(QString::fromLatin1(shell)).isEmpty()) {
+            continue;
+        }
+        for (const QString& program : programs()) {
+            QTest::addRow("%s %s", shell, qPrintable(program))
+                << QString::fromLatin1(shell) << QStringList{program};
+        }
+        for (const char* command : {"create", "show", "verify", "dump", "extract"}) {
+            QTest::addRow("%s eeprom-image %s", shell, command)
+                << QString::fromLatin1(shell)
+                << QStringList{"eeprom-image", QString::fromLatin1(command)};
+        }
+    }
+}
+
+void tst_ToolPages::shellsOfferTheSame()
+{
+    QFETCH(QString, shell);
+    QFETCH(QStringList, words);
+    const QString file = completion + shell;
+    QStringList offered;
+    if (shell == QStringLiteral("zsh")) {
+        // What it would hand to the function that completes options.
+        const QString script =
+            QStringLiteral("_arguments() { print -l -- \"$@\" }; _normal() { }\n"
+                           "service=$2 words=(\"${@:2}\" -) CURRENT=$#; source $1");
+        offered = outputOf(shell, QStringList{"-f", "-c", script, "zsh", file} + words)
+                      .filter(QRegularExpression(QStringLiteral("^\\*-")))
+                      .replaceInStrings(QRegularExpression(QStringLiteral("^\\*(-[a-z-]+).*")),
+                                        QStringLiteral("\\1"));
+    } else if (shell == QStringLiteral("bash")) {
+        // Half a word leaves a part of them.
+        offered = completed(words + QStringList(QStringLiteral("--"))) +
+                  completed(words + QStringList(QStringLiteral("-")))
+                      .filter(QRegularExpression(QStringLiteral("^-\\w$")));
+    } else {
+        const QString script = QStringLiteral("source $argv[1]; complete -C \"$argv[2] -\"\n"
+                                              "complete -C \"$argv[2] --\"");
+        offered = outputOf(shell, {"--no-config", "-c", script, file, words.join(QLatin1Char(' '))})
+                      .filter(QRegularExpression(QStringLiteral("^-")))
+                      .replaceInStrings(QRegularExpression(QStringLiteral("[=\t].*")), QString());
+    }
+    offered.removeDuplicates();
+    offered.sort();
+    QStringList expected = completed(words + QStringList(QStringLiteral("-")));
+    expected.sort();
+    QVERIFY(expected.size() >= 4);
+    QCOMPARE(offered, expected);
+}
+
+void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo_data()
+{
+    eachProgram();
+}
+
+void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo()
+{
+    QFETCH(QString, program);
+    const QString table =
+        QString::fromUtf8(readFile(tools + QStringLiteral("/completion/options")));
+    const QString row = QStringLiteral("^%1[^|]*\\|(?:-\\w,)?(--[a-z-]+)\\|%2\\|");
+    const QString help = this->help(program);
+    const QString inHelp = QStringLiteral("^  (?:-\\w, )?(--[a-z][a-z-]*)%1");
+    QCOMPARE(linesOf(table, row.arg(program, QStringLiteral("[^|]+"))),
+             linesOf(help, inHelp.arg(QStringLiteral(" <?[A-Z]"))));
+    QStringList others = linesOf(help, inHelp.arg(QStringLiteral("(?! <?[A-Z])(?![a-z-])")));
+    others.removeOne(QStringLiteral("--help"));
+    others.removeOne(QStringLiteral("--version"));
+    QCOMPARE(linesOf(table, row.arg(program, QString())), others);
 }
 
 void tst_ToolPages::commandsOfTheImageProgram_data()
