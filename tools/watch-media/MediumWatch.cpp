@@ -224,7 +224,9 @@ void MediumWatch::countNamesLeftOut()
         const dirent* entry = directory == nullptr ? nullptr : readdir(directory);
         for (; entry != nullptr; entry = readdir(directory)) {
             const QByteArray name = entry->d_name;
-            count += !name.startsWith('.') && QFile::encodeName(QFile::decodeName(name)) != name;
+            if (!name.startsWith('.') && QFile::encodeName(QFile::decodeName(name)) != name) {
+                ++count;
+            }
         }
         if (directory != nullptr) {
             closedir(directory);
