@@ -6,8 +6,6 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QTextCodec>
 
-#include <cstdio>
-
 namespace {
 
 const QString fileMember = QStringLiteral("file");
@@ -109,15 +107,10 @@ void LintReport::addTrouble(const QString& file, const QString& trouble)
     m_display.complain(QStringLiteral("%1: %2").arg(CommandLine::printable(file), trouble));
 }
 
-bool LintReport::finish()
+void LintReport::finish()
 {
     if (m_isJson) {
         const QJsonObject report{{QStringLiteral("files"), m_files}};
         m_display.print(QString::fromUtf8(QJsonDocument(report).toJson()).trimmed());
     }
-    if (std::ferror(stdout) == 0) {
-        return true;
-    }
-    m_display.complain(QStringLiteral("cannot write the results"));
-    return false;
 }

@@ -23,8 +23,7 @@ public:
     void addChanges(const QString& file, const CleanUp::Changes& changes, bool isDone);
     void addTrouble(const QString& file, const QString& trouble);
 
-    // Tells whether all of it could be written.
-    bool finish();
+    void finish();
 
     bool hasTrouble() const { return m_hasTrouble; }
     bool isEmpty() const { return m_isEmpty; }

@@ -79,16 +79,18 @@ QString helpText(const QCommandLineParser& parser)
                      .arg(QLatin1String(rule.summary));
     }
     return parser.helpText() + QStringLiteral("\nRules:\n") + rules +
-           QStringLiteral("\n"
-                          "Exit codes:\n"
-                          "  0  nothing was found; with --clean: every FILE is clean now\n"
-                          "  1  something was found; with --clean --dry-run: some lines would "
-                          "change\n"
-                          "  2  wrong usage, or a FILE cannot be read or written\n"
-                          "\n"
-                          "Examples:\n"
-                          "  ini-lint --ignore semicolon /orvalis/*.ini\n"
-                          "  ini-lint --clean --dry-run settings.ini");
+           QStringLiteral(
+               "\n"
+               "Exit codes:\n"
+               "  0  nothing was found; with --clean: every FILE is clean now\n"
+               "  1  something was found; with --clean --dry-run: some lines would "
+               "change\n"
+               "  2  wrong usage, or a FILE cannot be read or written, or the output not "
+               "written\n"
+               "\n"
+               "Examples:\n"
+               "  ini-lint --ignore semicolon /orvalis/*.ini\n"
+               "  ini-lint --clean --dry-run settings.ini");
 }
 
 // Complains and gives false when the options are wrong, or do not fit each other.
@@ -170,18 +172,16 @@ ExitCode lintAll(const QStringList& files, const Options& options)
         report.begin(files.at(i), i + 1, files.size());
         lint(files.at(i), options, report);
     }
-    if (!report.finish() || report.hasTrouble()) {
+    report.finish();
+    if (report.hasTrouble()) {
         return Trouble;
     }
     const bool isCleaned = options.mustClean && !options.isDryRun;
     return report.isEmpty() || isCleaned ? NothingFound : SomethingFound;
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+ExitCode run()
 {
-    const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("\nSays what QSettings reads in INI files otherwise than it looks, as\n"
@@ -209,4 +209,12 @@ int main(int argc, char* argv[])
     }
     LibraryMessages::take(false);
     return lintAll(parser.positionalArguments(), options);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    return CommandLine::end(run(), Trouble);
 }
