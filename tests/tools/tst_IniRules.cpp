@@ -18,7 +18,7 @@ QVector<Finding> findingsOf(const Findings& findings, int line, const char* rule
 {
     QVector<Finding> result;
     for (const Finding& finding : findings) {
-        if (finding.line == line && finding.rule == QLatin1String(rule)) {
+        if (finding.firstLine == line && finding.rule == QLatin1String(rule)) {
             result.append(finding);
         }
     }
@@ -66,11 +66,16 @@ private Q_SLOTS:
     void generalIsTheTopLevel();
     void wordsAndNumbers();
     void sectionReadFirstLosesItsDuplicate();
+    void nestedSectionsHideKeys();
 
 private:
     void verifyText(const QByteArray& text, const char* codec, int number);
+    void verifyFirstLookUps(const QByteArray& text, const IniReading& reading,
+                            const Findings& findings);
     void verifyEntries(const QSettings& settings, const IniReading& reading,
                        const Findings& findings);
+
+    int m_copies = 0;
 };
 
 void tst_IniRules::readsAsQSettings_data()
@@ -95,6 +100,9 @@ void tst_IniRules::verifyEntries(const QSettings& settings, const IniReading& re
             continue;
         }
         QVERIFY(settings.contains(path));
+        if (entry->isCommentedOut()) {
+            continue;
+        }
         const QVariant value = settings.value(path);
         QCOMPARE(isList(value), entry->value.isList());
         QCOMPARE(!findingsOf(findings, entry->extent.first, "comma-list").isEmpty(),
@@ -102,6 +110,32 @@ void tst_IniRules::verifyEntries(const QSettings& settings, const IniReading& re
         const bool isTaken = isList(value) ? value.toStringList() == entry->value.texts()
                                            : value == QVariant(entry->value.texts().constFirst());
         QCOMPARE(findingsOf(findings, entry->extent.first, "at-sign").isEmpty(), isTaken);
+    }
+}
+
+// What the first look-up of a key finds. The file has another name each time: QSettings keeps what
+// it has read of a file.
+void tst_IniRules::verifyFirstLookUps(const QByteArray& text, const IniReading& reading,
+                                      const Findings& findings)
+{
+    QStringList paths;
+    for (const IniEntry& entry : reading.entries()) {
+        const QString path = entry.path();
+        if (paths.contains(path) || NameRules::isUnreachable(path) || entry.isCommentedOut()) {
+            continue;
+        }
+        const QString copy = writeFile(QStringLiteral("copy%1.ini").arg(++m_copies), text);
+        const bool isFound = QSettings(copy, QSettings::IniFormat).contains(path);
+        QVERIFY(QFile::remove(copy));
+        const QString failure =
+            QStringLiteral("a look-up of %1 fails ").arg(NameRules::quoted(path));
+        const QVector<Finding> found = findingsOf(findings, entry.extent.first, "read-order");
+        QCOMPARE(std::any_of(found.cbegin(), found.cend(),
+                             [&failure](const Finding& finding) {
+                                 return finding.message.startsWith(failure);
+                             }),
+                 !isFound);
+        paths.append(path);
     }
 }
 
@@ -113,8 +147,9 @@ void tst_IniRules::verifyText(const QByteArray& text, const char* codec, int num
     }
     const QTextCodec* const given = codec != nullptr ? QTextCodec::codecForName(codec) : nullptr;
     const IniReading reading(text, given);
-    const Findings findings = IniRules::check(text, given, QStringList());
+    const Findings findings = IniRules::check(text, given);
     verifyEntries(settings, reading, findings);
+    verifyFirstLookUps(text, reading, findings);
 
     const bool hasOpenSection =
         std::any_of(reading.sections().cbegin(), reading.sections().cend(),
@@ -178,8 +213,11 @@ void tst_IniRules::namesAreWrittenAsByQSettings()
             settings.setValue(name, QStringLiteral("x"));
         }
         QCOMPARE(readFile(filePath), "[General]\n" + line);
-        // What QSettings writes is nothing to complain of.
-        QCOMPARE(IniRules::check(line, nullptr, QStringList()), Findings());
+        // What QSettings writes may surprise, but is right.
+        for (const Finding& finding : IniRules::check(line, nullptr)) {
+            QCOMPARE(finding.rule, QStringLiteral("name-escape"));
+            QCOMPARE(finding.severity, Severity::Warning);
+        }
     }
 }
 
@@ -221,8 +259,7 @@ void tst_IniRules::marksOfStoredObjects()
     const QString plain =
         IniReading(text, nullptr).entries().constFirst().value.texts().constFirst();
     QCOMPARE(settings.value(QStringLiteral("k")) != QVariant(plain), isOther);
-    QCOMPARE(findingsOf(IniRules::check(text, nullptr, QStringList()), 1, "at-sign").size(),
-             isOther ? 1 : 0);
+    QCOMPARE(findingsOf(IniRules::check(text, nullptr), 1, "at-sign").size(), isOther ? 1 : 0);
 }
 
 void tst_IniRules::commaMakesATextEmpty()
@@ -250,7 +287,7 @@ void tst_IniRules::wordsAndNumbers()
     const QByteArray text = "a=off\nb=No\nc=disabled\nd=false\ne=0\nf=\ng=2147483647\n"
                             "h=2147483648\ni=-2147483649\nj=99999999999999999999\nk=4294967301\n";
     const QSettings settings(writeFile(QStringLiteral("words.ini"), text), QSettings::IniFormat);
-    const Findings findings = IniRules::check(text, nullptr, QStringList());
+    const Findings findings = IniRules::check(text, nullptr);
     int line = 0;
     for (const QString& key : settings.allKeys()) {
         ++line;
@@ -284,8 +321,22 @@ void tst_IniRules::sectionReadFirstLosesItsDuplicate()
     QCOMPARE(settings.value(both).toString(), QStringLiteral("two"));
     QCOMPARE(settings.value(both).toString(), QStringLiteral("one"));
 
-    QCOMPARE(findingsOf(IniRules::check(text, nullptr, QStringList()), 4, "duplicate-key").size(),
-             1);
+    QCOMPARE(findingsOf(IniRules::check(text, nullptr), 4, "read-order").size(), 1);
+}
+
+// What contains() says depends on what was looked up before.
+void tst_IniRules::nestedSectionsHideKeys()
+{
+    const QByteArray text = "[A]\na=1\nz=2\n[A/b]\n";
+    const QString hidden = QStringLiteral("A/z");
+    const QSettings settings(writeFile(QStringLiteral("hidden.ini"), text), QSettings::IniFormat);
+    QVERIFY(!settings.contains(hidden));
+    QVERIFY(settings.contains(QStringLiteral("A/a")));
+    QVERIFY(settings.contains(hidden));
+
+    const Findings findings = IniRules::check(text, nullptr);
+    QCOMPARE(findingsOf(findings, 2, "read-order").size(), 0);
+    QCOMPARE(findingsOf(findings, 3, "read-order").size(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_IniRules)

@@ -22,7 +22,7 @@ QString prefixOf(const QByteArray& sectionName)
 
 Extent extentOf(const IniLines& line, const LineNumbers& numbers)
 {
-    return {numbers.at(line.begin()), numbers.at(line.end() - 1), line.isQuoteOpen()};
+    return {line.begin(), numbers.at(line.begin()), numbers.at(line.end() - 1), line.isQuoteOpen()};
 }
 
 } // namespace
@@ -74,8 +74,8 @@ void IniReading::readEntries(const QByteArray& text, int begin, int end, const L
         }
         const QByteArray name = text.mid(lines.begin(), nameEnd - lines.begin());
         const QByteArray bytes = text.mid(lines.equals() + 1, lines.end() - lines.equals() - 1);
-        m_entries.append({extent, prefix, name, readName(name), bytes, IniValue(bytes, m_codec),
-                          lines.isCutBySemicolon()});
+        m_entries.append({extent, prefix, name, lines.equals() + 1, readName(name), bytes,
+                          IniValue(bytes, m_codec), lines.isCutBySemicolon()});
     }
 }
 
