@@ -168,6 +168,9 @@ void tst_IniLint::findings_data()
     row("general section", "[general]\na=1\n",
         "1:1: warning: [general] is no group but the top level of the file; the group 'General' is "
         "written [%General] [general-section]\n");
+    row("group of the name General", "[%General]\na=1\n",
+        "1:1: warning: '%General' is read as 'General': '%' tells it from the file's top level "
+        "[name-escape]\n");
     row("backslash in a section's name", "[a\\b]\nc=1\n",
         "1:1: error: 'a/b' is nested: the group that is listed is 'a' [nested-name]\n");
     row("backslash in a key", "[s]\na\\b=1\n",
@@ -270,6 +273,20 @@ void tst_IniLint::findings_data()
     row("byte order mark before a section", "\xEF\xBB\xBF[a]\nb=1\n",
         "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
         "error [byte-order-mark]\n");
+    row("byte order mark before words",
+        "\xEF\xBB\xBF"
+        "a\n",
+        "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
+        "error [byte-order-mark]\n"
+        "1:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
+        "'a' [no-equals]\n");
+    row("byte order mark before a comment", "\xEF\xBB\xBF# a\n",
+        "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
+        "error [byte-order-mark]\n");
+    row("byte order mark before a key in a comment", "\xEF\xBB\xBF#a=1,2\n",
+        "1:1: note: '#' starts no comment: the line is read as the key "
+        "'\xC3\xAF\xC2\xBB\xC2\xBF#a' "
+        "[hash-comment]\n");
     row("UTF-16", QByteArray("\xFF\xFE=\0\n\0", 6),
         "1:1: error: the file is UTF-16, which QSettings does not read [byte-order-mark]\n"
         "2:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
@@ -327,7 +344,6 @@ void tst_IniLint::nothingToFind_data()
     QTest::newRow("comments") << QByteArray("; one, two; three\n\n  ; four = \"\n");
     QTest::newRow("quotes that keep a value whole")
         << QByteArray("a=\"1, 2\"\nb=\"1; 2\"\nc = \" 3 \" \n");
-    QTest::newRow("group of the name General") << QByteArray("[%General]\na=1\n");
     QTest::newRow("comments after a hash") << QByteArray(
         "# one\n#\n  # it's one; two\n# [s]\n# \"three\n# four\"\n# C:\\\n\n# five\\");
     QTest::newRow("comment after a section") << QByteArray("[s] # one\na=1\n[t];two\na=1\n");

@@ -1,3 +1,4 @@
+#include "LintTruth.h"
 #include "TestCase.h"
 #include "ini-lint/IniReading.h"
 #include "ini-lint/IniRules.h"
@@ -42,6 +43,38 @@ QMap<QString, const IniEntry*> entriesByPath(const IniReading& reading)
     return result;
 }
 
+// Made of what means something in an INI file.
+QByteArray randomText(QRandomGenerator& random)
+{
+    static const QByteArray pieces[] = {"a",           "b",          "A",
+                                        "key=",        "k=",         "=",
+                                        "[a]\n",       "[b]",        "[A/b]\n",
+                                        "[",           "]",          "[]",
+                                        "[/",          "/",          "\\",
+                                        ";",           "\"",         "\"",
+                                        ",",           "\n",         "\n",
+                                        "\n",          "\r\n",       "\r",
+                                        " ",           "\t",         "%",
+                                        "%41",         "%2f",        "%U0042",
+                                        "%U00",        "% 1",        "\\x41",
+                                        "\\n",         "\\101",      "\\q",
+                                        "\\\r\n",      "\\\n",       "'",
+                                        "#",           "@",          "@@",
+                                        "1",           "@Size(1 2)", "@Point(1)",
+                                        "@Rect(",      ")",          "\\x",
+                                        "\v",          "0x",         "\xC3\xA4",
+                                        "\xE4",        "@Invalid()", "\xEF\xBB\xBF",
+                                        "[General]\n", "[GENERAL]",  "[%General]\n",
+                                        "[%general]"};
+    const int count = int(std::size(pieces));
+
+    QByteArray text = random.bounded(16) == 0 ? QByteArray("\xEF\xBB\xBF") : QByteArray();
+    for (int length = random.bounded(40); length > 0; --length) {
+        text += pieces[random.bounded(count)];
+    }
+    return text;
+}
+
 bool isList(const QVariant& value)
 {
     return value.userType() == QMetaType::QStringList ||
@@ -67,6 +100,9 @@ private Q_SLOTS:
     void wordsAndNumbers();
     void sectionReadFirstLosesItsDuplicate();
     void nestedSectionsHideKeys();
+    void errorsAreTrueAndNothingIsMissed();
+    void truthNoticesLies_data();
+    void truthNoticesLies();
 
 private:
     void verifyText(const QByteArray& text, const char* codec, int number);
@@ -158,38 +194,13 @@ void tst_IniRules::verifyText(const QByteArray& text, const char* codec, int num
              hasOpenSection || !reading.strays().isEmpty());
 }
 
-// Of texts at random, made of what means something in an INI file.
+// Of texts at random.
 void tst_IniRules::readsAsQSettings()
 {
     QFETCH(QByteArray, codec);
-    const QByteArray pieces[] = {"a",           "b",          "A",
-                                 "key=",        "k=",         "=",
-                                 "[a]\n",       "[b]",        "[A/b]\n",
-                                 "[",           "]",          "[]",
-                                 "[/",          "/",          "\\",
-                                 ";",           "\"",         "\"",
-                                 ",",           "\n",         "\n",
-                                 "\n",          "\r\n",       "\r",
-                                 " ",           "\t",         "%",
-                                 "%41",         "%2f",        "%U0042",
-                                 "%U00",        "% 1",        "\\x41",
-                                 "\\n",         "\\101",      "\\q",
-                                 "\\\r\n",      "\\\n",       "'",
-                                 "#",           "@",          "@@",
-                                 "1",           "@Size(1 2)", "@Point(1)",
-                                 "@Rect(",      ")",          "\\x",
-                                 "\v",          "0x",         "\xC3\xA4",
-                                 "\xE4",        "@Invalid()", "\xEF\xBB\xBF",
-                                 "[General]\n", "[GENERAL]",  "[%General]\n",
-                                 "[%general]"};
-    const int count = int(std::size(pieces));
-
     QRandomGenerator random(4711);
     for (int round = 0; round < rounds(1500); ++round) {
-        QByteArray text = random.bounded(16) == 0 ? QByteArray("\xEF\xBB\xBF") : QByteArray();
-        for (int length = random.bounded(40); length > 0; --length) {
-            text += pieces[random.bounded(count)];
-        }
+        const QByteArray text = randomText(random);
         verifyText(text, codec.isEmpty() ? nullptr : codec.constData(), round);
         if (QTest::currentTestFailed()) {
             QFAIL(text.toPercentEncoding(" =[];").constData());
@@ -337,6 +348,66 @@ void tst_IniRules::nestedSectionsHideKeys()
     const Findings findings = IniRules::check(text, nullptr);
     QCOMPARE(findingsOf(findings, 2, "read-order").size(), 0);
     QCOMPARE(findingsOf(findings, 3, "read-order").size(), 1);
+}
+
+// Of texts at random, too.
+void tst_IniRules::errorsAreTrueAndNothingIsMissed()
+{
+    QRandomGenerator random(815);
+    for (int round = 0; round < rounds(1500); ++round) {
+        const QByteArray text = randomText(random);
+        const QStringList contradictions =
+            LintTruth(text, IniRules::check(text, nullptr), folder()).contradictions();
+        if (!contradictions.isEmpty()) {
+            QFAIL(qPrintable(QString::fromLatin1(text.toPercentEncoding(" =[];")) +
+                             QLatin1Char('\n') + contradictions.join(QLatin1Char('\n'))));
+        }
+    }
+}
+
+void tst_IniRules::truthNoticesLies_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("rule"); // of an error that is claimed for line 2; empty for none
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<bool>("isLie");
+
+    const auto row = [](const char* name, const QByteArray& text, const char* rule,
+                        const char* message, bool isLie) {
+        QTest::newRow(name) << text << QString::fromLatin1(rule) << QString::fromLatin1(message)
+                            << isLie;
+    };
+    row("value", "[s]\na=1\n", "escape", "", true);
+    row("value that is another", "[s]\na=1;2\n", "semicolon", "", false);
+    row("section", "a=1\n[s]\n", "section-end", "", true);
+    row("section that is another", "a=1\n[s\n", "section-end", "", false);
+    row("line that is read", "a=1\nb=1\nc\n", "no-equals", "", true);
+    row("line that is skipped", "a=1\nb\n", "no-equals", "", false);
+    row("line by itself", "\na=1\nb=1\n", "multi-line", "everything up to line 3", true);
+    row("line with the next", "\na=\"\nb=1\"\n", "multi-line", "everything up to line 3", false);
+    row("file in Latin-1", "\n\xE4=\xFF\n", "byte-order-mark", "UTF-16", true);
+    row("order that does not count", "[s]\na=1\n[t]\n", "read-order", "", true);
+    row("order that counts", "[s]\nz=1\n[s/t]\n", "read-order", "", false);
+    row("nothing found, value", "a=1,2\n", "", "", true);
+    row("nothing found, name", "%41=1\n", "", "", true);
+    row("nothing found, skipped line", "a\n", "", "", true);
+    row("nothing found, section", "[s\na=1\n", "", "", true);
+    row("nothing found, hidden key", "[s]\nz=1\n[s/t]\n", "", "", true);
+    row("nothing found, nothing wrong", "# a\n[s]\na=1\nb=\"2 \"\n", "", "", false);
+}
+
+void tst_IniRules::truthNoticesLies()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, rule);
+    QFETCH(QString, message);
+    QFETCH(bool, isLie);
+
+    Findings findings;
+    if (!rule.isEmpty()) {
+        findings.append({2, 1, 2, Severity::Error, rule, message});
+    }
+    QCOMPARE(!LintTruth(text, findings, folder()).contradictions().isEmpty(), isLie);
 }
 
 QTEST_GUILESS_MAIN(tst_IniRules)

@@ -9,7 +9,6 @@
 namespace {
 
 const QString everyRule = QStringLiteral("*");
-const QLatin1Char separator('/');
 
 // Whether a pattern fits a path, or what follows one of its slashes.
 bool fits(const QRegularExpression& pattern, const QString& path)
@@ -18,7 +17,7 @@ bool fits(const QRegularExpression& pattern, const QString& path)
         if (pattern.match(path.mid(begin)).hasMatch()) {
             return true;
         }
-        const int slash = path.indexOf(separator, begin);
+        const int slash = path.indexOf(QLatin1Char('/'), begin);
         begin = slash < 0 ? -1 : slash + 1;
     }
     return false;

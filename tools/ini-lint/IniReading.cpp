@@ -27,6 +27,12 @@ Extent extentOf(const IniLines& line, const LineNumbers& numbers)
 
 } // namespace
 
+QByteArray withoutByteOrderMark(const Extent& extent, const QByteArray& bytes)
+{
+    const bool hasMark = extent.begin == 0 && bytes.startsWith(byteOrderMark);
+    return hasMark ? bytes.mid(int(qstrlen(byteOrderMark))).trimmed() : bytes;
+}
+
 IniReading::IniReading(const QByteArray& text, const QTextCodec* codec) : m_codec(codec)
 {
     const bool hasByteOrderMark = text.startsWith(byteOrderMark);

@@ -20,6 +20,10 @@ struct Extent
     bool isQuoteOpen; // at the end of the last, which is that of the text
 };
 
+// The bytes that begin an extent; at the beginning of the file without the byte order mark of
+// UTF-8, and the spaces after it.
+QByteArray withoutByteOrderMark(const Extent& extent, const QByteArray& bytes);
+
 // A line that begins a section.
 struct IniSection
 {
@@ -47,7 +51,7 @@ struct IniEntry
     // Where the value ends: at the semicolon, if that ended it.
     int valueEnd() const { return valueBegin + bytes.size(); }
     // Whether '#' turns the line into a comment in people's eyes.
-    bool isCommentedOut() const { return name.startsWith('#'); }
+    bool isCommentedOut() const { return withoutByteOrderMark(extent, name).startsWith('#'); }
 };
 
 // A line that is neither.
@@ -56,7 +60,7 @@ struct IniStray
     Extent extent;
     QByteArray text;
 
-    bool isHashComment() const { return text.startsWith('#'); }
+    bool isHashComment() const { return withoutByteOrderMark(extent, text).startsWith('#'); }
 };
 
 /*

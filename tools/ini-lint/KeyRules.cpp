@@ -40,7 +40,7 @@ void checkName(const IniEntry& entry, FindingCollector& findings)
                          .arg(quoted(entry.key)));
         return;
     }
-    if (entry.name.startsWith("\xEF\xBB\xBF")) {
+    if (entry.extent.begin == 0 && entry.name.startsWith("\xEF\xBB\xBF")) {
         findings.add(entry.extent, Severity::Error, "byte-order-mark",
                      QStringLiteral("a byte order mark is a part of this key's name"));
     } else {

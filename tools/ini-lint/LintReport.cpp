@@ -12,7 +12,7 @@
 namespace {
 
 // As compilers print it.
-QString line(const QString& file, const Finding& finding)
+QString compilerLine(const QString& file, const Finding& finding)
 {
     const QString repeats = finding.repeats > 0
                                 ? QStringLiteral(" (and %1 more in this file)").arg(finding.repeats)
@@ -50,7 +50,7 @@ void LintReport::addFindings(const QString& file, const Findings& findings)
     m_sarif.addFindings(file, findings);
     if (m_format == ReportFormat::Text) {
         for (const Finding& finding : findings) {
-            m_display->print(line(file, finding));
+            m_display->print(compilerLine(file, finding));
         }
     }
 }

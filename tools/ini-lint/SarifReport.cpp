@@ -9,7 +9,7 @@
 
 namespace {
 
-QJsonObject message(const QString& text)
+QJsonObject messageJson(const QString& text)
 {
     return {{QStringLiteral("text"), text}};
 }
@@ -21,39 +21,39 @@ QString uriOf(const QString& file)
     return QDir::isAbsolutePath(file) ? QStringLiteral("file://") + path : path;
 }
 
-QJsonObject artifact(const QString& file)
+QJsonObject artifactJson(const QString& file)
 {
     return {
         {QStringLiteral("artifactLocation"), QJsonObject{{QStringLiteral("uri"), uriOf(file)}}}};
 }
 
-QJsonArray location(QJsonObject physicalLocation)
+QJsonArray locationJson(QJsonObject physicalLocation)
 {
     return {QJsonObject{{QStringLiteral("physicalLocation"), physicalLocation}}};
 }
 
-QJsonObject result(const QString& file, const Finding& finding)
+QJsonObject resultJson(const QString& file, const Finding& finding)
 {
-    QJsonObject place = artifact(file);
+    QJsonObject place = artifactJson(file);
     place.insert(QStringLiteral("region"),
                  QJsonObject{{QStringLiteral("startLine"), finding.line},
                              {QStringLiteral("startColumn"), finding.column}});
     return {{QStringLiteral("ruleId"), finding.rule},
             {QStringLiteral("level"), Severities::name(finding.severity)},
-            {QStringLiteral("message"), message(finding.message)},
+            {QStringLiteral("message"), messageJson(finding.message)},
             {QStringLiteral("occurrenceCount"), finding.repeats + 1},
-            {QStringLiteral("locations"), location(place)}};
+            {QStringLiteral("locations"), locationJson(place)}};
 }
 
-QJsonArray rules()
+QJsonArray rulesJson()
 {
     QJsonArray result;
     for (const IniRules::Rule& rule : IniRules::all()) {
-        result.append(
-            QJsonObject{{QStringLiteral("id"), QLatin1String(rule.name)},
-                        {QStringLiteral("shortDescription"), message(QLatin1String(rule.summary))},
-                        {QStringLiteral("defaultConfiguration"),
-                         QJsonObject{{QStringLiteral("level"), Severities::name(rule.severity)}}}});
+        result.append(QJsonObject{
+            {QStringLiteral("id"), QLatin1String(rule.name)},
+            {QStringLiteral("shortDescription"), messageJson(QLatin1String(rule.summary))},
+            {QStringLiteral("defaultConfiguration"),
+             QJsonObject{{QStringLiteral("level"), Severities::name(rule.severity)}}}});
     }
     return result;
 }
@@ -63,21 +63,22 @@ QJsonArray rules()
 void SarifReport::addFindings(const QString& file, const Findings& findings)
 {
     for (const Finding& finding : findings) {
-        m_results.append(result(file, finding));
+        m_results.append(resultJson(file, finding));
     }
 }
 
 void SarifReport::addTrouble(const QString& file, const QString& trouble)
 {
-    m_notifications.append(QJsonObject{{QStringLiteral("level"), QStringLiteral("error")},
-                                       {QStringLiteral("message"), message(trouble)},
-                                       {QStringLiteral("locations"), location(artifact(file))}});
+    m_notifications.append(
+        QJsonObject{{QStringLiteral("level"), QStringLiteral("error")},
+                    {QStringLiteral("message"), messageJson(trouble)},
+                    {QStringLiteral("locations"), locationJson(artifactJson(file))}});
 }
 
 QJsonObject SarifReport::document() const
 {
     const QJsonObject driver{{QStringLiteral("name"), CommandLine::programName()},
-                             {QStringLiteral("rules"), rules()}};
+                             {QStringLiteral("rules"), rulesJson()}};
     const QJsonObject invocation{{QStringLiteral("executionSuccessful"), m_notifications.isEmpty()},
                                  {QStringLiteral("toolExecutionNotifications"), m_notifications}};
     const QJsonObject run{{QStringLiteral("tool"), QJsonObject{{QStringLiteral("driver"), driver}}},

@@ -20,6 +20,11 @@ void checkName(const IniSection& section, FindingCollector& findings)
         return;
     }
     const QString name = section.prefix.chopped(1);
+    if (section.name.compare("%general", Qt::CaseInsensitive) == 0) {
+        findings.add(section.extent, Severity::Warning, "name-escape",
+                     QStringLiteral("%1 is read as %2: '%' tells it from the file's top level")
+                         .arg(quoted(section.name), quoted(name)));
+    }
     if (NameRules::isUnreachable(name)) {
         findings.add(section.extent, Severity::Error, "unreachable",
                      QStringLiteral("the keys of %1 cannot be looked up: a part of its name is "
