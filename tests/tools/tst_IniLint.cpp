@@ -350,7 +350,7 @@ void tst_IniLint::nothingToFind_data()
 
     QTest::newRow("same key in two sections") << QByteArray("[s]\na=1\n[t]\na=1\n");
     QTest::newRow("section in two parts") << QByteArray("[s]\na=1\n[t]\na=1\n[s]\nb=1\n");
-    QTest::newRow("colour") << QByteArray("a=#ff0000\nb = #ff0000\n");
+    QTest::newRow("color") << QByteArray("a=#ff0000\nb = #ff0000\n");
     QTest::newRow("address") << QByteArray("a=@home\n");
     QTest::newRow("largest number") << QByteArray("a=2147483647\nb=-2147483648\n");
     QTest::newRow("no number") << QByteArray("a=99999999999999999999\n");

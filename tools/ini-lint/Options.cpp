@@ -127,8 +127,9 @@ QString Options::readFilter(const QCommandLineParser& parser)
         }
         filter.level = *severity;
     }
-    for (const QString& list : parser.values(ignoreListName)) {
-        const QString trouble = filter.ignoreList.read(list);
+    const QStringList lists = parser.values(ignoreListName);
+    for (const QString& list : lists) {
+        QString trouble = filter.ignoreList.read(list);
         if (!trouble.isEmpty()) {
             return trouble;
         }
