@@ -336,7 +336,7 @@ void tst_ToolPages::rulesOfTheLinter()
     const QStringList rules =
         linesOf(part(help(program), QStringLiteral("Rules:"), QStringLiteral("Exit codes:")),
                 QStringLiteral("^  ([a-z-]+)  +\\S"));
-    QCOMPARE(rules.size(), 19);
+    QCOMPARE(rules.size(), 22);
     QCOMPARE(linesOf(part(page(program), QStringLiteral(".Sh RULES"), QStringLiteral(".Sh JSON")),
                      QStringLiteral("^\\.It Sy ([a-z-]+)$")),
              rules);
@@ -353,7 +353,11 @@ void tst_ToolPages::completesValues_data()
     QTest::newRow("words behind an equals sign")
         << QStringList{"ini-lint", "--format", "=", "j"} << QStringList{"json"};
     QTest::newRow("right behind an equals sign")
-        << QStringList{"ini-lint", "--format", "="} << QStringList{"json", "text"};
+        << QStringList{"ini-lint", "--format", "="} << QStringList{"json", "sarif", "text"};
+    QTest::newRow("severities") << QStringList{"ini-lint", "--level", ""}
+                                << QStringList{"error", "note", "warning"};
+    QTest::newRow("file of rules to ignore")
+        << QStringList{"ini-lint", "--ignore-list", "f"} << QStringList{"file.ini"};
     QTest::newRow("argument behind an option with a value")
         << QStringList{"ini-lint", "--format", "=", "json", "f"} << QStringList{"file.ini"};
     QTest::newRow("files") << QStringList{"ini-lint", "f"} << QStringList{"file.ini"};
