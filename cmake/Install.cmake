@@ -16,10 +16,14 @@ if(TARGET eeprom-image)
   install(TARGETS ${misctools_tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   foreach(tool IN LISTS misctools_tools)
     install(FILES docs/man/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-    # The shell looks for a file of the command's name.
-    install(FILES tools/completion/misctools RENAME ${tool}
+    # These shells look for a file of the command's name.
+    install(FILES ${PROJECT_BINARY_DIR}/tools/completion/misctools.bash RENAME ${tool}
       DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+    install(FILES ${PROJECT_BINARY_DIR}/tools/completion/misctools.fish RENAME ${tool}.fish
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tools)
   endforeach()
+  install(FILES ${PROJECT_BINARY_DIR}/tools/completion/misctools.zsh RENAME _misctools
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT tools)
 endif()
 
 file(GLOB misctools_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)

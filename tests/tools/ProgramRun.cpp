@@ -42,18 +42,18 @@ void ProgramRun::send(int signalNumber)
     kill(static_cast<pid_t>(m_process.processId()), signalNumber);
 }
 
-bool ProgramRun::waitForOutput(const QString& text)
+bool ProgramRun::waitForOutput(const QString& text, int times)
 {
     QElapsedTimer clock;
     clock.start();
-    while (!m_output.contains(text.toUtf8()) && clock.elapsed() < longWhileInMs) {
+    while (m_output.count(text.toUtf8()) < times && clock.elapsed() < longWhileInMs) {
         const bool hasMore = m_process.waitForReadyRead(longWhileInMs);
         m_output += m_process.readAllStandardOutput();
         if (!hasMore) {
             break;
         }
     }
-    return m_output.contains(text.toUtf8());
+    return m_output.count(text.toUtf8()) >= times;
 }
 
 bool ProgramRun::isRunning() const

@@ -32,8 +32,8 @@ public:
     // Gives the program input on its standard input.
     void write(const QByteArray& input);
     void send(int signalNumber);
-    // Waits until the program has written text on its standard output.
-    bool waitForOutput(const QString& text);
+    // Waits until the program has written text on its standard output, so many times.
+    bool waitForOutput(const QString& text, int times = 1);
     bool isRunning() const;
     // Ends the input and waits for the end.
     ProgramResult finish();

@@ -42,6 +42,60 @@ Result runReport(const QStringList& arguments, const QString& outputPath = QStri
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
+// Where a value breaks the schema, by the keywords that ours uses; a keyword that is unknown here
+// breaks it, too.
+QStringList violations(const QJsonValue& value, const QJsonObject& schema, const QJsonObject& root,
+                       const QString& place)
+{
+    static const QHash<QJsonValue::Type, QString> names = {
+        {QJsonValue::Null, "null"},     {QJsonValue::Bool, "boolean"},
+        {QJsonValue::Double, "number"}, {QJsonValue::String, "string"},
+        {QJsonValue::Array, "array"},   {QJsonValue::Object, "object"}};
+    QStringList result;
+    for (const QString& keyword : schema.keys()) {
+        const QJsonValue rule = schema.value(keyword);
+        bool isMet = true;
+        if (keyword == QStringLiteral("type")) {
+            const QJsonArray types = rule.isArray() ? rule.toArray() : QJsonArray{rule};
+            isMet = types.contains(names.value(value.type()));
+        } else if (keyword == QStringLiteral("enum")) {
+            isMet = rule.toArray().contains(value);
+        } else if (keyword == QStringLiteral("required")) {
+            for (const QJsonValue& member : rule.toArray()) {
+                isMet =
+                    isMet && (!value.isObject() || value.toObject().contains(member.toString()));
+            }
+        } else if (keyword == QStringLiteral("additionalProperties")) {
+            const QJsonObject properties = schema.value(QStringLiteral("properties")).toObject();
+            for (const QString& member : value.toObject().keys()) {
+                isMet = isMet && properties.contains(member);
+            }
+        } else if (keyword == QStringLiteral("properties")) {
+            for (const QString& member : value.toObject().keys()) {
+                result += violations(value.toObject().value(member),
+                                     rule.toObject().value(member).toObject(), root,
+                                     place + QLatin1Char('.') + member);
+            }
+        } else if (keyword == QStringLiteral("items")) {
+            for (const QJsonValue& item : value.toArray()) {
+                result += violations(item, rule.toObject(), root, place + QStringLiteral("[]"));
+            }
+        } else if (keyword == QStringLiteral("$ref")) {
+            const QString name = rule.toString().section(QLatin1Char('/'), -1);
+            result += violations(
+                value, root.value(QStringLiteral("$defs")).toObject().value(name).toObject(), root,
+                place);
+        } else {
+            isMet =
+                QStringList{"$schema", "$id", "$defs", "title", "description"}.contains(keyword);
+        }
+        if (!isMet) {
+            result.append(place + QStringLiteral(": ") + keyword);
+        }
+    }
+    return result;
+}
+
 QJsonObject toObject(const QByteArray& json)
 {
     return QJsonDocument::fromJson(json).object();
@@ -80,6 +134,8 @@ class tst_DeviceReport : public TestCase
 private Q_SLOTS:
     void completeDeviceAsText();
     void completeDeviceAsJson();
+    void jsonFitsTheSchema_data();
+    void jsonFitsTheSchema();
     void emptyDeviceAsText();
     void emptyDeviceAsJson();
     void fileMissing_data();
@@ -236,6 +292,38 @@ void tst_DeviceReport::completeDeviceAsJson()
     QCOMPARE(result.exitCode, 0);
 }
 
+void tst_DeviceReport::jsonFitsTheSchema_data()
+{
+    QTest::addColumn<bool>("isComplete");
+    QTest::newRow("complete device") << true;
+    QTest::newRow("empty device") << false;
+}
+
+void tst_DeviceReport::jsonFitsTheSchema()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QFETCH(bool, isComplete);
+    QStringList arguments{"--json"};
+    if (isComplete) {
+        copySampleDevice();
+        arguments += {"--eeprom", writeBoard(), "--hardware-id", "1234567891234567"};
+    }
+    const QJsonObject schema = toObject(readFile(QStringLiteral(REPORT_SCHEMA)));
+    QVERIFY(!schema.isEmpty());
+    QJsonObject report = toObject(runReport(arguments).output);
+    QCOMPARE(violations(report, schema, schema, QStringLiteral("report")), QStringList());
+
+    // The schema is one that notices what is missing, new or of another type.
+    QJsonObject boot = report.value(QStringLiteral("boot")).toObject();
+    boot.insert(QStringLiteral("rebootMarker"), 1);
+    boot.insert(QStringLiteral("new"), 1);
+    report.insert(QStringLiteral("boot"), boot);
+    report.remove(QStringLiteral("export"));
+    QCOMPARE(violations(report, schema, schema, QStringLiteral("report")),
+             QStringList({"report.boot: additionalProperties", "report.boot.rebootMarker: type",
+                          "report: required"}));
+}
+
 void tst_DeviceReport::emptyDeviceAsText()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
@@ -248,14 +336,12 @@ void tst_DeviceReport::emptyDeviceAsText()
             "hardware ID:                     not given (see --hardware-id)\n"
             "\n"
             "software version:                not known (/orvalis/VersionFile.ini is missing)\n"
-            "software version hash:           not known (/orvalis/VersionFile.ini is missing)\n"
+            "software version hash:           not known (see software version)\n"
             "\n"
             "application version:             not known (/orvalis/etc/OrvalisVersionInfo.ini is "
             "missing)\n"
-            "product code:                    not known (/orvalis/etc/OrvalisVersionInfo.ini is "
-            "missing)\n"
-            "creation date:                   not known (/orvalis/etc/OrvalisVersionInfo.ini is "
-            "missing)\n"
+            "product code:                    not known (see application version)\n"
+            "creation date:                   not known (see application version)\n"
             "\n"
             "boot mode:                       hard reset\n"
             "reboot marker:                   absent\n"
@@ -383,8 +469,7 @@ void tst_DeviceReport::commandLineMissing()
     QVERIFY2(result.output.contains(
                  "boot mode:                       not known (/proc/cmdline is missing)\n"),
              result.output.constData());
-    QVERIFY2(result.output.contains(
-                 "orvalismode on the command line: not known (/proc/cmdline is missing)\n"),
+    QVERIFY2(result.output.contains("orvalismode on the command line: not known (see boot mode)\n"),
              result.output.constData());
     QCOMPARE(result.exitCode, 1);
 }
@@ -585,7 +670,8 @@ void tst_DeviceReport::fullDisk()
     MISCTOOLS_NEED_DEVICE_ROOT();
     copySampleDevice();
     const Result result = runReport({}, QStringLiteral("/dev/full"));
-    QCOMPARE(result.errors, QByteArray("device-report: cannot write the report\n"));
+    QCOMPARE(result.errors,
+             QByteArray("device-report: cannot write standard output: No space left on device\n"));
     QCOMPARE(result.exitCode, 3);
 }
 

@@ -2,8 +2,13 @@
 #include "ProgramRun.h"
 #include "TestCase.h"
 
+#include <QtCore/QDir>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace {
@@ -53,8 +58,28 @@ private Q_SLOTS:
     void refusesLayouts();
     void failedCreateKeepsTheOldImage_data();
     void failedCreateKeepsTheOldImage();
+    void keepsOwnerAndMode();
+    void saysWhenTheOwnerIsLost();
+    void othersThanFilesAreNotReplaced_data();
+    void othersThanFilesAreNotReplaced();
+    void imageOnStandardOutput_data();
+    void imageOnStandardOutput();
+    void textFromStandardInput();
+    void readErrorsOfTheTextAreNoticed();
+    void eepromIsWrittenPageByPage_data();
+    void eepromIsWrittenPageByPage();
+    void troubleWhileWritingTellsTheState_data();
+    void troubleWhileWritingTellsTheState();
+    void deviceIsWrittenInPlace();
+    void imageLargerThanTheEepromIsRefused();
+    void showsJson();
+    void extractsTheText();
+    void extractRefusesDamage();
 
 private:
+    // The text in the file "board.ini" is written into the simulated EEPROM.
+    ProgramResult createInEeprom(const QStringList& environment) const;
+    QByteArray shell(const QString& script) const;
     // In the row's folder, so that plain file names do.
     ProgramResult run(const QStringList& arguments) const { return run(arguments, folder()); }
     ProgramResult run(const QStringList& arguments, const QString& temporaryFolder) const
@@ -104,7 +129,7 @@ void tst_EepromImageProgram::usage_data()
                             << QStringLiteral("eeprom-image: %1\n").arg(QLatin1String(error)) +
                                    hint;
     };
-    row("nothing", "", "a command is needed: create, show, verify or dump");
+    row("nothing", "", "a command is needed: create, show, verify, dump or extract");
     row("unknown command", "erase", "unknown command 'erase'");
     row("show without a file", "show", "this command needs 1 file name(s), not 0");
     row("show with two files", "show a b", "this command needs 1 file name(s), not 2");
@@ -148,7 +173,7 @@ void tst_EepromImageProgram::helpAndVersion()
 void tst_EepromImageProgram::everyExitCodeStandsInTheHelp()
 {
     const QStringList lines = run({QStringLiteral("--help")}).output.split(QLatin1Char('\n'));
-    for (const int exitCode : {0, 1, 2, 3, 4, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19}) {
+    for (const int exitCode : {0, 1, 2, 3, 4, 5, 6, 7, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19}) {
         const QString start = QStringLiteral("  %1  ").arg(exitCode, 2);
         QVERIFY2(
             lines.indexOf(QRegularExpression(QLatin1Char('^') + start + QStringLiteral(".+"))) > 0,
@@ -443,6 +468,274 @@ void tst_EepromImageProgram::failedCreateKeepsTheOldImage()
     verifyResult(run(QStringList(QStringLiteral("create")) + files), exitCode, QString(),
                  QStringLiteral("eeprom-image: %1\n").arg(error));
     QCOMPARE(readFile(old), QByteArray("the old image"));
+}
+
+// The exit code follows on standard error.
+QByteArray tst_EepromImageProgram::shell(const QString& script) const
+{
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("sh"),
+                   {QStringLiteral("-c"), script, QStringLiteral(EEPROM_IMAGE_PROGRAM)}, folder())
+            .finish();
+    return (result.output + result.errors + QString::number(result.exitCode)).toUtf8();
+}
+
+void tst_EepromImageProgram::keepsOwnerAndMode()
+{
+    writeFile(QStringLiteral("board.ini"), boardText);
+    const QByteArray image = writeFile(QStringLiteral("eeprom"), "old").toLocal8Bit();
+    // Another owner than the one who runs this, where that is possible.
+    const uid_t owner = geteuid() == 0 ? 4711 : geteuid();
+    const gid_t group = geteuid() == 0 ? 815 : getegid();
+    QCOMPARE(chown(image.constData(), owner, group), 0);
+    QCOMPARE(chmod(image.constData(), 0642), 0);
+    const ProgramResult result = run({"create", "board.ini", "eeprom"});
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, 0);
+    struct stat status = {};
+    QCOMPARE(stat(image.constData(), &status), 0);
+    QCOMPARE(status.st_mode & 07777, mode_t(0642));
+    QCOMPARE(status.st_uid, owner);
+    QCOMPARE(status.st_gid, group);
+    QVERIFY(readFile(QString::fromLocal8Bit(image)) != "old");
+}
+
+void tst_EepromImageProgram::saysWhenTheOwnerIsLost()
+{
+    if (geteuid() != 0) {
+        MISCTOOLS_SKIP("only root has files of two owners");
+    }
+    writeFile(QStringLiteral("board.ini"), boardText);
+    const QByteArray image = writeFile(QStringLiteral("eeprom"), "old").toLocal8Bit();
+    QCOMPARE(chmod(image.constData(), 0666), 0);
+    QCOMPARE(chmod(folder().toLocal8Bit().constData(), 0777), 0);
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("setpriv"),
+                   {"--reuid=4711", "--regid=815", "--clear-groups",
+                    QStringLiteral(EEPROM_IMAGE_PROGRAM), "create", "board.ini", "eeprom"},
+                   folder())
+            .finish();
+    QCOMPARE(result.errors,
+             QStringLiteral("eeprom-image: eeprom: owner, group and mode could not all be kept\n"));
+    QCOMPARE(result.exitCode, 0);
+    struct stat status = {};
+    QCOMPARE(stat(image.constData(), &status), 0);
+    // The rights of the old group are not given to another one.
+    QCOMPARE(status.st_mode & 07777, mode_t(0606));
+}
+
+void tst_EepromImageProgram::othersThanFilesAreNotReplaced_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("pipe") << int(S_IFIFO);
+    QTest::newRow("device") << int(S_IFCHR);
+}
+
+void tst_EepromImageProgram::othersThanFilesAreNotReplaced()
+{
+    QFETCH(int, type);
+    writeFile(QStringLiteral("board.ini"), boardText);
+    const QByteArray target = path(QStringLiteral("target")).toLocal8Bit();
+    // The device is one that is always full, as /dev/full.
+    if (mknod(target.constData(), mode_t(type) | 0600, makedev(1, 7)) != 0) {
+        MISCTOOLS_SKIP("this user cannot make a device node");
+    }
+    verifyResult(run({"create", "board.ini", "target"}), 4, QString(),
+                 QStringLiteral("eeprom-image: target: it is no regular file and is not replaced\n"
+                                "eeprom-image: to write into a device, give --in-place\n"));
+    struct stat status = {};
+    QCOMPARE(lstat(target.constData(), &status), 0);
+    QCOMPARE(int(status.st_mode & S_IFMT), type);
+}
+
+void tst_EepromImageProgram::imageOnStandardOutput_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("dash") << QStringLiteral("-");
+    QTest::newRow("path") << QStringLiteral("/dev/stdout");
+}
+
+void tst_EepromImageProgram::imageOnStandardOutput()
+{
+    QFETCH(QString, name);
+    writeFile(QStringLiteral("board.ini"), boardText);
+    QCOMPARE(shell(QStringLiteral("\"$0\" create board.ini %1 >image").arg(name)), QByteArray("0"));
+    QCOMPARE(readFile(path(QStringLiteral("image"))), EepromImage(boardText).bytes());
+    QCOMPARE(shell(QStringLiteral("\"$0\" create board.ini %1 >/dev/full").arg(name)),
+             QByteArray("eeprom-image: cannot write standard output: No space left on device\n5"));
+}
+
+void tst_EepromImageProgram::textFromStandardInput()
+{
+    writeFile(QStringLiteral("board.ini"), boardText);
+    const QByteArray result = shell(QStringLiteral("\"$0\" create - image <board.ini"));
+    QVERIFY2(result.startsWith("image: ") && result.endsWith("\n0"), result.constData());
+    QCOMPARE(readFile(path(QStringLiteral("image"))), EepromImage(boardText).bytes());
+}
+
+void tst_EepromImageProgram::readErrorsOfTheTextAreNoticed()
+{
+    verifyResult(run({"create", "/proc/self/mem", "image"}), 2, QString(),
+                 QStringLiteral("eeprom-image: /proc/self/mem: Input/output error\n"));
+    QVERIFY(!QFile::exists(path(QStringLiteral("image"))));
+}
+
+ProgramResult tst_EepromImageProgram::createInEeprom(const QStringList& environment) const
+{
+    // Before a sanitizer's runtime nothing may be loaded, unless it is told so.
+    const QStringList always{QStringLiteral("LD_PRELOAD=" SIMULATED_EEPROM),
+                             QStringLiteral("ASAN_OPTIONS=verify_asan_link_order=0"),
+                             QStringLiteral("EEPROM_LOG=") + path(QStringLiteral("log"))};
+    return ProgramRun(QStringLiteral("env"),
+                      always + environment +
+                          QStringList{QStringLiteral(EEPROM_IMAGE_PROGRAM), "create", "board.ini",
+                                      "eeprom"},
+                      folder())
+        .finish();
+}
+
+void tst_EepromImageProgram::eepromIsWrittenPageByPage_data()
+{
+    QTest::addColumn<QByteArray>("property"); // of the driver
+    QTest::addColumn<int>("pageSize");
+    QTest::newRow("driver does not say") << QByteArray() << 8;
+    QTest::newRow("size of the driver") << QByteArray("\0\0\0\x20", 4) << 32;
+    QTest::newRow("size that cannot be") << QByteArray("\x20\0\0\0", 4) << 8;
+}
+
+void tst_EepromImageProgram::eepromIsWrittenPageByPage()
+{
+    QFETCH(QByteArray, property);
+    QFETCH(int, pageSize);
+    writeFile(QStringLiteral("board.ini"), boardText);
+    QVERIFY(QDir(folder()).mkdir(QStringLiteral("of_node")));
+    if (!property.isNull()) {
+        writeFile(QStringLiteral("of_node/pagesize"), property);
+    }
+    const QString eeprom = writeFile(QStringLiteral("eeprom"), QByteArray(256, 'x'));
+    struct stat before = {};
+    QCOMPARE(stat(eeprom.toLocal8Bit().constData(), &before), 0);
+
+    const ProgramResult result = createInEeprom({});
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, 0);
+    QVERIFY2(result.output.startsWith(QStringLiteral("eeprom: ")), qPrintable(result.output));
+    const QByteArray image = EepromImage(boardText).bytes();
+    QCOMPARE(readFile(eeprom), image + QByteArray(256 - image.size(), 'x'));
+    struct stat after = {};
+    QCOMPARE(stat(eeprom.toLocal8Bit().constData(), &after), 0);
+    QCOMPARE(after.st_ino, before.st_ino);
+
+    QByteArray writes;
+    for (int position = 0; position < image.size(); position += pageSize) {
+        const int size = qMin(pageSize, image.size() - position);
+        writes += QByteArray::number(position) + ' ' + QByteArray::number(size) + '\n';
+    }
+    QCOMPARE(readFile(path(QStringLiteral("log"))), writes);
+}
+
+void tst_EepromImageProgram::troubleWhileWritingTellsTheState_data()
+{
+    QTest::addColumn<QString>("environment");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("error");
+    QTest::addColumn<int>("written");
+    const int size = EepromImage(boardText).bytes().size();
+    const QString state =
+        QStringLiteral("bytes 0 to 47 are new, bytes 48 to %1 still the old ones: write the image "
+                       "again")
+            .arg(size - 1);
+    QTest::newRow("signal") << "EEPROM_SIGNALS=40" << 7 << "interrupted; " + state << 48;
+    QTest::newRow("write error") << "EEPROM_FAILS=48" << 4 << "Remote I/O error; " + state << 48;
+    QTest::newRow("first write error")
+        << "EEPROM_FAILS=0" << 4 << "Remote I/O error; nothing was written" << 0;
+    QTest::newRow("protected")
+        << "EEPROM_PROTECTS=48" << 6
+        << "the image was written, but byte 48 reads back otherwise: is the part protected against "
+           "writing?"
+        << 48;
+}
+
+void tst_EepromImageProgram::troubleWhileWritingTellsTheState()
+{
+    QFETCH(QString, environment);
+    QFETCH(int, exitCode);
+    QFETCH(QString, error);
+    QFETCH(int, written);
+    writeFile(QStringLiteral("board.ini"), boardText);
+    const QString eeprom = writeFile(QStringLiteral("eeprom"), QByteArray(256, '\1'));
+    verifyResult(createInEeprom({environment}), exitCode, QString(),
+                 QStringLiteral("eeprom-image: eeprom: %1\n").arg(error));
+    const QByteArray content = readFile(eeprom);
+    QCOMPARE(content.left(written), EepromImage(boardText).bytes().left(written));
+    QCOMPARE(content.mid(written, 8), QByteArray(8, '\1'));
+    QCOMPARE(content.size(), 256);
+}
+
+void tst_EepromImageProgram::deviceIsWrittenInPlace()
+{
+    writeFile(QStringLiteral("board.ini"), boardText);
+    // A disk image that others have open or linked stays the same file.
+    const QString device = writeFile(QStringLiteral("device"), QByteArray(4096, 'x'));
+    QVERIFY(link(device.toLocal8Bit().constData(),
+                 path(QStringLiteral("other")).toLocal8Bit().constData()) == 0);
+    const ProgramResult result = run({"create", "--in-place", "board.ini", "device"});
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(readFile(path(QStringLiteral("other"))),
+             EepromImage(boardText).bytes().leftJustified(4096, 'x'));
+    verifyResult(run({"create", "--in-place", "board.ini", "none"}), 4, QString(),
+                 QStringLiteral("eeprom-image: none: No such file or directory\n"));
+    verifyResult(run({"create", "--in-place", "board.ini", "/dev/full"}), 4, QString(),
+                 QStringLiteral("eeprom-image: /dev/full: No space left on device; nothing was "
+                                "written\n"));
+}
+
+void tst_EepromImageProgram::imageLargerThanTheEepromIsRefused()
+{
+    writeFile(QStringLiteral("board.ini"), boardText);
+    const int size = EepromImage(boardText).bytes().size();
+    const QString eeprom = writeFile(QStringLiteral("eeprom"), QByteArray(size - 1, 'x'));
+    verifyResult(createInEeprom({}), 4, QString(),
+                 QStringLiteral("eeprom-image: eeprom: it has room for %1 bytes, and the image has "
+                                "%2; nothing was written\n")
+                     .arg(size - 1)
+                     .arg(size));
+    QCOMPARE(readFile(eeprom), QByteArray(size - 1, 'x'));
+}
+
+void tst_EepromImageProgram::showsJson()
+{
+    writeFile(QStringLiteral("eeprom"), EepromImage("Type=4711\nTypeName=\n").bytes());
+    const ProgramResult result = run({"show", "--json", "eeprom"});
+    QCOMPARE(result.errors, QString());
+    const QJsonObject expected{{"image", "eeprom"},
+                               {"type", "4711"},
+                               {"typeName", QJsonValue()},
+                               {"version", QJsonValue()},
+                               {"compatibilityIndex", QJsonValue()},
+                               {"lpId", QJsonValue()},
+                               {"comment", QJsonValue()}};
+    QCOMPARE(QJsonDocument::fromJson(result.output.toUtf8()).object(), expected);
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_EepromImageProgram::extractsTheText()
+{
+    const QByteArray text = boardText + QByteArray("; \0\xff and no line feed at the end", 35);
+    writeFile(QStringLiteral("eeprom"), EepromImage(text).startAddress(100).size(4096).bytes());
+    QCOMPARE(shell(QStringLiteral("\"$0\" extract eeprom >text")), QByteArray("0"));
+    QCOMPARE(readFile(path(QStringLiteral("text"))), text);
+}
+
+void tst_EepromImageProgram::extractRefusesDamage()
+{
+    writeFile(QStringLiteral("eeprom"), EepromImage(boardText).checksum(1).bytes());
+    const ProgramResult result = run({"extract", "eeprom"});
+    QCOMPARE(result.output, QString());
+    QVERIFY2(result.errors.contains(QStringLiteral("the checksum is wrong")),
+             qPrintable(result.errors));
+    QCOMPARE(result.exitCode, 16);
 }
 
 QTEST_GUILESS_MAIN(tst_EepromImageProgram)

@@ -6,8 +6,10 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QStandardPaths>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -36,10 +38,24 @@ private Q_SLOTS:
     void codecs_data();
     void codecs();
     void rulesCanBeIgnored();
+    void levels();
+    void repeatsAreCounted();
+    void commentsIgnoreFindings_data();
+    void commentsIgnoreFindings();
+    void listsIgnoreFindings_data();
+    void listsIgnoreFindings();
+    void refusesBrokenLists_data();
+    void refusesBrokenLists();
     void severalFiles();
+    void standardInput();
+    void directories();
+    void unreadableDirectories();
     void findingsAsJson();
-    void dryRunShowsTheChanges_data();
-    void dryRunShowsTheChanges();
+    void findingsAsSarif();
+    void dryRunPrintsADiff_data();
+    void dryRunPrintsADiff();
+    void patchAcceptsTheDiff_data();
+    void patchAcceptsTheDiff();
     void cleanDoesWhatTheDryRunShows();
     void cleanFilesAreNotWritten();
     void cleanSaysWhatItCannotDo();
@@ -60,6 +76,18 @@ private:
     {
         verifyResult(run(arguments), exitCode, output, errors);
     }
+    // Byte by byte.
+    QByteArray cleanUpDiff(const QString& name) const
+    {
+        const QString output = QStringLiteral("output.diff");
+        ProgramRun(QStringLiteral("sh"),
+                   {"-c", "\"$0\" --clean --dry-run \"$1\" >\"$2\"", program, name, output},
+                   folder())
+            .finish();
+        const QByteArray diff = readFile(path(output));
+        QFile::remove(path(output));
+        return diff;
+    }
     QStringList filesInTheFolder() const
     {
         return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -75,120 +103,222 @@ void tst_IniLint::findings_data()
         QTest::newRow(name) << text << QString::fromUtf8(output);
     };
     row("comma", "dns=10.0.0.1, 10.0.0.2\n",
-        "1: for its comma the value is a list of 2 texts, and empty where a text is asked for; "
-        "quotes keep it whole [comma-list]\n");
+        "1:13: error: for its comma the value is a list of 2 texts, and empty where a text is "
+        "asked "
+        "for; quotes keep it whole [comma-list]\n");
     row("semicolon", "\n[s]\nflags=a;b\n",
-        "3: the value ends at the semicolon: 'a'; quotes keep it whole [semicolon]\n");
+        "3:8: error: the value ends at the semicolon: 'a'; quotes keep it whole [semicolon]\n");
+    row("semicolon right after the equals sign", "a=;b\n",
+        "1:3: error: the value ends at the semicolon: ''; quotes keep it whole [semicolon]\n");
+    row("semicolon that looks like a comment's", "a=1 ; b\nb=\t;\n",
+        "1:5: warning: the value ends at the semicolon: '1'; quotes keep it whole [semicolon]\n"
+        "2:4: warning: the value ends at the semicolon: ''; quotes keep it whole [semicolon]\n");
     row("no equals sign", "a=1\nb: 2\n",
-        "2: there is no '='; the line is skipped, and QSettings reports a format error: 'b: 2' "
-        "[no-equals]\n");
-    row("hash before words", "# words\n",
-        "1: '#' starts no comment; the line is skipped for want of a '=', and QSettings reports a "
-        "format error: '# words' [hash-comment]\n");
-    row("hash before a key", "#a=1\n%23b=1\n",
-        "1: '#' starts no comment: the line is read as the key '#a' [hash-comment]\n"
-        "2: '#' starts no comment: the line is read as the key '#b' [hash-comment]\n");
-    row("hash behind a value", "a=1 # one\n",
-        "1: '#' starts no comment; the value is '1 # one' [hash-comment]\n");
-    row("key again", "[s]\na=1\na=2\n",
-        "3: 's/a' is given again: this value counts, not that of line 2 [duplicate-key]\n");
+        "2:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
+        "'b: 2' [no-equals]\n");
+    row("hash before a key", "#a=1,2;3\n#a='4\n%23b=1\n",
+        "1:1: note: '#' starts no comment: the line is read as the key '#a' [hash-comment]\n"
+        "2:1: note: '#' starts no comment: the line is read as the key '#a' [hash-comment]\n"
+        "3:1: warning: '%23b' is read as '#b': '%' begins the number of a character "
+        "[name-escape]\n");
+    row("hash after a value", "a=1 # one\n",
+        "1:5: warning: '#' starts no comment; the value is '1 # one' [hash-comment]\n");
+    row("hash before words that include a key", "# it\"s\na=1\n",
+        "1:1: error: the quote is not closed: everything up to the end of the file belongs to this "
+        "line [multi-line]\n");
+    row("hash before a path that includes a key", "# C:\\\na=1\n#b=\\\n[s]\n",
+        "1:1: note: '#' starts no comment: the line is read as the key '# C:/\\x0aa' "
+        "[hash-comment]\n"
+        "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
+        "the end of the line [multi-line]\n"
+        "3:1: note: '#' starts no comment: the line is read as the key '#b' [hash-comment]\n"
+        "3:1: error: everything up to line 4 belongs to this line: a quote or a backslash includes "
+        "the end of the line [multi-line]\n");
+    row("key again", "[s]\na=1\na=2\na=2\n",
+        "2:1: error: 's/a' is given again: the value of line 4 counts, not this [duplicate-key]\n"
+        "3:1: note: 's/a' is given again: the value of line 4 counts, not this [duplicate-key]\n");
     row("key again in the section's second part", "[s]\na=1\n[t]\na=1\n[s]\na=2\n",
-        "6: 's/a' is given again: this value counts, not that of line 2 [duplicate-key]\n");
+        "2:1: error: 's/a' is given again: the value of line 6 counts, not this "
+        "[duplicate-key]\n");
     row("key again by another spelling", "[s]\na%20b=1\na b=2\n",
-        "3: 's/a b' is given again: this value counts, not that of line 2 [duplicate-key]\n");
+        "2:1: warning: 'a%20b' is read as 'a b': '%' begins the number of a character "
+        "[name-escape]\n"
+        "2:1: error: 's/a b' is given again: the value of line 3 counts, not this "
+        "[duplicate-key]\n");
     row("key again in another section", "[s/t]\na=1\n[s]\nt/a=2\n",
-        "1: 's/t' is nested: the group that is listed is 's' [nested-name]\n"
-        "4: 't/a' is nested: it is read as the key 'a' of the group 's/t' [nested-name]\n"
-        "4: 's/t/a' is given in another section, too, in line 2: which value counts depends on "
-        "what the program reads first [duplicate-key]\n");
+        "1:1: warning: 's/t' is nested: the group that is listed is 's' [nested-name]\n"
+        "4:1: warning: 't/a' is nested: it is read as the key 'a' of the group 's/t' "
+        "[nested-name]\n"
+        "4:1: error: 's/t/a' is given in another section, too, in line 2: which value counts "
+        "depends on what the program reads first [read-order]\n");
+    row("section that hides keys of another", "[s]\na=1\nz=2\n[s/t]\n",
+        "3:1: error: a look-up of 's/z' fails until something else has had its section read, such "
+        "as a listing of the keys [read-order]\n"
+        "4:1: warning: 's/t' is nested: the group that is listed is 's' [nested-name]\n");
+    row("nested key at the top level", "a/b=1\n",
+        "1:1: warning: 'a/b' is nested: it is read as the key 'b' of the group 'a' "
+        "[nested-name]\n"
+        "1:1: error: a look-up of 'a/b' fails until something else has had its section read, such "
+        "as a listing of the keys [read-order]\n");
     row("keys differ in case", "a=1\nA=2\nA=3\n",
-        "2: 'A' is another key than 'a' in line 1: case counts [case]\n"
-        "3: 'A' is given again: this value counts, not that of line 2 [duplicate-key]\n");
+        "2:1: error: 'A' is given again: the value of line 3 counts, not this [duplicate-key]\n"
+        "2:1: warning: 'A' is another key than 'a' in line 1: case counts [case]\n");
     row("sections differ in case", "[s]\na=1\n[S]\na=1\n",
-        "3: 'S' is another section than 's' in line 1: case counts [case]\n");
+        "3:1: warning: 'S' is another section than 's' in line 1: case counts [case]\n");
     row("general section", "[general]\na=1\n",
-        "1: [general] is no group but the top level of the file; the group 'General' is written "
-        "[%General] [general-section]\n");
+        "1:1: warning: [general] is no group but the top level of the file; the group 'General' is "
+        "written [%General] [general-section]\n");
+    row("group of the name General", "[%General]\na=1\n",
+        "1:1: warning: '%General' is read as 'General': '%' tells it from the file's top level "
+        "[name-escape]\n");
     row("backslash in a section's name", "[a\\b]\nc=1\n",
-        "1: 'a/b' is nested: the group that is listed is 'a' [nested-name]\n");
+        "1:1: error: 'a/b' is nested: the group that is listed is 'a' [nested-name]\n");
+    row("backslash in a key", "[s]\na\\b=1\n",
+        "2:1: error: 'a/b' is nested: it is read as the key 'b' of the group 's/a' "
+        "[nested-name]\n");
     row("section without a name", "[]\na=1\n",
-        "1: the keys of '' cannot be looked up: a part of its name is empty [unreachable]\n");
+        "1:1: error: the keys of '' cannot be looked up: a part of its name is empty "
+        "[unreachable]\n");
     row("section's name ends in a slash", "[a/]\nb=1\n",
-        "1: the keys of 'a/' cannot be looked up: a part of its name is empty [unreachable]\n");
-    row("no key", "=1\n",
-        "1: there is no key before the '='; the value cannot be looked up [unreachable]\n");
+        "1:1: error: the keys of 'a/' cannot be looked up: a part of its name is empty "
+        "[unreachable]\n");
+    row("no key", " =1\n",
+        "1:2: error: there is no key before the '='; the value cannot be looked up "
+        "[unreachable]\n");
     row("key begins with a slash", "/a=1\n",
-        "1: the key '/a' cannot be looked up: a part of its name is empty [unreachable]\n");
+        "1:1: error: the key '/a' cannot be looked up: a part of its name is empty "
+        "[unreachable]\n");
     row("section without its end", "[a\nb=1\n",
-        "1: the section has no ']'; its name is read as 'a' [section-end]\n");
-    row("something behind a section", "[a] b=1\n",
-        "1: what stands behind the ']' is skipped: 'b=1' [section-end]\n");
+        "1:1: error: the section has no ']'; its name is read as 'a' [section-end]\n");
+    row("something after a section", "[a] b=1\n",
+        "1:1: error: what follows the ']' is skipped: 'b=1' [section-end]\n");
     row("percent sign in a key", "%41=1\n",
-        "1: '%41' is read as 'A': '%' begins the number of a character [name-escape]\n");
+        "1:1: error: '%41' is read as 'A': '%' begins the number of a character [name-escape]\n");
     row("percent sign in a section", "[a%2Fb]\nc=1\n",
-        "1: 'a%2Fb' is read as 'a/b': '%' begins the number of a character [name-escape]\n"
-        "1: 'a/b' is nested: the group that is listed is 'a' [nested-name]\n");
+        "1:1: error: 'a%2Fb' is read as 'a/b': '%' begins the number of a character "
+        "[name-escape]\n"
+        "1:1: warning: 'a/b' is nested: the group that is listed is 'a' [nested-name]\n");
     row("backslashes in a path", "path=C:\\temp\\data\n",
-        "1: for '\\t' the value is read as 'C:\\x09empata'; '\\\\' is a backslash [escape]\n");
-    row("numbers of characters", "a=\\x41bc,\\101\n",
-        "1: for its comma the value is a list of 2 texts, and empty where a text is asked for; "
-        "quotes keep it whole [comma-list]\n"
-        "1: for '\\x41bc' the value is read as '\xE4\x86\xBC', 'A'; '\\\\' is a backslash "
+        "1:8: error: for '\\t' the value is read as 'C:\\x09empata'; '\\\\' is a backslash "
+        "[escape]\n"
+        "1:13: error: for '\\d' the value is read as 'C:\\x09empata'; '\\\\' is a backslash "
         "[escape]\n");
-    row("quotes within a value", "a=b\"c\"d\n",
-        "1: quotes within a value vanish; it is read as 'bcd' [quotes]\n");
+    row("numbers of characters", "a=\\x41bc,\\101\n",
+        "1:3: error: for '\\x41bc' the value is read as '\xE4\x86\xBC', 'A'; '\\\\' is a backslash "
+        "[escape]\n"
+        "1:9: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
+        "for; quotes keep it whole [comma-list]\n"
+        "1:10: error: for '\\101' the value is read as '\xE4\x86\xBC', 'A'; '\\\\' is a backslash "
+        "[escape]\n");
+    row("doubled backslash", "a=C:\\\\temp\n",
+        "1:5: warning: '\\\\' is read without its first backslash; the value is 'C:\\temp' "
+        "[literal-escape]\n");
+    row("escaped quote", "a=\\\"b\n",
+        "1:3: warning: '\\\"' is read without its first backslash; the value is '\"b' "
+        "[literal-escape]\n");
+    row("quotes within a value", "a= b\"c\"d\n",
+        "1:4: error: quotes within a value vanish; it is read as 'bcd' [quotes]\n");
     row("single quotes", "a='b'\n",
-        "1: single quotes are none; they are a part of the value: ''b'' [quotes]\n");
+        "1:3: warning: single quotes are none; they are a part of the value: ''b'' [quotes]\n");
     row("quotes around a key", "\"a\"=1\n",
-        "1: quotes are a part of the key's name: '\"a\"' [quotes]\n");
+        "1:1: warning: quotes are a part of the key's name: '\"a\"' [quotes]\n");
     row("quote over two lines", "a=\"b\nc\"\nd=,\n",
-        "1: everything up to line 2 belongs to this line: a quote or a backslash takes the line's "
-        "end in [multi-line]\n"
-        "3: for its comma the value is a list of 2 texts, and empty where a text is asked for; "
-        "quotes keep it whole [comma-list]\n");
+        "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
+        "the end of the line [multi-line]\n"
+        "3:3: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
+        "for; quotes keep it whole [comma-list]\n");
     row("backslash at the end of a line", "a=b\\\r\nc\r\n",
-        "1: everything up to line 2 belongs to this line: a quote or a backslash takes the line's "
-        "end in [multi-line]\n");
+        "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
+        "the end of the line [multi-line]\n");
+    row("backslash at the end of a line before an empty line", "a=b\\\n\nc=1\n",
+        "1:4: error: the backslash at the end is not read; the value is 'b' [escape]\n");
+    row("backslash at the end of a line before a comment", "a=b\\\r\n;c\n",
+        "1:4: error: the backslash at the end is not read; the value is 'b' [escape]\n"
+        "2:1: error: the value ends at the semicolon: 'b'; quotes keep it whole [semicolon]\n");
+    row("backslash at the end of the last line", "a=b\\\n",
+        "1:4: error: the backslash at the end is not read; the value is 'b' [escape]\n");
+    row("backslash at the end of the file", "a=b\\",
+        "1:4: error: the backslash at the end is not read; the value is 'b' [escape]\n");
     row("quote without its end", "a=\"b\n[s]\nc=1\n",
-        "1: the quote is not closed: everything up to the end of the file belongs to this line "
-        "[multi-line]\n");
+        "1:1: error: the quote is not closed: everything up to the end of the file belongs to this "
+        "line [multi-line]\n");
     row("section with a quote", "[a\"b\nc\"]\n",
-        "1: everything up to line 2 belongs to this line: a quote or a backslash takes the line's "
-        "end in [multi-line]\n");
+        "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
+        "the end of the line [multi-line]\n");
     row("words with a quote", "a\"b\nc\"\n",
-        "1: everything up to line 2 belongs to this line: a quote or a backslash takes the line's "
-        "end in [multi-line]\n"
-        "1: there is no '='; the line is skipped, and QSettings reports a format error: "
+        "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
+        "the end of the line [multi-line]\n"
+        "1:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
         "'a\"b\\x0ac\"' [no-equals]\n");
     row("mark of another type", "a=@Size(1 2)\nb=@@c\nc=@Invalid()\n",
-        "1: '@Size(1 2)' is read as a point, a size or a rectangle [at-sign]\n"
-        "2: '@@c' is read as the text without its first '@' [at-sign]\n"
-        "3: '@Invalid()' is read as no value at all [at-sign]\n");
+        "1:3: error: \'@Size(1 2)' is read as a point, a size or a rectangle [at-sign]\n"
+        "2:3: error: \'@@c' is read as the text without its first '@' [at-sign]\n"
+        "3:3: error: \'@Invalid()' is read as no value at all [at-sign]\n");
     row("mark of bytes, text or an object",
         "a=@ByteArray(x)\nb=@String(x)\nc=@Variant(x)\nd=@DateTime(x)\n",
-        "1: '@ByteArray(x)' is read as the bytes in the brackets [at-sign]\n"
-        "2: '@String(x)' is read as the text in the brackets [at-sign]\n"
-        "3: '@Variant(x)' is read as a stored object [at-sign]\n"
-        "4: '@DateTime(x)' is read as a stored object [at-sign]\n");
+        "1:3: error: \'@ByteArray(x)' is read as the bytes in the brackets [at-sign]\n"
+        "2:3: error: \'@String(x)' is read as the text in the brackets [at-sign]\n"
+        "3:3: error: \'@Variant(x)' is read as a stored object [at-sign]\n"
+        "4:3: error: \'@DateTime(x)' is read as a stored object [at-sign]\n");
     row("word that is no boolean", "a=Off\n",
-        "1: as a boolean 'Off' is true: only '0', 'false' and an empty value are false "
+        "1:3: warning: as a boolean 'Off' is true: only '0', 'false' and an empty value are false "
         "[boolean-word]\n");
     row("large number", "a=4294967301\n",
-        "1: as an integer '4294967301' is 5: it has more than 32 bits [large-number]\n");
+        "1:3: warning: as an integer '4294967301' is 5: it has more than 32 bits "
+        "[large-number]\n");
     row("byte order mark before a key",
         "\xEF\xBB\xBF"
         "a=1\n",
-        "1: a byte order mark is a part of this key's name [byte-order-mark]\n");
+        "1:1: error: a byte order mark is a part of this key's name [byte-order-mark]\n");
     row("byte order mark before a section", "\xEF\xBB\xBF[a]\nb=1\n",
-        "1: a byte order mark counts as a line without '='; QSettings reports a format error "
-        "[byte-order-mark]\n");
+        "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
+        "error [byte-order-mark]\n");
+    row("byte order mark before words",
+        "\xEF\xBB\xBF"
+        "a\n",
+        "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
+        "error [byte-order-mark]\n"
+        "1:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
+        "'a' [no-equals]\n");
+    row("byte order mark before a comment", "\xEF\xBB\xBF# a\n",
+        "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
+        "error [byte-order-mark]\n");
+    row("byte order mark before a key in a comment", "\xEF\xBB\xBF#a=1,2\n",
+        "1:1: note: '#' starts no comment: the line is read as the key "
+        "'\xC3\xAF\xC2\xBB\xC2\xBF#a' "
+        "[hash-comment]\n");
+    row("UTF-16", QByteArray("\xFF\xFE=\0\n\0", 6),
+        "1:1: error: the file is UTF-16, which QSettings does not read [byte-order-mark]\n"
+        "2:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
+        "'' [no-equals]\n");
     row("long line", QByteArray(70, 'x') + "\n",
-        ("1: there is no '='; the line is skipped, and QSettings reports a format error: '" +
+        ("1:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
+         "'" +
          QByteArray(60, 'x') + "...' [no-equals]\n")
             .constData());
     row("carriage returns alone end lines", "a=1\rb=1,2\rc=3\r",
-        "2: for its comma the value is a list of 2 texts, and empty where a text is asked for; "
-        "quotes keep it whole [comma-list]\n");
+        "2:4: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
+        "for; quotes keep it whole [comma-list]\n");
+    row("column in characters of UTF-8", "; \xC3\xA4\nb=\"\xC3\xA4\",\n",
+        "2:3: error: the value's bytes are UTF-8, but they are taken for Latin-1; it is read as "
+        "'\xC3\x83\xC2\xA4', '' [encoding]\n"
+        "2:6: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
+        "for; quotes keep it whole [comma-list]\n");
+    row("column in bytes of Latin-1", "; \xE4\nb=\"\xE4\x84\",\n",
+        "2:7: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
+        "for; quotes keep it whole [comma-list]\n");
+    row("comment that asks for something else",
+        "; ini-lint: ignore\n# ini-lint: ignore-line case\n;ini-lint:\n",
+        "1:1: warning: this must be 'ini-lint: ignore RULE...' or 'ini-lint: ignore-file RULE...' "
+        "[ignore-comment]\n"
+        "2:1: warning: this must be 'ini-lint: ignore RULE...' or 'ini-lint: ignore-file RULE...' "
+        "[ignore-comment]\n"
+        "3:1: warning: this must be 'ini-lint: ignore RULE...' or 'ini-lint: ignore-file RULE...' "
+        "[ignore-comment]\n");
+    row("comment that ignores an unknown rule", "  ; ini-lint: ignore comma\na=1,2\n",
+        "1:1: warning: there is no rule 'comma' [ignore-comment]\n"
+        "2:4: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
+        "for; quotes keep it whole [comma-list]\n");
 }
 
 void tst_IniLint::findings()
@@ -201,7 +331,7 @@ void tst_IniLint::findings()
     for (const QString& line : output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         expected += file + QLatin1Char(':') + line + QLatin1Char('\n');
     }
-    verifyRun({file}, 1, expected);
+    verifyRun({"--all", "--level=note", file}, 1, expected);
     QCOMPARE(readFile(path(file)), text);
     QCOMPARE(filesInTheFolder(), QStringList(file));
 }
@@ -214,9 +344,10 @@ void tst_IniLint::nothingToFind_data()
     QTest::newRow("comments") << QByteArray("; one, two; three\n\n  ; four = \"\n");
     QTest::newRow("quotes that keep a value whole")
         << QByteArray("a=\"1, 2\"\nb=\"1; 2\"\nc = \" 3 \" \n");
-    QTest::newRow("escapes that stand for themselves") << QByteArray("a=C:\\\\temp\nb=\\\"c\\\"\n");
-    QTest::newRow("group of the name General") << QByteArray("[%General]\na=1\n");
-    QTest::newRow("as QSettings writes names") << QByteArray("a%20b=1\n%UABCD=2\n");
+    QTest::newRow("comments after a hash") << QByteArray(
+        "# one\n#\n  # it's one; two\n# [s]\n# \"three\n# four\"\n# C:\\\n\n# five\\");
+    QTest::newRow("comment after a section") << QByteArray("[s] # one\na=1\n[t];two\na=1\n");
+
     QTest::newRow("same key in two sections") << QByteArray("[s]\na=1\n[t]\na=1\n");
     QTest::newRow("section in two parts") << QByteArray("[s]\na=1\n[t]\na=1\n[s]\nb=1\n");
     QTest::newRow("color") << QByteArray("a=#ff0000\nb = #ff0000\n");
@@ -230,7 +361,7 @@ void tst_IniLint::nothingToFind()
 {
     QFETCH(QByteArray, text);
     writeFile(file, text);
-    verifyRun({file}, 0, QString());
+    verifyRun({"--all", "--level=note", file}, 0, QString());
 }
 
 void tst_IniLint::codecs_data()
@@ -242,31 +373,29 @@ void tst_IniLint::codecs_data()
     const QByteArray utf8 = "a=\xC3\xA4\n";
     const QByteArray latin1 = "a=\xE4\n";
     const QStringList codec{QStringLiteral("--codec")};
-    QTest::newRow("UTF-8, none") << QStringList() << utf8
-                                 << QString::fromUtf8(
-                                        "file.ini:1: the value's bytes are UTF-8, but they are "
-                                        "taken for Latin-1; it is read as '\xC3\x83\xC2\xA4' "
-                                        "[encoding]\n");
+    QTest::newRow("UTF-8, none")
+        << QStringList() << utf8
+        << QString::fromUtf8("file.ini:1:3: error: the value's bytes are UTF-8, but they are "
+                             "taken for Latin-1; it is read as '\xC3\x83\xC2\xA4' "
+                             "[encoding]\n");
     QTest::newRow("UTF-8, UTF-8") << codec + QStringList("UTF-8") << utf8 << QString();
     QTest::newRow("UTF-8, ISO-8859-15")
         << codec + QStringList("ISO-8859-15") << utf8
-        << QString::fromUtf8("file.ini:1: the value's bytes are UTF-8, but they are taken for "
-                             "ISO-8859-15; it is read as '\xC3\x83\xE2\x82\xAC' [encoding]\n");
+        << QString::fromUtf8(
+               "file.ini:1:3: error: the value's bytes are UTF-8, but they are taken for "
+               "ISO-8859-15; it is read as '\xC3\x83\xE2\x82\xAC' [encoding]\n");
     QTest::newRow("Latin-1, none") << QStringList() << latin1 << QString();
     QTest::newRow("Latin-1, UTF-8")
         << codec + QStringList("UTF-8") << latin1
-        << QString::fromUtf8("file.ini:1: the value's bytes are not UTF-8; it is read as "
+        << QString::fromUtf8("file.ini:1:3: error: the value's bytes are not UTF-8; it is read as "
                              "'\xEF\xBF\xBD' [encoding]\n");
     QTest::newRow("UTF-8 after a byte order mark, none")
-        << QStringList() << "\xEF\xBB\xBF;\n" + utf8
-        << QStringLiteral("file.ini:1: a byte order mark counts as a line without '='; QSettings "
-                          "reports a format error [byte-order-mark]\n");
+        << QStringList() << "\xEF\xBB\xBF;\n" + utf8 << QString();
     QTest::newRow("name in UTF-8, UTF-8")
         << codec + QStringList("UTF-8") << QByteArray("\xC3\xA4=1\n[\xC3\xB6]\n")
-        << QString::fromUtf8("file.ini:1: '\xC3\xA4' is read as '\xC3\x83\xC2\xA4': names are "
-                             "Latin-1 whatever the codec [encoding]\n"
-                             "file.ini:2: '\xC3\xB6' is read as '\xC3\x83\xC2\xB6': names are "
-                             "Latin-1 whatever the codec [encoding]\n");
+        << QString::fromUtf8(
+               "file.ini:1:1: error: '\xC3\xA4' is read as '\xC3\x83\xC2\xA4': names are "
+               "Latin-1 whatever the codec (and 1 more in this file) [encoding]\n");
     QTest::newRow("name in Latin-1, none") << QStringList() << QByteArray("\xE4=1\n") << QString();
 }
 
@@ -283,11 +412,228 @@ void tst_IniLint::rulesCanBeIgnored()
 {
     writeFile(file, "a=1;b\na=2,3\nno\n");
     verifyRun({"--ignore", "semicolon", "--ignore=comma-list", file, "--ignore", "no-equals"}, 1,
-              QStringLiteral("file.ini:2: 'a' is given again: this value counts, not that of line "
-                             "1 [duplicate-key]\n"));
+              QStringLiteral("file.ini:1:1: error: 'a' is given again: the value of line 2 counts, "
+                             "not this [duplicate-key]\n"));
     verifyRun({"--ignore", "semicolon", "--ignore=comma-list", file, "--ignore", "no-equals",
                "--ignore", "duplicate-key"},
               0, QString());
+}
+
+void tst_IniLint::levels()
+{
+    writeFile(file, "#a=1\nb=off\nc=1;2\n");
+    const QString note = QStringLiteral("file.ini:1:1: note: '#' starts no comment: the line is "
+                                        "read as the key '#a' [hash-comment]\n");
+    const QString warning =
+        QStringLiteral("file.ini:2:3: warning: as a boolean 'off' is true: only '0', 'false' and "
+                       "an empty value are false [boolean-word]\n");
+    const QString error = QStringLiteral("file.ini:3:4: error: the value ends at the semicolon: "
+                                         "'1'; quotes keep it whole [semicolon]\n");
+    verifyRun({file}, 1, warning + error);
+    verifyRun({"--level=note", file}, 1, note + warning + error);
+    verifyRun({"--level", "warning", file}, 1, warning + error);
+    verifyRun({"--level", "error", file}, 1, error);
+    verifyRun({"--level", "error", "--ignore", "semicolon", file}, 0, QString());
+}
+
+void tst_IniLint::repeatsAreCounted()
+{
+    writeFile(file, "a=1;2\nb=1 ;\nc=1;\nd=off\ne=;\n");
+    const QString text = QStringLiteral("the value ends at the semicolon: '%1'; quotes keep it "
+                                        "whole%2 [semicolon]\n");
+    const QString word =
+        QStringLiteral("file.ini:4:3: warning: as a boolean 'off' is true: only '0', 'false' and "
+                       "an empty value are false [boolean-word]\n");
+    // A warning does not hide an error of the same rule.
+    verifyRun({file}, 1,
+              QStringLiteral("file.ini:1:4: error: ") +
+                  text.arg("1", " (and 2 more in this file)") +
+                  QStringLiteral("file.ini:2:5: warning: ") + text.arg("1", "") + word);
+    verifyRun({"--all", file}, 1,
+              QStringLiteral("file.ini:1:4: error: ") + text.arg("1", "") +
+                  QStringLiteral("file.ini:2:5: warning: ") + text.arg("1", "") +
+                  QStringLiteral("file.ini:3:4: error: ") + text.arg("1", "") + word +
+                  QStringLiteral("file.ini:5:3: error: ") + text.arg("", ""));
+}
+
+void tst_IniLint::commentsIgnoreFindings_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QStringList>("places");
+
+    QTest::newRow("next line") << QByteArray("; ini-lint: ignore semicolon\na=1;2\nb=1;2\n")
+                               << QStringList{"3:4"};
+    QTest::newRow("hash") << QByteArray("#ini-lint: ignore semicolon\na=1;2\nb=1;2\n")
+                          << QStringList{"3:4"};
+    QTest::newRow("another rule") << QByteArray("; ini-lint: ignore comma-list\na=1;2\n")
+                                  << QStringList{"2:4"};
+    QTest::newRow("several rules")
+        << QByteArray("; ini-lint: ignore semicolon, comma-list boolean-word\na=1,1;2\nb=off\n")
+        << QStringList{"3:3"};
+    QTest::newRow("several comments")
+        << QByteArray("; ini-lint: ignore semicolon\n; because\n\n"
+                      "; ini-lint: ignore comma-list\r\na=1,1;2\nb=1;\n")
+        << QStringList{"6:4"};
+    QTest::newRow("section") << QByteArray("; ini-lint: ignore general-section\n[General]\n")
+                             << QStringList();
+    QTest::newRow("value of several lines")
+        << QByteArray("; ini-lint: ignore escape multi-line\na=\"\\q\n\\q\"\nb=\\q\n")
+        << QStringList{"4:3"};
+    QTest::newRow("whole file") << QByteArray(
+                                       "a=1;2\n; ini-lint: ignore-file semicolon\nb=1;2\nc=1,2\n")
+                                << QStringList{"4:4"};
+    QTest::newRow("no comment") << QByteArray("a=1 ini-lint: ignore semicolon\nb=1;2\n")
+                                << QStringList{"2:4"};
+    QTest::newRow("comment that is not for it")
+        << QByteArray("; ignore semicolon\na=1;2\n") << QStringList{"2:4"};
+}
+
+void tst_IniLint::commentsIgnoreFindings()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QStringList, places);
+
+    writeFile(file, text);
+    const ProgramResult result = run({"--all", file});
+    QStringList found = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (QString& line : found) {
+        line = line.section(QLatin1Char(':'), 1, 2);
+    }
+    QCOMPARE(found, places);
+    QCOMPARE(result.exitCode, places.isEmpty() ? 0 : 1);
+}
+
+void tst_IniLint::listsIgnoreFindings_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QStringList>("left"); // of the rules of two files
+
+    const QStringList a = {"a/one.ini boolean-word", "a/one.ini semicolon"};
+    const QStringList b = {"b c/two.ini boolean-word", "b c/two.ini semicolon"};
+    QTest::newRow("empty") << QByteArray("") << a + b;
+    QTest::newRow("comments") << QByteArray("# * *\n\n  # semicolon *\n") << a + b;
+    QTest::newRow("rule everywhere")
+        << QByteArray("semicolon *.ini\n") << QStringList{a.at(0), b.at(0)};
+    QTest::newRow("file by its name") << QByteArray("* one.ini") << b;
+    QTest::newRow("part of a name") << QByteArray("* ne.ini") << a + b;
+    QTest::newRow("file by its path") << QByteArray("* a/one.ini") << b;
+    QTest::newRow("directory") << QByteArray("* b c/*\r\n") << a;
+    QTest::newRow("no directories in a star") << QByteArray("* /*\n") << a + b;
+    QTest::newRow("rules of files")
+        << QByteArray("semicolon one.ini\nboolean-word t*.ini\n") << QStringList{a.at(0), b.at(1)};
+}
+
+void tst_IniLint::listsIgnoreFindings()
+{
+    QFETCH(QByteArray, list);
+    QFETCH(QStringList, left);
+
+    for (const char* name : {"a/one.ini", "b c/two.ini"}) {
+        QVERIFY(QDir(folder()).mkpath(QFileInfo(QLatin1String(name)).path()));
+        writeFile(QLatin1String(name), "a=off\nb=1;2\n");
+    }
+    writeFile(QStringLiteral("list.txt"), list);
+    const ProgramResult result = run({"--ignore-list", "list.txt", "a/one.ini", "b c/two.ini"});
+    QStringList found = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (QString& line : found) {
+        const QString rule = line.section(QLatin1Char('['), -1).chopped(1);
+        line = line.section(QLatin1Char(':'), 0, 0) + QLatin1Char(' ') + rule;
+    }
+    QCOMPARE(found, left);
+    QCOMPARE(result.errors, QString());
+}
+
+void tst_IniLint::refusesBrokenLists_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("no pattern") << QByteArray("* *\nsemicolon\n")
+                                << "list.txt:2: this must be RULE PATTERN: 'semicolon'";
+    QTest::newRow("unknown rule") << QByteArray("colon *.ini")
+                                  << "list.txt:1: there is no rule 'colon'";
+}
+
+void tst_IniLint::refusesBrokenLists()
+{
+    QFETCH(QByteArray, list);
+    QFETCH(QString, error);
+    writeFile(QStringLiteral("list.txt"), list);
+    writeFile(file, "");
+    verifyRun({"--ignore-list=list.txt", file}, 2, QString(),
+              QStringLiteral("ini-lint: ") + error + QLatin1Char('\n') + hint);
+    verifyRun({"--ignore-list=none.txt", file}, 2, QString(),
+              QStringLiteral("ini-lint: none.txt: No such file or directory\n") + hint);
+}
+
+void tst_IniLint::standardInput()
+{
+    const QString finding = QStringLiteral("<stdin>:1:4: error: the value ends at the semicolon: "
+                                           "'1'; quotes keep it whole [semicolon]\n");
+    ProgramRun lint(program, {"-"}, folder());
+    lint.write("a=1;2\n");
+    verifyResult(lint.finish(), 1, finding);
+
+    ProgramRun dryRun(program, {"--clean", "--dry-run", "-"}, folder());
+    dryRun.write("a=1,2\n");
+    verifyResult(dryRun.finish(), 1,
+                 QStringLiteral("--- <stdin>\n+++ <stdin>\n@@ -1,1 +1,1 @@\n-a=1,2\n+a=1 2\n"));
+
+    writeFile(QStringLiteral("-"), "a=1,2\n"); // which is not meant
+    ProgramRun clean(program, {"--clean", "-"}, folder());
+    clean.write("a=1,2\n");
+    verifyResult(clean.finish(), 2, QString(),
+                 QStringLiteral("ini-lint: <stdin>: only a file can be cleaned up\n"));
+    QCOMPARE(readFile(path(QStringLiteral("-"))), QByteArray("a=1,2\n"));
+}
+
+void tst_IniLint::directories()
+{
+    QVERIFY(QDir(folder()).mkpath(QStringLiteral("d/b/.c")));
+    for (const char* name : {"d/z.ini", "d/b/y.ini", "d/b/.c/.x.ini", "d/b/w.conf", "d/ini"}) {
+        writeFile(QLatin1String(name), "a=1;2\n");
+    }
+    QVERIFY(QFile::link(QStringLiteral(".."), path(QStringLiteral("d/b/up.ini"))));
+    QCOMPARE(mkfifo(qPrintable(path(QStringLiteral("d/pipe.ini"))), 0600), 0);
+
+    const auto filesOf = [this](const QStringList& arguments) {
+        QStringList files;
+        for (const QString& line :
+             run(arguments).output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            files.append(line.section(QLatin1Char(':'), 0, 0));
+        }
+        return files;
+    };
+    const QStringList all = {"d/b/.c/.x.ini", "d/b/y.ini", "d/z.ini"};
+    QCOMPARE(filesOf({"d"}), all);
+    QCOMPARE(filesOf({"d/z.ini", "d", "d/ini"}),
+             QStringList("d/z.ini") + all + QStringList("d/ini"));
+    QCOMPARE(filesOf({"-p", "*.conf", "d"}), QStringList("d/b/w.conf"));
+    QCOMPARE(filesOf({"--pattern=*.conf", "--pattern=z*", "d"}),
+             (QStringList{"d/b/w.conf", "d/z.ini"}));
+    verifyRun({"--pattern=*.none", "--pattern=x", "d"}, 2, QString(),
+              QStringLiteral("ini-lint: d: no file in this directory has a name that fits "
+                             "'*.none', 'x'\n"));
+}
+
+void tst_IniLint::unreadableDirectories()
+{
+    // Root may read everything; the program runs as somebody else then.
+    const QStringList unprivileged =
+        geteuid() == 0 ? QStringList{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}
+                       : QStringList{"env"};
+    QVERIFY(QDir(folder()).mkpath(QStringLiteral("d/closed")));
+    writeFile(QStringLiteral("d/a.ini"), "a=1;2\n");
+    writeFile(QStringLiteral("d/closed/b.ini"), "a=1;2\n");
+    QCOMPARE(chmod(qPrintable(folder()), 0755), 0);
+    QCOMPARE(chmod(qPrintable(path(QStringLiteral("d/closed"))), 0), 0);
+    const ProgramResult result =
+        ProgramRun(unprivileged.constFirst(), unprivileged.mid(1) + QStringList{program, "d"},
+                   folder())
+            .finish();
+    QCOMPARE(chmod(qPrintable(path(QStringLiteral("d/closed"))), 0755), 0);
+    QCOMPARE(result.output.count(QLatin1Char('\n')), 1);
+    QCOMPARE(result.errors, QStringLiteral("ini-lint: d/closed: the directory cannot be read\n"));
+    QCOMPARE(result.exitCode, 2);
 }
 
 void tst_IniLint::severalFiles()
@@ -295,27 +641,27 @@ void tst_IniLint::severalFiles()
     writeFile(QStringLiteral("a.ini"), "a=off\n");
     writeFile(QStringLiteral("b\n.ini"), "b=no\n");
     const QString a =
-        QStringLiteral("a.ini:1: as a boolean 'off' is true: only '0', 'false' and an "
+        QStringLiteral("a.ini:1:3: warning: as a boolean 'off' is true: only '0', 'false' and an "
                        "empty value are false [boolean-word]\n");
-    const QString b = QStringLiteral("b\\x0a.ini:1: as a boolean 'no' is true: only '0', 'false' "
-                                     "and an empty value are false [boolean-word]\n");
+    const QString b =
+        QStringLiteral("b\\x0a.ini:1:3: warning: as a boolean 'no' is true: only '0', 'false' "
+                       "and an empty value are false [boolean-word]\n");
     verifyRun({"a.ini", "b\n.ini"}, 1, a + b);
     // What cannot be read does not stop the rest.
-    verifyRun({"none.ini", "a.ini", ".", "b\n.ini"}, 2, a + b,
-              QStringLiteral("ini-lint: none.ini: No such file or directory\n"
-                             "ini-lint: .: file to open is a directory\n"));
+    verifyRun({"none.ini", "a.ini", "b\n.ini"}, 2, a + b,
+              QStringLiteral("ini-lint: none.ini: No such file or directory\n"));
 }
 
 void tst_IniLint::findingsAsJson()
 {
-    writeFile(QStringLiteral("a.ini"), "a=off\nb=1;2\n");
+    writeFile(QStringLiteral("a.ini"), "a=off\nb=1;2\nc=no\n");
     writeFile(QStringLiteral("b.ini"), "");
     const ProgramResult result = run({"--format=json", "a.ini", "b.ini", "none.ini"});
     QCOMPARE(QJsonDocument::fromJson(result.output.toUtf8()).toJson(), toJson(R"({"files": [
         {"file": "a.ini", "findings": [
-            {"line": 1, "rule": "boolean-word",
+            {"line": 1, "column": 3, "severity": "warning", "rule": "boolean-word", "repeats": 1,
              "message": "as a boolean 'off' is true: only '0', 'false' and an empty value are false"},
-            {"line": 2, "rule": "semicolon",
+            {"line": 2, "column": 4, "severity": "error", "rule": "semicolon", "repeats": 0,
              "message": "the value ends at the semicolon: '1'; quotes keep it whole"}]},
         {"file": "b.ini", "findings": []},
         {"file": "none.ini", "trouble": "No such file or directory"}]})"));
@@ -325,46 +671,128 @@ void tst_IniLint::findingsAsJson()
     QCOMPARE(run({"--format", "json", "b.ini"}).exitCode, 0);
 }
 
-void tst_IniLint::dryRunShowsTheChanges_data()
+// The members that the schema of SARIF 2.1.0 requires, and those that code hosts read.
+void tst_IniLint::findingsAsSarif()
+{
+    writeFile(QStringLiteral("a b.ini"), "a=off\nb=1;2\nc=no\n");
+    const ProgramResult result = run({"--format=sarif", "a b.ini", "none.ini"});
+    QCOMPARE(result.exitCode, 2);
+    const QJsonObject log = QJsonDocument::fromJson(result.output.toUtf8()).object();
+    QCOMPARE(log.value("version").toString(), QStringLiteral("2.1.0"));
+    QCOMPARE(log.value("runs").toArray().size(), 1);
+
+    const QJsonObject sarifRun = log.value("runs").toArray().at(0).toObject();
+    const QJsonObject driver = sarifRun.value("tool").toObject().value("driver").toObject();
+    QCOMPARE(driver.value("name").toString(), QStringLiteral("ini-lint"));
+    QStringList rules;
+    for (const QJsonValue& rule : driver.value("rules").toArray()) {
+        rules.append(rule.toObject().value("id").toString());
+        const QJsonObject text = rule.toObject().value("shortDescription").toObject();
+        QVERIFY(!text.value("text").toString().isEmpty());
+    }
+    QCOMPARE(rules.size(), 22);
+    QVERIFY(rules.contains(QStringLiteral("boolean-word")));
+
+    QCOMPARE(QJsonDocument(sarifRun.value("results").toArray()).toJson(), toJson(R"([
+        {"ruleId": "boolean-word", "level": "warning", "occurrenceCount": 2,
+         "message": {"text": "as a boolean 'off' is true: only '0', 'false' and an empty value are false"},
+         "locations": [{"physicalLocation": {"artifactLocation": {"uri": "a%20b.ini"},
+                                             "region": {"startLine": 1, "startColumn": 3}}}]},
+        {"ruleId": "semicolon", "level": "error", "occurrenceCount": 1,
+         "message": {"text": "the value ends at the semicolon: '1'; quotes keep it whole"},
+         "locations": [{"physicalLocation": {"artifactLocation": {"uri": "a%20b.ini"},
+                                             "region": {"startLine": 2, "startColumn": 4}}}]}])"));
+    QCOMPARE(QJsonDocument(sarifRun.value("invocations").toArray()).toJson(), toJson(R"([
+        {"executionSuccessful": false, "toolExecutionNotifications": [
+            {"level": "error", "message": {"text": "No such file or directory"},
+             "locations": [{"physicalLocation": {"artifactLocation": {"uri": "none.ini"}}}]}]}])"));
+
+    const ProgramResult absolute = run({"--format=sarif", path(QStringLiteral("a b.ini"))});
+    QVERIFY(absolute.output.contains(QStringLiteral("\"uri\": \"file:///")));
+    QVERIFY(absolute.output.contains(QStringLiteral("\"executionSuccessful\": true")));
+    QCOMPARE(absolute.exitCode, 1);
+}
+
+void tst_IniLint::dryRunPrintsADiff_data()
 {
     QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("output"); // without the name of the file
+    QTest::addColumn<QByteArray>("hunks");
 
-    const auto row = [](const char* name, const QByteArray& text, const char* output) {
-        QTest::newRow(name) << text << QString::fromUtf8(output);
+    const auto row = [](const char* name, const QByteArray& text, const QByteArray& hunks) {
+        QTest::newRow(name) << text << hunks;
     };
     row("commas and comments", "a=1\nb=1, 2\n%23c=3\n",
-        "2: - b=1, 2\n2: + b=1  2\n3: - %23c=3\n3: + #c=3\n");
-    row("commas in quotes, too", "a=\"1,2\"\n", "1: - a=\"1,2\"\n1: + a=\"1 2\"\n");
-    row("carriage returns", "a=1\r\nb=2\n", "1: - a=1\\x0d\n1: + a=1\n");
-    row("bytes that are no UTF-8", "a=\xE4\n", "1: - a=\\xe4\n1: + a=\xEF\xBF\xBD\n");
-    row("letters beyond ASCII", "a=\xC3\xA4,\n", "1: - a=\xC3\xA4,\n1: + a=\xC3\xA4 \n");
-    row("zero byte", QByteArray("a=1\nb\0=2\nc=3", 12), "2: - b\\x00=2\n2: + b\n3: - c=3\n");
-    row("byte order mark", "\xEF\xBB\xBF[a]\nb=\xC3\xA4\n", "1: - \\xef\\xbb\\xbf[a]\n1: + [a]\n");
+        "@@ -1,3 +1,3 @@\n a=1\n-b=1, 2\n-%23c=3\n+b=1  2\n+#c=3\n");
+    row("commas in quotes, too", "a=\"1,2\"\n", "@@ -1,1 +1,1 @@\n-a=\"1,2\"\n+a=\"1 2\"\n");
+    row("carriage returns", "a=1\r\nb=2\n", "@@ -1,2 +1,2 @@\n-a=1\r\n+a=1\n b=2\n");
+    row("bytes that are no UTF-8", "a=\xE4\n", "@@ -1,1 +1,1 @@\n-a=\xE4\n+a=\xEF\xBF\xBD\n");
+    row("zero byte", QByteArray("a=1\nb\0=2\nc=3", 12),
+        QByteArray("@@ -1,3 +1,2 @@\n a=1\n-b\0=2\n-c=3\n\\ No newline at end of file\n+b\n"
+                   "\\ No newline at end of file\n",
+                   91));
+    row("zero byte at the beginning", QByteArray("\0a=1\nb=2\n", 9),
+        QByteArray("@@ -1,2 +0,0 @@\n-\0a=1\n-b=2\n", 27));
+    row("byte order mark", "\xEF\xBB\xBF[a]\nb=\xC3\xA4\n",
+        "@@ -1,2 +1,2 @@\n-\xEF\xBB\xBF[a]\n+[a]\n b=\xC3\xA4\n");
+    row("no line feed at the end", "a=1,2",
+        "@@ -1,1 +1,1 @@\n-a=1,2\n\\ No newline at end of file\n"
+        "+a=1 2\n\\ No newline at end of file\n");
+    row("lines around a change", "a\nb\nc\nd\n,\ne\nf\ng\nh\n",
+        "@@ -2,7 +2,7 @@\n b\n c\n d\n-,\n+ \n e\n f\n g\n");
+    row("changes that share lines", ",\na\nb\nc\nd\ne\nf\n,\n",
+        "@@ -1,8 +1,8 @@\n-,\n+ \n a\n b\n c\n d\n e\n f\n-,\n+ \n");
+    row("changes that share no lines", ",\na\nb\nc\nd\ne\nf\ng\n,\n",
+        "@@ -1,4 +1,4 @@\n-,\n+ \n a\n b\n c\n@@ -6,4 +6,4 @@\n e\n f\n g\n-,\n+ \n");
     row("nothing", "a=1\n;b\n", "");
     row("empty", "", "");
 }
 
-void tst_IniLint::dryRunShowsTheChanges()
+void tst_IniLint::dryRunPrintsADiff()
 {
     QFETCH(QByteArray, text);
-    QFETCH(QString, output);
+    QFETCH(QByteArray, hunks);
 
     writeFile(file, text);
-    QString expected;
-    for (const QString& line : output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        expected += file + QLatin1Char(':') + line + QLatin1Char('\n');
-    }
-    verifyRun({"--clean", "--dry-run", file}, output.isEmpty() ? 0 : 1, expected);
+    const QByteArray diff = hunks.isEmpty() ? hunks : "--- file.ini\n+++ file.ini\n" + hunks;
+    QCOMPARE(cleanUpDiff(file), diff);
+    verifyRun({"--clean", "--dry-run", file}, hunks.isEmpty() ? 0 : 1, QString::fromUtf8(diff));
     QCOMPARE(readFile(path(file)), text);
     QCOMPARE(filesInTheFolder(), QStringList(file));
+}
+
+// What patch makes of a file is what a clean-up makes of it.
+void tst_IniLint::patchAcceptsTheDiff_data()
+{
+    dryRunPrintsADiff_data();
+}
+
+void tst_IniLint::patchAcceptsTheDiff()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("patch")).isEmpty()) {
+        MISCTOOLS_SKIP("patch is not installed");
+    }
+    QFETCH(QByteArray, text);
+
+    for (const char* name : {"file.ini", "a \"b\"\\\n\xC3\xA4.ini"}) {
+        const QString patched = QString::fromUtf8(name);
+        writeFile(QStringLiteral("cleaned.ini"), text);
+        QCOMPARE(run({"--clean", "cleaned.ini"}).exitCode, 0);
+        writeFile(patched, text);
+        writeFile(QStringLiteral("changes.diff"), cleanUpDiff(patched));
+        const ProgramResult result =
+            ProgramRun(QStringLiteral("patch"), {"--strip=0", "--input=changes.diff"}, folder())
+                .finish();
+        QVERIFY2(result.exitCode == 0, qPrintable(result.output + result.errors));
+        QVERIFY(QFile::exists(path(patched)));
+        QCOMPARE(readFile(path(patched)), readFile(path(QStringLiteral("cleaned.ini"))));
+    }
 }
 
 void tst_IniLint::cleanDoesWhatTheDryRunShows()
 {
     writeFile(file, "a=1,2\r\n%23b\n");
     const QString changes = run({"--clean", "--dry-run", file}).output;
-    QCOMPARE(changes.count(QLatin1Char('\n')), 4);
+    QCOMPARE(changes.count(QLatin1Char('\n')), 7);
     verifyRun({"--clean", file}, 0, changes);
     QCOMPARE(readFile(path(file)), QByteArray("a=1 2\n#b\n"));
     verifyRun({"--clean", file}, 0, QString());
@@ -435,7 +863,8 @@ void tst_IniLint::fullDisk()
         ProgramRun(QStringLiteral("sh"), {"-c", "\"$0\" \"$1\" >/dev/full", program, file},
                    folder())
             .finish();
-    QCOMPARE(result.errors, QStringLiteral("ini-lint: cannot write the results\n"));
+    QCOMPARE(result.errors,
+             QStringLiteral("ini-lint: cannot write standard output: No space left on device\n"));
     QCOMPARE(result.exitCode, 2);
 }
 
@@ -469,7 +898,7 @@ void tst_IniLint::refusesWhatItCannotUse_data()
     QTest::newRow("no file") << QStringList() << "at least one FILE is needed";
     QTest::newRow("unknown option") << QStringList{"--fix", "a"} << "Unknown option 'fix'.";
     QTest::newRow("unknown format")
-        << QStringList{"--format", "xml", "a"} << "--format must be text or json, not 'xml'";
+        << QStringList{"--format", "xml", "a"} << "--format must be text, json or sarif, not 'xml'";
     QTest::newRow("unknown codec")
         << QStringList{"--codec", "none", "a"} << "there is no codec 'none'";
     QTest::newRow("empty codec") << QStringList{"--codec=", "a"} << "there is no codec ''";
@@ -477,10 +906,20 @@ void tst_IniLint::refusesWhatItCannotUse_data()
                                   << "there is no rule 'all'";
     QTest::newRow("dry run of nothing")
         << QStringList{"--dry-run", "a"} << "--dry-run needs --clean";
-    QTest::newRow("clean-up with a codec") << QStringList{"--clean", "--codec", "UTF-8", "a"}
-                                           << "--codec and --ignore mean nothing with --clean";
+    QTest::newRow("unknown level") << QStringList{"--level", "all", "a"}
+                                   << "--level must be note, warning or error, not 'all'";
+    QTest::newRow("clean-up with a codec")
+        << QStringList{"--clean", "--codec", "UTF-8", "a"} << "--codec means nothing with --clean";
     QTest::newRow("clean-up without a rule") << QStringList{"--clean", "--ignore", "escape", "a"}
-                                             << "--codec and --ignore mean nothing with --clean";
+                                             << "--ignore means nothing with --clean";
+    QTest::newRow("clean-up with a list") << QStringList{"--clean", "--ignore-list", "b", "a"}
+                                          << "--ignore-list means nothing with --clean";
+    QTest::newRow("clean-up of a level")
+        << QStringList{"--clean", "--level", "note", "a"} << "--level means nothing with --clean";
+    QTest::newRow("clean-up with repeats")
+        << QStringList{"--clean", "--all", "a"} << "--all means nothing with --clean";
+    QTest::newRow("clean-up as SARIF") << QStringList{"--clean", "--format=sarif", "a"}
+                                       << "--format=sarif means nothing with --clean";
 }
 
 void tst_IniLint::refusesWhatItCannotUse()

@@ -1,3 +1,4 @@
+#include "LintTruth.h"
 #include "TestCase.h"
 #include "ini-lint/IniReading.h"
 #include "ini-lint/IniRules.h"
@@ -18,7 +19,7 @@ QVector<Finding> findingsOf(const Findings& findings, int line, const char* rule
 {
     QVector<Finding> result;
     for (const Finding& finding : findings) {
-        if (finding.line == line && finding.rule == QLatin1String(rule)) {
+        if (finding.firstLine == line && finding.rule == QLatin1String(rule)) {
             result.append(finding);
         }
     }
@@ -40,6 +41,38 @@ QMap<QString, const IniEntry*> entriesByPath(const IniReading& reading)
         result.insert(entry->path(), entry);
     }
     return result;
+}
+
+// Made of what means something in an INI file.
+QByteArray randomText(QRandomGenerator& random)
+{
+    static const QByteArray pieces[] = {"a",           "b",          "A",
+                                        "key=",        "k=",         "=",
+                                        "[a]\n",       "[b]",        "[A/b]\n",
+                                        "[",           "]",          "[]",
+                                        "[/",          "/",          "\\",
+                                        ";",           "\"",         "\"",
+                                        ",",           "\n",         "\n",
+                                        "\n",          "\r\n",       "\r",
+                                        " ",           "\t",         "%",
+                                        "%41",         "%2f",        "%U0042",
+                                        "%U00",        "% 1",        "\\x41",
+                                        "\\n",         "\\101",      "\\q",
+                                        "\\\r\n",      "\\\n",       "'",
+                                        "#",           "@",          "@@",
+                                        "1",           "@Size(1 2)", "@Point(1)",
+                                        "@Rect(",      ")",          "\\x",
+                                        "\v",          "0x",         "\xC3\xA4",
+                                        "\xE4",        "@Invalid()", "\xEF\xBB\xBF",
+                                        "[General]\n", "[GENERAL]",  "[%General]\n",
+                                        "[%general]"};
+    const int count = int(std::size(pieces));
+
+    QByteArray text = random.bounded(16) == 0 ? QByteArray("\xEF\xBB\xBF") : QByteArray();
+    for (int length = random.bounded(40); length > 0; --length) {
+        text += pieces[random.bounded(count)];
+    }
+    return text;
 }
 
 bool isList(const QVariant& value)
@@ -66,11 +99,19 @@ private Q_SLOTS:
     void generalIsTheTopLevel();
     void wordsAndNumbers();
     void sectionReadFirstLosesItsDuplicate();
+    void nestedSectionsHideKeys();
+    void errorsAreTrueAndNothingIsMissed();
+    void truthNoticesLies_data();
+    void truthNoticesLies();
 
 private:
     void verifyText(const QByteArray& text, const char* codec, int number);
+    void verifyFirstLookUps(const QByteArray& text, const IniReading& reading,
+                            const Findings& findings);
     void verifyEntries(const QSettings& settings, const IniReading& reading,
                        const Findings& findings);
+
+    int m_copies = 0;
 };
 
 void tst_IniRules::readsAsQSettings_data()
@@ -95,6 +136,9 @@ void tst_IniRules::verifyEntries(const QSettings& settings, const IniReading& re
             continue;
         }
         QVERIFY(settings.contains(path));
+        if (entry->isCommentedOut()) {
+            continue;
+        }
         const QVariant value = settings.value(path);
         QCOMPARE(isList(value), entry->value.isList());
         QCOMPARE(!findingsOf(findings, entry->extent.first, "comma-list").isEmpty(),
@@ -102,6 +146,32 @@ void tst_IniRules::verifyEntries(const QSettings& settings, const IniReading& re
         const bool isTaken = isList(value) ? value.toStringList() == entry->value.texts()
                                            : value == QVariant(entry->value.texts().constFirst());
         QCOMPARE(findingsOf(findings, entry->extent.first, "at-sign").isEmpty(), isTaken);
+    }
+}
+
+// What the first look-up of a key finds. The file has another name each time: QSettings keeps what
+// it has read of a file.
+void tst_IniRules::verifyFirstLookUps(const QByteArray& text, const IniReading& reading,
+                                      const Findings& findings)
+{
+    QStringList paths;
+    for (const IniEntry& entry : reading.entries()) {
+        const QString path = entry.path();
+        if (paths.contains(path) || NameRules::isUnreachable(path) || entry.isCommentedOut()) {
+            continue;
+        }
+        const QString copy = writeFile(QStringLiteral("copy%1.ini").arg(++m_copies), text);
+        const bool isFound = QSettings(copy, QSettings::IniFormat).contains(path);
+        QVERIFY(QFile::remove(copy));
+        const QString failure =
+            QStringLiteral("a look-up of %1 fails ").arg(NameRules::quoted(path));
+        const QVector<Finding> found = findingsOf(findings, entry.extent.first, "read-order");
+        QCOMPARE(std::any_of(found.cbegin(), found.cend(),
+                             [&failure](const Finding& finding) {
+                                 return finding.message.startsWith(failure);
+                             }),
+                 !isFound);
+        paths.append(path);
     }
 }
 
@@ -113,8 +183,9 @@ void tst_IniRules::verifyText(const QByteArray& text, const char* codec, int num
     }
     const QTextCodec* const given = codec != nullptr ? QTextCodec::codecForName(codec) : nullptr;
     const IniReading reading(text, given);
-    const Findings findings = IniRules::check(text, given, QStringList());
+    const Findings findings = IniRules::check(text, given);
     verifyEntries(settings, reading, findings);
+    verifyFirstLookUps(text, reading, findings);
 
     const bool hasOpenSection =
         std::any_of(reading.sections().cbegin(), reading.sections().cend(),
@@ -123,38 +194,13 @@ void tst_IniRules::verifyText(const QByteArray& text, const char* codec, int num
              hasOpenSection || !reading.strays().isEmpty());
 }
 
-// Of texts at random, made of what means something in an INI file.
+// Of texts at random.
 void tst_IniRules::readsAsQSettings()
 {
     QFETCH(QByteArray, codec);
-    const QByteArray pieces[] = {"a",           "b",          "A",
-                                 "key=",        "k=",         "=",
-                                 "[a]\n",       "[b]",        "[A/b]\n",
-                                 "[",           "]",          "[]",
-                                 "[/",          "/",          "\\",
-                                 ";",           "\"",         "\"",
-                                 ",",           "\n",         "\n",
-                                 "\n",          "\r\n",       "\r",
-                                 " ",           "\t",         "%",
-                                 "%41",         "%2f",        "%U0042",
-                                 "%U00",        "% 1",        "\\x41",
-                                 "\\n",         "\\101",      "\\q",
-                                 "\\\r\n",      "\\\n",       "'",
-                                 "#",           "@",          "@@",
-                                 "1",           "@Size(1 2)", "@Point(1)",
-                                 "@Rect(",      ")",          "\\x",
-                                 "\v",          "0x",         "\xC3\xA4",
-                                 "\xE4",        "@Invalid()", "\xEF\xBB\xBF",
-                                 "[General]\n", "[GENERAL]",  "[%General]\n",
-                                 "[%general]"};
-    const int count = int(std::size(pieces));
-
     QRandomGenerator random(4711);
     for (int round = 0; round < rounds(1500); ++round) {
-        QByteArray text = random.bounded(16) == 0 ? QByteArray("\xEF\xBB\xBF") : QByteArray();
-        for (int length = random.bounded(40); length > 0; --length) {
-            text += pieces[random.bounded(count)];
-        }
+        const QByteArray text = randomText(random);
         verifyText(text, codec.isEmpty() ? nullptr : codec.constData(), round);
         if (QTest::currentTestFailed()) {
             QFAIL(text.toPercentEncoding(" =[];").constData());
@@ -178,8 +224,11 @@ void tst_IniRules::namesAreWrittenAsByQSettings()
             settings.setValue(name, QStringLiteral("x"));
         }
         QCOMPARE(readFile(filePath), "[General]\n" + line);
-        // What QSettings writes is nothing to complain of.
-        QCOMPARE(IniRules::check(line, nullptr, QStringList()), Findings());
+        // What QSettings writes may surprise, but is right.
+        for (const Finding& finding : IniRules::check(line, nullptr)) {
+            QCOMPARE(finding.rule, QStringLiteral("name-escape"));
+            QCOMPARE(finding.severity, Severity::Warning);
+        }
     }
 }
 
@@ -221,8 +270,7 @@ void tst_IniRules::marksOfStoredObjects()
     const QString plain =
         IniReading(text, nullptr).entries().constFirst().value.texts().constFirst();
     QCOMPARE(settings.value(QStringLiteral("k")) != QVariant(plain), isOther);
-    QCOMPARE(findingsOf(IniRules::check(text, nullptr, QStringList()), 1, "at-sign").size(),
-             isOther ? 1 : 0);
+    QCOMPARE(findingsOf(IniRules::check(text, nullptr), 1, "at-sign").size(), isOther ? 1 : 0);
 }
 
 void tst_IniRules::commaMakesATextEmpty()
@@ -250,7 +298,7 @@ void tst_IniRules::wordsAndNumbers()
     const QByteArray text = "a=off\nb=No\nc=disabled\nd=false\ne=0\nf=\ng=2147483647\n"
                             "h=2147483648\ni=-2147483649\nj=99999999999999999999\nk=4294967301\n";
     const QSettings settings(writeFile(QStringLiteral("words.ini"), text), QSettings::IniFormat);
-    const Findings findings = IniRules::check(text, nullptr, QStringList());
+    const Findings findings = IniRules::check(text, nullptr);
     int line = 0;
     for (const QString& key : settings.allKeys()) {
         ++line;
@@ -284,8 +332,82 @@ void tst_IniRules::sectionReadFirstLosesItsDuplicate()
     QCOMPARE(settings.value(both).toString(), QStringLiteral("two"));
     QCOMPARE(settings.value(both).toString(), QStringLiteral("one"));
 
-    QCOMPARE(findingsOf(IniRules::check(text, nullptr, QStringList()), 4, "duplicate-key").size(),
-             1);
+    QCOMPARE(findingsOf(IniRules::check(text, nullptr), 4, "read-order").size(), 1);
+}
+
+// What contains() says depends on what was looked up before.
+void tst_IniRules::nestedSectionsHideKeys()
+{
+    const QByteArray text = "[A]\na=1\nz=2\n[A/b]\n";
+    const QString hidden = QStringLiteral("A/z");
+    const QSettings settings(writeFile(QStringLiteral("hidden.ini"), text), QSettings::IniFormat);
+    QVERIFY(!settings.contains(hidden));
+    QVERIFY(settings.contains(QStringLiteral("A/a")));
+    QVERIFY(settings.contains(hidden));
+
+    const Findings findings = IniRules::check(text, nullptr);
+    QCOMPARE(findingsOf(findings, 2, "read-order").size(), 0);
+    QCOMPARE(findingsOf(findings, 3, "read-order").size(), 1);
+}
+
+// Of texts at random, too.
+void tst_IniRules::errorsAreTrueAndNothingIsMissed()
+{
+    QRandomGenerator random(815);
+    for (int round = 0; round < rounds(1500); ++round) {
+        const QByteArray text = randomText(random);
+        const QStringList contradictions =
+            LintTruth(text, IniRules::check(text, nullptr), folder()).contradictions();
+        if (!contradictions.isEmpty()) {
+            QFAIL(qPrintable(QString::fromLatin1(text.toPercentEncoding(" =[];")) +
+                             QLatin1Char('\n') + contradictions.join(QLatin1Char('\n'))));
+        }
+    }
+}
+
+void tst_IniRules::truthNoticesLies_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("rule"); // of an error that is claimed for line 2; empty for none
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<bool>("isLie");
+
+    const auto row = [](const char* name, const QByteArray& text, const char* rule,
+                        const char* message, bool isLie) {
+        QTest::newRow(name) << text << QString::fromLatin1(rule) << QString::fromLatin1(message)
+                            << isLie;
+    };
+    row("value", "[s]\na=1\n", "escape", "", true);
+    row("value that is another", "[s]\na=1;2\n", "semicolon", "", false);
+    row("section", "a=1\n[s]\n", "section-end", "", true);
+    row("section that is another", "a=1\n[s\n", "section-end", "", false);
+    row("line that is read", "a=1\nb=1\nc\n", "no-equals", "", true);
+    row("line that is skipped", "a=1\nb\n", "no-equals", "", false);
+    row("line by itself", "\na=1\nb=1\n", "multi-line", "everything up to line 3", true);
+    row("line with the next", "\na=\"\nb=1\"\n", "multi-line", "everything up to line 3", false);
+    row("file in Latin-1", "\n\xE4=\xFF\n", "byte-order-mark", "UTF-16", true);
+    row("order that does not count", "[s]\na=1\n[t]\n", "read-order", "", true);
+    row("order that counts", "[s]\nz=1\n[s/t]\n", "read-order", "", false);
+    row("nothing found, value", "a=1,2\n", "", "", true);
+    row("nothing found, name", "%41=1\n", "", "", true);
+    row("nothing found, skipped line", "a\n", "", "", true);
+    row("nothing found, section", "[s\na=1\n", "", "", true);
+    row("nothing found, hidden key", "[s]\nz=1\n[s/t]\n", "", "", true);
+    row("nothing found, nothing wrong", "# a\n[s]\na=1\nb=\"2 \"\n", "", "", false);
+}
+
+void tst_IniRules::truthNoticesLies()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, rule);
+    QFETCH(QString, message);
+    QFETCH(bool, isLie);
+
+    Findings findings;
+    if (!rule.isEmpty()) {
+        findings.append({2, 1, 2, Severity::Error, rule, message});
+    }
+    QCOMPARE(!LintTruth(text, findings, folder()).contradictions().isEmpty(), isLie);
 }
 
 QTEST_GUILESS_MAIN(tst_IniRules)

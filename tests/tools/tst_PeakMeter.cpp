@@ -10,6 +10,8 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QRegularExpression>
 
+#include <sys/resource.h>
+
 #include <csignal>
 
 namespace {
@@ -60,6 +62,9 @@ private Q_SLOTS:
     void takesValues_data();
     void takesValues();
     void everyLineShowsAtOnce();
+    void manyExtremesNeedFewSystemCalls();
+    void printsJson();
+    void terminalsGetJsonAlone();
     void goesOnFromTheFile();
     void resetClearsOneRecord();
     void resetAloneIsKept();
@@ -146,6 +151,18 @@ void tst_PeakMeter::takesValues_data()
                                    "Summary: 1 value, 0 lines refused\n" +
                                        record(title, "0.1234567890123456", "0.1234567890123456")
                                 << "";
+    QTest::newRow("underflow is zero") << QByteArray("1e-400\n-1e-400\n5e-324\n0.00001e-320\n") << 0
+                                       << "line 1: new minimum and maximum 0\n"
+                                          "line 3: new maximum 5e-324\n"
+                                          "Summary: 4 values, 0 lines refused\n" +
+                                              record(title, "0", "5e-324")
+                                       << "";
+    QTest::newRow("overflow, other texts that resemble numbers")
+        << QByteArray("1e400\n1e-400x\n0x1p-2000\n") << 1
+        << "Summary: 0 values, 3 lines refused\nin this run: no value\n"
+        << "peak-meter: line 1: no finite number: '1e400'\n"
+           "peak-meter: line 2: no finite number: '1e-400x'\n"
+           "peak-meter: line 3: no finite number: '0x1p-2000'\n";
     QTest::newRow("extremes") << QByteArray("-0\n5e-324\n1.7976931348623157e308\n-1e308\n") << 0
                               << "line 1: new minimum and maximum 0\n"
                                  "line 2: new maximum 5e-324\n"
@@ -226,6 +243,88 @@ void tst_PeakMeter::everyLineShowsAtOnce()
     }
     QVERIFY(programRun.isRunning());
     QCOMPARE(programRun.finish().exitCode, 0);
+}
+
+// Rising values are all extremes. Each has its line and its date, but no system call of its own.
+void tst_PeakMeter::manyExtremesNeedFewSystemCalls()
+{
+    constexpr int values = 50000;
+    QByteArray input;
+    for (int value = 1; value <= values; ++value) {
+        input += QByteArray::number(value) + '\n';
+    }
+    writeFile(QStringLiteral("input"), input);
+    struct rusage before = {};
+    getrusage(RUSAGE_CHILDREN, &before);
+    // What the shell's ended children did counts as its own.
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("sh"),
+                   {"-c", "unset TZ; \"$0\" <input && grep syscw /proc/$$/io", program}, folder())
+            .finish();
+    struct rusage after = {};
+    getrusage(RUSAGE_CHILDREN, &after);
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.output.count(QStringLiteral("maximum ")), values + 1);
+    QVERIFY(result.output.contains(QStringLiteral("Summary: 50000 values, ")));
+
+    const QRegularExpressionMatch writes =
+        QRegularExpression(QStringLiteral("syscw: (\\d+)")).match(result.output);
+    QVERIFY(writes.hasMatch());
+    QVERIFY2(writes.captured(1).toInt() < values / 10, qPrintable(writes.captured(1)));
+    const auto milliseconds = [](const timeval& from, const timeval& to) {
+        return (to.tv_sec - from.tv_sec) * 1000 + (to.tv_usec - from.tv_usec) / 1000;
+    };
+    const auto user = milliseconds(before.ru_utime, after.ru_utime);
+    const auto system = milliseconds(before.ru_stime, after.ru_stime);
+    QVERIFY2(system < user, qPrintable(QStringLiteral("%1 %2").arg(user).arg(system)));
+}
+
+void tst_PeakMeter::printsJson()
+{
+    const ProgramResult result = run({"--json"}, "5\nx\n2.5\n3\n");
+    const QStringList lines = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 3);
+    const auto object = [&lines](int line) {
+        return QJsonDocument::fromJson(lines.at(line).toUtf8()).object();
+    };
+    QCOMPARE(object(0), QJsonObject({{"event", "extreme"},
+                                     {"line", 1},
+                                     {"value", 5},
+                                     {"isMinimum", true},
+                                     {"isMaximum", true}}));
+    QCOMPARE(object(1), QJsonObject({{"event", "extreme"},
+                                     {"line", 3},
+                                     {"value", 2.5},
+                                     {"isMinimum", true},
+                                     {"isMaximum", false}}));
+    QJsonObject summary = object(2);
+    QJsonObject range = summary.value(QStringLiteral("sinceReset")).toObject();
+    QCOMPARE(summary.value(QStringLiteral("ever")).toObject(), range);
+    for (const char* date : {"minimumDate", "maximumDate"}) {
+        // The date is replaced by run().
+        QVERIFY(!range.take(QLatin1String(date)).toString().isEmpty());
+    }
+    QCOMPARE(range, QJsonObject({{"minimum", 2.5}, {"maximum", 5}}));
+    QCOMPARE(summary.value(QStringLiteral("values")), QJsonValue(3));
+    QCOMPARE(summary.value(QStringLiteral("refusedLines")), QJsonValue(1));
+    QCOMPARE(result.exitCode, 1);
+
+    const QString none = run({"--json"}).output;
+    QCOMPARE(none, QStringLiteral("{\"event\":\"summary\",\"ever\":null,\"refusedLines\":0,"
+                                  "\"sinceReset\":null,\"values\":0}\n"));
+}
+
+void tst_PeakMeter::terminalsGetJsonAlone()
+{
+    Terminal terminal(60);
+    terminal.start(program, {QStringLiteral("--json")});
+    terminal.write("5\n");
+    QVERIFY(terminal.waitForText("\"extreme\""));
+    const QByteArray written = terminal.finish();
+    for (const QByteArray& line : written.split('\n')) {
+        QVERIFY2(line.trimmed().isEmpty() || QJsonDocument::fromJson(line).isObject(),
+                 written.constData());
+    }
 }
 
 void tst_PeakMeter::goesOnFromTheFile()
@@ -454,6 +553,7 @@ void tst_PeakMeter::signalsEndItInGoodOrder_data()
     QTest::addColumn<int>("signalNumber");
     QTest::newRow("Ctrl-C") << SIGINT;
     QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
 }
 
 void tst_PeakMeter::signalsEndItInGoodOrder()
@@ -636,15 +736,17 @@ void tst_PeakMeter::helpNamesEveryExitCode()
 {
     const ProgramResult result = run({QStringLiteral("--help")});
     QCOMPARE(result.errors, QString());
-    QVERIFY2(result.output.contains(QStringLiteral(
-                 "\nExit codes:\n"
-                 "  0  every line was taken, up to the end of the input, Ctrl-C or SIGTERM\n"
-                 "  1  some lines were no numbers\n"
-                 "  2  wrong usage\n"
-                 "  3  FILE cannot be read, is damaged, or another peak-meter uses it\n"
-                 "  4  FILE cannot be written\n"
-                 "  5  standard input cannot be read\n")),
-             qPrintable(result.output));
+    QVERIFY2(
+        result.output.contains(QStringLiteral(
+            "\nExit codes:\n"
+            "  0  every line was taken, up to the end of the input, Ctrl-C, SIGTERM or SIGHUP\n"
+            "  1  some lines were no numbers\n"
+            "  2  wrong usage\n"
+            "  3  FILE cannot be read, is damaged, or another peak-meter uses it\n"
+            "  4  FILE cannot be written\n"
+            "  5  standard input cannot be read\n"
+            "  6  the output could not be written\n")),
+        qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }
 

@@ -14,6 +14,13 @@ namespace {
 const QString program = QStringLiteral(RUN_AND_GREP_PROGRAM);
 const QString hint = QStringLiteral("run-and-grep: try --help\n");
 
+// A process that nobody has waited for yet is over, too.
+bool isOver(int pid)
+{
+    QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
+    return !file.open(QIODevice::ReadOnly) || file.readAll().contains(") Z ");
+}
+
 } // namespace
 
 // The program that matches expressions over a command's output or a file.
@@ -29,7 +36,17 @@ private Q_SLOTS:
     void keepsTheOutput();
     void keepsTheOldFileWhenTheCommandFails();
     void leavesNothingBehind();
-    void needsAFolderForTemporaryFiles();
+    void needsNoFolderForTemporaryFiles();
+    void signalsReachWhatTheCommandHasStarted_data();
+    void signalsReachWhatTheCommandHasStarted();
+    void timeoutReachesWhatTheCommandHasStarted();
+    void killedRunTakesTheCommandAlong();
+    void passesTheExitCodeOn_data();
+    void passesTheExitCodeOn();
+    void dashIsStandardInput();
+    void outputOnStandardOutput();
+    void outputReplacesOnlyFiles();
+    void zeroByteEndsWhatIsSearched();
     void stopsACommandThatTakesTooLong();
     void terminalsShowWhatIsWaitedFor_data();
     void terminalsShowWhatIsWaitedFor();
@@ -39,6 +56,9 @@ private Q_SLOTS:
     void helpNamesEveryExitCode();
 
 private:
+    void writeSpawner(const QByteArray& beforeWaiting);
+    QList<int> spawned() const;
+    static void verifyNothingRuns(const QList<int>& pids);
     ProgramResult run(const QStringList& arguments) const
     {
         return ProgramRun(program, arguments, folder()).finish();
@@ -170,22 +190,132 @@ void tst_RunAndGrep::leavesNothingBehind()
              QStringList());
 }
 
-void tst_RunAndGrep::needsAFolderForTemporaryFiles()
+void tst_RunAndGrep::needsNoFolderForTemporaryFiles()
 {
-    const QStringList arguments{"TMPDIR=/none", program, "-e", "a"};
-    const QStringList command{"--", "echo", "a"};
     const ProgramResult result =
-        ProgramRun(QStringLiteral("env"), arguments + command, folder()).finish();
-    QVERIFY2(
-        result.errors.startsWith(QStringLiteral("run-and-grep: cannot make a temporary folder: ")),
-        qPrintable(result.errors));
-    QCOMPARE(result.exitCode, 5);
-    // Not for an output that is kept.
-    QCOMPARE(ProgramRun(QStringLiteral("env"),
-                        arguments + QStringList{"--output", "kept"} + command, folder())
-                 .finish()
-                 .exitCode,
-             0);
+        ProgramRun(program, {"-e", "a", "--", "echo", "a"}, folder(), QStringLiteral("/none"))
+            .finish();
+    QCOMPARE(result.output, QStringLiteral("a\n"));
+    QCOMPARE(result.exitCode, 0);
+}
+
+// The program in the file "spawn" and a child of it write their numbers into "pids", and wait.
+void tst_RunAndGrep::writeSpawner(const QByteArray& beforeWaiting)
+{
+    writeFile(QStringLiteral("spawn"),
+              "mkfifo never; " + beforeWaiting +
+                  "; (echo >>pids $(exec sh -c 'echo $PPID'); read x <never) &\n"
+                  "echo $$ >>pids; read x <never\n");
+}
+
+QList<int> tst_RunAndGrep::spawned() const
+{
+    QList<int> pids;
+    for (const QByteArray& line : readFile(path(QStringLiteral("pids"))).split('\n')) {
+        if (!line.isEmpty()) {
+            pids.append(line.toInt());
+        }
+    }
+    return pids;
+}
+
+void tst_RunAndGrep::verifyNothingRuns(const QList<int>& pids)
+{
+    QCOMPARE(pids.size(), 2);
+    for (const int pid : pids) {
+        QVERIFY(pid > 0);
+        // One whose parent is gone may wait a moment for its new one.
+        QTRY_VERIFY2(isOver(pid), qPrintable(QString::number(pid)));
+    }
+}
+
+void tst_RunAndGrep::signalsReachWhatTheCommandHasStarted_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QByteArray>("beforeWaiting");
+    QTest::newRow("SIGTERM") << SIGTERM << QByteArray(":");
+    QTest::newRow("SIGINT") << SIGINT << QByteArray("trap 'exit 1' INT");
+    QTest::newRow("SIGHUP") << SIGHUP << QByteArray(":");
+    QTest::newRow("SIGTERM ignored") << SIGTERM << QByteArray("trap '' TERM");
+}
+
+void tst_RunAndGrep::signalsReachWhatTheCommandHasStarted()
+{
+    QFETCH(int, number);
+    QFETCH(QByteArray, beforeWaiting);
+    writeSpawner(beforeWaiting);
+    ProgramRun run(program, {"-e", "a", "--", "sh", "spawn"}, folder());
+    QTRY_COMPARE(spawned().size(), 2);
+    run.send(number);
+    verifyResult(run.finish(), 128 + number, QString(),
+                 QStringLiteral("run-and-grep: interrupted; sh was stopped\n"));
+    verifyNothingRuns(spawned());
+}
+
+void tst_RunAndGrep::timeoutReachesWhatTheCommandHasStarted()
+{
+    writeSpawner(":");
+    verifyRun({"-e", "a", "--timeout", "1500", "--", "sh", "spawn"}, 3, QString(),
+              QStringLiteral("run-and-grep: sh did not end within 1500 ms and was stopped\n"));
+    verifyNothingRuns(spawned());
+}
+
+void tst_RunAndGrep::killedRunTakesTheCommandAlong()
+{
+    writeFile(QStringLiteral("wait"), "mkfifo never; echo $$ >pids; read x <never");
+    ProgramRun run(program, {"-e", "a", "--", "sh", "wait"}, folder());
+    QTRY_COMPARE(spawned().size(), 1);
+    run.send(SIGKILL);
+    run.finish();
+    QTRY_VERIFY(isOver(spawned().constFirst()));
+}
+
+void tst_RunAndGrep::passesTheExitCodeOn_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("match") << "echo a; exit 7" << 7;
+    QTest::newRow("no match") << "exit 0" << 0;
+    QTest::newRow("crash") << "kill -SEGV $$" << 4;
+}
+
+void tst_RunAndGrep::passesTheExitCodeOn()
+{
+    QFETCH(QString, script);
+    QFETCH(int, exitCode);
+    QCOMPARE(run({"--exit-code", "-e", "a", "--", "sh", "-c", script}).exitCode, exitCode);
+}
+
+void tst_RunAndGrep::dashIsStandardInput()
+{
+    ProgramRun run(program, {"-e", "b.*", "-"}, folder());
+    run.write("a\nb1\n");
+    verifyResult(run.finish(), 0, QStringLiteral("b1\n"));
+}
+
+void tst_RunAndGrep::outputOnStandardOutput()
+{
+    verifyRun({"--output", "-", "-e", "b", "--", "echo", "abc"}, 0, QStringLiteral("abc\nb\n"),
+              QStringLiteral("run-and-grep: echo ended with exit code 0\n"));
+}
+
+void tst_RunAndGrep::outputReplacesOnlyFiles()
+{
+    const QString pipe = path(QStringLiteral("pipe"));
+    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+    verifyRun({"--output", "pipe", "-e", "a", "--", "echo", "a"}, 5, QString(),
+              QStringLiteral("run-and-grep: cannot write pipe: it is no regular file and is not "
+                             "replaced\n"));
+    struct stat status = {};
+    QCOMPARE(lstat(qPrintable(pipe), &status), 0);
+    QVERIFY(S_ISFIFO(status.st_mode));
+}
+
+void tst_RunAndGrep::zeroByteEndsWhatIsSearched()
+{
+    verifyRun({"--output", "kept", "-e", "[ab]", "--", "printf", "a\\0b"}, 0, QStringLiteral("a\n"),
+              QStringLiteral("run-and-grep: printf ended with exit code 0\n"));
+    QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("a\0b", 3));
 }
 
 void tst_RunAndGrep::stopsACommandThatTakesTooLong()
@@ -269,10 +399,10 @@ void tst_RunAndGrep::refusesWhatItCannotUse_data()
         << QStringList{"-e", "a", "text", "--", "true"} << 2 << neither;
     QTest::newRow("output of a file")
         << QStringList{"-e", "a", "--output", "b", "text"} << 2
-        << "run-and-grep: --output and --timeout need a PROGRAM\n" + hint;
+        << "run-and-grep: --output, --timeout and --exit-code need a PROGRAM\n" + hint;
     QTest::newRow("time-out of a file")
         << QStringList{"-e", "a", "--timeout", "9", "text"} << 2
-        << "run-and-grep: --output and --timeout need a PROGRAM\n" + hint;
+        << "run-and-grep: --output, --timeout and --exit-code need a PROGRAM\n" + hint;
     QTest::newRow("time-out in words")
         << QStringList{"-e", "a", "--timeout", "soon", "--", "true"} << 2
         << "run-and-grep: --timeout needs a number from 1 upwards, not 'soon'\n" + hint;
@@ -304,14 +434,14 @@ void tst_RunAndGrep::helpNamesEveryExitCode()
 {
     const ProgramResult result = run({QStringLiteral("--help")});
     QCOMPARE(result.errors, QString());
-    QVERIFY2(result.output.contains(
-                 QStringLiteral("\nExit codes:\n"
-                                "  0  something matched\n"
-                                "  1  nothing matched\n"
-                                "  2  wrong usage or an invalid expression\n"
-                                "  3  PROGRAM could not be started, or did not end in time\n"
-                                "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
-                                "  5  a file could not be read or written\n")),
+    QVERIFY2(result.output.contains(QStringLiteral(
+                 "\nExit codes:\n"
+                 "  0  something matched\n"
+                 "  1  nothing matched\n"
+                 "  2  wrong usage or an invalid expression\n"
+                 "  3  PROGRAM could not be started, or did not end in time\n"
+                 "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
+                 "  5  a file could not be read or written, or the output not be written\n")),
              qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }

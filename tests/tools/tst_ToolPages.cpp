@@ -5,10 +5,12 @@
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
 
+#include <csignal>
+
 namespace {
 
 const QString tools = QStringLiteral(PROJECT_FOLDER "/tools");
-const QString completion = tools + QStringLiteral("/completion/misctools");
+const QString completion = QStringLiteral(COMPLETION_FOLDER "/misctools.");
 
 // What the expression's first group matches in a text's lines.
 QStringList linesOf(const QString& text, const QString& expression)
@@ -60,6 +62,10 @@ private Q_SLOTS:
     void helpAndPageAgree();
     void helpAndCompletionAgree_data();
     void helpAndCompletionAgree();
+    void shellsOfferTheSame_data();
+    void shellsOfferTheSame();
+    void optionsTakeValuesWhereTheHelpSaysSo_data();
+    void optionsTakeValuesWhereTheHelpSaysSo();
     void commandsOfTheImageProgram_data();
     void commandsOfTheImageProgram();
     void rulesOfTheLinter();
@@ -67,6 +73,10 @@ private Q_SLOTS:
     void completesValues();
     void versionIsThatOfTheLibrary_data();
     void versionIsThatOfTheLibrary();
+    void lostOutputIsAFailure_data();
+    void lostOutputIsAFailure();
+    void closedPipeEndsQuietly_data();
+    void closedPipeEndsQuietly();
     void pagesAreSound_data();
     void pagesAreSound();
 
@@ -77,6 +87,7 @@ private:
     QString help(const QString& program) const;
     // What bash offers for the last of the words.
     QStringList completed(const QStringList& words) const;
+    QStringList outputOf(const QString& shell, const QStringList& arguments) const;
 };
 
 QStringList tst_ToolPages::programs()
@@ -121,7 +132,8 @@ QStringList tst_ToolPages::completed(const QStringList& words) const
                        "printf '%s\\n' \"${COMPREPLY[@]}\"");
     const ProgramResult result =
         ProgramRun(QStringLiteral("bash"),
-                   QStringList{QStringLiteral("--norc"), QStringLiteral("-c"), script, completion} +
+                   QStringList{QStringLiteral("--norc"), QStringLiteral("-c"), script,
+                               completion + QStringLiteral("bash")} +
                        words,
                    folder())
             .finish();
@@ -188,15 +200,107 @@ void tst_ToolPages::helpAndCompletionAgree()
     QCOMPARE(offered, options);
 }
 
+// The lines that a shell writes, sorted; what it complains of is a warning, which fails the test.
+QStringList tst_ToolPages::outputOf(const QString& shell, const QStringList& arguments) const
+{
+    const ProgramResult result = ProgramRun(shell, arguments, folder()).finish();
+    if (result.exitCode != 0 || !result.errors.isEmpty()) {
+        qWarning("%s: %s", qPrintable(shell), qPrintable(result.errors));
+    }
+    QStringList lines = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    lines.removeDuplicates();
+    lines.sort();
+    return lines;
+}
+
+void tst_ToolPages::shellsOfferTheSame_data()
+{
+    QTest::addColumn<QString>("shell");
+    QTest::addColumn<QStringList>("words");
+    // "script/check completion" installs the others.
+    for (const char* shell : {"bash", "zsh", "fish"}) {
+        if (QStandardPaths::findExecutable(QString::fromLatin1(shell)).isEmpty()) {
+            continue;
+        }
+        for (const QString& program : programs()) {
+            QTest::addRow("%s %s", shell, qPrintable(program))
+                << QString::fromLatin1(shell) << QStringList{program};
+        }
+        for (const char* command : {"create", "show", "verify", "dump", "extract"}) {
+            QTest::addRow("%s eeprom-image %s", shell, command)
+                << QString::fromLatin1(shell)
+                << QStringList{"eeprom-image", QString::fromLatin1(command)};
+        }
+    }
+}
+
+void tst_ToolPages::shellsOfferTheSame()
+{
+    QFETCH(QString, shell);
+    QFETCH(QStringList, words);
+    const QString file = completion + shell;
+    QStringList offered;
+    if (shell == QStringLiteral("zsh")) {
+        // What it would hand to the function that completes options.
+        const QString script =
+            QStringLiteral("_arguments() { print -l -- \"$@\" }; _normal() { }\n"
+                           "service=$2 words=(\"${@:2}\" -) CURRENT=$#; source $1");
+        offered = outputOf(shell, QStringList{"-f", "-c", script, "zsh", file} + words)
+                      .filter(QRegularExpression(QStringLiteral("^\\*-")))
+                      .replaceInStrings(QRegularExpression(QStringLiteral("^\\*(-[a-z-]+).*")),
+                                        QStringLiteral("\\1"));
+    } else if (shell == QStringLiteral("bash")) {
+        // Half a word leaves a part of them.
+        offered = completed(words + QStringList(QStringLiteral("--"))) +
+                  completed(words + QStringList(QStringLiteral("-")))
+                      .filter(QRegularExpression(QStringLiteral("^-\\w$")));
+    } else {
+        const QString script = QStringLiteral("source $argv[1]; complete -C \"$argv[2] -\"\n"
+                                              "complete -C \"$argv[2] --\"");
+        offered = outputOf(shell, {"--no-config", "-c", script, file, words.join(QLatin1Char(' '))})
+                      .filter(QRegularExpression(QStringLiteral("^-")))
+                      .replaceInStrings(QRegularExpression(QStringLiteral("[=\t].*")), QString());
+    }
+    offered.removeDuplicates();
+    offered.sort();
+    QStringList expected = completed(words + QStringList(QStringLiteral("-")));
+    expected.sort();
+    QVERIFY(expected.size() >= 4);
+    QCOMPARE(offered, expected);
+}
+
+void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo_data()
+{
+    eachProgram();
+}
+
+void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo()
+{
+    QFETCH(QString, program);
+    const QString table =
+        QString::fromUtf8(readFile(tools + QStringLiteral("/completion/options")));
+    const QString row = QStringLiteral("^%1[^|]*\\|(?:-\\w,)?(--[a-z-]+)\\|%2\\|");
+    const QString help = this->help(program);
+    const QString inHelp = QStringLiteral("^  (?:-\\w, )?(--[a-z][a-z-]*)%1");
+    QCOMPARE(linesOf(table, row.arg(program, QStringLiteral("[^|]+"))),
+             linesOf(help, inHelp.arg(QStringLiteral(" <?[A-Z]"))));
+    QStringList others = linesOf(help, inHelp.arg(QStringLiteral("(?! <?[A-Z])(?![a-z-])")));
+    others.removeOne(QStringLiteral("--help"));
+    others.removeOne(QStringLiteral("--version"));
+    QCOMPARE(linesOf(table, row.arg(program, QString())), others);
+}
+
 void tst_ToolPages::commandsOfTheImageProgram_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<QStringList>("options"); // beside those of every command
     QTest::newRow("create") << QStringLiteral("create")
-                            << QStringList{"--allow-overlap", "--fill", "--size", "--start"};
-    QTest::newRow("show") << QStringLiteral("show") << QStringList{"--verbose"};
+                            << QStringList{"--allow-overlap", "--fill", "--in-place", "--size",
+                                           "--start"};
+    QTest::newRow("show") << QStringLiteral("show") << QStringList{"--json", "--verbose"};
     QTest::newRow("verify") << QStringLiteral("verify") << QStringList();
     QTest::newRow("dump") << QStringLiteral("dump") << QStringList();
+    QTest::newRow("extract") << QStringLiteral("extract") << QStringList();
 }
 
 void tst_ToolPages::commandsOfTheImageProgram()
@@ -206,7 +310,7 @@ void tst_ToolPages::commandsOfTheImageProgram()
 
     const QString program = QStringLiteral("eeprom-image");
     QVERIFY(completed({program, QString()}).contains(command));
-    QCOMPARE(completed({program, QString()}).size(), 4);
+    QCOMPARE(completed({program, QString()}).size(), 5);
     QVERIFY(help(program).contains(QStringLiteral("\n  eeprom-image %1 ").arg(command)));
     QVERIFY(page(program).contains(QStringLiteral("\n.It Cm %1\n").arg(command)));
 
@@ -216,8 +320,7 @@ void tst_ToolPages::commandsOfTheImageProgram()
     QCOMPARE(offered, options);
     // The program takes each of them: it complains of nothing but the files.
     for (const QString& option : offered) {
-        const bool hasValue =
-            option != QStringLiteral("--verbose") && option != QStringLiteral("--allow-overlap");
+        const bool hasValue = QStringList{"--start", "--size", "--fill"}.contains(option);
         const ProgramResult result =
             ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program,
                        {command, hasValue ? option + QStringLiteral("=1") : option}, folder())
@@ -233,7 +336,7 @@ void tst_ToolPages::rulesOfTheLinter()
     const QStringList rules =
         linesOf(part(help(program), QStringLiteral("Rules:"), QStringLiteral("Exit codes:")),
                 QStringLiteral("^  ([a-z-]+)  +\\S"));
-    QCOMPARE(rules.size(), 19);
+    QCOMPARE(rules.size(), 22);
     QCOMPARE(linesOf(part(page(program), QStringLiteral(".Sh RULES"), QStringLiteral(".Sh JSON")),
                      QStringLiteral("^\\.It Sy ([a-z-]+)$")),
              rules);
@@ -250,7 +353,11 @@ void tst_ToolPages::completesValues_data()
     QTest::newRow("words behind an equals sign")
         << QStringList{"ini-lint", "--format", "=", "j"} << QStringList{"json"};
     QTest::newRow("right behind an equals sign")
-        << QStringList{"ini-lint", "--format", "="} << QStringList{"json", "text"};
+        << QStringList{"ini-lint", "--format", "="} << QStringList{"json", "sarif", "text"};
+    QTest::newRow("severities") << QStringList{"ini-lint", "--level", ""}
+                                << QStringList{"error", "note", "warning"};
+    QTest::newRow("file of rules to ignore")
+        << QStringList{"ini-lint", "--ignore-list", "f"} << QStringList{"file.ini"};
     QTest::newRow("argument behind an option with a value")
         << QStringList{"ini-lint", "--format", "=", "json", "f"} << QStringList{"file.ini"};
     QTest::newRow("files") << QStringList{"ini-lint", "f"} << QStringList{"file.ini"};
@@ -298,6 +405,64 @@ void tst_ToolPages::versionIsThatOfTheLibrary()
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.exitCode, 0);
     }
+}
+
+void tst_ToolPages::lostOutputIsAFailure_data()
+{
+    eachProgram();
+}
+
+void tst_ToolPages::lostOutputIsAFailure()
+{
+    QFETCH(QString, program);
+    const QString script = QStringLiteral("\"$0\" %1 >/dev/full");
+    for (const char* option : {"--help", "--version"}) {
+        const ProgramResult result =
+            ProgramRun(QStringLiteral("sh"),
+                       {QStringLiteral("-c"), script.arg(QLatin1String(option)),
+                        QStringLiteral(PROGRAM_FOLDER "/") + program},
+                       folder())
+                .finish();
+        QCOMPARE(result.errors,
+                 program +
+                     QStringLiteral(": cannot write standard output: No space left on device\n"));
+        const QString exitCode = QStringLiteral("^ +%1  .*(output|written)").arg(result.exitCode);
+        QVERIFY2(result.exitCode > 0 && help(program).contains(QRegularExpression(
+                                            exitCode, QRegularExpression::MultilineOption)),
+                 qPrintable(exitCode));
+    }
+}
+
+void tst_ToolPages::closedPipeEndsQuietly_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("trap");
+    QTest::addColumn<int>("exitCode"); // of the shell
+    for (const QString& program : programs()) {
+        const auto row = [&program](const char* name, const char* trap, int exitCode) {
+            QTest::addRow("%s, %s", qPrintable(program), name)
+                << program << QString::fromLatin1(trap) << exitCode;
+        };
+        row("SIGPIPE", "", 128 + SIGPIPE);
+        row("SIGPIPE ignored", "trap '' PIPE; ", 0);
+    }
+}
+
+void tst_ToolPages::closedPipeEndsQuietly()
+{
+    QFETCH(QString, program);
+    QFETCH(QString, trap);
+    QFETCH(int, exitCode);
+    // A pipe whose only reader is closed before the program begins.
+    const QString script = trap + QStringLiteral("mkfifo pipe; exec 3<>pipe 4>pipe 3<&-\n"
+                                                 "\"$0\" --help >&4; exit $?");
+    const ProgramResult result =
+        ProgramRun(QStringLiteral("sh"),
+                   {QStringLiteral("-c"), script, QStringLiteral(PROGRAM_FOLDER "/") + program},
+                   folder())
+            .finish();
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, exitCode);
 }
 
 void tst_ToolPages::pagesAreSound_data()

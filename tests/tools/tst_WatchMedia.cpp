@@ -1,10 +1,19 @@
+#include "DeviceRoot.h"
 #include "ProgramRun.h"
 #include "Terminal.h"
 #include "TestCase.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 #include <QtCore/QRegularExpression>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <csignal>
 
 namespace {
 
@@ -16,6 +25,12 @@ QString withoutTime(QString output)
 {
     return output.replace(QRegularExpression(QStringLiteral(", \\d+\\.\\d s\n$")),
                           QStringLiteral("\n"));
+}
+
+// A search may still use the medium.
+bool unmount(const QByteArray& medium)
+{
+    return QTest::qWaitFor([&medium] { return umount(medium.constData()) == 0; });
 }
 
 } // namespace
@@ -39,6 +54,12 @@ private Q_SLOTS:
     void pipesGetNoControlCharacters();
     void terminalsGetALineThatIsRedrawn();
     void narrowTerminalsGetAShortLine();
+    void mediaComeAndGo();
+    void mediumMountedAgainAtOnceIsWatched();
+    void printsJson();
+    void signalsEndWithASummary_data();
+    void signalsEndWithASummary();
+    void namesThatAreNoUtf8AreCounted();
     void refusesWhatItCannotUse_data();
     void refusesWhatItCannotUse();
     void helpNamesEveryExitCode();
@@ -330,6 +351,160 @@ void tst_WatchMedia::narrowTerminalsGetAShortLine()
     }
 }
 
+void tst_WatchMedia::mediaComeAndGo()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    makeFile(QStringLiteral("below"));
+    const QByteArray medium = path(QStringLiteral("medium")).toLocal8Bit();
+    ProgramRun run(program, arguments({"--bursts", "99", "--delay", "50"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+
+    for (const char* name : {"first", "second"}) {
+        QCOMPARE(mount("tmpfs", medium.constData(), "tmpfs", 0, nullptr), 0);
+        // Until the medium is listed, a file would be one that was there.
+        const int times = name == QLatin1String("first") ? 1 : 2;
+        QVERIFY(run.waitForOutput(QStringLiteral("medium mounted\nmedium: 0 files (*)\n"), times));
+        makeFile(QLatin1String(name));
+        QVERIFY(run.waitForOutput(QStringLiteral("+ %1\n").arg(QLatin1String(name))));
+        QVERIFY(run.waitForOutput(QStringLiteral("now 1 file\n"), times));
+        QVERIFY(unmount(medium));
+        QVERIFY(run.waitForOutput(
+            QStringLiteral("now 1 file\nmedium removed\nmedium: 1 file (*)\n  below\n"), times));
+    }
+    run.send(SIGINT);
+    const ProgramResult result = run.finish();
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(withoutTime(result.output),
+             QStringLiteral("medium: 1 file (*)\n"
+                            "  below\n"
+                            "Watching 1 folder; ends after 99 bursts\n"
+                            "medium mounted\n"
+                            "medium: 0 files (*)\n"
+                            "+ first\n"
+                            "Burst 1: 1 new, 0 gone, now 1 file\n"
+                            "medium removed\n"
+                            "medium: 1 file (*)\n"
+                            "  below\n"
+                            "medium mounted\n"
+                            "medium: 0 files (*)\n"
+                            "+ second\n"
+                            "Burst 2: 1 new, 0 gone, now 1 file\n"
+                            "medium removed\n"
+                            "medium: 1 file (*)\n"
+                            "  below\n"
+                            "Summary: 1 file, 0 new since the start, 0 gone, 2 bursts\n"));
+    QCOMPARE(result.exitCode, 0);
+}
+
+// Between two looks of the program: the folder seems to be the same one, but its watch is lost.
+void tst_WatchMedia::mediumMountedAgainAtOnceIsWatched()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    QDir().mkpath(path(QStringLiteral("medium")));
+    const QByteArray medium = path(QStringLiteral("medium")).toLocal8Bit();
+    QCOMPARE(mount("tmpfs", medium.constData(), "tmpfs", 0, nullptr), 0);
+    makeFile(QStringLiteral("old"));
+    ProgramRun run(program, arguments({"--bursts", "99", "--delay", "50"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    run.send(SIGSTOP);
+    QCOMPARE(umount(medium.constData()), 0);
+    QCOMPARE(mount("tmpfs", medium.constData(), "tmpfs", 0, nullptr), 0);
+    run.send(SIGCONT);
+    QVERIFY(run.waitForOutput(QStringLiteral("medium removed\nmedium mounted\n"
+                                             "medium: 0 files (*)\n")));
+    makeFile(QStringLiteral("new"));
+    QVERIFY(run.waitForOutput(QStringLiteral("+ new\n")));
+    run.send(SIGTERM);
+    const ProgramResult result = run.finish();
+    QVERIFY2(!result.output.contains(QStringLiteral("- old")), qPrintable(result.output));
+    QVERIFY(unmount(medium));
+}
+
+void tst_WatchMedia::printsJson()
+{
+    makeFile(QStringLiteral("a"));
+    ProgramRun run(program, arguments({"--json", "--bursts", "2", "--delay", "50"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("watching")));
+    makeFile(QStringLiteral("b\"\n"));
+    QVERIFY(run.waitForOutput(QStringLiteral("burst")));
+    QVERIFY(QFile::remove(path(QStringLiteral("medium/a"))));
+    const ProgramResult result = run.finish();
+    QCOMPARE(result.errors, QString());
+    QList<QJsonObject> objects;
+    for (const QString& line : result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
+    }
+    QVERIFY(!objects.isEmpty());
+    QVERIFY(objects.last().take(QStringLiteral("milliseconds")).toInt(-1) > 0);
+    const QList<QJsonObject> expected = {
+        {{"event", "medium"}, {"folder", "medium"}, {"files", 1}},
+        {{"event", "file"}, {"name", "a"}},
+        {{"event", "watching"}, {"folders", 1}},
+        {{"event", "new"}, {"name", "b\"\n"}},
+        {{"event", "burst"}, {"number", 1}, {"new", 1}, {"gone", 0}, {"files", 2}},
+        {{"event", "gone"}, {"name", "a"}},
+        {{"event", "burst"}, {"number", 2}, {"new", 0}, {"gone", 1}, {"files", 1}},
+        {{"event", "summary"},
+         {"files", 1},
+         {"new", 1},
+         {"gone", 1},
+         {"bursts", 2},
+         {"namesLeftOut", 0}}};
+    QVERIFY2(objects == expected, qPrintable(result.output));
+}
+
+void tst_WatchMedia::signalsEndWithASummary_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("Ctrl-C") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
+}
+
+void tst_WatchMedia::signalsEndWithASummary()
+{
+    QFETCH(int, number);
+    makeFile(QStringLiteral("a"));
+    ProgramRun run(program, arguments({"--bursts", "1"}), folder());
+    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    run.send(number);
+    const ProgramResult result = run.finish();
+    QVERIFY2(withoutTime(result.output)
+                 .endsWith(QStringLiteral(
+                     "\nSummary: 1 file, 0 new since the start, 0 gone, 0 bursts\n")),
+             qPrintable(result.output));
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_WatchMedia::namesThatAreNoUtf8AreCounted()
+{
+    makeFile(QStringLiteral("a"));
+    QList<QByteArray> names{"medium/\xe9.txt", "medium/\xff", "medium/.\xff"};
+    for (QByteArray& name : names) {
+        name.prepend(folder().toLocal8Bit() + '/');
+        const int file = open(name.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+        if (file < 0) {
+            MISCTOOLS_SKIP("this file system takes no such names");
+        }
+        close(file);
+    }
+    ProgramResult result = ProgramRun(program, arguments({"--idle", "100"}), folder()).finish();
+    QCOMPARE(result.errors,
+             QStringLiteral("watch-media: left out: 2 names that cannot be read as UTF-8\n"));
+    QVERIFY2(withoutTime(result.output)
+                 .endsWith(QStringLiteral("\nSummary: 1 file, 0 new since the start, 0 gone, "
+                                          "0 bursts, 2 names left out\n")),
+             qPrintable(result.output));
+    result = ProgramRun(program, arguments({"--idle", "100", "--json"}), folder()).finish();
+    QCOMPARE(result.errors, QString());
+    QVERIFY2(result.output.contains(QStringLiteral("{\"count\":2,\"event\":\"namesLeftOut\"}\n")),
+             qPrintable(result.output));
+    // Qt cannot remove them.
+    for (const QByteArray& name : qAsConst(names)) {
+        QCOMPARE(unlink(name.constData()), 0);
+    }
+}
+
 void tst_WatchMedia::refusesWhatItCannotUse_data()
 {
     QTest::addColumn<QStringList>("commandLine");
@@ -380,10 +555,11 @@ void tst_WatchMedia::helpNamesEveryExitCode()
     QCOMPARE(result.errors, QString());
     QVERIFY2(result.output.contains(
                  QStringLiteral("\nExit codes:\n"
-                                "  0  ended by itself\n"
+                                "  0  ended by itself, or by Ctrl-C, SIGTERM or SIGHUP\n"
                                 "  2  wrong usage\n"
                                 "  3  FOLDER is missing, is no folder, or cannot be watched\n"
-                                "  4  FOLDER was taken away\n")),
+                                "  4  FOLDER was taken away\n"
+                                "  5  the output could not be written\n")),
              qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }

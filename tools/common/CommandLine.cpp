@@ -1,16 +1,22 @@
 #include "CommandLine.h"
 
+#include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFileInfo>
 
+#include <cerrno>
 #include <cstdio>
 
 namespace {
 
-void writeLine(FILE* stream, const QString& line)
+// The first error of standard output: later ones only follow from it.
+int outputError = 0;
+
+void noteOutputError()
 {
-    std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stream);
-    std::fflush(stream);
+    if (outputError == 0 && std::ferror(stdout) != 0) {
+        outputError = errno;
+    }
 }
 
 } // namespace
@@ -61,12 +67,42 @@ QString CommandLine::printable(const QString& text)
 
 void CommandLine::print(const QString& line)
 {
-    writeLine(stdout, line);
+    write((line + QLatin1Char('\n')).toUtf8());
+}
+
+void CommandLine::write(const QByteArray& bytes)
+{
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+    noteOutputError();
+}
+
+void CommandLine::flush()
+{
+    std::fflush(stdout);
+    noteOutputError();
+}
+
+void CommandLine::flushBeforeWaiting()
+{
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                     &CommandLine::flush);
+}
+
+int CommandLine::end(int exitCode, int lostOutput)
+{
+    flush();
+    if (outputError == 0 || outputError == EPIPE) {
+        return exitCode;
+    }
+    complain(QStringLiteral("cannot write standard output: %1").arg(qt_error_string(outputError)));
+    return lostOutput;
 }
 
 void CommandLine::complain(const QString& trouble)
 {
-    writeLine(stderr, programName() + QStringLiteral(": ") + trouble);
+    flush(); // what came first stands first where both go to one place
+    std::fputs((programName() + QStringLiteral(": %1\n").arg(trouble)).toUtf8().constData(),
+               stderr);
 }
 
 void CommandLine::complainOfUsage(const QString& trouble)

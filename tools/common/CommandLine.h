@@ -1,6 +1,7 @@
 #ifndef EXAMPLES_COMMANDLINE_H
 #define EXAMPLES_COMMANDLINE_H
 
+#include <QtCore/QByteArray>
 #include <QtCore/QCommandLineOption>
 #include <QtCore/QString>
 
@@ -20,8 +21,17 @@ void printVersion();
 // commands of a terminal. They are shown as \x0a and the like.
 QString printable(const QString& text);
 
-// A result, on standard output.
+// A result, on standard output. Off a terminal it may wait in a buffer for flush() or end().
 void print(const QString& line);
+void write(const QByteArray& bytes);
+void flush();
+
+// For a program with an event loop: flushes whenever the loop waits.
+void flushBeforeWaiting();
+
+// The last call of a program: returns exitCode, or lostOutput with a complaint when standard output
+// did not take everything. A reader that closes the pipe early has what it wanted: no complaint.
+int end(int exitCode, int lostOutput);
 
 // Trouble, on standard error, with the program's name in front.
 void complain(const QString& trouble);

@@ -2,6 +2,7 @@
 
 #include "common/CommandLine.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -55,6 +56,7 @@ QByteArray Report::toText() const
         }
     }
 
+    QHash<QString, QString> labelOfReason; // where it was said
     QString text;
     for (const ReportSection& section : m_sections) {
         if (!text.isEmpty()) {
@@ -65,8 +67,14 @@ QByteArray Report::toText() const
                 continue;
             }
             const QString label = fact.label + QLatin1Char(':');
-            const QString value =
-                fact.isMissing ? QStringLiteral("not known (%1)").arg(fact.text) : fact.text;
+            QString value = fact.text;
+            if (fact.isMissing) {
+                const bool isSaid = labelOfReason.contains(fact.text);
+                value = QStringLiteral("not known (%1)")
+                            .arg(isSaid ? QStringLiteral("see %1").arg(labelOfReason[fact.text])
+                                        : fact.text);
+                labelOfReason.insert(fact.text, labelOfReason.value(fact.text, fact.label));
+            }
             text +=
                 label.leftJustified(width + 2) + CommandLine::printable(value) + QLatin1Char('\n');
         }

@@ -8,8 +8,6 @@
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
 
-#include <cstdio>
-
 namespace {
 
 enum ExitCode
@@ -39,12 +37,6 @@ QString helpText(const QCommandLineParser& parser)
                           "Examples:\n"
                           "  device-report --eeprom /sys/bus/i2c/devices/0-0050/eeprom\n"
                           "  device-report --json --hardware-id 1234567891234567");
-}
-
-bool writeOut(const QByteArray& bytes)
-{
-    return fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size()) &&
-           fflush(stdout) == 0;
 }
 
 int run(const QStringList& arguments)
@@ -92,10 +84,7 @@ int run(const QStringList& arguments)
 
     LibraryMessages::take(parser.isSet(verbose));
     const Report report = DeviceReport::make(parser.value(eeprom), parser.value(hardwareId));
-    if (!writeOut(parser.isSet(json) ? report.toJson() : report.toText())) {
-        CommandLine::complain(QStringLiteral("cannot write the report"));
-        return NotWritten;
-    }
+    CommandLine::write(parser.isSet(json) ? report.toJson() : report.toText());
     return report.isComplete() ? Complete : SomethingMissing;
 }
 
@@ -104,5 +93,5 @@ int run(const QStringList& arguments)
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
-    return run(QCoreApplication::arguments());
+    return CommandLine::end(run(QCoreApplication::arguments()), NotWritten);
 }

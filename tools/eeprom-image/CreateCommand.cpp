@@ -3,12 +3,16 @@
 #include "Arguments.h"
 #include "HardwareInfoReader.h"
 #include "ImageFormat.h"
+#include "InPlace.h"
 #include "common/CommandLine.h"
 #include "common/WholeFile.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QtEndian>
+
+#include <cstdio>
 
 using namespace ImageFormat;
 
@@ -31,6 +35,7 @@ struct Options
     const QCommandLineOption size{QStringLiteral("size"), QString(), QStringLiteral("BYTES")};
     const QCommandLineOption fill{QStringLiteral("fill"), QString(), QStringLiteral("BYTE")};
     const QCommandLineOption allowOverlap{QStringLiteral("allow-overlap")};
+    const QCommandLineOption inPlace{QStringLiteral("in-place")};
 };
 
 std::optional<qint64> parseNumber(const QString& text, qint64 max)
@@ -78,12 +83,15 @@ std::optional<ExitCode> parseLayout(const QCommandLineParser& parser, const Opti
 std::optional<QByteArray> readText(const QString& filePath)
 {
     QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const bool isOpen = filePath == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
+                                                       : file.open(QIODevice::ReadOnly);
+    // One byte over the limit is enough to know that it is exceeded.
+    const QByteArray text = isOpen ? file.read(maxBlockSize + 1) : QByteArray();
+    if (!isOpen || file.error() != QFileDevice::NoError) {
         CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
         return std::nullopt;
     }
-    // One byte over the limit is enough to know that it is exceeded.
-    return file.read(maxBlockSize + 1);
+    return text;
 }
 
 qint64 smallestSize(const Layout& layout, const QByteArray& block)
@@ -150,13 +158,18 @@ QByteArray buildImage(const Layout& layout, const QByteArray& block)
 }
 
 // All or nothing: an image of that name is replaced only when the new one is written whole.
-bool writeImage(const QString& filePath, const QByteArray& image)
+ExitCode replaceImage(const QString& filePath, const QByteArray& image)
 {
     const QString trouble = WholeFile::replace(filePath, image);
-    if (!trouble.isEmpty()) {
-        CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, trouble));
+    if (trouble.isEmpty()) {
+        return ExitCode::Done;
     }
-    return trouble.isEmpty();
+    CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, trouble));
+    const QFileInfo target(filePath);
+    if (target.exists() && !target.isFile() && !target.isDir()) {
+        CommandLine::complain(QStringLiteral("to write into a device, give --in-place"));
+    }
+    return ExitCode::CannotWriteImage;
 }
 
 void report(const QString& filePath, const Layout& layout, const QByteArray& block,
@@ -178,7 +191,8 @@ ExitCode createImage(const QStringList& arguments)
 {
     const Options options;
     QCommandLineParser parser;
-    parser.addOptions({options.start, options.size, options.fill, options.allowOverlap});
+    parser.addOptions(
+        {options.start, options.size, options.fill, options.allowOverlap, options.inPlace});
     if (const auto exitCode = parseArguments(parser, arguments, 2)) {
         return *exitCode;
     }
@@ -198,9 +212,15 @@ ExitCode createImage(const QStringList& arguments)
         return ExitCode::LayoutRefused;
     }
     const QByteArray image = buildImage(layout, *block);
-    if (!writeImage(files.at(1), image)) {
-        return ExitCode::CannotWriteImage;
+    if (WholeFile::isStandardOutput(files.at(1))) {
+        CommandLine::write(image);
+        return ExitCode::Done;
     }
-    report(files.at(1), layout, *block, image);
-    return ExitCode::Done;
+    const bool isInPlace = parser.isSet(options.inPlace) || InPlace::isEeprom(files.at(1));
+    const ExitCode exitCode =
+        isInPlace ? InPlace::write(files.at(1), image) : replaceImage(files.at(1), image);
+    if (exitCode == ExitCode::Done) {
+        report(files.at(1), layout, *block, image);
+    }
+    return exitCode;
 }

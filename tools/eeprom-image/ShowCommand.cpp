@@ -8,6 +8,8 @@
 #include "common/TemporaryPath.h"
 
 #include <QtCore/QCommandLineParser>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 
 namespace {
 
@@ -51,18 +53,20 @@ constexpr Failure failures[] = {
 struct Field
 {
     const char* label;
+    const char* member; // of the JSON object, as device-report names it
     const char* key;
     QString (HardwareInfo::*value)() const;
     bool isOptional; // the library does not tell a missing one from an empty one
 };
 
 constexpr Field fields[] = {
-    {"Type", "Type", &HardwareInfo::type, false},
-    {"Type name", "TypeName", &HardwareInfo::typeName, false},
-    {"Version", "Version", &HardwareInfo::hwVersion, false},
-    {"Compatibility index", "CompatibilityIndex", &HardwareInfo::hwCompIndex, false},
-    {"LP-ID", "LP-ID", &HardwareInfo::lpId, false},
-    {"Comment", "Comment", &HardwareInfo::Comment, true},
+    {"Type", "type", "Type", &HardwareInfo::type, false},
+    {"Type name", "typeName", "TypeName", &HardwareInfo::typeName, false},
+    {"Version", "version", "Version", &HardwareInfo::hwVersion, false},
+    {"Compatibility index", "compatibilityIndex", "CompatibilityIndex", &HardwareInfo::hwCompIndex,
+     false},
+    {"LP-ID", "lpId", "LP-ID", &HardwareInfo::lpId, false},
+    {"Comment", "comment", "Comment", &HardwareInfo::Comment, true},
 };
 
 const Failure* findFailure()
@@ -110,9 +114,19 @@ void printRecord(const HardwareInfo& info)
     }
 }
 
-ExitCode showRecord(const QString& filePath, bool isVerbose)
+void printJson(const QString& filePath, const HardwareInfo& info)
 {
-    LibraryMessages::take(isVerbose);
+    QJsonObject record{{QStringLiteral("image"), filePath}};
+    for (const Field& field : fields) {
+        const QString value = (info.*field.value)();
+        record.insert(QLatin1String(field.member),
+                      value.isEmpty() ? QJsonValue() : QJsonValue(value));
+    }
+    CommandLine::write(QJsonDocument(record).toJson());
+}
+
+ExitCode showRecord(const QString& filePath, bool isJson)
+{
     HardwareInfo info;
     HardwareInfoReader reader(nullptr);
     const bool isRead = reader.readHardwareInfoFromSysFs(TemporaryPath::pattern(), filePath, info);
@@ -122,6 +136,10 @@ ExitCode showRecord(const QString& filePath, bool isVerbose)
     if (!isRead) {
         return refuseImage(filePath, ExitCode::UnknownFailure,
                            QStringLiteral("the library refuses the image; --verbose shows why"));
+    }
+    if (isJson) {
+        printJson(filePath, info);
+        return ExitCode::Done;
     }
     CommandLine::print(QStringLiteral("%1: the image is sound").arg(filePath));
     printRecord(info);
@@ -133,10 +151,12 @@ ExitCode showRecord(const QString& filePath, bool isVerbose)
 ExitCode showImage(const QStringList& arguments)
 {
     const QCommandLineOption verbose(QStringLiteral("verbose"));
+    const QCommandLineOption json(QStringLiteral("json"));
     QCommandLineParser parser;
-    parser.addOption(verbose);
+    parser.addOptions({verbose, json});
     if (const auto exitCode = parseArguments(parser, arguments, 1)) {
         return *exitCode;
     }
-    return showRecord(parser.positionalArguments().constFirst(), parser.isSet(verbose));
+    LibraryMessages::take(parser.isSet(verbose));
+    return showRecord(parser.positionalArguments().constFirst(), parser.isSet(json));
 }

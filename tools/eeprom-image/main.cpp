@@ -1,8 +1,11 @@
 #include "Arguments.h"
 #include "CreateCommand.h"
 #include "DumpCommand.h"
+#include "ExtractCommand.h"
 #include "ShowCommand.h"
 #include "VerifyCommand.h"
+
+#include "common/CommandLine.h"
 
 #include <QtCore/QCoreApplication>
 
@@ -18,12 +21,15 @@ struct Command
 };
 
 constexpr Command commands[] = {
-    {"create", &createImage}, {"show", &showImage}, {"verify", &verifyImage}, {"dump", &dumpImage}};
+    {"create", &createImage}, {"show", &showImage},      {"verify", &verifyImage},
+    {"dump", &dumpImage},     {"extract", &extractText},
+};
 
 ExitCode run(QStringList arguments)
 {
     if (arguments.size() < 2) {
-        return refuseUsage(QStringLiteral("a command is needed: create, show, verify or dump"));
+        return refuseUsage(
+            QStringLiteral("a command is needed: create, show, verify, dump or extract"));
     }
     const QString name = arguments.takeAt(1);
     const auto* const command =
@@ -47,5 +53,5 @@ ExitCode run(QStringList arguments)
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
-    return int(run(QCoreApplication::arguments()));
+    return CommandLine::end(int(run(QCoreApplication::arguments())), int(ExitCode::OutputLost));
 }

@@ -5,7 +5,7 @@
 #include <QtCore/QVector>
 
 /*
- * Takes a stretch of an INI text apart into lines as QSettings does: a line goes on behind a line
+ * Takes a stretch of an INI text apart into lines as QSettings does: a line goes on after a line
  * feed in quotes or after a backslash, and ends at a semicolon outside of quotes. Comments and
  * blank lines are passed over.
  */

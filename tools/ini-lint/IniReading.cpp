@@ -22,10 +22,16 @@ QString prefixOf(const QByteArray& sectionName)
 
 Extent extentOf(const IniLines& line, const LineNumbers& numbers)
 {
-    return {numbers.at(line.begin()), numbers.at(line.end() - 1), line.isQuoteOpen()};
+    return {line.begin(), numbers.at(line.begin()), numbers.at(line.end() - 1), line.isQuoteOpen()};
 }
 
 } // namespace
+
+QByteArray withoutByteOrderMark(const Extent& extent, const QByteArray& bytes)
+{
+    const bool hasMark = extent.begin == 0 && bytes.startsWith(byteOrderMark);
+    return hasMark ? bytes.mid(int(qstrlen(byteOrderMark))).trimmed() : bytes;
+}
 
 IniReading::IniReading(const QByteArray& text, const QTextCodec* codec) : m_codec(codec)
 {
@@ -74,8 +80,8 @@ void IniReading::readEntries(const QByteArray& text, int begin, int end, const L
         }
         const QByteArray name = text.mid(lines.begin(), nameEnd - lines.begin());
         const QByteArray bytes = text.mid(lines.equals() + 1, lines.end() - lines.equals() - 1);
-        m_entries.append({extent, prefix, name, readName(name), bytes, IniValue(bytes, m_codec),
-                          lines.isCutBySemicolon()});
+        m_entries.append({extent, prefix, name, lines.equals() + 1, readName(name), bytes,
+                          IniValue(bytes, m_codec), lines.isCutBySemicolon()});
     }
 }
 

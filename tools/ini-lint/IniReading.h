@@ -14,10 +14,15 @@ class LineNumbers;
 // The lines of the text that something takes in.
 struct Extent
 {
+    int begin; // its first byte
     int first;
     int last;
     bool isQuoteOpen; // at the end of the last, which is that of the text
 };
+
+// The bytes that begin an extent; at the beginning of the file without the byte order mark of
+// UTF-8, and the spaces after it.
+QByteArray withoutByteOrderMark(const Extent& extent, const QByteArray& bytes);
 
 // A line that begins a section.
 struct IniSection
@@ -27,7 +32,7 @@ struct IniSection
     // As the names of its keys begin: "Net/"; empty for the top level of the file.
     QString prefix;
     bool isClosed;     // whether there is a ']'
-    QByteArray behind; // what stands behind that in the line
+    QByteArray behind; // what follows that in the line
 };
 
 // A line with a key and a value.
@@ -36,12 +41,17 @@ struct IniEntry
     Extent extent;
     QString prefix;   // the section's
     QByteArray name;  // of the key, as it is written
+    int valueBegin;   // the byte after the equals sign
     QString key;      // as it is read
     QByteArray bytes; // of the value, as they are written
     IniValue value;
     bool isCutBySemicolon;
 
     QString path() const { return prefix + key; }
+    // Where the value ends: at the semicolon, if that ended it.
+    int valueEnd() const { return valueBegin + bytes.size(); }
+    // Whether '#' turns the line into a comment in people's eyes.
+    bool isCommentedOut() const { return withoutByteOrderMark(extent, name).startsWith('#'); }
 };
 
 // A line that is neither.
@@ -49,6 +59,8 @@ struct IniStray
 {
     Extent extent;
     QByteArray text;
+
+    bool isHashComment() const { return withoutByteOrderMark(extent, text).startsWith('#'); }
 };
 
 /*

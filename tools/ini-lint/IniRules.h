@@ -14,15 +14,16 @@ namespace IniRules {
 struct Rule
 {
     const char* name;
+    Severity severity; // the highest that its findings have
     const char* summary;
 };
 
-// Every rule that a finding may name, in the order of the alphabet.
+// Every rule that a finding may name, in alphabetical order.
 const QVector<Rule>& all();
 bool contains(const QString& rule);
 
-// The findings in an INI text, by line, without those of the ignored rules.
-Findings check(const QByteArray& text, const QTextCodec* codec, const QStringList& ignoredRules);
+// All findings in an INI text, by line and column, without those that its comments ignore.
+Findings check(const QByteArray& text, const QTextCodec* codec);
 
 } // namespace IniRules
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-// What the letter behind a backslash stands for; -1 when it is dropped with the backslash.
+// What the letter after a backslash stands for; -1 when it is dropped with the backslash.
 int meaningOf(char letter)
 {
     switch (letter) {
@@ -63,6 +63,7 @@ void IniValue::read()
         } else if (character == '"') {
             readQuote();
         } else if (character == ',' && !m_isInQuotes) {
+            m_firstComma = m_isList ? m_firstComma : m_position;
             m_isList = true;
             endText();
             ++m_position;
@@ -106,6 +107,7 @@ bool IniValue::readEscape()
     const int begin = m_position++;
     if (m_position == m_bytes.size()) {
         m_kept = m_text.size();
+        m_lastBackslash = begin;
         return false;
     }
     m_hasPlain = m_hasPlain || !m_isInQuotes;
@@ -123,8 +125,11 @@ bool IniValue::readEscape()
                IniLines::isLineEnd(m_bytes.at(m_position)) && m_bytes.at(m_position) != letter) {
         ++m_position;
     }
-    if (meaning != letter && !IniLines::isLineEnd(letter)) {
-        m_strangeEscapes.append(m_bytes.mid(begin, m_position - begin));
+    if (!IniLines::isLineEnd(letter)) {
+        QVector<Escape>& escapes = meaning == letter ? m_literalEscapes : m_strangeEscapes;
+        escapes.append({begin, m_bytes.mid(begin, m_position - begin)});
+    } else if (m_position == m_bytes.size()) {
+        m_lastBackslash = begin;
     }
     m_kept = m_text.size();
     return true;

@@ -3,10 +3,11 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QStringList>
+#include <QtCore/QVector>
 
 class QTextCodec;
 
-// A value as QSettings reads it out of the bytes behind an equals sign, and what happened on the
+// A value as QSettings reads it out of the bytes after an equals sign, and what happened on the
 // way.
 class IniValue
 {
@@ -21,8 +22,21 @@ public:
     // Whether some of it stood in quotes, and whether some other part of the same text did not.
     bool hasQuotes() const { return m_hasQuotes; }
     bool hasTextBesideQuotes() const { return m_hasTextBesideQuotes; }
-    // The escapes that stand for something else than the character behind their backslash.
-    QList<QByteArray> strangeEscapes() const { return m_strangeEscapes; }
+    // The first comma that separates texts; -1 without one.
+    int firstComma() const { return m_firstComma; }
+
+    // An escape, and where it begins in the bytes.
+    struct Escape
+    {
+        int position;
+        QByteArray bytes;
+    };
+    // The escapes that stand for something else than the character after their backslash, and
+    // those that stand for just that.
+    const QVector<Escape>& strangeEscapes() const { return m_strangeEscapes; }
+    const QVector<Escape>& literalEscapes() const { return m_literalEscapes; }
+    // The backslash at the very end, which is dropped; -1 without one.
+    int lastBackslash() const { return m_lastBackslash; }
 
 private:
     void read();
@@ -46,7 +60,10 @@ private:
     bool m_isList = false;
     bool m_hasQuotes = false;
     bool m_hasTextBesideQuotes = false;
-    QList<QByteArray> m_strangeEscapes;
+    int m_firstComma = -1;
+    int m_lastBackslash = -1;
+    QVector<Escape> m_strangeEscapes;
+    QVector<Escape> m_literalEscapes;
 };
 
 #endif

@@ -1,14 +1,14 @@
 #ifndef EXAMPLES_INILINT_KEYRULES_H
 #define EXAMPLES_INILINT_KEYRULES_H
 
-#include "Finding.h"
+#include "FindingCollector.h"
 
 class IniReading;
 
 // The rules of the names of keys.
 namespace KeyRules {
 
-void check(const IniReading& reading, Findings& findings);
+void check(const IniReading& reading, FindingCollector& findings);
 
 } // namespace KeyRules
 

@@ -1,123 +1,87 @@
 #include "LintReport.h"
 
+#include "UnifiedDiff.h"
+
 #include "common/CommandLine.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
-#include <QtCore/QJsonObject>
-#include <QtCore/QTextCodec>
-
-#include <cstdio>
 
 namespace {
 
-const QString fileMember = QStringLiteral("file");
-
-// Bytes as a line of text: UTF-8 as it is, other bytes and marks that nobody sees by their numbers.
-QString shown(const QByteArray& bytes)
+// As compilers print it.
+QString compilerLine(const QString& file, const Finding& finding)
 {
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    const QString text =
-        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-    if (state.invalidChars == 0 && state.remainingChars == 0) {
-        return CommandLine::printable(text).replace(QChar(QChar::ByteOrderMark),
-                                                    QStringLiteral("\\xef\\xbb\\xbf"));
-    }
-    QString result;
-    for (const char byte : bytes) {
-        const bool isAscii = quint8(byte) < 0x80;
-        result += isAscii ? CommandLine::printable(QString(QLatin1Char(byte)))
-                          : QStringLiteral("\\x%1").arg(quint8(byte), 2, 16, QLatin1Char('0'));
-    }
-    return result;
+    const QString repeats = finding.repeats > 0
+                                ? QStringLiteral(" (and %1 more in this file)").arg(finding.repeats)
+                                : QString();
+    return QStringLiteral("%1:%2:%3: %4: %5%6 [%7]")
+        .arg(CommandLine::printable(file), QString::number(finding.line),
+             QString::number(finding.column), Severities::name(finding.severity), finding.message,
+             repeats, finding.rule);
 }
 
-QJsonObject toJson(const Finding& finding)
+void printJson(const QJsonObject& document)
 {
-    return {{QStringLiteral("line"), finding.line},
-            {QStringLiteral("rule"), finding.rule},
-            {QStringLiteral("message"), finding.message}};
-}
-
-QJsonObject toJson(const CleanUp::Change& change)
-{
-    return {
-        {QStringLiteral("line"), change.line},
-        {QStringLiteral("before"), shown(change.before)},
-        {QStringLiteral("after"), change.after ? QJsonValue(shown(*change.after)) : QJsonValue()}};
-}
-
-template <typename Items>
-QJsonArray toJsonArray(const Items& items)
-{
-    QJsonArray result;
-    for (const auto& item : items) {
-        result.append(toJson(item));
-    }
-    return result;
+    CommandLine::print(QString::fromUtf8(QJsonDocument(document).toJson()).trimmed());
 }
 
 } // namespace
 
-LintReport::LintReport(bool isJson) : m_display(QString()), m_isJson(isJson) {}
+LintReport::LintReport(ReportFormat format) : m_format(format)
+{
+    m_display.emplace(QString());
+}
 
 void LintReport::begin(const QString& file, int number, int count)
 {
-    m_display.setActivity(QStringLiteral("file %1 of %2: %3")
-                              .arg(number)
-                              .arg(count)
-                              .arg(CommandLine::printable(file)));
+    m_display->setActivity(QStringLiteral("file %1 of %2: %3")
+                               .arg(number)
+                               .arg(count)
+                               .arg(CommandLine::printable(file)));
 }
 
 void LintReport::addFindings(const QString& file, const Findings& findings)
 {
     m_isEmpty = m_isEmpty && findings.isEmpty();
-    if (m_isJson) {
-        m_files.append(
-            QJsonObject{{fileMember, file}, {QStringLiteral("findings"), toJsonArray(findings)}});
-        return;
-    }
-    for (const Finding& finding : findings) {
-        m_display.print(QStringLiteral("%1:%2: %3 [%4]")
-                            .arg(CommandLine::printable(file), QString::number(finding.line),
-                                 finding.message, finding.rule));
+    m_json.addFindings(file, findings);
+    m_sarif.addFindings(file, findings);
+    if (m_format == ReportFormat::Text) {
+        for (const Finding& finding : findings) {
+            m_display->print(compilerLine(file, finding));
+        }
     }
 }
 
-void LintReport::addChanges(const QString& file, const CleanUp::Changes& changes, bool isDone)
+void LintReport::addChanges(const QString& file, const QByteArray& before, const QByteArray& after,
+                            bool isDone)
 {
-    m_isEmpty = m_isEmpty && changes.isEmpty();
-    if (m_isJson) {
-        m_files.append(QJsonObject{{fileMember, file},
-                                   {QStringLiteral("changes"), toJsonArray(changes)},
-                                   {QStringLiteral("done"), isDone}});
-        return;
-    }
-    for (const CleanUp::Change& change : changes) {
-        const QString place = QStringLiteral("%1:%2: ").arg(CommandLine::printable(file),
-                                                            QString::number(change.line));
-        m_display.print(place + QStringLiteral("- ") + shown(change.before));
-        if (change.after) {
-            m_display.print(place + QStringLiteral("+ ") + shown(*change.after));
-        }
-    }
+    m_isEmpty = m_isEmpty && before == after;
+    m_json.addChanges(file, CleanUp::changes(before, after), isDone);
+    m_diff += UnifiedDiff::ofCleanUp(QFile::encodeName(file), before, after);
 }
 
 void LintReport::addTrouble(const QString& file, const QString& trouble)
 {
     m_hasTrouble = true;
-    m_files.append(QJsonObject{{fileMember, file}, {QStringLiteral("trouble"), trouble}});
-    m_display.complain(QStringLiteral("%1: %2").arg(CommandLine::printable(file), trouble));
+    m_json.addTrouble(file, trouble);
+    m_sarif.addTrouble(file, trouble);
+    m_display->complain(QStringLiteral("%1: %2").arg(CommandLine::printable(file), trouble));
 }
 
-bool LintReport::finish()
+void LintReport::finish()
 {
-    if (m_isJson) {
-        const QJsonObject report{{QStringLiteral("files"), m_files}};
-        m_display.print(QString::fromUtf8(QJsonDocument(report).toJson()).trimmed());
+    m_display.reset();
+    switch (m_format) {
+    case ReportFormat::Text:
+        // Byte by byte what is in the files: patch must recognize them.
+        CommandLine::write(m_diff);
+        break;
+    case ReportFormat::Json:
+        printJson(m_json.document());
+        break;
+    case ReportFormat::Sarif:
+        printJson(m_sarif.document());
+        break;
     }
-    if (std::ferror(stdout) == 0) {
-        return true;
-    }
-    m_display.complain(QStringLiteral("cannot write the results"));
-    return false;
 }

@@ -1,40 +1,52 @@
 #ifndef EXAMPLES_INILINT_LINTREPORT_H
 #define EXAMPLES_INILINT_LINTREPORT_H
 
-#include "CleanUp.h"
 #include "Finding.h"
+#include "JsonReport.h"
+#include "SarifReport.h"
 
 #include "common/BusyDisplay.h"
 
-#include <QtCore/QJsonArray>
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
-// What comes out of the program: lines as soon as they are known, or one JSON object in the end.
+#include <optional>
+
+enum class ReportFormat
+{
+    Text,
+    Json,
+    Sarif
+};
+
+// What comes out of the program: findings as soon as they are known, the rest at the end.
 class LintReport
 {
 public:
-    explicit LintReport(bool isJson);
+    explicit LintReport(ReportFormat format);
 
     // The file that is being looked at, for people who wait.
     void begin(const QString& file, int number, int count);
 
     void addFindings(const QString& file, const Findings& findings);
     // isDone: the file has been changed; else it would be.
-    void addChanges(const QString& file, const CleanUp::Changes& changes, bool isDone);
+    void addChanges(const QString& file, const QByteArray& before, const QByteArray& after,
+                    bool isDone);
     void addTrouble(const QString& file, const QString& trouble);
 
-    // Tells whether all of it could be written.
-    bool finish();
+    void finish();
 
     bool hasTrouble() const { return m_hasTrouble; }
     bool isEmpty() const { return m_isEmpty; }
 
 private:
-    BusyDisplay m_display;
-    const bool m_isJson;
+    std::optional<BusyDisplay> m_display; // until the end
+    const ReportFormat m_format;
     bool m_hasTrouble = false;
     bool m_isEmpty = true; // of findings and changes
-    QJsonArray m_files;
+    JsonReport m_json;
+    SarifReport m_sarif;
+    QByteArray m_diff;
 };
 
 #endif

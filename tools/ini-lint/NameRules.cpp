@@ -44,34 +44,49 @@ bool NameRules::isUnreachable(const QString& path)
            path.contains(QStringLiteral("//"));
 }
 
-void NameRules::checkSpelling(int line, const QByteArray& name, Findings& findings)
+void NameRules::checkSpelling(const Extent& extent, const QByteArray& name,
+                              FindingCollector& findings)
 {
     const QString read = IniReading::readName(name);
     if (isUtf8BeyondAscii(name)) {
-        findings.append({line, QStringLiteral("encoding"),
-                         QStringLiteral("%1 is read as %2: names are Latin-1 whatever the codec")
-                             .arg(quoted(name), quoted(read))});
+        findings.add(extent, Severity::Error, "encoding",
+                     QStringLiteral("%1 is read as %2: names are Latin-1 whatever the codec")
+                         .arg(quoted(name), quoted(read)));
     }
     const QString unescaped =
         QString::fromLatin1(name).replace(QLatin1Char('\\'), QLatin1Char('/'));
-    if (read != unescaped && IniReading::writtenName(read) != name) {
-        findings.append({line, QStringLiteral("name-escape"),
-                         QStringLiteral("%1 is read as %2: '%' begins the number of a character")
-                             .arg(quoted(name), quoted(read))});
+    if (read != unescaped) {
+        const bool isWrittenByQt = IniReading::writtenName(read) == name;
+        findings.add(extent, isWrittenByQt ? Severity::Warning : Severity::Error, "name-escape",
+                     QStringLiteral("%1 is read as %2: '%' begins the number of a character")
+                         .arg(quoted(name), quoted(read)));
     }
 }
 
-void NameRules::checkExtent(const Extent& extent, Findings& findings)
+void NameRules::checkExtent(const Extent& extent, FindingCollector& findings)
 {
-    const QString rule = QStringLiteral("multi-line");
     if (extent.isQuoteOpen) {
-        findings.append({extent.first, rule,
-                         QStringLiteral("the quote is not closed: everything up to the end of the "
-                                        "file belongs to this line")});
+        findings.add(extent, Severity::Error, "multi-line",
+                     QStringLiteral("the quote is not closed: everything up to the end of the "
+                                    "file belongs to this line"));
     } else if (extent.last > extent.first) {
-        findings.append({extent.first, rule,
-                         QStringLiteral("everything up to line %1 belongs to this line: a quote or "
-                                        "a backslash takes the line's end in")
-                             .arg(extent.last)});
+        findings.add(extent, Severity::Error, "multi-line",
+                     QStringLiteral("everything up to line %1 belongs to this line: a quote or a "
+                                    "backslash includes the end of the line")
+                         .arg(extent.last));
+    }
+}
+
+void NameRules::checkCommentExtent(const Extent& extent, const QByteArray& bytes,
+                                   FindingCollector& findings)
+{
+    QByteArray text = bytes;
+    const QList<QByteArray> lines = text.replace('\r', '\n').split('\n');
+    const bool isHarmless = std::all_of(lines.cbegin(), lines.cend(), [](const QByteArray& line) {
+        const QByteArray trimmed = line.trimmed();
+        return trimmed.isEmpty() || trimmed.startsWith('#') || trimmed.startsWith(';');
+    });
+    if (!isHarmless) {
+        checkExtent(extent, findings);
     }
 }

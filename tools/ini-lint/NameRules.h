@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_INILINT_NAMERULES_H
 #define EXAMPLES_INILINT_NAMERULES_H
 
-#include "Finding.h"
+#include "FindingCollector.h"
 
 #include <QtCore/QByteArray>
 
@@ -10,7 +10,7 @@ struct Extent;
 // What the rules of sections, keys and values share.
 namespace NameRules {
 
-// Text in quotes, on one line and of bearable length; bytes are shown as UTF-8 where they are.
+// Text in quotes, on one line and of limited length; bytes are shown as UTF-8 where they are.
 QString quoted(const QString& text);
 QString quoted(const QByteArray& bytes);
 
@@ -23,10 +23,13 @@ bool isUtf8BeyondAscii(const QByteArray& bytes);
 bool isUnreachable(const QString& path);
 
 // Of a name as it is written: characters beyond ASCII, and escapes that QSettings would not write.
-void checkSpelling(int line, const QByteArray& name, Findings& findings);
+void checkSpelling(const Extent& extent, const QByteArray& name, FindingCollector& findings);
 
 // Of a line that goes on in the next ones.
-void checkExtent(const Extent& extent, Findings& findings);
+void checkExtent(const Extent& extent, FindingCollector& findings);
+// The same of a line that people take for a comment, whose bytes these are: it does no harm when it
+// goes on in nothing but comments.
+void checkCommentExtent(const Extent& extent, const QByteArray& bytes, FindingCollector& findings);
 
 } // namespace NameRules
 

@@ -9,44 +9,51 @@ using NameRules::quoted;
 
 namespace {
 
-void checkName(const IniSection& section, Findings& findings)
+void checkName(const IniSection& section, FindingCollector& findings)
 {
-    NameRules::checkSpelling(section.extent.first, section.name, findings);
+    NameRules::checkSpelling(section.extent, section.name, findings);
     if (section.prefix.isEmpty()) {
-        findings.append({section.extent.first, QStringLiteral("general-section"),
-                         QStringLiteral("[%1] is no group but the top level of the file; the group "
-                                        "'General' is written [%General]")
-                             .arg(QString::fromLatin1(section.name))});
+        findings.add(section.extent, Severity::Warning, "general-section",
+                     QStringLiteral("[%1] is no group but the top level of the file; the group "
+                                    "'General' is written [%General]")
+                         .arg(QString::fromLatin1(section.name)));
         return;
     }
     const QString name = section.prefix.chopped(1);
+    if (section.name.compare("%general", Qt::CaseInsensitive) == 0) {
+        findings.add(section.extent, Severity::Warning, "name-escape",
+                     QStringLiteral("%1 is read as %2: '%' tells it from the file's top level")
+                         .arg(quoted(section.name), quoted(name)));
+    }
     if (NameRules::isUnreachable(name)) {
-        findings.append({section.extent.first, QStringLiteral("unreachable"),
-                         QStringLiteral("the keys of %1 cannot be looked up: a part of its name is "
-                                        "empty")
-                             .arg(quoted(name))});
+        findings.add(section.extent, Severity::Error, "unreachable",
+                     QStringLiteral("the keys of %1 cannot be looked up: a part of its name is "
+                                    "empty")
+                         .arg(quoted(name)));
     } else if (name.contains(QLatin1Char('/'))) {
-        findings.append({section.extent.first, QStringLiteral("nested-name"),
-                         QStringLiteral("%1 is nested: the group that is listed is %2")
-                             .arg(quoted(name), quoted(name.section(QLatin1Char('/'), 0, 0)))});
+        // A program that asks for the name as it is written finds it with '/', not with '\'.
+        const bool isOther = section.name.contains('\\');
+        findings.add(section.extent, isOther ? Severity::Error : Severity::Warning, "nested-name",
+                     QStringLiteral("%1 is nested: the group that is listed is %2")
+                         .arg(quoted(name), quoted(name.section(QLatin1Char('/'), 0, 0))));
     }
 }
 
-void checkEnd(const IniSection& section, Findings& findings)
+void checkEnd(const IniSection& section, FindingCollector& findings)
 {
     if (!section.isClosed) {
-        findings.append({section.extent.first, QStringLiteral("section-end"),
-                         QStringLiteral("the section has no ']'; its name is read as %1")
-                             .arg(quoted(section.name))});
-    } else if (!section.behind.isEmpty()) {
-        findings.append({section.extent.first, QStringLiteral("section-end"),
-                         QStringLiteral("what stands behind the ']' is skipped: %1")
-                             .arg(quoted(section.behind))});
+        findings.add(section.extent, Severity::Error, "section-end",
+                     QStringLiteral("the section has no ']'; its name is read as %1")
+                         .arg(quoted(section.name)));
+    } else if (!section.behind.isEmpty() && !section.behind.startsWith('#')) {
+        findings.add(
+            section.extent, Severity::Error, "section-end",
+            QStringLiteral("what follows the ']' is skipped: %1").arg(quoted(section.behind)));
     }
 }
 
 // Each spelling once, at the first line that has it.
-void checkCase(const QVector<IniSection>& sections, Findings& findings)
+void checkCase(const QVector<IniSection>& sections, FindingCollector& findings)
 {
     QHash<QString, const IniSection*> firsts;
     QHash<QString, int> spellings;
@@ -55,40 +62,19 @@ void checkCase(const QVector<IniSection>& sections, Findings& findings)
         if (first == nullptr) {
             first = &section;
         } else if (first->prefix != section.prefix && !spellings.contains(section.prefix)) {
-            findings.append(
-                {section.extent.first, QStringLiteral("case"),
-                 QStringLiteral("%1 is another section than %2 in line %3: case counts")
-                     .arg(quoted(section.prefix.chopped(1)), quoted(first->prefix.chopped(1)))
-                     .arg(first->extent.first)});
+            findings.add(
+                section.extent, Severity::Warning, "case",
+                QStringLiteral("%1 is another section than %2 in line %3: case counts")
+                    .arg(quoted(section.prefix.chopped(1)), quoted(first->prefix.chopped(1)))
+                    .arg(first->extent.first));
         }
         spellings.insert(section.prefix, section.extent.first);
     }
 }
 
-void checkStray(const IniStray& stray, Findings& findings)
-{
-    NameRules::checkExtent(stray.extent, findings);
-    if (stray.text.startsWith("\xEF\xBB\xBF")) {
-        findings.append({stray.extent.first, QStringLiteral("byte-order-mark"),
-                         QStringLiteral("a byte order mark counts as a line without '='; QSettings "
-                                        "reports a format error")});
-    } else if (stray.text.startsWith('#')) {
-        findings.append({stray.extent.first, QStringLiteral("hash-comment"),
-                         QStringLiteral("'#' starts no comment; the line is skipped for want of a "
-                                        "'=', and QSettings reports a format error: %1")
-                             .arg(quoted(stray.text))});
-    } else {
-        findings.append(
-            {stray.extent.first, QStringLiteral("no-equals"),
-             QStringLiteral("there is no '='; the line is skipped, and QSettings reports a "
-                            "format error: %1")
-                 .arg(quoted(stray.text))});
-    }
-}
-
 } // namespace
 
-void SectionRules::check(const IniReading& reading, Findings& findings)
+void SectionRules::check(const IniReading& reading, FindingCollector& findings)
 {
     for (const IniSection& section : reading.sections()) {
         NameRules::checkExtent(section.extent, findings);
@@ -96,7 +82,4 @@ void SectionRules::check(const IniReading& reading, Findings& findings)
         checkEnd(section, findings);
     }
     checkCase(reading.sections(), findings);
-    for (const IniStray& stray : reading.strays()) {
-        checkStray(stray, findings);
-    }
 }

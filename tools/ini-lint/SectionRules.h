@@ -1,14 +1,14 @@
 #ifndef EXAMPLES_INILINT_SECTIONRULES_H
 #define EXAMPLES_INILINT_SECTIONRULES_H
 
-#include "Finding.h"
+#include "FindingCollector.h"
 
 class IniReading;
 
-// The rules of the names and ends of sections, of lines that are none, and of the file's begin.
+// The rules of the lines that begin sections.
 namespace SectionRules {
 
-void check(const IniReading& reading, Findings& findings);
+void check(const IniReading& reading, FindingCollector& findings);
 
 } // namespace SectionRules
 

@@ -1,5 +1,6 @@
 #include "ValueRules.h"
 
+#include "IniLines.h"
 #include "IniReading.h"
 #include "NameRules.h"
 
@@ -17,55 +18,86 @@ QString shown(const IniValue& value)
     return quoted(value.texts().join(QStringLiteral("', '")));
 }
 
-void checkShape(const IniEntry& entry, Findings& findings)
+// The first byte of a value that is no blank.
+int beginOf(const IniEntry& entry)
 {
-    const int line = entry.extent.first;
+    int begin = entry.valueBegin;
+    for (const char byte : entry.bytes) {
+        if (!IniLines::isBlank(byte)) {
+            break;
+        }
+        ++begin;
+    }
+    return begin;
+}
+
+// Whether the semicolon that ends a value begins a comment in people's eyes.
+bool looksLikeComment(const IniEntry& entry)
+{
+    return !entry.bytes.isEmpty() && IniLines::isBlank(entry.bytes.back());
+}
+
+void checkShape(const IniEntry& entry, FindingCollector& findings)
+{
     if (entry.value.isList()) {
-        findings.append({line, QStringLiteral("comma-list"),
-                         QStringLiteral("for its comma the value is a list of %1 texts, and empty "
-                                        "where a text is asked for; quotes keep it whole")
-                             .arg(entry.value.texts().size())});
+        findings.addAt(entry.valueBegin + entry.value.firstComma(), entry.extent, Severity::Error,
+                       "comma-list",
+                       QStringLiteral("for its comma the value is a list of %1 texts, and empty "
+                                      "where a text is asked for; quotes keep it whole")
+                           .arg(entry.value.texts().size()));
     }
     if (entry.isCutBySemicolon) {
-        findings.append({line, QStringLiteral("semicolon"),
-                         QStringLiteral("the value ends at the semicolon: %1; quotes keep it whole")
-                             .arg(shown(entry.value))});
+        findings.addAt(entry.valueEnd(), entry.extent,
+                       looksLikeComment(entry) ? Severity::Warning : Severity::Error, "semicolon",
+                       QStringLiteral("the value ends at the semicolon: %1; quotes keep it whole")
+                           .arg(shown(entry.value)));
     }
 }
 
-void checkQuotes(const IniEntry& entry, Findings& findings)
+void checkQuotes(const IniEntry& entry, FindingCollector& findings)
 {
-    const int line = entry.extent.first;
-    const QString rule = QStringLiteral("quotes");
     const QByteArray bytes = entry.bytes.trimmed();
+    const int begin = beginOf(entry);
     if (entry.value.hasTextBesideQuotes()) {
-        findings.append({line, rule,
-                         QStringLiteral("quotes within a value vanish; it is read as %1")
-                             .arg(shown(entry.value))});
+        findings.addAt(begin, entry.extent, Severity::Error, "quotes",
+                       QStringLiteral("quotes within a value vanish; it is read as %1")
+                           .arg(shown(entry.value)));
     }
     if (bytes.size() > 1 && bytes.startsWith('\'') && bytes.endsWith('\'')) {
-        findings.append({line, rule,
-                         QStringLiteral("single quotes are none; they are a part of the value: %1")
-                             .arg(shown(entry.value))});
+        findings.addAt(begin, entry.extent, Severity::Warning, "quotes",
+                       QStringLiteral("single quotes are none; they are a part of the value: %1")
+                           .arg(shown(entry.value)));
     }
-    if (!entry.value.hasQuotes() && (bytes.contains(" #") || bytes.contains("\t#"))) {
-        findings.append(
-            {line, QStringLiteral("hash-comment"),
-             QStringLiteral("'#' starts no comment; the value is %1").arg(shown(entry.value))});
+    const int hash = qMax(bytes.indexOf(" #"), bytes.indexOf("\t#"));
+    if (!entry.value.hasQuotes() && hash >= 0) {
+        findings.addAt(
+            begin + hash + 1, entry.extent, Severity::Warning, "hash-comment",
+            QStringLiteral("'#' starts no comment; the value is %1").arg(shown(entry.value)));
     }
 }
 
-void checkEscapes(const IniEntry& entry, Findings& findings)
+void checkEscapes(const IniEntry& entry, FindingCollector& findings)
 {
-    const QList<QByteArray> escapes = entry.value.strangeEscapes();
-    if (!escapes.isEmpty()) {
-        findings.append({entry.extent.first, QStringLiteral("escape"),
-                         QStringLiteral("for %1 the value is read as %2; '\\\\' is a backslash")
-                             .arg(quoted(escapes.constFirst()), shown(entry.value))});
+    for (const IniValue::Escape& escape : entry.value.strangeEscapes()) {
+        findings.addAt(entry.valueBegin + escape.position, entry.extent, Severity::Error, "escape",
+                       QStringLiteral("for %1 the value is read as %2; '\\\\' is a backslash")
+                           .arg(quoted(escape.bytes), shown(entry.value)));
+    }
+    for (const IniValue::Escape& escape : entry.value.literalEscapes()) {
+        findings.addAt(entry.valueBegin + escape.position, entry.extent, Severity::Warning,
+                       "literal-escape",
+                       QStringLiteral("%1 is read without its first backslash; the value is %2")
+                           .arg(quoted(escape.bytes), shown(entry.value)));
+    }
+    if (entry.value.lastBackslash() >= 0) {
+        findings.addAt(entry.valueBegin + entry.value.lastBackslash(), entry.extent,
+                       Severity::Error, "escape",
+                       QStringLiteral("the backslash at the end is not read; the value is %1")
+                           .arg(shown(entry.value)));
     }
 }
 
-void checkEncoding(const IniEntry& entry, const QTextCodec* codec, Findings& findings)
+void checkEncoding(const IniEntry& entry, const QTextCodec* codec, FindingCollector& findings)
 {
     constexpr int mibOfUtf8 = 106;
 
@@ -77,14 +109,14 @@ void checkEncoding(const IniEntry& entry, const QTextCodec* codec, Findings& fin
     if (isUtf8) {
         const QString name =
             codec != nullptr ? QString::fromLatin1(codec->name()) : QStringLiteral("Latin-1");
-        findings.append({entry.extent.first, QStringLiteral("encoding"),
-                         QStringLiteral("the value's bytes are UTF-8, but they are taken for %1; "
-                                        "it is read as %2")
-                             .arg(name, shown(entry.value))});
+        findings.addAt(beginOf(entry), entry.extent, Severity::Error, "encoding",
+                       QStringLiteral("the value's bytes are UTF-8, but they are taken for %1; "
+                                      "it is read as %2")
+                           .arg(name, shown(entry.value)));
     } else {
-        findings.append({entry.extent.first, QStringLiteral("encoding"),
-                         QStringLiteral("the value's bytes are not UTF-8; it is read as %1")
-                             .arg(shown(entry.value))});
+        findings.addAt(beginOf(entry), entry.extent, Severity::Error, "encoding",
+                       QStringLiteral("the value's bytes are not UTF-8; it is read as %1")
+                           .arg(shown(entry.value)));
     }
 }
 
@@ -126,19 +158,19 @@ QString markedType(const QString& text)
     return isGeometric ? QStringLiteral("a point, a size or a rectangle") : QString();
 }
 
-void checkMarks(const IniEntry& entry, Findings& findings)
+void checkMarks(const IniEntry& entry, FindingCollector& findings)
 {
     const QStringList texts = entry.value.texts();
     for (const QString& text : texts) {
         const QString type = markedType(text);
         if (!type.isEmpty()) {
-            findings.append({entry.extent.first, QStringLiteral("at-sign"),
-                             QStringLiteral("%1 is read as %2").arg(quoted(text), type)});
+            findings.addAt(beginOf(entry), entry.extent, Severity::Error, "at-sign",
+                           QStringLiteral("%1 is read as %2").arg(quoted(text), type));
         }
     }
 }
 
-void checkMeaning(const IniEntry& entry, Findings& findings)
+void checkMeaning(const IniEntry& entry, FindingCollector& findings)
 {
     if (entry.value.isList()) {
         return;
@@ -146,10 +178,10 @@ void checkMeaning(const IniEntry& entry, Findings& findings)
     const QString text = entry.value.texts().constFirst();
     for (const char* word : {"off", "no", "disabled"}) {
         if (text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0) {
-            findings.append({entry.extent.first, QStringLiteral("boolean-word"),
-                             QStringLiteral("as a boolean %1 is true: only '0', 'false' and an "
-                                            "empty value are false")
-                                 .arg(quoted(text))});
+            findings.addAt(beginOf(entry), entry.extent, Severity::Warning, "boolean-word",
+                           QStringLiteral("as a boolean %1 is true: only '0', 'false' and an "
+                                          "empty value are false")
+                               .arg(quoted(text)));
         }
     }
     bool isNumber = false;
@@ -157,18 +189,22 @@ void checkMeaning(const IniEntry& entry, Findings& findings)
     const bool isLarge = isNumber && (number > std::numeric_limits<int>::max() ||
                                       number < std::numeric_limits<int>::min());
     if (isLarge) {
-        findings.append({entry.extent.first, QStringLiteral("large-number"),
-                         QStringLiteral("as an integer %1 is %2: it has more than 32 bits")
-                             .arg(quoted(text))
-                             .arg(QVariant(text).toInt())});
+        findings.addAt(beginOf(entry), entry.extent, Severity::Warning, "large-number",
+                       QStringLiteral("as an integer %1 is %2: it has more than 32 bits")
+                           .arg(quoted(text))
+                           .arg(QVariant(text).toInt()));
     }
 }
 
 } // namespace
 
-void ValueRules::check(const IniReading& reading, Findings& findings)
+void ValueRules::check(const IniReading& reading, FindingCollector& findings)
 {
     for (const IniEntry& entry : reading.entries()) {
+        if (entry.isCommentedOut()) {
+            NameRules::checkCommentExtent(entry.extent, entry.name + '=' + entry.bytes, findings);
+            continue;
+        }
         NameRules::checkExtent(entry.extent, findings);
         checkShape(entry, findings);
         checkQuotes(entry, findings);

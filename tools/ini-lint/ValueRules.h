@@ -1,14 +1,14 @@
 #ifndef EXAMPLES_INILINT_VALUERULES_H
 #define EXAMPLES_INILINT_VALUERULES_H
 
-#include "Finding.h"
+#include "FindingCollector.h"
 
 class IniReading;
 
 // The rules of the values.
 namespace ValueRules {
 
-void check(const IniReading& reading, Findings& findings);
+void check(const IniReading& reading, FindingCollector& findings);
 
 } // namespace ValueRules
 

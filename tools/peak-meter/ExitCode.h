@@ -9,7 +9,8 @@ enum ExitCode
     WrongUsage = 2,
     NotRestored = 3,
     NotSaved = 4,
-    InputTrouble = 5
+    InputTrouble = 5,
+    OutputLost = 6
 };
 
 #endif

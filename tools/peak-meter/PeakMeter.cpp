@@ -5,36 +5,45 @@
 #include "common/CommandLine.h"
 
 #include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QRegularExpression>
 
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <clocale>
 #include <cmath>
-#include <csignal>
+#include <cstdlib>
+#include <limits>
 
 namespace {
 
 constexpr int acknowledgeIntervalInMs = 100;
 constexpr auto resettable = DragIndicator::ResettableInstance;
 
-// Gives a descriptor to read Ctrl-C and SIGTERM from. They wait until then, so that none comes in
-// the middle of a save. Who had them ignored, as the shell for a job in the background, is obeyed.
-int openEndSignals()
+// Whether text is a decimal number, and which. One too small for a double is zero, or next to it.
+std::optional<double> numberIn(const QByteArray& text)
 {
-    sigset_t signalNumbers;
-    sigemptyset(&signalNumbers);
-    for (const int number : {SIGINT, SIGTERM}) {
-        struct sigaction action = {};
-        sigaction(number, nullptr, &action);
-        if (action.sa_handler != SIG_IGN) {
-            sigaddset(&signalNumbers, number);
-        }
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    if (isNumber) {
+        return std::isfinite(value) ? std::make_optional(value) : std::nullopt;
     }
-    sigprocmask(SIG_BLOCK, &signalNumbers, nullptr);
-    return signalfd(-1, &signalNumbers, SFD_CLOEXEC);
+    // QByteArray takes what underflows for no number.
+    static const QRegularExpression decimal(
+        QStringLiteral("^[+-]?(\\d+\\.?\\d*|\\.\\d+)[eE][+-]?\\d+$"));
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    const double rounded = strtod_l(text.constData(), nullptr, plain);
+    const bool isTooSmall = decimal.match(QString::fromLatin1(text)).hasMatch() &&
+                            std::abs(rounded) < std::numeric_limits<double>::min();
+    return isTooSmall ? std::make_optional(rounded) : std::nullopt;
+}
+
+QString toLine(const QJsonObject& object)
+{
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
 QString count(qint64 number, const QString& what)
@@ -55,8 +64,10 @@ QString beginningOf(const QByteArray& line)
 
 } // namespace
 
-PeakMeter::PeakMeter(const QString& file)
-    : m_file(file.isEmpty() ? nullptr : new PeakFile(file)), m_isTyped(isatty(STDIN_FILENO) != 0)
+PeakMeter::PeakMeter(const QString& file, bool isJson)
+    : m_file(file.isEmpty() ? nullptr : new PeakFile(file))
+    , m_isJson(isJson)
+    , m_isTyped(isatty(STDIN_FILENO) != 0)
 {
     m_acknowledgeTimer.setSingleShot(true);
     connect(&m_acknowledgeTimer, &QTimer::timeout, this, &PeakMeter::acknowledge);
@@ -78,12 +89,12 @@ ExitCode PeakMeter::restore(bool mustReset)
 
 void PeakMeter::start()
 {
-    m_endSignals.reset(new QSocketNotifier(openEndSignals(), QSocketNotifier::Read));
-    connect(m_endSignals.data(), &QSocketNotifier::activated, this, &PeakMeter::finish);
+    m_endNotifier.reset(new QSocketNotifier(m_signals.openDescriptor(), QSocketNotifier::Read));
+    connect(m_endNotifier.data(), &QSocketNotifier::activated, this, &PeakMeter::finish);
     m_input.reset(new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read));
     connect(m_input.data(), &QSocketNotifier::activated, this, &PeakMeter::readInput);
 
-    if (m_display.isLive() && m_isTyped) {
+    if (m_display.isLive() && m_isTyped && !m_isJson) {
         m_display.showEvent(QStringLiteral("One number per line, please; Ctrl-D ends."));
     }
     showRange();
@@ -129,10 +140,8 @@ void PeakMeter::takeLine(const LineSplitter::Line& line)
     if (text.isEmpty()) {
         return;
     }
-    bool isNumber = false;
-    const double value = text.toDouble(&isNumber);
-    if (isNumber && std::isfinite(value)) {
-        takeValue(value);
+    if (const auto value = numberIn(text)) {
+        takeValue(*value);
     } else {
         refuseLine(QStringLiteral("no finite number: '%1'").arg(beginningOf(text)));
     }
@@ -147,21 +156,34 @@ void PeakMeter::refuseLine(const QString& reason)
 void PeakMeter::takeValue(double value)
 {
     const bool isFirst = !m_indicator.isInitialized(resettable);
-    QStringList news;
-    if (isFirst || value < m_indicator.getMinValue(resettable)) {
-        news.append(QStringLiteral("minimum"));
-    }
-    if (isFirst || value > m_indicator.getMaxValue(resettable)) {
-        news.append(QStringLiteral("maximum"));
-    }
-    if (!news.isEmpty()) {
-        m_news.append(QStringLiteral("line %1: new %2 %3")
-                          .arg(QString::number(m_lines), news.join(QStringLiteral(" and ")),
-                               exactText(value)));
+    const bool isMinimum = isFirst || value < m_indicator.getMinValue(resettable);
+    const bool isMaximum = isFirst || value > m_indicator.getMaxValue(resettable);
+    if (isMinimum || isMaximum) {
+        m_news.append(newsLine(value, isMinimum, isMaximum));
     }
     m_mustSave = m_indicator.compute(value) || m_mustSave;
     m_value = value;
     ++m_values;
+}
+
+QString PeakMeter::newsLine(double value, bool isMinimum, bool isMaximum) const
+{
+    if (m_isJson) {
+        return toLine({{QStringLiteral("event"), QStringLiteral("extreme")},
+                       {QStringLiteral("line"), m_lines},
+                       {QStringLiteral("value"), value},
+                       {QStringLiteral("isMinimum"), isMinimum},
+                       {QStringLiteral("isMaximum"), isMaximum}});
+    }
+    QStringList news;
+    if (isMinimum) {
+        news.append(QStringLiteral("minimum"));
+    }
+    if (isMaximum) {
+        news.append(QStringLiteral("maximum"));
+    }
+    return QStringLiteral("line %1: new %2 %3")
+        .arg(QString::number(m_lines), news.join(QStringLiteral(" and ")), exactText(value));
 }
 
 // On a terminal the complaint must not stand behind the range.
@@ -192,7 +214,7 @@ bool PeakMeter::acknowledge()
         leave(NotSaved);
         return false;
     }
-    if (!m_display.isLive()) {
+    if (!m_display.isLive() || m_isJson) {
         for (const QString& line : qAsConst(m_news)) {
             m_display.showEvent(line);
         }
@@ -229,14 +251,45 @@ QString PeakMeter::statusLine(int columns) const
 
 void PeakMeter::showRange()
 {
+    if (m_isJson) {
+        return;
+    }
     // What is typed must not look like the end of the value that is shown.
     const QString prompt = m_isTyped ? QStringLiteral("  > ") : QString();
     const int typingWidth = m_isTyped ? 10 : 0;
     m_display.showStatus(statusLine(m_display.columns() - prompt.size() - typingWidth) + prompt);
 }
 
+// The record in this place as a JSON value: null without a value.
+QJsonValue PeakMeter::recordJson(int place) const
+{
+    const QJsonObject record = m_indicator.asJsonArray().at(place).toObject();
+    if (!record.value(QStringLiteral("Initialized")).toBool()) {
+        return QJsonValue();
+    }
+    return QJsonObject{
+        {QStringLiteral("minimum"), record.value(QStringLiteral("MinValue"))},
+        {QStringLiteral("minimumDate"), record.value(QStringLiteral("MinValueDate"))},
+        {QStringLiteral("maximum"), record.value(QStringLiteral("MaxValue"))},
+        {QStringLiteral("maximumDate"), record.value(QStringLiteral("MaxValueDate"))}};
+}
+
+void PeakMeter::showJsonSummary()
+{
+    m_display.showEvent(
+        toLine({{QStringLiteral("event"), QStringLiteral("summary")},
+                {QStringLiteral("values"), m_values},
+                {QStringLiteral("refusedLines"), m_refusedLines},
+                {QStringLiteral("sinceReset"), recordJson(DragIndicator::ResettableInstance)},
+                {QStringLiteral("ever"), recordJson(DragIndicator::PermanentInstance)}}));
+}
+
 void PeakMeter::showSummary()
 {
+    if (m_isJson) {
+        showJsonSummary();
+        return;
+    }
     m_display.showEvent(QStringLiteral("Summary: %1, %2 refused")
                             .arg(count(m_values, QStringLiteral("value")),
                                  count(m_refusedLines, QStringLiteral("line"))));
@@ -281,7 +334,7 @@ void PeakMeter::finish()
 void PeakMeter::leave(ExitCode exitCode)
 {
     m_input->setEnabled(false);
-    m_endSignals->setEnabled(false);
+    m_endNotifier->setEnabled(false);
     m_acknowledgeTimer.stop();
     showSummary();
     Q_EMIT finished(exitCode);

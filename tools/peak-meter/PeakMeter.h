@@ -5,11 +5,13 @@
 #include "LineSplitter.h"
 #include "PeakFile.h"
 
+#include "common/EndSignals.h"
 #include "common/ProgressDisplay.h"
 
 #include <DragIndicator.h>
 
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QJsonValue>
 #include <QtCore/QObject>
 #include <QtCore/QScopedPointer>
 #include <QtCore/QSocketNotifier>
@@ -29,8 +31,8 @@ class PeakMeter : public QObject
     Q_OBJECT
 
 public:
-    // With an empty file name nothing is kept.
-    explicit PeakMeter(const QString& file);
+    // With an empty file name nothing is kept. isJson: a JSON object per line, on terminals, too.
+    PeakMeter(const QString& file, bool isJson);
 
     // Begins with the records of the file; tells whether they can be had.
     ExitCode restore(bool mustReset);
@@ -47,12 +49,15 @@ private:
     void takeLine(const LineSplitter::Line& line);
     void takeValue(double value);
     void refuseLine(const QString& reason);
+    QString newsLine(double value, bool isMinimum, bool isMaximum) const;
     void complain(const QString& trouble);
     void acknowledgeSoon();
     bool acknowledge();
     bool save();
     QString statusLine(int columns) const;
     void showRange();
+    QJsonValue recordJson(int place) const;
+    void showJsonSummary();
     void showSummary();
     void showRecord(const QString& title, int place);
     void finish();
@@ -63,11 +68,13 @@ private:
     ProgressDisplay m_display;
     LineSplitter m_splitter;
     QScopedPointer<QSocketNotifier> m_input;
-    QScopedPointer<QSocketNotifier> m_endSignals;
+    const EndSignals m_signals; // none comes in the middle of a save
+    QScopedPointer<QSocketNotifier> m_endNotifier;
     QTimer m_acknowledgeTimer;
     QElapsedTimer m_sinceAcknowledged;
     QStringList m_news; // what is still to be said of the values
     std::optional<double> m_value;
+    const bool m_isJson;
     const bool m_isTyped;
     bool m_mustSave = false;
     bool m_hasInputTrouble = false;

@@ -32,6 +32,14 @@ const QCommandLineOption& resetOption()
     return option;
 }
 
+const QCommandLineOption& jsonOption()
+{
+    static const QCommandLineOption option(
+        QStringLiteral("json"),
+        QStringLiteral("Print one JSON object per line: each new extreme, and a summary."));
+    return option;
+}
+
 QString helpText(const QCommandLineParser& parser)
 {
     return parser.helpText() +
@@ -52,12 +60,13 @@ QString helpText(const QCommandLineParser& parser)
                "overwritten.\n"
                "\n"
                "Exit codes:\n"
-               "  0  every line was taken, up to the end of the input, Ctrl-C or SIGTERM\n"
+               "  0  every line was taken, up to the end of the input, Ctrl-C, SIGTERM or SIGHUP\n"
                "  1  some lines were no numbers\n"
                "  2  wrong usage\n"
                "  3  FILE cannot be read, is damaged, or another peak-meter uses it\n"
                "  4  FILE cannot be written\n"
                "  5  standard input cannot be read\n"
+               "  6  the output could not be written\n"
                "\n"
                "Examples:\n"
                "  tail -f temperatures.log | peak-meter --file peaks.json\n"
@@ -85,7 +94,7 @@ bool checkOptions(const QCommandLineParser& parser)
 
 int measure(const QCommandLineParser& parser)
 {
-    PeakMeter meter(parser.value(fileOption()));
+    PeakMeter meter(parser.value(fileOption()), parser.isSet(jsonOption()));
     const ExitCode exitCode = meter.restore(parser.isSet(resetOption()));
     if (exitCode != AllTaken) {
         return exitCode;
@@ -95,18 +104,13 @@ int measure(const QCommandLineParser& parser)
     return QCoreApplication::exec();
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+int run(bool hasInput)
 {
-    // Qt would take the descriptor for something of its own.
-    const bool hasInput = fcntl(STDIN_FILENO, F_GETFD) != -1;
-    const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "\nReads numbers from standard input, one per line, and shows the lowest and the highest, "
         "on a\nterminal as a bar in which the last value is marked."));
-    parser.addOptions({fileOption(), resetOption(), CommandLine::verboseOption(),
+    parser.addOptions({fileOption(), resetOption(), jsonOption(), CommandLine::verboseOption(),
                        CommandLine::helpOption(), CommandLine::versionOption()});
 
     if (!parser.parse(QCoreApplication::arguments())) {
@@ -130,4 +134,19 @@ int main(int argc, char* argv[])
     }
     LibraryMessages::take(parser.isSet(CommandLine::verboseOption()));
     return measure(parser);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Qt would take the descriptor for something of its own.
+    const bool hasInput = fcntl(STDIN_FILENO, F_GETFD) != -1;
+    const QCoreApplication application(argc, argv);
+    CommandLine::flushBeforeWaiting();
+    // Without a time zone the C library looks at its file 16 times for each value with a date.
+    if (!qEnvironmentVariableIsSet("TZ")) {
+        qputenv("TZ", ":/etc/localtime");
+    }
+    return CommandLine::end(run(hasInput), OutputLost);
 }

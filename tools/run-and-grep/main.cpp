@@ -1,23 +1,24 @@
-// Runs a command, keeps its output in a file and matches regular expressions over it:
-// QProcessHandler and TextFileParser at work.
+// Runs a command, keeps its output in a file and matches regular expressions over it.
+#include "ProgramRunner.h"
+
 #include "common/BusyDisplay.h"
 #include "common/CommandLine.h"
 #include "common/LibraryMessages.h"
-#include "common/TemporaryPath.h"
 #include "common/WholeFile.h"
 
-#include <QProcessHandler.h>
 #include <TextFileParser.h>
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
-#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
-#include <QtCore/QTemporaryDir>
 #include <QtCore/QVector>
+
+#include <sys/mman.h>
+
+#include <cerrno>
 
 namespace {
 
@@ -31,10 +32,14 @@ enum ExitCode
     FileTrouble = 5
 };
 
+// As shells number what a signal ended.
+constexpr int firstSignalCode = 128;
+
 struct Job
 {
     QVector<QRegularExpression> expressions;
     bool isFirstOnly = false;
+    bool mustPassExitCode = false;
     int timeoutInMs = 30000;
     QStringList command; // empty: match over file
     QString file;        // with a command: where its output is kept; empty: nowhere for long
@@ -70,8 +75,17 @@ const QCommandLineOption& outputOption()
 {
     static const QCommandLineOption option(
         QStringLiteral("output"),
-        QStringLiteral("Keep the output of PROGRAM in FILE, which is replaced as a whole."),
+        QStringLiteral("Keep the output of PROGRAM in FILE, which is replaced as a whole; - is "
+                       "standard output."),
         QStringLiteral("FILE"));
+    return option;
+}
+
+const QCommandLineOption& exitCodeOption()
+{
+    static const QCommandLineOption option(
+        QStringLiteral("exit-code"),
+        QStringLiteral("End with the exit code of PROGRAM, whether anything matches or not."));
     return option;
 }
 
@@ -86,7 +100,13 @@ QString helpText(const QCommandLineParser& parser)
                           "what PROGRAM wrote\n"
                           "on standard output, followed by what it wrote on standard error. "
                           "Matches go to\n"
-                          "standard output, everything else to standard error.\n"
+                          "standard output, everything else to standard error. What "
+                          "follows a zero byte is not\n"
+                          "searched.\n"
+                          "\n"
+                          "Ctrl-C, SIGTERM, SIGHUP and the time-out stop PROGRAM and whatever it "
+                          "has started in\n"
+                          "its process group.\n"
                           "\n") +
            parser.helpText().section(QLatin1Char('\n'), 2) +
            QStringLiteral("\n"
@@ -96,7 +116,8 @@ QString helpText(const QCommandLineParser& parser)
                           "  2  wrong usage or an invalid expression\n"
                           "  3  PROGRAM could not be started, or did not end in time\n"
                           "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
-                          "  5  a file could not be read or written\n"
+                          "  5  a file could not be read or written, or the output not be written\n"
+                          "Of a signal: 128 and its number.\n"
                           "\n"
                           "Examples:\n"
                           "  run-and-grep -e 'inet ([0-9.]+)' -- ip address\n"
@@ -144,8 +165,10 @@ bool readFile(const QCommandLineParser& parser, Job& job)
             QStringLiteral("needs either '-- PROGRAM [ARGUMENTS]' or exactly one FILE"));
         return false;
     }
-    if (!hasCommand && (parser.isSet(outputOption()) || parser.isSet(timeoutOption()))) {
-        CommandLine::complainOfUsage(QStringLiteral("--output and --timeout need a PROGRAM"));
+    if (!hasCommand && (parser.isSet(outputOption()) || parser.isSet(timeoutOption()) ||
+                        parser.isSet(exitCodeOption()))) {
+        CommandLine::complainOfUsage(
+            QStringLiteral("--output, --timeout and --exit-code need a PROGRAM"));
         return false;
     }
     job.file = hasCommand ? parser.value(outputOption()) : arguments.constFirst();
@@ -161,23 +184,23 @@ void printMatches(BusyDisplay& display, const QString& label, const QStringList&
 }
 
 // Prints the matches in the file at path; tells what that means for the exit code.
-ExitCode grep(const Job& job, const QString& path)
+ExitCode grep(const Job& job, const QString& path, const QString& shownPath)
 {
-    BusyDisplay display(QStringLiteral("reading %1").arg(CommandLine::printable(path)));
+    const QString name = CommandLine::printable(shownPath);
+    BusyDisplay display(QStringLiteral("reading %1").arg(name));
     TextFileParser parser(path);
     if (parser.hasError()) {
         const QString reason =
             QFileInfo::exists(path)
                 ? parser.getLastError().section(QStringLiteral(" IO Error: "), -1)
                 : QStringLiteral("no such file");
-        display.complain(QStringLiteral("cannot read %1: %2").arg(path, reason));
+        display.complain(QStringLiteral("cannot read %1: %2").arg(name, reason));
         return FileTrouble;
     }
     bool hasMatch = false;
     for (const QRegularExpression& expression : job.expressions) {
-        display.setActivity(
-            QStringLiteral("searching %1 for %2")
-                .arg(CommandLine::printable(path), CommandLine::printable(expression.pattern())));
+        display.setActivity(QStringLiteral("searching %1 for %2")
+                                .arg(name, CommandLine::printable(expression.pattern())));
         QStringList matches = parser.multiMatch(expression);
         if (job.isFirstOnly) {
             matches = matches.mid(0, 1);
@@ -191,97 +214,107 @@ ExitCode grep(const Job& job, const QString& path)
     return hasMatch ? Match : NoMatch;
 }
 
-// Writes the file as a whole or not at all.
-bool writeFile(const QString& path, const QString& content)
+ExitCode grepFile(const Job& job)
 {
-    const QString trouble = WholeFile::replace(path, content.toUtf8());
+    const bool isInput = job.file == QLatin1String("-");
+    return grep(job, isInput ? QStringLiteral("/dev/stdin") : job.file,
+                isInput ? QStringLiteral("standard input") : job.file);
+}
+
+// Searches a text as if it were a file, in memory: whatever happens, none is left behind.
+ExitCode grepText(const Job& job, const QByteArray& text)
+{
+    QFile file;
+    const int descriptor = memfd_create("output", MFD_CLOEXEC);
+    if (descriptor < 0 ||
+        !file.open(descriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle) ||
+        file.write(text) != text.size() || !file.flush()) {
+        CommandLine::complain(
+            QStringLiteral("cannot keep the output: %1").arg(qt_error_string(errno)));
+        return FileTrouble;
+    }
+    return grep(job, QStringLiteral("/proc/self/fd/%1").arg(descriptor),
+                QStringLiteral("the output"));
+}
+
+// Keeps the output where it is asked for; tells whether that could be done.
+bool keepOutput(const Job& job, const QByteArray& output)
+{
+    if (job.file.isEmpty()) {
+        return true;
+    }
+    if (WholeFile::isStandardOutput(job.file)) {
+        CommandLine::write(output);
+        return true;
+    }
+    const QString trouble = WholeFile::replace(job.file, output);
     if (!trouble.isEmpty()) {
-        CommandLine::complain(QStringLiteral("cannot write %1: %2").arg(path, trouble));
+        CommandLine::complain(QStringLiteral("cannot write %1: %2").arg(job.file, trouble));
     }
     return trouble.isEmpty();
 }
 
-QString joinedOutput(const QProcessHandler& handler)
-{
-    QString output = handler.getStandardOutput();
-    const QString errors = handler.getStandardError();
-    if (!output.isEmpty() && !errors.isEmpty() && !output.endsWith(QLatin1Char('\n'))) {
-        output += QLatin1Char('\n');
-    }
-    return output + errors;
-}
-
-// Runs the command; gives its exit code.
-int runCommand(const Job& job, QProcessHandler& handler)
+ProgramRunner::End runCommand(const Job& job, ProgramRunner& runner)
 {
     const QString program = job.command.constFirst();
     const BusyDisplay display(QStringLiteral("running %1, for %2 s at most")
                                   .arg(CommandLine::printable(program))
                                   .arg(double(job.timeoutInMs) / 1000));
-    return handler.startProcess(program, job.command.mid(1));
+    return runner.run(program, job.command.mid(1), job.timeoutInMs);
 }
 
-ExitCode complainOfNotRun(const Job& job)
+void complainOfNotStarted(const QString& program)
 {
-    // The same -1 comes for both; the library's warning tells them apart.
+    const bool exists =
+        QFileInfo::exists(program) || !QStandardPaths::findExecutable(program).isEmpty();
+    CommandLine::complain(QStringLiteral("cannot start %1: %2")
+                              .arg(program, exists ? QStringLiteral("not an executable program")
+                                                   : QStringLiteral("no such program")));
+}
+
+int runAndGrep(const Job& job)
+{
     const QString program = job.command.constFirst();
-    if (LibraryMessages::anyStartsWith(QStringLiteral("Timeout from command"))) {
+    ProgramRunner runner;
+    switch (runCommand(job, runner)) {
+    case ProgramRunner::NotStarted:
+        complainOfNotStarted(program);
+        return NotRun;
+    case ProgramRunner::TimedOut:
         CommandLine::complain(QStringLiteral("%1 did not end within %2 ms and was stopped")
                                   .arg(program)
                                   .arg(job.timeoutInMs));
-    } else if (QFileInfo::exists(program) || !QStandardPaths::findExecutable(program).isEmpty()) {
-        CommandLine::complain(
-            QStringLiteral("cannot start %1: not an executable program").arg(program));
-    } else {
-        CommandLine::complain(QStringLiteral("cannot start %1: no such program").arg(program));
-    }
-    return NotRun;
-}
-
-ExitCode runAndGrep(const Job& job)
-{
-    const QString program = job.command.constFirst();
-    QProcessHandler handler;
-    handler.setWaitForFinishedTimeout(job.timeoutInMs);
-    // Nobody types; a program that reads should not wait for it.
-    handler.setStandardInputFile(QProcess::nullDevice());
-    const int programExitCode = runCommand(job, handler);
-    if (programExitCode == -1) {
-        return complainOfNotRun(job);
+        return NotRun;
+    case ProgramRunner::Interrupted:
+        CommandLine::complain(QStringLiteral("interrupted; %1 was stopped").arg(program));
+        return firstSignalCode + runner.signalNumber();
+    case ProgramRunner::ByItself:
+        break;
     }
 
-    const QTemporaryDir temporaryFolder(TemporaryPath::pattern());
-    if (job.file.isEmpty() && !temporaryFolder.isValid()) {
-        CommandLine::complain(QStringLiteral("cannot make a temporary folder: %1")
-                                  .arg(temporaryFolder.errorString()));
+    const QByteArray output = runner.takeOutput();
+    if (!keepOutput(job, output)) {
         return FileTrouble;
     }
-    const QString file =
-        job.file.isEmpty() ? temporaryFolder.filePath(QStringLiteral("output")) : job.file;
-    if (!writeFile(file, joinedOutput(handler))) {
-        return FileTrouble;
-    }
-    const ExitCode exitCode = grep(job, file);
-    if (handler.getLastExitStatus() == QProcess::CrashExit) {
+    const ExitCode exitCode = grepText(job, output);
+    if (runner.hasCrashed()) {
         CommandLine::complain(
-            QStringLiteral("%1 crashed with signal %2").arg(program).arg(programExitCode));
+            QStringLiteral("%1 crashed with signal %2").arg(program).arg(runner.exitCode()));
         return Crashed;
     }
     CommandLine::complain(
-        QStringLiteral("%1 ended with exit code %2").arg(program).arg(programExitCode));
-    return exitCode;
+        QStringLiteral("%1 ended with exit code %2").arg(program).arg(runner.exitCode()));
+    return job.mustPassExitCode ? runner.exitCode() : exitCode;
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+int run()
 {
-    const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.addOptions({expressionOption(), firstOption(), timeoutOption(), outputOption(),
-                       CommandLine::verboseOption(), CommandLine::helpOption(),
+                       exitCodeOption(), CommandLine::verboseOption(), CommandLine::helpOption(),
                        CommandLine::versionOption()});
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A text file."));
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QStringLiteral("A text file; - is standard input."));
     parser.addPositionalArgument(
         QStringLiteral("PROGRAM"),
         QStringLiteral("A program, looked for in PATH. It reads nothing on "
@@ -311,6 +344,15 @@ int main(int argc, char* argv[])
         return WrongUsage;
     }
     job.isFirstOnly = parser.isSet(firstOption());
+    job.mustPassExitCode = parser.isSet(exitCodeOption());
     LibraryMessages::take(parser.isSet(CommandLine::verboseOption()));
-    return job.command.isEmpty() ? grep(job, job.file) : runAndGrep(job);
+    return job.command.isEmpty() ? grepFile(job) : runAndGrep(job);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    return CommandLine::end(run(), FileTrouble);
 }

@@ -7,23 +7,15 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 
+#include <dirent.h>
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <iterator>
 
 namespace {
 
 constexpr int statusIntervalInMs = 100;
-
-QString count(int number, const char* what)
-{
-    return QStringLiteral("%1 %2%3").arg(number).arg(QLatin1String(what),
-                                                     number == 1 ? QString() : QStringLiteral("s"));
-}
-
-QString seconds(qint64 milliseconds)
-{
-    return QStringLiteral("%1 s").arg(double(milliseconds) / 1000, 0, 'f', 1);
-}
 
 // What the sorted list names has and others has not.
 QStringList missingIn(const QStringList& others, const QStringList& names)
@@ -47,40 +39,100 @@ MediumWatch::MediumWatch(const WatchOptions& options)
     : m_options(options)
     , m_filter(options.patterns, QDir::Files) // without case, as MediaWatcher searches
     , m_mediaWatcher(nullptr)
-    , m_burstWatcher(QStringList())
-    , m_changeWatcher(QStringList())
+    , m_report(options.name, options.isJson)
+    , m_mounts(QStringLiteral("/proc/self/mountinfo"))
 {
     m_mediaWatcher.setRecursive(options.isRecursive);
     m_mediaWatcher.setFileMatchPatternList(options.patterns);
-    m_burstWatcher.setDelayInMs(options.delayInMs);
-    m_changeWatcher.setDelayInMs(0);
     m_threadPool.setMaxThreadCount(1);
     m_idleTimer.setSingleShot(true);
     m_idleTimer.setTimerType(Qt::PreciseTimer);
 
     connect(&m_mediaWatcher, &MediaWatcher::filesFound, this, &MediumWatch::listMedium);
-    connect(&m_changeWatcher, &DirectoryWatcher::directoryChanged, this, &MediumWatch::noteChange);
-    connect(&m_burstWatcher, &DirectoryWatcher::directoryChanged, this,
-            &MediumWatch::noteEndOfBurst);
     connect(&m_idleTimer, &QTimer::timeout, this, [this] { finish(Ended); });
     connect(&m_statusTimer, &QTimer::timeout, this, &MediumWatch::showStatus);
+}
+
+MediumWatch::Place MediumWatch::placeOf(const QString& folder)
+{
+    struct stat status = {};
+    struct stat parent = {};
+    if (stat(QFile::encodeName(folder).constData(), &status) != 0 ||
+        stat(QFile::encodeName(folder + QStringLiteral("/..")).constData(), &parent) != 0) {
+        return Place();
+    }
+    return {status.st_dev, status.st_ino, status.st_dev != parent.st_dev};
+}
+
+void MediumWatch::makeWatchers()
+{
+    m_burstWatcher.reset(new DirectoryWatcher(QStringList()));
+    m_changeWatcher.reset(new DirectoryWatcher(QStringList()));
+    m_burstWatcher->setDelayInMs(m_options.delayInMs);
+    m_changeWatcher->setDelayInMs(0);
+    connect(m_changeWatcher.data(), &DirectoryWatcher::directoryChanged, this,
+            &MediumWatch::noteChange);
+    connect(m_burstWatcher.data(), &DirectoryWatcher::directoryChanged, this,
+            &MediumWatch::noteEndOfBurst);
+    m_watchedFolders.clear();
+    m_unwatchableFolders.clear();
+    m_place = placeOf(m_options.folder);
+}
+
+void MediumWatch::watchMounts()
+{
+    if (m_mounts.open(QIODevice::ReadOnly)) {
+        m_mountNotifier.reset(new QSocketNotifier(m_mounts.handle(), QSocketNotifier::Exception));
+        connect(m_mountNotifier.data(), &QSocketNotifier::activated, this,
+                &MediumWatch::noteMounts);
+    }
+}
+
+// Tells whether the path leads to another folder than before, and says what became of the medium.
+bool MediumWatch::hasNewMedium()
+{
+    const Place now = placeOf(m_options.folder);
+    const bool isOther = now.device != m_place.device || now.inode != m_place.inode;
+    // The same medium, unmounted and mounted at once, has taken the watch along.
+    const bool hasLostWatch = !isOther && m_burstWatcher->addPath(m_options.folder);
+    if (!isOther && !hasLostWatch) {
+        return false;
+    }
+    if (m_place.isMedium) {
+        m_report.showMediumRemoved();
+    }
+    if (now.isMedium) {
+        m_report.showMediumMounted();
+    }
+    makeWatchers();
+    watchFolder(m_options.folder);
+    m_mustList = true;
+    return true;
+}
+
+void MediumWatch::noteMounts()
+{
+    // A search notices that the folder is gone.
+    if (!QFileInfo(m_options.folder).isDir() || hasNewMedium()) {
+        search();
+    }
 }
 
 bool MediumWatch::start()
 {
     m_clock.start();
+    makeWatchers();
+    watchMounts();
+    m_endNotifier.reset(new QSocketNotifier(m_signals.openDescriptor(), QSocketNotifier::Read));
+    connect(m_endNotifier.data(), &QSocketNotifier::activated, this, [this] { finish(Ended); });
     // Watched first, listed then: what comes in between is seen by both rather than by neither.
     if (!watchFolder(m_options.folder)) {
         return false;
     }
-    m_display.showStatus(QStringLiteral("listing %1").arg(CommandLine::printable(m_options.name)));
+    m_report.showStatus(QStringLiteral("listing %1").arg(CommandLine::printable(m_options.name)));
     m_mediaWatcher.mediumMounted(m_options.folder);
-    m_display.showEvent(
-        QStringLiteral("%1: %2 (%3)")
-            .arg(CommandLine::printable(m_options.name), count(m_files.size(), "file"),
-                 CommandLine::printable(m_options.patterns.join(QLatin1Char(' ')))));
-    showFiles("  ", m_files);
-    if (m_display.isLive()) {
+    m_report.showMedium(m_options.patterns, m_files);
+    if (m_report.isLive()) {
         m_statusTimer.start(statusIntervalInMs);
     }
     search();
@@ -135,16 +187,54 @@ void MediumWatch::evaluate(const QStringList& entries)
         finish(MediumGone);
         return;
     }
+    const QStringList files = matchingFiles(entries);
+    // Of two media there is no difference to show; and this search may have seen a part of each.
+    if (hasNewMedium() || (m_mustList && m_mustSearchAgain)) {
+        m_mustSearchAgain = false;
+        search();
+        return;
+    }
     // A new folder may have been filled further between this search and its watch.
     if (m_options.isRecursive && watchFolders(entries)) {
         m_mustSearchAgain = true;
     }
-    showDifferences(matchingFiles(entries));
+    if (m_mustList) {
+        m_mustList = false;
+        m_files = files;
+        m_filesAtStart = files;
+        m_report.showMedium(m_options.patterns, files);
+    } else {
+        showDifferences(files);
+    }
+    countNamesLeftOut();
     if (m_mustSearchAgain) {
         m_mustSearchAgain = false;
         search();
     } else {
         settle();
+    }
+}
+
+// Qt passes over names that it cannot decode.
+void MediumWatch::countNamesLeftOut()
+{
+    int count = 0;
+    for (const QString& folder : qAsConst(m_watchedFolders)) {
+        DIR* directory = opendir(QFile::encodeName(folder).constData());
+        const dirent* entry = directory == nullptr ? nullptr : readdir(directory);
+        for (; entry != nullptr; entry = readdir(directory)) {
+            const QByteArray name = entry->d_name;
+            if (!name.startsWith('.') && QFile::encodeName(QFile::decodeName(name)) != name) {
+                ++count;
+            }
+        }
+        if (directory != nullptr) {
+            closedir(directory);
+        }
+    }
+    if (count != m_namesLeftOut) {
+        m_namesLeftOut = count;
+        m_report.showNamesLeftOut(count);
     }
 }
 
@@ -181,43 +271,25 @@ bool MediumWatch::watchFolders(const QStringList& entries)
 bool MediumWatch::watchFolder(const QString& folder)
 {
     // Qt has a line of its own to log for a folder that cannot be read.
-    if (QFileInfo(folder).isReadable() && m_burstWatcher.addPath(folder)) {
-        m_changeWatcher.addPath(folder);
+    if (QFileInfo(folder).isReadable() && m_burstWatcher->addPath(folder)) {
+        m_changeWatcher->addPath(folder);
         m_watchedFolders.insert(folder);
         return true;
     }
     const bool isKnown = m_watchedFolders.contains(folder) || m_unwatchableFolders.contains(folder);
     if (!isKnown) {
         m_unwatchableFolders.insert(folder);
-        m_display.clearStatus();
-        CommandLine::complain(
-            QStringLiteral("cannot watch %1").arg(CommandLine::printable(folder)));
+        m_report.complain(QStringLiteral("cannot watch %1").arg(CommandLine::printable(folder)));
     }
     return false;
-}
-
-void MediumWatch::showFiles(const char* mark, const QStringList& files)
-{
-    // Nobody reads hundreds of lines that rush by; a pipe gets them all.
-    constexpr int mostOnTerminal = 10;
-
-    const int shown = m_display.isLive() ? qMin(files.size(), mostOnTerminal) : files.size();
-    const QStringList shownFiles = files.mid(0, shown);
-    for (const QString& file : shownFiles) {
-        m_display.showEvent(QLatin1String(mark) + CommandLine::printable(file));
-    }
-    if (shown < files.size()) {
-        m_display.showEvent(
-            QStringLiteral("%1... and %2 more").arg(QLatin1String(mark)).arg(files.size() - shown));
-    }
 }
 
 void MediumWatch::showDifferences(const QStringList& files)
 {
     const QStringList newFiles = missingIn(m_files, files);
     const QStringList goneFiles = missingIn(files, m_files);
-    showFiles("+ ", newFiles);
-    showFiles("- ", goneFiles);
+    m_report.showNew(newFiles);
+    m_report.showGone(goneFiles);
     m_newInBurst += newFiles.size();
     m_goneInBurst += goneFiles.size();
     m_files = files;
@@ -228,16 +300,11 @@ void MediumWatch::settle()
 {
     if (!m_isWatching) {
         m_isWatching = true;
-        m_display.showEvent(QStringLiteral("Watching %1; ends after %2")
-                                .arg(count(m_watchedFolders.size(), "folder"), endCondition()));
+        m_report.showWatching(m_watchedFolders.size(), m_options.bursts, m_options.idleInMs);
     }
     if (m_bursts > m_shownBursts) {
         m_shownBursts = m_bursts;
-        m_display.showEvent(QStringLiteral("Burst %1: %2 new, %3 gone, now %4")
-                                .arg(m_bursts)
-                                .arg(m_newInBurst)
-                                .arg(m_goneInBurst)
-                                .arg(count(m_files.size(), "file")));
+        m_report.showBurst(m_bursts, m_newInBurst, m_goneInBurst, m_files.size());
         m_newInBurst = 0;
         m_goneInBurst = 0;
         m_changes = 0;
@@ -256,24 +323,13 @@ void MediumWatch::startIdleTimer(int durationInMs)
     }
 }
 
-QString MediumWatch::endCondition() const
-{
-    QStringList conditions;
-    if (m_options.bursts > 0) {
-        conditions.append(count(m_options.bursts, "burst"));
-    }
-    if (m_options.idleInMs > 0) {
-        conditions.append(seconds(m_options.idleInMs) + QStringLiteral(" without a change"));
-    }
-    return conditions.join(QStringLiteral(" or "));
-}
-
 void MediumWatch::showStatus()
 {
-    m_display.showStatus(QStringLiteral("%1 | %2, %3 new | %4 | %5")
-                             .arg(elapsed(), count(m_files.size(), "file"))
-                             .arg(missingIn(m_filesAtStart, m_files).size())
-                             .arg(count(m_bursts, "burst"), activity()));
+    m_report.showStatus(QStringLiteral("%1 | %2, %3 new | %4 | %5")
+                            .arg(WatchReport::seconds(m_clock.elapsed()),
+                                 WatchReport::count(m_files.size(), "file"))
+                            .arg(missingIn(m_filesAtStart, m_files).size())
+                            .arg(WatchReport::count(m_bursts, "burst"), activity()));
 }
 
 QString MediumWatch::activity() const
@@ -282,32 +338,24 @@ QString MediumWatch::activity() const
         return QStringLiteral("searching");
     }
     if (m_changes > 0) {
-        return QStringLiteral("changing: ") + count(m_changes, "notice");
+        return QStringLiteral("changing: ") + WatchReport::count(m_changes, "notice");
     }
     if (m_idleTimer.isActive()) {
-        return QStringLiteral("quiet, ends in ") + seconds(m_idleTimer.remainingTime());
+        return QStringLiteral("quiet, ends in ") +
+               WatchReport::seconds(m_idleTimer.remainingTime());
     }
     return QStringLiteral("quiet");
-}
-
-QString MediumWatch::elapsed() const
-{
-    return seconds(m_clock.elapsed());
 }
 
 void MediumWatch::finish(ExitCode exitCode)
 {
     m_statusTimer.stop();
-    m_display.clearStatus();
     if (exitCode == MediumGone) {
-        CommandLine::complain(
-            QStringLiteral("%1 is gone").arg(CommandLine::printable(m_options.name)));
+        m_report.complain(QStringLiteral("%1 is gone").arg(CommandLine::printable(m_options.name)));
         m_files.clear();
     }
-    m_display.showEvent(QStringLiteral("Summary: %1, %2 new since the start, %3 gone, %4, %5")
-                            .arg(count(m_files.size(), "file"))
-                            .arg(missingIn(m_filesAtStart, m_files).size())
-                            .arg(missingIn(m_files, m_filesAtStart).size())
-                            .arg(count(m_bursts, "burst"), elapsed()));
+    m_report.showSummary({m_files.size(), missingIn(m_filesAtStart, m_files).size(),
+                          missingIn(m_files, m_filesAtStart).size(), m_bursts, m_namesLeftOut,
+                          m_clock.elapsed()});
     Q_EMIT finished(exitCode);
 }

@@ -1,25 +1,33 @@
 #ifndef EXAMPLES_MEDIUMWATCH_H
 #define EXAMPLES_MEDIUMWATCH_H
 
-#include "common/ProgressDisplay.h"
+#include "WatchReport.h"
+
+#include "common/EndSignals.h"
 
 #include <DirectoryWatcher.h>
 #include <MediaWatcher.h>
 #include <WildcardFilter.h>
 
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
 #include <QtCore/QObject>
+#include <QtCore/QScopedPointer>
 #include <QtCore/QSet>
+#include <QtCore/QSocketNotifier>
 #include <QtCore/QStringList>
 #include <QtCore/QThreadPool>
 #include <QtCore/QTimer>
+
+#include <sys/types.h>
 
 enum ExitCode
 {
     Ended = 0,
     WrongUsage = 2,
     NoMedium = 3,
-    MediumGone = 4
+    MediumGone = 4,
+    OutputLost = 5
 };
 
 struct WatchOptions
@@ -31,6 +39,7 @@ struct WatchOptions
     int delayInMs = 500;
     int idleInMs = 3000; // 0: idleness does not end the watch
     int bursts = 0;      // 0: no number of bursts ends the watch
+    bool isJson = false;
 };
 
 /*
@@ -39,6 +48,9 @@ struct WatchOptions
  * One DirectoryWatcher tells that a burst of changes is over; a second one, without delay, tells
  * that a change has come, so that a copy in progress is seen and keeps the watch alive. After a
  * burst a RecursiveFileSearchWorkerThread searches the medium in a thread pool.
+ *
+ * The watches of a folder go with its file system, and of a medium that is mounted over it they
+ * notice nothing. The kernel's table of mounts tells of both: the watches are made anew then.
  */
 class MediumWatch : public QObject
 {
@@ -54,6 +66,20 @@ Q_SIGNALS:
     void finished(int exitCode);
 
 private:
+    // Which folder a path leads to.
+    struct Place
+    {
+        dev_t device = 0;
+        ino_t inode = 0;
+        bool isMedium = false; // something is mounted there
+    };
+
+    static Place placeOf(const QString& folder);
+    void makeWatchers();
+    void watchMounts();
+    bool hasNewMedium();
+    void noteMounts();
+    void countNamesLeftOut();
     void listMedium(const QFileInfoList& entries);
     void noteChange();
     void noteEndOfBurst();
@@ -62,22 +88,24 @@ private:
     QStringList matchingFiles(const QStringList& entries) const;
     bool watchFolders(const QStringList& entries);
     bool watchFolder(const QString& folder);
-    void showFiles(const char* mark, const QStringList& files);
     void showDifferences(const QStringList& files);
     void settle();
     void startIdleTimer(int durationInMs);
-    QString endCondition() const;
     void showStatus();
     QString activity() const;
-    QString elapsed() const;
     void finish(ExitCode exitCode);
 
     const WatchOptions m_options;
     const WildcardFilter m_filter;
     MediaWatcher m_mediaWatcher;
-    DirectoryWatcher m_burstWatcher;
-    DirectoryWatcher m_changeWatcher;
-    ProgressDisplay m_display;
+    QScopedPointer<DirectoryWatcher> m_burstWatcher;
+    QScopedPointer<DirectoryWatcher> m_changeWatcher;
+    WatchReport m_report;
+    const EndSignals m_signals;
+    QScopedPointer<QSocketNotifier> m_endNotifier;
+    QFile m_mounts;
+    QScopedPointer<QSocketNotifier> m_mountNotifier;
+    Place m_place;
     QTimer m_idleTimer;
     QTimer m_statusTimer;
     QElapsedTimer m_clock;
@@ -88,6 +116,8 @@ private:
     bool m_isWatching = false;
     bool m_isSearching = false;
     bool m_mustSearchAgain = false;
+    bool m_mustList = false; // the next search finds the files of another medium
+    int m_namesLeftOut = 0;
     int m_bursts = 0;
     int m_shownBursts = 0;
     int m_changes = 0; // since the last burst

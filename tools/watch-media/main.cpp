@@ -55,15 +55,23 @@ const QCommandLineOption& burstsOption()
     return option;
 }
 
+const QCommandLineOption& jsonOption()
+{
+    static const QCommandLineOption option(
+        QStringLiteral("json"), QStringLiteral("Print one JSON object per line, for scripts."));
+    return option;
+}
+
 QString helpText(const QCommandLineParser& parser)
 {
     return parser.helpText() +
            QStringLiteral("\n"
                           "Exit codes:\n"
-                          "  0  ended by itself\n"
+                          "  0  ended by itself, or by Ctrl-C, SIGTERM or SIGHUP\n"
                           "  2  wrong usage\n"
                           "  3  FOLDER is missing, is no folder, or cannot be watched\n"
                           "  4  FOLDER was taken away\n"
+                          "  5  the output could not be written\n"
                           "\n"
                           "Example: a tree is copied in while the program watches.\n"
                           "  mkdir /tmp/medium\n"
@@ -85,6 +93,7 @@ bool readNumber(const QCommandLineParser& parser, const QCommandLineOption& opti
 // Reads everything but the folder.
 bool readOptions(const QCommandLineParser& parser, WatchOptions& options)
 {
+    options.isJson = parser.isSet(jsonOption());
     options.isRecursive = parser.isSet(recursiveOption());
     options.patterns = parser.values(patternOption());
     if (options.patterns.isEmpty()) {
@@ -118,18 +127,16 @@ int watch(const WatchOptions& options)
     return mediumWatch.start() ? QCoreApplication::exec() : NoMedium;
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+int run()
 {
-    const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "\nLists the files in FOLDER as on a medium that was just mounted, then shows "
         "what comes\nand goes. Changes are reported in bursts; hidden files are left "
-        "out."));
+        "out. A\nmedium may be unmounted, and another one mounted, at any time."));
     parser.addOptions({patternOption(), recursiveOption(), delayOption(), idleOption(),
-                       burstsOption(), CommandLine::helpOption(), CommandLine::versionOption()});
+                       burstsOption(), jsonOption(), CommandLine::helpOption(),
+                       CommandLine::versionOption()});
     parser.addPositionalArgument(QStringLiteral("FOLDER"), QStringLiteral("The folder to watch."));
 
     if (!parser.parse(QCoreApplication::arguments())) {
@@ -155,4 +162,13 @@ int main(int argc, char* argv[])
     options.name = parser.positionalArguments().constFirst();
     options.folder = QDir::cleanPath(QDir().absoluteFilePath(options.name));
     return checkFolder(options.name) ? watch(options) : NoMedium;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    CommandLine::flushBeforeWaiting();
+    return CommandLine::end(run(), OutputLost);
 }

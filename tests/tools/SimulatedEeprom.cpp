@@ -1,0 +1,67 @@
+// Loaded before a program, makes a file named "eeprom" behave as the one that the kernel shows for
+// an EEPROM. The environment says what happens, and when:
+//   EEPROM_LOG      a file that gets a line "OFFSET SIZE" for each write
+//   EEPROM_FAILS, EEPROM_SIGNALS, EEPROM_PROTECTS
+//                   offset of the write that fails, that SIGTERM comes with, that changes nothing
+#include <dlfcn.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+template <typename Function>
+Function* original(const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+bool isAt(const char* variable, off_t offset)
+{
+    const char* value = std::getenv(variable);
+    return value != nullptr && std::strtol(value, nullptr, 10) == offset;
+}
+
+void log(off_t offset, size_t size)
+{
+    if (FILE* file = std::fopen(std::getenv("EEPROM_LOG"), "a")) {
+        std::fprintf(file, "%ld %zu\n", long(offset), size);
+        std::fclose(file);
+    }
+}
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) int statfs(const char* path,
+                                                             struct statfs* result)
+{
+    const int status = original<int(const char*, struct statfs*)>("statfs")(path, result);
+    const char* name = std::strrchr(path, '/');
+    if (std::strcmp(name == nullptr ? path : name + 1, "eeprom") == 0) {
+        result->f_type = SYSFS_MAGIC;
+    }
+    return status;
+}
+
+extern "C" __attribute__((visibility("default"))) ssize_t pwrite(int file, const void* bytes,
+                                                                 size_t size, off_t offset)
+{
+    log(offset, size);
+    if (isAt("EEPROM_SIGNALS", offset)) {
+        std::raise(SIGTERM);
+    }
+    if (isAt("EEPROM_FAILS", offset)) {
+        errno = EREMOTEIO;
+        return -1;
+    }
+    if (isAt("EEPROM_PROTECTS", offset)) {
+        return ssize_t(size);
+    }
+    return original<ssize_t(int, const void*, size_t, off_t)>("pwrite")(file, bytes, size, offset);
+}

@@ -1,0 +1,33 @@
+#ifndef EXAMPLES_INILINT_FINDINGCOLLECTOR_H
+#define EXAMPLES_INILINT_FINDINGCOLLECTOR_H
+
+#include "Finding.h"
+#include "IniLines.h"
+
+struct Extent;
+
+// Takes the findings of all rules and turns their places in the text into lines and columns.
+class FindingCollector
+{
+public:
+    explicit FindingCollector(const QByteArray& text);
+
+    // A finding at the beginning of extent, or at a position in it.
+    void add(const Extent& extent, Severity severity, const char* rule, const QString& message);
+    void addAt(int position, const Extent& extent, Severity severity, const char* rule,
+               const QString& message);
+
+    // The findings, by line and column.
+    Findings sorted() const;
+
+private:
+    // In characters when the text is UTF-8, else in bytes.
+    int columnAt(int position) const;
+
+    const QByteArray m_text;
+    const LineNumbers m_numbers;
+    const bool m_isUtf8;
+    Findings m_findings;
+};
+
+#endif

@@ -1,0 +1,20 @@
+#ifndef EXAMPLES_INILINT_FINDINGFILTER_H
+#define EXAMPLES_INILINT_FINDINGFILTER_H
+
+#include "Finding.h"
+#include "IgnoreList.h"
+
+#include <QtCore/QStringList>
+
+// Which findings a run prints.
+struct FindingFilter
+{
+    Severity level = Severity::Warning; // the least
+    bool areRepeatsShown = false;
+    QStringList ignoredRules;
+    IgnoreList ignoreList;
+
+    Findings apply(const QString& filePath, const Findings& findings) const;
+};
+
+#endif

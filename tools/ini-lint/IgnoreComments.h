@@ -1,0 +1,36 @@
+#ifndef EXAMPLES_INILINT_IGNORECOMMENTS_H
+#define EXAMPLES_INILINT_IGNORECOMMENTS_H
+
+#include "FindingCollector.h"
+
+#include <QtCore/QSet>
+#include <QtCore/QStringList>
+
+/*
+ * The comments of a file that keep findings back: "; ini-lint: ignore RULE..." those of the next
+ * line that is neither empty nor a comment, "; ini-lint: ignore-file RULE..." those of the file.
+ */
+class IgnoreComments
+{
+public:
+    // Adds a finding for each comment that cannot be understood.
+    IgnoreComments(const QByteArray& text, FindingCollector& findings);
+
+    // The findings that are left.
+    Findings apply(const Findings& findings) const;
+
+private:
+    struct Rules
+    {
+        int line; // 0: of the whole file
+        QStringList names;
+    };
+
+    void addComment(const QByteArray& comment, const Extent& extent, FindingCollector& findings);
+    bool isIgnored(const Finding& finding) const;
+
+    QVector<Rules> m_rules;
+    QStringList m_pendingRules; // for the next line that is no comment
+};
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef EXAMPLES_INILINT_JSONREPORT_H
+#define EXAMPLES_INILINT_JSONREPORT_H
+
+#include "CleanUp.h"
+#include "Finding.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+#include <QtCore/QString>
+
+// The results as one JSON object.
+class JsonReport
+{
+public:
+    void addFindings(const QString& file, const Findings& findings);
+    void addChanges(const QString& file, const CleanUp::Changes& changes, bool isDone);
+    void addTrouble(const QString& file, const QString& trouble);
+
+    QJsonObject document() const;
+
+private:
+    QJsonArray m_files;
+};
+
+#endif

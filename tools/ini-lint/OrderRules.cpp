@@ -1,0 +1,88 @@
+#include "OrderRules.h"
+
+#include "IniReading.h"
+#include "NameRules.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QSet>
+
+#include <set>
+
+using NameRules::quoted;
+
+namespace {
+
+using Prefixes = std::set<QString>;
+
+Prefixes prefixesOf(const IniReading& reading)
+{
+    Prefixes result = {QString()};
+    for (const IniSection& section : reading.sections()) {
+        result.insert(section.prefix);
+    }
+    return result;
+}
+
+// The sections that have a key of each path.
+QHash<QString, QSet<QString>> holdersOf(const QVector<IniEntry>& entries)
+{
+    QHash<QString, QSet<QString>> result;
+    for (const IniEntry& entry : entries) {
+        result[entry.path()].insert(entry.prefix);
+    }
+    return result;
+}
+
+/*
+ * Whether the first look-up of a path has QSettings read a section that has it: of all names that
+ * is the last that does not sort after the path. A path with a slash never has the top level read.
+ */
+bool isFoundAtOnce(const QString& path, const Prefixes& prefixes, const QSet<QString>& holders)
+{
+    if (!path.contains(QLatin1Char('/'))) {
+        return holders.contains(QString());
+    }
+    const QString& section = *std::prev(prefixes.upper_bound(path));
+    return !section.isEmpty() && holders.contains(section);
+}
+
+// Of a key that several sections hold with different values.
+void checkSections(const QVector<IniEntry>& entries, FindingCollector& findings)
+{
+    QHash<QString, const IniEntry*> lasts;
+    for (const IniEntry& entry : entries) {
+        const IniEntry*& last = lasts[entry.path()];
+        if (last != nullptr && last->prefix != entry.prefix &&
+            last->value.texts() != entry.value.texts()) {
+            findings.add(entry.extent, Severity::Error, "read-order",
+                         QStringLiteral("%1 is given in another section, too, in line %2: which "
+                                        "value counts depends on what the program reads first")
+                             .arg(quoted(entry.path()))
+                             .arg(last->extent.first));
+        }
+        last = &entry;
+    }
+}
+
+} // namespace
+
+void OrderRules::check(const IniReading& reading, FindingCollector& findings)
+{
+    const Prefixes prefixes = prefixesOf(reading);
+    const QHash<QString, QSet<QString>> holders = holdersOf(reading.entries());
+    QSet<QString> paths; // that are checked; of duplicates the first is enough
+    for (const IniEntry& entry : reading.entries()) {
+        const QString path = entry.path();
+        if (entry.isCommentedOut() || NameRules::isUnreachable(path) || paths.contains(path)) {
+            continue;
+        }
+        paths.insert(path);
+        if (!isFoundAtOnce(path, prefixes, holders.value(path))) {
+            findings.add(entry.extent, Severity::Error, "read-order",
+                         QStringLiteral("a look-up of %1 fails until something else has had its "
+                                        "section read, such as a listing of the keys")
+                             .arg(quoted(path)));
+        }
+    }
+    checkSections(reading.entries(), findings);
+}

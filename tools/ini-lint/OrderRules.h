@@ -1,0 +1,15 @@
+#ifndef EXAMPLES_INILINT_ORDERRULES_H
+#define EXAMPLES_INILINT_ORDERRULES_H
+
+#include "FindingCollector.h"
+
+class IniReading;
+
+// The rules of values that depend on what a program has looked up before.
+namespace OrderRules {
+
+void check(const IniReading& reading, FindingCollector& findings);
+
+} // namespace OrderRules
+
+#endif

@@ -1,0 +1,24 @@
+#ifndef EXAMPLES_INILINT_SARIFREPORT_H
+#define EXAMPLES_INILINT_SARIFREPORT_H
+
+#include "Finding.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+#include <QtCore/QString>
+
+// The results as a log of SARIF 2.1.0, which code hosts and editors read.
+class SarifReport
+{
+public:
+    void addFindings(const QString& file, const Findings& findings);
+    void addTrouble(const QString& file, const QString& trouble);
+
+    QJsonObject document() const;
+
+private:
+    QJsonArray m_results;
+    QJsonArray m_notifications;
+};
+
+#endif

@@ -1,0 +1,15 @@
+#ifndef EXAMPLES_INILINT_STRAYRULES_H
+#define EXAMPLES_INILINT_STRAYRULES_H
+
+#include "FindingCollector.h"
+
+class IniReading;
+
+// The rules of the lines that are neither sections nor keys.
+namespace StrayRules {
+
+void check(const IniReading& reading, FindingCollector& findings);
+
+} // namespace StrayRules
+
+#endif

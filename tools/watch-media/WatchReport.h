@@ -1,0 +1,55 @@
+#ifndef WATCHMEDIA_WATCHREPORT_H
+#define WATCHMEDIA_WATCHREPORT_H
+
+#include "common/ProgressDisplay.h"
+
+#include <QtCore/QJsonObject>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+// What the program says: lines for people, or a JSON object per line for scripts.
+class WatchReport
+{
+public:
+    WatchReport(const QString& name, bool isJson);
+
+    struct Summary
+    {
+        int files;
+        int newFiles;
+        int goneFiles;
+        int bursts;
+        int namesLeftOut;
+        qint64 milliseconds;
+    };
+
+    // Whether there is a line that can be redrawn, and that line.
+    bool isLive() const { return m_display.isLive() && !m_isJson; }
+    void showStatus(const QString& text);
+
+    void showMedium(const QStringList& patterns, const QStringList& files);
+    void showWatching(int folders, int bursts, int idleInMs);
+    void showNew(const QStringList& files);
+    void showGone(const QStringList& files);
+    void showBurst(int number, int newFiles, int goneFiles, int files);
+    void showMediumRemoved();
+    void showMediumMounted();
+    void showNamesLeftOut(int count);
+    void showSummary(const Summary& summary);
+
+    void complain(const QString& trouble);
+
+    // "1 file", "2 files"; "0.4 s".
+    static QString count(int number, const char* what);
+    static QString seconds(qint64 milliseconds);
+
+private:
+    void show(const QString& line, const QString& event, QJsonObject members = QJsonObject());
+    void showFiles(const char* mark, const QString& event, const QStringList& files);
+
+    ProgressDisplay m_display;
+    const QString m_name; // of the folder
+    const bool m_isJson;
+};
+
+#endif
