@@ -62,6 +62,8 @@ private Q_SLOTS:
     void changesAsJson();
     void fullDisk();
     void terminalsShowTheFileThatIsWaitedFor();
+    void severitiesAreColoredOnATerminal_data();
+    void severitiesAreColoredOnATerminal();
     void refusesWhatItCannotUse_data();
     void refusesWhatItCannotUse();
     void helpNamesEveryExitCode();
@@ -888,6 +890,32 @@ void tst_IniLint::terminalsShowTheFileThatIsWaitedFor()
     for (const QByteArray& line : written.split('\r')) {
         QVERIFY2(line.size() < 60, line.constData());
     }
+}
+
+void tst_IniLint::severitiesAreColoredOnATerminal_data()
+{
+    QTest::addColumn<QStringList>("environment"); // arguments of env
+    QTest::addColumn<bool>("isColored");
+
+    const QStringList usual = {"-u", "NO_COLOR", "TERM=linux"};
+    QTest::newRow("a terminal") << usual << true;
+    QTest::newRow("NO_COLOR") << QStringList{"TERM=linux", "NO_COLOR=1"} << false;
+    QTest::newRow("NO_COLOR is empty") << QStringList{"TERM=linux", "NO_COLOR="} << true;
+    QTest::newRow("a terminal without colors")
+        << QStringList{"-u", "NO_COLOR", "TERM=dumb"} << false;
+}
+
+void tst_IniLint::severitiesAreColoredOnATerminal()
+{
+    QFETCH(QStringList, environment);
+    QFETCH(bool, isColored);
+    const QString sample = writeFile(file, "a=x, y\nb=off\n");
+    Terminal terminal(200);
+    const QByteArray written = terminal.run("env", environment + QStringList{program, sample});
+    const QByteArray error = isColored ? "\x1b[1;31merror\x1b[0m" : "error";
+    const QByteArray warning = isColored ? "\x1b[1;35mwarning\x1b[0m" : "warning";
+    QVERIFY2(written.contains(":1:4: " + error + ": for its comma"), written.constData());
+    QVERIFY2(written.contains(":2:3: " + warning + ": "), written.constData());
 }
 
 void tst_IniLint::refusesWhatItCannotUse_data()

@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_BUSYDISPLAY_H
-#define EXAMPLES_BUSYDISPLAY_H
+#ifndef TOOLS_COMMON_BUSYDISPLAY_H
+#define TOOLS_COMMON_BUSYDISPLAY_H
 
 #include "ProgressDisplay.h"
 

@@ -4,6 +4,8 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFileInfo>
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 
@@ -80,6 +82,12 @@ void CommandLine::flush()
 {
     std::fflush(stdout);
     noteOutputError();
+}
+
+bool CommandLine::isColored()
+{
+    return isatty(STDOUT_FILENO) != 0 && qEnvironmentVariableIsEmpty("NO_COLOR") &&
+           qgetenv("TERM") != "dumb";
 }
 
 void CommandLine::flushBeforeWaiting()

@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_COMMANDLINE_H
-#define EXAMPLES_COMMANDLINE_H
+#ifndef TOOLS_COMMON_COMMANDLINE_H
+#define TOOLS_COMMON_COMMANDLINE_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QCommandLineOption>
@@ -25,6 +25,10 @@ QString printable(const QString& text);
 void print(const QString& line);
 void write(const QByteArray& bytes);
 void flush();
+
+// Whether results may be colored: standard output is a terminal that knows colors, and the
+// environment variable NO_COLOR is not set or empty.
+bool isColored();
 
 // For a program with an event loop: flushes whenever the loop waits.
 void flushBeforeWaiting();

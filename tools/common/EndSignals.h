@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_ENDSIGNALS_H
-#define EXAMPLES_ENDSIGNALS_H
+#ifndef TOOLS_COMMON_ENDSIGNALS_H
+#define TOOLS_COMMON_ENDSIGNALS_H
 
 #include <csignal>
 

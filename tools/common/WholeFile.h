@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_WHOLEFILE_H
-#define EXAMPLES_WHOLEFILE_H
+#ifndef TOOLS_COMMON_WHOLEFILE_H
+#define TOOLS_COMMON_WHOLEFILE_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>

@@ -1,5 +1,5 @@
-#ifndef DEVICEREPORT_REPORT_H
-#define DEVICEREPORT_REPORT_H
+#ifndef TOOLS_DEVICEREPORT_REPORT_H
+#define TOOLS_DEVICEREPORT_REPORT_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QJsonValue>

@@ -1,5 +1,5 @@
-#ifndef EXITCODE_H
-#define EXITCODE_H
+#ifndef TOOLS_EEPROMIMAGE_EXITCODE_H
+#define TOOLS_EEPROMIMAGE_EXITCODE_H
 
 // What the program tells a script; the numbers stand in its help and must not change.
 enum class ExitCode

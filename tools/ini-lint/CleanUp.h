@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_CLEANUP_H
-#define EXAMPLES_INILINT_CLEANUP_H
+#ifndef TOOLS_INILINT_CLEANUP_H
+#define TOOLS_INILINT_CLEANUP_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>

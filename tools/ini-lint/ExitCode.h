@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_EXITCODE_H
-#define EXAMPLES_INILINT_EXITCODE_H
+#ifndef TOOLS_INILINT_EXITCODE_H
+#define TOOLS_INILINT_EXITCODE_H
 
 // What the program tells a script; the numbers stand in its help and must not change.
 enum ExitCode

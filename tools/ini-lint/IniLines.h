@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_INILINES_H
-#define EXAMPLES_INILINT_INILINES_H
+#ifndef TOOLS_INILINT_INILINES_H
+#define TOOLS_INILINT_INILINES_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QVector>

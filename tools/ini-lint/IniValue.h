@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_INIVALUE_H
-#define EXAMPLES_INILINT_INIVALUE_H
+#ifndef TOOLS_INILINT_INIVALUE_H
+#define TOOLS_INILINT_INIVALUE_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QStringList>

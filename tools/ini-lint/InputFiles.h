@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_INPUTFILES_H
-#define EXAMPLES_INILINT_INPUTFILES_H
+#ifndef TOOLS_INILINT_INPUTFILES_H
+#define TOOLS_INILINT_INPUTFILES_H
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>

@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_JSONREPORT_H
-#define EXAMPLES_INILINT_JSONREPORT_H
+#ifndef TOOLS_INILINT_JSONREPORT_H
+#define TOOLS_INILINT_JSONREPORT_H
 
 #include "CleanUp.h"
 #include "Finding.h"

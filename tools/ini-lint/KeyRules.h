@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_KEYRULES_H
-#define EXAMPLES_INILINT_KEYRULES_H
+#ifndef TOOLS_INILINT_KEYRULES_H
+#define TOOLS_INILINT_KEYRULES_H
 
 #include "FindingCollector.h"
 

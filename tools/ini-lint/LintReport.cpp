@@ -9,6 +9,17 @@
 
 namespace {
 
+// In bold red, magenta or cyan, as compilers color their messages.
+QString shownSeverity(Severity severity)
+{
+    const QString name = Severities::name(severity);
+    if (!CommandLine::isColored()) {
+        return name;
+    }
+    const int color = severity == Severity::Error ? 31 : severity == Severity::Warning ? 35 : 36;
+    return QStringLiteral("\x1b[1;%1m%2\x1b[0m").arg(QString::number(color), name);
+}
+
 // As compilers print it.
 QString compilerLine(const QString& file, const Finding& finding)
 {
@@ -17,7 +28,7 @@ QString compilerLine(const QString& file, const Finding& finding)
                                 : QString();
     return QStringLiteral("%1:%2:%3: %4: %5%6 [%7]")
         .arg(CommandLine::printable(file), QString::number(finding.line),
-             QString::number(finding.column), Severities::name(finding.severity), finding.message,
+             QString::number(finding.column), shownSeverity(finding.severity), finding.message,
              repeats, finding.rule);
 }
 

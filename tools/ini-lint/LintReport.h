@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_LINTREPORT_H
-#define EXAMPLES_INILINT_LINTREPORT_H
+#ifndef TOOLS_INILINT_LINTREPORT_H
+#define TOOLS_INILINT_LINTREPORT_H
 
 #include "Finding.h"
 #include "JsonReport.h"

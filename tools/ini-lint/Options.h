@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_OPTIONS_H
-#define EXAMPLES_INILINT_OPTIONS_H
+#ifndef TOOLS_INILINT_OPTIONS_H
+#define TOOLS_INILINT_OPTIONS_H
 
 #include "FindingFilter.h"
 #include "LintReport.h"

@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_SEVERITY_H
-#define EXAMPLES_INILINT_SEVERITY_H
+#ifndef TOOLS_INILINT_SEVERITY_H
+#define TOOLS_INILINT_SEVERITY_H
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>

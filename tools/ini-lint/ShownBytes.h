@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_INILINT_SHOWNBYTES_H
-#define EXAMPLES_INILINT_SHOWNBYTES_H
+#ifndef TOOLS_INILINT_SHOWNBYTES_H
+#define TOOLS_INILINT_SHOWNBYTES_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>

@@ -28,22 +28,25 @@ QString helpText(const QCommandLineParser& parser)
                      .arg(QLatin1String(rule.summary));
     }
     return parser.helpText() + QStringLiteral("\nRules:\n") + rules +
-           QStringLiteral("\n"
-                          "A comment in a file omits findings, too: '; ini-lint: ignore RULE...' "
-                          "those of\n"
-                          "the next line, '; ini-lint: ignore-file RULE...' those of the file.\n"
-                          "\n"
-                          "Exit codes:\n"
-                          "  0  nothing was found; with --clean: every FILE is clean now\n"
-                          "  1  something was found; with --clean --dry-run: some lines would "
-                          "change\n"
-                          "  2  wrong usage, or a FILE cannot be read or written, or the output not "
-                           "written\n"
-                          "\n"
-                          "Examples:\n"
-                          "  ini-lint --ignore semicolon /orvalis/*.ini\n"
-                          "  ini-lint --pattern '*.conf' --pattern '*.ini' /etc\n"
-                          "  ini-lint --clean --dry-run settings.ini");
+           QStringLiteral(
+               "\n"
+               "A comment in a file omits findings, too: '; ini-lint: ignore RULE...' "
+               "those of\n"
+               "the next line, '; ini-lint: ignore-file RULE...' those of the file.\n"
+               "\n"
+               "Severities are colored on a terminal, unless NO_COLOR is set.\n"
+               "\n"
+               "Exit codes:\n"
+               "  0  nothing was found; with --clean: every FILE is clean now\n"
+               "  1  something was found; with --clean --dry-run: some lines would "
+               "change\n"
+               "  2  wrong usage, or a FILE cannot be read or written, or the output not "
+               "written\n"
+               "\n"
+               "Examples:\n"
+               "  ini-lint --ignore semicolon /orvalis/*.ini\n"
+               "  ini-lint --pattern '*.conf' --pattern '*.ini' /etc\n"
+               "  ini-lint --clean --dry-run settings.ini");
 }
 
 void clean(const QString& filePath, const QByteArray& text, const Options& options,

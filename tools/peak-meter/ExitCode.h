@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_PEAKMETER_EXITCODE_H
-#define EXAMPLES_PEAKMETER_EXITCODE_H
+#ifndef TOOLS_PEAKMETER_EXITCODE_H
+#define TOOLS_PEAKMETER_EXITCODE_H
 
 // What the program tells a script; the numbers stand in its help and must not change.
 enum ExitCode

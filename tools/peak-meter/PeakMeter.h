@@ -1,5 +1,5 @@
-#ifndef EXAMPLES_PEAKMETER_PEAKMETER_H
-#define EXAMPLES_PEAKMETER_PEAKMETER_H
+#ifndef TOOLS_PEAKMETER_PEAKMETER_H
+#define TOOLS_PEAKMETER_PEAKMETER_H
 
 #include "ExitCode.h"
 #include "LineSplitter.h"
