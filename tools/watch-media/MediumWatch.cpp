@@ -338,7 +338,7 @@ QString MediumWatch::activity() const
         return QStringLiteral("searching");
     }
     if (m_changes > 0) {
-        return QStringLiteral("changing: ") + WatchReport::count(m_changes, "notice");
+        return QStringLiteral("changing: ") + WatchReport::count(m_changes, "change");
     }
     if (m_idleTimer.isActive()) {
         return QStringLiteral("quiet, ends in ") +
