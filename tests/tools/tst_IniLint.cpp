@@ -14,8 +14,8 @@
 namespace {
 
 const QString program = QStringLiteral(INI_LINT_PROGRAM);
-const QString hint = QStringLiteral("ini-lint: try --help\n");
-const QString file = QStringLiteral("file.ini");
+const QString hint = "ini-lint: try --help\n";
+const QString file = "file.ini";
 
 QByteArray toJson(const char* text)
 {
@@ -81,9 +81,8 @@ private:
     // Byte by byte.
     QByteArray cleanUpDiff(const QString& name) const
     {
-        const QString output = QStringLiteral("output.diff");
-        ProgramRun(QStringLiteral("sh"),
-                   {"-c", "\"$0\" --clean --dry-run \"$1\" >\"$2\"", program, name, output},
+        const QString output = "output.diff";
+        ProgramRun("sh", {"-c", "\"$0\" --clean --dry-run \"$1\" >\"$2\"", program, name, output},
                    folder())
             .finish();
         const QByteArray diff = readFile(path(output));
@@ -374,7 +373,7 @@ void tst_IniLint::codecs_data()
 
     const QByteArray utf8 = "a=\xC3\xA4\n";
     const QByteArray latin1 = "a=\xE4\n";
-    const QStringList codec{QStringLiteral("--codec")};
+    const QStringList codec{"--codec"};
     QTest::newRow("UTF-8, none")
         << QStringList() << utf8
         << QString::fromUtf8("file.ini:1:3: error: the value's bytes are UTF-8, but they are "
@@ -448,14 +447,12 @@ void tst_IniLint::repeatsAreCounted()
                        "an empty value are false [boolean-word]\n");
     // A warning does not hide an error of the same rule.
     verifyRun({file}, 1,
-              QStringLiteral("file.ini:1:4: error: ") +
-                  text.arg("1", " (and 2 more in this file)") +
-                  QStringLiteral("file.ini:2:5: warning: ") + text.arg("1", "") + word);
+              "file.ini:1:4: error: " + text.arg("1", " (and 2 more in this file)") +
+                  "file.ini:2:5: warning: " + text.arg("1", "") + word);
     verifyRun({"--all", file}, 1,
-              QStringLiteral("file.ini:1:4: error: ") + text.arg("1", "") +
-                  QStringLiteral("file.ini:2:5: warning: ") + text.arg("1", "") +
-                  QStringLiteral("file.ini:3:4: error: ") + text.arg("1", "") + word +
-                  QStringLiteral("file.ini:5:3: error: ") + text.arg("", ""));
+              "file.ini:1:4: error: " + text.arg("1", "") + "file.ini:2:5: warning: " +
+                  text.arg("1", "") + "file.ini:3:4: error: " + text.arg("1", "") + word +
+                  "file.ini:5:3: error: " + text.arg("", ""));
 }
 
 void tst_IniLint::commentsIgnoreFindings_data()
@@ -534,7 +531,7 @@ void tst_IniLint::listsIgnoreFindings()
         QVERIFY(QDir(folder()).mkpath(QFileInfo(QLatin1String(name)).path()));
         writeFile(QLatin1String(name), "a=off\nb=1;2\n");
     }
-    writeFile(QStringLiteral("list.txt"), list);
+    writeFile("list.txt", list);
     const ProgramResult result = run({"--ignore-list", "list.txt", "a/one.ini", "b c/two.ini"});
     QStringList found = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (QString& line : found) {
@@ -559,12 +556,12 @@ void tst_IniLint::refusesBrokenLists()
 {
     QFETCH(QByteArray, list);
     QFETCH(QString, error);
-    writeFile(QStringLiteral("list.txt"), list);
+    writeFile("list.txt", list);
     writeFile(file, "");
     verifyRun({"--ignore-list=list.txt", file}, 2, QString(),
-              QStringLiteral("ini-lint: ") + error + QLatin1Char('\n') + hint);
+              "ini-lint: " + error + QLatin1Char('\n') + hint);
     verifyRun({"--ignore-list=none.txt", file}, 2, QString(),
-              QStringLiteral("ini-lint: none.txt: No such file or directory\n") + hint);
+              "ini-lint: none.txt: No such file or directory\n" + hint);
 }
 
 void tst_IniLint::standardInput()
@@ -577,24 +574,23 @@ void tst_IniLint::standardInput()
 
     ProgramRun dryRun(program, {"--clean", "--dry-run", "-"}, folder());
     dryRun.write("a=1,2\n");
-    verifyResult(dryRun.finish(), 1,
-                 QStringLiteral("--- <stdin>\n+++ <stdin>\n@@ -1,1 +1,1 @@\n-a=1,2\n+a=1 2\n"));
+    verifyResult(dryRun.finish(), 1, "--- <stdin>\n+++ <stdin>\n@@ -1,1 +1,1 @@\n-a=1,2\n+a=1 2\n");
 
-    writeFile(QStringLiteral("-"), "a=1,2\n"); // which is not meant
+    writeFile("-", "a=1,2\n"); // which is not meant
     ProgramRun clean(program, {"--clean", "-"}, folder());
     clean.write("a=1,2\n");
     verifyResult(clean.finish(), 2, QString(),
-                 QStringLiteral("ini-lint: <stdin>: only a file can be cleaned up\n"));
+                 "ini-lint: <stdin>: only a file can be cleaned up\n");
     QCOMPARE(readFile(path(QStringLiteral("-"))), QByteArray("a=1,2\n"));
 }
 
 void tst_IniLint::directories()
 {
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("d/b/.c")));
+    QVERIFY(QDir(folder()).mkpath("d/b/.c"));
     for (const char* name : {"d/z.ini", "d/b/y.ini", "d/b/.c/.x.ini", "d/b/w.conf", "d/ini"}) {
         writeFile(QLatin1String(name), "a=1;2\n");
     }
-    QVERIFY(QFile::link(QStringLiteral(".."), path(QStringLiteral("d/b/up.ini"))));
+    QVERIFY(QFile::link("..", path("d/b/up.ini")));
     QCOMPARE(mkfifo(qPrintable(path(QStringLiteral("d/pipe.ini"))), 0600), 0);
 
     const auto filesOf = [this](const QStringList& arguments) {
@@ -623,9 +619,9 @@ void tst_IniLint::unreadableDirectories()
     const QStringList unprivileged =
         geteuid() == 0 ? QStringList{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}
                        : QStringList{"env"};
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("d/closed")));
-    writeFile(QStringLiteral("d/a.ini"), "a=1;2\n");
-    writeFile(QStringLiteral("d/closed/b.ini"), "a=1;2\n");
+    QVERIFY(QDir(folder()).mkpath("d/closed"));
+    writeFile("d/a.ini", "a=1;2\n");
+    writeFile("d/closed/b.ini", "a=1;2\n");
     QCOMPARE(chmod(qPrintable(folder()), 0755), 0);
     QCOMPARE(chmod(qPrintable(path(QStringLiteral("d/closed"))), 0), 0);
     const ProgramResult result =
@@ -640,8 +636,8 @@ void tst_IniLint::unreadableDirectories()
 
 void tst_IniLint::severalFiles()
 {
-    writeFile(QStringLiteral("a.ini"), "a=off\n");
-    writeFile(QStringLiteral("b\n.ini"), "b=no\n");
+    writeFile("a.ini", "a=off\n");
+    writeFile("b\n.ini", "b=no\n");
     const QString a =
         QStringLiteral("a.ini:1:3: warning: as a boolean 'off' is true: only '0', 'false' and an "
                        "empty value are false [boolean-word]\n");
@@ -651,13 +647,13 @@ void tst_IniLint::severalFiles()
     verifyRun({"a.ini", "b\n.ini"}, 1, a + b);
     // What cannot be read does not stop the rest.
     verifyRun({"none.ini", "a.ini", "b\n.ini"}, 2, a + b,
-              QStringLiteral("ini-lint: none.ini: No such file or directory\n"));
+              "ini-lint: none.ini: No such file or directory\n");
 }
 
 void tst_IniLint::findingsAsJson()
 {
-    writeFile(QStringLiteral("a.ini"), "a=off\nb=1;2\nc=no\n");
-    writeFile(QStringLiteral("b.ini"), "");
+    writeFile("a.ini", "a=off\nb=1;2\nc=no\n");
+    writeFile("b.ini", "");
     const ProgramResult result = run({"--format=json", "a.ini", "b.ini", "none.ini"});
     QCOMPARE(QJsonDocument::fromJson(result.output.toUtf8()).toJson(), toJson(R"({"files": [
         {"file": "a.ini", "findings": [
@@ -676,7 +672,7 @@ void tst_IniLint::findingsAsJson()
 // The members that the schema of SARIF 2.1.0 requires, and those that code hosts read.
 void tst_IniLint::findingsAsSarif()
 {
-    writeFile(QStringLiteral("a b.ini"), "a=off\nb=1;2\nc=no\n");
+    writeFile("a b.ini", "a=off\nb=1;2\nc=no\n");
     const ProgramResult result = run({"--format=sarif", "a b.ini", "none.ini"});
     QCOMPARE(result.exitCode, 2);
     const QJsonObject log = QJsonDocument::fromJson(result.output.toUtf8()).object();
@@ -693,7 +689,7 @@ void tst_IniLint::findingsAsSarif()
         QVERIFY(!text.value("text").toString().isEmpty());
     }
     QCOMPARE(rules.size(), 22);
-    QVERIFY(rules.contains(QStringLiteral("boolean-word")));
+    QVERIFY(rules.contains("boolean-word"));
 
     QCOMPARE(QJsonDocument(sarifRun.value("results").toArray()).toJson(), toJson(R"([
         {"ruleId": "boolean-word", "level": "warning", "occurrenceCount": 2,
@@ -709,9 +705,9 @@ void tst_IniLint::findingsAsSarif()
             {"level": "error", "message": {"text": "No such file or directory"},
              "locations": [{"physicalLocation": {"artifactLocation": {"uri": "none.ini"}}}]}]}])"));
 
-    const ProgramResult absolute = run({"--format=sarif", path(QStringLiteral("a b.ini"))});
-    QVERIFY(absolute.output.contains(QStringLiteral("\"uri\": \"file:///")));
-    QVERIFY(absolute.output.contains(QStringLiteral("\"executionSuccessful\": true")));
+    const ProgramResult absolute = run({"--format=sarif", path("a b.ini")});
+    QVERIFY(absolute.output.contains("\"uri\": \"file:///"));
+    QVERIFY(absolute.output.contains("\"executionSuccessful\": true"));
     QCOMPARE(absolute.exitCode, 1);
 }
 
@@ -770,20 +766,19 @@ void tst_IniLint::patchAcceptsTheDiff_data()
 
 void tst_IniLint::patchAcceptsTheDiff()
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("patch")).isEmpty()) {
+    if (QStandardPaths::findExecutable("patch").isEmpty()) {
         MISCTOOLS_SKIP("patch is not installed");
     }
     QFETCH(QByteArray, text);
 
     for (const char* name : {"file.ini", "a \"b\"\\\n\xC3\xA4.ini"}) {
         const QString patched = QString::fromUtf8(name);
-        writeFile(QStringLiteral("cleaned.ini"), text);
+        writeFile("cleaned.ini", text);
         QCOMPARE(run({"--clean", "cleaned.ini"}).exitCode, 0);
         writeFile(patched, text);
-        writeFile(QStringLiteral("changes.diff"), cleanUpDiff(patched));
+        writeFile("changes.diff", cleanUpDiff(patched));
         const ProgramResult result =
-            ProgramRun(QStringLiteral("patch"), {"--strip=0", "--input=changes.diff"}, folder())
-                .finish();
+            ProgramRun("patch", {"--strip=0", "--input=changes.diff"}, folder()).finish();
         QVERIFY2(result.exitCode == 0, qPrintable(result.output + result.errors));
         QVERIFY(QFile::exists(path(patched)));
         QCOMPARE(readFile(path(patched)), readFile(path(QStringLiteral("cleaned.ini"))));
@@ -815,12 +810,11 @@ void tst_IniLint::cleanFilesAreNotWritten()
 void tst_IniLint::cleanSaysWhatItCannotDo()
 {
     verifyRun({"--clean", "none.ini"}, 2, QString(),
-              QStringLiteral("ini-lint: none.ini: No such file or directory\n"));
+              "ini-lint: none.ini: No such file or directory\n");
     ProgramRun pipe(program, {"--clean", "/dev/stdin"}, folder());
     pipe.write("a=1,2\n");
     const ProgramResult result = pipe.finish();
-    QCOMPARE(result.errors,
-             QStringLiteral("ini-lint: /dev/stdin: only a file can be cleaned up\n"));
+    QCOMPARE(result.errors, "ini-lint: /dev/stdin: only a file can be cleaned up\n");
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 2);
 
@@ -831,8 +825,7 @@ void tst_IniLint::cleanSaysWhatItCannotDo()
 
     writeFile(file, "a=1,2\n");
     const ProgramResult without =
-        ProgramRun(QStringLiteral("env"), {"TMPDIR=/none", program, "--clean", file}, folder())
-            .finish();
+        ProgramRun("env", {"TMPDIR=/none", program, "--clean", file}, folder()).finish();
     QCOMPARE(without.errors,
              QStringLiteral("ini-lint: file.ini: there can be no copy in the folder "
                             "for temporary files\n"));
@@ -862,18 +855,15 @@ void tst_IniLint::fullDisk()
 {
     writeFile(file, "a=off\n");
     const ProgramResult result =
-        ProgramRun(QStringLiteral("sh"), {"-c", "\"$0\" \"$1\" >/dev/full", program, file},
-                   folder())
-            .finish();
-    QCOMPARE(result.errors,
-             QStringLiteral("ini-lint: cannot write standard output: No space left on device\n"));
+        ProgramRun("sh", {"-c", "\"$0\" \"$1\" >/dev/full", program, file}, folder()).finish();
+    QCOMPARE(result.errors, "ini-lint: cannot write standard output: No space left on device\n");
     QCOMPARE(result.exitCode, 2);
 }
 
 void tst_IniLint::terminalsShowTheFileThatIsWaitedFor()
 {
     // Nobody writes into the pipe yet: the program waits for it as for a file of any size.
-    const QString pipe = path(QStringLiteral("pipe.ini"));
+    const QString pipe = path("pipe.ini");
     QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
     const QString before = writeFile(file, "a=off\n");
 

@@ -211,7 +211,7 @@ void tst_IniRules::readsAsQSettings()
 
 void tst_IniRules::namesAreWrittenAsByQSettings()
 {
-    const QString filePath = path(QStringLiteral("written.ini"));
+    const QString filePath = path("written.ini");
     for (int code = 1; code < 0x180; ++code) {
         const QString name = QStringLiteral("n") + QChar(code) + QStringLiteral("e");
         QByteArray line = IniReading::writtenName(name) + "=x\n";
@@ -221,7 +221,7 @@ void tst_IniRules::namesAreWrittenAsByQSettings()
         QFile::remove(filePath);
         {
             QSettings settings(filePath, QSettings::IniFormat);
-            settings.setValue(name, QStringLiteral("x"));
+            settings.setValue(name, "x");
         }
         QCOMPARE(readFile(filePath), "[General]\n" + line);
         // What QSettings writes may surprise, but is right.
@@ -239,8 +239,8 @@ void tst_IniRules::rulesStandInTheirOrder()
                            [](const IniRules::Rule& left, const IniRules::Rule& right) {
                                return qstrcmp(left.name, right.name) < 0;
                            }));
-    QVERIFY(IniRules::contains(QStringLiteral("semicolon")));
-    QVERIFY(!IniRules::contains(QStringLiteral("colon")));
+    QVERIFY(IniRules::contains("semicolon"));
+    QVERIFY(!IniRules::contains("colon"));
 }
 
 void tst_IniRules::marksOfStoredObjects_data()
@@ -266,7 +266,7 @@ void tst_IniRules::marksOfStoredObjects()
     QFETCH(bool, isOther);
 
     const QByteArray text = "k=" + value + "\n";
-    const QSettings settings(writeFile(QStringLiteral("marks.ini"), text), QSettings::IniFormat);
+    const QSettings settings(writeFile("marks.ini", text), QSettings::IniFormat);
     const QString plain =
         IniReading(text, nullptr).entries().constFirst().value.texts().constFirst();
     QCOMPARE(settings.value(QStringLiteral("k")) != QVariant(plain), isOther);
@@ -275,8 +275,7 @@ void tst_IniRules::marksOfStoredObjects()
 
 void tst_IniRules::commaMakesATextEmpty()
 {
-    const QSettings settings(writeFile(QStringLiteral("list.ini"), "a=1,2\nb=@x,y\nc=,\n"),
-                             QSettings::IniFormat);
+    const QSettings settings(writeFile("list.ini", "a=1,2\nb=@x,y\nc=,\n"), QSettings::IniFormat);
     for (const char* key : {"a", "b", "c"}) {
         QCOMPARE(settings.value(QLatin1String(key)).toString(), QString());
         QVERIFY(settings.contains(QLatin1String(key)));
@@ -285,19 +284,18 @@ void tst_IniRules::commaMakesATextEmpty()
 
 void tst_IniRules::generalIsTheTopLevel()
 {
-    const QSettings settings(
-        writeFile(QStringLiteral("general.ini"), "[gEneral]\na=1\n[%General]\nb=2\n"),
-        QSettings::IniFormat);
+    const QSettings settings(writeFile("general.ini", "[gEneral]\na=1\n[%General]\nb=2\n"),
+                             QSettings::IniFormat);
     QCOMPARE(settings.value(QStringLiteral("a")).toString(), QStringLiteral("1"));
-    QVERIFY(!settings.contains(QStringLiteral("General/a")));
-    QCOMPARE(settings.value(QStringLiteral("General/b")).toString(), QStringLiteral("2"));
+    QVERIFY(!settings.contains("General/a"));
+    QCOMPARE(settings.value(QStringLiteral("General/b")).toString(), "2");
 }
 
 void tst_IniRules::wordsAndNumbers()
 {
     const QByteArray text = "a=off\nb=No\nc=disabled\nd=false\ne=0\nf=\ng=2147483647\n"
                             "h=2147483648\ni=-2147483649\nj=99999999999999999999\nk=4294967301\n";
-    const QSettings settings(writeFile(QStringLiteral("words.ini"), text), QSettings::IniFormat);
+    const QSettings settings(writeFile("words.ini", text), QSettings::IniFormat);
     const Findings findings = IniRules::check(text, nullptr);
     int line = 0;
     for (const QString& key : settings.allKeys()) {
@@ -326,8 +324,8 @@ void tst_IniRules::wordsAndNumbers()
 void tst_IniRules::sectionReadFirstLosesItsDuplicate()
 {
     const QByteArray text = "[A]\nB\\k=one\n[A/B]\nk=two\n";
-    const QString both = QStringLiteral("A/B/k");
-    const QSettings settings(writeFile(QStringLiteral("order1.ini"), text), QSettings::IniFormat);
+    const QString both = "A/B/k";
+    const QSettings settings(writeFile("order1.ini", text), QSettings::IniFormat);
     // The first look-up has the section read that the key's path begins with, the second one more.
     QCOMPARE(settings.value(both).toString(), QStringLiteral("two"));
     QCOMPARE(settings.value(both).toString(), QStringLiteral("one"));
@@ -339,10 +337,10 @@ void tst_IniRules::sectionReadFirstLosesItsDuplicate()
 void tst_IniRules::nestedSectionsHideKeys()
 {
     const QByteArray text = "[A]\na=1\nz=2\n[A/b]\n";
-    const QString hidden = QStringLiteral("A/z");
-    const QSettings settings(writeFile(QStringLiteral("hidden.ini"), text), QSettings::IniFormat);
+    const QString hidden = "A/z";
+    const QSettings settings(writeFile("hidden.ini", text), QSettings::IniFormat);
     QVERIFY(!settings.contains(hidden));
-    QVERIFY(settings.contains(QStringLiteral("A/a")));
+    QVERIFY(settings.contains("A/a"));
     QVERIFY(settings.contains(hidden));
 
     const Findings findings = IniRules::check(text, nullptr);

@@ -17,14 +17,12 @@
 namespace {
 
 const QString program = QStringLiteral(PEAK_METER_PROGRAM);
-const QString hint = QStringLiteral("peak-meter: try --help\n");
-const QStringList withFile = {QStringLiteral("--file"), QStringLiteral("peaks.json")};
+const QString hint = "peak-meter: try --help\n";
+const QStringList withFile = {"--file", "peaks.json"};
 
 QString withoutDates(QString output)
 {
-    return output.replace(
-        QRegularExpression(QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d")),
-        QStringLiteral("DATE"));
+    return output.replace(QRegularExpression("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d"), "DATE");
 }
 
 QString record(const QString& title, const QString& minimum, const QString& maximum)
@@ -37,12 +35,12 @@ QString record(const QString& title, const QString& minimum, const QString& maxi
 
 QString sinceReset(const QString& minimum, const QString& maximum)
 {
-    return record(QStringLiteral("since the last reset"), minimum, maximum);
+    return record("since the last reset", minimum, maximum);
 }
 
 QString ever(const QString& minimum, const QString& maximum)
 {
-    return record(QStringLiteral("ever"), minimum, maximum);
+    return record("ever", minimum, maximum);
 }
 
 QByteArray recordJson(const char* minimum, const char* maximum, const char* date)
@@ -90,7 +88,7 @@ private Q_SLOTS:
 
 private:
     ProgramResult run(const QStringList& arguments, const QByteArray& input = QByteArray()) const;
-    QString peaks() const { return path(QStringLiteral("peaks.json")); }
+    QString peaks() const { return path("peaks.json"); }
     DragIndicator keptRecords() const;
 };
 
@@ -119,7 +117,7 @@ void tst_PeakMeter::takesValues_data()
     QTest::addColumn<QString>("output");
     QTest::addColumn<QString>("errors");
 
-    const QString title = QStringLiteral("in this run");
+    const QString title = "in this run";
     QTest::newRow("nothing") << QByteArray() << 0
                              << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
                              << "";
@@ -253,22 +251,21 @@ void tst_PeakMeter::manyExtremesNeedFewSystemCalls()
     for (int value = 1; value <= values; ++value) {
         input += QByteArray::number(value) + '\n';
     }
-    writeFile(QStringLiteral("input"), input);
+    writeFile("input", input);
     struct rusage before = {};
     getrusage(RUSAGE_CHILDREN, &before);
     // What the shell's ended children did counts as its own.
     const ProgramResult result =
-        ProgramRun(QStringLiteral("sh"),
-                   {"-c", "unset TZ; \"$0\" <input && grep syscw /proc/$$/io", program}, folder())
+        ProgramRun("sh", {"-c", "unset TZ; \"$0\" <input && grep syscw /proc/$$/io", program},
+                   folder())
             .finish();
     struct rusage after = {};
     getrusage(RUSAGE_CHILDREN, &after);
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.output.count(QStringLiteral("maximum ")), values + 1);
-    QVERIFY(result.output.contains(QStringLiteral("Summary: 50000 values, ")));
+    QVERIFY(result.output.contains("Summary: 50000 values, "));
 
-    const QRegularExpressionMatch writes =
-        QRegularExpression(QStringLiteral("syscw: (\\d+)")).match(result.output);
+    const QRegularExpressionMatch writes = QRegularExpression("syscw: (\\d+)").match(result.output);
     QVERIFY(writes.hasMatch());
     QVERIFY2(writes.captured(1).toInt() < values / 10, qPrintable(writes.captured(1)));
     const auto milliseconds = [](const timeval& from, const timeval& to) {
@@ -298,7 +295,7 @@ void tst_PeakMeter::printsJson()
                                      {"isMinimum", true},
                                      {"isMaximum", false}}));
     QJsonObject summary = object(2);
-    QJsonObject range = summary.value(QStringLiteral("sinceReset")).toObject();
+    QJsonObject range = summary.value("sinceReset").toObject();
     QCOMPARE(summary.value(QStringLiteral("ever")).toObject(), range);
     for (const char* date : {"minimumDate", "maximumDate"}) {
         // The date is replaced by run().
@@ -317,7 +314,7 @@ void tst_PeakMeter::printsJson()
 void tst_PeakMeter::terminalsGetJsonAlone()
 {
     Terminal terminal(60);
-    terminal.start(program, {QStringLiteral("--json")});
+    terminal.start(program, {"--json"});
     terminal.write("5\n");
     QVERIFY(terminal.waitForText("\"extreme\""));
     const QByteArray written = terminal.finish();
@@ -332,10 +329,8 @@ void tst_PeakMeter::goesOnFromTheFile()
     QCOMPARE(run(withFile, "5e-324\n0.1\n").exitCode, 0);
     const ProgramResult result = run(withFile, "0.05\n-1e308\n");
     QCOMPARE(result.errors, QString());
-    QCOMPARE(result.output,
-             QStringLiteral("line 2: new minimum -1e+308\nSummary: 2 values, 0 lines refused\n") +
-                 sinceReset(QStringLiteral("-1e+308"), QStringLiteral("0.1")) +
-                 ever(QStringLiteral("-1e+308"), QStringLiteral("0.1")));
+    QCOMPARE(result.output, "line 2: new minimum -1e+308\nSummary: 2 values, 0 lines refused\n" +
+                                sinceReset("-1e+308", "0.1") + ever("-1e+308", "0.1"));
     QCOMPARE(result.exitCode, 0);
 
     // Without a change the file is not written again.
@@ -345,29 +340,26 @@ void tst_PeakMeter::goesOnFromTheFile()
     QCOMPARE(readFile(peaks()), kept);
     QCOMPARE(QFileInfo(peaks()).lastModified(), written);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-             QStringList(QStringLiteral("peaks.json")));
+             QStringList("peaks.json"));
 }
 
 void tst_PeakMeter::resetClearsOneRecord()
 {
     QCOMPARE(run(withFile, "1\n9\n").exitCode, 0);
-    const ProgramResult result = run(withFile + QStringList(QStringLiteral("--reset")), "4\n5\n");
+    const ProgramResult result = run(withFile + QStringList("--reset"), "4\n5\n");
     QCOMPARE(result.output, QStringLiteral("line 1: new minimum and maximum 4\n"
                                            "line 2: new maximum 5\n"
                                            "Summary: 2 values, 0 lines refused\n") +
-                                sinceReset(QStringLiteral("4"), QStringLiteral("5")) +
-                                ever(QStringLiteral("1"), QStringLiteral("9")));
+                                sinceReset("4", "5") + ever("1", "9"));
     QCOMPARE(run(withFile).output, QStringLiteral("Summary: 0 values, 0 lines refused\n") +
-                                       sinceReset(QStringLiteral("4"), QStringLiteral("5")) +
-                                       ever(QStringLiteral("1"), QStringLiteral("9")));
+                                       sinceReset("4", "5") + ever("1", "9"));
 }
 
 void tst_PeakMeter::resetAloneIsKept()
 {
     QCOMPARE(run(withFile, "1\n9\n").exitCode, 0);
     const QString expected =
-        QStringLiteral("Summary: 0 values, 0 lines refused\nsince the last reset: no value\n") +
-        ever(QStringLiteral("1"), QStringLiteral("9"));
+        "Summary: 0 values, 0 lines refused\nsince the last reset: no value\n" + ever("1", "9");
     QCOMPARE(run(withFile + QStringList(QStringLiteral("--reset"))).output, expected);
     const ProgramResult result = run(withFile);
     QCOMPARE(result.errors, QString());
@@ -385,7 +377,7 @@ void tst_PeakMeter::resetAloneIsKept()
 void tst_PeakMeter::readsDatesInTheOlderForm()
 {
     const QByteArray older = recordJson("1", "9", "Fri Mar 1 12:30:05 2024");
-    writeFile(QStringLiteral("peaks.json"), '[' + older + ',' + older + ']');
+    writeFile("peaks.json", '[' + older + ',' + older + ']');
     QCOMPARE(run(withFile, "5\n").exitCode, 0);
     QCOMPARE(readFile(peaks()).count("\"2024-03-01T12:30:05\""), 4);
 }
@@ -397,7 +389,7 @@ void tst_PeakMeter::leavesADamagedFileAlone_data()
 
     const QByteArray sound = recordJson("1", "9", "2024-03-01T12:30:05");
     const QByteArray whole = '[' + sound + ',' + sound + ']';
-    const QString unsound = QStringLiteral("it does not hold two sound records");
+    const QString unsound = "it does not hold two sound records";
     const auto with = [&sound](const QByteArray& record) {
         return '[' + sound + ',' + record + ']';
     };
@@ -427,38 +419,34 @@ void tst_PeakMeter::leavesADamagedFileAlone()
     QFETCH(QByteArray, content);
     QFETCH(QString, reason);
 
-    writeFile(QStringLiteral("peaks.json"), content);
-    for (const QStringList& arguments :
-         {withFile, withFile + QStringList(QStringLiteral("--reset"))}) {
+    writeFile("peaks.json", content);
+    for (const QStringList& arguments : {withFile, withFile + QStringList("--reset")}) {
         const ProgramResult result = run(arguments, "5\n");
         QCOMPARE(result.errors, QStringLiteral("peak-meter: cannot restore from peaks.json: ") +
-                                    reason + QStringLiteral("; the file is left as it is\n"));
+                                    reason + "; the file is left as it is\n");
         QCOMPARE(result.output, QString());
         QCOMPARE(result.exitCode, 3);
     }
     QCOMPARE(readFile(peaks()), content);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-             QStringList(QStringLiteral("peaks.json")));
+             QStringList("peaks.json"));
 }
 
 // The folder goes while values come; what is known by then is said nevertheless.
 void tst_PeakMeter::saysWhenItCannotSave()
 {
-    QVERIFY(QDir().mkpath(path(QStringLiteral("medium"))));
-    ProgramRun programRun(program, {QStringLiteral("-f"), QStringLiteral("medium/peaks.json")},
-                          folder());
+    QVERIFY(QDir().mkpath(path("medium")));
+    ProgramRun programRun(program, {"-f", "medium/peaks.json"}, folder());
     programRun.write("1\n");
-    QVERIFY(programRun.waitForOutput(QStringLiteral("line 1")));
-    QVERIFY(QDir(path(QStringLiteral("medium"))).removeRecursively());
+    QVERIFY(programRun.waitForOutput("line 1"));
+    QVERIFY(QDir(path("medium")).removeRecursively());
     programRun.write("2\n");
     const ProgramResult result = programRun.finish();
-    QCOMPARE(
-        result.errors,
-        QStringLiteral("peak-meter: cannot write medium/peaks.json: No such file or directory\n"));
+    QCOMPARE(result.errors,
+             "peak-meter: cannot write medium/peaks.json: No such file or directory\n");
     QCOMPARE(withoutDates(result.output), QStringLiteral("line 1: new minimum and maximum 1\n"
                                                          "Summary: 2 values, 0 lines refused\n") +
-                                              sinceReset(QStringLiteral("1"), QStringLiteral("2")) +
-                                              ever(QStringLiteral("1"), QStringLiteral("2")));
+                                              sinceReset("1", "2") + ever("1", "2"));
     QCOMPARE(result.exitCode, 4);
 }
 
@@ -467,12 +455,11 @@ void tst_PeakMeter::keepsTheFileWhenTheDiskIsFull()
 {
     QCOMPARE(run(withFile, "1\n").exitCode, 0);
     const QByteArray kept = readFile(peaks());
-    const QString limited = QStringLiteral("trap '' XFSZ; ulimit -f 0; exec \"$0\" \"$@\"");
-    ProgramRun programRun(QStringLiteral("/bin/sh"),
-                          QStringList{QStringLiteral("-c"), limited, program} + withFile, folder());
+    const QString limited = "trap '' XFSZ; ulimit -f 0; exec \"$0\" \"$@\"";
+    ProgramRun programRun("/bin/sh", QStringList{"-c", limited, program} + withFile, folder());
     programRun.write("2\n");
     const ProgramResult result = programRun.finish();
-    QVERIFY2(result.errors.startsWith(QStringLiteral("peak-meter: cannot write peaks.json: ")),
+    QVERIFY2(result.errors.startsWith("peak-meter: cannot write peaks.json: "),
              qPrintable(result.errors));
     QCOMPARE(result.exitCode, 4);
     QCOMPARE(readFile(peaks()), kept);
@@ -482,7 +469,7 @@ void tst_PeakMeter::oneRunAtATime()
 {
     ProgramRun first(program, withFile, folder());
     first.write("1\n");
-    QVERIFY(first.waitForOutput(QStringLiteral("line 1")));
+    QVERIFY(first.waitForOutput("line 1"));
     const ProgramResult second = run(withFile, "2\n");
     QCOMPARE(second.errors, QStringLiteral("peak-meter: cannot restore from peaks.json: another "
                                            "peak-meter uses it\n"));
@@ -508,7 +495,7 @@ void tst_PeakMeter::aKilledRunLosesNothingThatItShowed()
     const int runs = isEmulated() ? 10 : 40;
     constexpr int valuesPerRun = 300;
 
-    const QRegularExpression shown(QStringLiteral("new (?:minimum and )?maximum (\\d+)\n"));
+    const QRegularExpression shown("new (?:minimum and )?maximum (\\d+)\n");
     int cut = 0;
     for (int i = 0; i < runs; ++i) {
         const int first = i * valuesPerRun + 1;
@@ -562,22 +549,21 @@ void tst_PeakMeter::signalsEndItInGoodOrder()
 
     ProgramRun programRun(program, withFile, folder());
     programRun.write("1\n2\n");
-    QVERIFY(programRun.waitForOutput(QStringLiteral("line 2")));
+    QVERIFY(programRun.waitForOutput("line 2"));
     programRun.send(signalNumber);
-    QVERIFY(programRun.waitForOutput(QStringLiteral("ever:")));
+    QVERIFY(programRun.waitForOutput("ever:"));
     const ProgramResult result = programRun.finish();
     QCOMPARE(result.errors, QString());
-    QVERIFY2(withoutDates(result.output).endsWith(ever(QStringLiteral("1"), QStringLiteral("2"))),
-             qPrintable(result.output));
+    QVERIFY2(withoutDates(result.output).endsWith(ever("1", "2")), qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-             QStringList(QStringLiteral("peaks.json")));
+             QStringList("peaks.json"));
 }
 
 void tst_PeakMeter::terminalsGetALineThatIsRedrawn()
 {
     Terminal terminal(60);
-    terminal.start(program, {QStringLiteral("-f"), peaks()});
+    terminal.start(program, {"-f", peaks()});
     QVERIFY(terminal.waitForText("\rno value yet"));
     const QPair<QByteArray, QByteArray> steps[] = {
         {"1", "1 [-----------------|----------------] 1  now 1"},
@@ -597,13 +583,12 @@ void tst_PeakMeter::terminalsGetALineThatIsRedrawn()
     QVERIFY2(!written.contains("new m"), written.constData());
     // Nothing of the drawn lines is left behind.
     const QByteArray screen = Terminal::screenAfter(written).join('\n');
-    QCOMPARE(withoutDates(QString::fromUtf8(screen)),
-             QStringLiteral("Summary: 7 values, 0 lines refused\n") +
-                 sinceReset(QStringLiteral("-1e+308"), QStringLiteral("1e+308")) +
-                 ever(QStringLiteral("-1e+308"), QStringLiteral("1e+308")));
+    QCOMPARE(withoutDates(QString::fromUtf8(screen)), "Summary: 7 values, 0 lines refused\n" +
+                                                          sinceReset("-1e+308", "1e+308") +
+                                                          ever("-1e+308", "1e+308"));
 
     // What was kept is drawn before any value comes.
-    terminal.start(program, {QStringLiteral("-f"), peaks()});
+    terminal.start(program, {"-f", peaks()});
     QVERIFY(terminal.waitForText("\r-1e+308 [-----------------------] 1e+308"));
     terminal.finish();
 }
@@ -652,7 +637,7 @@ void tst_PeakMeter::terminalLinesFit()
 
 void tst_PeakMeter::verboseShowsWhatTheLibraryLogs()
 {
-    writeFile(QStringLiteral("peaks.json"), "[]");
+    writeFile("peaks.json", "[]");
     QCOMPARE(run(withFile + QStringList(QStringLiteral("--verbose"))).errors,
              QStringLiteral("peak-meter: log: DragIndicator: Received invalid count for drag "
                             "indicator instances: 0 , 2 !\n"
@@ -697,7 +682,7 @@ void tst_PeakMeter::refusesWhatItCannotUse()
     QFETCH(QString, errors);
 
     ProgramRun programRun(program, arguments, folder());
-    QVERIFY(!programRun.waitForOutput(QStringLiteral("never")));
+    QVERIFY(!programRun.waitForOutput("never"));
     const ProgramResult result = programRun.finish();
     QCOMPARE(result.errors, errors);
     QCOMPARE(result.output, QString());
@@ -723,10 +708,7 @@ void tst_PeakMeter::saysWhenThereIsNoInput()
     QFETCH(QString, reason);
 
     const ProgramResult result =
-        ProgramRun(QStringLiteral("sh"),
-                   {QStringLiteral("-c"), QStringLiteral("exec \"$0\" ") + redirection, program},
-                   folder())
-            .finish();
+        ProgramRun("sh", {"-c", "exec \"$0\" " + redirection, program}, folder()).finish();
     QCOMPARE(result.errors,
              QStringLiteral("peak-meter: cannot read standard input: %1\n").arg(reason));
     QCOMPARE(result.exitCode, 5);
@@ -734,7 +716,7 @@ void tst_PeakMeter::saysWhenThereIsNoInput()
 
 void tst_PeakMeter::helpNamesEveryExitCode()
 {
-    const ProgramResult result = run({QStringLiteral("--help")});
+    const ProgramResult result = run({"--help"});
     QCOMPARE(result.errors, QString());
     QVERIFY2(
         result.output.contains(QStringLiteral(

@@ -12,7 +12,7 @@
 namespace {
 
 const QString program = QStringLiteral(RUN_AND_GREP_PROGRAM);
-const QString hint = QStringLiteral("run-and-grep: try --help\n");
+const QString hint = "run-and-grep: try --help\n";
 
 // A process that nobody has waited for yet is over, too.
 bool isOver(int pid)
@@ -100,9 +100,8 @@ void tst_RunAndGrep::matchesAFile()
     QFETCH(int, exitCode);
     QFETCH(QString, output);
 
-    writeFile(QStringLiteral("text"),
-              "alpha\r\nbeta version=1.2\nx-dash version=3 caf\xc3\xa9 .\n");
-    verifyRun(options + QStringList(QStringLiteral("text")), exitCode, output, QString());
+    writeFile("text", "alpha\r\nbeta version=1.2\nx-dash version=3 caf\xc3\xa9 .\n");
+    verifyRun(options + QStringList("text"), exitCode, output, QString());
 }
 
 void tst_RunAndGrep::runsACommand_data()
@@ -153,28 +152,23 @@ void tst_RunAndGrep::runsACommand()
     QFETCH(QString, output);
     QFETCH(QString, errors);
 
-    writeFile(QStringLiteral("text"), "a\n");
+    writeFile("text", "a\n");
     verifyRun(arguments, exitCode, output, errors);
 }
 
 void tst_RunAndGrep::keepsTheOutput()
 {
-    writeFile(QStringLiteral("kept"), "something older that is longer\n");
-    verifyRun({QStringLiteral("--output"), QStringLiteral("kept"), QStringLiteral("-e"),
-               QStringLiteral("none"), QStringLiteral("--"), QStringLiteral("echo"),
-               QString::fromUtf8("\xc3\xa9")},
-              1, QString(), QStringLiteral("run-and-grep: echo ended with exit code 0\n"));
+    writeFile("kept", "something older that is longer\n");
+    verifyRun({"--output", "kept", "-e", "none", "--", "echo", QString::fromUtf8("\xc3\xa9")}, 1,
+              QString(), "run-and-grep: echo ended with exit code 0\n");
     QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("\xc3\xa9\n"));
-    QCOMPARE(QDir(folder()).entryList(QDir::Files | QDir::Hidden),
-             QStringList(QStringLiteral("kept")));
+    QCOMPARE(QDir(folder()).entryList(QDir::Files | QDir::Hidden), QStringList("kept"));
 }
 
 void tst_RunAndGrep::keepsTheOldFileWhenTheCommandFails()
 {
-    writeFile(QStringLiteral("kept"), "older\n");
-    const ProgramResult result =
-        run({QStringLiteral("--output"), QStringLiteral("kept"), QStringLiteral("-e"),
-             QStringLiteral("older"), QStringLiteral("--"), QStringLiteral("no-such-program")});
+    writeFile("kept", "older\n");
+    const ProgramResult result = run({"--output", "kept", "-e", "older", "--", "no-such-program"});
     QCOMPARE(result.exitCode, 3);
     QCOMPARE(result.output, QString());
     QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("older\n"));
@@ -183,8 +177,7 @@ void tst_RunAndGrep::keepsTheOldFileWhenTheCommandFails()
 void tst_RunAndGrep::leavesNothingBehind()
 {
     // The row's folder takes the temporary files as well.
-    const ProgramResult result = run({QStringLiteral("-e"), QStringLiteral("."),
-                                      QStringLiteral("--"), QStringLiteral("ls"), folder()});
+    const ProgramResult result = run({"-e", ".", "--", "ls", folder()});
     QCOMPARE(result.exitCode, 1);
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
@@ -193,8 +186,7 @@ void tst_RunAndGrep::leavesNothingBehind()
 void tst_RunAndGrep::needsNoFolderForTemporaryFiles()
 {
     const ProgramResult result =
-        ProgramRun(program, {"-e", "a", "--", "echo", "a"}, folder(), QStringLiteral("/none"))
-            .finish();
+        ProgramRun(program, {"-e", "a", "--", "echo", "a"}, folder(), "/none").finish();
     QCOMPARE(result.output, QStringLiteral("a\n"));
     QCOMPARE(result.exitCode, 0);
 }
@@ -202,16 +194,15 @@ void tst_RunAndGrep::needsNoFolderForTemporaryFiles()
 // The program in the file "spawn" and a child of it write their numbers into "pids", and wait.
 void tst_RunAndGrep::writeSpawner(const QByteArray& beforeWaiting)
 {
-    writeFile(QStringLiteral("spawn"),
-              "mkfifo never; " + beforeWaiting +
-                  "; (echo >>pids $(exec sh -c 'echo $PPID'); read x <never) &\n"
-                  "echo $$ >>pids; read x <never\n");
+    writeFile("spawn", "mkfifo never; " + beforeWaiting +
+                           "; (echo >>pids $(exec sh -c 'echo $PPID'); read x <never) &\n"
+                           "echo $$ >>pids; read x <never\n");
 }
 
 QList<int> tst_RunAndGrep::spawned() const
 {
     QList<int> pids;
-    for (const QByteArray& line : readFile(path(QStringLiteral("pids"))).split('\n')) {
+    for (const QByteArray& line : readFile(path("pids")).split('\n')) {
         if (!line.isEmpty()) {
             pids.append(line.toInt());
         }
@@ -248,7 +239,7 @@ void tst_RunAndGrep::signalsReachWhatTheCommandHasStarted()
     QTRY_COMPARE(spawned().size(), 2);
     run.send(number);
     verifyResult(run.finish(), 128 + number, QString(),
-                 QStringLiteral("run-and-grep: interrupted; sh was stopped\n"));
+                 "run-and-grep: interrupted; sh was stopped\n");
     verifyNothingRuns(spawned());
 }
 
@@ -256,13 +247,13 @@ void tst_RunAndGrep::timeoutReachesWhatTheCommandHasStarted()
 {
     writeSpawner(":");
     verifyRun({"-e", "a", "--timeout", "1500", "--", "sh", "spawn"}, 3, QString(),
-              QStringLiteral("run-and-grep: sh did not end within 1500 ms and was stopped\n"));
+              "run-and-grep: sh did not end within 1500 ms and was stopped\n");
     verifyNothingRuns(spawned());
 }
 
 void tst_RunAndGrep::killedRunTakesTheCommandAlong()
 {
-    writeFile(QStringLiteral("wait"), "mkfifo never; echo $$ >pids; read x <never");
+    writeFile("wait", "mkfifo never; echo $$ >pids; read x <never");
     ProgramRun run(program, {"-e", "a", "--", "sh", "wait"}, folder());
     QTRY_COMPARE(spawned().size(), 1);
     run.send(SIGKILL);
@@ -290,18 +281,18 @@ void tst_RunAndGrep::dashIsStandardInput()
 {
     ProgramRun run(program, {"-e", "b.*", "-"}, folder());
     run.write("a\nb1\n");
-    verifyResult(run.finish(), 0, QStringLiteral("b1\n"));
+    verifyResult(run.finish(), 0, "b1\n");
 }
 
 void tst_RunAndGrep::outputOnStandardOutput()
 {
-    verifyRun({"--output", "-", "-e", "b", "--", "echo", "abc"}, 0, QStringLiteral("abc\nb\n"),
-              QStringLiteral("run-and-grep: echo ended with exit code 0\n"));
+    verifyRun({"--output", "-", "-e", "b", "--", "echo", "abc"}, 0, "abc\nb\n",
+              "run-and-grep: echo ended with exit code 0\n");
 }
 
 void tst_RunAndGrep::outputReplacesOnlyFiles()
 {
-    const QString pipe = path(QStringLiteral("pipe"));
+    const QString pipe = path("pipe");
     QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
     verifyRun({"--output", "pipe", "-e", "a", "--", "echo", "a"}, 5, QString(),
               QStringLiteral("run-and-grep: cannot write pipe: it is no regular file and is not "
@@ -313,19 +304,17 @@ void tst_RunAndGrep::outputReplacesOnlyFiles()
 
 void tst_RunAndGrep::zeroByteEndsWhatIsSearched()
 {
-    verifyRun({"--output", "kept", "-e", "[ab]", "--", "printf", "a\\0b"}, 0, QStringLiteral("a\n"),
-              QStringLiteral("run-and-grep: printf ended with exit code 0\n"));
+    verifyRun({"--output", "kept", "-e", "[ab]", "--", "printf", "a\\0b"}, 0, "a\n",
+              "run-and-grep: printf ended with exit code 0\n");
     QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("a\0b", 3));
 }
 
 void tst_RunAndGrep::stopsACommandThatTakesTooLong()
 {
     const ProgramResult result =
-        run({QStringLiteral("-e"), QStringLiteral("a"), QStringLiteral("--timeout"),
-             QStringLiteral("1000"), QStringLiteral("--"), QStringLiteral("sh"),
-             QStringLiteral("-c"), QStringLiteral("echo $$ >pid; exec sleep 60")});
+        run({"-e", "a", "--timeout", "1000", "--", "sh", "-c", "echo $$ >pid; exec sleep 60"});
     QCOMPARE(result.exitCode, 3);
-    const int pid = readFile(path(QStringLiteral("pid"))).trimmed().toInt();
+    const int pid = readFile(path("pid")).trimmed().toInt();
     QVERIFY(pid > 0);
     QVERIFY(kill(pid, 0) == -1 && errno == ESRCH);
 }
@@ -336,7 +325,7 @@ void tst_RunAndGrep::terminalsShowWhatIsWaitedFor_data()
     QTest::addColumn<QByteArray>("status");
     QTest::addColumn<QByteArray>("last"); // of the lines on the screen
 
-    const QString pipe = QStringLiteral("pipe");
+    const QString pipe = "pipe";
     QTest::newRow("program") << QStringList{"-e", "a", "--", "cat", pipe}
                              << QByteArray("s: running cat, for 30 s at most")
                              << QByteArray("run-and-grep: cat ended with exit code 0");
@@ -368,9 +357,7 @@ void tst_RunAndGrep::terminalsShowWhatIsWaitedFor()
 
 void tst_RunAndGrep::verboseShowsWhatTheLibraryLogs()
 {
-    verifyRun({QStringLiteral("--verbose"), QStringLiteral("-e"), QStringLiteral("a"),
-               QStringLiteral("none")},
-              5, QString(),
+    verifyRun({"--verbose", "-e", "a", "none"}, 5, QString(),
               QStringLiteral("run-and-grep: log: TextFileParser: \"File doesn't exists: none\"\n"
                              "run-and-grep: cannot read none: no such file\n"));
 }
@@ -425,14 +412,14 @@ void tst_RunAndGrep::refusesWhatItCannotUse()
     QFETCH(int, exitCode);
     QFETCH(QString, errors);
 
-    writeFile(QStringLiteral("text"), "a\n");
+    writeFile("text", "a\n");
     verifyRun(arguments, exitCode, QString(), errors);
     QCOMPARE(QDir(folder()).entryList(QDir::Files), QStringList(QStringLiteral("text")));
 }
 
 void tst_RunAndGrep::helpNamesEveryExitCode()
 {
-    const ProgramResult result = run({QStringLiteral("--help")});
+    const ProgramResult result = run({"--help"});
     QCOMPARE(result.errors, QString());
     QVERIFY2(result.output.contains(QStringLiteral(
                  "\nExit codes:\n"

@@ -36,17 +36,15 @@ QString part(const QString& text, const QString& begin, const QString& end)
 // Of a line such as "  -e, --expression <EXPRESSION>  Print ...".
 QStringList optionsOfHelp(const QString& help)
 {
-    return linesOf(help, QStringLiteral("^  (-\\w), --")) +
-           linesOf(help, QStringLiteral("^  (?:-\\w, )?(--[a-z][a-z-]*)"));
+    return linesOf(help, "^  (-\\w), --") + linesOf(help, "^  (?:-\\w, )?(--[a-z][a-z-]*)");
 }
 
 // Of a line such as ".It Fl e , Fl -expression Ar EXPRESSION".
 QStringList optionsOfPage(const QString& page)
 {
-    return linesOf(page, QStringLiteral("^\\.It Fl (\\w) ,"))
-               .replaceInStrings(QRegularExpression(QStringLiteral("^")), QStringLiteral("-")) +
-           linesOf(page, QStringLiteral("^\\.It Fl (?:\\w , Fl )?(-[a-z][a-z-]*)"))
-               .replaceInStrings(QRegularExpression(QStringLiteral("^")), QStringLiteral("-"));
+    return linesOf(page, "^\\.It Fl (\\w) ,").replaceInStrings(QRegularExpression("^"), "-") +
+           linesOf(page, "^\\.It Fl (?:\\w , Fl )?(-[a-z][a-z-]*)")
+               .replaceInStrings(QRegularExpression("^"), "-");
 }
 
 } // namespace
@@ -94,7 +92,7 @@ QStringList tst_ToolPages::programs()
 {
     QStringList result;
     for (const QString& name : QDir(tools).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (QFile::exists(tools + QLatin1Char('/') + name + QStringLiteral("/main.cpp"))) {
+        if (QFile::exists(tools + QLatin1Char('/') + name + "/main.cpp")) {
             result.append(name);
         }
     }
@@ -117,8 +115,7 @@ QString tst_ToolPages::page(const QString& program)
 
 QString tst_ToolPages::help(const QString& program) const
 {
-    return ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program, {QStringLiteral("--help")},
-                      folder())
+    return ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program, {"--help"}, folder())
         .finish()
         .output;
 }
@@ -131,10 +128,7 @@ QStringList tst_ToolPages::completed(const QStringList& words) const
                        "_misctools \"$1\"\n"
                        "printf '%s\\n' \"${COMPREPLY[@]}\"");
     const ProgramResult result =
-        ProgramRun(QStringLiteral("bash"),
-                   QStringList{QStringLiteral("--norc"), QStringLiteral("-c"), script,
-                               completion + QStringLiteral("bash")} +
-                       words,
+        ProgramRun("bash", QStringList{"--norc", "-c", script, completion + "bash"} + words,
                    folder())
             .finish();
     if (result.exitCode != 0 || !result.errors.isEmpty()) {
@@ -150,7 +144,7 @@ void tst_ToolPages::everyProgramHasAPage()
 {
     QCOMPARE(programs().size(), 6);
     QStringList pages = QDir(QStringLiteral(PROJECT_FOLDER "/docs/man")).entryList(QDir::Files);
-    pages.replaceInStrings(QRegularExpression(QStringLiteral("\\.1$")), QString());
+    pages.replaceInStrings(QRegularExpression("\\.1$"), QString());
     QCOMPARE(pages, programs());
 }
 
@@ -166,16 +160,14 @@ void tst_ToolPages::helpAndPageAgree()
     const QString page = this->page(program);
     QVERIFY(page.contains(QStringLiteral("\n.Nm %1\n").arg(program)));
 
-    QVERIFY2(optionsOfHelp(help).contains(QStringLiteral("--help")), qPrintable(help));
+    QVERIFY2(optionsOfHelp(help).contains("--help"), qPrintable(help));
     QCOMPARE(optionsOfPage(page), optionsOfHelp(help));
 
-    const QStringList exitCodes =
-        linesOf(part(help, QStringLiteral("Exit codes:"), QStringLiteral("Example")),
-                QStringLiteral("^ +(\\d+)  \\S"));
+    const QStringList exitCodes = linesOf(part(help, "Exit codes:", "Example"), "^ +(\\d+)  \\S");
     QVERIFY2(exitCodes.size() > 2, qPrintable(help));
-    QCOMPARE(linesOf(part(page, QStringLiteral(".Sh EXIT STATUS"), QStringLiteral(".Sh EXAMPLES")),
-                     QStringLiteral("^\\.It (\\d+)$")),
-             exitCodes);
+    QCOMPARE(
+        linesOf(part(page, QStringLiteral(".Sh EXIT STATUS"), ".Sh EXAMPLES"), "^\\.It (\\d+)$"),
+        exitCodes);
 }
 
 void tst_ToolPages::helpAndCompletionAgree_data()
@@ -186,11 +178,11 @@ void tst_ToolPages::helpAndCompletionAgree_data()
 void tst_ToolPages::helpAndCompletionAgree()
 {
     QFETCH(QString, program);
-    QStringList offered = completed({program, QStringLiteral("-")});
+    QStringList offered = completed({program, "-"});
     // Each command of the program has options of its own.
-    if (program == QStringLiteral("eeprom-image")) {
+    if (program == "eeprom-image") {
         for (const QString& command : completed({program, QString()})) {
-            offered += completed({program, command, QStringLiteral("-")});
+            offered += completed({program, command, "-"});
         }
         offered.removeDuplicates();
     }
@@ -240,30 +232,28 @@ void tst_ToolPages::shellsOfferTheSame()
     QFETCH(QStringList, words);
     const QString file = completion + shell;
     QStringList offered;
-    if (shell == QStringLiteral("zsh")) {
+    if (shell == "zsh") {
         // What it would hand to the function that completes options.
         const QString script =
             QStringLiteral("_arguments() { print -l -- \"$@\" }; _normal() { }\n"
                            "service=$2 words=(\"${@:2}\" -) CURRENT=$#; source $1");
         offered = outputOf(shell, QStringList{"-f", "-c", script, "zsh", file} + words)
-                      .filter(QRegularExpression(QStringLiteral("^\\*-")))
-                      .replaceInStrings(QRegularExpression(QStringLiteral("^\\*(-[a-z-]+).*")),
-                                        QStringLiteral("\\1"));
-    } else if (shell == QStringLiteral("bash")) {
+                      .filter(QRegularExpression("^\\*-"))
+                      .replaceInStrings(QRegularExpression("^\\*(-[a-z-]+).*"), "\\1");
+    } else if (shell == "bash") {
         // Half a word leaves a part of them.
-        offered = completed(words + QStringList(QStringLiteral("--"))) +
-                  completed(words + QStringList(QStringLiteral("-")))
-                      .filter(QRegularExpression(QStringLiteral("^-\\w$")));
+        offered = completed(words + QStringList("--")) +
+                  completed(words + QStringList("-")).filter(QRegularExpression("^-\\w$"));
     } else {
         const QString script = QStringLiteral("source $argv[1]; complete -C \"$argv[2] -\"\n"
                                               "complete -C \"$argv[2] --\"");
         offered = outputOf(shell, {"--no-config", "-c", script, file, words.join(QLatin1Char(' '))})
-                      .filter(QRegularExpression(QStringLiteral("^-")))
-                      .replaceInStrings(QRegularExpression(QStringLiteral("[=\t].*")), QString());
+                      .filter(QRegularExpression("^-"))
+                      .replaceInStrings(QRegularExpression("[=\t].*"), QString());
     }
     offered.removeDuplicates();
     offered.sort();
-    QStringList expected = completed(words + QStringList(QStringLiteral("-")));
+    QStringList expected = completed(words + QStringList("-"));
     expected.sort();
     QVERIFY(expected.size() >= 4);
     QCOMPARE(offered, expected);
@@ -277,16 +267,15 @@ void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo_data()
 void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo()
 {
     QFETCH(QString, program);
-    const QString table =
-        QString::fromUtf8(readFile(tools + QStringLiteral("/completion/options")));
-    const QString row = QStringLiteral("^%1[^|]*\\|(?:-\\w,)?(--[a-z-]+)\\|%2\\|");
+    const QString table = QString::fromUtf8(readFile(tools + "/completion/options"));
+    const QString row = "^%1[^|]*\\|(?:-\\w,)?(--[a-z-]+)\\|%2\\|";
     const QString help = this->help(program);
-    const QString inHelp = QStringLiteral("^  (?:-\\w, )?(--[a-z][a-z-]*)%1");
+    const QString inHelp = "^  (?:-\\w, )?(--[a-z][a-z-]*)%1";
     QCOMPARE(linesOf(table, row.arg(program, QStringLiteral("[^|]+"))),
-             linesOf(help, inHelp.arg(QStringLiteral(" <?[A-Z]"))));
-    QStringList others = linesOf(help, inHelp.arg(QStringLiteral("(?! <?[A-Z])(?![a-z-])")));
-    others.removeOne(QStringLiteral("--help"));
-    others.removeOne(QStringLiteral("--version"));
+             linesOf(help, inHelp.arg(" <?[A-Z]")));
+    QStringList others = linesOf(help, inHelp.arg("(?! <?[A-Z])(?![a-z-])"));
+    others.removeOne("--help");
+    others.removeOne("--version");
     QCOMPARE(linesOf(table, row.arg(program, QString())), others);
 }
 
@@ -294,13 +283,13 @@ void tst_ToolPages::commandsOfTheImageProgram_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<QStringList>("options"); // beside those of every command
-    QTest::newRow("create") << QStringLiteral("create")
+    QTest::newRow("create") << "create"
                             << QStringList{"--allow-overlap", "--fill", "--in-place", "--size",
                                            "--start"};
-    QTest::newRow("show") << QStringLiteral("show") << QStringList{"--json", "--verbose"};
-    QTest::newRow("verify") << QStringLiteral("verify") << QStringList();
-    QTest::newRow("dump") << QStringLiteral("dump") << QStringList();
-    QTest::newRow("extract") << QStringLiteral("extract") << QStringList();
+    QTest::newRow("show") << "show" << QStringList{"--json", "--verbose"};
+    QTest::newRow("verify") << "verify" << QStringList();
+    QTest::newRow("dump") << "dump" << QStringList();
+    QTest::newRow("extract") << "extract" << QStringList();
 }
 
 void tst_ToolPages::commandsOfTheImageProgram()
@@ -308,37 +297,35 @@ void tst_ToolPages::commandsOfTheImageProgram()
     QFETCH(QString, command);
     QFETCH(QStringList, options);
 
-    const QString program = QStringLiteral("eeprom-image");
+    const QString program = "eeprom-image";
     QVERIFY(completed({program, QString()}).contains(command));
     QCOMPARE(completed({program, QString()}).size(), 5);
     QVERIFY(help(program).contains(QStringLiteral("\n  eeprom-image %1 ").arg(command)));
     QVERIFY(page(program).contains(QStringLiteral("\n.It Cm %1\n").arg(command)));
 
-    QStringList offered = completed({program, command, QStringLiteral("--")});
-    offered.removeOne(QStringLiteral("--help"));
-    offered.removeOne(QStringLiteral("--version"));
+    QStringList offered = completed({program, command, "--"});
+    offered.removeOne("--help");
+    offered.removeOne("--version");
     QCOMPARE(offered, options);
     // The program takes each of them: it complains of nothing but the files.
     for (const QString& option : offered) {
         const bool hasValue = QStringList{"--start", "--size", "--fill"}.contains(option);
         const ProgramResult result =
             ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program,
-                       {command, hasValue ? option + QStringLiteral("=1") : option}, folder())
+                       {command, hasValue ? option + "=1" : option}, folder())
                 .finish();
-        QVERIFY2(result.errors.contains(QStringLiteral("file name(s), not 0")),
-                 qPrintable(result.errors));
+        QVERIFY2(result.errors.contains("file name(s), not 0"), qPrintable(result.errors));
     }
 }
 
 void tst_ToolPages::rulesOfTheLinter()
 {
-    const QString program = QStringLiteral("ini-lint");
+    const QString program = "ini-lint";
     const QStringList rules =
-        linesOf(part(help(program), QStringLiteral("Rules:"), QStringLiteral("Exit codes:")),
-                QStringLiteral("^  ([a-z-]+)  +\\S"));
+        linesOf(part(help(program), "Rules:", "Exit codes:"), "^  ([a-z-]+)  +\\S");
     QCOMPARE(rules.size(), 22);
-    QCOMPARE(linesOf(part(page(program), QStringLiteral(".Sh RULES"), QStringLiteral(".Sh JSON")),
-                     QStringLiteral("^\\.It Sy ([a-z-]+)$")),
+    QCOMPARE(linesOf(part(page(program), QStringLiteral(".Sh RULES"), ".Sh JSON"),
+                     "^\\.It Sy ([a-z-]+)$"),
              rules);
     QCOMPARE(completed({program, QStringLiteral("--ignore"), QString()}), rules);
 }
@@ -380,11 +367,10 @@ void tst_ToolPages::completesValues()
     QFETCH(QStringList, words);
     QFETCH(QStringList, expected);
 
-    writeFile(QStringLiteral("file.ini"), "");
-    QVERIFY(QDir(folder()).mkdir(QStringLiteral("folder")));
-    if (words.contains(QStringLiteral("f")) && !expected.isEmpty() &&
-        words.constFirst() != QStringLiteral("watch-media")) {
-        expected.append(QStringLiteral("folder"));
+    writeFile("file.ini", "");
+    QVERIFY(QDir(folder()).mkdir("folder"));
+    if (words.contains("f") && !expected.isEmpty() && words.constFirst() != "watch-media") {
+        expected.append("folder");
     }
     QCOMPARE(completed(words), expected);
 }
@@ -415,17 +401,15 @@ void tst_ToolPages::lostOutputIsAFailure_data()
 void tst_ToolPages::lostOutputIsAFailure()
 {
     QFETCH(QString, program);
-    const QString script = QStringLiteral("\"$0\" %1 >/dev/full");
+    const QString script = "\"$0\" %1 >/dev/full";
     for (const char* option : {"--help", "--version"}) {
-        const ProgramResult result =
-            ProgramRun(QStringLiteral("sh"),
-                       {QStringLiteral("-c"), script.arg(QLatin1String(option)),
-                        QStringLiteral(PROGRAM_FOLDER "/") + program},
-                       folder())
-                .finish();
+        const ProgramResult result = ProgramRun("sh",
+                                                {"-c", script.arg(QLatin1String(option)),
+                                                 QStringLiteral(PROGRAM_FOLDER "/") + program},
+                                                folder())
+                                         .finish();
         QCOMPARE(result.errors,
-                 program +
-                     QStringLiteral(": cannot write standard output: No space left on device\n"));
+                 program + ": cannot write standard output: No space left on device\n");
         const QString exitCode = QStringLiteral("^ +%1  .*(output|written)").arg(result.exitCode);
         QVERIFY2(result.exitCode > 0 && help(program).contains(QRegularExpression(
                                             exitCode, QRegularExpression::MultilineOption)),
@@ -457,9 +441,7 @@ void tst_ToolPages::closedPipeEndsQuietly()
     const QString script = trap + QStringLiteral("mkfifo pipe; exec 3<>pipe 4>pipe 3<&-\n"
                                                  "\"$0\" --help >&4; exit $?");
     const ProgramResult result =
-        ProgramRun(QStringLiteral("sh"),
-                   {QStringLiteral("-c"), script, QStringLiteral(PROGRAM_FOLDER "/") + program},
-                   folder())
+        ProgramRun("sh", {"-c", script, QStringLiteral(PROGRAM_FOLDER "/") + program}, folder())
             .finish();
     QCOMPARE(result.errors, QString());
     QCOMPARE(result.exitCode, exitCode);
@@ -472,14 +454,13 @@ void tst_ToolPages::pagesAreSound_data()
 
 void tst_ToolPages::pagesAreSound()
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("groff")).isEmpty()) {
+    if (QStandardPaths::findExecutable("groff").isEmpty()) {
         MISCTOOLS_SKIP("groff is not installed");
     }
     QFETCH(QString, program);
     const ProgramResult result =
-        ProgramRun(QStringLiteral("groff"),
-                   {QStringLiteral("-ww"), QStringLiteral("-mdoc"), QStringLiteral("-Tutf8"),
-                    QStringLiteral("-z"),
+        ProgramRun("groff",
+                   {"-ww", "-mdoc", "-Tutf8", "-z",
                     QStringLiteral(PROJECT_FOLDER "/docs/man/%1.1").arg(program)},
                    folder())
             .finish();

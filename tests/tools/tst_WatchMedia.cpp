@@ -18,13 +18,12 @@
 namespace {
 
 const QString program = QStringLiteral(WATCH_MEDIA_PROGRAM);
-const QString hint = QStringLiteral("watch-media: try --help\n");
+const QString hint = "watch-media: try --help\n";
 
 // The summary without the time, which is another every time.
 QString withoutTime(QString output)
 {
-    return output.replace(QRegularExpression(QStringLiteral(", \\d+\\.\\d s\n$")),
-                          QStringLiteral("\n"));
+    return output.replace(QRegularExpression(", \\d+\\.\\d s\n$"), "\n");
 }
 
 // A search may still use the medium.
@@ -65,7 +64,7 @@ private Q_SLOTS:
     void helpNamesEveryExitCode();
 
 private:
-    QString medium(const QString& name) const { return path(QStringLiteral("medium/") + name); }
+    QString medium(const QString& name) const { return path("medium/" + name); }
     void makeFile(const QString& name) const;
     void makeMedium() const;
     QStringList arguments(const QStringList& options) const;
@@ -74,23 +73,23 @@ private:
 void tst_WatchMedia::makeFile(const QString& name) const
 {
     QDir().mkpath(QFileInfo(medium(name)).path());
-    writeFile(QStringLiteral("medium/") + name, "content");
+    writeFile("medium/" + name, "content");
 }
 
 void tst_WatchMedia::makeMedium() const
 {
-    makeFile(QStringLiteral("b.mp3"));
-    makeFile(QStringLiteral("A.MP3"));
-    makeFile(QStringLiteral("c.txt"));
-    makeFile(QStringLiteral("sub/d.mp3"));
-    makeFile(QStringLiteral("folder.mp3/e.ogg"));
-    makeFile(QStringLiteral(".hidden.mp3"));
+    makeFile("b.mp3");
+    makeFile("A.MP3");
+    makeFile("c.txt");
+    makeFile("sub/d.mp3");
+    makeFile("folder.mp3/e.ogg");
+    makeFile(".hidden.mp3");
 }
 
 // With the row's medium as the folder, by the name that it has in the row's folder.
 QStringList tst_WatchMedia::arguments(const QStringList& options) const
 {
-    return options + QStringList(QStringLiteral("medium"));
+    return options + QStringList("medium");
 }
 
 void tst_WatchMedia::listsTheMedium_data()
@@ -146,17 +145,17 @@ void tst_WatchMedia::listsTheMedium()
 
 void tst_WatchMedia::showsATreeThatAppears()
 {
-    makeFile(QStringLiteral("a.mp3"));
-    QDir().mkpath(path(QStringLiteral("tree/deep/deeper")));
-    writeFile(QStringLiteral("tree/x.mp3"), "x");
-    writeFile(QStringLiteral("tree/x.txt"), "x");
-    writeFile(QStringLiteral("tree/deep/deeper/y.mp3"), "y");
+    makeFile("a.mp3");
+    QDir().mkpath(path("tree/deep/deeper"));
+    writeFile("tree/x.mp3", "x");
+    writeFile("tree/x.txt", "x");
+    writeFile("tree/deep/deeper/y.mp3", "y");
 
     ProgramRun run(
         program, arguments({"--recursive", "--pattern", "*.mp3", "--delay", "50", "--bursts", "1"}),
         folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
-    QVERIFY(QDir().rename(path(QStringLiteral("tree")), medium(QStringLiteral("tree"))));
+    QVERIFY(run.waitForOutput("Watching"));
+    QVERIFY(QDir().rename(path("tree"), medium("tree")));
     const ProgramResult result = run.finish();
     QCOMPARE(result.errors, QString());
     QCOMPARE(withoutTime(result.output),
@@ -174,15 +173,15 @@ void tst_WatchMedia::showsATreeThatIsCopiedIn()
 {
     constexpr int files = 400;
 
-    QDir().mkpath(path(QStringLiteral("medium")));
+    QDir().mkpath(path("medium"));
     // The pauses end bursts all the time, so that folders are found while they are being filled.
     ProgramRun run(program, arguments({"--recursive", "--delay", "1", "--idle", "700"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QVERIFY(run.waitForOutput("Watching"));
     QStringList expected;
     for (int i = 0; i < files; ++i) {
         const QString name = QStringLiteral("f%1/g/%2").arg(i / 4).arg(i);
         makeFile(name);
-        expected.append(QStringLiteral("+ ") + name);
+        expected.append("+ " + name);
         QTest::qWait(i % 3);
     }
     const ProgramResult result = run.finish();
@@ -191,8 +190,7 @@ void tst_WatchMedia::showsATreeThatIsCopiedIn()
     found.sort();
     expected.sort();
     QCOMPARE(found, expected);
-    QVERIFY2(result.output.contains(
-                 QStringLiteral("\nSummary: 400 files, 400 new since the start, 0 gone, ")),
+    QVERIFY2(result.output.contains("\nSummary: 400 files, 400 new since the start, 0 gone, "),
              qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }
@@ -201,10 +199,10 @@ void tst_WatchMedia::showsWhatGoes()
 {
     makeMedium();
     ProgramRun run(program, arguments({"--delay", "50", "--bursts", "2"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
-    QVERIFY(QFile::remove(medium(QStringLiteral("b.mp3"))));
-    QVERIFY(run.waitForOutput(QStringLiteral("Burst 1")));
-    QVERIFY(QFile::rename(medium(QStringLiteral("c.txt")), medium(QStringLiteral("z.txt"))));
+    QVERIFY(run.waitForOutput("Watching"));
+    QVERIFY(QFile::remove(medium("b.mp3")));
+    QVERIFY(run.waitForOutput("Burst 1"));
+    QVERIFY(QFile::rename(medium("c.txt"), medium("z.txt")));
     const ProgramResult result = run.finish();
     QVERIFY2(withoutTime(result.output)
                  .endsWith(
@@ -220,20 +218,20 @@ void tst_WatchMedia::showsWhatGoes()
 
 void tst_WatchMedia::watchesLaterFolders()
 {
-    makeFile(QStringLiteral("a"));
+    makeFile("a");
     ProgramRun run(program, arguments({"--recursive", "--delay", "50", "--bursts", "5"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching 1 folder;")));
-    QVERIFY(QDir().mkpath(medium(QStringLiteral("later"))));
-    QVERIFY(run.waitForOutput(QStringLiteral("Burst 1: 0 new, 0 gone, now 1 file\n")));
-    makeFile(QStringLiteral("later/b"));
-    QVERIFY(run.waitForOutput(QStringLiteral("+ later/b\nBurst 2: 1 new, 0 gone, now 2 files\n")));
+    QVERIFY(run.waitForOutput("Watching 1 folder;"));
+    QVERIFY(QDir().mkpath(medium("later")));
+    QVERIFY(run.waitForOutput("Burst 1: 0 new, 0 gone, now 1 file\n"));
+    makeFile("later/b");
+    QVERIFY(run.waitForOutput("+ later/b\nBurst 2: 1 new, 0 gone, now 2 files\n"));
     // The folder goes, and one of the same name comes.
-    QVERIFY(QDir(medium(QStringLiteral("later"))).removeRecursively());
-    QVERIFY(run.waitForOutput(QStringLiteral("- later/b\nBurst 3: 0 new, 1 gone, now 1 file\n")));
-    QVERIFY(QDir().mkpath(medium(QStringLiteral("later"))));
-    QVERIFY(run.waitForOutput(QStringLiteral("Burst 4: 0 new, 0 gone, now 1 file\n")));
-    makeFile(QStringLiteral("later/c"));
-    QVERIFY(run.waitForOutput(QStringLiteral("+ later/c\nBurst 5: 1 new, 0 gone, now 2 files\n")));
+    QVERIFY(QDir(medium("later")).removeRecursively());
+    QVERIFY(run.waitForOutput("- later/b\nBurst 3: 0 new, 1 gone, now 1 file\n"));
+    QVERIFY(QDir().mkpath(medium("later")));
+    QVERIFY(run.waitForOutput("Burst 4: 0 new, 0 gone, now 1 file\n"));
+    makeFile("later/c");
+    QVERIFY(run.waitForOutput("+ later/c\nBurst 5: 1 new, 0 gone, now 2 files\n"));
     QCOMPARE(run.finish().exitCode, 0);
 }
 
@@ -241,9 +239,9 @@ void tst_WatchMedia::ownFolderAloneIsWatchedWithoutRecursive()
 {
     makeMedium();
     ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching 1 folder;")));
-    makeFile(QStringLiteral("sub/new"));
-    makeFile(QStringLiteral("new"));
+    QVERIFY(run.waitForOutput("Watching 1 folder;"));
+    makeFile("sub/new");
+    makeFile("new");
     const ProgramResult result = run.finish();
     QVERIFY2(result.output.contains(QStringLiteral("Watching 1 folder; ends after 1 burst\n"
                                                    "+ new\n"
@@ -255,9 +253,9 @@ void tst_WatchMedia::aCopyInProgressKeepsTheWatchAlive()
 {
     constexpr int copyInMs = 1500; // longer than the idle time of the run
 
-    QDir().mkpath(path(QStringLiteral("medium")));
+    QDir().mkpath(path("medium"));
     ProgramRun run(program, arguments({"--delay", "1000", "--idle", "800"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching 1 folder; ends after 0.8 s")));
+    QVERIFY(run.waitForOutput("Watching 1 folder; ends after 0.8 s"));
     QElapsedTimer clock;
     clock.start();
     int files = 0;
@@ -275,14 +273,13 @@ void tst_WatchMedia::aCopyInProgressKeepsTheWatchAlive()
 
 void tst_WatchMedia::endsAfterTheBursts()
 {
-    makeFile(QStringLiteral("a"));
+    makeFile("a");
     ProgramRun run(program, arguments({"--delay", "50", "--idle", "20000", "--bursts", "1"}),
                    folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("ends after 1 burst or 20.0 s without a change\n")));
-    makeFile(QStringLiteral("b"));
+    QVERIFY(run.waitForOutput("ends after 1 burst or 20.0 s without a change\n"));
+    makeFile("b");
     const ProgramResult result = run.finish();
-    QVERIFY(withoutTime(result.output)
-                .endsWith(QStringLiteral("1 new since the start, 0 gone, 1 burst\n")));
+    QVERIFY(withoutTime(result.output).endsWith("1 new since the start, 0 gone, 1 burst\n"));
     QCOMPARE(result.exitCode, 0);
 }
 
@@ -290,28 +287,28 @@ void tst_WatchMedia::endsWhenTheMediumIsTakenAway()
 {
     makeMedium();
     ProgramRun run(program, arguments({"--delay", "50"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
-    QVERIFY(QDir(path(QStringLiteral("medium"))).removeRecursively());
+    QVERIFY(run.waitForOutput("Watching"));
+    QVERIFY(QDir(path("medium")).removeRecursively());
     const ProgramResult result = run.finish();
     QCOMPARE(result.errors, QStringLiteral("watch-media: medium is gone\n"));
-    QVERIFY2(withoutTime(result.output)
-                 .contains(QStringLiteral("Summary: 0 files, 0 new since the start, 3 gone, ")),
-             qPrintable(result.output));
+    QVERIFY2(
+        withoutTime(result.output).contains("Summary: 0 files, 0 new since the start, 3 gone, "),
+        qPrintable(result.output));
     QCOMPARE(result.exitCode, 4);
 }
 
 void tst_WatchMedia::pipesGetNoControlCharacters()
 {
-    makeFile(QStringLiteral("two\nlines"));
+    makeFile("two\nlines");
     ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QVERIFY(run.waitForOutput("Watching"));
     makeFile(QString::fromUtf8("red \x1b[31m \xc3\xa9"));
     const QString output = run.finish().output;
-    QVERIFY2(output.contains(QStringLiteral("\n  two\\x0alines\n")), qPrintable(output));
+    QVERIFY2(output.contains("\n  two\\x0alines\n"), qPrintable(output));
     QVERIFY2(output.contains(QString::fromUtf8("\n+ red \\x1b[31m \xc3\xa9\n")),
              qPrintable(output));
-    const QRegularExpression control(QStringLiteral("[^\\P{Cc}\n]"));
-    QVERIFY(control.match(QStringLiteral("\r")).hasMatch());
+    const QRegularExpression control("[^\\P{Cc}\n]");
+    QVERIFY(control.match("\r").hasMatch());
     QVERIFY(!control.match(output).hasMatch());
 }
 
@@ -320,9 +317,8 @@ void tst_WatchMedia::terminalsGetALineThatIsRedrawn()
     for (int i = 0; i < 13; ++i) {
         makeFile(QStringLiteral("file%1").arg(i, 2, 10, QLatin1Char('0')));
     }
-    const QString output = QString::fromUtf8(
-        Terminal(80).run(program, {QStringLiteral("--idle"), QStringLiteral("400"),
-                                   path(QStringLiteral("medium"))}));
+    const QString output =
+        QString::fromUtf8(Terminal(80).run(program, {"--idle", "400", path("medium")}));
     // At most ten files, then the line: begun by a carriage return each time, never by a line feed.
     // A slow search shows it, too.
     const QRegularExpression expected(QStringLiteral(
@@ -341,9 +337,8 @@ void tst_WatchMedia::terminalsGetALineThatIsRedrawn()
 
 void tst_WatchMedia::narrowTerminalsGetAShortLine()
 {
-    QDir().mkpath(path(QStringLiteral("medium")));
-    const QByteArray output = Terminal(20).run(
-        program, {QStringLiteral("--idle"), QStringLiteral("400"), path(QStringLiteral("medium"))});
+    QDir().mkpath(path("medium"));
+    const QByteArray output = Terminal(20).run(program, {"--idle", "400", path("medium")});
     QVERIFY2(output.contains(" s | 0 files, "), output.constData());
     for (const QByteArray& line : output.split('\r')) {
         // What ends in a line feed stays, and may be as long as it is.
@@ -354,22 +349,22 @@ void tst_WatchMedia::narrowTerminalsGetAShortLine()
 void tst_WatchMedia::mediaComeAndGo()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
-    makeFile(QStringLiteral("below"));
-    const QByteArray medium = path(QStringLiteral("medium")).toLocal8Bit();
+    makeFile("below");
+    const QByteArray medium = path("medium").toLocal8Bit();
     ProgramRun run(program, arguments({"--bursts", "99", "--delay", "50"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QVERIFY(run.waitForOutput("Watching"));
 
     for (const char* name : {"first", "second"}) {
         QCOMPARE(mount("tmpfs", medium.constData(), "tmpfs", 0, nullptr), 0);
         // Until the medium is listed, a file would be one that was there.
         const int times = name == QLatin1String("first") ? 1 : 2;
-        QVERIFY(run.waitForOutput(QStringLiteral("medium mounted\nmedium: 0 files (*)\n"), times));
+        QVERIFY(run.waitForOutput("medium mounted\nmedium: 0 files (*)\n", times));
         makeFile(QLatin1String(name));
         QVERIFY(run.waitForOutput(QStringLiteral("+ %1\n").arg(QLatin1String(name))));
-        QVERIFY(run.waitForOutput(QStringLiteral("now 1 file\n"), times));
+        QVERIFY(run.waitForOutput("now 1 file\n", times));
         QVERIFY(unmount(medium));
-        QVERIFY(run.waitForOutput(
-            QStringLiteral("now 1 file\nmedium removed\nmedium: 1 file (*)\n  below\n"), times));
+        QVERIFY(
+            run.waitForOutput("now 1 file\nmedium removed\nmedium: 1 file (*)\n  below\n", times));
     }
     run.send(SIGINT);
     const ProgramResult result = run.finish();
@@ -400,34 +395,34 @@ void tst_WatchMedia::mediaComeAndGo()
 void tst_WatchMedia::mediumMountedAgainAtOnceIsWatched()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
-    QDir().mkpath(path(QStringLiteral("medium")));
-    const QByteArray medium = path(QStringLiteral("medium")).toLocal8Bit();
+    QDir().mkpath(path("medium"));
+    const QByteArray medium = path("medium").toLocal8Bit();
     QCOMPARE(mount("tmpfs", medium.constData(), "tmpfs", 0, nullptr), 0);
-    makeFile(QStringLiteral("old"));
+    makeFile("old");
     ProgramRun run(program, arguments({"--bursts", "99", "--delay", "50"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QVERIFY(run.waitForOutput("Watching"));
     run.send(SIGSTOP);
     QCOMPARE(umount(medium.constData()), 0);
     QCOMPARE(mount("tmpfs", medium.constData(), "tmpfs", 0, nullptr), 0);
     run.send(SIGCONT);
     QVERIFY(run.waitForOutput(QStringLiteral("medium removed\nmedium mounted\n"
                                              "medium: 0 files (*)\n")));
-    makeFile(QStringLiteral("new"));
-    QVERIFY(run.waitForOutput(QStringLiteral("+ new\n")));
+    makeFile("new");
+    QVERIFY(run.waitForOutput("+ new\n"));
     run.send(SIGTERM);
     const ProgramResult result = run.finish();
-    QVERIFY2(!result.output.contains(QStringLiteral("- old")), qPrintable(result.output));
+    QVERIFY2(!result.output.contains("- old"), qPrintable(result.output));
     QVERIFY(unmount(medium));
 }
 
 void tst_WatchMedia::printsJson()
 {
-    makeFile(QStringLiteral("a"));
+    makeFile("a");
     ProgramRun run(program, arguments({"--json", "--bursts", "2", "--delay", "50"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("watching")));
-    makeFile(QStringLiteral("b\"\n"));
-    QVERIFY(run.waitForOutput(QStringLiteral("burst")));
-    QVERIFY(QFile::remove(path(QStringLiteral("medium/a"))));
+    QVERIFY(run.waitForOutput("watching"));
+    makeFile("b\"\n");
+    QVERIFY(run.waitForOutput("burst"));
+    QVERIFY(QFile::remove(path("medium/a")));
     const ProgramResult result = run.finish();
     QCOMPARE(result.errors, QString());
     QList<QJsonObject> objects;
@@ -435,7 +430,7 @@ void tst_WatchMedia::printsJson()
         objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
     }
     QVERIFY(!objects.isEmpty());
-    QVERIFY(objects.last().take(QStringLiteral("milliseconds")).toInt(-1) > 0);
+    QVERIFY(objects.last().take("milliseconds").toInt(-1) > 0);
     const QList<QJsonObject> expected = {
         {{"event", "medium"}, {"folder", "medium"}, {"files", 1}},
         {{"event", "file"}, {"name", "a"}},
@@ -464,9 +459,9 @@ void tst_WatchMedia::signalsEndWithASummary_data()
 void tst_WatchMedia::signalsEndWithASummary()
 {
     QFETCH(int, number);
-    makeFile(QStringLiteral("a"));
+    makeFile("a");
     ProgramRun run(program, arguments({"--bursts", "1"}), folder());
-    QVERIFY(run.waitForOutput(QStringLiteral("Watching")));
+    QVERIFY(run.waitForOutput("Watching"));
     run.send(number);
     const ProgramResult result = run.finish();
     QVERIFY2(withoutTime(result.output)
@@ -478,7 +473,7 @@ void tst_WatchMedia::signalsEndWithASummary()
 
 void tst_WatchMedia::namesThatAreNoUtf8AreCounted()
 {
-    makeFile(QStringLiteral("a"));
+    makeFile("a");
     QList<QByteArray> names{"medium/\xe9.txt", "medium/\xff", "medium/.\xff"};
     for (QByteArray& name : names) {
         name.prepend(folder().toLocal8Bit() + '/');
@@ -489,15 +484,14 @@ void tst_WatchMedia::namesThatAreNoUtf8AreCounted()
         close(file);
     }
     ProgramResult result = ProgramRun(program, arguments({"--idle", "100"}), folder()).finish();
-    QCOMPARE(result.errors,
-             QStringLiteral("watch-media: left out: 2 names that cannot be read as UTF-8\n"));
+    QCOMPARE(result.errors, "watch-media: left out: 2 names that cannot be read as UTF-8\n");
     QVERIFY2(withoutTime(result.output)
                  .endsWith(QStringLiteral("\nSummary: 1 file, 0 new since the start, 0 gone, "
                                           "0 bursts, 2 names left out\n")),
              qPrintable(result.output));
     result = ProgramRun(program, arguments({"--idle", "100", "--json"}), folder()).finish();
     QCOMPARE(result.errors, QString());
-    QVERIFY2(result.output.contains(QStringLiteral("{\"count\":2,\"event\":\"namesLeftOut\"}\n")),
+    QVERIFY2(result.output.contains("{\"count\":2,\"event\":\"namesLeftOut\"}\n"),
              qPrintable(result.output));
     // Qt cannot remove them.
     for (const QByteArray& name : qAsConst(names)) {
@@ -542,7 +536,7 @@ void tst_WatchMedia::refusesWhatItCannotUse()
     QFETCH(int, exitCode);
     QFETCH(QString, errors);
 
-    makeFile(QStringLiteral("a"));
+    makeFile("a");
     const ProgramResult result = ProgramRun(program, commandLine, folder()).finish();
     QCOMPARE(result.errors, errors);
     QCOMPARE(result.output, QString());
@@ -551,7 +545,7 @@ void tst_WatchMedia::refusesWhatItCannotUse()
 
 void tst_WatchMedia::helpNamesEveryExitCode()
 {
-    const ProgramResult result = ProgramRun(program, {QStringLiteral("--help")}, folder()).finish();
+    const ProgramResult result = ProgramRun(program, {"--help"}, folder()).finish();
     QCOMPARE(result.errors, QString());
     QVERIFY2(result.output.contains(
                  QStringLiteral("\nExit codes:\n"
