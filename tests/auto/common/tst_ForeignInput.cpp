@@ -1,0 +1,150 @@
+#include "ChildProcess.h"
+#include "DragIndicator.h"
+#include "HardwareInfo.h"
+#include "HardwareInfoReader.h"
+#include "HashGenerator.h"
+#include "IniFileManager.h"
+#include "QProcessHandler.h"
+#include "TestCase.h"
+#include "TextFileParser.h"
+#include "WildcardFilter.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QRegularExpression>
+
+#include <sys/resource.h>
+
+using Operation = std::function<void(const QString& filePath)>;
+Q_DECLARE_METATYPE(Operation)
+
+/*
+ * Memory that the library takes for input that may come from anywhere, as a multiple of its size:
+ * docs/security.md states these bounds. The inputs are those that take the most per byte.
+ */
+class tst_ForeignInput : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void memoryIsAMultipleOfTheInput_data();
+    void memoryIsAMultipleOfTheInput();
+
+private:
+    // Not where the memory of a sanitizer or an emulator counts, too.
+    static bool isMemoryJudged()
+    {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        return false;
+#else
+        return !isEmulated();
+#endif
+    }
+};
+
+namespace {
+
+constexpr int inputSize = 4 * 1024 * 1024;
+
+qint64 peakMemory()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    return qint64(usage.ru_maxrss) * 1024;
+}
+
+QByteArray repeated(const QByteArray& text)
+{
+    return text.repeated(inputSize / text.size());
+}
+
+// Keys of few bytes, each another one.
+QByteArray shortKeys()
+{
+    QByteArray text;
+    for (int number = 0; text.size() < inputSize; ++number) {
+        text += QByteArray::number(number, 36) + "=\n";
+    }
+    return text;
+}
+
+QByteArray shortSections()
+{
+    QByteArray text;
+    for (int number = 0; text.size() < inputSize; ++number) {
+        text += '[' + QByteArray::number(number, 36) + "]\na=\n";
+    }
+    return text;
+}
+
+void listAllGroups(const QString& filePath)
+{
+    IniFileManager(filePath, nullptr).getGroups();
+}
+
+} // namespace
+
+void tst_ForeignInput::memoryIsAMultipleOfTheInput_data()
+{
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<int>("multiple");
+
+    const auto row = [](const char* name, const QByteArray& input, int multiple,
+                        const Operation& operation) {
+        QTest::newRow(name) << input << operation << multiple;
+    };
+    const Operation readKey = [](const QString& filePath) {
+        IniFileManager(filePath, nullptr).getGeneralValue("key", QVariant());
+    };
+    row("INI file: short keys", shortKeys(), 60, [](const QString& filePath) {
+        IniFileManager(filePath, nullptr).getGroupValues(QString());
+    });
+    row("INI file: short sections", shortSections(), 60, listAllGroups);
+    row("INI file: a long list", "key=" + repeated(","), 20, readKey);
+    row("INI file: a long value", "key=" + repeated("a"), 8, readKey);
+    row("INI file: clean-up", repeated("a=\"\"\n"), 8,
+        [](const QString& filePath) { IniFileManager::cleanUp(filePath); });
+    row("text file: each character matches", repeated("a"), 90, [](const QString& filePath) {
+        TextFileParser(filePath).multiMatch(QRegularExpression("a"));
+    });
+    row("JSON: nested arrays", "[[],[" + repeated("[],") + "[]]]", 20, [](const QString& filePath) {
+        DragIndicator().fromJsonArray(QJsonDocument::fromJson(readFile(filePath)).array());
+    });
+    row("EEPROM image", repeated("\xff"), 1, [](const QString& filePath) {
+        HardwareInfo info;
+        HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(filePath + "XXXXXX", filePath, info);
+    });
+    row("hash of a file", repeated("a"), 2, [](const QString& filePath) {
+        HashGenerator::createHashFromFile(filePath, QCryptographicHash::Sha256);
+    });
+    row("output of a program", repeated("a"), 8, [](const QString& filePath) {
+        QProcessHandler handler;
+        handler.startProcess("cat", {filePath});
+    });
+    row("wildcard", QByteArray("a*").repeated(128 * 1024), 1000, [](const QString& filePath) {
+        WildcardFilter({QString::fromLatin1(readFile(filePath))}, QDir::Files)
+            .matchesFilters("aaa");
+    });
+}
+
+void tst_ForeignInput::memoryIsAMultipleOfTheInput()
+{
+    QFETCH(QByteArray, input);
+    QFETCH(Operation, operation);
+    QFETCH(int, multiple);
+
+    const QString filePath = writeFile("input", input);
+    const ChildResult child = ChildProcess::run([&] {
+        const qint64 before = peakMemory();
+        operation(filePath);
+        const double factor = double(peakMemory() - before) / input.size();
+        fprintf(stderr, "%.1f times the input\n", factor);
+        return factor <= multiple || !isMemoryJudged() ? 0 : 1;
+    });
+    const QByteArray lastLine = child.output.trimmed().split('\n').constLast();
+    QVERIFY2(child.exited, lastLine.constData());
+    QVERIFY2(child.exitCode == 0, lastLine.constData());
+}
+
+QTEST_GUILESS_MAIN(tst_ForeignInput)
+#include "tst_ForeignInput.moc"
