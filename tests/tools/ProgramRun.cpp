@@ -30,6 +30,13 @@ ProgramRun::ProgramRun(const QString& program, const QStringList& arguments, con
     m_process.start(program, arguments);
 }
 
+void ProgramRun::ForegroundProcess::setupChildProcess()
+{
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        signal(number, SIG_DFL);
+    }
+}
+
 void ProgramRun::write(const QByteArray& input)
 {
     m_process.write(input);

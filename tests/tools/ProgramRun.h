@@ -5,7 +5,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// What a run of an program leaves behind.
+// What a run of a program leaves behind.
 struct ProgramResult
 {
     int exitCode = -1; // also of one that did not end by itself
@@ -17,8 +17,7 @@ struct ProgramResult
 void verifyResult(const ProgramResult& result, int exitCode, const QString& output,
                   const QString& errors = QString());
 
-// A run of an program in a folder, which also takes its temporary files unless told
-// otherwise.
+// A run of a program in a folder, which also takes its temporary files unless told otherwise.
 class ProgramRun
 {
 public:
@@ -39,7 +38,14 @@ public:
     ProgramResult finish();
 
 private:
-    QProcess m_process;
+    // Takes signals as in the foreground: nohup and shells make what they start ignore some.
+    class ForegroundProcess : public QProcess
+    {
+    protected:
+        void setupChildProcess() override;
+    };
+
+    ForegroundProcess m_process;
     QByteArray m_output;
 };
 
