@@ -66,27 +66,27 @@ bool limitInotify(const char* setting, const QByteArray& value)
     return writeSetting(QByteArray("/proc/sys/user/").append(setting).constData(), value);
 }
 
-// What is to be seen where watches run out: how many of four more folders are watched.
-int watchFiveFolders(const QDir& folder)
+// What is to be seen where watches run out: how many of four more directories are watched.
+int watchFiveDirectories(const QDir& directory)
 {
     if (!limitInotify("max_inotify_watches", "3")) {
         return noLimits;
     }
-    DirectoryWatcher watcher(QStringList{folder.filePath("0")});
+    DirectoryWatcher watcher(QStringList{directory.filePath("0")});
     int added = 0;
     for (int i = 1; i < 5; ++i) {
-        added += watcher.addPath(folder.filePath(QString::number(i))) ? 1 : 0;
+        added += watcher.addPath(directory.filePath(QString::number(i))) ? 1 : 0;
     }
     return added;
 }
 
 // Where a second watcher gets no inotify instance: 0 if it notices a change, and does so late.
-int watchOneFolderTwice(const QDir& folder)
+int watchOneDirectoryTwice(const QDir& directory)
 {
     if (!limitInotify("max_inotify_instances", "1")) {
         return noLimits;
     }
-    const QString inbox = folder.filePath("inbox");
+    const QString inbox = directory.filePath("inbox");
     DirectoryWatcher first(inbox);
     DirectoryWatcher second(inbox);
     first.setDelayInMs(0);
@@ -103,18 +103,18 @@ int watchOneFolderTwice(const QDir& folder)
     return changesOfSecond.wait() && timer.elapsed() > 500 ? 0 : 2;
 }
 
-const QHash<QString, int (*)(const QDir& folder)> limitedParts = {
-    {"watches", watchFiveFolders},
-    {"instances", watchOneFolderTwice},
+const QHash<QString, int (*)(const QDir& directory)> limitedParts = {
+    {"watches", watchFiveDirectories},
+    {"instances", watchOneDirectoryTwice},
 };
 
 // Runs a part as the root of a user namespace. That is made by another program: a process that has
 // threads, as an emulator's has, cannot go into one.
-ChildResult runLimited(const char* part, const QString& folder)
+ChildResult runLimited(const char* part, const QString& directory)
 {
-    return ChildProcess::run([part, &folder] {
+    return ChildProcess::run([part, &directory] {
         execlp("unshare", "unshare", "--user", "--map-root-user",
-               qPrintable(QCoreApplication::applicationFilePath()), part, qPrintable(folder),
+               qPrintable(QCoreApplication::applicationFilePath()), part, qPrintable(directory),
                nullptr);
         return noLimits;
     });
@@ -138,19 +138,19 @@ class tst_Gotchas : public TestCase
 private Q_SLOTS:
     void commasMakeLists();
     void semicolonsEndValues();
-    void wordsThatAreFalse();
-    void largeNumbersAreCut();
+    void wordsThatReadAsFalse();
+    void largeNumbersAreTruncated();
     void commentsAreLostOnWriting();
     void sectionsNestAtSlashes();
     void containsDependsOnWhatWasParsed();
     void topLevelReadsListAllKeys();
-    void replacedFilesBelongToTheWriter();
+    void replacedFilesAreOwnedByTheWriter();
     void specialFilesBecomeRegularFiles();
-    void dotEntriesGoWithAFilter();
-    void renamedFolderIsDeaf();
+    void filterExcludesDotEntries();
+    void renamedDirectoryIsNotReported();
     void watchesRunOut();
-    void watchersBeyondTheLimitAskEverySecond();
-    void testsThatAreNamedExist();
+    void watchersBeyondTheLimitPollEverySecond();
+    void namedTestsExist();
 
 private:
     std::unique_ptr<IniFileManager> iniFile(const QByteArray& content) const
@@ -174,7 +174,7 @@ void tst_Gotchas::semicolonsEndValues()
     QCOMPARE(file->getValueString(net, QStringLiteral("quoted"), QString()), "on;off");
 }
 
-void tst_Gotchas::wordsThatAreFalse()
+void tst_Gotchas::wordsThatReadAsFalse()
 {
     const auto file = iniFile("[Net]\noff=off\nno=no\nfalse=FALSE\n0=0\nempty=\n");
     QCOMPARE(file->getValueBool(net, QStringLiteral("off"), false), true);
@@ -184,7 +184,7 @@ void tst_Gotchas::wordsThatAreFalse()
     QCOMPARE(file->getValueBool(net, QStringLiteral("empty"), true), false);
 }
 
-void tst_Gotchas::largeNumbersAreCut()
+void tst_Gotchas::largeNumbersAreTruncated()
 {
     const auto file = iniFile("[Net]\nkey=4294967301\n");
     QCOMPARE(file->getValueInteger(net, key, 0), 5);
@@ -244,7 +244,7 @@ void tst_Gotchas::topLevelReadsListAllKeys()
              qPrintable(QStringLiteral("%1 s and %2 s").arg(topLevel).arg(inGroup)));
 }
 
-void tst_Gotchas::replacedFilesBelongToTheWriter()
+void tst_Gotchas::replacedFilesAreOwnedByTheWriter()
 {
     const QString filePath = path("file");
     const auto replaceFile = [&filePath](bool isCleanedUp) {
@@ -311,7 +311,7 @@ void tst_Gotchas::specialFilesBecomeRegularFiles()
     QVERIFY(readFile(filePath).contains("[Net]\nkey=1\n"));
 }
 
-void tst_Gotchas::dotEntriesGoWithAFilter()
+void tst_Gotchas::filterExcludesDotEntries()
 {
     QFileInfoList entries;
     searchFilesOnPathRecursive(folder(), {}, entries);
@@ -321,7 +321,7 @@ void tst_Gotchas::dotEntriesGoWithAFilter()
     QVERIFY(entries.isEmpty());
 }
 
-void tst_Gotchas::renamedFolderIsDeaf()
+void tst_Gotchas::renamedDirectoryIsNotReported()
 {
     const QString inbox = path("inbox");
     const QString other = path("other");
@@ -330,7 +330,7 @@ void tst_Gotchas::renamedFolderIsDeaf()
     watcher.setDelayInMs(50);
     QStringList changed;
     connect(&watcher, &DirectoryWatcher::directoryChanged,
-            [&changed](const QStringList& folders) { changed += folders; });
+            [&changed](const QStringList& directories) { changed += directories; });
 
     QVERIFY(QDir().rename(inbox, path("old")));
     QVERIFY(QDir().mkdir(inbox));
@@ -350,7 +350,7 @@ void tst_Gotchas::renamedFolderIsDeaf()
     QVERIFY(changes.wait());
 }
 
-// The system allows 3 watches. None is taken while a folder is not added.
+// The system allows 3 watches. None is taken while a directory is not added.
 void tst_Gotchas::watchesRunOut()
 {
     for (int i = 0; i < 5; ++i) {
@@ -365,9 +365,9 @@ void tst_Gotchas::watchesRunOut()
     QCOMPARE(result.output.count("No space left on device"), 2);
 }
 
-// The system allows 1 instance: one watcher. Another one looks at its folders once a second, and
-// says nothing of it.
-void tst_Gotchas::watchersBeyondTheLimitAskEverySecond()
+// The system allows 1 instance: one watcher. Another one looks at its directories once a second,
+// and says nothing of it.
+void tst_Gotchas::watchersBeyondTheLimitPollEverySecond()
 {
     QVERIFY(QDir().mkdir(path("inbox")));
     const ChildResult result = runLimited("instances", folder());
@@ -376,7 +376,7 @@ void tst_Gotchas::watchersBeyondTheLimitAskEverySecond()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_Gotchas::testsThatAreNamedExist()
+void tst_Gotchas::namedTestsExist()
 {
     const QStringList named = found(QString(), {"*.md"}, "`(tst_\\w+::\\w+)`");
     const QStringList functions = found("/tests", {"tst_*.cpp"}, "\nvoid (tst_\\w+::\\w+)\\(\\)");

@@ -112,11 +112,11 @@ QString Fuzz::toText(const QByteArray& bytes)
 
 QString Fuzz::folder()
 {
-    static const QTemporaryDir folder;
-    if (!folder.isValid()) {
-        fail(folder.errorString());
+    static const QTemporaryDir directory;
+    if (!directory.isValid()) {
+        fail(directory.errorString());
     }
-    return folder.path();
+    return directory.path();
 }
 
 QString Fuzz::path(const QString& name)

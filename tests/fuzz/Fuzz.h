@@ -33,7 +33,7 @@ QByteArray takeLine(QByteArray& bytes);
 // halves of surrogate pairs are among the texts.
 QString toText(const QByteArray& bytes);
 
-// The process's own folder, which is in TMPDIR, and a path in it.
+// The process's own directory, which is in TMPDIR, and a path in it.
 QString folder();
 QString path(const QString& name);
 

@@ -1,5 +1,5 @@
 // In place of libFuzzer's own main(), with any compiler: runs a target over every file of the
-// folders and every file that the arguments name.
+// directories and every file that the arguments name.
 #include "Fuzz.h"
 
 #include <QtCore/QDir>
@@ -16,9 +16,9 @@ QStringList filesOf(const QString& path)
         return {path};
     }
     QStringList files;
-    const QDir folder(path);
-    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
-        files += folder.filePath(name);
+    const QDir directory(path);
+    for (const QString& name : directory.entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+        files += directory.filePath(name);
     }
     return files;
 }

@@ -13,8 +13,8 @@ class tst_ApplicationPlatform : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void definitionsOfTheApplicationWin();
-    void failedReadsLeaveNoDateAndNoFlag();
+    void applicationDefinitionsTakePrecedence();
+    void failedReadsSetNeitherDateNorFlag();
 };
 
 namespace {
@@ -52,7 +52,7 @@ bool readBoolValueFromJson(const QString& key, const QJsonObject& object, bool& 
     return readsSucceed;
 }
 
-void tst_ApplicationPlatform::failedReadsLeaveNoDateAndNoFlag()
+void tst_ApplicationPlatform::failedReadsSetNeitherDateNorFlag()
 {
     readsSucceed = false;
     const auto restore = qScopeGuard([] { readsSucceed = true; });
@@ -78,7 +78,7 @@ void tst_ApplicationPlatform::failedReadsLeaveNoDateAndNoFlag()
     QVERIFY(!indicator.compute(1));
 }
 
-void tst_ApplicationPlatform::definitionsOfTheApplicationWin()
+void tst_ApplicationPlatform::applicationDefinitionsTakePrecedence()
 {
     // The bundled functions would give the first text and refuse the reads of an empty object.
     qputenv("MISCTOOLS_PRODUCT_CODE", "the environment's code");

@@ -49,12 +49,12 @@ class tst_BinaryInterface : public TestCase
 private Q_SLOTS:
     void sizes_data();
     void sizes();
-    void fieldsLieInDeclaredOrder_data();
-    void fieldsLieInDeclaredOrder();
+    void fieldsAreInDeclaredOrder_data();
+    void fieldsAreInDeclaredOrder();
     void enumerationsAreInts();
-    void virtualFunctionsStandInSlotOrder_data();
-    void virtualFunctionsStandInSlotOrder();
-    void theseHaveNoVirtualFunctions();
+    void virtualFunctionsAreInSlotOrder_data();
+    void virtualFunctionsAreInSlotOrder();
+    void classesWithoutVirtualFunctions();
 };
 
 namespace {
@@ -273,7 +273,7 @@ void tst_BinaryInterface::sizes()
     QTEST(size, "expected");
 }
 
-void tst_BinaryInterface::fieldsLieInDeclaredOrder_data()
+void tst_BinaryInterface::fieldsAreInDeclaredOrder_data()
 {
     QTest::addColumn<QByteArray>("className");
     QTest::addColumn<int>("begin");
@@ -307,7 +307,7 @@ void tst_BinaryInterface::fieldsLieInDeclaredOrder_data()
     row("WildcardFilter", table, sizeof(WildcardFilter));
 }
 
-void tst_BinaryInterface::fieldsLieInDeclaredOrder()
+void tst_BinaryInterface::fieldsAreInDeclaredOrder()
 {
     QFETCH(QByteArray, className);
     QFETCH(int, begin);
@@ -337,7 +337,7 @@ void tst_BinaryInterface::enumerationsAreInts()
     QCOMPARE(sizeof(BootInformationHelper::BootMode), sizeof(int));
 }
 
-void tst_BinaryInterface::virtualFunctionsStandInSlotOrder_data()
+void tst_BinaryInterface::virtualFunctionsAreInSlotOrder_data()
 {
     QTest::addColumn<QByteArray>("className");
     QTest::addColumn<QByteArrayList>("expected");
@@ -365,7 +365,7 @@ void tst_BinaryInterface::virtualFunctionsStandInSlotOrder_data()
                            thunk + mangled(worker) + "D0Ev"});
 }
 
-void tst_BinaryInterface::virtualFunctionsStandInSlotOrder()
+void tst_BinaryInterface::virtualFunctionsAreInSlotOrder()
 {
     QFETCH(QByteArray, className);
     QFETCH(QByteArrayList, expected);
@@ -381,7 +381,7 @@ void tst_BinaryInterface::virtualFunctionsStandInSlotOrder()
     }
 }
 
-void tst_BinaryInterface::theseHaveNoVirtualFunctions()
+void tst_BinaryInterface::classesWithoutVirtualFunctions()
 {
     QVERIFY(!std::is_polymorphic<IniFileManager>::value);
     QVERIFY(!std::is_polymorphic<UniqueIdGenerator>::value);

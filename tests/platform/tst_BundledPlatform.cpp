@@ -10,12 +10,12 @@ class tst_BundledPlatform : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void productCodeIsTheConfiguredOne();
-    void productCodeOfTheEnvironmentComesFirst_data();
-    void productCodeOfTheEnvironmentComesFirst();
-    void readersTakeTheirTypeOnly_data();
-    void readersTakeTheirTypeOnly();
-    void readersGiveTheValue();
+    void productCodeIsAsConfigured();
+    void productCodeOfTheEnvironmentTakesPrecedence_data();
+    void productCodeOfTheEnvironmentTakesPrecedence();
+    void readersAcceptOnlyTheirType_data();
+    void readersAcceptOnlyTheirType();
+    void readersReturnTheValue();
 };
 
 namespace {
@@ -24,20 +24,20 @@ constexpr char environmentVariable[] = "MISCTOOLS_PRODUCT_CODE";
 
 } // namespace
 
-void tst_BundledPlatform::productCodeIsTheConfiguredOne()
+void tst_BundledPlatform::productCodeIsAsConfigured()
 {
     qunsetenv(environmentVariable);
     QCOMPARE(PlatformCaller::productCode(), QStringLiteral(CONFIGURED_PRODUCT_CODE));
 }
 
-void tst_BundledPlatform::productCodeOfTheEnvironmentComesFirst_data()
+void tst_BundledPlatform::productCodeOfTheEnvironmentTakesPrecedence_data()
 {
     QTest::addColumn<QByteArray>("code");
     QTest::newRow("another code") << QByteArray("640917");
     QTest::newRow("empty") << QByteArray("");
 }
 
-void tst_BundledPlatform::productCodeOfTheEnvironmentComesFirst()
+void tst_BundledPlatform::productCodeOfTheEnvironmentTakesPrecedence()
 {
     QFETCH(QByteArray, code);
     qputenv(environmentVariable, code);
@@ -46,7 +46,7 @@ void tst_BundledPlatform::productCodeOfTheEnvironmentComesFirst()
     QCOMPARE(productCode, QString::fromLatin1(code));
 }
 
-void tst_BundledPlatform::readersTakeTheirTypeOnly_data()
+void tst_BundledPlatform::readersAcceptOnlyTheirType_data()
 {
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<bool>("isDouble");
@@ -67,7 +67,7 @@ void tst_BundledPlatform::readersTakeTheirTypeOnly_data()
     QTest::newRow("object") << QByteArray("{\"key\": {\"key\": 1}}") << false << false << false;
 }
 
-void tst_BundledPlatform::readersTakeTheirTypeOnly()
+void tst_BundledPlatform::readersAcceptOnlyTheirType()
 {
     QFETCH(QByteArray, json);
     QFETCH(bool, isDouble);
@@ -93,7 +93,7 @@ void tst_BundledPlatform::readersTakeTheirTypeOnly()
     }
 }
 
-void tst_BundledPlatform::readersGiveTheValue()
+void tst_BundledPlatform::readersReturnTheValue()
 {
     const QString key = "key";
     double number = 0;

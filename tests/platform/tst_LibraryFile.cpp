@@ -14,16 +14,16 @@ private Q_SLOTS:
     void sonames();
     void neededLibraries();
     void platformFunctionsAreNotDefinedInTheLibrary();
-    void bundledPlatformDefinesThePlatformFunctionsAlone();
-    void headersAreUnderstood();
-    void symbolsAreUnderstood();
+    void bundledPlatformDefinesOnlyThePlatformFunctions();
+    void headersAreParsed();
+    void symbolsAreParsed();
     void exportsAreExactlyThePublicInterface();
     void tablesAndTypesAreExported();
-    void loaderProtectsIt_data();
-    void loaderProtectsIt();
-    void staysLoaded();
-    void releaseBuildsGuardTheStack_data();
-    void releaseBuildsGuardTheStack();
+    void loaderAppliesHardening_data();
+    void loaderAppliesHardening();
+    void libraryStaysLoaded();
+    void releaseBuildsProtectTheStack_data();
+    void releaseBuildsProtectTheStack();
 };
 
 namespace {
@@ -246,14 +246,14 @@ void tst_LibraryFile::platformFunctionsAreNotDefinedInTheLibrary()
     }
 }
 
-void tst_LibraryFile::bundledPlatformDefinesThePlatformFunctionsAlone()
+void tst_LibraryFile::bundledPlatformDefinesOnlyThePlatformFunctions()
 {
     QStringList symbols = definedSymbols(platformLibrary);
     symbols.sort();
     QCOMPARE(symbols, platformFunctions);
 }
 
-void tst_LibraryFile::headersAreUnderstood()
+void tst_LibraryFile::headersAreParsed()
 {
     const Interface interface = readHeader(QStringLiteral(R"(
 #define MISCTOOLS_EXPORT
@@ -301,7 +301,7 @@ MISCTOOLS_EXPORT QDebug operator<<(QDebug debug, const Thing& thing);
                             "Thing::sm_Hidden"));
 }
 
-void tst_LibraryFile::symbolsAreUnderstood()
+void tst_LibraryFile::symbolsAreParsed()
 {
     const Interface interface = readSymbols(
         {"Thing::Thing(QObject*)", "Thing::Thing(QObject*)", "Thing::~Thing()",
@@ -348,14 +348,14 @@ void tst_LibraryFile::tablesAndTypesAreExported()
     }
 }
 
-void tst_LibraryFile::loaderProtectsIt_data()
+void tst_LibraryFile::loaderAppliesHardening_data()
 {
     QTest::addColumn<QString>("file");
     QTest::newRow("library") << library;
     QTest::newRow("bundled platform library") << platformLibrary;
 }
 
-void tst_LibraryFile::loaderProtectsIt()
+void tst_LibraryFile::loaderAppliesHardening()
 {
     QFETCH(QString, file);
 
@@ -388,7 +388,7 @@ void tst_LibraryFile::loaderProtectsIt()
 }
 
 // Qt's caches refer to its static texts.
-void tst_LibraryFile::staysLoaded()
+void tst_LibraryFile::libraryStaysLoaded()
 {
     const QString flags1 = "\\(FLAGS_1\\)\\s+Flags: (.*\\S)";
     QVERIFY(capturedIn(library, "-d", flags1)
@@ -397,12 +397,12 @@ void tst_LibraryFile::staysLoaded()
                 .contains("NODELETE"));
 }
 
-void tst_LibraryFile::releaseBuildsGuardTheStack_data()
+void tst_LibraryFile::releaseBuildsProtectTheStack_data()
 {
-    loaderProtectsIt_data();
+    loaderAppliesHardening_data();
 }
 
-void tst_LibraryFile::releaseBuildsGuardTheStack()
+void tst_LibraryFile::releaseBuildsProtectTheStack()
 {
     QFETCH(QString, file);
     const QStringList needed = dynamicSymbols(file, "--undefined-only")

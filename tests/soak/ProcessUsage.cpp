@@ -16,17 +16,17 @@ QByteArray readAll(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-QStringList entries(const QString& folder)
+QStringList entries(const QString& directory)
 {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+    return QDir(directory).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
 }
 
 long countInotifyWatches()
 {
     long watches = 0;
-    const QString folder = "/proc/self/fdinfo/";
-    for (const QString& descriptor : entries(folder)) {
-        watches += readAll(folder + descriptor).count("inotify wd:");
+    const QString directory = "/proc/self/fdinfo/";
+    for (const QString& descriptor : entries(directory)) {
+        watches += readAll(directory + descriptor).count("inotify wd:");
     }
     return watches;
 }

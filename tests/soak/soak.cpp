@@ -43,8 +43,8 @@ constexpr int defaultSeconds = 6;
 constexpr int samplesPerThird = 12;
 constexpr int leastSamples = 2 * samplesPerThird;
 constexpr int longWhileInMs = 20000;
-constexpr int subFolders = 4;
-constexpr int filesPerFolder = 5;
+constexpr int subdirectories = 4;
+constexpr int filesPerDirectory = 5;
 
 // A sanitizer keeps freed memory for later and has its own heap; it finds leaks by itself.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -94,11 +94,11 @@ bool touch(const QString& path)
 
 void makeTree(const QString& root)
 {
-    for (int i = 0; i < subFolders; ++i) {
-        const QString folder = QStringLiteral("%1/folder%2").arg(root).arg(i);
-        require(QDir().mkpath(folder), "a folder of the tree cannot be made");
-        for (int j = 0; j < filesPerFolder; ++j) {
-            require(touch(QStringLiteral("%1/file%2.txt").arg(folder).arg(j)),
+    for (int i = 0; i < subdirectories; ++i) {
+        const QString directory = QStringLiteral("%1/folder%2").arg(root).arg(i);
+        require(QDir().mkpath(directory), "a directory of the tree cannot be made");
+        for (int j = 0; j < filesPerDirectory; ++j) {
+            require(touch(QStringLiteral("%1/file%2.txt").arg(directory).arg(j)),
                     "a file of the tree cannot be made");
         }
     }
@@ -122,9 +122,9 @@ void watchDirectories(const QString& root)
 {
     DirectoryWatcher watcher(root);
     watcher.setDelayInMs(1);
-    for (int i = 0; i < subFolders; ++i) {
+    for (int i = 0; i < subdirectories; ++i) {
         require(watcher.addPath(QStringLiteral("%1/folder%2").arg(root).arg(i)),
-                "a folder cannot be watched");
+                "a directory cannot be watched");
     }
     const QString file = root + "/folder0/new.tmp";
     const char* const trouble = "a change was not noticed";
@@ -146,7 +146,8 @@ void searchInPool(const QString& root, QThreadPool& pool)
     awaitSignal(
         worker, &RecursiveFileSearchWorkerThread::searchFinished, [&] { pool.start(worker); },
         "a search did not end");
-    require(found == subFolders * filesPerFolder, "a search in the pool found something else");
+    require(found == subdirectories * filesPerDirectory,
+            "a search in the pool found something else");
 }
 
 void searchMedium(const QString& root)
@@ -157,10 +158,10 @@ void searchMedium(const QString& root)
     QObject::connect(&watcher, &MediaWatcher::filesFound,
                      [&found](const QFileInfoList& files) { found = files.size(); });
     watcher.mediumMounted(root);
-    require(found == subFolders, "the top of a medium holds something else");
+    require(found == subdirectories, "the top of a medium holds something else");
     watcher.setRecursive(true);
     watcher.mediumMounted(root);
-    require(found == subFolders * (filesPerFolder + 1), "a medium holds something else");
+    require(found == subdirectories * (filesPerDirectory + 1), "a medium holds something else");
 }
 
 void runPrograms()
@@ -219,7 +220,7 @@ void hashFiles(const QString& root)
             "a missing file has a hash");
 }
 
-// What lies in the temporary folder, at whatever depth.
+// What lies in the temporary directory, at whatever depth.
 int countTemporaryFiles()
 {
     int count = 0;
@@ -324,11 +325,11 @@ qint64 dueSamples(const Length& length, qint64 elapsedInMs, int rounds)
 
 ExitCode soak(const Length& length)
 {
-    const QTemporaryDir folder;
-    require(folder.isValid(), "there is no temporary folder");
+    const QTemporaryDir directory;
+    require(directory.isValid(), "there is no temporary directory");
     // From here on the library's temporary files are the only others.
-    qputenv("TMPDIR", QFile::encodeName(folder.path()));
-    makeTree(folder.path());
+    qputenv("TMPDIR", QFile::encodeName(directory.path()));
+    makeTree(directory.path());
     QThreadPool pool;
     pool.setMaxThreadCount(2);
 
@@ -340,7 +341,7 @@ ExitCode soak(const Length& length)
     qint64 due = 0;
     // A slow machine takes longer rather than to judge by a few samples.
     while (due < 3 * samplesPerThird || samples.size() < leastSamples) {
-        runRound(folder.path(), pool);
+        runRound(directory.path(), pool);
         ++rounds;
         if (due >= samples.size()) {
             samples.append(ProcessUsage::now());

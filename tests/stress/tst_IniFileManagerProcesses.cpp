@@ -43,10 +43,10 @@ class tst_IniFileManagerProcesses : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void nobodysKeysAreLost();
+    void noKeyIsLost();
 };
 
-void tst_IniFileManagerProcesses::nobodysKeysAreLost()
+void tst_IniFileManagerProcesses::noKeyIsLost()
 {
     const int roundCount = stressRounds(1000, 1000);
     const QString file = writeFile("shared.ini", "[Group]\nFixed=1\n");

@@ -107,22 +107,22 @@ private Q_SLOTS:
     void lockingCallsWait();
     void unlockedCallsDoNotWait_data();
     void unlockedCallsDoNotWait();
-    void warningsAreMadeUnderTheLock_data();
-    void warningsAreMadeUnderTheLock();
-    void conversionsAreMadeUnderTheLock_data();
-    void conversionsAreMadeUnderTheLock();
+    void warningsAreLoggedUnderTheLock_data();
+    void warningsAreLoggedUnderTheLock();
+    void valuesAreConvertedUnderTheLock_data();
+    void valuesAreConvertedUnderTheLock();
     void valuesAreListedUnderTheLock();
     void handlersMayCallBack_data();
     void handlersMayCallBack();
     void handlersOfManyThreadsMayCallBack();
-    void groupsAreNeverHalfEntered();
-    void listingsAreOfOneMoment();
-    void indexedReadsAreOfOneMoment_data();
-    void indexedReadsAreOfOneMoment();
+    void groupIsNotEnteredByOtherThreads();
+    void listingsAreConsistent();
+    void indexedReadsAreConsistent_data();
+    void indexedReadsAreConsistent();
     void noWriteIsLostBetweenFlushes_data();
     void noWriteIsLostBetweenFlushes();
     void eventLoopFlushes();
-    void mixedCallsKeepEachThreadsValues();
+    void mixedCallsKeepTheValuesOfEachThread();
 
 private:
     QString iniFile();
@@ -266,12 +266,12 @@ void tst_IniFileManagerThreads::addWarningRows()
     }
 }
 
-void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock_data()
+void tst_IniFileManagerThreads::warningsAreLoggedUnderTheLock_data()
 {
     addWarningRows();
 }
 
-void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock()
+void tst_IniFileManagerThreads::warningsAreLoggedUnderTheLock()
 {
     QFETCH(Call, call);
 
@@ -285,7 +285,7 @@ void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock()
     QCOMPARE(messages().take().size(), 1);
 }
 
-void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock_data()
+void tst_IniFileManagerThreads::valuesAreConvertedUnderTheLock_data()
 {
     QTest::addColumn<Call>("read");
 
@@ -300,7 +300,7 @@ void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock_data()
     row("getValueBool", [](IniFileManager& file) { file.getValueBool(group, key, true); });
 }
 
-void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock()
+void tst_IniFileManagerThreads::valuesAreConvertedUnderTheLock()
 {
     QFETCH(Call, read);
 
@@ -413,9 +413,9 @@ void tst_IniFileManagerThreads::handlersOfManyThreadsMayCallBack()
     QCOMPARE(messages().take().size(), threadCount * warningsPerThread);
 }
 
-void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
+void tst_IniFileManagerThreads::groupIsNotEnteredByOtherThreads()
 {
-    const int questions = stressRounds(60000, 60000);
+    const int queries = stressRounds(60000, 60000);
 
     IniFileManager manager(
         writeFile("groups.ini", "top=1\n[A]\nk=1\nn/deep=1\n[B]\nk=2\n[C]\nk=3\n"), nullptr);
@@ -438,7 +438,7 @@ void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
         });
     }
     int wrongGroups = 0;
-    for (int i = 0; i < questions; ++i) {
+    for (int i = 0; i < queries; ++i) {
         if (manager.getGroups() != expected) {
             ++wrongGroups;
         }
@@ -451,7 +451,7 @@ void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
     QCOMPARE(wrongValues.load(), 0);
 }
 
-void tst_IniFileManagerThreads::listingsAreOfOneMoment()
+void tst_IniFileManagerThreads::listingsAreConsistent()
 {
     // Between the listing of a group and the reading of its keys nobody removes one.
     const int listings = stressRounds(3000, 3000);
@@ -472,7 +472,7 @@ void tst_IniFileManagerThreads::listingsAreOfOneMoment()
     // No warning was announced, so a single "not found" fails this test.
 }
 
-void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment_data()
+void tst_IniFileManagerThreads::indexedReadsAreConsistent_data()
 {
     QTest::addColumn<Call>("read");
     QTest::newRow("getValueInteger")
@@ -483,7 +483,7 @@ void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment_data()
         [](IniFileManager& file) { file.getValueBool(0, key, true); });
 }
 
-void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment()
+void tst_IniFileManagerThreads::indexedReadsAreConsistent()
 {
     // The first group leaves its Position before it loses its key, and comes back with it. So the
     // group that a search finds has the key as long as nobody comes between search and reading.
@@ -586,7 +586,7 @@ void tst_IniFileManagerThreads::eventLoopFlushes()
     QVERIFY(readFile(file).contains("Key=3"));
 }
 
-void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
+void tst_IniFileManagerThreads::mixedCallsKeepTheValuesOfEachThread()
 {
     constexpr int threadCount = 8;
     constexpr int callsPerRound = 7; // at least

@@ -35,7 +35,7 @@ WildcardFilter makeFilter()
 }
 
 // How many answers were wrong when each thread asked the filter that it is given.
-int wrongAnswers(int questionsPerThread,
+int wrongResults(int callsPerThread,
                  const std::function<const WildcardFilter&(int)>& filterOfThread)
 {
     std::atomic<int> waiting(threadCount);
@@ -49,7 +49,7 @@ int wrongAnswers(int questionsPerThread,
             while (waiting > 0) { // all begin together
                 std::this_thread::yield();
             }
-            for (int i = 0; i < questionsPerThread; ++i) {
+            for (int i = 0; i < callsPerThread; ++i) {
                 const Name& name = names.at(i % names.size());
                 if (filter.matchesFilters(name.text) != name.fits) {
                     ++wrong;
@@ -75,38 +75,38 @@ class tst_WildcardFilterThreads : public TestCase
 
 private Q_SLOTS:
     void filterMayBeShared();
-    void copiesOfOneFilterMayBeUsedApart();
-    void equalFiltersMayBeUsedApart();
+    void copiesOfOneFilterAreIndependent();
+    void equalFiltersAreIndependent();
 
 private:
-    static int questionsPerThread() { return stressRounds(100000, 1000000); }
+    static int callsPerThread() { return stressRounds(100000, 1000000); }
 };
 
 void tst_WildcardFilterThreads::filterMayBeShared()
 {
     const WildcardFilter filter = makeFilter();
-    QCOMPARE(wrongAnswers(questionsPerThread(),
-                          [&filter](int) -> const WildcardFilter& { return filter; }),
-             0);
+    QCOMPARE(
+        wrongResults(callsPerThread(), [&filter](int) -> const WildcardFilter& { return filter; }),
+        0);
 }
 
-void tst_WildcardFilterThreads::copiesOfOneFilterMayBeUsedApart()
+void tst_WildcardFilterThreads::copiesOfOneFilterAreIndependent()
 {
     const std::vector<WildcardFilter> filters(threadCount, makeFilter());
-    QCOMPARE(wrongAnswers(questionsPerThread(),
+    QCOMPARE(wrongResults(callsPerThread(),
                           [&filters](int thread) -> const WildcardFilter& {
                               return filters.at(size_t(thread));
                           }),
              0);
 }
 
-void tst_WildcardFilterThreads::equalFiltersMayBeUsedApart()
+void tst_WildcardFilterThreads::equalFiltersAreIndependent()
 {
     std::vector<WildcardFilter> filters;
     for (int thread = 0; thread < threadCount; ++thread) {
         filters.push_back(makeFilter());
     }
-    QCOMPARE(wrongAnswers(questionsPerThread(),
+    QCOMPARE(wrongResults(callsPerThread(),
                           [&filters](int thread) -> const WildcardFilter& {
                               return filters.at(size_t(thread));
                           }),

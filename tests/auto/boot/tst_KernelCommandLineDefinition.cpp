@@ -42,7 +42,7 @@ void tst_KernelCommandLineDefinition::names()
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
 
-    // One text for the whole process.
+    // The whole process shares one string.
     const QString* elsewhere = nullptr;
     std::thread([&] { elsewhere = &name(); }).join();
     QCOMPARE(elsewhere, &first);

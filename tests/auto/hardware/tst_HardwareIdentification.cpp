@@ -6,7 +6,7 @@
 
 #include <type_traits>
 
-// Applications may derive from it and destroy it through the base.
+// Applications may derive from the class and delete objects through a base pointer.
 static_assert(std::is_polymorphic<HardwareIdentification>::value, "has virtual functions");
 static_assert(std::has_virtual_destructor<HardwareIdentification>::value, "may be derived from");
 static_assert(std::is_constructible<HardwareIdentification, const QString&>::value, "takes an ID");
@@ -29,7 +29,7 @@ QString anyDigit(QRandomGenerator& random)
     return QString(QLatin1Char(char('0' + (random.bounded(2) == 0 ? 0 : random.bounded(10)))));
 }
 
-// One character, or a surrogate pair, of what an ID may be mistaken to hold.
+// One character, or a surrogate pair, that could be mistaken for part of an ID.
 QString anyCharacter(QRandomGenerator& random)
 {
     const auto oneOf = [&random](uint first, int count) {
@@ -50,13 +50,13 @@ QString anyCharacter(QRandomGenerator& random)
     case 5:
         return QString(QChar(0xD800 + random.bounded(0x800))); // half of a pair
     case 6:
-        return oneOf('A', 58); // letters and what stands between them
+        return oneOf('A', 58); // letters and the characters between them
     case 7:
-        return oneOf(' ', 16); // blank and signs, just below the digits
+        return oneOf(' ', 16); // space and punctuation, just below the digits
     case 8:
         return oneOf(':', 7); // just above the digits
     case 9:
-        return oneOf(0, 0x20); // control characters, NUL included
+        return oneOf(0, 0x20); // control characters, including NUL
     case 10:
         return oneOf(0xA0, 0x60);
     default:
@@ -67,7 +67,7 @@ QString anyCharacter(QRandomGenerator& random)
 QString anyId(QRandomGenerator& random)
 {
     const int length = random.bounded(3) == 0 ? random.bounded(14, 19) : 16;
-    // Of every 100 characters: only digits, now and then another one, or no matter what.
+    // Texts of three kinds: only digits, mostly digits, or random characters.
     static const int othersOf[] = {0, 0, 0, 4, 50};
     const int others = othersOf[random.bounded(5)];
     QString id;
@@ -84,21 +84,21 @@ class tst_HardwareIdentification : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void validIdIsDivided_data();
-    void validIdIsDivided();
-    void invalidIdLeavesNothing_data();
-    void invalidIdLeavesNothing();
-    void failureForgetsTheIdBefore_data();
-    void failureForgetsTheIdBefore();
-    void goodIdReplacesTheOneBefore();
-    void goodIdFollowsABadOne();
-    void partsAreCopies();
+    void validIdIsParsed_data();
+    void validIdIsParsed();
+    void invalidIdLeavesPartsEmpty_data();
+    void invalidIdLeavesPartsEmpty();
+    void failureClearsThePreviousId_data();
+    void failureClearsThePreviousId();
+    void validIdReplacesThePreviousId();
+    void validIdIsParsedAfterAnInvalidOne();
+    void gettersReturnCopies();
     void containsSixteenDigits_data();
     void containsSixteenDigits();
-    void sameAsLiteral();
+    void randomIdsMatchTheLiteralVersion();
 };
 
-void tst_HardwareIdentification::validIdIsDivided_data()
+void tst_HardwareIdentification::validIdIsParsed_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QStringList>("texts");
@@ -111,17 +111,17 @@ void tst_HardwareIdentification::validIdIsDivided_data()
     row("customer version 000", "1234567891200067", "123456 78 912 000 67");
     row("basic type supplement 00", "1234560091234567", "123456 00 912 345 67");
     row("product group number 000000", "0000007891234567", "000000 78 912 345 67");
-    row("zeros wherever they may be", "0000000000100001", "000000 00 001 000 01");
+    row("zeros wherever they are allowed", "0000000000100001", "000000 00 001 000 01");
     row("zeros around the document type", "1234500010045607", "123450 00 100 456 07");
     row("000 from digit 8 on", "1234567000145617", "123456 70 001 456 17");
     row("000 from digit 10 on", "1234567810005617", "123456 78 100 056 17");
     row("document type 010", "1234567801034567", "123456 78 010 345 67");
     row("00 from digit 14 on", "1234567891234007", "123456 78 912 340 07");
     row("parts list 10", "1234567891234510", "123456 78 912 345 10");
-    row("greatest", "9999999999999999", "999999 99 999 999 99");
+    row("largest", "9999999999999999", "999999 99 999 999 99");
 }
 
-void tst_HardwareIdentification::validIdIsDivided()
+void tst_HardwareIdentification::validIdIsParsed()
 {
     QFETCH(QString, id);
     QFETCH(QStringList, texts);
@@ -130,7 +130,7 @@ void tst_HardwareIdentification::validIdIsDivided()
     QCOMPARE(partsOf(identification), expected);
 }
 
-void tst_HardwareIdentification::invalidIdLeavesNothing_data()
+void tst_HardwareIdentification::invalidIdLeavesPartsEmpty_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QString>("warning");
@@ -151,7 +151,7 @@ void tst_HardwareIdentification::invalidIdLeavesNothing_data()
     size("letters, too", "abc", 3);
     size("length counts UTF-16 units", QString::fromUtf8("\xF0\x9D\x9F\x8E").repeated(7), 14);
 
-    // As QDebug shows the ID.
+    // The ID as QDebug shows it.
     const auto numbers = [](const char* situation, const QString& id, const QString& shown) {
         QTest::newRow(situation) << id
                                  << "Hardware ID contains not only numbers \"" + shown +
@@ -188,17 +188,17 @@ void tst_HardwareIdentification::invalidIdLeavesNothing_data()
     const QString mathematical = QString::fromUtf8("\xF0\x9D\x9F\x8F").repeated(8);
     numbers("digits of two UTF-16 units", mathematical, mathematical);
 
-    // The text's own blank and the one that QDebug puts between items.
+    // The space of the text and the one that QDebug inserts between items.
     const QString documentType = "Document type count number is invalid  \"000\"";
     QTest::newRow("document type 000") << "1234560000000167" << documentType;
-    QTest::newRow("document type 000 alone") << "1234567800034567" << documentType;
+    QTest::newRow("only document type 000") << "1234567800034567" << documentType;
     QTest::newRow("document type before the parts list") << "1234567800034500" << documentType;
     QTest::newRow("all zeros") << QString(16, QLatin1Char('0')) << documentType;
     QTest::newRow("parts list 00") << "1234567812345600"
                                    << "Parts list paragrpah is invalid  \"00\"";
 }
 
-void tst_HardwareIdentification::invalidIdLeavesNothing()
+void tst_HardwareIdentification::invalidIdLeavesPartsEmpty()
 {
     QFETCH(QString, id);
     QFETCH(QString, warning);
@@ -207,12 +207,12 @@ void tst_HardwareIdentification::invalidIdLeavesNothing()
     QCOMPARE(partsOf(identification), Parts());
 }
 
-void tst_HardwareIdentification::failureForgetsTheIdBefore_data()
+void tst_HardwareIdentification::failureClearsThePreviousId_data()
 {
-    invalidIdLeavesNothing_data();
+    invalidIdLeavesPartsEmpty_data();
 }
 
-void tst_HardwareIdentification::failureForgetsTheIdBefore()
+void tst_HardwareIdentification::failureClearsThePreviousId()
 {
     QFETCH(QString, id);
     QFETCH(QString, warning);
@@ -223,7 +223,7 @@ void tst_HardwareIdentification::failureForgetsTheIdBefore()
     QCOMPARE(partsOf(identification), Parts());
 }
 
-void tst_HardwareIdentification::goodIdReplacesTheOneBefore()
+void tst_HardwareIdentification::validIdReplacesThePreviousId()
 {
     HardwareIdentification identification(goodId);
     const HardwareIdentification copy(identification);
@@ -233,7 +233,7 @@ void tst_HardwareIdentification::goodIdReplacesTheOneBefore()
     QCOMPARE(partsOf(copy), partsOf(HardwareIdentification(goodId)));
 }
 
-void tst_HardwareIdentification::goodIdFollowsABadOne()
+void tst_HardwareIdentification::validIdIsParsedAfterAnInvalidOne()
 {
     messages()
         .expectWarning("HardwareIdentification", "Size of hardware ID is invalid 3")
@@ -243,7 +243,7 @@ void tst_HardwareIdentification::goodIdFollowsABadOne()
     QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
 }
 
-void tst_HardwareIdentification::partsAreCopies()
+void tst_HardwareIdentification::gettersReturnCopies()
 {
     const HardwareIdentification identification(goodId);
     QString part = identification.getProductGroupNumber();
@@ -262,16 +262,16 @@ void tst_HardwareIdentification::containsSixteenDigits_data()
     QTest::newRow("16 zeros") << QString(16, QLatin1Char('0')) << true;
     QTest::newRow("17 digits") << goodId + QLatin1Char('8') << true;
     QTest::newRow("many digits") << goodId.repeated(100) << true;
-    QTest::newRow("16 digits behind a word") << "ID " + goodId << true;
+    QTest::newRow("16 digits after a word") << "ID " + goodId << true;
     QTest::newRow("16 digits before a word") << goodId + " is it" << true;
     QTest::newRow("16 digits between others") << "1 22 333 x" + goodId + "x4" << true;
-    QTest::newRow("16 digits in a second line") << "a\n" + goodId << true;
-    QTest::newRow("16 digits behind a NUL") << QString(1, QChar::Null) + goodId << true;
+    QTest::newRow("16 digits in the second line") << "a\n" + goodId << true;
+    QTest::newRow("16 digits after a NUL") << QString(1, QChar::Null) + goodId << true;
     QTest::newRow("twice 15 digits")
         << goodId.left(15) + QLatin1Char(' ') + goodId.left(15) << false;
-    QTest::newRow("15 digits and another script's") << goodId.left(15) + QChar(0x0661) << false;
-    QTest::newRow("16 of another script") << QString(16, QChar(0x0661)) << false;
-    QTest::newRow("its own expression") << "[0-9]{16,16}" << false;
+    QTest::newRow("15 digits and a non-Latin one") << goodId.left(15) + QChar(0x0661) << false;
+    QTest::newRow("16 non-Latin digits") << QString(16, QChar(0x0661)) << false;
+    QTest::newRow("the library's expression") << "[0-9]{16,16}" << false;
 }
 
 void tst_HardwareIdentification::containsSixteenDigits()
@@ -280,11 +280,11 @@ void tst_HardwareIdentification::containsSixteenDigits()
     QFETCH(bool, contains);
     const HardwareIdentification identification(goodId);
     QCOMPARE(identification.containsHardwareIDOnlyNumbers(text), contains);
-    // It is only asked: the object keeps its ID, and nothing is logged.
+    // The check does not change the object's ID and logs nothing.
     QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
 }
 
-void tst_HardwareIdentification::sameAsLiteral()
+void tst_HardwareIdentification::randomIdsMatchTheLiteralVersion()
 {
     const int ids = rounds(40000);
 
@@ -298,7 +298,7 @@ void tst_HardwareIdentification::sameAsLiteral()
     QRandomGenerator random(1);
     HardwareIdentification reused(goodId);
     int outcomes[LiteralHardwareId::outcomeCount] = {};
-    int longer = 0; // texts with sixteen digits in them
+    int longer = 0; // texts that contain sixteen digits
     for (int i = 0; i < ids; ++i) {
         const QString id = anyId(random);
         Parts parts;

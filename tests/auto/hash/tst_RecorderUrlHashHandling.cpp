@@ -63,7 +63,7 @@ void tst_RecorderUrlHashHandling::urlHash()
     const QByteArray raw = RecorderUrlHashHandling::createUrlHash(url);
     QCOMPARE(raw.size(), 16);
     QCOMPARE(raw.toHex(), hash);
-    // However the bytes are spread over the parts.
+    // The hash does not depend on how the bytes are split into parts.
     for (int first = 0; first <= url.size(); ++first) {
         for (int second = first; second <= url.size(); ++second) {
             QCOMPARE(RecorderUrlHashHandling::createUrlHash(
@@ -86,8 +86,8 @@ void tst_RecorderUrlHashHandling::partsAreConcatenated_data()
                                  << QByteArray("abc");
     QTest::newRow("all") << QByteArray("host") << QByteArray("/path") << QByteArray("?query")
                          << QByteArray("host/path?query");
-    QTest::newRow("order counts") << QByteArray("c") << QByteArray("b") << QByteArray("a")
-                                  << QByteArray("cba");
+    QTest::newRow("order matters")
+        << QByteArray("c") << QByteArray("b") << QByteArray("a") << QByteArray("cba");
     QTest::newRow("first empty") << QByteArray() << QByteArray("b") << QByteArray("c")
                                  << QByteArray("bc");
     QTest::newRow("second empty") << QByteArray("a") << QByteArray() << QByteArray("c")
@@ -113,7 +113,7 @@ void tst_RecorderUrlHashHandling::partsAreConcatenated()
 void tst_RecorderUrlHashHandling::uuid_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("text"); // null: none
+    QTest::addColumn<QString>("text"); // null: no UUID
 
     QTest::newRow("counting") << QByteArray::fromHex("000102030405060708090a0b0c0d0e0f")
                               << "00010203-0405-0607-0809-0a0b0c0d0e0f";
