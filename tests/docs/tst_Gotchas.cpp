@@ -32,7 +32,7 @@ QStringList texts(std::initializer_list<const char*> list)
     return result;
 }
 
-// All matches of the expression's first group in the project's files of those names.
+// All captures of the expression's first group in the project's files with those names.
 QStringList found(const QString& below, const QStringList& names, const QString& expression)
 {
     QStringList result;
@@ -59,14 +59,14 @@ bool writeSetting(const char* filePath, const QByteArray& value)
            file.write(value) == value.size();
 }
 
-// Lets this process have so many of what inotify needs: as the root of a user namespace it may set
-// limits of its own, which are those of the system in small.
+// Limits this process's inotify resources: the root of a user namespace may set its own limits,
+// which work like those of the system.
 bool limitInotify(const char* setting, const QByteArray& value)
 {
     return writeSetting(QByteArray("/proc/sys/user/").append(setting).constData(), value);
 }
 
-// What is to be seen where watches run out: how many of four more directories are watched.
+// Run where watches are limited: reports how many of four more directories are watched.
 int watchFiveDirectories(const QDir& directory)
 {
     if (!limitInotify("max_inotify_watches", "3")) {
@@ -80,7 +80,7 @@ int watchFiveDirectories(const QDir& directory)
     return added;
 }
 
-// Where a second watcher gets no inotify instance: 0 if it notices a change, and does so late.
+// Run where a second watcher gets no inotify instance: 0 if it reports a change, but late.
 int watchOneDirectoryTwice(const QDir& directory)
 {
     if (!limitInotify("max_inotify_instances", "1")) {
@@ -99,7 +99,7 @@ int watchOneDirectoryTwice(const QDir& directory)
         !changesOfSecond.isEmpty()) {
         return 1;
     }
-    // The first look comes a second after the watcher.
+    // The first poll is a second after construction.
     return changesOfSecond.wait() && timer.elapsed() > 500 ? 0 : 2;
 }
 
@@ -108,8 +108,8 @@ const QHash<QString, int (*)(const QDir& directory)> limitedParts = {
     {"instances", watchOneDirectoryTwice},
 };
 
-// Runs a part as the root of a user namespace. That is made by another program: a process that has
-// threads, as an emulator's has, cannot go into one.
+// Runs a part as the root of a user namespace. Another program creates the namespace, because a
+// process with threads, such as an emulator, cannot enter one.
 ChildResult runLimited(const char* part, const QString& directory)
 {
     return ChildProcess::run([part, &directory] {
@@ -130,7 +130,7 @@ ChildResult runLimited(const char* part, const QString& directory)
 
 } // namespace
 
-// Shows what docs/gotchas.md says where no test of a class does.
+// Demonstrates the statements of docs/gotchas.md that no test of a class covers.
 class tst_Gotchas : public TestCase
 {
     Q_OBJECT
@@ -239,7 +239,7 @@ void tst_Gotchas::topLevelReadsListAllKeys()
         secondsOf([&manager](const QString& name) { manager.getGeneralValue(name, QVariant()); });
     const double inGroup =
         secondsOf([&manager](const QString& name) { manager.getValue(net, name, QVariant()); });
-    // Some two hundred times, where nothing else is measured with it.
+    // The ratio is about 200 if nothing else is measured.
     QVERIFY2(topLevel > 10 * inGroup,
              qPrintable(QStringLiteral("%1 s and %2 s").arg(topLevel).arg(inGroup)));
 }
@@ -259,7 +259,7 @@ void tst_Gotchas::replacedFilesAreOwnedByTheWriter()
     for (const bool isCleanedUp : {true, false}) {
         QFile::remove(filePath);
         writeFile("file", "[Net]\na=1\n");
-        // Only root can give a file away; for everybody the file is a new one.
+        // Only root can change a file's owner; for everyone the file is replaced by a new one.
         constexpr uid_t other = 65534;
         const bool isRoot =
             chown(QFile::encodeName(filePath).constData(), other, other) == 0 && geteuid() == 0;
@@ -301,7 +301,7 @@ void tst_Gotchas::specialFilesBecomeRegularFiles()
 
     QVERIFY(QFile::remove(filePath));
     QCOMPARE(mkfifo(name.constData(), 0600), 0);
-    // QSettings opens the FIFO and reads nothing of a file without a size.
+    // QSettings opens the FIFO but reads nothing from a file of size 0.
     withWriter(QByteArray(), [&filePath] {
         IniFileManager manager(filePath, nullptr);
         manager.setValue(net, key, 1);
@@ -335,13 +335,13 @@ void tst_Gotchas::renamedDirectoryIsNotReported()
     QVERIFY(QDir().rename(inbox, path("old")));
     QVERIFY(QDir().mkdir(inbox));
     writeFile("inbox/file", "");
-    writeFile("other/file", ""); // is noticed after the others
+    writeFile("other/file", ""); // is reported after the others
     QTRY_COMPARE(changed, QStringList(other));
     QVERIFY(!watcher.addPath(inbox));
 
     changed.clear();
     writeFile("old/file", "");
-    QTRY_COMPARE(changed, QStringList(inbox)); // the name that it had
+    QTRY_COMPARE(changed, QStringList(inbox)); // under its old name
 
     DirectoryWatcher fresh(inbox);
     fresh.setDelayInMs(50);
@@ -350,7 +350,7 @@ void tst_Gotchas::renamedDirectoryIsNotReported()
     QVERIFY(changes.wait());
 }
 
-// The system allows 3 watches. None is taken while a directory is not added.
+// The system allows three watches. A directory that cannot be added uses none.
 void tst_Gotchas::watchesRunOut()
 {
     for (int i = 0; i < 5; ++i) {
@@ -365,8 +365,8 @@ void tst_Gotchas::watchesRunOut()
     QCOMPARE(result.output.count("No space left on device"), 2);
 }
 
-// The system allows 1 instance: one watcher. Another one looks at its directories once a second,
-// and says nothing of it.
+// The system allows one instance, so one watcher. A second watcher polls its directories once a second,
+// without a message.
 void tst_Gotchas::watchersBeyondTheLimitPollEverySecond()
 {
     QVERIFY(QDir().mkdir(path("inbox")));

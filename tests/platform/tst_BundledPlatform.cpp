@@ -3,8 +3,8 @@
 
 #include <QtCore/QJsonDocument>
 
-// The platform functions of a stand-alone program: those of the bundled library, as this program
-// defines none.
+// Tests the platform functions of a stand-alone program, which are those of the bundled library
+// because this program defines none.
 class tst_BundledPlatform : public TestCase
 {
     Q_OBJECT
@@ -33,7 +33,7 @@ void tst_BundledPlatform::productCodeIsAsConfigured()
 void tst_BundledPlatform::productCodeOfTheEnvironmentTakesPrecedence_data()
 {
     QTest::addColumn<QByteArray>("code");
-    QTest::newRow("another code") << QByteArray("640917");
+    QTest::newRow("different code") << QByteArray("640917");
     QTest::newRow("empty") << QByteArray("");
 }
 
@@ -53,8 +53,8 @@ void tst_BundledPlatform::readersAcceptOnlyTheirType_data()
     QTest::addColumn<bool>("isString");
     QTest::addColumn<bool>("isBool");
 
-    QTest::newRow("no member") << QByteArray("{}") << false << false << false;
-    QTest::newRow("another key") << QByteArray("{\"Key\": 1}") << false << false << false;
+    QTest::newRow("missing member") << QByteArray("{}") << false << false << false;
+    QTest::newRow("different key") << QByteArray("{\"Key\": 1}") << false << false << false;
     QTest::newRow("null") << QByteArray("{\"key\": null}") << false << false << false;
     QTest::newRow("number") << QByteArray("{\"key\": 1.5}") << true << false << false;
     QTest::newRow("zero") << QByteArray("{\"key\": 0}") << true << false << false;

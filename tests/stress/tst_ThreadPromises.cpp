@@ -33,9 +33,9 @@
 #include <vector>
 
 /*
- * What docs/threads.md promises, row by row, for the thread sanitizer. IniFileManager,
- * UniqueIdGenerator and WildcardFilter have tests of their own beside this one. Each thread has its
- * own files and values, so that what threads share by mistake also shows in a wrong result.
+ * Tests the guarantees of docs/threads.md, row by row, with the thread sanitizer. IniFileManager,
+ * UniqueIdGenerator and WildcardFilter have their own tests. Each thread has its own files and
+ * values, so that state shared by mistake also causes a wrong result.
  */
 class tst_ThreadPromises : public TestCase
 {
@@ -59,16 +59,16 @@ private Q_SLOTS:
 
 private:
     static int calls() { return stressRounds(50, 1000); }
-    // Of what touches no file and is over in microseconds, so that calls overlap.
+    // For calls that use no file and take microseconds, so that calls overlap.
     static int quickCalls() { return stressRounds(5000, 100000); }
 
-    // A directory of the thread's own, with a file that has its name.
+    // A separate directory per thread, with a file of the same name.
     QString addDirectory(int number) const;
 };
 
 namespace {
 
-// What every thread must have got right.
+// The number of correct calls of all threads.
 int all(int calls)
 {
     return threadCount * calls;
@@ -223,7 +223,7 @@ void tst_ThreadPromises::directoryWatcherRunsInTheThreadOfItsEventLoop()
     for (int number = 0; number < threadCount; ++number) {
         const QString directory = addDirectory(number);
         QStringList& ownChanged = changed.at(size_t(number));
-        // Qt watches files in threads of its own kind alone.
+        // Qt can watch files only in a QThread.
         threads.emplace_back(QThread::create([directory, &ownChanged] {
             DirectoryWatcher watcher(directory);
             watcher.setDelayInMs(1);
@@ -275,7 +275,7 @@ void tst_ThreadPromises::mediaWatcherRunsInTheCallingThread()
     QTRY_COMPARE(received, all(calls()));
 }
 
-// Not in Qt's pool: how that hands a task over, the sanitizer does not see.
+// Not in Qt's pool: the sanitizer does not see how the pool hands over a task.
 void tst_ThreadPromises::searchWorkersReportAcrossThreads()
 {
     QObject receiver;

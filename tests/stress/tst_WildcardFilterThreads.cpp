@@ -18,7 +18,7 @@ struct Name
     bool fits;
 };
 
-// Of different lengths, so that no thread's name fits into the buffer of another's.
+// Of different lengths, so that no thread's name fits in the buffer of another.
 QVector<Name> namesOfThread(int thread)
 {
     const QString stem = QString(1 + 7 * thread, QChar('a' + thread));
@@ -34,7 +34,7 @@ WildcardFilter makeFilter()
     return WildcardFilter({"*.txt", "*.tar.?z", "[k-m]og*"}, QDir::Files);
 }
 
-// How many answers were wrong when each thread asked the filter that it is given.
+// The number of wrong results when each thread calls its filter.
 int wrongResults(int callsPerThread,
                  const std::function<const WildcardFilter&(int)>& filterOfThread)
 {
@@ -46,7 +46,7 @@ int wrongResults(int callsPerThread,
             const WildcardFilter& filter = filterOfThread(thread);
             const QVector<Name> names = namesOfThread(thread);
             --waiting;
-            while (waiting > 0) { // all begin together
+            while (waiting > 0) { // all threads start together
                 std::this_thread::yield();
             }
             for (int i = 0; i < callsPerThread; ++i) {
@@ -66,8 +66,8 @@ int wrongResults(int callsPerThread,
 } // namespace
 
 /*
- * One filter, many threads. A match writes into the regular expression that makes it, so these
- * tests crash or count wrong answers where threads match on the same one.
+ * Tests filters in many threads. QRegExp matching modifies the expression object, so these tests
+ * crash or count wrong results if threads share one.
  */
 class tst_WildcardFilterThreads : public TestCase
 {
