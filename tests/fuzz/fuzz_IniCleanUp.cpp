@@ -1,4 +1,4 @@
-// The input is the file to clean up. Behind an asterisk it is repeated until the file is too large
+// The input is the file to clean up. After an asterisk it is repeated until the file is too large
 // to be read at once.
 #include "Fuzz.h"
 #include "IniFileManager.h"
@@ -38,7 +38,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     Fuzz::removeFile(filePath);
 
     verifyCleanUp("bytes, by pieces", content, expected);
-    // With one function more the text is handled as a whole.
+    // With an additional function the text is processed as a whole.
     IniFileManager::sm_CleanUpFunctions.append(&leaveAsItIs);
     verifyCleanUp("bytes, as a whole", content, expected);
     IniFileManager::sm_CleanUpFunctions = usualFunctions;

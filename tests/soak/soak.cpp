@@ -1,4 +1,4 @@
-// Uses the classes that hold descriptors, threads, processes and watches over and over, and shows
+// Repeatedly uses the classes that hold descriptors, threads, processes and watches, and verifies
 // that this process holds no more of them at the end than in the middle.
 #include "EepromImage.h"
 #include "ProcessUsage.h"
@@ -46,7 +46,7 @@ constexpr int longWhileInMs = 20000;
 constexpr int subdirectories = 4;
 constexpr int filesPerDirectory = 5;
 
-// A sanitizer keeps freed memory for later and has its own heap; it finds leaks by itself.
+// A sanitizer delays the reuse of freed memory and has its own heap; it finds leaks itself.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool isMemoryJudged = false;
 #else
@@ -57,13 +57,13 @@ std::atomic<int> libraryWarnings{0};
 
 void countWarning(QtMsgType, const QMessageLogContext& context, const QString&)
 {
-    // Qt's own have no file here; the library's always have one.
+    // Here, messages of Qt have no file; those of the library always have one.
     if (context.file != nullptr) {
         ++libraryWarnings;
     }
 }
 
-// What goes wrong is said once and ends the run.
+// The first error is reported and ends the run.
 class Failure
 {
 public:
@@ -104,7 +104,7 @@ void makeTree(const QString& root)
     }
 }
 
-// Runs action, then the event loop until signal comes.
+// Runs action, then the event loop until signal is emitted.
 template <typename Sender, typename Signal, typename Action>
 void awaitSignal(Sender* sender, Signal signal, const Action& action, const char* trouble)
 {
@@ -132,7 +132,7 @@ void watchDirectories(const QString& root)
         &watcher, &DirectoryWatcher::directoryChanged, [&] { touch(file); }, trouble);
     awaitSignal(
         &watcher, &DirectoryWatcher::directoryChanged, [&] { QFile::remove(file); }, trouble);
-    // And one that goes while it holds a burst.
+    // And a watcher that is destroyed during a burst.
     watcher.directoryGotChanged(root);
 }
 
@@ -173,7 +173,7 @@ void runPrograms()
             "echo gave something else");
     require(handler.startProcess("/nonexistent/program", {}) == -1,
             "a missing program was started");
-    // Still runs when the handler goes.
+    // Still running when the handler is destroyed.
     handler.setWaitForFinishedTimeout(1);
     require(handler.startProcess("sleep", {"100"}) == -1, "sleep did not time out");
 }
@@ -192,7 +192,7 @@ void parseText(const QString& root)
 
 void readHardware(const QString& root)
 {
-    // Every key is there but the one that a board may lack in silence.
+    // All keys are present except the one whose absence logs nothing.
     const EepromImage image("Type=4711\nTypeName=Board\nVersion=2.1\nCompatibilityIndex=3\n"
                             "LP-ID=LP-000815\n");
     const QString path = root + "/eeprom";
@@ -220,7 +220,7 @@ void hashFiles(const QString& root)
             "a missing file has a hash");
 }
 
-// What lies in the temporary directory, at whatever depth.
+// All entries of the temporary directory, at any depth.
 int countTemporaryFiles()
 {
     int count = 0;
@@ -247,7 +247,7 @@ void runRound(const QString& root, QThreadPool& pool)
     parseText(root);
     readHardware(root);
     hashFiles(root);
-    // The pool deletes a worker after its signal came.
+    // The pool deletes a worker after it emitted its signal.
     require(pool.waitForDone(longWhileInMs), "the pool is still at work");
     QCoreApplication::processEvents();
     require(libraryWarnings - warningsBefore == warningsPerRound,
@@ -259,13 +259,13 @@ struct Figure
 {
     const char* name;
     long ProcessUsage::*member;
-    long slack; // what the end may have more than the middle
+    long slack; // how much more the end may have than the middle
     bool isJudged;
 };
 
 const QVector<Figure>& figures()
 {
-    // An emulator keeps what it has translated, and is too slow to get warm in seconds.
+    // An emulator caches translated code and is too slow to warm up in seconds.
     const bool isJudged = isMemoryJudged && !qEnvironmentVariableIsSet("QEMU_LD_PREFIX");
     static const QVector<Figure> theFigures = {
         {"descriptors", &ProcessUsage::descriptors, 0, true},
@@ -278,8 +278,8 @@ const QVector<Figure>& figures()
     return theFigures;
 }
 
-// The smallest of a third of the samples; third 0 is the warm-up. What only comes and goes, as a
-// thread that has ended and is not taken off the books yet, is not in every sample; a leak is.
+// The minimum of a third of the samples; third 0 is the warm-up. A transient resource, such as an
+// ended thread that is still counted, is not in every sample; a leak is.
 long smallest(const QVector<ProcessUsage>& samples, int third, long ProcessUsage::*member)
 {
     const auto begin = samples.constBegin() + third * samples.size() / 3;
@@ -291,7 +291,7 @@ long smallest(const QVector<ProcessUsage>& samples, int third, long ProcessUsage
            member;
 }
 
-// Prints the table; tells whether anything has grown.
+// Prints the table; returns whether anything has grown.
 bool report(const QVector<ProcessUsage>& samples)
 {
     bool hasGrown = false;
@@ -309,14 +309,14 @@ bool report(const QVector<ProcessUsage>& samples)
     return hasGrown;
 }
 
-// How long a run takes: for some time, or some rounds.
+// The length of a run: a time or a number of rounds.
 struct Length
 {
     qint64 milliseconds = qint64(defaultSeconds) * 1000;
-    int rounds = 0; // 0: as many as the time allows
+    int rounds = 0; // 0: limited by time
 };
 
-// How much of the run is done, in samples that are due.
+// The progress of the run, as the number of samples that are due.
 qint64 dueSamples(const Length& length, qint64 elapsedInMs, int rounds)
 {
     return length.rounds > 0 ? qint64(rounds) * 3 * samplesPerThird / length.rounds
@@ -327,7 +327,7 @@ ExitCode soak(const Length& length)
 {
     const QTemporaryDir directory;
     require(directory.isValid(), "there is no temporary directory");
-    // From here on the library's temporary files are the only others.
+    // From here on, only the library creates temporary files.
     qputenv("TMPDIR", QFile::encodeName(directory.path()));
     makeTree(directory.path());
     QThreadPool pool;
@@ -339,7 +339,7 @@ ExitCode soak(const Length& length)
     clock.start();
     int rounds = 0;
     qint64 due = 0;
-    // A slow machine takes longer rather than to judge by a few samples.
+    // A slow machine takes longer instead of judging by few samples.
     while (due < 3 * samplesPerThird || samples.size() < leastSamples) {
         runRound(directory.path(), pool);
         ++rounds;
@@ -353,7 +353,7 @@ ExitCode soak(const Length& length)
     return report(samples) ? Grown : Flat;
 }
 
-// The length that the arguments ask for; false when they are none.
+// Parses the arguments; false if they are not a length.
 bool parse(const QStringList& arguments, Length& length)
 {
     if (arguments.isEmpty()) {
@@ -369,8 +369,8 @@ bool parse(const QStringList& arguments, Length& length)
     return number > 0 && arguments.size() == (areRounds ? 2 : 1);
 }
 
-// The heap keeps freed blocks at hand, which count as allocated and whose number grows for minutes.
-// Without them its size is exact. That is set before a program starts.
+// The heap caches freed blocks, which count as allocated and whose number grows for minutes.
+// Without the cache its size is exact; that has to be set before a program starts.
 void restartWithPlainHeap(char* argv[])
 {
     constexpr const char* name = "GLIBC_TUNABLES";
