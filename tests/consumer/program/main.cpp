@@ -1,4 +1,4 @@
-// A program outside the project: it knows the installed package alone. Writes a value and reads it
+// A program outside the project, which uses only the installed package. It writes a value, reads it
 // back, and reads a record, so that every layer of the library is called.
 
 #include <HardwareInfo.h>
