@@ -365,8 +365,8 @@ void tst_Gotchas::watchesRunOut()
     QCOMPARE(result.output.count("No space left on device"), 2);
 }
 
-// The system allows one instance, so one watcher. A second watcher polls its directories once a second,
-// without a message.
+// The system allows one instance, so one watcher. A second watcher polls its directories once a
+// second, without a message.
 void tst_Gotchas::watchersBeyondTheLimitPollEverySecond()
 {
     QVERIFY(QDir().mkdir(path("inbox")));

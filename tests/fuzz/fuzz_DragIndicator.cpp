@@ -114,7 +114,7 @@ void verifyGetters(const DragIndicator& indicator)
         const bool isSame = indicator.getMinValue(instance) == record.value(minValue).toDouble() &&
                             indicator.getMaxValue(instance) == record.value(maxValue).toDouble() &&
                             indicator.isInitialized(instance) == record.value(initialized).toBool();
-        Fuzz::verify(isSame, "a getter gives something else than the export");
+        Fuzz::verify(isSame, "a getter differs from the export");
         Fuzz::verify(Fuzz::takeMessages().size() == (i < records.size() ? 0 : 3),
                      "messages of the getters");
     }
@@ -135,7 +135,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     Fuzz::verifySame("records", shown(indicator.asJsonArray()), shown(literal.records()));
     verifyGetters(indicator);
     Fuzz::verify(takeTextDateImported(indicator) == literal.hasTextDate(),
-                 "whether dates were texts");
+                 "whether dates were in text form");
 
     // An export is imported unchanged, and a valid one without a message.
     DragIndicator copy;

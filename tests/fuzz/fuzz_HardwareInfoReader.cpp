@@ -134,7 +134,7 @@ void verifyRead(const QByteArray& image)
     const QStringList actual = libraryRead(reader, filePath);
     Fuzz::verifySame("record and messages", actual + takeMessages(), expected);
     const QStringList again = libraryRead(reader, filePath);
-    Fuzz::verifySame("record and messages, the second time", again + takeMessages(), expected);
+    Fuzz::verifySame("record and messages of the second read", again + takeMessages(), expected);
 }
 
 void verifyHelpers(const QByteArray& bytes)
@@ -142,13 +142,13 @@ void verifyHelpers(const QByteArray& bytes)
     HardwareInfoReader reader(nullptr);
     Fuzz::verify(reader.checksumXModemCRC(bytes.constData(), uint(bytes.size())) ==
                      EepromImage::crc(bytes),
-                 "checksum of any bytes");
+                 "checksum of the bytes");
     // Only complete 16-bit halves are read.
     quint32 word = 0;
     for (int i = 0; i < 4 && i < bytes.size() / 2 * 2; ++i) {
         word |= quint32(quint8(bytes.at(i))) << 8 * i;
     }
-    Fuzz::verify(reader.bytes2Uint32(bytes) == word, "word of any bytes");
+    Fuzz::verify(reader.bytes2Uint32(bytes) == word, "word of the bytes");
 }
 
 } // namespace

@@ -58,7 +58,7 @@ bool literalMatch(const QStringList& patterns, const QString& name, Qt::CaseSens
         const bool isMatch = QRegExp(pattern, sensitivity, QRegExp::Wildcard).exactMatch(name);
         if (isPlain(pattern, name)) {
             Fuzz::verify(isMatch == matchesPlain(pattern, name, sensitivity),
-                         "a plain wildcard matches otherwise than by hand");
+                         "a plain wildcard matches differently from the reference");
         }
         return isMatch;
     });

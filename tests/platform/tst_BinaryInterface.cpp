@@ -87,13 +87,13 @@ bool note(const char* className, const char* name, Type Class::*member)
 
 // Only an explicit instantiation may name private members outside the class.
 template <typename Tag, auto Member>
-struct NotedField
+struct RegisteredField
 {
     static const bool isNoted;
 };
 
 template <typename Tag, auto Member>
-const bool NotedField<Tag, Member>::isNoted = note(Tag::className, Tag::fieldName, Member);
+const bool RegisteredField<Tag, Member>::isNoted = note(Tag::className, Tag::fieldName, Member);
 
 #define NOTE_FIELD(Class, Name)                                                                    \
     struct Class##_##Name                                                                          \
@@ -101,7 +101,7 @@ const bool NotedField<Tag, Member>::isNoted = note(Tag::className, Tag::fieldNam
         static constexpr char className[] = #Class;                                                \
         static constexpr char fieldName[] = #Name;                                                 \
     };                                                                                             \
-    template struct NotedField<Class##_##Name, &Class::Name>;
+    template struct RegisteredField<Class##_##Name, &Class::Name>;
 
 NOTE_FIELD(DirectoryWatcher, m_fileSystemWatcher)
 NOTE_FIELD(DirectoryWatcher, m_delayTimer)

@@ -96,10 +96,10 @@ void makeTree(const QString& root)
 {
     for (int i = 0; i < subdirectories; ++i) {
         const QString directory = QStringLiteral("%1/folder%2").arg(root).arg(i);
-        require(QDir().mkpath(directory), "a directory of the tree cannot be made");
+        require(QDir().mkpath(directory), "a directory of the tree cannot be created");
         for (int j = 0; j < filesPerDirectory; ++j) {
             require(touch(QStringLiteral("%1/file%2.txt").arg(directory).arg(j)),
-                    "a file of the tree cannot be made");
+                    "a file of the tree cannot be created");
         }
     }
 }
@@ -147,7 +147,7 @@ void searchInPool(const QString& root, QThreadPool& pool)
         worker, &RecursiveFileSearchWorkerThread::searchFinished, [&] { pool.start(worker); },
         "a search did not end");
     require(found == subdirectories * filesPerDirectory,
-            "a search in the pool found something else");
+            "a search in the pool has the wrong result");
 }
 
 void searchMedium(const QString& root)
@@ -158,19 +158,19 @@ void searchMedium(const QString& root)
     QObject::connect(&watcher, &MediaWatcher::filesFound,
                      [&found](const QFileInfoList& files) { found = files.size(); });
     watcher.mediumMounted(root);
-    require(found == subdirectories, "the top of a medium holds something else");
+    require(found == subdirectories, "the top directory of a medium has the wrong content");
     watcher.setRecursive(true);
     watcher.mediumMounted(root);
-    require(found == subdirectories * (filesPerDirectory + 1), "a medium holds something else");
+    require(found == subdirectories * (filesPerDirectory + 1), "a medium has the wrong content");
 }
 
 void runPrograms()
 {
     QProcessHandler handler;
-    require(handler.startProcess("true", {}) == 0, "true gave something else");
+    require(handler.startProcess("true", {}) == 0, "true has the wrong result");
     require(handler.startProcess("echo", {"text"}) == 0 &&
                 handler.getStandardOutput() == QLatin1String("text\n"),
-            "echo gave something else");
+            "echo has the wrong result");
     require(handler.startProcess("/nonexistent/program", {}) == -1,
             "a missing program was started");
     // Still running when the handler is destroyed.
@@ -184,7 +184,7 @@ void parseText(const QString& root)
     require(write(path, "version=1\nversion=2\n"), "a text file cannot be written");
     TextFileParser parser(path);
     require(parser.multiMatch(QRegularExpression("version=(\\d)")) == QStringList({"1", "2"}),
-            "a text file matches something else");
+            "a text file has the wrong match");
     require(parser.match(QRegularExpression("(")).isNull(), "an invalid expression matches");
     require(TextFileParser(root + "/none").hasError(), "a missing file was read");
     require(QFile::remove(path), "a text file cannot be removed");
@@ -201,10 +201,10 @@ void readHardware(const QString& root)
     HardwareInfo info;
     require(write(path, image.bytes()) && reader.readHardwareInfoFromSysFs(temporary, path, info) &&
                 info.type() == QLatin1String("4711"),
-            "an EEPROM gave something else");
+            "an EEPROM image has the wrong record");
     require(write(path, EepromImage(image).flipBit(EepromImage::headerEnd, 0).bytes()) &&
                 !reader.readHardwareInfoFromSysFs(temporary, path, info),
-            "a damaged EEPROM was believed");
+            "a damaged EEPROM image was accepted");
     require(QFile::remove(path), "an EEPROM image cannot be removed");
 }
 
@@ -214,7 +214,7 @@ void hashFiles(const QString& root)
     require(write(path, QByteArray(100000, 'x')), "a file to hash cannot be written");
     require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).toHex() ==
                 "d5816f35916d1d9482fb0f1ec201101d",
-            "a file has another hash");
+            "a file has the wrong hash");
     require(QFile::remove(path), "a hashed file cannot be removed");
     require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).isNull(),
             "a missing file has a hash");
@@ -248,11 +248,11 @@ void runRound(const QString& root, QThreadPool& pool)
     readHardware(root);
     hashFiles(root);
     // The pool deletes a worker after it emitted its signal.
-    require(pool.waitForDone(longWhileInMs), "the pool is still at work");
+    require(pool.waitForDone(longWhileInMs), "the pool is still working");
     QCoreApplication::processEvents();
     require(libraryWarnings - warningsBefore == warningsPerRound,
-            "the library warned of something else");
-    require(countTemporaryFiles() == filesBefore, "a temporary file stayed");
+            "the library logged an unexpected warning");
+    require(countTemporaryFiles() == filesBefore, "a temporary file remained");
 }
 
 struct Figure

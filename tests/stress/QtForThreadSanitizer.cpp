@@ -62,15 +62,15 @@ char* statusOf(const QSettings* settings)
 }
 
 // Every access to the content may have to parse a section, which sets the status.
-void noteReading(const QSettings* settings)
+void annotateRead(const QSettings* settings)
 {
     __tsan_read1(enteredGroup(settings));
     __tsan_write1(statusOf(settings));
 }
 
-void noteWriting(const QSettings* settings)
+void annotateWrite(const QSettings* settings)
 {
-    noteReading(settings);
+    annotateRead(settings);
     __tsan_write1(pendingNote(settings));
 }
 
@@ -169,7 +169,7 @@ void QSettings::setValue(const QString& key, const QVariant& value)
 {
     static auto* const set = original<void(QSettings*, const QString&, const QVariant&)>(
         "_ZN9QSettings8setValueERK7QStringRK8QVariant");
-    noteWriting(this);
+    annotateWrite(this);
     set(this, key, value);
 }
 
@@ -177,7 +177,7 @@ void QSettings::remove(const QString& key)
 {
     static auto* const removeKey =
         original<void(QSettings*, const QString&)>("_ZN9QSettings6removeERK7QString");
-    noteWriting(this);
+    annotateWrite(this);
     removeKey(this, key);
 }
 
@@ -185,7 +185,7 @@ bool QSettings::contains(const QString& key) const
 {
     static auto* const containsKey =
         original<bool(const QSettings*, const QString&)>("_ZNK9QSettings8containsERK7QString");
-    noteReading(this);
+    annotateRead(this);
     return containsKey(this, key);
 }
 
@@ -194,7 +194,7 @@ QVariant QSettings::value(const QString& key, const QVariant& defaultValue) cons
     static auto* const readValue =
         original<QVariant(const QSettings*, const QString&, const QVariant&)>(
             "_ZNK9QSettings5valueERK7QStringRK8QVariant");
-    noteReading(this);
+    annotateRead(this);
     return readValue(this, key, defaultValue);
 }
 
@@ -202,7 +202,7 @@ QStringList QSettings::childKeys() const
 {
     static auto* const listKeys =
         original<QStringList(const QSettings*)>("_ZNK9QSettings9childKeysEv");
-    noteReading(this);
+    annotateRead(this);
     return listKeys(this);
 }
 
@@ -210,6 +210,6 @@ QStringList QSettings::childGroups() const
 {
     static auto* const listGroups =
         original<QStringList(const QSettings*)>("_ZNK9QSettings11childGroupsEv");
-    noteReading(this);
+    annotateRead(this);
     return listGroups(this);
 }

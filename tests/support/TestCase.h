@@ -40,7 +40,7 @@ protected:
 
     // The number of rounds of a stress test: that of a quick run, or that of a full run if the
     // environment variable MISCTOOLS_STRESS is "full". Under an emulator, a tenth of a quick run.
-    static int stressRounds(int shortForm, int fullForm);
+    static int stressRounds(int quickRounds, int fullRounds);
 
     // The whole content of a file; a null array if it cannot be read.
     static QByteArray readFile(const QString& filePath);

@@ -178,8 +178,8 @@ QVector<VariantSample> others()
 {
     using Sample = VariantSample;
     const QVariant curve = QEasingCurve(QEasingCurve::Linear);
-    QString curveText; // holds the address of a function
-    QDebug(&curveText).nospace() << curve;
+    QString addressText; // holds the address of a function
+    QDebug(&addressText).nospace() << curve;
 
     QMetaType::registerConverter<ConvertibleType, QString>(
         [](const ConvertibleType&) { return "converted"; });
@@ -190,7 +190,7 @@ QVector<VariantSample> others()
 
     return {
         Sample("invalid", QVariant(), "QVariant(Invalid)"),
-        Sample("QEasingCurve", curve, curveText),
+        Sample("QEasingCurve", curve, addressText),
         Sample("void*", QVariant::fromValue<void*>(nullptr), "QVariant(void*, 0x0)"),
         Sample("QObject*", QVariant::fromValue<QObject*>(nullptr),
                "QVariant(QObject*, QObject(0x0))"),

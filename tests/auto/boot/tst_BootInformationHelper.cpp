@@ -66,7 +66,7 @@ void put(const QString& path, Marker marker)
 }
 
 // Whether anything exists at the path, even a dangling link.
-bool isSomethingAt(const QString& path)
+bool existsOrIsLink(const QString& path)
 {
     const QFileInfo info(path);
     return info.exists() || info.isSymLink();
@@ -125,7 +125,7 @@ void tst_BootInformationHelper::bootMode_data()
     {
         const char* name;
         QString code;
-        bool tellsHardResets;
+        bool isHardResetProduct;
     };
     const Product products[] = {
         {"640917", "640917", true},        {"different product", "640918", false},
@@ -136,7 +136,7 @@ void tst_BootInformationHelper::bootMode_data()
     {
         const char* name;
         const char* commandLine;
-        bool asksForFactoryReset;
+        bool isFactoryReset;
     };
     const Argument arguments[] = {
         {"no argument", "console=ttyS0 quiet\n", false},
@@ -159,16 +159,16 @@ void tst_BootInformationHelper::bootMode_data()
         for (const Product& product : products) {
             for (const NamedMarker& firmware : markers) {
                 for (const Argument& argument : arguments) {
-                    const bool hardReset = !counts(reboot.marker) && product.tellsHardResets;
-                    const int mode = hardReset                      ? 3
-                                     : counts(firmware.marker)      ? 1
-                                     : argument.asksForFactoryReset ? 2
-                                                                    : 0;
+                    const bool hardReset = !counts(reboot.marker) && product.isHardResetProduct;
+                    const int mode = hardReset                 ? 3
+                                     : counts(firmware.marker) ? 1
+                                     : argument.isFactoryReset ? 2
+                                                               : 0;
                     QTest::addRow("reboot: %s, %s, firmware: %s, %s", reboot.name, product.name,
                                   firmware.name, argument.name)
                         << reboot.marker << product.code << firmware.marker
-                        << QByteArray(argument.commandLine) << hardReset
-                        << argument.asksForFactoryReset << mode;
+                        << QByteArray(argument.commandLine) << hardReset << argument.isFactoryReset
+                        << mode;
                 }
             }
         }
@@ -298,7 +298,7 @@ void tst_BootInformationHelper::deleteFirmwareUpdateMarker()
             .function("void BootInformationHelper::deleteFirmwareUpdateMarker() const");
     }
     BootInformationHelper().deleteFirmwareUpdateMarker();
-    QCOMPARE(isSomethingAt(firmwareMarker), !isGone);
+    QCOMPARE(existsOrIsLink(firmwareMarker), !isGone);
     QVERIFY(QFile::exists(rebootMarker));
 }
 
@@ -331,7 +331,7 @@ void tst_BootInformationHelper::deleteOrvalisRebootMarker()
             .function("void BootInformationHelper::deleteOrvalisRebootMarker() const");
     }
     BootInformationHelper().deleteOrvalisRebootMarker();
-    QCOMPARE(isSomethingAt(rebootMarker), !isGone);
+    QCOMPARE(existsOrIsLink(rebootMarker), !isGone);
     QVERIFY(QFile::exists(firmwareMarker));
 }
 

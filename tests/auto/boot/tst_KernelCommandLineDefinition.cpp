@@ -19,7 +19,7 @@ class tst_KernelCommandLineDefinition : public TestCase
 private Q_SLOTS:
     void names_data();
     void names();
-    void constructionIsSilent();
+    void constructionLogsNothing();
 };
 
 void tst_KernelCommandLineDefinition::names_data()
@@ -48,7 +48,7 @@ void tst_KernelCommandLineDefinition::names()
     QCOMPARE(elsewhere, &first);
 }
 
-void tst_KernelCommandLineDefinition::constructionIsSilent()
+void tst_KernelCommandLineDefinition::constructionLogsNothing()
 {
     const QScopedPointer<KernelCommandLineDefinition> definition(new KernelCommandLineDefinition);
     QCOMPARE(messages().takeProblems(), QStringList());

@@ -12,9 +12,9 @@
 #include <type_traits>
 
 using Record = DragIndicator::DragIndicatorInstance;
-using Deed = std::function<void(DragIndicator&)>;
+using Operation = std::function<void(DragIndicator&)>;
 
-Q_DECLARE_METATYPE(Deed)
+Q_DECLARE_METATYPE(Operation)
 
 // Applications may derive from the class and delete objects through a base pointer.
 static_assert(std::is_polymorphic<DragIndicator>::value, "has virtual functions");
@@ -89,7 +89,7 @@ QString maxDateOf(const DragIndicator& indicator, int index)
     return dateOf(indicator, index, "MaxValueDate");
 }
 
-Record takenRecord(double minimum, double maximum)
+Record filledRecord(double minimum, double maximum)
 {
     Record record;
     record.minValue = minimum;
@@ -301,7 +301,7 @@ void tst_DragIndicator::firstDatesAreTheCurrentTime()
 void tst_DragIndicator::maximumIsUpdatedBeforeMinimum()
 {
     // Only a hand-made record can have one value change both extremes.
-    Record record = takenRecord(9, 1);
+    Record record = filledRecord(9, 1);
     DragIndicator indicator;
     TestClock clock(noon.addDays(1), 1000);
     QVERIFY(indicator.checkInstance(record, 5));
@@ -333,7 +333,7 @@ void tst_DragIndicator::everyNewExtremeReadsClockAgain()
     QFETCH(int, minSeconds);
     QFETCH(int, maxSeconds);
 
-    Record record = takenRecord(4, 6);
+    Record record = filledRecord(4, 6);
     DragIndicator indicator;
     TestClock clock(noon.addSecs(60), 1000);
     QCOMPARE(indicator.checkInstance(record, value), !readings.isEmpty());
@@ -393,7 +393,7 @@ void tst_DragIndicator::datesKeepTheirTimeSpec()
     QFETCH(QDateTime, before);
     QFETCH(QDateTime, after);
 
-    Record record = takenRecord(9, 1);
+    Record record = filledRecord(9, 1);
     record.minValueDate = before;
     record.maxValueDate = before;
     DragIndicator indicator;
@@ -538,17 +538,17 @@ void tst_DragIndicator::missingRecordWarns()
 
 void tst_DragIndicator::negativeIndexAbortsProcess_data()
 {
-    QTest::addColumn<Deed>("read");
+    QTest::addColumn<Operation>("read");
 
     for (const int index : {-1, std::numeric_limits<int>::min()}) {
         QTest::addRow("minimum of %d", index)
-            << Deed([index](DragIndicator& it) { it.getMinValue(Records::at(index)); });
+            << Operation([index](DragIndicator& it) { it.getMinValue(Records::at(index)); });
         QTest::addRow("maximum of %d", index)
-            << Deed([index](DragIndicator& it) { it.getMaxValue(Records::at(index)); });
+            << Operation([index](DragIndicator& it) { it.getMaxValue(Records::at(index)); });
         QTest::addRow("whether %d is initialized", index)
-            << Deed([index](DragIndicator& it) { it.isInitialized(Records::at(index)); });
+            << Operation([index](DragIndicator& it) { it.isInitialized(Records::at(index)); });
     }
-    QTest::newRow("no records") << Deed([](DragIndicator& it) {
+    QTest::newRow("no records") << Operation([](DragIndicator& it) {
         it.fromJsonArray(QJsonArray());
         it.getMinValue(Records::at(-1));
     });
@@ -556,7 +556,7 @@ void tst_DragIndicator::negativeIndexAbortsProcess_data()
 
 void tst_DragIndicator::negativeIndexAbortsProcess()
 {
-    QFETCH(Deed, read);
+    QFETCH(Operation, read);
 
     const ChildResult result = ChildProcess::run([&read] {
         DragIndicator indicator;
@@ -608,25 +608,25 @@ void tst_DragIndicator::importedTextDatesReportOneChange()
 
 void tst_DragIndicator::otherCallsKeepTextDatesPending_data()
 {
-    QTest::addColumn<Deed>("deed");
+    QTest::addColumn<Operation>("operation");
 
-    QTest::newRow("no call") << Deed([](DragIndicator&) {});
-    QTest::newRow("first value of a record") << Deed([](DragIndicator& it) {
+    QTest::newRow("no call") << Operation([](DragIndicator&) {});
+    QTest::newRow("first value of a record") << Operation([](DragIndicator& it) {
         Record record;
         QVERIFY(it.checkInstance(record, 5));
     });
-    QTest::newRow("reset") << Deed([](DragIndicator& it) { it.reset(); });
-    QTest::newRow("more records") << Deed([](DragIndicator& it) { it.initObject(); });
-    QTest::newRow("reading") << Deed([](DragIndicator& it) {
+    QTest::newRow("reset") << Operation([](DragIndicator& it) { it.reset(); });
+    QTest::newRow("more records") << Operation([](DragIndicator& it) { it.initObject(); });
+    QTest::newRow("reading") << Operation([](DragIndicator& it) {
         it.getMinValue(DragIndicator::ResettableInstance);
         it.getMaxValue(DragIndicator::ResettableInstance);
         it.isInitialized(DragIndicator::ResettableInstance);
         it.isIsoFormat(isoDate);
     });
-    QTest::newRow("export") << Deed([](DragIndicator& it) { it.asJsonArray(); });
+    QTest::newRow("export") << Operation([](DragIndicator& it) { it.asJsonArray(); });
     QTest::newRow("import of ISO dates")
-        << Deed([](DragIndicator& it) { QVERIFY(it.fromJsonArray(records(isoDate))); });
-    QTest::newRow("copy") << Deed([](DragIndicator& it) {
+        << Operation([](DragIndicator& it) { QVERIFY(it.fromJsonArray(records(isoDate))); });
+    QTest::newRow("copy") << Operation([](DragIndicator& it) {
         const DragIndicator copy(it);
         it = DragIndicator();
         it = copy;
@@ -635,11 +635,11 @@ void tst_DragIndicator::otherCallsKeepTextDatesPending_data()
 
 void tst_DragIndicator::otherCallsKeepTextDatesPending()
 {
-    QFETCH(Deed, deed);
+    QFETCH(Operation, operation);
 
     DragIndicator indicator;
     QVERIFY(indicator.fromJsonArray(records(textDate)));
-    deed(indicator);
+    operation(indicator);
     QVERIFY(Records::takeTextDateImported(indicator));
     QVERIFY(!Records::takeTextDateImported(indicator));
 }

@@ -60,7 +60,7 @@ namespace {
 const QString isoDate = "2024-03-01T12:30:05";
 const QString textDate = "Fri Mar 1 12:30:05 2024";
 
-QJsonObject goodObject()
+QJsonObject validObject()
 {
     return Records::object(1.5, 2.5, isoDate);
 }
@@ -162,7 +162,7 @@ void tst_DragIndicatorJson::wrongCount()
     QFETCH(int, count);
     QJsonArray array;
     for (int i = 0; i < count; ++i) {
-        array.append(goodObject());
+        array.append(validObject());
     }
     DragIndicator indicator;
     indicator.compute(1.0);
@@ -198,8 +198,8 @@ void tst_DragIndicatorJson::nonObjectElementIsReported()
     DragIndicator second;
     expectFromImport(text);
     expectEnd();
-    QVERIFY(!second.fromJsonArray({goodObject(), element}));
-    QCOMPARE(second.asJsonArray(), QJsonArray{goodObject()});
+    QVERIFY(!second.fromJsonArray({validObject(), element}));
+    QCOMPARE(second.asJsonArray(), QJsonArray{validObject()});
 
     DragIndicator both;
     expectFromImport(text);
@@ -241,14 +241,14 @@ void tst_DragIndicatorJson::soleObjectBecomesFirstRecord()
     expectFromImport(QStringLiteral(
         "Cannot convert json value for instance to object: QJsonValue(double, 5) !"));
     expectEnd();
-    QVERIFY(!indicator.fromJsonArray({5, goodObject()}));
+    QVERIFY(!indicator.fromJsonArray({5, validObject()}));
     QCOMPARE(recordCount(indicator), 1);
     QCOMPARE(indicator.getMaxValue(Records::at(0)), 2.5);
 }
 
 void tst_DragIndicatorJson::missingKeyIsLoggedWithItsObject()
 {
-    QJsonObject object = goodObject();
+    QJsonObject object = validObject();
     object.remove("Initialized");
     DragIndicator indicator;
     expectFromImport(
@@ -256,7 +256,7 @@ void tst_DragIndicatorJson::missingKeyIsLoggedWithItsObject()
                        "QJsonObject({\"MaxValue\":2.5,\"MaxValueDate\":\"2024-03-01T12:30:05\","
                        "\"MinValue\":1.5,\"MinValueDate\":\"2024-03-01T12:30:05\"}) !"));
     expectEnd();
-    QVERIFY(!indicator.fromJsonArray({object, goodObject()}));
+    QVERIFY(!indicator.fromJsonArray({object, validObject()}));
     QCOMPARE(recordCount(indicator), 2);
     QVERIFY(!indicator.isInitialized(Records::at(0)));
     QVERIFY(indicator.isInitialized(Records::at(1)));
@@ -264,12 +264,12 @@ void tst_DragIndicatorJson::missingKeyIsLoggedWithItsObject()
 
 void tst_DragIndicatorJson::otherMembersAreIgnored()
 {
-    QJsonObject object = goodObject();
+    QJsonObject object = validObject();
     object.insert("Unit", "bar");
     object.insert("minvalue", "keys are compared exactly");
     DragIndicator indicator;
-    QVERIFY(indicator.fromJsonArray({object, goodObject()}));
-    QCOMPARE(indicator.asJsonArray(), (QJsonArray{goodObject(), goodObject()}));
+    QVERIFY(indicator.fromJsonArray({object, validObject()}));
+    QCOMPARE(indicator.asJsonArray(), (QJsonArray{validObject(), validObject()}));
 }
 
 void tst_DragIndicatorJson::everyStateOfEveryMember_data()
@@ -310,7 +310,7 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
 
     int cases = 0;
     for (int code = 0; code < states * states * states * states * states; ++code) {
-        QJsonObject object = goodObject();
+        QJsonObject object = validObject();
         QJsonObject expected = object;
         QVector<State> state;
         bool isPossible = true;
@@ -348,9 +348,9 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
         if (!isComplete) {
             expectEnd();
         }
-        QJsonArray array{goodObject(), goodObject()};
+        QJsonArray array{validObject(), validObject()};
         array.replace(index, object);
-        QJsonArray expectedArray{goodObject(), goodObject()};
+        QJsonArray expectedArray{validObject(), validObject()};
         expectedArray.replace(index, expected);
 
         DragIndicator indicator;
@@ -590,15 +590,15 @@ void tst_DragIndicatorJson::textDateIsReportedOnce()
 {
     QFETCH(int, index);
     QFETCH(QString, key);
-    QJsonObject object = goodObject();
+    QJsonObject object = validObject();
     object.insert(key, textDate);
-    QJsonArray array{goodObject(), goodObject()};
+    QJsonArray array{validObject(), validObject()};
     array.replace(index, object);
     DragIndicator indicator;
     QVERIFY(indicator.fromJsonArray(array));
     QVERIFY(indicator.compute(2.0));
     QVERIFY(!indicator.compute(2.0));
-    QCOMPARE(indicator.asJsonArray(), (QJsonArray{goodObject(), goodObject()}));
+    QCOMPARE(indicator.asJsonArray(), (QJsonArray{validObject(), validObject()}));
 }
 
 void tst_DragIndicatorJson::failedImportKeepsImportedMembers()
@@ -608,14 +608,14 @@ void tst_DragIndicatorJson::failedImportKeepsImportedMembers()
     DragIndicator indicator;
     expectMissingKey("MinValue", object);
     expectEnd();
-    QVERIFY(!indicator.fromJsonArray({object, goodObject()}));
+    QVERIFY(!indicator.fromJsonArray({object, validObject()}));
     QCOMPARE(indicator.getMinValue(Records::at(0)), 0.0);
     QCOMPARE(indicator.getMaxValue(Records::at(0)), 2.5);
     QVERIFY(indicator.compute(2.0)); // reports the text date
     QVERIFY(!indicator.compute(2.0));
 
     // The next import starts with an empty list.
-    QVERIFY(indicator.fromJsonArray({goodObject(), goodObject()}));
+    QVERIFY(indicator.fromJsonArray({validObject(), validObject()}));
     QCOMPARE(recordCount(indicator), 2);
 }
 

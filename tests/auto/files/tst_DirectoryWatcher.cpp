@@ -153,7 +153,7 @@ void tst_DirectoryWatcher::methods()
 
 void tst_DirectoryWatcher::burstIsOneSignal_data()
 {
-    QTest::addColumn<QStringList>("notices");
+    QTest::addColumn<QStringList>("notifications");
     QTest::newRow("one") << QStringList(directoryA);
     QTest::newRow("several in order") << QStringList({directoryA, directoryB, directoryA});
     QTest::newRow("the same three times") << QStringList({directoryB, directoryB, directoryB});
@@ -169,21 +169,21 @@ void tst_DirectoryWatcher::burstIsOneSignal_data()
 
 void tst_DirectoryWatcher::burstIsOneSignal()
 {
-    QFETCH(QStringList, notices);
+    QFETCH(QStringList, notifications);
 
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     QElapsedTimer clock;
-    for (const QString& notice : qAsConst(notices)) {
+    for (const QString& notification : qAsConst(notifications)) {
         clock.start();
-        watcher.directoryGotChanged(notice);
+        watcher.directoryGotChanged(notification);
     }
     QCOMPARE(changes.count(), 0);
     QVERIFY(changes.wait());
     QVERIFY(clock.elapsed() >= earliestInMs(shortDelayInMs));
     QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes.first().first().toStringList(), notices);
+    QCOMPARE(changes.first().first().toStringList(), notifications);
 
     // The burst is over: nothing else is reported.
     watcher.directoryGotChanged(directoryB);
@@ -224,21 +224,21 @@ void tst_DirectoryWatcher::defaultDelayIsOneSecond()
 void tst_DirectoryWatcher::everyNotificationRestartsTheDelay()
 {
     constexpr int delayInMs = 60;
-    constexpr int noticeCount = 20;
+    constexpr int notificationCount = 20;
 
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(delayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    QStringList notices;
+    QStringList notifications;
     QElapsedTimer clock;
     QTimer stream;
     connect(&stream, &QTimer::timeout, &watcher, [&] {
         QCOMPARE(changes.count(), 0);
-        const QString notice = QString::number(notices.size());
-        notices.append(notice);
+        const QString notification = QString::number(notifications.size());
+        notifications.append(notification);
         clock.start();
-        watcher.directoryGotChanged(notice);
-        if (notices.size() == noticeCount) {
+        watcher.directoryGotChanged(notification);
+        if (notifications.size() == notificationCount) {
             stream.stop();
         }
     });
@@ -246,9 +246,9 @@ void tst_DirectoryWatcher::everyNotificationRestartsTheDelay()
     stream.start(delayInMs / 4);
     QVERIFY(changes.wait());
     QVERIFY(clock.elapsed() >= earliestInMs(delayInMs));
-    QCOMPARE(notices.size(), noticeCount);
+    QCOMPARE(notifications.size(), notificationCount);
     QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes.first().first().toStringList(), notices);
+    QCOMPARE(changes.first().first().toStringList(), notifications);
 }
 
 void tst_DirectoryWatcher::nextBurstStartsEmpty()
@@ -258,8 +258,8 @@ void tst_DirectoryWatcher::nextBurstStartsEmpty()
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     for (const QStringList& burst : {QStringList(directoryA), QStringList({directoryB, directoryB}),
                                      QStringList(directoryA)}) {
-        for (const QString& notice : burst) {
-            watcher.directoryGotChanged(notice);
+        for (const QString& notification : burst) {
+            watcher.directoryGotChanged(notification);
         }
         QVERIFY(changes.wait());
         QCOMPARE(changes.takeFirst().first().toStringList(), burst);

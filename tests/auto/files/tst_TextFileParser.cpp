@@ -42,7 +42,7 @@ enum Outcome
 };
 
 // Peak memory use of this process.
-int mostMemoryInMiB()
+int peakMemoryInMiB()
 {
     rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
@@ -735,7 +735,7 @@ void tst_TextFileParser::hostileExpressions()
     const QRegularExpression expression(pattern);
     const QString invalidMatch = "Invalid match on expresion: ";
     const QString shown = QString(pattern).replace("\\", "\\\\");
-    const int memoryBefore = mostMemoryInMiB();
+    const int memoryBefore = peakMemoryInMiB();
     const CpuTime time;
 
     TextFileParser parser(writeFile("hostile", hostile));
@@ -756,7 +756,7 @@ void tst_TextFileParser::hostileExpressions()
         QVERIFY(!both.hasError());
     }
     QVERIFY2(time.seconds() < 60, qPrintable(QString::number(time.seconds())));
-    const int memory = mostMemoryInMiB() - memoryBefore;
+    const int memory = peakMemoryInMiB() - memoryBefore;
     QVERIFY2(memory < 128, qPrintable(QString::number(memory)));
 }
 
@@ -779,10 +779,10 @@ void tst_TextFileParser::patternMayLimitMemory()
     const QString pattern = "(*NO_JIT)(*LIMIT_HEAP=10000)^(a|b)*$";
     TextFileParser parser(writeFile("file", QByteArray(1000000, 'a')));
     expectError("Invalid match on expresion: " + pattern);
-    const int before = mostMemoryInMiB();
+    const int before = peakMemoryInMiB();
     QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
     QVERIFY(parser.hasError());
-    QVERIFY(mostMemoryInMiB() - before < 128);
+    QVERIFY(peakMemoryInMiB() - before < 128);
 }
 
 void tst_TextFileParser::internalMatchReturnsAllGroups()

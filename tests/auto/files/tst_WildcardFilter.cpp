@@ -5,7 +5,8 @@
 #include <memory>
 #include <type_traits>
 
-static_assert(std::has_virtual_destructor<WildcardFilter>::value, "filters may be derived from");
+static_assert(std::has_virtual_destructor<WildcardFilter>::value,
+              "filters may be deleted through a base pointer");
 static_assert(std::is_copy_constructible<WildcardFilter>::value &&
                   std::is_copy_assignable<WildcardFilter>::value,
               "filters are values");

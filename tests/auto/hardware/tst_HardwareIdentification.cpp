@@ -22,7 +22,7 @@ namespace {
 
 constexpr char divideSignature[] = "void HardwareIdentification::divideHardwareID(const QString&)";
 
-const QString goodId = "1234567891234567";
+const QString validId = "1234567891234567";
 
 QString anyDigit(QRandomGenerator& random)
 {
@@ -145,10 +145,10 @@ void tst_HardwareIdentification::invalidIdLeavesPartsEmpty_data()
     size("14 digits", "12345678912345", 14);
     size("15 digits", "123456789123456", 15);
     size("17 digits", "12345678912345678", 17);
-    size("32 digits", goodId + goodId, 32);
-    size("line feed behind", goodId + QLatin1Char('\n'), 17);
-    size("NUL behind", goodId + QChar(QChar::Null), 17);
-    size("letters, too", "abc", 3);
+    size("32 digits", validId + validId, 32);
+    size("trailing line feed", validId + QLatin1Char('\n'), 17);
+    size("trailing NUL", validId + QChar(QChar::Null), 17);
+    size("only letters", "abc", 3);
     size("length counts UTF-16 units", QString::fromUtf8("\xF0\x9D\x9F\x8E").repeated(7), 14);
 
     // The ID as QDebug shows it.
@@ -160,20 +160,20 @@ void tst_HardwareIdentification::invalidIdLeavesPartsEmpty_data()
     const auto plain = [&numbers](const char* situation, const char* id) {
         numbers(situation, QString::fromUtf8(id), QString::fromUtf8(id));
     };
-    plain("letter at the front", "A234567891234567");
+    plain("leading letter", "A234567891234567");
     plain("letter inside", "12345678912E4567");
-    plain("letter at the end", "123456789123456x");
+    plain("trailing letter", "123456789123456x");
     plain("hexadecimal digits", "12345678ABCDEF12");
-    plain("blank at the front", " 123456789123456");
-    plain("blank at the end", "123456789123456 ");
+    plain("leading space", " 123456789123456");
+    plain("trailing space", "123456789123456 ");
     plain("minus", "-123456789123456");
     plain("plus", "+123456789123456");
-    plain("point", "1234567.91234567");
+    plain("period", "1234567.91234567");
     plain("slash, just below the digits", "1234567/91234567");
     plain("colon, just above the digits", "1234567:91234567");
-    plain("only blanks", "                ");
+    plain("only spaces", "                ");
     plain("a letter before 000", "A234567800034500");
-    numbers("line feed at the end", "123456789123456\n", "123456789123456\\n");
+    numbers("15 digits and a trailing line feed", "123456789123456\n", "123456789123456\\n");
     numbers("NUL inside",
             QStringLiteral("1234567891") + QChar(QChar::Null) + QStringLiteral("34567"),
             "1234567891\\u000034567");
@@ -183,7 +183,7 @@ void tst_HardwareIdentification::invalidIdLeavesPartsEmpty_data()
     numbers("Devanagari digits", devanagari, devanagari);
     const QString fullwidth = QString::fromUtf8("\xEF\xBC\x91").repeated(16);
     numbers("fullwidth digits", fullwidth, fullwidth);
-    const QString superscript = goodId.left(15) + QChar(0xB2);
+    const QString superscript = validId.left(15) + QChar(0xB2);
     numbers("one superscript", superscript, superscript);
     const QString mathematical = QString::fromUtf8("\xF0\x9D\x9F\x8F").repeated(8);
     numbers("digits of two UTF-16 units", mathematical, mathematical);
@@ -216,7 +216,7 @@ void tst_HardwareIdentification::failureClearsThePreviousId()
 {
     QFETCH(QString, id);
     QFETCH(QString, warning);
-    HardwareIdentification identification(goodId);
+    HardwareIdentification identification(validId);
     QVERIFY(identification.isHardwareIDValid());
     messages().expectWarning("HardwareIdentification", warning).function(divideSignature);
     identification.divideHardwareID(id);
@@ -225,12 +225,12 @@ void tst_HardwareIdentification::failureClearsThePreviousId()
 
 void tst_HardwareIdentification::validIdReplacesThePreviousId()
 {
-    HardwareIdentification identification(goodId);
+    HardwareIdentification identification(validId);
     const HardwareIdentification copy(identification);
     identification.divideHardwareID("0000000000100001");
     const Parts expected = {true, {"000000", "00", "001", "000", "01"}};
     QCOMPARE(partsOf(identification), expected);
-    QCOMPARE(partsOf(copy), partsOf(HardwareIdentification(goodId)));
+    QCOMPARE(partsOf(copy), partsOf(HardwareIdentification(validId)));
 }
 
 void tst_HardwareIdentification::validIdIsParsedAfterAnInvalidOne()
@@ -239,13 +239,13 @@ void tst_HardwareIdentification::validIdIsParsedAfterAnInvalidOne()
         .expectWarning("HardwareIdentification", "Size of hardware ID is invalid 3")
         .function(divideSignature);
     HardwareIdentification identification("123");
-    identification.divideHardwareID(goodId);
-    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
+    identification.divideHardwareID(validId);
+    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(validId)));
 }
 
 void tst_HardwareIdentification::gettersReturnCopies()
 {
-    const HardwareIdentification identification(goodId);
+    const HardwareIdentification identification(validId);
     QString part = identification.getProductGroupNumber();
     part[0] = QLatin1Char('x');
     QCOMPARE(identification.getProductGroupNumber(), QStringLiteral("123456"));
@@ -257,19 +257,19 @@ void tst_HardwareIdentification::containsSixteenDigits_data()
     QTest::addColumn<bool>("contains");
 
     QTest::newRow("null") << QString() << false;
-    QTest::newRow("15 digits") << goodId.left(15) << false;
-    QTest::newRow("16 digits") << goodId << true;
+    QTest::newRow("15 digits") << validId.left(15) << false;
+    QTest::newRow("16 digits") << validId << true;
     QTest::newRow("16 zeros") << QString(16, QLatin1Char('0')) << true;
-    QTest::newRow("17 digits") << goodId + QLatin1Char('8') << true;
-    QTest::newRow("many digits") << goodId.repeated(100) << true;
-    QTest::newRow("16 digits after a word") << "ID " + goodId << true;
-    QTest::newRow("16 digits before a word") << goodId + " is it" << true;
-    QTest::newRow("16 digits between others") << "1 22 333 x" + goodId + "x4" << true;
-    QTest::newRow("16 digits in the second line") << "a\n" + goodId << true;
-    QTest::newRow("16 digits after a NUL") << QString(1, QChar::Null) + goodId << true;
+    QTest::newRow("17 digits") << validId + QLatin1Char('8') << true;
+    QTest::newRow("many digits") << validId.repeated(100) << true;
+    QTest::newRow("16 digits after a word") << "ID " + validId << true;
+    QTest::newRow("16 digits before a word") << validId + " is it" << true;
+    QTest::newRow("16 digits between others") << "1 22 333 x" + validId + "x4" << true;
+    QTest::newRow("16 digits in the second line") << "a\n" + validId << true;
+    QTest::newRow("16 digits after a NUL") << QString(1, QChar::Null) + validId << true;
     QTest::newRow("twice 15 digits")
-        << goodId.left(15) + QLatin1Char(' ') + goodId.left(15) << false;
-    QTest::newRow("15 digits and a non-Latin one") << goodId.left(15) + QChar(0x0661) << false;
+        << validId.left(15) + QLatin1Char(' ') + validId.left(15) << false;
+    QTest::newRow("15 digits and a non-Latin one") << validId.left(15) + QChar(0x0661) << false;
     QTest::newRow("16 non-Latin digits") << QString(16, QChar(0x0661)) << false;
     QTest::newRow("the library's expression") << "[0-9]{16,16}" << false;
 }
@@ -278,10 +278,10 @@ void tst_HardwareIdentification::containsSixteenDigits()
 {
     QFETCH(QString, text);
     QFETCH(bool, contains);
-    const HardwareIdentification identification(goodId);
+    const HardwareIdentification identification(validId);
     QCOMPARE(identification.containsHardwareIDOnlyNumbers(text), contains);
     // The check does not change the object's ID and logs nothing.
-    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
+    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(validId)));
 }
 
 void tst_HardwareIdentification::randomIdsMatchTheLiteralVersion()
@@ -296,7 +296,7 @@ void tst_HardwareIdentification::randomIdsMatchTheLiteralVersion()
         return texts;
     };
     QRandomGenerator random(1);
-    HardwareIdentification reused(goodId);
+    HardwareIdentification reused(validId);
     int outcomes[LiteralHardwareId::outcomeCount] = {};
     int longer = 0; // texts that contain sixteen digits
     for (int i = 0; i < ids; ++i) {

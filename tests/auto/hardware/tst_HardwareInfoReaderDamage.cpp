@@ -105,7 +105,7 @@ bool tst_HardwareInfoReaderDamage::isRead(const QString& warning)
                                        taken.first().level == QtWarningMsg &&
                                        values(m_info) == untouched;
     if (!isAsSaid) {
-        const QString report = "image %1 gives %2 and %3 messages: %4";
+        const QString report = "image %1: result %2, %3 messages: %4";
         QTest::qFail(
             qPrintable(report.arg(QString::fromLatin1(m_image.toHex()), QVariant(isRead).toString(),
                                   QString::number(taken.size()),

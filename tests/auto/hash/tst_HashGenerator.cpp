@@ -15,7 +15,7 @@
 
 static_assert(sizeof(HashGenerator) == sizeof(void*), "no fields");
 static_assert(std::has_virtual_destructor<HashGenerator>::value, "virtual destructor");
-static_assert(std::is_default_constructible<HashGenerator>::value, "an object can be made");
+static_assert(std::is_default_constructible<HashGenerator>::value, "objects can be created");
 static_assert(std::is_same<decltype(hashFromString("")), uint>::value, "32 bits");
 
 namespace {

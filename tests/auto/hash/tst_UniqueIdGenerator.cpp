@@ -10,9 +10,9 @@
 #include <type_traits>
 #include <vector>
 
-static_assert(!std::is_polymorphic<UniqueIdGenerator>::value, "nothing is virtual");
+static_assert(!std::is_polymorphic<UniqueIdGenerator>::value, "no virtual functions");
 static_assert(std::is_standard_layout<UniqueIdGenerator>::value, "its address is the counter's");
-static_assert(sizeof(UniqueIdGenerator) == sizeof(QAtomicInt), "the counter alone");
+static_assert(sizeof(UniqueIdGenerator) == sizeof(QAtomicInt), "only the counter");
 static_assert(std::is_same<decltype(std::declval<UniqueIdGenerator&>().getId()), QAtomicInt>::value,
               "an atomic integer by value");
 static_assert(std::is_same<decltype(UniqueIdGenerator::getInstance()), UniqueIdGenerator&>::value,

@@ -7,7 +7,7 @@
 
 #include <dlfcn.h>
 
-static_assert(!std::is_polymorphic<IniFileManager>::value, "there are no virtual functions");
+static_assert(!std::is_polymorphic<IniFileManager>::value, "no virtual functions");
 static_assert(!std::is_copy_constructible<IniFileManager>::value &&
                   !std::is_copy_assignable<IniFileManager>::value,
               "it owns settings and a mutex");

@@ -81,7 +81,7 @@ void appendB(QString& text)
     text += QLatin1Char('B');
 }
 
-void seeOnly(QString& text)
+void recordText(QString& text)
 {
     seenTexts.append(text);
 }
@@ -304,7 +304,7 @@ void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
     QFETCH(QString, name);
     QVERIFY(QFile::link(path("nowhere"), path("link.ini")));
     QVERIFY(QDir().mkdir(path("folder.ini")));
-    const CleanUpFunctionsGuard guard({&seeOnly});
+    const CleanUpFunctionsGuard guard({&recordText});
     seenTexts.clear();
 
     messages()
@@ -484,13 +484,13 @@ void tst_IniFileManagerCleanUp::functionsRunInOrder_data()
 
     QTest::newRow("library's and application's functions")
         << CleanUpFunctions{&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
-                            &appendA, &IniFileManager::cleanUpComments,       &seeOnly}
+                            &appendA, &IniFileManager::cleanUpComments,       &recordText}
         << QStringList{"%23,", "%23 A", "%23 AB", "# ABA"} << QByteArray("# ABA");
     // As many functions as the library has, but none of the library.
     QTest::newRow("two functions of the application")
         << CleanUpFunctions{&appendA, &appendB} << words("%23, %23,A") << QByteArray("%23,AB");
     QTest::newRow("the library's two, in reverse order")
-        << CleanUpFunctions{&IniFileManager::cleanUpListSeperators, &seeOnly,
+        << CleanUpFunctions{&IniFileManager::cleanUpListSeperators, &recordText,
                             &IniFileManager::cleanUpComments}
         << QStringList("%23 ") << QByteArray("# ");
     QTest::newRow("one of the library's twice")
@@ -526,7 +526,7 @@ void tst_IniFileManagerCleanUp::functionsReceiveTheTextOfTheFile()
     QFETCH(QByteArray, content);
     QFETCH(QString, text);
     writeIni(content);
-    const CleanUpFunctionsGuard guard({&seeOnly});
+    const CleanUpFunctionsGuard guard({&recordText});
     seenTexts.clear();
     IniFileManager::cleanUp(iniFile());
     QCOMPARE(seenTexts, QStringList(text));

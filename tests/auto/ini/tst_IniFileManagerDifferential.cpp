@@ -213,7 +213,7 @@ QString anyFilter(QRandomGenerator& random)
 
 // QSettings recognizes a changed file by its size and time. Two changes within the resolution of
 // the clock would be noticed in one run and not in another.
-void giveOwnTime(const QString& filePath, int number)
+void setUniqueTime(const QString& filePath, int number)
 {
     QFile file(filePath);
     const QDateTime time = QDateTime::fromSecsSinceEpoch(1000000000 + number);
@@ -281,7 +281,7 @@ QStringList tst_IniFileManagerDifferential::play(quint32 seed, const QByteArray&
                 record += callAnything(sameFile, random);
                 break;
             case 1:
-                giveOwnTime(writeFile(name, hostileFile(random)), i);
+                setUniqueTime(writeFile(name, hostileFile(random)), i);
                 break;
             default:
                 record += callAnything(file, random);

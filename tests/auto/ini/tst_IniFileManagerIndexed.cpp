@@ -226,7 +226,7 @@ void tst_IniFileManagerIndexed::gettersReturnTheValue()
 void tst_IniFileManagerIndexed::gettersBehaveAsThoseByGroup_data()
 {
     QTest::addColumn<QByteArray>("lines");
-    QTest::addColumn<QString>("askedKey");
+    QTest::addColumn<QString>("requestedKey");
     QTest::addColumn<QString>("warning"); // the same for every getter
     QTest::addColumn<QString>("shown");   // in the warning of a failed conversion
     QTest::addColumn<int>("integer");
@@ -261,7 +261,7 @@ void tst_IniFileManagerIndexed::gettersBehaveAsThoseByGroup_data()
 void tst_IniFileManagerIndexed::gettersBehaveAsThoseByGroup()
 {
     QFETCH(QByteArray, lines);
-    QFETCH(QString, askedKey);
+    QFETCH(QString, requestedKey);
     QFETCH(QString, warning);
     QFETCH(QString, shown);
     QFETCH(int, integer);
@@ -279,13 +279,13 @@ void tst_IniFileManagerIndexed::gettersBehaveAsThoseByGroup()
     if (!shown.isEmpty()) {
         expectIniWarning("Conversion failed: " + shown).function(groupIntegerSignature);
     }
-    QCOMPARE(manager.getValueInteger(1, askedKey, 99), integer);
+    QCOMPARE(manager.getValueInteger(1, requestedKey, 99), integer);
     expectWarning();
-    const QString text = manager.getValueString(1, askedKey, defaultText);
+    const QString text = manager.getValueString(1, requestedKey, defaultText);
     QCOMPARE(text, string);
     QCOMPARE(text.isNull(), string.isNull());
     expectWarning();
-    QCOMPARE(manager.getValueBool(1, askedKey, true), truth);
+    QCOMPARE(manager.getValueBool(1, requestedKey, true), truth);
 }
 
 void tst_IniFileManagerIndexed::gettersRejectTooHighIndex_data()

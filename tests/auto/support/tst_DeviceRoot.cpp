@@ -571,13 +571,13 @@ void tst_DeviceRoot::variableAloneIsNotADeviceRoot()
     // A leftover variable must not let a test remove the files of a real device.
     const QString commandLine = writeFile("cmdline", "quiet\n");
     qputenv("MISCTOOLS_DEVICE_ROOT", QFile::encodeName(folder()));
-    const ChildResult asked = ChildProcess::run([] { return DeviceRoot::isEntered() ? 1 : 0; });
+    const ChildResult entered = ChildProcess::run([] { return DeviceRoot::isEntered() ? 1 : 0; });
     const ChildResult changed = ChildProcess::run([] {
         DeviceRoot::setCommandLine("changed");
         return 0;
     });
     qunsetenv("MISCTOOLS_DEVICE_ROOT");
-    QCOMPARE(asked.exitCode, 0);
+    QCOMPARE(entered.exitCode, 0);
     QCOMPARE(changed.signal, SIGABRT);
     QCOMPARE(readFile(commandLine), QByteArray("quiet\n"));
 }

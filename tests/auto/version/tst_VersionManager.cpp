@@ -8,14 +8,15 @@
 
 // Applications may derive from the class and delete objects through a base pointer.
 static_assert(std::is_polymorphic<VersionManager>::value, "has virtual functions");
-static_assert(std::has_virtual_destructor<VersionManager>::value, "may be derived from");
+static_assert(std::has_virtual_destructor<VersionManager>::value,
+              "may be deleted through a base pointer");
 static_assert(std::is_constructible<VersionManager, const QString&>::value, "takes a version");
 static_assert(std::is_copy_constructible<VersionManager>::value &&
                   std::is_copy_assignable<VersionManager>::value,
               "is a value");
 static_assert(std::is_same<decltype(&VersionManager::getRegularExpressionVersion),
                            const QString& (*)()>::value,
-              "is static and gives a reference");
+              "is static and returns a reference");
 
 namespace {
 
@@ -47,15 +48,15 @@ QString anyNumber(QRandomGenerator& random)
 QString versionLike(QRandomGenerator& random)
 {
     static const char* const before[] = {"", "", "V", "V", "v", "VV", "x", " ", "a b", "-", "V "};
-    static const char* const behind[] = {"", "", "-", "-", "--", " ", "x", "\n", " - "};
+    static const char* const suffixes[] = {"", "", "-", "-", "--", " ", "x", "\n", " - "};
     static const int dotCounts[] = {0, 1, 2, 2, 2, 2, 3, 4, 4, 4, 5, 6};
     QString version = QLatin1String(pick(random, before)) + anyNumber(random);
     for (int dots = pick(random, dotCounts); dots > 0; --dots) {
         version += QLatin1Char('.') + anyNumber(random);
     }
-    version += QLatin1String(pick(random, behind)) + anyNumber(random);
+    version += QLatin1String(pick(random, suffixes)) + anyNumber(random);
     if (random.bounded(3) == 0) {
-        version += QLatin1String(pick(random, behind)) + "g1a2b";
+        version += QLatin1String(pick(random, suffixes)) + "g1a2b";
     }
     return version;
 }
