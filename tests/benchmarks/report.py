@@ -233,7 +233,7 @@ def tools():
 
 
 def record(counts):
-    lines = ['# What operations take per call. Recorded by: script/bench --counts --record',
+    lines = ['# Cost of operations per call. Recorded by: script/bench --counts --record',
              *(f'# {tool}' for tool in tools()),
              *('\t'.join((*key, f'{value:.1f}'.removesuffix('.0'))) for key, value in counts.items())]
     RECORD.write_text('\n'.join(lines) + '\n', encoding='utf-8')

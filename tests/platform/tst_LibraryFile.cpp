@@ -359,7 +359,7 @@ void tst_LibraryFile::loaderAppliesHardening()
 {
     QFETCH(QString, file);
 
-    // All calls are bound at load time, and the relocation table is read-only afterwards.
+    // All calls are bound at load time, and the global offset table is read-only afterwards.
     const QString flags = "\\(FLAGS\\)\\s+(.*\\S)";
     // readelf of binutils adds "Flags:", that of LLVM does not.
     const QString flags1 = "\\(FLAGS_1\\)\\s+(?:Flags: )?(.*\\S)";

@@ -195,7 +195,7 @@ void tst_ErrorContainer::setError_data()
     QTest::newRow("no such file") << -2 << text << true;
     QTest::newRow("code without a constant") << -5 << text << true;
     QTest::newRow("positive") << 1 << text << true;
-    QTest::newRow("greatest") << std::numeric_limits<int>::max() << text << true;
+    QTest::newRow("largest") << std::numeric_limits<int>::max() << text << true;
     QTest::newRow("smallest") << std::numeric_limits<int>::min() << text << true;
     QTest::newRow("non-ASCII text with a zero character")
         << -1 << QString::fromUtf16(u"\u00E4\0\u20AC", 3) << true;

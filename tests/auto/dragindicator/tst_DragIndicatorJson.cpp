@@ -380,10 +380,10 @@ void tst_DragIndicatorJson::dateForms_data()
                                     << "2024-03-01T00:00:00" << false;
     QTest::newRow("ISO, invalid day") << "2024-02-31T12:30:05" << none << false;
     QTest::newRow("only digits") << "1" << none << false;
-    QTest::newRow("digit of another script")
+    QTest::newRow("non-Latin digit")
         << QStringLiteral("\u0662\u0660\u0662\u0664-03-01T12:30:05") << none << false;
     QTest::newRow("text") << textDate << isoDate << true;
-    QTest::newRow("no date") << "x" << none << true;
+    QTest::newRow("not a date") << "x" << none << true;
     QTest::newRow("leading space") << " 2024-03-01T12:30:05" << none << true;
 }
 
@@ -624,7 +624,7 @@ void tst_DragIndicatorJson::failedImportKeepsTextDate_data()
     QTest::addColumn<QJsonArray>("damaged");
 
     QTest::newRow("wrong count") << QJsonArray();
-    QTest::newRow("no objects") << QJsonArray{5, 5};
+    QTest::newRow("elements that are not objects") << QJsonArray{5, 5};
 }
 
 void tst_DragIndicatorJson::failedImportKeepsTextDate()

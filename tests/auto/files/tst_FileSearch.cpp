@@ -350,7 +350,7 @@ void tst_FileSearch::entryTypes_data()
         "UPPER.TXT lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
     row("Files and case", QDir::Files | QDir::CaseSensitive, "*.txt",
         "lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
-    row("Files, hidden too", QDir::Files | QDir::Hidden, "*.txt",
+    row("Files, including hidden", QDir::Files | QDir::Hidden, "*.txt",
         ".hidden.txt .hiddenfolder/inner.txt UPPER.TXT lower.txt link.txt sub/deep.txt "
         "sub/deeper.txt/deepest.txt");
     row("Files without links", QDir::Files | QDir::NoSymLinks, "l*.txt", "lower.txt");
@@ -359,11 +359,11 @@ void tst_FileSearch::entryTypes_data()
         "sub/deeper.txt/deepest.txt");
     row("Files without a pattern", QDir::Files, "",
         "UPPER.TXT lower.txt data.bin link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
-    row("Dirs without dots", QDir::Dirs | QDir::NoDotAndDotDot, "",
+    row("Dirs without dot entries", QDir::Dirs | QDir::NoDotAndDotDot, "",
         "empty sub sub/deeper.txt linkedfolder");
-    row("Dirs with their dots", QDir::Dirs | QDir::NoDotDot, "",
+    row("Dirs with dot entries", QDir::Dirs | QDir::NoDotDot, "",
         "empty sub sub/deeper.txt linkedfolder . empty/. sub/. sub/deeper.txt/.");
-    row("Dirs, hidden too", QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, "",
+    row("Dirs, including hidden", QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, "",
         ".hiddenfolder empty sub sub/deeper.txt linkedfolder");
     row("Dirs and a pattern", filesAndDirectories, "deep*",
         "sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");

@@ -367,7 +367,7 @@ void tst_MediaWatcher::mountPathIsUsedAsGiven_data()
         const char* const mode = recursive ? "recursive" : "top directory";
         QTest::addRow("%s, double slash", mode)
             << "/Music//live" << recursive << "/Music//live/d.mp3";
-        QTest::addRow("%s, dotted", mode)
+        QTest::addRow("%s, with dot components", mode)
             << "/empty/.././Music/live" << recursive << "/empty/.././Music/live/d.mp3";
         // ".." after a link is the parent of the link's target, not the directory of the link.
         QTest::addRow("%s, link and back", mode)

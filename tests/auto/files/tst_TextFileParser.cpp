@@ -485,7 +485,7 @@ void tst_TextFileParser::matches_data()
     addRow("empty matches do not split a surrogate pair", "x*", "\xf0\x9f\x98\x80", {empty, empty});
     addRow("empty expression", QString(), "a", {empty, empty});
     addRow("look-behind", "(?<==)\\d", lines, {"1", "3"});
-    addRow("negative look-after", "(?<!b)a", "ba ca", {"a"});
+    addRow("negative look-behind", "(?<!b)a", "ba ca", {"a"});
     addRow("look-behind sees what was matched before", "(?<=a)b|a", "ab", {"a", "b"});
     addRow("look-ahead", "\\w+(?==)", lines, {"name", "version", "version"});
     addRow("group in a look-ahead", "version(?==(\\S+))", lines, {"1.2", "3"});

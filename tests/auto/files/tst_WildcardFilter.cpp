@@ -121,7 +121,7 @@ void tst_WildcardFilter::patternsMatchWholeNames_data()
     row("set", "[abc].txt", text("b.txt"), true);
     row("not in the set", "[abc].txt", text("d.txt"), false);
     row("range", "[a-c].txt", text("b.txt"), true);
-    row("beyond the range", "[a-c].txt", text("d.txt"), false);
+    row("outside the range", "[a-c].txt", text("d.txt"), false);
     row("set matches one character", "[a-c].txt", text("ab.txt"), false);
     row("circumflex negates", "[^a].txt", text("b.txt"), true);
     row("circumflex excludes", "[^a].txt", text("a.txt"), false);
@@ -226,7 +226,7 @@ void tst_WildcardFilter::anyMatchingPatternIsEnough_data()
     QTest::newRow("one") << list("*.txt") << list("a.txt") << list("a.bin a");
     QTest::newRow("several") << list("*.txt *.bin c*") << list("a.txt a.bin c.zip c")
                              << list("a.zip b");
-    QTest::newRow("several in another order")
+    QTest::newRow("several in a different order")
         << list("c* *.bin *.txt") << list("a.txt a.bin c.zip c") << list("a.zip b");
     QTest::newRow("duplicate pattern") << list("*.txt *.txt") << list("a.txt") << list("b");
     QTest::newRow("general before specific") << list("* a.txt") << list("a.txt b") << QStringList();
@@ -237,7 +237,8 @@ void tst_WildcardFilter::anyMatchingPatternIsEnough_data()
     for (int i = 0; i < 500; ++i) {
         patterns.append(QStringLiteral("*.%1").arg(i));
     }
-    QTest::newRow("five hundred") << patterns << list("a.0 a.250 a.499") << list("a.500 a a.");
+    QTest::newRow("five hundred patterns")
+        << patterns << list("a.0 a.250 a.499") << list("a.500 a a.");
 }
 
 void tst_WildcardFilter::anyMatchingPatternIsEnough()

@@ -161,7 +161,7 @@ void tst_HardwareVersionIniManager::valuesFollowTheIniFormat_data()
     row("plain", "Type=A\n", "A");
     row("no line feed at the end", "Type=A", "A");
     row("carriage returns", "Type=A\r\nVersion=1\r\n", "A");
-    row("spaces around", "  Type  =  A b  \n", "A b");
+    row("surrounding spaces", "  Type  =  A b  \n", "A b");
     row("no value", "Type=\n", "");
     row("list", "Type=a,b\n", "");
     row("list with an empty end", "Type=a,\n", "");

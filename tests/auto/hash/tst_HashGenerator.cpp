@@ -405,9 +405,9 @@ void tst_HashGenerator::variantHashVectors_data()
     QTest::newRow("foobar") << QVariant(QStringLiteral("foobar")) << 0xBF9CF968u;
     QTest::newRow("raw foobar") << QVariant(QByteArray("foobar")) << 0xBF9CF968u;
     QTest::newRow("hashed as UTF-8") << QVariant(QStringLiteral(u"\u00E4")) << 0x199DE0E2u;
-    QTest::newRow("text with a zero")
+    QTest::newRow("text with a zero character")
         << QVariant(QString::fromUtf16(u"foo\0bar", 7)) << 0xA9F37ED7u;
-    QTest::newRow("text that begins with a zero")
+    QTest::newRow("text with a leading zero character")
         << QVariant(QString::fromUtf16(u"\0foo", 4)) << 0x811C9DC5u;
 }
 

@@ -41,8 +41,8 @@ void tst_RecorderUrlHashHandling::urlHash_data()
     QTest::newRow("abc") << QByteArray("abc") << QByteArray("900150983cd24fb0d6963f7d28e17f72");
     QTest::newRow("message digest")
         << QByteArray("message digest") << QByteArray("f96b697d7cb7938d525a2f31aaf161d0");
-    QTest::newRow("small letters") << QByteArray("abcdefghijklmnopqrstuvwxyz")
-                                   << QByteArray("c3fcd3d76192e4007dfb496cca67e13b");
+    QTest::newRow("lowercase letters") << QByteArray("abcdefghijklmnopqrstuvwxyz")
+                                       << QByteArray("c3fcd3d76192e4007dfb496cca67e13b");
     QTest::newRow("letters and digits")
         << QByteArray("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789")
         << QByteArray("d174ab98d277d9f5a5611c2c9f419d9f");

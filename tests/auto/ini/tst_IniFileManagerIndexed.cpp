@@ -102,7 +102,7 @@ void tst_IniFileManagerIndexed::searchFindsPosition_data()
     row("negative, top-level keys only", "Position=-1\n", -1, nullptr);
 
     row("in quotes", "[a]\nPosition=\"0\"\n", 0, "a");
-    row("spaces around", "[a]\n Position = 0 \n", 0, "a");
+    row("surrounding spaces", "[a]\n Position = 0 \n", 0, "a");
     row("more than 32 bits are truncated", "[a]\nPosition=4294967296\n", 0, "a");
     row("duplicate key: the last wins", "[a]\nPosition=1\nPosition=0\n", 0, "a");
     row("duplicate group", "[a]\nk=1\n[b]\nPosition=1\n[a]\nPosition=0\n", 0, "a");
@@ -240,8 +240,8 @@ void tst_IniFileManagerIndexed::gettersBehaveAsThoseByGroup_data()
         << QByteArray("k=4294967301\n") << key << none << none << 5 << "4294967301" << true;
     QTest::newRow("word") << QByteArray("k=abc\n") << key << none << "QVariant(QString, \"abc\")"
                           << 99 << "abc" << true;
-    QTest::newRow("nothing") << QByteArray("k=\n") << key << none << "QVariant(QString, \"\")" << 99
-                             << "" << false;
+    QTest::newRow("empty value") << QByteArray("k=\n") << key << none << "QVariant(QString, \"\")"
+                                 << 99 << "" << false;
     QTest::newRow("list") << QByteArray("k=1,2\n") << key << none
                           << "QVariant(QStringList, (\"1\", \"2\"))" << 99 << QString() << false;
     const QString notFound = "Key \"%1\" not found in Group \"b\" !";

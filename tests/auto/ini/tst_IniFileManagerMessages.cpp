@@ -116,17 +116,17 @@ void tst_IniFileManagerMessages::warning_data()
         },
         keyIsEmpty, getGeneralValue, true);
     row(
-        "getGeneralValue, no such key",
+        "getGeneralValue, missing key",
         [none](IniFileManager& manager) { return manager.getGeneralValue(none, 7); }, notInGeneral,
         getGeneralValue, 7);
     row(
-        "getGeneralValueInteger, no such key",
+        "getGeneralValueInteger, missing key",
         [none](IniFileManager& manager) {
             return QVariant(manager.getGeneralValueInteger(none, 7));
         },
         notInGeneral, getGeneralValue, 7);
     row(
-        "getGeneralValueInteger, no number",
+        "getGeneralValueInteger, not a number",
         [word](IniFileManager& manager) {
             return QVariant(manager.getGeneralValueInteger(word, 7));
         },
@@ -187,17 +187,17 @@ void tst_IniFileManagerMessages::warning_data()
         },
         keyIsEmpty, getValue, true);
     row(
-        "getValue, no such key",
+        "getValue, missing key",
         [net, none](IniFileManager& manager) { return manager.getValue(net, none, 7); }, notInGroup,
         getValue, 7);
     row(
-        "getValueInteger, no such key",
+        "getValueInteger, missing key",
         [net, none](IniFileManager& manager) {
             return QVariant(manager.getValueInteger(net, none, 7));
         },
         notInGroup, getValue, 7);
     row(
-        "getValueInteger, no number",
+        "getValueInteger, not a number",
         [net, name](IniFileManager& manager) {
             return QVariant(manager.getValueInteger(net, name, 7));
         },

@@ -112,7 +112,7 @@ void tst_OrvalisVersionInfoIniManager::values_data()
         newRow("Latin-1", section + key + "=\xe4\xc3\xbc\n", QString::fromLatin1("\xe4\xc3\xbc"));
         newRow("missing key", section + "Other=1\n", QString());
         newRow("different case", section + key.toLower() + "=1\n", QString());
-        newRow("other section", "[Other]\n" + key + "=1\n", QString());
+        newRow("different section", "[Other]\n" + key + "=1\n", QString());
         newRow("empty file", QByteArray(), QString());
         // [General] contains the keys outside all groups.
         newRow("only in [General]", "[General]\n" + key + "=1\n", QString());

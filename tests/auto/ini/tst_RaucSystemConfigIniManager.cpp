@@ -51,7 +51,7 @@ void tst_RaucSystemConfigIniManager::number_data()
     QTest::newRow("negative") << QByteArray("-1") << "-1";
     QTest::newRow("plus sign") << QByteArray("+7") << "7";
     QTest::newRow("leading zeros") << QByteArray("007") << "7";
-    QTest::newRow("spaces around") << QByteArray("  7  ") << "7";
+    QTest::newRow("surrounding spaces") << QByteArray("  7  ") << "7";
     QTest::newRow("quoted") << QByteArray("\"7\"") << "7";
     QTest::newRow("largest") << QByteArray("2147483647") << "2147483647";
     QTest::newRow("smallest") << QByteArray("-2147483648") << "-2147483648";

@@ -83,7 +83,7 @@ void tst_VersionFileIniManager::values_data()
                                          "[MainVersion]\nVersionString=\nVersionStringHash=\n")
                                   << empty << empty;
     QTest::newRow("empty file") << QByteArray() << missing << missing;
-    QTest::newRow("other section")
+    QTest::newRow("different section")
         << QByteArray("[Version]\nVersionString=1.2.3\nVersionStringHash=ab12\n") << missing
         << missing;
     QTest::newRow("different case")
@@ -98,10 +98,10 @@ void tst_VersionFileIniManager::values_data()
         << QByteArray("[MainVersion]\nVersionString=\" no.version \"\nVersionStringHash=#?!\n")
         << " no.version "
         << "#?!";
-    QTest::newRow("bytes beyond ASCII are Latin-1")
+    QTest::newRow("non-ASCII bytes are Latin-1")
         << QByteArray("[MainVersion]\nVersionString=\xe4\nVersionStringHash=\xc3\xbc\n")
         << QString(QChar(0xe4)) << QString(QChar(0xc3)) + QChar(0xbc);
-    QTest::newRow("a comma makes a list, which is no text")
+    QTest::newRow("a comma makes a list, which does not convert to text")
         << QByteArray("[MainVersion]\nVersionString=1,2\nVersionStringHash=\"1,2\"\n") << empty
         << "1,2";
 }

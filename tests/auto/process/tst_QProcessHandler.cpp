@@ -255,7 +255,7 @@ void tst_QProcessHandler::outputIsDecoded_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("nothing") << QByteArray() << QString();
+    QTest::newRow("no output") << QByteArray() << QString();
     QTest::newRow("text") << QByteArray("one\ntwo\n") << "one\ntwo\n";
     QTest::newRow("carriage returns") << QByteArray("one\r\n") << "one\r\n";
     QTest::newRow("zero byte") << QByteArray("a\0b", 3) << "a";

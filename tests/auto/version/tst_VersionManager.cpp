@@ -186,7 +186,7 @@ void tst_VersionManager::oldFormat_data()
     row("space before the test index", "1.2.3 -4", "<1.2.3> <1> <2> <3> null");
     row("long base number", "123456.2.3", "<123456.2.3> <123456> <2> <3> null");
     row("base number is any text without spaces", "x1.2.3", "<x1.2.3> <x1> <2> <3> null");
-    row("small v", "v1.2.3", "<v1.2.3> <v1> <2> <3> null");
+    row("lowercase v", "v1.2.3", "<v1.2.3> <v1> <2> <3> null");
     row("two V: the second belongs to the base number", "VV1.2.3", "<V1.2.3> <V1> <2> <3> null");
     row("dashes in the base number", "a-b-1.2.3-4", "<a-b-1.2.3> <a-b-1> <2> <3> <4>");
     row("no base number", ".1.2", "<.1.2> <> <1> <2> null");
