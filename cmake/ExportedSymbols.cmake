@@ -1,9 +1,9 @@
-# Hidden visibility alone lets inline functions of Qt's own exported classes slip out of a build that
-# does not inline them. A version script, made from what the public headers mark, keeps the library to
-# its interface in every build.
+# With hidden visibility alone, a build without inlining exports inline functions of Qt's exported classes.
+# A version script, generated from the markers in the public headers, restricts the exports to the
+# public interface in every build.
 
-# misctools_exported_patterns(<result> <text of a header>): the version script's patterns for what the
-# header marks with MISCTOOLS_EXPORT.
+# misctools_exported_patterns(<result> <text of a header>): the version script's patterns for everything
+# that the header marks with MISCTOOLS_EXPORT.
 function(misctools_exported_patterns result text)
   set(patterns "")
   string(REGEX MATCHALL "class MISCTOOLS_EXPORT [A-Za-z0-9_]+" classes "${text}")
@@ -15,7 +15,7 @@ function(misctools_exported_patterns result text)
   string(REGEX MATCHALL "MISCTOOLS_EXPORT [^(;]*\\(" functions "${text}")
   foreach(function IN LISTS functions)
     string(REGEX REPLACE ".*[ *&]([^ *&(]+)\\($" "\\1" function "${function}")
-    # Characters that a version script does not allow; the last one is the parenthesis.
+    # Replaces characters that a version script does not allow; the last one is the parenthesis.
     string(REPLACE "<" "?" function "${function}?*")
     list(APPEND patterns "${function}")
   endforeach()
@@ -24,7 +24,7 @@ endfunction()
 
 function(misctools_export_public_interface target)
   file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
-  # A changed header may mark something else.
+  # Configures again when a header changes.
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${headers})
   set(patterns "")
   foreach(header IN LISTS headers)

@@ -1,10 +1,10 @@
-# What makes a mistake in a library end the program rather than serve an attacker.
+# Hardening: a memory error should end the program instead of being exploitable.
 
 # misctools_harden(<target>)
 #
-# The linker's part goes into every build, as it costs nothing: calls are bound when the library is
-# loaded, after which nothing can bend them, the stack holds no code, and code is not written to. The
-# compiler's part goes into release builds: it needs optimization.
+# Every build has the linker's part, which costs nothing: calls are bound when the library is loaded and
+# cannot be redirected afterwards, the stack is not executable, and code is not writable. Release builds
+# also have the compiler's part, which needs optimization.
 function(misctools_harden target)
   foreach(option IN ITEMS -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
     target_compile_options(${target} PRIVATE $<${misctools_is_shipped}:${option}>)

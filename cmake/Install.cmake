@@ -1,5 +1,5 @@
-# What 'cmake --install' puts where: the library (component runtime) and all that a program needs to
-# be built against it (component development), and the example programs (component tools).
+# Installation: the library (component runtime), everything that is needed to build programs against it
+# (component development), and the command-line programs (component tools).
 include(CMakePackageConfigHelpers)
 
 set(misctools_targets MiscTools)
@@ -16,7 +16,7 @@ if(TARGET eeprom-image)
   install(TARGETS ${misctools_tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   foreach(tool IN LISTS misctools_tools)
     install(FILES docs/man/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-    # These shells look for a file of the command's name.
+    # These shells look for a file with the name of the command.
     install(FILES ${PROJECT_BINARY_DIR}/tools/completion/misctools.bash RENAME ${tool}
       DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
     install(FILES ${PROJECT_BINARY_DIR}/tools/completion/misctools.fish RENAME ${tool}.fish
@@ -33,7 +33,7 @@ install(FILES ${misctools_headers}
 set(misctools_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MiscTools)
 install(EXPORT MiscToolsTargets NAMESPACE MiscTools::
   DESTINATION ${misctools_cmake_dir} COMPONENT development)
-# From the build folder the package is found as from an installed tree.
+# The package can also be found in the build directory.
 export(EXPORT MiscToolsTargets NAMESPACE MiscTools:: FILE MiscToolsTargets.cmake)
 configure_package_config_file(cmake/MiscToolsConfig.cmake.in MiscToolsConfig.cmake
   INSTALL_DESTINATION ${misctools_cmake_dir})
@@ -43,7 +43,7 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/MiscToolsConfigVersion.cmake
   DESTINATION ${misctools_cmake_dir} COMPONENT development)
 
-# Every path relative to the .pc file, so that the installed tree may be moved.
+# All paths are relative to the .pc file, so that the installed tree can be moved.
 file(RELATIVE_PATH misctools_pc_to_prefix
   ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/MiscTools.pc.in MiscTools.pc @ONLY)

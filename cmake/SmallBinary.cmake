@@ -1,5 +1,5 @@
-# A release build is optimized for size: the library is loaded by every application of a machine with
-# little memory, and its time is spent in Qt.
+# A release build is optimized for size: every application on a machine with little memory loads the
+# library, and most of its time is spent in Qt.
 include(CheckIPOSupported)
 check_ipo_supported(RESULT misctools_has_ipo OUTPUT misctools_ipo_trouble LANGUAGES CXX)
 
@@ -9,8 +9,8 @@ function(misctools_keep_small target)
     $<${misctools_is_shipped}:-ffunction-sections>
     $<${misctools_is_shipped}:-fdata-sections>)
   target_link_options(${target} PRIVATE $<${misctools_is_shipped}:LINKER:--gc-sections>)
-  # Link-time optimization names symbols after a random number, unless each source has a seed: the
-  # same sources are to give the same bytes. (A unity build has other sources, and is not released.)
+  # For reproducible builds, each source gets a seed; otherwise link-time optimization names symbols after
+  # a random number. (A unity build has different sources and is not released.)
   if(NOT CMAKE_UNITY_BUILD AND NOT MISCTOOLS_INSTRUMENTED)
     get_target_property(sources ${target} SOURCES)
     foreach(source IN LISTS sources)

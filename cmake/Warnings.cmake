@@ -1,6 +1,6 @@
-# The compile rules of our own targets; none of this reaches an exported interface.
+# The compile options of the project's targets; they are not part of an exported interface.
 
-# Warnings that every target of this project is compiled with.
+# Warnings for all targets of this project.
 function(misctools_set_warnings target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
@@ -8,7 +8,7 @@ function(misctools_set_warnings target)
     $<$<BOOL:${MISCTOOLS_WERROR}>:-Werror>)
 endfunction()
 
-# What the library itself promises on top: no implicit text conversions, no Qt keywords.
+# Additional restrictions for the library: no implicit text conversions, no Qt keywords.
 function(misctools_set_strict_qt target)
   target_compile_definitions(${target} PRIVATE
     QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY

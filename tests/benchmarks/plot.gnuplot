@@ -1,4 +1,4 @@
-# How the plots of docs/performance.md look; tests/benchmarks/report.py adds what they show.
+# The style of the plots of docs/performance.md; tests/benchmarks/report.py adds the data.
 set encoding utf8
 set terminal svg size 720,400 font "sans,13" background "white"
 set logscale xy

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the benchmark programs and makes tables, plots and the record of their results; see script/bench."""
+"""Runs the benchmark programs and creates tables, plots and the record of their results; see script/bench."""
 
 import concurrent.futures
 import os
@@ -18,7 +18,7 @@ PAGE = pathlib.Path('docs/performance.md')
 BUILD = pathlib.Path('build/bench').absolute()
 ALLOWED_GROWTH = 1.02
 SUBJECT = 'MiscTools'
-# What is counted: an operation without a size, else the one with this size.
+# The counted size; operations without sizes are always counted.
 COUNTED_SIZES = (0, 1000, 1024 * 1024)
 
 
@@ -36,7 +36,7 @@ class Row(typing.NamedTuple):
         return Row(program, function, contender, int(size or 0), unit or '')
 
     def argument(self):
-        """What selects the row when its program is run."""
+        """The argument that selects the row."""
         size = f', {self.size} {self.unit}' if self.unit else ''
         return f'{self.function}:{self.contender}{size}'
 
@@ -72,7 +72,7 @@ def readable_count(count):
 
 
 def markdown(table):
-    """The first row is the head."""
+    """The first row is the header."""
     widths = [max(map(len, column)) for column in zip(*table)]
     lines = ['| ' + ' | '.join(map(str.ljust, row, widths)) + ' |\n' for row in table]
     lines.insert(1, '|' + ''.join('-' * (width + 2) + '|' for width in widths) + '\n')
@@ -80,7 +80,7 @@ def markdown(table):
 
 
 def read_numbers(path):
-    """Lines of three names and a number."""
+    """Reads lines of three names and a number."""
     lines = [line.split('\t') for line in path.read_text(encoding='utf-8').splitlines() if line[0] != '#']
     return {tuple(line[:3]): float(line[3]) for line in lines}
 
@@ -88,12 +88,12 @@ def read_numbers(path):
 def target_cells(value, target):
     if target is None:
         return ['', '']
-    # A clock cannot tell less.
+    # The resolution of the clock.
     tolerance = 1.03 if target == 1 else 1
     return [f'≤ {target:,g}', 'yes' if value <= target * tolerance else '**no**']
 
 
-def measure_times(programs, is_quick, folder):
+def measure_times(programs, is_quick, directory):
     """Nanoseconds per call, by row."""
     times = {}
     for program in programs:
@@ -101,16 +101,16 @@ def measure_times(programs, is_quick, folder):
             continue
         print(f'script/bench: {program}', flush=True)
         run([BUILD / f'bin/tst_bench_{program}', '-median', '1' if is_quick else '5',
-             '-o', 'times.csv,csv', '-o', '-,txt'], cwd=folder, env={**os.environ, 'TMPDIR': str(folder)})
+             '-o', 'times.csv,csv', '-o', '-,txt'], cwd=directory, env={**os.environ, 'TMPDIR': str(directory)})
         for function, tag, value in re.findall(r'^"(\w+)","(.*)","WalltimeMilliseconds",([^,]+)',
-                                               (folder / 'times.csv').read_text(), re.MULTILINE):
+                                               (directory / 'times.csv').read_text(), re.MULTILINE):
             row = Row.parse(program, function, tag)
             times[row] = float(value) * 1e6 / row.calls()
     return times
 
 
 def times_table(times, targets):
-    """The two largest sizes of each operation, beside peers, and beside a smaller size with a target."""
+    """The two largest sizes of each operation, compared with peers, and with a smaller size that has a target."""
     table = [['class', 'operation', SUBJECT, 'peer', 'takes', 'ratio', 'target', 'met']]
     subjects = {row: time for row, time in times.items() if row.contender == SUBJECT}
     by_operation = {(row.program, row.operation()): time for row, time in subjects.items()}
@@ -132,7 +132,7 @@ def times_table(times, targets):
 
 
 def plot(times):
-    """Time against size, for each operation with three sizes or more."""
+    """Plots time against size for each operation with at least three sizes."""
     plots = {}
     for row, time in times.items():
         contenders = plots.setdefault((row.function, row.unit), {})
@@ -150,25 +150,25 @@ def plot(times):
 
 
 class Counter:
-    """Counts with programs and a library whose paths have the same length everywhere."""
+    """Counts with copies of programs and library, whose paths always have the same length."""
 
-    def __init__(self, folder):
-        self.folder = folder
+    def __init__(self, directory):
+        self.directory = directory
         for file in [*BUILD.glob('bin/*bench*'), *BUILD.glob('lib/*.so*')]:
-            shutil.copy(file, folder, follow_symlinks=False)
-        # The seed of hash tables changes counts, and so does a function that is bound at its first call.
+            shutil.copy(file, directory, follow_symlinks=False)
+        # Counts depend on the seed of hash tables and on lazy binding.
         self.environment = {
-            'PATH': os.environ['PATH'], 'HOME': '/', 'LC_ALL': 'C.UTF-8', 'TMPDIR': str(folder),
-            'LD_LIBRARY_PATH': str(folder), 'LD_BIND_NOW': '1', 'QT_HASH_SEED': '0'}
+            'PATH': os.environ['PATH'], 'HOME': '/', 'LC_ALL': 'C.UTF-8', 'TMPDIR': str(directory),
+            'LD_LIBRARY_PATH': str(directory), 'LD_BIND_NOW': '1', 'QT_HASH_SEED': '0'}
 
-    def run(self, *command, folder=None, **changes):
-        return run(command, cwd=folder or self.folder, env={**self.environment, **changes})
+    def run(self, *command, directory=None, **changes):
+        return run(command, cwd=directory or self.directory, env={**self.environment, **changes})
 
     def count(self, program):
         """Counts per call, by program, operation and measure."""
         if program == 'LibraryFile':
             return self.count_library()
-        path = self.folder / f'tst_bench_{program}'
+        path = self.directory / f'tst_bench_{program}'
         counts = {}
         for function, tag in re.findall(r'^\w+ (\w+) (.*)$', self.run(path, '-datatags'), re.MULTILINE):
             row = Row.parse(program, function, tag)
@@ -181,47 +181,47 @@ class Counter:
         return counts
 
     def instructions(self, path, row):
-        # Qt Test lists the files beside its output, which changes its heap, and so what allocations take.
-        folder = self.folder / f'{row.program}-{row.function}'
-        folder.mkdir()
-        self.run(path, '-callgrind', '-o', 'count.csv,csv', '-o', '-,txt', row.argument(), folder=folder)
-        return float(re.search('"InstructionReads",([^,]+)', (folder / 'count.csv').read_text())[1])
+        # Qt Test lists the files next to its output, which affects its heap and the cost of allocations.
+        directory = self.directory / f'{row.program}-{row.function}'
+        directory.mkdir()
+        self.run(path, '-callgrind', '-o', 'count.csv,csv', '-o', '-,txt', row.argument(), directory=directory)
+        return float(re.search('"InstructionReads",([^,]+)', (directory / 'count.csv').read_text())[1])
 
     def system_calls(self, path, row):
-        """But for those that manage memory."""
-        log = self.folder / f'{row.program}.strace'
+        """System calls except those for memory management."""
+        log = self.directory / f'{row.program}.strace'
         lines = []
         for iterations in (1, 2):
             self.run('strace', '--trace=!%memory', '--signal=none', f'--output={log}', path,
                      '-iterations', iterations, row.argument())
             lines.append(log.read_bytes().count(b'\n'))
-        # Qt Test runs the function twice, the first time to warm up.
+        # Qt Test runs the function twice; the first run is the warm-up.
         return (lines[1] - lines[0]) / 2
 
     def peak_heap(self, path, row):
-        """Of the whole program, with one call."""
+        """Count of the whole program with one call."""
         output = self.run('valgrind', '--tool=dhat', '--dhat-out-file=/dev/null', path, '-iterations', 1,
                           row.argument())
         return float(re.search(r'At t-gmax: ([\d,]+) bytes', output)[1].replace(',', '')) / 1024
 
     def count_library(self):
-        """What the library adds to the start of a program, and the size of its file."""
+        """The cost of the library at program start, and the size of its file."""
         instructions = []
         for program in ('alone', 'with-library'):
-            output = self.folder / f'{program}.callgrind'
+            output = self.directory / f'{program}.callgrind'
             self.run('valgrind', '--tool=callgrind', f'--callgrind-out-file={output}',
-                     self.folder / f'bench-start-{program}', LD_BIND_NOW='')
+                     self.directory / f'bench-start-{program}', LD_BIND_NOW='')
             instructions.append(float(re.search(r'\ntotals: (\d+)', output.read_text())[1]))
-        stripped = self.folder / 'stripped'
-        run(['strip', '-o', stripped, self.folder / 'libMiscTools.so.1'])
+        stripped = self.directory / 'stripped'
+        run(['strip', '-o', stripped, self.directory / 'libMiscTools.so.1'])
         return {('LibraryFile', 'start of a program', 'instructions'): instructions[1] - instructions[0],
                 ('LibraryFile', 'stripped file', 'bytes'): float(stripped.stat().st_size)}
 
 
-def count(programs, folder):
-    """The counts of the programs, which run side by side: load changes no count."""
+def count(programs, directory):
+    """The counts of the programs, which run in parallel: counts are independent of load."""
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = pool.map(Counter(folder).count, programs)
+        results = pool.map(Counter(directory).count, programs)
         return {key: round(value, 1) for result in results for key, value in result.items()}
 
 
@@ -233,7 +233,7 @@ def tools():
 
 
 def record(counts):
-    lines = ['# What operations take per call. Recorded by: script/bench --counts --record',
+    lines = ['# Cost of operations per call. Recorded by: script/bench --counts --record',
              *(f'# {tool}' for tool in tools()),
              *('\t'.join((*key, f'{value:.1f}'.removesuffix('.0'))) for key, value in counts.items())]
     RECORD.write_text('\n'.join(lines) + '\n', encoding='utf-8')
@@ -257,7 +257,7 @@ def compare(counts, programs):
         table.append([*key, readable_count(before), readable_count(now), change, verdict])
     print(markdown(table))
     if any(f'# {tool}\n' not in RECORD.read_text(encoding='utf-8') for tool in tools()):
-        print('The record was made with other tools, which changes counts; these are', tools())
+        print('The record was made with different tools, which changes counts; the current ones are', tools())
     print(f'script/bench: {len(counts)} counts; {failures} grew or do not match the record')
     return failures
 
@@ -274,7 +274,7 @@ def update_page(times, counts):
             [*key, readable_count(value), *target_cells(value, targets.pop(key, None))]
             for key, value in counts.items())])}
     if targets:
-        sys.exit(f'{TARGETS} has targets for what is not measured: {list(targets)}')
+        sys.exit(f'{TARGETS} has targets for operations that are not measured: {list(targets)}')
     text = PAGE.read_text(encoding='utf-8')
     for name, part in parts.items():
         text = re.sub(f'(<!-- begin {name} -->\n).*(<!-- end {name} -->)',
@@ -285,20 +285,20 @@ def update_page(times, counts):
 def main():
     options = [argument for argument in sys.argv[1:] if argument.startswith('--')]
     names = [argument for argument in sys.argv[1:] if argument not in options]
-    # In memory, where possible: otherwise a disk would be measured.
+    # In memory if possible; otherwise the disk would be measured.
     memory = '/dev/shm' if os.access('/dev/shm', os.W_OK) else None
-    with tempfile.TemporaryDirectory(prefix='misctools-bench.', dir=memory) as folder:
-        folder = pathlib.Path(folder)
+    with tempfile.TemporaryDirectory(prefix='misctools-bench.', dir=memory) as directory:
+        directory = pathlib.Path(directory)
         if '--record' in options:
-            record(count(names, folder))
+            record(count(names, directory))
         elif '--counts' in options:
-            sys.exit(compare(count(names, folder), names) > 0)
+            sys.exit(compare(count(names, directory), names) > 0)
         else:
-            times = measure_times(names, '--quick' in options, folder)
+            times = measure_times(names, '--quick' in options, directory)
             print(markdown(times_table(times, read_numbers(TARGETS))))
             if '--update-docs' in options:
                 plot(times)
-                update_page(times, count(names, folder))
+                update_page(times, count(names, directory))
 
 
 main()

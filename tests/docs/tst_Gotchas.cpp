@@ -32,7 +32,7 @@ QStringList texts(std::initializer_list<const char*> list)
     return result;
 }
 
-// All matches of the expression's first group in the project's files of those names.
+// All captures of the expression's first group in the project's files with those names.
 QStringList found(const QString& below, const QStringList& names, const QString& expression)
 {
     QStringList result;
@@ -59,34 +59,34 @@ bool writeSetting(const char* filePath, const QByteArray& value)
            file.write(value) == value.size();
 }
 
-// Lets this process have so many of what inotify needs: as the root of a user namespace it may set
-// limits of its own, which are those of the system in small.
+// Limits this process's inotify resources: the root of a user namespace may set its own limits,
+// which work like those of the system.
 bool limitInotify(const char* setting, const QByteArray& value)
 {
     return writeSetting(QByteArray("/proc/sys/user/").append(setting).constData(), value);
 }
 
-// What is to be seen where watches run out: how many of four more folders are watched.
-int watchFiveFolders(const QDir& folder)
+// Run where watches are limited: reports how many of four more directories are watched.
+int watchFiveDirectories(const QDir& directory)
 {
     if (!limitInotify("max_inotify_watches", "3")) {
         return noLimits;
     }
-    DirectoryWatcher watcher(QStringList{folder.filePath("0")});
+    DirectoryWatcher watcher(QStringList{directory.filePath("0")});
     int added = 0;
     for (int i = 1; i < 5; ++i) {
-        added += watcher.addPath(folder.filePath(QString::number(i))) ? 1 : 0;
+        added += watcher.addPath(directory.filePath(QString::number(i))) ? 1 : 0;
     }
     return added;
 }
 
-// Where a second watcher gets no inotify instance: 0 if it notices a change, and does so late.
-int watchOneFolderTwice(const QDir& folder)
+// Run where a second watcher gets no inotify instance: 0 if it reports a change, but late.
+int watchOneDirectoryTwice(const QDir& directory)
 {
     if (!limitInotify("max_inotify_instances", "1")) {
         return noLimits;
     }
-    const QString inbox = folder.filePath("inbox");
+    const QString inbox = directory.filePath("inbox");
     DirectoryWatcher first(inbox);
     DirectoryWatcher second(inbox);
     first.setDelayInMs(0);
@@ -99,22 +99,22 @@ int watchOneFolderTwice(const QDir& folder)
         !changesOfSecond.isEmpty()) {
         return 1;
     }
-    // The first look comes a second after the watcher.
+    // The first poll is a second after construction.
     return changesOfSecond.wait() && timer.elapsed() > 500 ? 0 : 2;
 }
 
-const QHash<QString, int (*)(const QDir& folder)> limitedParts = {
-    {"watches", watchFiveFolders},
-    {"instances", watchOneFolderTwice},
+const QHash<QString, int (*)(const QDir& directory)> limitedParts = {
+    {"watches", watchFiveDirectories},
+    {"instances", watchOneDirectoryTwice},
 };
 
-// Runs a part as the root of a user namespace. That is made by another program: a process that has
-// threads, as an emulator's has, cannot go into one.
-ChildResult runLimited(const char* part, const QString& folder)
+// Runs a part as the root of a user namespace. Another program creates the namespace, because a
+// process with threads, such as an emulator, cannot enter one.
+ChildResult runLimited(const char* part, const QString& directory)
 {
-    return ChildProcess::run([part, &folder] {
+    return ChildProcess::run([part, &directory] {
         execlp("unshare", "unshare", "--user", "--map-root-user",
-               qPrintable(QCoreApplication::applicationFilePath()), part, qPrintable(folder),
+               qPrintable(QCoreApplication::applicationFilePath()), part, qPrintable(directory),
                nullptr);
         return noLimits;
     });
@@ -130,7 +130,7 @@ ChildResult runLimited(const char* part, const QString& folder)
 
 } // namespace
 
-// Shows what docs/gotchas.md says where no test of a class does.
+// Demonstrates the statements of docs/gotchas.md that no test of a class covers.
 class tst_Gotchas : public TestCase
 {
     Q_OBJECT
@@ -138,19 +138,19 @@ class tst_Gotchas : public TestCase
 private Q_SLOTS:
     void commasMakeLists();
     void semicolonsEndValues();
-    void wordsThatAreFalse();
-    void largeNumbersAreCut();
+    void wordsThatReadAsFalse();
+    void largeNumbersAreTruncated();
     void commentsAreLostOnWriting();
     void sectionsNestAtSlashes();
     void containsDependsOnWhatWasParsed();
     void topLevelReadsListAllKeys();
-    void replacedFilesBelongToTheWriter();
+    void replacedFilesAreOwnedByTheWriter();
     void specialFilesBecomeRegularFiles();
-    void dotEntriesGoWithAFilter();
-    void renamedFolderIsDeaf();
+    void filterExcludesDotEntries();
+    void renamedDirectoryIsNotReported();
     void watchesRunOut();
-    void watchersBeyondTheLimitAskEverySecond();
-    void testsThatAreNamedExist();
+    void watchersBeyondTheLimitPollEverySecond();
+    void namedTestsExist();
 
 private:
     std::unique_ptr<IniFileManager> iniFile(const QByteArray& content) const
@@ -174,7 +174,7 @@ void tst_Gotchas::semicolonsEndValues()
     QCOMPARE(file->getValueString(net, QStringLiteral("quoted"), QString()), "on;off");
 }
 
-void tst_Gotchas::wordsThatAreFalse()
+void tst_Gotchas::wordsThatReadAsFalse()
 {
     const auto file = iniFile("[Net]\noff=off\nno=no\nfalse=FALSE\n0=0\nempty=\n");
     QCOMPARE(file->getValueBool(net, QStringLiteral("off"), false), true);
@@ -184,7 +184,7 @@ void tst_Gotchas::wordsThatAreFalse()
     QCOMPARE(file->getValueBool(net, QStringLiteral("empty"), true), false);
 }
 
-void tst_Gotchas::largeNumbersAreCut()
+void tst_Gotchas::largeNumbersAreTruncated()
 {
     const auto file = iniFile("[Net]\nkey=4294967301\n");
     QCOMPARE(file->getValueInteger(net, key, 0), 5);
@@ -239,12 +239,12 @@ void tst_Gotchas::topLevelReadsListAllKeys()
         secondsOf([&manager](const QString& name) { manager.getGeneralValue(name, QVariant()); });
     const double inGroup =
         secondsOf([&manager](const QString& name) { manager.getValue(net, name, QVariant()); });
-    // Some two hundred times, where nothing else is measured with it.
+    // The ratio is about 200 if nothing else is measured.
     QVERIFY2(topLevel > 10 * inGroup,
              qPrintable(QStringLiteral("%1 s and %2 s").arg(topLevel).arg(inGroup)));
 }
 
-void tst_Gotchas::replacedFilesBelongToTheWriter()
+void tst_Gotchas::replacedFilesAreOwnedByTheWriter()
 {
     const QString filePath = path("file");
     const auto replaceFile = [&filePath](bool isCleanedUp) {
@@ -259,7 +259,7 @@ void tst_Gotchas::replacedFilesBelongToTheWriter()
     for (const bool isCleanedUp : {true, false}) {
         QFile::remove(filePath);
         writeFile("file", "[Net]\na=1\n");
-        // Only root can give a file away; for everybody the file is a new one.
+        // Only root can change a file's owner; for everyone the file is replaced by a new one.
         constexpr uid_t other = 65534;
         const bool isRoot =
             chown(QFile::encodeName(filePath).constData(), other, other) == 0 && geteuid() == 0;
@@ -301,7 +301,7 @@ void tst_Gotchas::specialFilesBecomeRegularFiles()
 
     QVERIFY(QFile::remove(filePath));
     QCOMPARE(mkfifo(name.constData(), 0600), 0);
-    // QSettings opens the FIFO and reads nothing of a file without a size.
+    // QSettings opens the FIFO but reads nothing from a file of size 0.
     withWriter(QByteArray(), [&filePath] {
         IniFileManager manager(filePath, nullptr);
         manager.setValue(net, key, 1);
@@ -311,7 +311,7 @@ void tst_Gotchas::specialFilesBecomeRegularFiles()
     QVERIFY(readFile(filePath).contains("[Net]\nkey=1\n"));
 }
 
-void tst_Gotchas::dotEntriesGoWithAFilter()
+void tst_Gotchas::filterExcludesDotEntries()
 {
     QFileInfoList entries;
     searchFilesOnPathRecursive(folder(), {}, entries);
@@ -321,7 +321,7 @@ void tst_Gotchas::dotEntriesGoWithAFilter()
     QVERIFY(entries.isEmpty());
 }
 
-void tst_Gotchas::renamedFolderIsDeaf()
+void tst_Gotchas::renamedDirectoryIsNotReported()
 {
     const QString inbox = path("inbox");
     const QString other = path("other");
@@ -330,18 +330,18 @@ void tst_Gotchas::renamedFolderIsDeaf()
     watcher.setDelayInMs(50);
     QStringList changed;
     connect(&watcher, &DirectoryWatcher::directoryChanged,
-            [&changed](const QStringList& folders) { changed += folders; });
+            [&changed](const QStringList& directories) { changed += directories; });
 
     QVERIFY(QDir().rename(inbox, path("old")));
     QVERIFY(QDir().mkdir(inbox));
     writeFile("inbox/file", "");
-    writeFile("other/file", ""); // is noticed after the others
+    writeFile("other/file", ""); // is reported after the others
     QTRY_COMPARE(changed, QStringList(other));
     QVERIFY(!watcher.addPath(inbox));
 
     changed.clear();
     writeFile("old/file", "");
-    QTRY_COMPARE(changed, QStringList(inbox)); // the name that it had
+    QTRY_COMPARE(changed, QStringList(inbox)); // under its old name
 
     DirectoryWatcher fresh(inbox);
     fresh.setDelayInMs(50);
@@ -350,7 +350,7 @@ void tst_Gotchas::renamedFolderIsDeaf()
     QVERIFY(changes.wait());
 }
 
-// The system allows 3 watches. None is taken while a folder is not added.
+// The system allows three watches. A directory that cannot be added uses none.
 void tst_Gotchas::watchesRunOut()
 {
     for (int i = 0; i < 5; ++i) {
@@ -365,9 +365,9 @@ void tst_Gotchas::watchesRunOut()
     QCOMPARE(result.output.count("No space left on device"), 2);
 }
 
-// The system allows 1 instance: one watcher. Another one looks at its folders once a second, and
-// says nothing of it.
-void tst_Gotchas::watchersBeyondTheLimitAskEverySecond()
+// The system allows one instance, so one watcher. A second watcher polls its directories once a
+// second, without a message.
+void tst_Gotchas::watchersBeyondTheLimitPollEverySecond()
 {
     QVERIFY(QDir().mkdir(path("inbox")));
     const ChildResult result = runLimited("instances", folder());
@@ -376,7 +376,7 @@ void tst_Gotchas::watchersBeyondTheLimitAskEverySecond()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_Gotchas::testsThatAreNamedExist()
+void tst_Gotchas::namedTestsExist()
 {
     const QStringList named = found(QString(), {"*.md"}, "`(tst_\\w+::\\w+)`");
     const QStringList functions = found("/tests", {"tst_*.cpp"}, "\nvoid (tst_\\w+::\\w+)\\(\\)");

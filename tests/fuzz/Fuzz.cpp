@@ -19,7 +19,7 @@ namespace {
     std::abort();
 }
 
-// Fatal messages are not the library's: they end a target that cannot go on.
+// Fatal messages do not come from the library: they end a target that cannot continue.
 void printFatal(const Message& message)
 {
     if (message.level == QtFatalMsg) {
@@ -27,7 +27,7 @@ void printFatal(const Message& message)
     }
 }
 
-// What is there from the first input on.
+// What exists from the first input on.
 class Session
 {
 public:
@@ -43,8 +43,8 @@ private:
     int m_argc = 1;
     char m_name[5] = "fuzz";
     char* m_argv[2] = {m_name, nullptr};
-    // What Qt keeps for expressions must be older than the application, to be there when that one
-    // frees the main thread's part of it.
+    // Qt's data for expressions must be created before the application, so that it still exists
+    // when the application frees the main thread's part of it.
     bool m_isMatched;
     QCoreApplication m_application;
     MessageRecorder m_recorder;
@@ -86,7 +86,7 @@ void Fuzz::needDeviceRoot()
 
 QByteArray Fuzz::toBytes(const std::uint8_t* data, std::size_t size, int limit)
 {
-    session(); // before the first message is made
+    session(); // before the first message is logged
     return QByteArray(reinterpret_cast<const char*>(data), qMin(int(size), limit));
 }
 
@@ -112,11 +112,11 @@ QString Fuzz::toText(const QByteArray& bytes)
 
 QString Fuzz::folder()
 {
-    static const QTemporaryDir folder;
-    if (!folder.isValid()) {
-        fail(folder.errorString());
+    static const QTemporaryDir directory;
+    if (!directory.isValid()) {
+        fail(directory.errorString());
     }
-    return folder.path();
+    return directory.path();
 }
 
 QString Fuzz::path(const QString& name)

@@ -8,32 +8,32 @@
 #include <cstddef>
 #include <cstdint>
 
-// What a target is, for libFuzzer as for the replay of its corpus. The initializing function is
-// optional.
+// The functions of a target, for libFuzzer and for the replay of its corpus. The initializing
+// function is optional.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 
-// What the fuzz targets share. A target that finds something wrong ends the process.
+// Shared functions of the fuzz targets. A target that finds an error ends the process.
 namespace Fuzz {
 
 // The exit code of a target that this machine cannot run.
 constexpr int exitSkipped = 77;
 
-// Ends the process unless it is in a device root (see script/device-root). To be called once,
-// before the first input.
+// Ends the process unless it runs in a device root (see script/device-root). Call this once, before
+// the first input.
 void needDeviceRoot();
 
 // The input as bytes, at most limit of them.
 QByteArray toBytes(const std::uint8_t* data, std::size_t size, int limit = 1 << 20);
 
-// Takes the first line, without its end, from bytes.
+// Removes the first line from bytes and returns it without its line feed.
 QByteArray takeLine(QByteArray& bytes);
 
-// The bytes as UTF-8; behind the byte order mark of UTF-16 (little endian) as they are, so that
-// halves of surrogate pairs are among the texts.
+// Decodes the bytes as UTF-8 or, after a byte order mark, as UTF-16 (little endian) without
+// validation, so that texts may contain halves of surrogate pairs.
 QString toText(const QByteArray& bytes);
 
-// The process's own folder, which is in TMPDIR, and a path in it.
+// The directory of the process, which is in TMPDIR, and a path in it.
 QString folder();
 QString path(const QString& name);
 
@@ -41,16 +41,16 @@ QString writeFile(const QString& name, const QByteArray& content);
 QByteArray readFile(const QString& filePath);
 void removeFile(const QString& filePath);
 
-// Level and text of all messages since the last call, whoever made them.
+// Level and text of all messages since the last call, from any source.
 QStringList takeMessages();
 
-// What messages call a file whose path differs from one run to another.
+// Replaces paths in messages that differ from one run to another.
 extern const QString fileName;
 
-// The same messages, with fileName in place of filePath.
+// The same messages, with filePath replaced by fileName.
 QStringList takeMessages(const QString& filePath);
 
-// Ends the process with both texts when they differ; what says which they are.
+// Ends the process with both texts if they differ; what describes them.
 void verifySame(const char* what, const QStringList& actual, const QStringList& expected);
 void verifySame(const char* what, const QString& actual, const QString& expected);
 void verifySame(const char* what, const QByteArray& actual, const QByteArray& expected);

@@ -16,7 +16,7 @@ const QString minValueDate = "MinValueDate";
 const QString maxValueDate = "MaxValueDate";
 const QString initialized = "Initialized";
 
-// An import as its rules are stated, in terms of JSON alone.
+// A simple implementation of the import's rules that uses only JSON types.
 class LiteralImport
 {
 public:
@@ -38,7 +38,7 @@ public:
 
     bool isComplete() const { return m_isComplete; }
     bool hasTextDate() const { return m_hasTextDate; }
-    // The records that are left, as they are exported.
+    // The remaining records, as exported.
     QJsonArray records() const { return m_records; }
 
 private:
@@ -96,7 +96,7 @@ QString shown(const QJsonArray& array)
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
-// Whether a change is still owed for dates in text form; asking for it pays it.
+// Whether imported text dates still have to be reported as a change; resets that.
 bool takeTextDateImported(DragIndicator& indicator)
 {
     DragIndicator::DragIndicatorInstance record;
@@ -104,7 +104,7 @@ bool takeTextDateImported(DragIndicator& indicator)
     return indicator.checkInstance(record, 0.0);
 }
 
-// The getters give what the export has, also of a record that is not there.
+// The getters return what the export contains, also for a missing record.
 void verifyGetters(const DragIndicator& indicator)
 {
     const QJsonArray records = indicator.asJsonArray();
@@ -114,7 +114,7 @@ void verifyGetters(const DragIndicator& indicator)
         const bool isSame = indicator.getMinValue(instance) == record.value(minValue).toDouble() &&
                             indicator.getMaxValue(instance) == record.value(maxValue).toDouble() &&
                             indicator.isInitialized(instance) == record.value(initialized).toBool();
-        Fuzz::verify(isSame, "a getter gives something else than the export");
+        Fuzz::verify(isSame, "a getter differs from the export");
         Fuzz::verify(Fuzz::takeMessages().size() == (i < records.size() ? 0 : 3),
                      "messages of the getters");
     }
@@ -135,9 +135,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     Fuzz::verifySame("records", shown(indicator.asJsonArray()), shown(literal.records()));
     verifyGetters(indicator);
     Fuzz::verify(takeTextDateImported(indicator) == literal.hasTextDate(),
-                 "whether dates were texts");
+                 "whether dates were in text form");
 
-    // What was exported comes back as it is, and a sound one without a word.
+    // An export is imported unchanged, and a valid one without a message.
     DragIndicator copy;
     const bool isCopied = copy.fromJsonArray(indicator.asJsonArray());
     Fuzz::verify(isCopied == Fuzz::takeMessages().isEmpty(), "messages of the second import");
@@ -145,7 +145,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                      indicator.asJsonArray().size() == 2 ? shown(indicator.asJsonArray())
                                                          : QStringLiteral("[]"));
 
-    // Values reach every record that is left.
+    // Values are added to every remaining record.
     indicator.compute(1e9);
     indicator.compute(-1e9);
     const QJsonArray records = indicator.asJsonArray();

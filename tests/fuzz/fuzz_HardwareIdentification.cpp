@@ -32,10 +32,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                      shown(partsOf(fresh), fresh.containsHardwareIDOnlyNumbers(id)) +
                          Fuzz::takeMessages(),
                      expected);
-    // Nothing is left of an earlier ID.
+    // No part of the previous ID remains.
     HardwareIdentification reused("1234567891234567");
     reused.divideHardwareID(id);
-    Fuzz::verifySame("parts and messages, the second time",
+    Fuzz::verifySame("parts and messages of the second call",
                      shown(partsOf(reused), reused.containsHardwareIDOnlyNumbers(id)) +
                          Fuzz::takeMessages(),
                      expected);

@@ -1,5 +1,5 @@
-// The input is the image of an EEPROM. It is read as it is and, where it has a whole header, once
-// more with the right checksum, which chance would not hit.
+// The input is the image of an EEPROM. It is read unchanged and, if it has a complete header, again
+// with the right checksum, which random input would not find.
 #include "EepromImage.h"
 #include "Fuzz.h"
 #include "HardwareInfo.h"
@@ -23,7 +23,7 @@ quint32 wordAt(const QByteArray& image, int address)
     return qFromLittleEndian<quint32>(image.constData() + address);
 }
 
-// The block as the header gives it; shorter where the image ends before it does.
+// The block that the header describes; truncated if the image ends first.
 QByteArray blockOf(const QByteArray& image)
 {
     const quint32 address = wordAt(image, startAddressField);
@@ -47,7 +47,7 @@ HardwareInfo usedRecord()
     return info;
 }
 
-// The values of a block, in the order in which they are read, as the literal INI file has them.
+// The values of a block in reading order, from the literal INI file.
 QStringList literalRecord(const QByteArray& block)
 {
     static const QStringList keys{"Version", "LP-ID", "Type", "TypeName", "CompatibilityIndex"};
@@ -80,7 +80,7 @@ QStringList literalRecord(const QByteArray& block)
     return values;
 }
 
-// What reading the image at filePath is to give: the record, or the reason against it.
+// The expected result of reading the image at filePath: the record, or the reason for rejection.
 QStringList literalRead(const QByteArray& image, const QString& filePath)
 {
     const QStringList untouched = QStringList("no") + valuesOf(usedRecord());
@@ -117,7 +117,7 @@ QStringList libraryRead(HardwareInfoReader& reader, const QString& filePath)
     return QStringList(isRead ? QStringLiteral("yes") : QStringLiteral("no")) + valuesOf(info);
 }
 
-// The messages, with the names of the files that hold a block taken out.
+// The messages without the names of temporary files.
 QStringList takeMessages()
 {
     static const QRegularExpression blockFile(QRegularExpression::escape(Fuzz::folder()) +
@@ -134,7 +134,7 @@ void verifyRead(const QByteArray& image)
     const QStringList actual = libraryRead(reader, filePath);
     Fuzz::verifySame("record and messages", actual + takeMessages(), expected);
     const QStringList again = libraryRead(reader, filePath);
-    Fuzz::verifySame("record and messages, the second time", again + takeMessages(), expected);
+    Fuzz::verifySame("record and messages of the second read", again + takeMessages(), expected);
 }
 
 void verifyHelpers(const QByteArray& bytes)
@@ -142,13 +142,13 @@ void verifyHelpers(const QByteArray& bytes)
     HardwareInfoReader reader(nullptr);
     Fuzz::verify(reader.checksumXModemCRC(bytes.constData(), uint(bytes.size())) ==
                      EepromImage::crc(bytes),
-                 "checksum of any bytes");
-    // Whole 16-bit halves count.
+                 "checksum of the bytes");
+    // Only complete 16-bit halves are read.
     quint32 word = 0;
     for (int i = 0; i < 4 && i < bytes.size() / 2 * 2; ++i) {
         word |= quint32(quint8(bytes.at(i))) << 8 * i;
     }
-    Fuzz::verify(reader.bytes2Uint32(bytes) == word, "word of any bytes");
+    Fuzz::verify(reader.bytes2Uint32(bytes) == word, "word of the bytes");
 }
 
 } // namespace
@@ -159,7 +159,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     verifyHelpers(image);
     verifyRead(image);
     if (image.size() >= EepromImage::headerEnd) {
-        // Where the block holds its own checksum this may be one more wrong one.
+        // If the block contains its own checksum, the new one may be wrong as well.
         qToLittleEndian(quint32(EepromImage::crc(blockOf(image))), image.data() + checksumField);
         verifyRead(image);
     }

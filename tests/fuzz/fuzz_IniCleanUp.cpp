@@ -1,4 +1,4 @@
-// The input is the file to clean up. Behind an asterisk it is repeated until the file is too large
+// The input is the file to clean up. After an asterisk it is repeated until the file is too large
 // to be read at once.
 #include "Fuzz.h"
 #include "IniFileManager.h"
@@ -19,7 +19,7 @@ void verifyCleanUp(const char* what, const QByteArray& content, const QByteArray
     Fuzz::verifySame(what, Fuzz::readFile(filePath), expected);
     Fuzz::verifySame("messages", Fuzz::takeMessages(), QStringList());
     Fuzz::removeFile(filePath);
-    Fuzz::verify(QDir(Fuzz::folder()).isEmpty(), "a file was left behind");
+    Fuzz::verify(QDir(Fuzz::folder()).isEmpty(), "a file remained");
 }
 
 } // namespace
@@ -37,8 +37,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const QByteArray expected = LiteralIniFile::cleanUp(filePath);
     Fuzz::removeFile(filePath);
 
-    verifyCleanUp("bytes, by pieces", content, expected);
-    // With one function more the text is handled as a whole.
+    verifyCleanUp("bytes, in chunks", content, expected);
+    // With an additional function the text is processed as a whole.
     IniFileManager::sm_CleanUpFunctions.append(&leaveAsItIs);
     verifyCleanUp("bytes, as a whole", content, expected);
     IniFileManager::sm_CleanUpFunctions = usualFunctions;

@@ -1,6 +1,6 @@
-// The input is calls on the first line, four characters each (operation, group, key, value), and
-// behind it the file that they are made on. Then follows every reader over what the file holds, and
-// the classes that read the device's own files.
+// The input is a line of calls with four characters each (operation, group, key, value), followed
+// by the file on which they are made. Then every getter is called for the content of the file, and
+// the classes that read the device's files are used on it.
 #include "DeviceRoot.h"
 #include "Fuzz.h"
 #include "IniCall.h"
@@ -19,14 +19,14 @@ namespace {
 
 constexpr int contentLimit = 4096;
 constexpr int callLimit = 24;
-constexpr int nameLimit = 16; // names of a file that calls may use
-constexpr int sweepLimit = 6; // groups, and keys of a group, that every reader is called on
-// Longer ones may take an expression a long time.
+constexpr int nameLimit = 16; // number of names in the file that calls may use
+constexpr int sweepLimit = 6; // number of groups, and keys per group, that every getter reads
+// An expression may take a long time for longer texts.
 constexpr int filterSize = 5;
 
 const char* const codecs[] = {nullptr, "UTF-8", "ISO 8859-15"};
 
-// What calls on a file may name: what stands in it, as it stands there, and some that do not.
+// The names that calls may use: those in the file, as written, and some that are not in it.
 QStringList namesFor(const QByteArray& content)
 {
     static const QRegularExpression separators("[\\n\\r=;\\[\\]]+");
@@ -64,7 +64,7 @@ QVariant valueFor(int number, const QString& name)
     }
 }
 
-// The calls that the input asks for.
+// The calls that the input encodes.
 QVector<IniCall> callsOf(const QByteArray& line, const QStringList& names)
 {
     QVector<IniCall> calls;
@@ -85,7 +85,7 @@ QVector<IniCall> callsOf(const QByteArray& line, const QStringList& names)
     return calls;
 }
 
-// Every reader, over what the file says that it holds.
+// Calls every getter for everything that the file lists.
 template <typename File>
 QStringList readAll(File& file)
 {
@@ -128,8 +128,8 @@ QStringList readAll(File& file)
     return record;
 }
 
-// QSettings keeps files that it has read, and takes one of the same name, size and time for the
-// same: each has a name of its own, whoever reads it.
+// QSettings caches files and treats one of the same name, size and time as unchanged, so each file
+// has a unique name.
 QString writeNewFile(const QByteArray& content)
 {
     static int number = 0;
@@ -152,13 +152,13 @@ QStringList play(const QByteArray& line, const QByteArray& content)
         record += readAll(file);
         record += Fuzz::takeMessages(filePath);
     }
-    record += Fuzz::takeMessages(filePath); // a last flush may parse, and so warn, too
+    record += Fuzz::takeMessages(filePath); // the last flush may parse and warn, too
     record += QString::fromLatin1(Fuzz::readFile(filePath).toPercentEncoding());
     Fuzz::removeFile(filePath);
     return record;
 }
 
-// What the classes that read the device's files find in content.
+// The results of the classes that read the device's files, for content.
 QStringList literalDevice(const QByteArray& content)
 {
     const QString filePath = writeNewFile(content);
@@ -209,7 +209,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     QByteArray content = Fuzz::toBytes(data, size, contentLimit);
     const QByteArray line = Fuzz::takeLine(content);
-    Fuzz::verifySame("answers, messages and the file", play<IniFileManager>(line, content),
+    Fuzz::verifySame("results, messages and the file", play<IniFileManager>(line, content),
                      play<LiteralIniFile>(line, content));
     Fuzz::verifySame("the device's files", libraryDevice(content), literalDevice(content));
     return 0;

@@ -1,4 +1,4 @@
-// The input is a key on the first line, and behind it the kernel's command line.
+// The input is a key on the first line, followed by the kernel's command line.
 #include "BootInformationHelper.h"
 #include "DeviceRoot.h"
 #include "Fuzz.h"
@@ -6,7 +6,7 @@
 
 namespace {
 
-// The command line's words, found character by character.
+// The words of the command line, parsed character by character.
 QStringList literalWords(const QByteArray& content)
 {
     QStringList words;
@@ -17,7 +17,7 @@ QStringList literalWords(const QByteArray& content)
         }
         word.clear();
     };
-    // As far as a text of C goes.
+    // Up to the first zero byte.
     for (const QChar character : QString::fromUtf8(content.constData())) {
         if (character == QLatin1Char(' ')) {
             endWord();
@@ -63,7 +63,7 @@ void verifyKey(const KernelCommandLineParser& parser, const QStringList& words, 
 int LLVMFuzzerInitialize(int*, char***)
 {
     Fuzz::needDeviceRoot();
-    // Of this product no boot is a hard reset.
+    // This product never boots with a hard reset.
     qputenv("MISCTOOLS_PRODUCT_CODE", "000000");
     return 0;
 }

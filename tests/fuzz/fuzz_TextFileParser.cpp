@@ -1,4 +1,4 @@
-// The input is an expression on the first line, and behind it the text of a file.
+// The input is an expression on the first line, followed by the text of a file.
 #include "Fuzz.h"
 #include "LiteralTextFile.h"
 #include "TextFileParser.h"
@@ -10,13 +10,13 @@ namespace {
 constexpr int patternLimit = 80;
 constexpr int contentLimit = 1000;
 
-// What is the same for the library and the literal version.
+// The results that the library and the literal version have in common.
 QStringList shown(const QStringList& results, const QString& error)
 {
     return QStringList{LiteralTextFile::described(results), error} + Fuzz::takeMessages();
 }
 
-// What the parser warns of and keeps, in the order in which that comes.
+// The parser's warnings and its last error, in order.
 QStringList errorsOf(const QRegularExpression& expression, const QString& content)
 {
     QStringList errors;
@@ -52,8 +52,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     QByteArray bytes = Fuzz::toBytes(data, size);
     const QByteArray pattern = Fuzz::takeLine(bytes).left(patternLimit);
     bytes.truncate(contentLimit);
-    // Expressions that go back and forth without end are given up after so many steps, so that time
-    // is left for others.
+    // Limits the steps of expressions with excessive backtracking, to leave time for others.
     const QRegularExpression expression("(*LIMIT_MATCH=5000)" + Fuzz::toText(pattern));
     const QString filePath = Fuzz::writeFile("text", bytes);
     const QString content = LiteralTextFile::content(bytes);

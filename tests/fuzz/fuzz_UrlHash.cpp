@@ -1,4 +1,4 @@
-// The input is bytes of any kind: a URL, a UUID, a file to hash, the ending of a file name.
+// The input is arbitrary bytes: a URL, a UUID, a file to hash, a file name extension.
 #include "ExportFileNameCreator.h"
 #include "Fuzz.h"
 #include "HashGenerator.h"
@@ -19,7 +19,7 @@ void verifyUrlHashes(const QByteArray& url)
 {
     const QByteArray hash = RecorderUrlHashHandling::createUrlHash(url);
     Fuzz::verify(hash == md5(url), "the hash of a URL");
-    // Wherever the URL is parted.
+    // The hash does not depend on where the URL is split.
     const int first = url.isEmpty() ? 0 : quint8(url.at(0)) % (url.size() + 1);
     const int rest = url.size() - first;
     for (const int second : {0, rest / 2, rest}) {
@@ -38,7 +38,7 @@ void verifyUuids(const QByteArray& bytes)
     }
 }
 
-// FNV-1a by its definition, up to a zero byte.
+// FNV-1a according to its definition, up to a zero byte.
 uint literalHash(const QByteArray& bytes)
 {
     quint64 hash = 2166136261U;
@@ -83,7 +83,7 @@ void verifyFileName(const QString& extension)
     Fuzz::verify(name.endsWith(extension) &&
                      beginning.match(name.left(name.size() - extension.size())).hasMatch(),
                  "the name of an export");
-    Fuzz::takeMessages(); // of the file with the device's index, which is not there
+    Fuzz::takeMessages(); // about the missing file with the device's index
 }
 
 } // namespace

@@ -1,10 +1,10 @@
-// The input is a version, of either format.
+// The input is a version in either format.
 #include "Fuzz.h"
 #include "LiteralVersion.h"
 
 namespace {
 
-constexpr int sizeLimit = 600; // beyond what is read by hand
+constexpr int sizeLimit = 600; // longer inputs are hard to read
 
 } // namespace
 
@@ -16,7 +16,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     LiteralVersion literal;
     literal.read(version);
     QStringList expected = componentsOf(literal);
-    // Parts that the version lacks stay as they were.
+    // Parts that the version lacks keep their value.
     LiteralVersion literalReused;
     literalReused.read(before);
     literalReused.read(version);

@@ -1,4 +1,4 @@
-// The input is patterns, each on a line, and behind them a line with the file name.
+// The input is patterns, one per line, followed by a line with the file name.
 #include "Fuzz.h"
 #include "WildcardFilter.h"
 
@@ -10,11 +10,10 @@
 
 namespace {
 
-constexpr int sizeLimit = 400; // the time of a match grows with both sizes
+constexpr int sizeLimit = 400; // matching time grows with both sizes
 
-// Whether the pattern needs nothing but the two wildcards, and Unicode's cases do not come in. A
-// closing bracket alone fits nothing; a backslash stands for itself, and yet makes a wildcard
-// behind it stand for itself, too.
+// Whether the pattern uses only the two wildcards and needs no Unicode case folding. A lone closing
+// bracket matches nothing; a backslash matches itself but also escapes a wildcard after it.
 bool isPlain(const QString& pattern, const QString& fileName)
 {
     const auto isPlainCharacter = [](QChar character) {
@@ -26,7 +25,7 @@ bool isPlain(const QString& pattern, const QString& fileName)
            std::all_of(fileName.cbegin(), fileName.cend(), isAscii);
 }
 
-// Wildcards by hand: which beginnings of the name the pattern's beginning matches.
+// Simple wildcard matching: the prefixes of the name that the pattern's prefix matches.
 bool matchesPlain(const QString& pattern, const QString& name, Qt::CaseSensitivity sensitivity)
 {
     std::vector<bool> matched(size_t(name.size()) + 1);
@@ -59,7 +58,7 @@ bool literalMatch(const QStringList& patterns, const QString& name, Qt::CaseSens
         const bool isMatch = QRegExp(pattern, sensitivity, QRegExp::Wildcard).exactMatch(name);
         if (isPlain(pattern, name)) {
             Fuzz::verify(isMatch == matchesPlain(pattern, name, sensitivity),
-                         "a plain wildcard matches otherwise than by hand");
+                         "a plain wildcard matches differently from the reference");
         }
         return isMatch;
     });
@@ -84,10 +83,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         const WildcardFilter filter(patterns, sensitivity == Qt::CaseSensitive
                                                   ? QDir::Filters(QDir::CaseSensitive)
                                                   : QDir::Filters(QDir::AllEntries));
-        Fuzz::verifySame("answers", shown(filter.matchesFilters(fileName)), expected);
-        // A match leaves nothing behind.
+        Fuzz::verifySame("results", shown(filter.matchesFilters(fileName)), expected);
+        // A match leaves no state.
         const WildcardFilter copy(filter);
-        Fuzz::verifySame("answers, the second time", shown(copy.matchesFilters(fileName)),
+        Fuzz::verifySame("results of the second call", shown(copy.matchesFilters(fileName)),
                          expected);
     }
     return 0;

@@ -1,5 +1,5 @@
-// In place of libFuzzer's own main(), with any compiler: runs a target over every file of the
-// folders and every file that the arguments name.
+// Replaces main() of libFuzzer, with any compiler: runs a target on every file that the arguments
+// name and on every file of the directories that they name.
 #include "Fuzz.h"
 
 #include <QtCore/QDir>
@@ -16,16 +16,16 @@ QStringList filesOf(const QString& path)
         return {path};
     }
     QStringList files;
-    const QDir folder(path);
-    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
-        files += folder.filePath(name);
+    const QDir directory(path);
+    for (const QString& name : directory.entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+        files += directory.filePath(name);
     }
     return files;
 }
 
 } // namespace
 
-// For targets that have none of their own.
+// For targets without their own function.
 extern "C" __attribute__((weak)) int LLVMFuzzerInitialize(int*, char***)
 {
     return 0;
@@ -37,7 +37,8 @@ int main(int argc, char** argv)
     int inputs = 0;
     for (int i = 1; i < argc; ++i) {
         for (const QString& filePath : filesOf(QFile::decodeName(argv[i]))) {
-            // Before it runs: the last one named is the one that ended the process.
+            // Printed before the target runs: the last name is that of the input that ended the
+            // process.
             std::printf("%s\n", qPrintable(filePath));
             std::fflush(stdout);
             QFile file(filePath);

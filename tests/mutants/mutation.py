@@ -1,5 +1,5 @@
-"""Mutation testing: would the tests notice a defect? A mutant is the library with one line of src/ changed
-or left out. This module lists the mutants of a file, compiles one (the changed source, then the link) and
+"""Mutation testing: would the tests detect a defect? A mutant is the library with one line of src/ changed
+or omitted. This module lists the mutants of a file, builds one (compiles the changed source and links) and
 runs a test program of the dev build with it, which finds it through LD_LIBRARY_PATH. A mutant that passes
 shows that a test is missing."""
 
@@ -21,13 +21,13 @@ class Mutant:
         self.path, self.number, self.line, self.changed = path, number, line, changed
 
     def __str__(self):
-        return f"{self.path}:{self.number}: {self.line.strip()} -> {self.changed.strip() or '(left out)'}"
+        return f"{self.path}:{self.number}: {self.line.strip()} -> {self.changed.strip() or '(omitted)'}"
 
     def key(self):
-        return f"{self.path}: {self.line.strip()} -> {self.changed.strip() or '(left out)'}"
+        return f"{self.path}: {self.line.strip()} -> {self.changed.strip() or '(omitted)'}"
 
 
-# What is replaced by what: each place where an expression fits is a mutant.
+# Regular expressions and replacements: each match is a mutant.
 REPLACEMENTS = [
     (r" == ", " != "),
     (r" != ", " == "),
@@ -50,15 +50,15 @@ REPLACEMENTS = [
     (r"\bif \((?=[^!])", "if (!"),
     (r"(?<=[( ])!(?=\w)", ""),
 ]
-# A statement that stands on a line of its own is left out: a call, an assignment.
+# A statement on its own line (a call, an assignment) is omitted.
 STATEMENT = re.compile(r"^ +(?!return|using|const |static |QString |case |default|delete )[\w.>()*:-]+"
                        r"(\(.*\)| [+&|]?= .*);$")
 
 
 def code_of(line):
-    """The line with its texts and comments blanked out, so that places stay."""
-    blank = lambda match: " " * len(match.group())
-    return re.sub(r"//.*|\"(\\.|[^\"\\])*\"|'(\\.|[^'\\])+'", blank, line)
+    """The line with strings and comments replaced by spaces, so that columns are kept."""
+    spaces = lambda match: " " * len(match.group())
+    return re.sub(r"//.*|\"(\\.|[^\"\\])*\"|'(\\.|[^'\\])+'", spaces, line)
 
 
 def mutants_of(path):
@@ -71,15 +71,15 @@ def mutants_of(path):
             in_comment = in_comment and "*/" not in code
             continue
         for expression, replacement in REPLACEMENTS:
-            for place in re.finditer(expression, code):
+            for match in re.finditer(expression, code):
                 yield Mutant(path, number, line,
-                             line[:place.start()] + replacement + line[place.end():])
+                             line[:match.start()] + replacement + line[match.end():])
         if STATEMENT.match(code):
             yield Mutant(path, number, line, "")
 
 
 class Compiler:
-    """The commands of a build, with one source and the output replaced."""
+    """Runs the commands of a build with one source and the output replaced."""
 
     def __init__(self, build):
         self.build = build
@@ -88,23 +88,23 @@ class Compiler:
         self.link = lines[-1]
         self.compile = {}
         for line in lines:
-            # In quotes where the project's folder has a blank in its name.
+            # Quoted if the project's path contains a space.
             match = re.search(r""" -o (\S+\.o) -c ['\"]?(.+/(src/[\w./]+\.cpp))['\"]?$""", line)
             if match:
                 self.compile[match.group(3)] = (line, match.group(1), match.group(2))
 
-    def make(self, mutant, folder):
-        """The library with that change; None when it does not compile."""
+    def make(self, mutant, directory):
+        """The library with that change; None if it does not compile."""
         command, old_object, old_source = self.compile[str(mutant.path)]
-        source = folder / mutant.path.name
+        source = directory / mutant.path.name
         lines = mutant.path.read_text().split("\n")
         lines[mutant.number - 1] = mutant.changed
         source.write_text("\n".join(lines))
-        new_object = folder / "mutant.o"
-        library = folder / "libMiscTools.so.1"
+        new_object = directory / "mutant.o"
+        library = directory / "libMiscTools.so.1"
         includes = shlex.quote(str(pathlib.Path(old_source).parent))
         steps = [
-            f"{command[:command.rindex(' -o ')]} -MF {folder}/mutant.d -w -I{includes}"
+            f"{command[:command.rindex(' -o ')]} -MF {directory}/mutant.d -w -I{includes}"
             f" -o {new_object} -c {source}",
             self.link.replace(old_object, str(new_object)).replace(
                 f"-o {LIBRARY}", f"-o {library}"),
@@ -116,13 +116,13 @@ class Compiler:
         return library
 
 
-def run_quietly(command, folder, environment, timeout_in_s, memory_in_bytes=resource.RLIM_INFINITY):
-    """How the command ends: with PASSED, FAILED or TIMED_OUT. A test is over where it first fails."""
+def run_quietly(command, directory, environment, timeout_in_s, memory_in_bytes=resource.RLIM_INFINITY):
+    """The result of the command: PASSED, FAILED or TIMED_OUT. A test is ended at its first failure."""
     def limits():
         resource.setrlimit(resource.RLIMIT_AS, (memory_in_bytes, memory_in_bytes))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
-    process = subprocess.Popen(command, cwd=folder, env=environment, preexec_fn=limits,
+    process = subprocess.Popen(command, cwd=directory, env=environment, preexec_fn=limits,
                                start_new_session=True, stdin=subprocess.DEVNULL,
                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
     is_late = threading.Event()
@@ -130,7 +130,7 @@ def run_quietly(command, folder, environment, timeout_in_s, memory_in_bytes=reso
     def end(reason=None):
         if reason:
             reason.set()
-        os.killpg(process.pid, signal.SIGKILL) # the session that was begun here
+        os.killpg(process.pid, signal.SIGKILL) # the session started above
 
     clock = threading.Timer(timeout_in_s, end, [is_late])
     clock.start()

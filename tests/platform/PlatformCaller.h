@@ -5,8 +5,8 @@
 #include <QtCore/QString>
 
 /*
- * A shared library that stands as MiscTools does: it calls the platform functions and is linked
- * against the bundled ones. Which definitions answer is for the loader to decide.
+ * A shared library in the position of MiscTools: it calls the platform functions and is linked
+ * against the bundled ones. The loader decides which definitions are used.
  */
 namespace PlatformCaller {
 

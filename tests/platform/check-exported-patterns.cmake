@@ -1,4 +1,4 @@
-# What is exported for names that the public headers do not have today.
+# Tests the export patterns for names that the public headers do not contain yet.
 #
 #   cmake -P tests/platform/check-exported-patterns.cmake
 include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/ExportedSymbols.cmake)
@@ -6,7 +6,7 @@ include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/ExportedSymbols.cmake)
 function(check text)
   misctools_exported_patterns(patterns "${text}")
   if(NOT patterns STREQUAL "${ARGN}")
-    message(SEND_ERROR "'${text}' gives '${patterns}' instead of '${ARGN}'")
+    message(SEND_ERROR "'${text}' returns '${patterns}' instead of '${ARGN}'")
   endif()
 endfunction()
 

@@ -1,5 +1,5 @@
-// A plugin that uses the library: it leaves a path of the library's in Qt's cache of settings
-// files, and a type of the library's registered with Qt.
+// A plugin that uses the library: it leaves a path of the library in Qt's cache of settings files
+// and a type of the library registered with Qt.
 
 #include <ErrorContainer.h>
 #include <RaucSystemConfigIniManager.h>

@@ -1,5 +1,5 @@
-// A program that is not linked against the library: it loads a plugin that is, calls it, unloads
-// it, and then uses what the plugin has left in Qt's process-wide caches.
+// A program that is not linked against the library: it loads a plugin that is linked against it,
+// calls it, unloads it, and then uses what the plugin left in Qt's process-wide caches.
 
 #include <QtCore/QFile>
 #include <QtCore/QMetaType>
@@ -11,7 +11,7 @@
 
 int main(int argc, char* argv[])
 {
-    // As RaucSystemConfigIniManager reads it; what Qt keeps of a missing file is not worth caching.
+    // As RaucSystemConfigIniManager reads it; Qt does not cache a missing file.
     const QString filePath = "/etc/rauc/system.conf";
     if (!QFile::exists(filePath)) {
         std::puts("device root: not available; this test needs one");

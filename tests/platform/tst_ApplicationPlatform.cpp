@@ -6,20 +6,20 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QScopeGuard>
 
-// The platform functions of a device: this program defines them, as device software does, and
-// libraries that were linked against the bundled ones call these.
+// This program defines the platform functions, like device software, and libraries that were linked
+// against the bundled ones call these.
 class tst_ApplicationPlatform : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void definitionsOfTheApplicationWin();
-    void failedReadsLeaveNoDateAndNoFlag();
+    void applicationDefinitionsTakePrecedence();
+    void failedReadsSetNeitherDateNorFlag();
 };
 
 namespace {
 
-// What the readers return; they write their argument in either case.
+// What the readers return; they write to their argument in either case.
 bool readsSucceed = true;
 
 } // namespace
@@ -52,7 +52,7 @@ bool readBoolValueFromJson(const QString& key, const QJsonObject& object, bool& 
     return readsSucceed;
 }
 
-void tst_ApplicationPlatform::failedReadsLeaveNoDateAndNoFlag()
+void tst_ApplicationPlatform::failedReadsSetNeitherDateNorFlag()
 {
     readsSucceed = false;
     const auto restore = qScopeGuard([] { readsSucceed = true; });
@@ -73,14 +73,14 @@ void tst_ApplicationPlatform::failedReadsLeaveNoDateAndNoFlag()
         QCOMPARE(record[QStringLiteral("MaxValueDate")], QJsonValue(QString()));
         QCOMPARE(record[QStringLiteral("Initialized")], QJsonValue(false));
     }
-    // The text was no date in the older form, either: nothing is to be saved again.
+    // The text was not a date in the old format, either, so nothing has to be saved again.
     QVERIFY(indicator.compute(1));
     QVERIFY(!indicator.compute(1));
 }
 
-void tst_ApplicationPlatform::definitionsOfTheApplicationWin()
+void tst_ApplicationPlatform::applicationDefinitionsTakePrecedence()
 {
-    // The bundled functions would give the first text and refuse the reads of an empty object.
+    // The bundled functions would return the first text and reject reads of an empty object.
     qputenv("MISCTOOLS_PRODUCT_CODE", "the environment's code");
     const QString productCode = PlatformCaller::productCode();
     qunsetenv("MISCTOOLS_PRODUCT_CODE");

@@ -31,7 +31,7 @@
 #include <link.h>
 #include <type_traits>
 
-// Constructors of one argument convert, as they are declared.
+// Constructors with one argument are implicit, as declared.
 static_assert(std::is_convertible<const QString&, DirectoryWatcher>::value, "converts");
 static_assert(std::is_convertible<const QStringList&, DirectoryWatcher>::value, "converts");
 static_assert(std::is_convertible<const QString&, HardwareIdentification>::value, "converts");
@@ -40,8 +40,8 @@ static_assert(std::is_convertible<QObject*, MediaWatcher>::value, "converts");
 static_assert(std::is_convertible<const QString&, TextFileParser>::value, "converts");
 static_assert(std::is_convertible<const QString&, VersionManager>::value, "converts");
 
-// What programs that were built earlier rely on: where the fields of an object lie, how large it
-// is, and which function stands in which slot of its table of virtual functions.
+// What programs built earlier rely on: offsets of fields, sizes of objects, and the slots of
+// virtual functions.
 class tst_BinaryInterface : public TestCase
 {
     Q_OBJECT
@@ -49,12 +49,12 @@ class tst_BinaryInterface : public TestCase
 private Q_SLOTS:
     void sizes_data();
     void sizes();
-    void fieldsLieInDeclaredOrder_data();
-    void fieldsLieInDeclaredOrder();
+    void fieldsAreInDeclaredOrder_data();
+    void fieldsAreInDeclaredOrder();
     void enumerationsAreInts();
-    void virtualFunctionsStandInSlotOrder_data();
-    void virtualFunctionsStandInSlotOrder();
-    void theseHaveNoVirtualFunctions();
+    void virtualFunctionsAreInSlotOrder_data();
+    void virtualFunctionsAreInSlotOrder();
+    void classesWithoutVirtualFunctions();
 };
 
 namespace {
@@ -67,7 +67,7 @@ struct Field
     int alignment;
 };
 
-// The fields by class, in the order in which they are noted below.
+// The fields by class, in the order in which they are registered below.
 QHash<QByteArray, QVector<Field>>& fields()
 {
     static QHash<QByteArray, QVector<Field>> byClass;
@@ -77,7 +77,7 @@ QHash<QByteArray, QVector<Field>>& fields()
 template <typename Class, typename Type>
 bool note(const char* className, const char* name, Type Class::*member)
 {
-    // The C++ ABI of both processors: a pointer to a data member is the member's offset.
+    // In the C++ ABI of all processors, a pointer to a data member is the member's offset.
     std::ptrdiff_t offset = -1;
     static_assert(sizeof(member) == sizeof(offset), "an offset");
     std::memcpy(&offset, &member, sizeof(offset));
@@ -85,15 +85,15 @@ bool note(const char* className, const char* name, Type Class::*member)
     return true;
 }
 
-// An explicit instantiation may name private members, which nothing else outside a class may.
+// Only an explicit instantiation may name private members outside the class.
 template <typename Tag, auto Member>
-struct NotedField
+struct RegisteredField
 {
     static const bool isNoted;
 };
 
 template <typename Tag, auto Member>
-const bool NotedField<Tag, Member>::isNoted = note(Tag::className, Tag::fieldName, Member);
+const bool RegisteredField<Tag, Member>::isNoted = note(Tag::className, Tag::fieldName, Member);
 
 #define NOTE_FIELD(Class, Name)                                                                    \
     struct Class##_##Name                                                                          \
@@ -101,7 +101,7 @@ const bool NotedField<Tag, Member>::isNoted = note(Tag::className, Tag::fieldNam
         static constexpr char className[] = #Class;                                                \
         static constexpr char fieldName[] = #Name;                                                 \
     };                                                                                             \
-    template struct NotedField<Class##_##Name, &Class::Name>;
+    template struct RegisteredField<Class##_##Name, &Class::Name>;
 
 NOTE_FIELD(DirectoryWatcher, m_fileSystemWatcher)
 NOTE_FIELD(DirectoryWatcher, m_delayTimer)
@@ -162,7 +162,7 @@ NOTE_FIELD(VersionManager, m_gitHash)
 NOTE_FIELD(VersionManager, m_isOldVersion)
 NOTE_FIELD(WildcardFilter, m_regExps)
 
-// The record of a drag indicator is a class within a class.
+// The record of a drag indicator is a nested class.
 using DragIndicatorInstance = DragIndicator::DragIndicatorInstance;
 NOTE_FIELD(DragIndicatorInstance, minValueDate)
 NOTE_FIELD(DragIndicatorInstance, maxValueDate)
@@ -177,13 +177,13 @@ int alignedTo(int offset, int alignment)
     return (offset + alignment - 1) / alignment * alignment;
 }
 
-// The mangled name of a class, as it stands within other mangled names.
+// The mangled name of a class as part of other mangled names.
 QByteArray mangled(const QByteArray& className)
 {
     return QByteArray::number(className.size()) + className;
 }
 
-// The entries of the tables of virtual functions of a class, all of them, as they lie in memory.
+// All entries of the vtables of a class, in memory order.
 QVector<const void*> tableEntries(const QByteArray& className)
 {
     const void* const table = dlsym(RTLD_DEFAULT, "_ZTV" + mangled(className));
@@ -198,7 +198,7 @@ QVector<const void*> tableEntries(const QByteArray& className)
     return entries;
 }
 
-// What stands before the slots of each table.
+// The words before the slots of each vtable.
 QByteArrayList tableHead(const QByteArray& className)
 {
     return {QByteArray(), "_ZTI" + mangled(className)};
@@ -273,13 +273,13 @@ void tst_BinaryInterface::sizes()
     QTEST(size, "expected");
 }
 
-void tst_BinaryInterface::fieldsLieInDeclaredOrder_data()
+void tst_BinaryInterface::fieldsAreInDeclaredOrder_data()
 {
     QTest::addColumn<QByteArray>("className");
     QTest::addColumn<int>("begin");
     QTest::addColumn<int>("end");
     constexpr int table = int(sizeof(void*));
-    // What the fields lie between: the base classes, and the end of the object.
+    // The bounds of the fields: the end of the base classes and the end of the object.
     const auto row = [](const char* className, int begin, std::size_t end) {
         QTest::newRow(className) << QByteArray(className) << begin << int(end);
     };
@@ -297,7 +297,7 @@ void tst_BinaryInterface::fieldsLieInDeclaredOrder_data()
     row("OrvalisVersionInfoIniManager", table, sizeof(OrvalisVersionInfoIniManager));
     row("QProcessHandler", table, sizeof(QProcessHandler));
     row("RaucSystemConfigIniManager", table, sizeof(RaucSystemConfigIniManager));
-    // Of QRunnable's count the object's end is not padding.
+    // The object may not end in padding that belongs to QRunnable's count.
     row("RecursiveFileSearchWorkerThread", int(sizeof(QObject) + sizeof(QRunnable)),
         sizeof(RecursiveFileSearchWorkerThread));
     row("TextFileParser", table, sizeof(TextFileParser));
@@ -307,7 +307,7 @@ void tst_BinaryInterface::fieldsLieInDeclaredOrder_data()
     row("WildcardFilter", table, sizeof(WildcardFilter));
 }
 
-void tst_BinaryInterface::fieldsLieInDeclaredOrder()
+void tst_BinaryInterface::fieldsAreInDeclaredOrder()
 {
     QFETCH(QByteArray, className);
     QFETCH(int, begin);
@@ -326,7 +326,7 @@ void tst_BinaryInterface::fieldsLieInDeclaredOrder()
         offset += field.size;
         largestAlignment = qMax(largestAlignment, field.alignment);
     }
-    // Nothing else follows.
+    // No other field follows.
     QCOMPARE(alignedTo(offset, largestAlignment), end);
 }
 
@@ -337,7 +337,7 @@ void tst_BinaryInterface::enumerationsAreInts()
     QCOMPARE(sizeof(BootInformationHelper::BootMode), sizeof(int));
 }
 
-void tst_BinaryInterface::virtualFunctionsStandInSlotOrder_data()
+void tst_BinaryInterface::virtualFunctionsAreInSlotOrder_data()
 {
     QTest::addColumn<QByteArray>("className");
     QTest::addColumn<QByteArrayList>("expected");
@@ -355,7 +355,7 @@ void tst_BinaryInterface::virtualFunctionsStandInSlotOrder_data()
     for (const char* className : {"DirectoryWatcher", "HardwareInfoReader", "MediaWatcher"}) {
         row(className, objectTable(className));
     }
-    // A worker is a QRunnable too: a table with functions that step back from there to the object.
+    // A worker is also a QRunnable: a second vtable with thunks that adjust the object pointer.
     const QByteArray worker = "RecursiveFileSearchWorkerThread";
     const QByteArray thunk = isWide ? "_ZThn16_N" : "_ZThn8_N";
     row(worker,
@@ -365,14 +365,14 @@ void tst_BinaryInterface::virtualFunctionsStandInSlotOrder_data()
                            thunk + mangled(worker) + "D0Ev"});
 }
 
-void tst_BinaryInterface::virtualFunctionsStandInSlotOrder()
+void tst_BinaryInterface::virtualFunctionsAreInSlotOrder()
 {
     QFETCH(QByteArray, className);
     QFETCH(QByteArrayList, expected);
     const QVector<const void*> entries = tableEntries(className);
     QCOMPARE(entries.size(), expected.size());
     for (int i = 0; i < entries.size(); ++i) {
-        // The offset to the object is no function; it has no name.
+        // The offset to the object is not a function and has no name.
         if (!expected.at(i).isEmpty()) {
             const void* const function = dlsym(RTLD_DEFAULT, expected.at(i));
             QVERIFY2(function, expected.at(i) + " is not exported");
@@ -381,7 +381,7 @@ void tst_BinaryInterface::virtualFunctionsStandInSlotOrder()
     }
 }
 
-void tst_BinaryInterface::theseHaveNoVirtualFunctions()
+void tst_BinaryInterface::classesWithoutVirtualFunctions()
 {
     QVERIFY(!std::is_polymorphic<IniFileManager>::value);
     QVERIFY(!std::is_polymorphic<UniqueIdGenerator>::value);

@@ -3,19 +3,19 @@
 
 #include <QtCore/QJsonDocument>
 
-// The platform functions of a stand-alone program: those of the bundled library, as this program
-// defines none.
+// Tests the platform functions of a stand-alone program, which are those of the bundled library
+// because this program defines none.
 class tst_BundledPlatform : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void productCodeIsTheConfiguredOne();
-    void productCodeOfTheEnvironmentComesFirst_data();
-    void productCodeOfTheEnvironmentComesFirst();
-    void readersTakeTheirTypeOnly_data();
-    void readersTakeTheirTypeOnly();
-    void readersGiveTheValue();
+    void productCodeIsAsConfigured();
+    void productCodeOfTheEnvironmentTakesPrecedence_data();
+    void productCodeOfTheEnvironmentTakesPrecedence();
+    void readersAcceptOnlyTheirType_data();
+    void readersAcceptOnlyTheirType();
+    void readersReturnTheValue();
 };
 
 namespace {
@@ -24,20 +24,20 @@ constexpr char environmentVariable[] = "MISCTOOLS_PRODUCT_CODE";
 
 } // namespace
 
-void tst_BundledPlatform::productCodeIsTheConfiguredOne()
+void tst_BundledPlatform::productCodeIsAsConfigured()
 {
     qunsetenv(environmentVariable);
     QCOMPARE(PlatformCaller::productCode(), QStringLiteral(CONFIGURED_PRODUCT_CODE));
 }
 
-void tst_BundledPlatform::productCodeOfTheEnvironmentComesFirst_data()
+void tst_BundledPlatform::productCodeOfTheEnvironmentTakesPrecedence_data()
 {
     QTest::addColumn<QByteArray>("code");
-    QTest::newRow("another code") << QByteArray("640917");
+    QTest::newRow("different code") << QByteArray("640917");
     QTest::newRow("empty") << QByteArray("");
 }
 
-void tst_BundledPlatform::productCodeOfTheEnvironmentComesFirst()
+void tst_BundledPlatform::productCodeOfTheEnvironmentTakesPrecedence()
 {
     QFETCH(QByteArray, code);
     qputenv(environmentVariable, code);
@@ -46,15 +46,15 @@ void tst_BundledPlatform::productCodeOfTheEnvironmentComesFirst()
     QCOMPARE(productCode, QString::fromLatin1(code));
 }
 
-void tst_BundledPlatform::readersTakeTheirTypeOnly_data()
+void tst_BundledPlatform::readersAcceptOnlyTheirType_data()
 {
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<bool>("isDouble");
     QTest::addColumn<bool>("isString");
     QTest::addColumn<bool>("isBool");
 
-    QTest::newRow("no member") << QByteArray("{}") << false << false << false;
-    QTest::newRow("another key") << QByteArray("{\"Key\": 1}") << false << false << false;
+    QTest::newRow("missing member") << QByteArray("{}") << false << false << false;
+    QTest::newRow("different key") << QByteArray("{\"Key\": 1}") << false << false << false;
     QTest::newRow("null") << QByteArray("{\"key\": null}") << false << false << false;
     QTest::newRow("number") << QByteArray("{\"key\": 1.5}") << true << false << false;
     QTest::newRow("zero") << QByteArray("{\"key\": 0}") << true << false << false;
@@ -67,7 +67,7 @@ void tst_BundledPlatform::readersTakeTheirTypeOnly_data()
     QTest::newRow("object") << QByteArray("{\"key\": {\"key\": 1}}") << false << false << false;
 }
 
-void tst_BundledPlatform::readersTakeTheirTypeOnly()
+void tst_BundledPlatform::readersAcceptOnlyTheirType()
 {
     QFETCH(QByteArray, json);
     QFETCH(bool, isDouble);
@@ -93,7 +93,7 @@ void tst_BundledPlatform::readersTakeTheirTypeOnly()
     }
 }
 
-void tst_BundledPlatform::readersGiveTheValue()
+void tst_BundledPlatform::readersReturnTheValue()
 {
     const QString key = "key";
     double number = 0;

@@ -8,8 +8,8 @@
 #error "This program is to be compiled without -fPIC and -fPIE."
 #endif
 
-// A program whose code depends on its position: where it takes the address of one of the library's
-// functions it gets one of its own, which the library has to use as well.
+// A position-dependent program: taking the address of a library function yields an address in the
+// program itself, which the library has to use as well.
 class tst_FixedPositionProgram : public TestCase
 {
     Q_OBJECT

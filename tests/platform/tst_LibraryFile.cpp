@@ -4,7 +4,7 @@
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 
-// What libMiscTools.so.1 is to the loader: its name, what it needs, what it gives away.
+// Tests libMiscTools.so.1 as the loader sees it: its name, its dependencies, its exports.
 class tst_LibraryFile : public TestCase
 {
     Q_OBJECT
@@ -14,16 +14,16 @@ private Q_SLOTS:
     void sonames();
     void neededLibraries();
     void platformFunctionsAreNotDefinedInTheLibrary();
-    void bundledPlatformDefinesThePlatformFunctionsAlone();
-    void headersAreUnderstood();
-    void symbolsAreUnderstood();
+    void bundledPlatformDefinesOnlyThePlatformFunctions();
+    void headersAreParsed();
+    void symbolsAreParsed();
     void exportsAreExactlyThePublicInterface();
     void tablesAndTypesAreExported();
-    void loaderProtectsIt_data();
-    void loaderProtectsIt();
-    void staysLoaded();
-    void releaseBuildsGuardTheStack_data();
-    void releaseBuildsGuardTheStack();
+    void loaderAppliesHardening_data();
+    void loaderAppliesHardening();
+    void libraryStaysLoaded();
+    void releaseBuildsProtectTheStack_data();
+    void releaseBuildsProtectTheStack();
 };
 
 namespace {
@@ -31,11 +31,11 @@ namespace {
 const QString library = QStringLiteral(LIBRARY_FILE);
 const QString platformLibrary = QStringLiteral(PLATFORM_LIBRARY_FILE);
 
-// The lines that a tool prints about a file; none when it fails, which every caller would notice.
+// The lines that a tool prints about a file; none if it fails, which every caller would notice.
 QStringList linesOf(const QString& tool, const QStringList& arguments)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("LC_ALL", "C"); // the tools speak languages
+    environment.insert("LC_ALL", "C"); // the tools' output is localized
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(tool, arguments);
@@ -47,8 +47,8 @@ QStringList linesOf(const QString& tool, const QStringList& arguments)
         .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-// What the expression captures in each line that it matches of a view of the file, as readelf shows
-// it: "-d" the dynamic section, "-l" the segments.
+// The captures of the expression in the lines of readelf's output: "-d" for the dynamic section,
+// "-l" for the segments.
 QStringList capturedIn(const QString& file, const char* view, const QString& expression)
 {
     const QRegularExpression entry(expression);
@@ -69,7 +69,7 @@ QStringList dynamicEntries(const QString& file, const QString& tag)
     return capturedIn(file, "-d", QStringLiteral("\\(%1\\).*\\[(.*)\\]").arg(tag));
 }
 
-// The demangled names of the dynamic symbols that nm shows with the option.
+// The demangled names of the dynamic symbols that nm lists with the option.
 QStringList dynamicSymbols(const QString& file, const QString& option)
 {
     const QRegularExpression symbol("^[0-9a-f ]+ [A-Za-z] (.*)$");
@@ -83,13 +83,13 @@ QStringList dynamicSymbols(const QString& file, const QString& option)
     return names;
 }
 
-// Those that a file defines.
+// The symbols that a file defines.
 QStringList definedSymbols(const QString& file)
 {
     return dynamicSymbols(file, "--defined-only");
 }
 
-// The public interface as a header declares it. A name stands as often as it is overloaded.
+// The public interface that a header declares. An overloaded name is listed once per overload.
 struct Interface
 {
     QStringList classes;
@@ -99,7 +99,7 @@ struct Interface
 
 void readMembers(const QString& className, QString body, Interface& interface)
 {
-    // Bodies of nested types, access labels and macros are no declarations of the class.
+    // Bodies of nested types, access labels and macros are not declarations of the class.
     body.remove(QRegularExpression("\\{[^}]*\\}"));
     body.remove(QRegularExpression("\\b(?:public|protected|private)(?: Q_SLOTS)?:|\\bQ_SIGNALS:"));
     if (body.contains(QLatin1String("Q_OBJECT"))) {
@@ -114,7 +114,7 @@ void readMembers(const QString& className, QString body, Interface& interface)
     const QRegularExpression variable("^\\s*static\\b.*\\b(\\w+)(?:\\[\\w*\\])?$");
     for (const QString& declaration : body.split(QLatin1Char(';'))) {
         if (declaration.contains(QLatin1String("= default"))) {
-            continue; // made wherever it is used
+            continue; // emitted where it is used
         }
         QRegularExpressionMatch match = function.match(declaration);
         if (match.hasMatch()) {
@@ -167,11 +167,11 @@ Interface publicInterface()
     return interface;
 }
 
-// The same, as symbols tell it: what the compiler makes for a class of its own accord is left out,
-// and the parameters are, too.
+// The public interface according to the symbols, without parameters and without the functions that
+// the compiler generates for a class.
 Interface readSymbols(QStringList symbols)
 {
-    // One constructor or destructor stands there under up to three names that are spelled alike.
+    // A constructor or destructor has up to three symbols with the same demangled name.
     symbols.removeDuplicates();
     Interface interface;
     const QRegularExpression table("^vtable for (\\w+)$");
@@ -191,7 +191,7 @@ Interface readSymbols(QStringList symbols)
     return interface;
 }
 
-// What one list has more than the other.
+// The elements of one list that the other lacks.
 QByteArray surplus(QStringList names, const QStringList& others)
 {
     for (const QString& other : others) {
@@ -229,7 +229,7 @@ void tst_LibraryFile::neededLibraries()
     QStringList needed = dynamicEntries(library, "NEEDED");
     QVERIFY(needed.removeOne("libQt5Core.so.5"));
     QVERIFY(needed.removeOne("libMiscToolsPlatform.so.1"));
-    // What is left belongs to the compiler and the system.
+    // The remaining libraries belong to the compiler and the system.
     const QRegularExpression runtime(QStringLiteral(
         "^(?:libstdc\\+\\+|libm|libgcc_s|libc|libpthread|libatomic|ld-linux[\\w-]*)\\.so\\.\\d+$"));
     for (const QString& name : qAsConst(needed)) {
@@ -246,14 +246,14 @@ void tst_LibraryFile::platformFunctionsAreNotDefinedInTheLibrary()
     }
 }
 
-void tst_LibraryFile::bundledPlatformDefinesThePlatformFunctionsAlone()
+void tst_LibraryFile::bundledPlatformDefinesOnlyThePlatformFunctions()
 {
     QStringList symbols = definedSymbols(platformLibrary);
     symbols.sort();
     QCOMPARE(symbols, platformFunctions);
 }
 
-void tst_LibraryFile::headersAreUnderstood()
+void tst_LibraryFile::headersAreParsed()
 {
     const Interface interface = readHeader(QStringLiteral(R"(
 #define MISCTOOLS_EXPORT
@@ -301,7 +301,7 @@ MISCTOOLS_EXPORT QDebug operator<<(QDebug debug, const Thing& thing);
                             "Thing::sm_Hidden"));
 }
 
-void tst_LibraryFile::symbolsAreUnderstood()
+void tst_LibraryFile::symbolsAreParsed()
 {
     const Interface interface = readSymbols(
         {"Thing::Thing(QObject*)", "Thing::Thing(QObject*)", "Thing::~Thing()",
@@ -310,7 +310,7 @@ void tst_LibraryFile::symbolsAreUnderstood()
          "operator<<(QDebug, Thing const&)", "helper", "(anonymous namespace)::helper()",
          "QList<Thing>::append(Thing const&)"});
     QCOMPARE(interface.classes, QStringList(QStringLiteral("Thing")));
-    // Strangers keep enough of their names to be found.
+    // Unexpected symbols keep enough of their names to be recognized.
     QCOMPARE(interface.functions.join(QLatin1Char(' ')),
              QStringLiteral("Thing::Thing Thing::~Thing Thing::name Thing::name operator<<  "
                             "QList<Thing>::append"));
@@ -331,7 +331,7 @@ void tst_LibraryFile::exportsAreExactlyThePublicInterface()
 
 void tst_LibraryFile::tablesAndTypesAreExported()
 {
-    // Programs derive from these classes, cast to them and catch them.
+    // Programs derive from these classes, cast to them, and catch them.
     QStringList polymorphic = publicInterface().classes;
     for (const char* name : {"IniFileManager", "UniqueIdGenerator", "VariantConversionTools"}) {
         QVERIFY2(polymorphic.removeOne(QLatin1String(name)), name);
@@ -348,20 +348,20 @@ void tst_LibraryFile::tablesAndTypesAreExported()
     }
 }
 
-void tst_LibraryFile::loaderProtectsIt_data()
+void tst_LibraryFile::loaderAppliesHardening_data()
 {
     QTest::addColumn<QString>("file");
     QTest::newRow("library") << library;
     QTest::newRow("bundled platform library") << platformLibrary;
 }
 
-void tst_LibraryFile::loaderProtectsIt()
+void tst_LibraryFile::loaderAppliesHardening()
 {
     QFETCH(QString, file);
 
-    // All calls are bound at load, and what they go through is read-only after that.
+    // All calls are bound at load time, and the global offset table is read-only afterwards.
     const QString flags = "\\(FLAGS\\)\\s+(.*\\S)";
-    // "Flags:" is what binutils' readelf adds; LLVM's has none.
+    // readelf of binutils adds "Flags:", that of LLVM does not.
     const QString flags1 = "\\(FLAGS_1\\)\\s+(?:Flags: )?(.*\\S)";
     QCOMPARE(capturedIn(file, "-d", flags)
                  .join(QLatin1Char(' '))
@@ -375,7 +375,7 @@ void tst_LibraryFile::loaderProtectsIt()
     const QString protection = "^\\s+%1(?:\\s+0x[0-9a-f]+){5}\\s+([RWE ]{3})\\s";
     QCOMPARE(capturedIn(file, "-l", protection.arg(QStringLiteral("GNU_RELRO"))),
              QStringList("R  "));
-    // The stack holds no code, code is not written to, and what is written to is no code.
+    // The stack is not executable, and no segment is both writable and executable.
     QCOMPARE(capturedIn(file, "-l", protection.arg(QStringLiteral("GNU_STACK"))),
              QStringList("RW "));
     const QStringList loaded = capturedIn(file, "-l", protection.arg("LOAD"));
@@ -387,8 +387,8 @@ void tst_LibraryFile::loaderProtectsIt()
     QVERIFY(!tags.contains("TEXTREL"));
 }
 
-// Qt's caches refer to its static texts.
-void tst_LibraryFile::staysLoaded()
+// Qt's caches refer to static strings of the library.
+void tst_LibraryFile::libraryStaysLoaded()
 {
     const QString flags1 = "\\(FLAGS_1\\)\\s+Flags: (.*\\S)";
     QVERIFY(capturedIn(library, "-d", flags1)
@@ -397,12 +397,12 @@ void tst_LibraryFile::staysLoaded()
                 .contains("NODELETE"));
 }
 
-void tst_LibraryFile::releaseBuildsGuardTheStack_data()
+void tst_LibraryFile::releaseBuildsProtectTheStack_data()
 {
-    loaderProtectsIt_data();
+    loaderAppliesHardening_data();
 }
 
-void tst_LibraryFile::releaseBuildsGuardTheStack()
+void tst_LibraryFile::releaseBuildsProtectTheStack()
 {
     QFETCH(QString, file);
     const QStringList needed = dynamicSymbols(file, "--undefined-only")

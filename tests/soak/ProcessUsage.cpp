@@ -16,22 +16,22 @@ QByteArray readAll(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-QStringList entries(const QString& folder)
+QStringList entries(const QString& directory)
 {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+    return QDir(directory).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
 }
 
 long countInotifyWatches()
 {
     long watches = 0;
-    const QString folder = "/proc/self/fdinfo/";
-    for (const QString& descriptor : entries(folder)) {
-        watches += readAll(folder + descriptor).count("inotify wd:");
+    const QString directory = "/proc/self/fdinfo/";
+    for (const QString& descriptor : entries(directory)) {
+        watches += readAll(directory + descriptor).count("inotify wd:");
     }
     return watches;
 }
 
-// The parent is the second field behind the name, which ends in the last parenthesis.
+// The parent is the second field after the name, which ends at the last parenthesis.
 bool isChild(const QString& process)
 {
     const QByteArray stat = readAll(QStringLiteral("/proc/%1/stat").arg(process));
@@ -57,7 +57,7 @@ long readResidentInKiB()
 
 long readHeapInKiB()
 {
-    // The old call, whose numbers have 32 bits, is all that glibc has before 2.33.
+    // Before 2.33, glibc has only the old call with 32-bit numbers.
 #if __GLIBC_PREREQ(2, 33)
     return static_cast<long>(mallinfo2().uordblks / 1024);
 #else

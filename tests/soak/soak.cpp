@@ -1,4 +1,4 @@
-// Uses the classes that hold descriptors, threads, processes and watches over and over, and shows
+// Repeatedly uses the classes that hold descriptors, threads, processes and watches, and verifies
 // that this process holds no more of them at the end than in the middle.
 #include "EepromImage.h"
 #include "ProcessUsage.h"
@@ -43,10 +43,10 @@ constexpr int defaultSeconds = 6;
 constexpr int samplesPerThird = 12;
 constexpr int leastSamples = 2 * samplesPerThird;
 constexpr int longWhileInMs = 20000;
-constexpr int subFolders = 4;
-constexpr int filesPerFolder = 5;
+constexpr int subdirectories = 4;
+constexpr int filesPerDirectory = 5;
 
-// A sanitizer keeps freed memory for later and has its own heap; it finds leaks by itself.
+// A sanitizer delays the reuse of freed memory and has its own heap; it finds leaks itself.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool isMemoryJudged = false;
 #else
@@ -57,13 +57,13 @@ std::atomic<int> libraryWarnings{0};
 
 void countWarning(QtMsgType, const QMessageLogContext& context, const QString&)
 {
-    // Qt's own have no file here; the library's always have one.
+    // Here, messages of Qt have no file; those of the library always have one.
     if (context.file != nullptr) {
         ++libraryWarnings;
     }
 }
 
-// What goes wrong is said once and ends the run.
+// The first error is reported and ends the run.
 class Failure
 {
 public:
@@ -94,17 +94,17 @@ bool touch(const QString& path)
 
 void makeTree(const QString& root)
 {
-    for (int i = 0; i < subFolders; ++i) {
-        const QString folder = QStringLiteral("%1/folder%2").arg(root).arg(i);
-        require(QDir().mkpath(folder), "a folder of the tree cannot be made");
-        for (int j = 0; j < filesPerFolder; ++j) {
-            require(touch(QStringLiteral("%1/file%2.txt").arg(folder).arg(j)),
-                    "a file of the tree cannot be made");
+    for (int i = 0; i < subdirectories; ++i) {
+        const QString directory = QStringLiteral("%1/folder%2").arg(root).arg(i);
+        require(QDir().mkpath(directory), "a directory of the tree cannot be created");
+        for (int j = 0; j < filesPerDirectory; ++j) {
+            require(touch(QStringLiteral("%1/file%2.txt").arg(directory).arg(j)),
+                    "a file of the tree cannot be created");
         }
     }
 }
 
-// Runs action, then the event loop until signal comes.
+// Runs action, then the event loop until signal is emitted.
 template <typename Sender, typename Signal, typename Action>
 void awaitSignal(Sender* sender, Signal signal, const Action& action, const char* trouble)
 {
@@ -122,9 +122,9 @@ void watchDirectories(const QString& root)
 {
     DirectoryWatcher watcher(root);
     watcher.setDelayInMs(1);
-    for (int i = 0; i < subFolders; ++i) {
+    for (int i = 0; i < subdirectories; ++i) {
         require(watcher.addPath(QStringLiteral("%1/folder%2").arg(root).arg(i)),
-                "a folder cannot be watched");
+                "a directory cannot be watched");
     }
     const QString file = root + "/folder0/new.tmp";
     const char* const trouble = "a change was not noticed";
@@ -132,7 +132,7 @@ void watchDirectories(const QString& root)
         &watcher, &DirectoryWatcher::directoryChanged, [&] { touch(file); }, trouble);
     awaitSignal(
         &watcher, &DirectoryWatcher::directoryChanged, [&] { QFile::remove(file); }, trouble);
-    // And one that goes while it holds a burst.
+    // And a watcher that is destroyed during a burst.
     watcher.directoryGotChanged(root);
 }
 
@@ -146,7 +146,8 @@ void searchInPool(const QString& root, QThreadPool& pool)
     awaitSignal(
         worker, &RecursiveFileSearchWorkerThread::searchFinished, [&] { pool.start(worker); },
         "a search did not end");
-    require(found == subFolders * filesPerFolder, "a search in the pool found something else");
+    require(found == subdirectories * filesPerDirectory,
+            "a search in the pool has the wrong result");
 }
 
 void searchMedium(const QString& root)
@@ -157,22 +158,22 @@ void searchMedium(const QString& root)
     QObject::connect(&watcher, &MediaWatcher::filesFound,
                      [&found](const QFileInfoList& files) { found = files.size(); });
     watcher.mediumMounted(root);
-    require(found == subFolders, "the top of a medium holds something else");
+    require(found == subdirectories, "the top directory of a medium has the wrong content");
     watcher.setRecursive(true);
     watcher.mediumMounted(root);
-    require(found == subFolders * (filesPerFolder + 1), "a medium holds something else");
+    require(found == subdirectories * (filesPerDirectory + 1), "a medium has the wrong content");
 }
 
 void runPrograms()
 {
     QProcessHandler handler;
-    require(handler.startProcess("true", {}) == 0, "true gave something else");
+    require(handler.startProcess("true", {}) == 0, "true has the wrong result");
     require(handler.startProcess("echo", {"text"}) == 0 &&
                 handler.getStandardOutput() == QLatin1String("text\n"),
-            "echo gave something else");
+            "echo has the wrong result");
     require(handler.startProcess("/nonexistent/program", {}) == -1,
             "a missing program was started");
-    // Still runs when the handler goes.
+    // Still running when the handler is destroyed.
     handler.setWaitForFinishedTimeout(1);
     require(handler.startProcess("sleep", {"100"}) == -1, "sleep did not time out");
 }
@@ -183,7 +184,7 @@ void parseText(const QString& root)
     require(write(path, "version=1\nversion=2\n"), "a text file cannot be written");
     TextFileParser parser(path);
     require(parser.multiMatch(QRegularExpression("version=(\\d)")) == QStringList({"1", "2"}),
-            "a text file matches something else");
+            "a text file has the wrong match");
     require(parser.match(QRegularExpression("(")).isNull(), "an invalid expression matches");
     require(TextFileParser(root + "/none").hasError(), "a missing file was read");
     require(QFile::remove(path), "a text file cannot be removed");
@@ -191,7 +192,7 @@ void parseText(const QString& root)
 
 void readHardware(const QString& root)
 {
-    // Every key is there but the one that a board may lack in silence.
+    // All keys are present except the one whose absence logs nothing.
     const EepromImage image("Type=4711\nTypeName=Board\nVersion=2.1\nCompatibilityIndex=3\n"
                             "LP-ID=LP-000815\n");
     const QString path = root + "/eeprom";
@@ -200,10 +201,10 @@ void readHardware(const QString& root)
     HardwareInfo info;
     require(write(path, image.bytes()) && reader.readHardwareInfoFromSysFs(temporary, path, info) &&
                 info.type() == QLatin1String("4711"),
-            "an EEPROM gave something else");
+            "an EEPROM image has the wrong record");
     require(write(path, EepromImage(image).flipBit(EepromImage::headerEnd, 0).bytes()) &&
                 !reader.readHardwareInfoFromSysFs(temporary, path, info),
-            "a damaged EEPROM was believed");
+            "a damaged EEPROM image was accepted");
     require(QFile::remove(path), "an EEPROM image cannot be removed");
 }
 
@@ -213,13 +214,13 @@ void hashFiles(const QString& root)
     require(write(path, QByteArray(100000, 'x')), "a file to hash cannot be written");
     require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).toHex() ==
                 "d5816f35916d1d9482fb0f1ec201101d",
-            "a file has another hash");
+            "a file has the wrong hash");
     require(QFile::remove(path), "a hashed file cannot be removed");
     require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).isNull(),
             "a missing file has a hash");
 }
 
-// What lies in the temporary folder, at whatever depth.
+// All entries of the temporary directory, at any depth.
 int countTemporaryFiles()
 {
     int count = 0;
@@ -246,25 +247,25 @@ void runRound(const QString& root, QThreadPool& pool)
     parseText(root);
     readHardware(root);
     hashFiles(root);
-    // The pool deletes a worker after its signal came.
-    require(pool.waitForDone(longWhileInMs), "the pool is still at work");
+    // The pool deletes a worker after it emitted its signal.
+    require(pool.waitForDone(longWhileInMs), "the pool is still working");
     QCoreApplication::processEvents();
     require(libraryWarnings - warningsBefore == warningsPerRound,
-            "the library warned of something else");
-    require(countTemporaryFiles() == filesBefore, "a temporary file stayed");
+            "the library logged an unexpected warning");
+    require(countTemporaryFiles() == filesBefore, "a temporary file remained");
 }
 
 struct Figure
 {
     const char* name;
     long ProcessUsage::*member;
-    long slack; // what the end may have more than the middle
+    long slack; // how much more the end may have than the middle
     bool isJudged;
 };
 
 const QVector<Figure>& figures()
 {
-    // An emulator keeps what it has translated, and is too slow to get warm in seconds.
+    // An emulator caches translated code and is too slow to warm up in seconds.
     const bool isJudged = isMemoryJudged && !qEnvironmentVariableIsSet("QEMU_LD_PREFIX");
     static const QVector<Figure> theFigures = {
         {"descriptors", &ProcessUsage::descriptors, 0, true},
@@ -277,8 +278,8 @@ const QVector<Figure>& figures()
     return theFigures;
 }
 
-// The smallest of a third of the samples; third 0 is the warm-up. What only comes and goes, as a
-// thread that has ended and is not taken off the books yet, is not in every sample; a leak is.
+// The minimum of a third of the samples; third 0 is the warm-up. A transient resource, such as an
+// ended thread that is still counted, is not in every sample; a leak is.
 long smallest(const QVector<ProcessUsage>& samples, int third, long ProcessUsage::*member)
 {
     const auto begin = samples.constBegin() + third * samples.size() / 3;
@@ -290,7 +291,7 @@ long smallest(const QVector<ProcessUsage>& samples, int third, long ProcessUsage
            member;
 }
 
-// Prints the table; tells whether anything has grown.
+// Prints the table; returns whether anything has grown.
 bool report(const QVector<ProcessUsage>& samples)
 {
     bool hasGrown = false;
@@ -308,14 +309,14 @@ bool report(const QVector<ProcessUsage>& samples)
     return hasGrown;
 }
 
-// How long a run takes: for some time, or some rounds.
+// The length of a run: a time or a number of rounds.
 struct Length
 {
     qint64 milliseconds = qint64(defaultSeconds) * 1000;
-    int rounds = 0; // 0: as many as the time allows
+    int rounds = 0; // 0: limited by time
 };
 
-// How much of the run is done, in samples that are due.
+// The progress of the run, as the number of samples that are due.
 qint64 dueSamples(const Length& length, qint64 elapsedInMs, int rounds)
 {
     return length.rounds > 0 ? qint64(rounds) * 3 * samplesPerThird / length.rounds
@@ -324,11 +325,11 @@ qint64 dueSamples(const Length& length, qint64 elapsedInMs, int rounds)
 
 ExitCode soak(const Length& length)
 {
-    const QTemporaryDir folder;
-    require(folder.isValid(), "there is no temporary folder");
-    // From here on the library's temporary files are the only others.
-    qputenv("TMPDIR", QFile::encodeName(folder.path()));
-    makeTree(folder.path());
+    const QTemporaryDir directory;
+    require(directory.isValid(), "there is no temporary directory");
+    // From here on, only the library creates temporary files.
+    qputenv("TMPDIR", QFile::encodeName(directory.path()));
+    makeTree(directory.path());
     QThreadPool pool;
     pool.setMaxThreadCount(2);
 
@@ -338,9 +339,9 @@ ExitCode soak(const Length& length)
     clock.start();
     int rounds = 0;
     qint64 due = 0;
-    // A slow machine takes longer rather than to judge by a few samples.
+    // A slow machine takes longer instead of judging by few samples.
     while (due < 3 * samplesPerThird || samples.size() < leastSamples) {
-        runRound(folder.path(), pool);
+        runRound(directory.path(), pool);
         ++rounds;
         if (due >= samples.size()) {
             samples.append(ProcessUsage::now());
@@ -352,7 +353,7 @@ ExitCode soak(const Length& length)
     return report(samples) ? Grown : Flat;
 }
 
-// The length that the arguments ask for; false when they are none.
+// Parses the arguments; false if they are not a length.
 bool parse(const QStringList& arguments, Length& length)
 {
     if (arguments.isEmpty()) {
@@ -368,8 +369,8 @@ bool parse(const QStringList& arguments, Length& length)
     return number > 0 && arguments.size() == (areRounds ? 2 : 1);
 }
 
-// The heap keeps freed blocks at hand, which count as allocated and whose number grows for minutes.
-// Without them its size is exact. That is set before a program starts.
+// The heap caches freed blocks, which count as allocated and whose number grows for minutes.
+// Without the cache its size is exact; that has to be set before a program starts.
 void restartWithPlainHeap(char* argv[])
 {
     constexpr const char* name = "GLIBC_TUNABLES";

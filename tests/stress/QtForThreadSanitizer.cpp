@@ -1,8 +1,8 @@
-// Shows the thread sanitizer what Qt does. The sanitizer sees only code that was compiled with it,
-// and the distribution's Qt was not: it would report races under a QMutex or across a QSemaphore,
-// where there are none, and miss races on the fields that a QSettings object does not guard itself.
-// A test that links this file gets wrappers of these Qt functions. Each tells the sanitizer of the
-// lock or the access, and then calls Qt's own function.
+// Makes Qt visible to the thread sanitizer. The sanitizer sees only code that was compiled with it,
+// which the distribution's Qt was not: it would report false races under a QMutex or across a
+// QSemaphore, and miss races on fields that QSettings does not guard. A test that links this file
+// gets wrappers of these Qt functions, which annotate the lock or the access and then call Qt's
+// function.
 #include <QtCore/QMutex>
 #include <QtCore/QSemaphore>
 #include <QtCore/QSettings>
@@ -18,14 +18,14 @@
 #include <sys/syscall.h>
 
 extern "C" {
-// What the compiler calls for an access to one byte.
+// The function that the compiler calls for an access to one byte.
 void __tsan_read1(void* address);
 void __tsan_write1(void* address);
 }
 
 namespace {
 
-// Qt's own function. A member function takes its object as the first argument.
+// Qt's original function. A member function takes its object as the first argument.
 template <typename Function>
 Function* original(const char* symbol)
 {
@@ -38,8 +38,8 @@ Function* original(const char* symbol)
 
 /*
  * The fields of a settings object that its users must guard. The sanitizer remembers only the last
- * few accesses to each word, so each has a word of its own: of those at the start of the object and
- * of its private part that are read by Qt alone, unseen.
+ * few accesses to each word, so each field is represented by its own word: words at the start of
+ * the object and its private part, which only uninstrumented Qt code reads.
  */
 char* enteredGroup(const QSettings* settings)
 {
@@ -61,26 +61,25 @@ char* statusOf(const QSettings* settings)
     return privatePart(settings) + sizeof(void*);
 }
 
-// Every access to the content may come upon a section that it has to parse, and that sets the
-// status.
-void noteReading(const QSettings* settings)
+// Every access to the content may have to parse a section, which sets the status.
+void annotateRead(const QSettings* settings)
 {
     __tsan_read1(enteredGroup(settings));
     __tsan_write1(statusOf(settings));
 }
 
-void noteWriting(const QSettings* settings)
+void annotateWrite(const QSettings* settings)
 {
-    noteReading(settings);
+    annotateRead(settings);
     __tsan_write1(pendingNote(settings));
 }
 
 } // namespace
 
-// Where the kernel has process descriptors, Qt starts processes with the clone system call, which
-// the sanitizer does not see: the child hangs if another thread held one of the sanitizer's own
-// locks at that moment. Qt looks for them with waitid; told that there are none, it calls fork(),
-// which the sanitizer prepares for.
+// If the kernel supports process descriptors, Qt starts processes with the clone system call, which
+// the sanitizer does not intercept: the child deadlocks if another thread held one of the
+// sanitizer's locks at that moment. Qt probes for the feature with waitid; if that fails, Qt calls
+// fork(), which the sanitizer handles.
 extern "C" Q_DECL_EXPORT long syscall(long number, ...) noexcept
 {
     static auto* const callSystem =
@@ -170,7 +169,7 @@ void QSettings::setValue(const QString& key, const QVariant& value)
 {
     static auto* const set = original<void(QSettings*, const QString&, const QVariant&)>(
         "_ZN9QSettings8setValueERK7QStringRK8QVariant");
-    noteWriting(this);
+    annotateWrite(this);
     set(this, key, value);
 }
 
@@ -178,7 +177,7 @@ void QSettings::remove(const QString& key)
 {
     static auto* const removeKey =
         original<void(QSettings*, const QString&)>("_ZN9QSettings6removeERK7QString");
-    noteWriting(this);
+    annotateWrite(this);
     removeKey(this, key);
 }
 
@@ -186,7 +185,7 @@ bool QSettings::contains(const QString& key) const
 {
     static auto* const containsKey =
         original<bool(const QSettings*, const QString&)>("_ZNK9QSettings8containsERK7QString");
-    noteReading(this);
+    annotateRead(this);
     return containsKey(this, key);
 }
 
@@ -195,7 +194,7 @@ QVariant QSettings::value(const QString& key, const QVariant& defaultValue) cons
     static auto* const readValue =
         original<QVariant(const QSettings*, const QString&, const QVariant&)>(
             "_ZNK9QSettings5valueERK7QStringRK8QVariant");
-    noteReading(this);
+    annotateRead(this);
     return readValue(this, key, defaultValue);
 }
 
@@ -203,7 +202,7 @@ QStringList QSettings::childKeys() const
 {
     static auto* const listKeys =
         original<QStringList(const QSettings*)>("_ZNK9QSettings9childKeysEv");
-    noteReading(this);
+    annotateRead(this);
     return listKeys(this);
 }
 
@@ -211,6 +210,6 @@ QStringList QSettings::childGroups() const
 {
     static auto* const listGroups =
         original<QStringList(const QSettings*)>("_ZNK9QSettings11childGroupsEv");
-    noteReading(this);
+    annotateRead(this);
     return listGroups(this);
 }

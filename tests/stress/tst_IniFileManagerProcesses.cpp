@@ -20,8 +20,8 @@ QString keyOf(const QString& writer, int round)
     return writer + QString::number(round);
 }
 
-// The part of a process that writes: a key in each round, to the file at once. Says that it is
-// ready and begins when it is told to.
+// The writer process: reports that it is ready, waits for the start signal, and writes a key to the
+// file in each round.
 int writeKeys(const QString& filePath, const QString& writer, int roundCount)
 {
     IniFileManager manager(filePath, nullptr);
@@ -37,16 +37,16 @@ int writeKeys(const QString& filePath, const QString& writer, int roundCount)
 
 } // namespace
 
-// One file, several processes.
+// Several processes write to one file.
 class tst_IniFileManagerProcesses : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void nobodysKeysAreLost();
+    void noKeyIsLost();
 };
 
-void tst_IniFileManagerProcesses::nobodysKeysAreLost()
+void tst_IniFileManagerProcesses::noKeyIsLost()
 {
     const int roundCount = stressRounds(1000, 1000);
     const QString file = writeFile("shared.ini", "[Group]\nFixed=1\n");
@@ -81,8 +81,8 @@ void tst_IniFileManagerProcesses::nobodysKeysAreLost()
     for (const QString& writer : qAsConst(writers)) {
         for (int round = 0; round < roundCount; ++round) {
             const QVariant value = values.value(keyOf(writer, round));
-            // Qt looks whether the program still runs that made a lock. Under an emulator it finds
-            // the emulator in its place, takes the lock for a left one, and both write.
+            // Qt checks whether the program that created a lock is still running. Under an emulator
+            // it finds the emulator instead, treats the lock as stale, and both processes write.
             if (isEmulated() && value.isNull()) {
                 ++lost;
                 continue;
@@ -92,7 +92,7 @@ void tst_IniFileManagerProcesses::nobodysKeysAreLost()
         }
     }
     QCOMPARE(values.size() + lost, 1 + processCount * roundCount);
-    QVERIFY(lost < roundCount); // no more than now and then
+    QVERIFY(lost < roundCount); // only occasionally
     QCOMPARE(QDir(folder()).entryList(QDir::Files), QStringList(QStringLiteral("shared.ini")));
 }
 

@@ -18,11 +18,11 @@ const QString key = "Key";
 const QString missing = "Missing";
 const QString text = "Text";
 
-// Long enough for any call that does not wait, short enough for many rows.
+// Long enough for any call that does not block, short enough for many rows.
 constexpr int shortWhileInMs = 40;
 constexpr int longWhileInMs = 10000;
 
-// A thread that makes one call and says when it is done.
+// A thread that makes one call and signals when it has returned.
 class Caller
 {
 public:
@@ -40,7 +40,7 @@ public:
         if (!m_done.tryAcquire(1, milliseconds)) {
             return false;
         }
-        m_done.release(); // for the next question
+        m_done.release(); // for the next wait
         return true;
     }
 
@@ -49,14 +49,14 @@ private:
     std::thread m_thread;
 };
 
-// Whether a call that locks waits as long as the caller does not return.
+// Whether a locking call blocks until the caller returns.
 bool isLocked(IniFileManager& manager, std::unique_ptr<Caller>& waiter)
 {
     waiter = std::make_unique<Caller>(manager, [](IniFileManager& file) { file.getCount(); });
     return !waiter->isDoneWithin(shortWhileInMs);
 }
 
-// A value that a test sees being converted.
+// A value that notifies a test when it is converted.
 struct Probe
 {
     std::function<void()> converted;
@@ -69,7 +69,7 @@ struct Probe
     }
 };
 
-// A value that a test sees being copied: as small as this, and movable, it lies in the variant.
+// A value that notifies a test when it is copied: small and movable, it is stored in the variant.
 class CopyProbe
 {
 public:
@@ -95,8 +95,8 @@ Q_DECLARE_METATYPE(CopyProbe)
 Q_DECLARE_METATYPE(Probe)
 
 /*
- * One manager, many threads. What QSettings keeps per object is not meant for that, so these tests
- * fail at once, or crash, where an operation is left unguarded.
+ * Tests one manager in many threads. QSettings is not made for that, so these tests fail
+ * immediately or crash if an operation is unguarded.
  */
 class tst_IniFileManagerThreads : public TestCase
 {
@@ -107,22 +107,22 @@ private Q_SLOTS:
     void lockingCallsWait();
     void unlockedCallsDoNotWait_data();
     void unlockedCallsDoNotWait();
-    void warningsAreMadeUnderTheLock_data();
-    void warningsAreMadeUnderTheLock();
-    void conversionsAreMadeUnderTheLock_data();
-    void conversionsAreMadeUnderTheLock();
+    void warningsAreLoggedUnderTheLock_data();
+    void warningsAreLoggedUnderTheLock();
+    void valuesAreConvertedUnderTheLock_data();
+    void valuesAreConvertedUnderTheLock();
     void valuesAreListedUnderTheLock();
     void handlersMayCallBack_data();
     void handlersMayCallBack();
     void handlersOfManyThreadsMayCallBack();
-    void groupsAreNeverHalfEntered();
-    void listingsAreOfOneMoment();
-    void indexedReadsAreOfOneMoment_data();
-    void indexedReadsAreOfOneMoment();
+    void groupIsNotEnteredByOtherThreads();
+    void listingsAreConsistent();
+    void indexedReadsAreConsistent_data();
+    void indexedReadsAreConsistent();
     void noWriteIsLostBetweenFlushes_data();
     void noWriteIsLostBetweenFlushes();
     void eventLoopFlushes();
-    void mixedCallsKeepEachThreadsValues();
+    void mixedCallsKeepTheValuesOfEachThread();
 
 private:
     QString iniFile();
@@ -183,7 +183,7 @@ void tst_IniFileManagerThreads::lockingCallsWait()
         leave.acquire();
     });
     {
-        // Stays inside its warning, and so keeps the object's mutex.
+        // Blocks inside its warning and therefore holds the object's mutex.
         Caller holder(manager, [](IniFileManager& file) { file.getValue(group, missing, 0); });
         inside.acquire();
         Caller waiter(manager, call);
@@ -226,7 +226,7 @@ void tst_IniFileManagerThreads::unlockedCallsDoNotWait()
     QCOMPARE(messages().take().size(), 1);
 }
 
-// A row for each place that warns: a call that gets there.
+// One row per warning, with a call that logs it.
 void tst_IniFileManagerThreads::addWarningRows()
 {
     QTest::addColumn<Call>("call");
@@ -252,7 +252,7 @@ void tst_IniFileManagerThreads::addWarningRows()
         int groupIndex = 0;
         file.searchIndex(1, groupIndex);
     });
-    // The only group is at Position -1.
+    // The only group has Position -1.
     for (const int index : {0, 1}) {
         const auto name = [index](const char* getter) {
             return QByteArray(getter) + ", indexed, " + (index == 0 ? "missing" : "too high");
@@ -266,12 +266,12 @@ void tst_IniFileManagerThreads::addWarningRows()
     }
 }
 
-void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock_data()
+void tst_IniFileManagerThreads::warningsAreLoggedUnderTheLock_data()
 {
     addWarningRows();
 }
 
-void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock()
+void tst_IniFileManagerThreads::warningsAreLoggedUnderTheLock()
 {
     QFETCH(Call, call);
 
@@ -285,7 +285,7 @@ void tst_IniFileManagerThreads::warningsAreMadeUnderTheLock()
     QCOMPARE(messages().take().size(), 1);
 }
 
-void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock_data()
+void tst_IniFileManagerThreads::valuesAreConvertedUnderTheLock_data()
 {
     QTest::addColumn<Call>("read");
 
@@ -300,7 +300,7 @@ void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock_data()
     row("getValueBool", [](IniFileManager& file) { file.getValueBool(group, key, true); });
 }
 
-void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock()
+void tst_IniFileManagerThreads::valuesAreConvertedUnderTheLock()
 {
     QFETCH(Call, read);
 
@@ -317,7 +317,7 @@ void tst_IniFileManagerThreads::conversionsAreMadeUnderTheLock()
     read(manager);
     waiter.reset();
     QVERIFY(waited);
-    // A file cannot hold it.
+    // The value cannot be stored in a file.
     manager.removeGeneralValue(key);
     manager.removeValue(group, key);
 }
@@ -341,10 +341,10 @@ void tst_IniFileManagerThreads::valuesAreListedUnderTheLock()
     manager.getGroupValues(group);
     isListing = false;
     waiters.clear();
-    // Once out of the settings, once into the result.
+    // One copy from the settings, one into the result.
     QVERIFY(copies >= 2);
     QCOMPARE(copiesUnlocked, 0);
-    manager.removeValue(group, key); // a file cannot hold it
+    manager.removeValue(group, key); // the value cannot be stored in a file
 }
 
 void tst_IniFileManagerThreads::handlersMayCallBack_data()
@@ -384,13 +384,13 @@ void tst_IniFileManagerThreads::handlersMayCallBack()
     QVERIFY(written.contains("\nMadeByHandler=8\n"));
     QCOMPARE(keys, QStringList({key, made, QStringLiteral("Position"), text}));
     QVERIFY(!manager.containsGeneral(made));
-    // What a handler makes itself, Qt prints and gives to no handler.
+    // Qt prints messages that a handler logs and does not pass them to a handler.
     QCOMPARE(messages().take().size(), 1);
 }
 
 void tst_IniFileManagerThreads::handlersOfManyThreadsMayCallBack()
 {
-    // What a handler does, it does under the lock of the call that warns: no count is lost.
+    // A handler runs under the lock of the call that warns, so no increment is lost.
     constexpr int threadCount = 4;
     constexpr int warningsPerThread = 250;
 
@@ -413,9 +413,9 @@ void tst_IniFileManagerThreads::handlersOfManyThreadsMayCallBack()
     QCOMPARE(messages().take().size(), threadCount * warningsPerThread);
 }
 
-void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
+void tst_IniFileManagerThreads::groupIsNotEnteredByOtherThreads()
 {
-    const int questions = stressRounds(60000, 60000);
+    const int queries = stressRounds(60000, 60000);
 
     IniFileManager manager(
         writeFile("groups.ini", "top=1\n[A]\nk=1\nn/deep=1\n[B]\nk=2\n[C]\nk=3\n"), nullptr);
@@ -438,7 +438,7 @@ void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
         });
     }
     int wrongGroups = 0;
-    for (int i = 0; i < questions; ++i) {
+    for (int i = 0; i < queries; ++i) {
         if (manager.getGroups() != expected) {
             ++wrongGroups;
         }
@@ -451,9 +451,9 @@ void tst_IniFileManagerThreads::groupsAreNeverHalfEntered()
     QCOMPARE(wrongValues.load(), 0);
 }
 
-void tst_IniFileManagerThreads::listingsAreOfOneMoment()
+void tst_IniFileManagerThreads::listingsAreConsistent()
 {
-    // Between the listing of a group and the reading of its keys nobody removes one.
+    // No key is removed between listing a group and reading its values.
     const int listings = stressRounds(3000, 3000);
 
     IniFileManager manager(iniFile(), nullptr);
@@ -469,10 +469,10 @@ void tst_IniFileManagerThreads::listingsAreOfOneMoment()
     }
     stop = true;
     writer.join();
-    // No warning was announced, so a single "not found" fails this test.
+    // No warning is expected, so a single "not found" fails this test.
 }
 
-void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment_data()
+void tst_IniFileManagerThreads::indexedReadsAreConsistent_data()
 {
     QTest::addColumn<Call>("read");
     QTest::newRow("getValueInteger")
@@ -483,10 +483,11 @@ void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment_data()
         [](IniFileManager& file) { file.getValueBool(0, key, true); });
 }
 
-void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment()
+void tst_IniFileManagerThreads::indexedReadsAreConsistent()
 {
-    // The first group leaves its Position before it loses its key, and comes back with it. So the
-    // group that a search finds has the key as long as nobody comes between search and reading.
+    // The first group loses its Position before its key, and gets its key back before its Position.
+    // So the group that a search finds has the key, unless another thread interferes before the
+    // read.
     const int reads = stressRounds(10000, 10000);
 
     QFETCH(Call, read);
@@ -508,7 +509,7 @@ void tst_IniFileManagerThreads::indexedReadsAreOfOneMoment()
     }
     stop = true;
     writer.join();
-    // No warning was announced, so a single "not found" fails this test.
+    // No warning is expected, so a single "not found" fails this test.
 }
 
 void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes_data()
@@ -532,9 +533,9 @@ void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes_data()
 
 void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes()
 {
-    // A write that falls right behind a flush must leave the note that something is pending, or it
-    // is never written. Here one thread flushes all the time while another makes the last write;
-    // then the object goes, which is the last chance for that write.
+    // A write right after a flush must set the pending flag again, or it is never written. Here one
+    // thread flushes continuously while another makes the last write; then the object is destroyed,
+    // which is the last chance for that write.
     const int rounds = stressRounds(400, 400);
     const QByteArray content = "Text=0\nKey=0\n[Group]\nText=0\nKey=0\n";
 
@@ -575,7 +576,7 @@ void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes()
 
 void tst_IniFileManagerThreads::eventLoopFlushes()
 {
-    // Without sync() and before the object goes.
+    // Without sync() and before the object is destroyed.
     int argumentCount = 0;
     QCoreApplication application(argumentCount, nullptr);
     const QString file = iniFile();
@@ -586,7 +587,7 @@ void tst_IniFileManagerThreads::eventLoopFlushes()
     QVERIFY(readFile(file).contains("Key=3"));
 }
 
-void tst_IniFileManagerThreads::mixedCallsKeepEachThreadsValues()
+void tst_IniFileManagerThreads::mixedCallsKeepTheValuesOfEachThread()
 {
     constexpr int threadCount = 8;
     constexpr int callsPerRound = 7; // at least

@@ -33,9 +33,9 @@
 #include <vector>
 
 /*
- * What docs/threads.md promises, row by row, for the thread sanitizer. IniFileManager,
- * UniqueIdGenerator and WildcardFilter have tests of their own beside this one. Each thread has its
- * own files and values, so that what threads share by mistake also shows in a wrong result.
+ * Tests the guarantees of docs/threads.md, row by row, with the thread sanitizer. IniFileManager,
+ * UniqueIdGenerator and WildcardFilter have their own tests. Each thread has its own files and
+ * values, so that state shared by mistake also causes a wrong result.
  */
 class tst_ThreadPromises : public TestCase
 {
@@ -46,12 +46,12 @@ private Q_SLOTS:
     void kernelCommandLineMayBeShared();
     void versionGettersMayBeShared();
     void bootInformationMayBeShared();
-    void functionsWithoutObjectMayBeCalledFromAnyThread();
+    void freeAndStaticFunctionsMayBeCalledFromAnyThread();
     void functionsThatReadFilesMayBeCalledFromAnyThread();
     void searchesMayBeCalledFromAnyThread();
     void typesMayBeRegisteredFromAnyThread();
     void directoryWatcherRunsInTheThreadOfItsEventLoop();
-    void mediaWatcherWorksInTheThreadThatCalls();
+    void mediaWatcherRunsInTheCallingThread();
     void searchWorkersReportAcrossThreads();
     void separateReadersAreIndependent();
     void separateValuesAreIndependent();
@@ -59,16 +59,16 @@ private Q_SLOTS:
 
 private:
     static int calls() { return stressRounds(50, 1000); }
-    // Of what touches no file and is over in microseconds, so that calls overlap.
+    // For calls that use no file and take microseconds, so that calls overlap.
     static int quickCalls() { return stressRounds(5000, 100000); }
 
-    // A directory of the thread's own, with a file that has its name.
+    // A separate directory per thread, with a file of the same name.
     QString addDirectory(int number) const;
 };
 
 namespace {
 
-// What every thread must have got right.
+// The number of correct calls of all threads.
 int all(int calls)
 {
     return threadCount * calls;
@@ -103,7 +103,7 @@ void tst_ThreadPromises::fixedLocationReadersMayBeShared()
                application.getProductCode() == "3" && application.getCreationDate() == "2026" &&
                configuration.getDeviceIndex() == "7";
     };
-    QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
+    QCOMPARE(correctCallsInManyThreads(calls(), isRight), all(calls()));
 }
 
 void tst_ThreadPromises::kernelCommandLineMayBeShared()
@@ -116,7 +116,7 @@ void tst_ThreadPromises::kernelCommandLineMayBeShared()
         return parser.contains(key) && parser.getValue(key) == QString::number(number) &&
                parser.findKey(key) == QStringLiteral("key%1=%1").arg(number);
     };
-    QCOMPARE(rightAnswersInManyThreads(quickCalls(), isRight), all(quickCalls()));
+    QCOMPARE(correctCallsInManyThreads(quickCalls(), isRight), all(quickCalls()));
 }
 
 void tst_ThreadPromises::versionGettersMayBeShared()
@@ -128,7 +128,7 @@ void tst_ThreadPromises::versionGettersMayBeShared()
                version.getMinorIndex() == "2" && version.getPatchVersion() == "3" &&
                version.getBuildNumber() == "4" && version.getGitHash() == "g1a2b";
     };
-    QCOMPARE(rightAnswersInManyThreads(quickCalls(), isRight), all(quickCalls()));
+    QCOMPARE(correctCallsInManyThreads(quickCalls(), isRight), all(quickCalls()));
 }
 
 void tst_ThreadPromises::bootInformationMayBeShared()
@@ -140,10 +140,10 @@ void tst_ThreadPromises::bootInformationMayBeShared()
         return !helper.isHardReset() && helper.isFactoryReset() &&
                helper.getCurrentBootMode() == BootInformationHelper::BootModeFactoryReset;
     };
-    QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
+    QCOMPARE(correctCallsInManyThreads(calls(), isRight), all(calls()));
 }
 
-void tst_ThreadPromises::functionsWithoutObjectMayBeCalledFromAnyThread()
+void tst_ThreadPromises::freeAndStaticFunctionsMayBeCalledFromAnyThread()
 {
     const auto isRight = [](int number) {
         const QString text = QString::number(number);
@@ -168,7 +168,7 @@ void tst_ThreadPromises::functionsWithoutObjectMayBeCalledFromAnyThread()
                concatenatePaths(text, text) == text + QLatin1Char('/') + text &&
                mode == "orvalismodefactoryreset/proc/cmdline";
     };
-    QCOMPARE(rightAnswersInManyThreads(quickCalls(), isRight), all(quickCalls()));
+    QCOMPARE(correctCallsInManyThreads(quickCalls(), isRight), all(quickCalls()));
 }
 
 void tst_ThreadPromises::functionsThatReadFilesMayBeCalledFromAnyThread()
@@ -183,7 +183,7 @@ void tst_ThreadPromises::functionsThatReadFilesMayBeCalledFromAnyThread()
                    QCryptographicHash::hash(bytes, QCryptographicHash::Md5) &&
                exported.startsWith("V7_") && exported.endsWith(QLatin1Char('.') + text);
     };
-    QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
+    QCOMPARE(correctCallsInManyThreads(calls(), isRight), all(calls()));
 }
 
 void tst_ThreadPromises::searchesMayBeCalledFromAnyThread()
@@ -200,7 +200,7 @@ void tst_ThreadPromises::searchesMayBeCalledFromAnyThread()
         return paths == QStringList(name) && files.size() == 1 &&
                files.constFirst().fileName() == name;
     };
-    QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
+    QCOMPARE(correctCallsInManyThreads(calls(), isRight), all(calls()));
 }
 
 void tst_ThreadPromises::typesMayBeRegisteredFromAnyThread()
@@ -213,7 +213,7 @@ void tst_ThreadPromises::typesMayBeRegisteredFromAnyThread()
         return copy.getErrorCode() == -number - 1 &&
                copy.getErrorMessage() == QString::number(number);
     };
-    QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
+    QCOMPARE(correctCallsInManyThreads(calls(), isRight), all(calls()));
 }
 
 void tst_ThreadPromises::directoryWatcherRunsInTheThreadOfItsEventLoop()
@@ -223,7 +223,7 @@ void tst_ThreadPromises::directoryWatcherRunsInTheThreadOfItsEventLoop()
     for (int number = 0; number < threadCount; ++number) {
         const QString directory = addDirectory(number);
         QStringList& ownChanged = changed.at(size_t(number));
-        // Qt watches files in threads of its own kind alone.
+        // Qt can watch files only in a QThread.
         threads.emplace_back(QThread::create([directory, &ownChanged] {
             DirectoryWatcher watcher(directory);
             watcher.setDelayInMs(1);
@@ -247,7 +247,7 @@ void tst_ThreadPromises::directoryWatcherRunsInTheThreadOfItsEventLoop()
     }
 }
 
-void tst_ThreadPromises::mediaWatcherWorksInTheThreadThatCalls()
+void tst_ThreadPromises::mediaWatcherRunsInTheCallingThread()
 {
     for (int number = 0; number < threadCount; ++number) {
         addDirectory(number);
@@ -271,11 +271,11 @@ void tst_ThreadPromises::mediaWatcherWorksInTheThreadThatCalls()
         watcher.mediumMounted(path(QString::number(number)));
         return found == QStringList(QStringLiteral("file%1").arg(number));
     };
-    QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
+    QCOMPARE(correctCallsInManyThreads(calls(), isRight), all(calls()));
     QTRY_COMPARE(received, all(calls()));
 }
 
-// Not in Qt's pool: how that hands a task over, the sanitizer does not see.
+// Not in Qt's pool: the sanitizer does not see how the pool hands over a task.
 void tst_ThreadPromises::searchWorkersReportAcrossThreads()
 {
     QObject receiver;
@@ -318,7 +318,7 @@ void tst_ThreadPromises::separateReadersAreIndependent()
         return isRead && parser.match(anything) == QString::number(number) &&
                parser.multiMatch(anything) == QStringList(QString::number(number));
     };
-    QCOMPARE(rightAnswersInManyThreads(calls(), isRight), all(calls()));
+    QCOMPARE(correctCallsInManyThreads(calls(), isRight), all(calls()));
 }
 
 void tst_ThreadPromises::separateValuesAreIndependent()
@@ -340,7 +340,7 @@ void tst_ThreadPromises::separateValuesAreIndependent()
                oldVersion.getBaseNumber() == QString::number(number) &&
                newVersion.getBuildNumber() == QString::number(number);
     };
-    QCOMPARE(rightAnswersInManyThreads(quickCalls(), isRight), all(quickCalls()));
+    QCOMPARE(correctCallsInManyThreads(quickCalls(), isRight), all(quickCalls()));
 }
 
 void tst_ThreadPromises::separateProcessesAreIndependent()
@@ -352,7 +352,7 @@ void tst_ThreadPromises::separateProcessesAreIndependent()
                handler.getStandardOutput() == QStringLiteral("%1\n").arg(number) &&
                handler.getStandardError() == QStringLiteral("%1\n").arg(number);
     };
-    QCOMPARE(rightAnswersInManyThreads(5, isRight), all(5));
+    QCOMPARE(correctCallsInManyThreads(5, isRight), all(5));
 }
 
 QTEST_GUILESS_MAIN(tst_ThreadPromises)

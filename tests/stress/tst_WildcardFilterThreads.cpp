@@ -18,7 +18,7 @@ struct Name
     bool fits;
 };
 
-// Of different lengths, so that no thread's name fits into the buffer of another's.
+// Of different lengths, so that no thread's name fits in the buffer of another.
 QVector<Name> namesOfThread(int thread)
 {
     const QString stem = QString(1 + 7 * thread, QChar('a' + thread));
@@ -34,8 +34,8 @@ WildcardFilter makeFilter()
     return WildcardFilter({"*.txt", "*.tar.?z", "[k-m]og*"}, QDir::Files);
 }
 
-// How many answers were wrong when each thread asked the filter that it is given.
-int wrongAnswers(int questionsPerThread,
+// The number of wrong results when each thread calls its filter.
+int wrongResults(int callsPerThread,
                  const std::function<const WildcardFilter&(int)>& filterOfThread)
 {
     std::atomic<int> waiting(threadCount);
@@ -46,10 +46,10 @@ int wrongAnswers(int questionsPerThread,
             const WildcardFilter& filter = filterOfThread(thread);
             const QVector<Name> names = namesOfThread(thread);
             --waiting;
-            while (waiting > 0) { // all begin together
+            while (waiting > 0) { // all threads start together
                 std::this_thread::yield();
             }
-            for (int i = 0; i < questionsPerThread; ++i) {
+            for (int i = 0; i < callsPerThread; ++i) {
                 const Name& name = names.at(i % names.size());
                 if (filter.matchesFilters(name.text) != name.fits) {
                     ++wrong;
@@ -66,8 +66,8 @@ int wrongAnswers(int questionsPerThread,
 } // namespace
 
 /*
- * One filter, many threads. A match writes into the regular expression that makes it, so these
- * tests crash or count wrong answers where threads match on the same one.
+ * Tests filters in many threads. QRegExp matching modifies the expression object, so these tests
+ * crash or count wrong results if threads share one.
  */
 class tst_WildcardFilterThreads : public TestCase
 {
@@ -75,38 +75,38 @@ class tst_WildcardFilterThreads : public TestCase
 
 private Q_SLOTS:
     void filterMayBeShared();
-    void copiesOfOneFilterMayBeUsedApart();
-    void equalFiltersMayBeUsedApart();
+    void copiesOfOneFilterAreIndependent();
+    void equalFiltersAreIndependent();
 
 private:
-    static int questionsPerThread() { return stressRounds(100000, 1000000); }
+    static int callsPerThread() { return stressRounds(100000, 1000000); }
 };
 
 void tst_WildcardFilterThreads::filterMayBeShared()
 {
     const WildcardFilter filter = makeFilter();
-    QCOMPARE(wrongAnswers(questionsPerThread(),
-                          [&filter](int) -> const WildcardFilter& { return filter; }),
-             0);
+    QCOMPARE(
+        wrongResults(callsPerThread(), [&filter](int) -> const WildcardFilter& { return filter; }),
+        0);
 }
 
-void tst_WildcardFilterThreads::copiesOfOneFilterMayBeUsedApart()
+void tst_WildcardFilterThreads::copiesOfOneFilterAreIndependent()
 {
     const std::vector<WildcardFilter> filters(threadCount, makeFilter());
-    QCOMPARE(wrongAnswers(questionsPerThread(),
+    QCOMPARE(wrongResults(callsPerThread(),
                           [&filters](int thread) -> const WildcardFilter& {
                               return filters.at(size_t(thread));
                           }),
              0);
 }
 
-void tst_WildcardFilterThreads::equalFiltersMayBeUsedApart()
+void tst_WildcardFilterThreads::equalFiltersAreIndependent()
 {
     std::vector<WildcardFilter> filters;
     for (int thread = 0; thread < threadCount; ++thread) {
         filters.push_back(makeFilter());
     }
-    QCOMPARE(wrongAnswers(questionsPerThread(),
+    QCOMPARE(wrongResults(callsPerThread(),
                           [&filters](int thread) -> const WildcardFilter& {
                               return filters.at(size_t(thread));
                           }),

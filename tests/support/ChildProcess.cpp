@@ -18,7 +18,7 @@ namespace {
 
 constexpr unsigned int ordinaryUser = 65534; // "nobody"
 
-// Whether a thread of this process, other than the one that asks, is at work.
+// Whether a thread of this process other than the calling one is running.
 bool isAnotherThreadAtWork()
 {
     const QByteArray own = QByteArray::number(qint64(syscall(SYS_gettid)));
@@ -38,14 +38,14 @@ bool isAnotherThreadAtWork()
 
 [[noreturn]] void runInChild(const std::function<int()>& function, int outputDescriptor)
 {
-    // A crash on purpose needs no core file.
+    // Intended crashes need no core file.
     const rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
     dup2(outputDescriptor, STDOUT_FILENO);
     dup2(outputDescriptor, STDERR_FILENO);
     close(outputDescriptor);
     qInstallMessageHandler(nullptr);
-    // Without this Qt asks whether a terminal is there, and may log to the system's journal.
+    // Otherwise Qt checks for a terminal and may log to the system journal.
     qputenv("QT_LOGGING_TO_CONSOLE", "1");
 
     ChildProcess::leave(function());
@@ -57,13 +57,13 @@ void ChildProcess::leave(int exitCode)
 {
     fflush(nullptr);
 #ifdef MISCTOOLS_COVERAGE
-    // Each library's own handler at exit writes its counts. Where the child may not write there, it
-    // complains, which is none of the function's output.
+    // The exit handler of each library writes its coverage counts. If the child has no permission
+    // to write them, it reports that, which must not become part of the function's output.
     close(STDOUT_FILENO);
     close(STDERR_FILENO);
     exit(exitCode);
 #else
-    _exit(exitCode); // nothing of the parent's is undone twice
+    _exit(exitCode); // does not run the parent's exit handlers and destructors
 #endif
 }
 
@@ -82,7 +82,7 @@ ChildResult ChildProcess::run(const std::function<int()>& function)
 {
     int descriptors[2];
     if (pipe(descriptors) != 0) {
-        qFatal("cannot make a pipe for a child process");
+        qFatal("cannot create a pipe for a child process");
     }
     letOtherThreadsSleep();
     fflush(nullptr);

@@ -5,10 +5,10 @@
 
 #include <functional>
 
-// How a child ended, and what it wrote.
+// How a child ended, and its output.
 struct ChildResult
 {
-    bool exited = false; // by itself; otherwise a signal ended it
+    bool exited = false; // false if a signal ended it
     int exitCode = -1;
     int signal = 0;
     QByteArray output; // standard output and standard error
@@ -17,26 +17,26 @@ struct ChildResult
 namespace ChildProcess {
 
 /*
- * Runs function in a forked copy of this process and waits for its end; the function's result is
- * the exit code. For what would bring the test itself down (a crash, an assertion), or must not
- * change it (its user, its limits). The child's messages go to its standard error.
+ * Runs function in a forked copy of this process and waits until it ends; the function's result is
+ * the exit code. Use it for code that would end the test itself (a crash, an assertion) or must not
+ * change it (its user, its limits). The child logs to its standard error.
  */
 ChildResult run(const std::function<int()>& function);
 
 /*
- * As run(), as an ordinary user without any privilege: root passes every permission check. The
- * user may read and write only what everybody may.
+ * Like run(), but as an ordinary user without privileges, because root passes every permission
+ * check. The user may read and write only what everyone may.
  */
 ChildResult runAsOrdinaryUser(const std::function<int()>& function);
 
 /*
- * To be called before a fork, as run() does. The start of a test function wakes the watchdog of Qt
- * Test, which reads the environment: a copy that is made in that moment would find Qt's lock for it
- * taken, and wait for ever.
+ * Call this before a fork, as run() does. The start of a test function wakes Qt Test's watchdog
+ * thread, which reads the environment. A copy forked at that moment would inherit Qt's environment
+ * lock in locked state and deadlock.
  */
 void letOtherThreadsSleep();
 
-// Ends a forked copy of this process, and nothing of what it shares with the original.
+// Ends a forked copy of this process without affecting what it shares with the original.
 [[noreturn]] void leave(int exitCode);
 
 } // namespace ChildProcess

@@ -3,7 +3,7 @@
 
 #include <ctime>
 
-// What this process computes from here on, in seconds: a bound that holds on a busy machine, too.
+// CPU time of this process since construction, in seconds: limits hold on a busy machine, too.
 class CpuTime
 {
 public:

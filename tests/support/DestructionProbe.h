@@ -5,7 +5,7 @@
 
 #include <memory>
 
-// Tells when it is destroyed.
+// Sets a flag when it is destroyed.
 template <typename Base>
 class DestructionProbe : public Base
 {
@@ -19,8 +19,8 @@ private:
     bool& m_isDestroyed;
 };
 
-// Makes and destroys an object of Base, and one of a class derived from it through a pointer to
-// Base; tells whether the derived part was destroyed, too.
+// Creates and destroys an object of Base, and, through a pointer to Base, one of a derived class;
+// returns whether the derived part was destroyed, too.
 template <typename Base>
 bool isDestroyedThroughBase()
 {

@@ -53,7 +53,7 @@ void require(int result, const char* what, const char* path)
 
 bool DeviceRoot::isEntered()
 {
-    // The variable alone proves nothing, and clear() must never reach the files of a real device.
+    // The variable alone is no proof, and clear() must never remove the files of a real device.
     static const bool entered = qEnvironmentVariableIsSet("MISCTOOLS_DEVICE_ROOT") &&
                                 isSameFile("/proc/cmdline", commandLinePath());
     return entered;
@@ -62,10 +62,10 @@ bool DeviceRoot::isEntered()
 void DeviceRoot::clear()
 {
     requireDeviceRoot();
-    for (const char* folder : {"/orvalis", "/orvalis-reboot", "/etc/rauc"}) {
-        const QString path = QString::fromLatin1(folder);
+    for (const char* directory : {"/orvalis", "/orvalis-reboot", "/etc/rauc"}) {
+        const QString path = QString::fromLatin1(directory);
         if (!QFile::remove(path) && !QDir(path).removeRecursively()) {
-            qFatal("cannot remove %s", folder);
+            qFatal("cannot remove %s", directory);
         }
     }
     setCommandLine(QByteArray());
@@ -77,8 +77,8 @@ void DeviceRoot::writeFile(const QString& filePath, const QByteArray& content)
     QDir().mkpath(QFileInfo(filePath).path());
     write(filePath, content);
 
-    // QSettings takes a file of the same size and time for the one that it has read before; rows
-    // of a test may follow each other within the resolution of that time.
+    // QSettings assumes that a file of the same size and time is unchanged, and rows of a test may
+    // follow each other within the resolution of that time.
     static qint64 latest = 0;
     latest = qMax(latest + 1, QDateTime::currentMSecsSinceEpoch());
     QFile file(filePath);
@@ -95,7 +95,7 @@ void DeviceRoot::setCommandLine(const QByteArray& content)
     write(commandLinePath(), content);
 }
 
-DeviceRoot::Covered::Covered(const char* folderPath) : m_path(folderPath)
+DeviceRoot::Covered::Covered(const char* directoryPath) : m_path(directoryPath)
 {
     require(mount("none", m_path, "tmpfs", 0, nullptr), "cover", m_path);
 }

@@ -17,20 +17,20 @@ bool isEntered();
 // Removes every file of the device; the command line becomes empty.
 void clear();
 
-// Writes a file of the device with its folders, for example "/orvalis/VersionFile.ini".
+// Writes a file of the device and creates its directories, for example "/orvalis/VersionFile.ini".
 void writeFile(const QString& filePath, const QByteArray& content);
 
-// What /proc/cmdline holds.
+// Sets the content of /proc/cmdline.
 void setCommandLine(const QByteArray& content);
 
-// Something else in place of a file or folder for the life of the object.
+// Hides a file or directory under something else during the object's lifetime.
 class Covered
 {
 public:
-    // Covers the folder at folderPath with an empty one: the way to a machine without
-    // /proc/cmdline.
-    explicit Covered(const char* folderPath);
-    // Covers the file at filePath with the one at otherPath.
+    // Hides the directory at directoryPath under an empty one, for example to simulate a machine
+    // without /proc/cmdline.
+    explicit Covered(const char* directoryPath);
+    // Hides the file at filePath under the one at otherPath.
     Covered(const char* filePath, const QString& otherPath);
     ~Covered();
 
@@ -42,7 +42,7 @@ private:
 
 } // namespace DeviceRoot
 
-// Skips a test function where there is no device root.
+// Skips a test function outside a device root.
 #define MISCTOOLS_NEED_DEVICE_ROOT()                                                               \
     do {                                                                                           \
         if (!DeviceRoot::isEntered()) {                                                            \

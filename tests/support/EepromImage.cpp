@@ -101,8 +101,8 @@ QByteArray EepromImage::withChecksum(const QByteArray& image, quint16 value) con
 QByteArray EepromImage::withRightChecksum(const QByteArray& image) const
 {
     const int start = int(m_startAddress);
-    // Where the block holds its own checksum, one that still fits when it stands there is looked
-    // for; elsewhere the first guess is right.
+    // A block that contains its own checksum changes with it, so the loop searches for a checksum
+    // that matches after it was stored. Otherwise the first one is right.
     quint16 value = crc(withChecksum(image, 0).mid(start, m_block.size()));
     for (int tries = 0; tries <= 0xFFFF; ++tries, ++value) {
         const QByteArray result = withChecksum(image, value);
@@ -110,7 +110,7 @@ QByteArray EepromImage::withRightChecksum(const QByteArray& image) const
             return result;
         }
     }
-    qFatal("no checksum fits this block; change its text");
+    qFatal("no checksum matches this block; change its text");
 }
 
 quint16 EepromImage::crc(const QByteArray& data)

@@ -5,10 +5,10 @@
 #include <QtCore/QVector>
 
 /*
- * Builds the image of a board's EEPROM: filling, the header at address 20, and a block of INI text.
- * Whatever is not asked for is sound: the block follows the header, the image ends with the block,
- * and length and checksum are right. Where block and header overlap, the header's words win and the
- * checksum is that of the bytes as they then lie in the image.
+ * Builds the image of a board's EEPROM: filler bytes, the header at address 20, and a block of INI
+ * text. The image is valid except for what is requested otherwise: the block follows the header,
+ * the image ends with the block, and length and checksum are right. Where block and header overlap,
+ * the header overwrites the block, and the checksum is that of the resulting bytes.
  */
 class EepromImage
 {
@@ -26,7 +26,7 @@ public:
     EepromImage& reserved(quint32 word);
     EepromImage& upperChecksumBits(quint16 bits);
 
-    // Deliberate damage: a header that lies about the block, and bits that changed afterwards.
+    // Deliberate damage: a header with wrong values, and bits flipped afterwards.
     EepromImage& bytesToRead(quint32 length);
     EepromImage& checksum(quint16 value);
     EepromImage& writtenStartAddress(quint32 address);
@@ -34,7 +34,7 @@ public:
 
     QByteArray bytes() const;
 
-    // The CRC-16/XMODEM, bit by bit as the polynomial defines it.
+    // CRC-16/XMODEM, computed bit by bit from the polynomial.
     static quint16 crc(const QByteArray& data);
 
 private:

@@ -5,17 +5,17 @@
 
 #include <QtCore/QString>
 
-// Announces the warnings that reading an INI file may make.
+// Expects the warnings of reading an INI file.
 namespace IniWarnings {
 
-// At construction: there is no file.
+// At construction: the file is missing.
 void expectMissingFile(MessageRecorder& messages, const QString& filePath);
 
-// The file has no such key in the group.
+// The group has no such key.
 void expectMissingKey(MessageRecorder& messages, const QString& filePath, const QString& key,
                       const QString& group);
 
-// The value, as QDebug shows it, is no integer: QVariant(QString, "7a").
+// The value is not an integer; it is given as QDebug shows it: QVariant(QString, "7a").
 void expectNoInteger(MessageRecorder& messages, const QString& filePath, const QString& value);
 
 } // namespace IniWarnings

@@ -72,7 +72,7 @@ QString ExpectedMessage::difference(const Message& message) const
             differences.append("it has no line");
         }
     }
-    // Compilers spell signatures differently; GCC's spelling is the reference.
+    // Compilers write signatures differently; GCC's form is the reference.
 #if defined(Q_CC_GNU) && !defined(Q_CC_CLANG)
     if (!m_function.isNull()) {
         compare("function", message.function, m_function);
@@ -130,10 +130,9 @@ QStringList MessageRecorder::takeProblems()
     for (int i = 0; i < qMax(m_messages.size(), m_expected.size()); ++i) {
         if (i >= m_messages.size()) {
             problems.append(
-                QStringLiteral("announced and never came: %1").arg(m_expected.at(i).description()));
+                QStringLiteral("expected but not logged: %1").arg(m_expected.at(i).description()));
         } else if (i >= m_expected.size()) {
-            problems.append(
-                QStringLiteral("not announced: %1").arg(m_messages.at(i).description()));
+            problems.append(QStringLiteral("unexpected: %1").arg(m_messages.at(i).description()));
         } else {
             const QString difference = m_expected.at(i).difference(m_messages.at(i));
             if (!difference.isEmpty()) {
@@ -170,7 +169,7 @@ void MessageRecorder::handle(QtMsgType level, const QMessageLogContext& context,
         currentRecorder->m_messages.append(message);
         observer = currentRecorder->m_observer;
     }
-    // Unlocked, as the observer may call what makes further messages.
+    // Without the lock, because the observer may log further messages.
     if (observer) {
         observer(message);
     }

@@ -22,8 +22,7 @@ struct Message
     QString description() const;
 };
 
-// A message that a test announces. What is not pinned is not compared, except that an expectation
-// without a file also takes messages of Qt itself.
+// A message that a test expects. Only what is specified is compared.
 class ExpectedMessage
 {
 public:
@@ -34,7 +33,7 @@ public:
     ExpectedMessage& function(const char* signature);
     ExpectedMessage& category(const char* name);
 
-    // What differs between the announced and the real message; empty when nothing does.
+    // The differences between the expected and the actual message; empty if there are none.
     QString difference(const Message& message) const;
     QString description() const;
 
@@ -47,9 +46,9 @@ private:
 };
 
 /*
- * Takes every message of the process while it lives. Messages must come exactly as announced, in
- * the announced order: one that was not announced is a problem, and so is an announced one that
- * never came. Messages may come from any thread.
+ * Records every message of the process during its lifetime. The messages must be exactly the
+ * expected ones, in the expected order: an unexpected message is a problem, and so is an expected
+ * one that was not logged. Messages may come from any thread.
  */
 class MessageRecorder
 {
@@ -57,19 +56,19 @@ public:
     MessageRecorder();
     ~MessageRecorder();
 
-    // Announces the next message. The reference is valid until the next announcement.
+    // Expects a message after those expected so far. The reference is valid until the next call.
     ExpectedMessage& expect(QtMsgType level, const QString& text);
 
-    // A warning of the library's source file (and class) fileName.
+    // Expects a warning from the library's source file (and class) fileName.
     ExpectedMessage& expectWarning(const char* fileName, const QString& text);
 
-    // All messages since the last call, and forgets them and what was announced.
+    // Returns all messages since the last call; forgets them and the expected ones.
     QVector<Message> take();
 
-    // Each deviation from what was announced, in words; forgets all.
+    // Describes each deviation from the expected messages; forgets all messages.
     QStringList takeProblems();
 
-    // Called for every message, in the thread that makes it, after it was recorded.
+    // Called for every message in the thread that logs it, after it was recorded.
     void setObserver(const std::function<void(const Message&)>& observer);
 
 private:

@@ -4,9 +4,8 @@
 #include <QtCore/QVersionNumber>
 
 /*
- * Whether the Qt that the test runs with is 5.15.2 or older, which reads dates, and takes
- * QDir::NoFilter in an iterator, otherwise than 5.15.8 and 5.15.15 do. Of the versions between
- * nobody has tried any.
+ * Whether the test runs with Qt 5.15.2 or older, which parses dates and handles QDir::NoFilter in
+ * an iterator differently from 5.15.8 and 5.15.15. The versions in between are untested.
  */
 inline bool isQtOfDebian11()
 {

@@ -30,12 +30,12 @@ int TestCase::rounds(int usual)
     return isGiven ? given : isEmulated() ? usual / 10 : usual;
 }
 
-int TestCase::stressRounds(int shortForm, int fullForm)
+int TestCase::stressRounds(int quickRounds, int fullRounds)
 {
     if (qgetenv("MISCTOOLS_STRESS") == "full") {
-        return fullForm;
+        return fullRounds;
     }
-    return isEmulated() ? shortForm / 10 : shortForm;
+    return isEmulated() ? quickRounds / 10 : quickRounds;
 }
 
 void TestCase::init()

@@ -11,8 +11,8 @@
 #include <QtTest/QtTest>
 
 /*
- * The base of every test class: each row gets a folder of its own and a message recorder, and fails
- * when a message came that it did not announce, or one that it announced did not come.
+ * The base of every test class: each row has its own directory and message recorder, and fails if
+ * an unexpected message was logged or an expected one was not.
  */
 class TestCase : public QObject
 {
@@ -22,25 +22,27 @@ protected:
     // The row's recorder.
     MessageRecorder& messages() { return *m_recorder; }
 
-    // The row's folder, and the path of the file name in it.
+    // The row's directory, and the path of a file in it.
     QString folder() const { return m_folder->path(); }
     QString path(const QString& name) const { return m_folder->filePath(name); }
 
-    // Writes a file into the row's folder; gives its path.
+    // Writes a file into the row's directory; returns its path.
     QString writeFile(const QString& name, const QByteArray& content) const;
 
-    // Whether script/emulated runs this for another processor, which takes some ten times as long.
+    // Whether script/emulated runs the test for another processor, which takes about ten times as
+    // long.
     static bool isEmulated();
 
-    // How often a test with random input is to try: usually so often, or as the environment
-    // variable MISCTOOLS_DIFFERENTIAL_ROUNDS says. Under an emulator, a tenth of the usual rounds.
+    // The number of rounds of a test with random input: the usual number, or the value of the
+    // environment variable MISCTOOLS_DIFFERENTIAL_ROUNDS. Under an emulator, a tenth of the usual
+    // number.
     static int rounds(int usual);
 
-    // How much a stress test does: usually the short form, the full one where the environment
-    // variable MISCTOOLS_STRESS is "full". Under an emulator, a tenth of the short form.
-    static int stressRounds(int shortForm, int fullForm);
+    // The number of rounds of a stress test: that of a quick run, or that of a full run if the
+    // environment variable MISCTOOLS_STRESS is "full". Under an emulator, a tenth of a quick run.
+    static int stressRounds(int quickRounds, int fullRounds);
 
-    // The whole content of a file; a null array when it cannot be read.
+    // The whole content of a file; a null array if it cannot be read.
     static QByteArray readFile(const QString& filePath);
 
 private Q_SLOTS:
@@ -53,8 +55,8 @@ private:
 };
 
 /*
- * Skips the rest of the test function where the machine cannot run it. In continuous integration
- * everything can be run, so there, where CI is set to anything, it is a failure.
+ * Skips the rest of the test function if the machine cannot run it. In continuous integration,
+ * where CI is set and not empty, every test can run, so a skip is a failure.
  */
 #define MISCTOOLS_SKIP(reason)                                                                     \
     do {                                                                                           \

@@ -9,14 +9,14 @@
 
 constexpr int threadCount = 8;
 
-// Calls the function in threadCount threads, with the thread's number.
+// Calls the function with the thread's number in threadCount threads.
 inline void callInManyThreads(const std::function<void(int)>& function)
 {
     std::vector<std::thread> threads;
     QAtomicInt waiting(threadCount);
     for (int number = 0; number < threadCount; ++number) {
         threads.emplace_back([&function, &waiting, number] {
-            // All begin together, so that the calls overlap.
+            // All threads start together, so that the calls overlap.
             waiting.fetchAndSubOrdered(1);
             while (waiting.loadAcquire() > 0) {
                 std::this_thread::yield();
@@ -29,9 +29,9 @@ inline void callInManyThreads(const std::function<void(int)>& function)
     }
 }
 
-// How many of the answers, which all threads ask for at the same time, are right: each thread asks
-// rounds times and gets its own number.
-inline int rightAnswersInManyThreads(int rounds, const std::function<bool(int)>& isRight)
+// All threads call the function at the same time, each of them rounds times with its own number;
+// returns the number of calls that returned true.
+inline int correctCallsInManyThreads(int rounds, const std::function<bool(int)>& isRight)
 {
     QAtomicInt right(0);
     callInManyThreads([rounds, &isRight, &right](int number) {

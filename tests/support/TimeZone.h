@@ -7,8 +7,8 @@
 #include <ctime>
 
 /*
- * The time zone for the life of the object. Best given as a rule, such as "UTC0" or
- * "CET-1CEST,M3.5.0,M10.5.0/3": a bare machine has no zones by name.
+ * Sets the time zone during the object's lifetime. Use a rule such as "UTC0" or
+ * "CET-1CEST,M3.5.0,M10.5.0/3": a minimal system has no named zones.
  */
 class TimeZone
 {

@@ -12,7 +12,7 @@ struct ConvertibleType
 {
 };
 
-// Has conversions, which fail.
+// Has conversions that fail.
 struct StubbornType
 {
     QString toText(bool* ok) const
@@ -53,7 +53,8 @@ QVector<VariantSample> numbers()
         Sample("ushort", QVariant::fromValue(ushort(5))).toBool(true).toText("5"),
         Sample("char", QVariant::fromValue('A')).toBool(true).toText("A"),
         Sample("signed char", QVariant::fromValue<signed char>('A')).toBool(true).toText("A"),
-        // QVariant::toString() would give these a text, and yet says that it cannot.
+        // QVariant::toString() converts these, although canConvert() says that they cannot be
+        // converted.
         Sample("uchar", QVariant::fromValue<uchar>('A'), "QVariant(uchar, 65)"),
         Sample("long", QVariant::fromValue(5L), "QVariant(long, 5)"),
         Sample("ulong", QVariant::fromValue(5UL), "QVariant(ulong, 5)"),
@@ -98,7 +99,7 @@ QVector<VariantSample> texts()
     };
 }
 
-// The value as Qt logs it: the digits of a time are those of the system's language.
+// The value as Qt logs it: digits of a time depend on the system's language.
 template <typename Value>
 QString logged(const char* type, const Value& value)
 {
@@ -149,7 +150,7 @@ QVector<VariantSample> containers()
         Sample("QVariant in a QVariant", QVariant(QMetaType::QVariant, nullptr),
                "QVariant(QVariant, QVariant(Invalid))"),
         Sample("QBitArray", QBitArray(2, true), "QVariant(QBitArray, QBitArray(11))"),
-        // A JSON number has a bool, which is false, and a text, which is none.
+        // A JSON number converts to the bool false and to a null string.
         Sample("QJsonValue, number", QVariant::fromValue(QJsonValue(1)))
             .toBool(false)
             .toText(QString()),
@@ -177,8 +178,8 @@ QVector<VariantSample> others()
 {
     using Sample = VariantSample;
     const QVariant curve = QEasingCurve(QEasingCurve::Linear);
-    QString curveText; // holds the address of a function
-    QDebug(&curveText).nospace() << curve;
+    QString addressText; // holds the address of a function
+    QDebug(&addressText).nospace() << curve;
 
     QMetaType::registerConverter<ConvertibleType, QString>(
         [](const ConvertibleType&) { return "converted"; });
@@ -189,7 +190,7 @@ QVector<VariantSample> others()
 
     return {
         Sample("invalid", QVariant(), "QVariant(Invalid)"),
-        Sample("QEasingCurve", curve, curveText),
+        Sample("QEasingCurve", curve, addressText),
         Sample("void*", QVariant::fromValue<void*>(nullptr), "QVariant(void*, 0x0)"),
         Sample("QObject*", QVariant::fromValue<QObject*>(nullptr),
                "QVariant(QObject*, QObject(0x0))"),
@@ -237,7 +238,7 @@ VariantSample& VariantSample::toText(const QString& result)
 
 const QVector<VariantSample>& variantSamples()
 {
-    // Once, as a conversion can be registered only once.
+    // A conversion can be registered only once.
     static const QVector<VariantSample> samples =
         numbers() + texts() + dates() + shapes() + containers() + others();
     return samples;

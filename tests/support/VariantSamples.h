@@ -6,20 +6,20 @@
 #include <QtCore/QVariant>
 #include <QtCore/QVector>
 
-// A variant, how it is shown, and what it can be converted into.
+// A variant, how it is logged, and what it converts to.
 struct VariantSample
 {
     VariantSample() = default;
     VariantSample(const char* situation, const QVariant& variant,
                   const QString& debugText = QString());
 
-    // Converts into a bool, or a text; otherwise it does not.
+    // Converts to this bool or text; without these calls it does not convert.
     VariantSample& toBool(bool result);
     VariantSample& toText(const QString& result);
 
     QByteArray name;
     QVariant value;
-    QString debugged; // as QDebug writes it; empty where it converts into both
+    QString debugged; // as QDebug writes it; empty if it converts to both
     bool isBool = false;
     bool asBool = false;
     bool isText = false;
@@ -29,8 +29,8 @@ struct VariantSample
 Q_DECLARE_METATYPE(VariantSample)
 
 /*
- * Variants of every type that Qt Core builds in, of user types with and without conversions, and
- * none at all. Some convert differently from what one would think (long, unsigned char, lists).
+ * Variants of every built-in type of Qt Core and of user types with and without conversions, and an
+ * invalid one. Some convert in unexpected ways (long, unsigned char, lists).
  */
 const QVector<VariantSample>& variantSamples();
 

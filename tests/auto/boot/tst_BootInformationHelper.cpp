@@ -8,18 +8,18 @@
 namespace {
 
 QString productCode;
-int productCodeQuestions = 0;
+int productCodeQueries = 0;
 
 const QString rebootMarker = "/orvalis-reboot";
 const QString firmwareMarker = "/orvalis/etc/orvalis-first-boot";
 
-// What stands where a marker may be.
+// What is at the path of a marker.
 enum class Marker
 {
     None,
     File,
-    Folder,
-    DanglingLink, // counts as none
+    Directory,
+    DanglingLink, // counts as missing
     LinkToFile,
 };
 
@@ -32,7 +32,7 @@ struct NamedMarker
 const NamedMarker markers[] = {
     {"none", Marker::None},
     {"file", Marker::File},
-    {"folder", Marker::Folder},
+    {"directory", Marker::Directory},
     {"dangling link", Marker::DanglingLink},
     {"link to file", Marker::LinkToFile},
 };
@@ -50,7 +50,7 @@ void put(const QString& path, Marker marker)
     case Marker::File:
         DeviceRoot::writeFile(path, QByteArray());
         break;
-    case Marker::Folder:
+    case Marker::Directory:
         QVERIFY(QDir().mkpath(path));
         break;
     case Marker::DanglingLink:
@@ -65,8 +65,8 @@ void put(const QString& path, Marker marker)
     }
 }
 
-// Whether anything is there, a dangling link too.
-bool isSomethingAt(const QString& path)
+// Whether anything exists at the path, even a dangling link.
+bool existsOrIsLink(const QString& path)
 {
     const QFileInfo info(path);
     return info.exists() || info.isSymLink();
@@ -74,10 +74,10 @@ bool isSomethingAt(const QString& path)
 
 } // namespace
 
-// In place of the bundled platform library's.
+// Replaces the function of the bundled platform library.
 QString DeviceManifestManager::getProductCode()
 {
-    ++productCodeQuestions;
+    ++productCodeQueries;
     return productCode;
 }
 
@@ -99,16 +99,16 @@ class tst_BootInformationHelper : public TestCase
 private Q_SLOTS:
     void bootMode_data();
     void bootMode();
-    void commandLineIsReadAfresh();
-    void commandLineIsReadOnlyWhenItDecides_data();
-    void commandLineIsReadOnlyWhenItDecides();
-    void questionsLeaveTheMarkers();
+    void commandLineIsReadByEveryCall();
+    void commandLineIsReadOnlyWhenNeeded_data();
+    void commandLineIsReadOnlyWhenNeeded();
+    void queriesKeepTheMarkers();
     void deleteFirmwareUpdateMarker_data();
     void deleteFirmwareUpdateMarker();
     void deleteOrvalisRebootMarker_data();
     void deleteOrvalisRebootMarker();
-    void markersThatAreInUse();
-    void deletionLeavesTheRest();
+    void markersInUseAreNotDeleted();
+    void deletionKeepsOtherFiles();
 };
 
 void tst_BootInformationHelper::bootMode_data()
@@ -125,30 +125,30 @@ void tst_BootInformationHelper::bootMode_data()
     {
         const char* name;
         QString code;
-        bool tellsHardResets;
+        bool isHardResetProduct;
     };
     const Product products[] = {
-        {"640917", "640917", true},        {"other product", "640918", false},
-        {"longer code", "6409170", false}, {"code and blank", "640917 ", false},
+        {"640917", "640917", true},        {"different product", "640918", false},
+        {"longer code", "6409170", false}, {"code and trailing space", "640917 ", false},
         {"no product", QString(), false},
     };
     struct Argument
     {
         const char* name;
         const char* commandLine;
-        bool asksForFactoryReset;
+        bool isFactoryReset;
     };
     const Argument arguments[] = {
         {"no argument", "console=ttyS0 quiet\n", false},
         {"factory reset", "console=ttyS0 orvalismode=factoryreset quiet\n", true},
-        {"factory reset, blank at the end", "orvalismode=factoryreset \n", true},
+        {"factory reset, trailing space", "orvalismode=factoryreset \n", true},
         {"factory reset without line feed", "orvalismode=factoryreset", true},
         {"factory reset as last word", "console=ttyS0 orvalismode=factoryreset\n", false},
         {"factory reset after another mode", "orvalismode=x orvalismode=factoryreset quiet\n",
          false},
         {"factory reset without equals sign", "orvalismodefactoryreset quiet\n", true},
-        {"another mode", "orvalismode=factory quiet\n", false},
-        {"other case", "orvalismode=FactoryReset quiet\n", false},
+        {"different mode", "orvalismode=factory quiet\n", false},
+        {"different case", "orvalismode=FactoryReset quiet\n", false},
         {"longer value", "orvalismode=factoryresets quiet\n", false},
         {"longer key", "orvalismodes=factoryreset quiet\n", false},
         {"no value", "orvalismode quiet\n", false},
@@ -159,16 +159,16 @@ void tst_BootInformationHelper::bootMode_data()
         for (const Product& product : products) {
             for (const NamedMarker& firmware : markers) {
                 for (const Argument& argument : arguments) {
-                    const bool hardReset = !counts(reboot.marker) && product.tellsHardResets;
-                    const int mode = hardReset                      ? 3
-                                     : counts(firmware.marker)      ? 1
-                                     : argument.asksForFactoryReset ? 2
-                                                                    : 0;
+                    const bool hardReset = !counts(reboot.marker) && product.isHardResetProduct;
+                    const int mode = hardReset                 ? 3
+                                     : counts(firmware.marker) ? 1
+                                     : argument.isFactoryReset ? 2
+                                                               : 0;
                     QTest::addRow("reboot: %s, %s, firmware: %s, %s", reboot.name, product.name,
                                   firmware.name, argument.name)
                         << reboot.marker << product.code << firmware.marker
-                        << QByteArray(argument.commandLine) << hardReset
-                        << argument.asksForFactoryReset << mode;
+                        << QByteArray(argument.commandLine) << hardReset << argument.isFactoryReset
+                        << mode;
                 }
             }
         }
@@ -190,24 +190,24 @@ void tst_BootInformationHelper::bootMode()
     put(firmwareMarker, firmware);
     DeviceRoot::setCommandLine(commandLine);
     productCode = product;
-    // Only where the marker leaves it open.
-    const int questions = counts(reboot) ? 0 : 1;
+    // The command line is read only if the markers do not decide.
+    const int queries = counts(reboot) ? 0 : 1;
 
     const BootInformationHelper helper;
-    productCodeQuestions = 0;
+    productCodeQueries = 0;
     QCOMPARE(helper.isHardReset(), hardReset);
-    QCOMPARE(productCodeQuestions, questions);
+    QCOMPARE(productCodeQueries, queries);
 
-    productCodeQuestions = 0;
+    productCodeQueries = 0;
     QCOMPARE(helper.isFactoryReset(), factoryReset);
-    QCOMPARE(productCodeQuestions, 0);
+    QCOMPARE(productCodeQueries, 0);
 
-    productCodeQuestions = 0;
+    productCodeQueries = 0;
     QCOMPARE(int(helper.getCurrentBootMode()), mode);
-    QCOMPARE(productCodeQuestions, questions);
+    QCOMPARE(productCodeQueries, queries);
 }
 
-void tst_BootInformationHelper::commandLineIsReadAfresh()
+void tst_BootInformationHelper::commandLineIsReadByEveryCall()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     productCode.clear();
@@ -221,7 +221,7 @@ void tst_BootInformationHelper::commandLineIsReadAfresh()
     QCOMPARE(helper.getCurrentBootMode(), BootInformationHelper::BootModeNormal);
 }
 
-void tst_BootInformationHelper::commandLineIsReadOnlyWhenItDecides_data()
+void tst_BootInformationHelper::commandLineIsReadOnlyWhenNeeded_data()
 {
     QTest::addColumn<QString>("product");
     QTest::addColumn<Marker>("firmware");
@@ -233,7 +233,7 @@ void tst_BootInformationHelper::commandLineIsReadOnlyWhenItDecides_data()
     QTest::newRow("neither") << QString() << Marker::None << 0 << true;
 }
 
-void tst_BootInformationHelper::commandLineIsReadOnlyWhenItDecides()
+void tst_BootInformationHelper::commandLineIsReadOnlyWhenNeeded()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QString, product);
@@ -255,7 +255,7 @@ void tst_BootInformationHelper::commandLineIsReadOnlyWhenItDecides()
     QVERIFY(!helper.isFactoryReset());
 }
 
-void tst_BootInformationHelper::questionsLeaveTheMarkers()
+void tst_BootInformationHelper::queriesKeepTheMarkers()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     put(rebootMarker, Marker::File);
@@ -271,14 +271,14 @@ void tst_BootInformationHelper::questionsLeaveTheMarkers()
 void tst_BootInformationHelper::deleteFirmwareUpdateMarker_data()
 {
     QTest::addColumn<Marker>("marker");
-    QTest::addColumn<QString>("warning"); // null: silent
+    QTest::addColumn<QString>("warning"); // null: none
     QTest::addColumn<bool>("isGone");
 
     const QString missing = "Unable to delete firmware update marker, file does not exist!";
     QTest::newRow("none") << Marker::None << missing << true;
     QTest::newRow("file") << Marker::File << QString() << true;
-    QTest::newRow("folder") << Marker::Folder << "Error on removing firmware update marker!"
-                            << false;
+    QTest::newRow("directory") << Marker::Directory << "Error on removing firmware update marker!"
+                               << false;
     QTest::newRow("dangling link") << Marker::DanglingLink << missing << false;
     QTest::newRow("link to file") << Marker::LinkToFile << QString() << true;
 }
@@ -298,20 +298,20 @@ void tst_BootInformationHelper::deleteFirmwareUpdateMarker()
             .function("void BootInformationHelper::deleteFirmwareUpdateMarker() const");
     }
     BootInformationHelper().deleteFirmwareUpdateMarker();
-    QCOMPARE(isSomethingAt(firmwareMarker), !isGone);
+    QCOMPARE(existsOrIsLink(firmwareMarker), !isGone);
     QVERIFY(QFile::exists(rebootMarker));
 }
 
 void tst_BootInformationHelper::deleteOrvalisRebootMarker_data()
 {
     QTest::addColumn<Marker>("marker");
-    QTest::addColumn<QString>("warning"); // null: silent
+    QTest::addColumn<QString>("warning"); // null: none
     QTest::addColumn<bool>("isGone");
 
     QTest::newRow("none") << Marker::None << QString() << true;
     QTest::newRow("file") << Marker::File << QString() << true;
-    QTest::newRow("folder") << Marker::Folder << "Unable to remove file: \"/orvalis-reboot\""
-                            << false;
+    QTest::newRow("directory") << Marker::Directory << "Unable to remove file: \"/orvalis-reboot\""
+                               << false;
     QTest::newRow("dangling link") << Marker::DanglingLink << QString() << false;
     QTest::newRow("link to file") << Marker::LinkToFile << QString() << true;
 }
@@ -331,18 +331,18 @@ void tst_BootInformationHelper::deleteOrvalisRebootMarker()
             .function("void BootInformationHelper::deleteOrvalisRebootMarker() const");
     }
     BootInformationHelper().deleteOrvalisRebootMarker();
-    QCOMPARE(isSomethingAt(rebootMarker), !isGone);
+    QCOMPARE(existsOrIsLink(rebootMarker), !isGone);
     QVERIFY(QFile::exists(firmwareMarker));
 }
 
-void tst_BootInformationHelper::markersThatAreInUse()
+void tst_BootInformationHelper::markersInUseAreNotDeleted()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     put(rebootMarker, Marker::File);
     put(firmwareMarker, Marker::File);
     const QString other = writeFile("other", "x");
     {
-        // What is mounted cannot be removed, though it is a file.
+        // A mount point cannot be removed, even if it is a file.
         const DeviceRoot::Covered coveredReboot("/orvalis-reboot", other);
         const DeviceRoot::Covered coveredFirmware("/orvalis/etc/orvalis-first-boot", other);
         messages().expectWarning("BootInformationHelper",
@@ -356,7 +356,7 @@ void tst_BootInformationHelper::markersThatAreInUse()
     QVERIFY(QFile::exists(firmwareMarker));
 }
 
-void tst_BootInformationHelper::deletionLeavesTheRest()
+void tst_BootInformationHelper::deletionKeepsOtherFiles()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     const QString neighbor = "/orvalis/etc/OrvalisVersionInfo.ini";

@@ -19,7 +19,7 @@ class tst_KernelCommandLineDefinition : public TestCase
 private Q_SLOTS:
     void names_data();
     void names();
-    void constructionIsSilent();
+    void constructionLogsNothing();
 };
 
 void tst_KernelCommandLineDefinition::names_data()
@@ -42,13 +42,13 @@ void tst_KernelCommandLineDefinition::names()
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
 
-    // One text for the whole process.
+    // The whole process shares one string.
     const QString* elsewhere = nullptr;
     std::thread([&] { elsewhere = &name(); }).join();
     QCOMPARE(elsewhere, &first);
 }
 
-void tst_KernelCommandLineDefinition::constructionIsSilent()
+void tst_KernelCommandLineDefinition::constructionLogsNothing()
 {
     const QScopedPointer<KernelCommandLineDefinition> definition(new KernelCommandLineDefinition);
     QCOMPARE(messages().takeProblems(), QStringList());

@@ -18,18 +18,18 @@ class tst_KernelCommandLineParser : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void look_data();
-    void look();
+    void lookUp_data();
+    void lookUp();
     void longLine();
-    void isReadOnceByEachObject();
+    void fileIsReadOncePerObject();
     void missingFile();
     void unreadableFile();
 
 private:
-    void verifyNothingIsContained(const KernelCommandLineParser& parser);
+    void verifyParserIsEmpty(const KernelCommandLineParser& parser);
 };
 
-void tst_KernelCommandLineParser::look_data()
+void tst_KernelCommandLineParser::lookUp_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QString>("key");
@@ -52,32 +52,32 @@ void tst_KernelCommandLineParser::look_data()
     newRow("last word keeps its line feed", usual, "quiet", "quiet\n", lineFeed);
     newRow("last value keeps its line feed", "a mode=x\n", "mode", "mode=x\n", "x\n");
     newRow("no line feed", "a mode=x", "mode", modeX, x);
-    newRow("not there", usual, "root", none, none);
+    newRow("missing word", usual, "root", none, none);
 
     newRow("empty file", "", "a", none, none);
     newRow("empty file, empty key", "", "", none, none);
-    newRow("blanks alone", "   ", "", none, none);
-    newRow("line feed alone", "\n", "", none, none);
-    newRow("blank and line feed", " \n", "", none, none);
+    newRow("only spaces", "   ", "", none, none);
+    newRow("only a line feed", "\n", "", none, none);
+    newRow("space and line feed", " \n", "", none, none);
     newRow("two line feeds are a word", "\n\n", "", "\n\n", "\n\n");
 
-    newRow("two blanks", "a  mode=x b", "mode", modeX, x);
-    newRow("leading blanks", "  mode=x b", "", modeX, modeX);
-    newRow("trailing blanks", "mode=x  ", "mode", modeX, x);
-    newRow("trailing blank and line feed", "mode=x \n", "mode", modeX, x);
+    newRow("two spaces", "a  mode=x b", "mode", modeX, x);
+    newRow("leading spaces", "  mode=x b", "", modeX, modeX);
+    newRow("trailing spaces", "mode=x  ", "mode", modeX, x);
+    newRow("trailing space and line feed", "mode=x \n", "mode", modeX, x);
     newRow("lone line feeds everywhere", "\n \n mode=x \n", "", modeX, modeX);
-    newRow("lone line feeds are not found", "\n mode=x \n", "\n", none, none);
-    newRow("tab does not part", "a\tmode=x", "mode", none, none);
+    newRow("lone line feeds are not words", "\n mode=x \n", "\n", none, none);
+    newRow("tab does not separate", "a\tmode=x", "mode", none, none);
     newRow("tab stays in the word", "mode=x\ty b", "mode", "mode=x\ty", "x\ty");
-    newRow("line feed does not part", "a\nmode=x b", "mode", none, none);
+    newRow("line feed does not separate", "a\nmode=x b", "mode", none, none);
     newRow("line feed in a word stays", "a\nmode=x b", "a", "a\nmode=x", "\nmode=x");
     newRow("carriage return stays", "mode=x\r\n", "mode", "mode=x\r\n", "x\r\n");
     newRow("lone carriage return is a word", "\r \n", "", "\r", "\r");
-    newRow("quotes mean nothing", "mode=\"x y\" z", "mode", "mode=\"x", "\"x");
+    newRow("quotes have no meaning", "mode=\"x y\" z", "mode", "mode=\"x", "\"x");
 
     newRow("before a zero byte", QByteArray("mode=x\0y b", 10), "mode", modeX, x);
     newRow("after a zero byte", QByteArray("a \0mode=x b", 11), "mode", none, none);
-    newRow("zero byte first", QByteArray("\0mode=x", 7), "", none, none);
+    newRow("leading zero byte", QByteArray("\0mode=x", 7), "", none, none);
     newRow("UTF-8", "mode=\xc3\xa4 b", "mode", QStringLiteral("mode=\u00e4"),
            QStringLiteral("\u00e4"));
     newRow("UTF-8 key", "m\xc3\xb6=x b", "m\xc3\xb6", QStringLiteral("m\u00f6=x"), x);
@@ -91,9 +91,9 @@ void tst_KernelCommandLineParser::look_data()
     newRow("longer name comes second", "mode=x modex=1 b", "mode", modeX, x);
     newRow("key in the middle of a word", "amode=x b", "mode", none, none);
     newRow("key longer than the word", "mod=x b", "mode", none, none);
-    newRow("other case", "MODE=x Mode=y b", "mode", none, none);
-    newRow("given twice", "mode=x mode=y b", "mode", modeX, x);
-    newRow("given twice, first without value", "mode mode=y b", "mode", mode, none);
+    newRow("different case", "MODE=x Mode=y b", "mode", none, none);
+    newRow("key twice", "mode=x mode=y b", "mode", modeX, x);
+    newRow("key twice, first without value", "mode mode=y b", "mode", mode, none);
 
     newRow("bare word", "orvalismode b", "orvalismode", "orvalismode", none);
     newRow("empty value", "mode= b", "mode", "mode=", none);
@@ -105,12 +105,12 @@ void tst_KernelCommandLineParser::look_data()
     newRow("key with value", "mode=x b", "mode=x", modeX, none);
     newRow("empty key finds the first word", "console mode=x b", "", "console", "console");
     newRow("empty key, word begins with equals sign", "=x b", "", "=x", x);
-    newRow("word without name", "a =x b", "=", "=x", x);
-    newRow("word without name, two equals signs", "a ==x b", "=", "==x", x);
-    newRow("key with a blank", "a mode=x b", "a mode", none, none);
+    newRow("word without a name", "a =x b", "=", "=x", x);
+    newRow("word without a name, two equals signs", "a ==x b", "=", "==x", x);
+    newRow("key with a space", "a mode=x b", "a mode", none, none);
 }
 
-void tst_KernelCommandLineParser::look()
+void tst_KernelCommandLineParser::lookUp()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, line);
@@ -143,7 +143,7 @@ void tst_KernelCommandLineParser::longLine()
     QCOMPARE(parser.getValue(QStringLiteral("argument")), QStringLiteral("value"));
 }
 
-void tst_KernelCommandLineParser::isReadOnceByEachObject()
+void tst_KernelCommandLineParser::fileIsReadOncePerObject()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     DeviceRoot::setCommandLine("mode=x b\n");
@@ -154,7 +154,7 @@ void tst_KernelCommandLineParser::isReadOnceByEachObject()
     QCOMPARE(second.getValue(QStringLiteral("mode")), QStringLiteral("y"));
 }
 
-void tst_KernelCommandLineParser::verifyNothingIsContained(const KernelCommandLineParser& parser)
+void tst_KernelCommandLineParser::verifyParserIsEmpty(const KernelCommandLineParser& parser)
 {
     for (const QString& key : {QString(), QStringLiteral("mode")}) {
         QCOMPARE(parser.findKey(key), QString());
@@ -172,13 +172,13 @@ void tst_KernelCommandLineParser::missingFile()
         .expectWarning("KernelCommandLineParser", "No kernelCommandLine file")
         .function("KernelCommandLineParser::KernelCommandLineParser()");
     const KernelCommandLineParser parser;
-    verifyNothingIsContained(parser);
+    verifyParserIsEmpty(parser);
 }
 
 void tst_KernelCommandLineParser::unreadableFile()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
-    // A socket in the file system cannot be opened, not even by root.
+    // Not even root can open a socket in the file system.
     const QString socketPath = path("socket");
     const QByteArray name = QFile::encodeName(socketPath);
     sockaddr_un address = {};
@@ -195,7 +195,7 @@ void tst_KernelCommandLineParser::unreadableFile()
         .function("KernelCommandLineParser::KernelCommandLineParser()");
     const KernelCommandLineParser parser;
     close(descriptor);
-    verifyNothingIsContained(parser);
+    verifyParserIsEmpty(parser);
 }
 
 QTEST_GUILESS_MAIN(tst_KernelCommandLineParser)

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The fields of an ErrorContainer, in their order.
+// The fields of an ErrorContainer, in declaration order.
 struct Layout
 {
     virtual ~Layout() = default;
@@ -53,7 +53,6 @@ static_assert(
     "a copy of the text");
 static_assert(QMetaTypeId<ErrorContainer>::Defined, "usable in a QVariant");
 
-// Sends and receives errors.
 class ErrorChannel : public QObject
 {
     Q_OBJECT
@@ -81,20 +80,20 @@ class tst_ErrorContainer : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void typeIsRegisteredByFirstUse_data(); // first: later functions register the type
+    void typeIsRegisteredByFirstUse_data(); // must be first: later functions register the type
     void typeIsRegisteredByFirstUse();
     void typeIsRegisteredOnce();
     void codes();
     void freshContainer();
     void setError_data();
     void setError();
-    void codeAloneClearsMessage();
-    void messageAloneSetsDefaultCode();
+    void setCodeWithoutMessageClearsMessage();
+    void setMessageWithoutCodeSetsDefaultCode();
     void copiesAreIndependent();
     void destructorIsVirtual();
-    void travelsInVariant();
-    void travelsThroughQueuedSignal_data();
-    void travelsThroughQueuedSignal();
+    void variantHoldsACopy();
+    void queuedSignalDeliversACopy_data();
+    void queuedSignalDeliversACopy();
     void debugOutput_data();
     void debugOutput();
     void debugOutputKeepsStreamState();
@@ -118,7 +117,7 @@ void tst_ErrorContainer::typeIsRegisteredByFirstUse()
     QFETCH(int, threads);
 
     QCOMPARE(registeredType(), int(QMetaType::UnknownType));
-    // Children, so that each row sees the first use.
+    // Child processes, so that each row is the first use.
     const ChildResult result = ChildProcess::run([constructs, threads] {
         std::vector<int> types(size_t(threads), QMetaType::UnknownType);
         std::vector<std::thread> users;
@@ -154,7 +153,7 @@ void tst_ErrorContainer::typeIsRegisteredOnce()
     const int type = registeredType();
     QCOMPARE(type, qMetaTypeId<ErrorContainer>());
 
-    // Types are numbered in the order of registration: none may come between these two.
+    // Type IDs are consecutive, so no type may be registered between these two.
     const int before = qRegisterMetaType<TypeBefore>();
     for (int i = 0; i < 1000; ++i) {
         const ErrorContainer error;
@@ -194,11 +193,11 @@ void tst_ErrorContainer::setError_data()
     QTest::newRow("default code without a text") << -1 << QString() << true;
     QTest::newRow("default code") << -1 << text << true;
     QTest::newRow("no such file") << -2 << text << true;
-    QTest::newRow("code of no constant") << -5 << text << true;
+    QTest::newRow("code without a constant") << -5 << text << true;
     QTest::newRow("positive") << 1 << text << true;
-    QTest::newRow("greatest") << std::numeric_limits<int>::max() << text << true;
+    QTest::newRow("largest") << std::numeric_limits<int>::max() << text << true;
     QTest::newRow("smallest") << std::numeric_limits<int>::min() << text << true;
-    QTest::newRow("text beyond ASCII, with a zero")
+    QTest::newRow("non-ASCII text with a zero character")
         << -1 << QString::fromUtf16(u"\u00E4\0\u20AC", 3) << true;
 }
 
@@ -216,7 +215,7 @@ void tst_ErrorContainer::setError()
     QCOMPARE(error.isError(), isError);
 }
 
-void tst_ErrorContainer::codeAloneClearsMessage()
+void tst_ErrorContainer::setCodeWithoutMessageClearsMessage()
 {
     ErrorContainer error;
     for (const int code : {-2, -12, 7, 0}) {
@@ -228,7 +227,7 @@ void tst_ErrorContainer::codeAloneClearsMessage()
     }
 }
 
-void tst_ErrorContainer::messageAloneSetsDefaultCode()
+void tst_ErrorContainer::setMessageWithoutCodeSetsDefaultCode()
 {
     ErrorContainer error;
     for (const int earlier : {0, -2, 7}) {
@@ -264,7 +263,7 @@ void tst_ErrorContainer::destructorIsVirtual()
     QVERIFY(isDestroyedThroughBase<ErrorContainer>());
 }
 
-void tst_ErrorContainer::travelsInVariant()
+void tst_ErrorContainer::variantHoldsACopy()
 {
     const QVariant variant = QVariant::fromValue(makeError(-16, "busy"));
     QCOMPARE(QByteArray(variant.typeName()), QByteArray("ErrorContainer"));
@@ -278,16 +277,16 @@ void tst_ErrorContainer::travelsInVariant()
     QVERIFY(!fresh.value<ErrorContainer>().isError());
 }
 
-void tst_ErrorContainer::travelsThroughQueuedSignal_data()
+void tst_ErrorContainer::queuedSignalDeliversACopy_data()
 {
     QTest::addColumn<bool>("byName");
 
     QTest::newRow("connected by pointer") << false;
-    // Qt then finds the type by its name.
+    // Qt looks the type up by its name.
     QTest::newRow("connected by name") << true;
 }
 
-void tst_ErrorContainer::travelsThroughQueuedSignal()
+void tst_ErrorContainer::queuedSignalDeliversACopy()
 {
     QFETCH(bool, byName);
 
@@ -305,7 +304,7 @@ void tst_ErrorContainer::travelsThroughQueuedSignal()
     {
         ErrorContainer error = makeError(-12, "no room");
         Q_EMIT sender.happened(error);
-        error.setError(0); // the one on its way is a copy
+        error.setError(0); // the queued error is a copy
     }
     QVERIFY(receiver.thread == nullptr);
     thread.start();
@@ -324,15 +323,15 @@ void tst_ErrorContainer::debugOutput_data()
     QTest::addColumn<QString>("output");
 
     const QString abc = "abc";
-    QTest::newRow("as usual") << -2 << abc << true << true << "-2 \"abc\" ";
+    QTest::newRow("default format") << -2 << abc << true << true << "-2 \"abc\" ";
     QTest::newRow("no quotes") << -2 << abc << false << true << "-2 abc ";
     QTest::newRow("no spaces") << -2 << abc << true << false << "-2\"abc\"";
     QTest::newRow("neither") << -2 << abc << false << false << "-2abc";
     QTest::newRow("no error") << 0 << QString() << true << true << "0 \"\" ";
     QTest::newRow("no error, no quotes") << 0 << QString() << false << true << "0  ";
-    QTest::newRow("blanks and special characters") << -38 << " a \"b\"\n"
+    QTest::newRow("spaces and special characters") << -38 << " a \"b\"\n"
                                                    << true << true << "-38 \" a \\\"b\\\"\\n\" ";
-    QTest::newRow("blanks and special characters, no quotes") << -38 << " a \"b\"\n"
+    QTest::newRow("spaces and special characters, no quotes") << -38 << " a \"b\"\n"
                                                               << false << true << "-38  a \"b\"\n ";
 }
 

@@ -5,15 +5,15 @@
 #include <QtCore/QBuffer>
 #include <QtCore/QRandomGenerator>
 
-// Compares the reading and decoding of files with Qt's own.
+// Compares reading and decoding of files with Qt.
 class tst_FileReading : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void randomBytesAreReadAndDecodedAsByQt();
-    void largeFilesAreReadAsInTextMode_data();
-    void largeFilesAreReadAsInTextMode();
+    void randomBytesAreDecodedAsByQt();
+    void largeFilesAreReadAsByQtInTextMode_data();
+    void largeFilesAreReadAsByQtInTextMode();
 };
 
 namespace {
@@ -34,7 +34,7 @@ QByteArray read(QByteArray content)
 
 } // namespace
 
-void tst_FileReading::randomBytesAreReadAndDecodedAsByQt()
+void tst_FileReading::randomBytesAreDecodedAsByQt()
 {
     QRandomGenerator random(1);
     const int count = rounds(50000);
@@ -52,7 +52,7 @@ void tst_FileReading::randomBytesAreReadAndDecodedAsByQt()
     }
 }
 
-void tst_FileReading::largeFilesAreReadAsInTextMode_data()
+void tst_FileReading::largeFilesAreReadAsByQtInTextMode_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::newRow("empty") << QByteArray();
@@ -60,12 +60,12 @@ void tst_FileReading::largeFilesAreReadAsInTextMode_data()
     QTest::newRow("CR LF") << QByteArray("a=1\r\n");
     QTest::newRow("several carriage returns") << QByteArray("a=1\r\r\r\n");
     QTest::newRow("only carriage returns") << QByteArray("\r");
-    QTest::newRow("longer than a buffer of carriage returns")
+    QTest::newRow("more carriage returns than a buffer holds")
         << "a=1\n" + QByteArray(64 * 1024, '\r') + "b=2\n";
     QTest::newRow("zero bytes") << QByteArray("a\0\r\0b\n", 6);
 }
 
-void tst_FileReading::largeFilesAreReadAsInTextMode()
+void tst_FileReading::largeFilesAreReadAsByQtInTextMode()
 {
     QFETCH(QByteArray, line);
     const QByteArray content = line.repeated(200000 / qMax(1, line.size()));

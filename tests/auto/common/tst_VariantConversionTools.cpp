@@ -9,7 +9,7 @@ class tst_VariantConversionTools : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void samplesHoldEveryBuiltInType();
+    void samplesCoverEveryBuiltInType();
     void toBool_data();
     void toBool();
     void toString_data();
@@ -19,14 +19,14 @@ private:
     void addSamples();
 };
 
-void tst_VariantConversionTools::samplesHoldEveryBuiltInType()
+void tst_VariantConversionTools::samplesCoverEveryBuiltInType()
 {
     QSet<int> types;
     for (const VariantSample& sample : variantSamples()) {
         types.insert(sample.value.userType());
     }
     for (int type = QMetaType::UnknownType; type <= QMetaType::LastCoreType; ++type) {
-        // No variant can be of the type void.
+        // No variant can have the type void.
         if (type != QMetaType::Void) {
             QVERIFY2(types.contains(type), QMetaType::typeName(type));
         }

@@ -23,5 +23,5 @@ bool Records::takeTextDateImported(DragIndicator& indicator)
 {
     DragIndicator::DragIndicatorInstance record;
     record.initialized = true;
-    return indicator.checkInstance(record, 0.0); // which changes nothing in the record
+    return indicator.checkInstance(record, 0.0); // does not change the record
 }

@@ -7,19 +7,19 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QString>
 
-// Records of drag indicators as they are saved.
+// Saved records of drag indicators.
 namespace Records {
 
-// One record as an object, with the same date for both extremes.
+// A record as a JSON object, with the same date for both extremes.
 QJsonObject object(double minValue, double maxValue, const QString& date, bool initialized = true);
 
 // A record without a value.
 QJsonObject emptyObject();
 
-// The name of a record, also of one that has none: it is its place in the list.
+// The enumerator of the record at an index, even where no enumerator is declared.
 DragIndicator::DragIndicatorInstances at(int index);
 
-// Whether a change is still owed for dates in text form; asking for it pays it.
+// Whether imported text dates still have to be reported as a change; resets that.
 bool takeTextDateImported(DragIndicator& indicator);
 
 } // namespace Records

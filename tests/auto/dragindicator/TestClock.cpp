@@ -2,7 +2,7 @@
 
 namespace {
 
-// Of the one thread that tests.
+// Used only by the test's thread.
 bool isRunning = false;
 QDateTime clockTime;
 qint64 clockStep = 0;

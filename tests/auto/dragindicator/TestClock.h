@@ -5,19 +5,20 @@
 #include <QtCore/QStringList>
 
 /*
- * The local clock while it lives: what QDate::currentDate() and QTime::currentTime() tell. The
- * program's own two functions stand before Qt's; without a test clock they tell what Qt's do.
+ * Replaces the local clock during its lifetime, as seen by QDate::currentDate() and
+ * QTime::currentTime(). The test program interposes these functions; without a test clock they
+ * return what Qt's functions return.
  */
 class TestClock
 {
 public:
-    // Stands at now, and goes on by step milliseconds after each reading.
+    // Starts at now and advances by step milliseconds after each reading.
     explicit TestClock(const QDateTime& now, qint64 step = 0);
     ~TestClock();
 
     void set(const QDateTime& now);
 
-    // What was read since the last call, "date" or "time" each, in the order of the readings.
+    // The readings since the last call, in order: "date" or "time".
     QStringList takeReadings();
 
 private:

@@ -12,29 +12,30 @@
 #include <type_traits>
 
 using Record = DragIndicator::DragIndicatorInstance;
-using Deed = std::function<void(DragIndicator&)>;
+using Operation = std::function<void(DragIndicator&)>;
 
-Q_DECLARE_METATYPE(Deed)
+Q_DECLARE_METATYPE(Operation)
 
-// Applications may derive from it and destroy it through the base.
+// Applications may derive from the class and delete objects through a base pointer.
 static_assert(std::is_polymorphic<DragIndicator>::value, "has virtual functions");
-static_assert(std::has_virtual_destructor<DragIndicator>::value, "may be derived from");
+static_assert(std::has_virtual_destructor<DragIndicator>::value,
+              "may be deleted through a base pointer");
 static_assert(std::is_copy_constructible<DragIndicator>::value &&
                   std::is_copy_assignable<DragIndicator>::value,
               "is a value");
-// An unsigned type would turn negative numbers into large ones, which are reported.
+// An unsigned underlying type would turn negative indexes into large ones, which are reported.
 static_assert(
     std::is_same<std::underlying_type<DragIndicator::DragIndicatorInstances>::type, int>::value,
     "numbers keep their sign");
 static_assert(DragIndicator::ResettableInstance == 0 && DragIndicator::PermanentInstance == 1,
-              "places in the list");
+              "indexes of the list");
 
 namespace {
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-// GCC 10 names a nested type with its class; GCC 12 and clang do not.
+// GCC 10 qualifies a nested type with its class; GCC 12 and clang do not.
 #if defined(__clang__) || __GNUC__ > 10
 #define INSTANCES "DragIndicatorInstances"
 #else
@@ -49,7 +50,7 @@ const QString isoDate = "2024-03-01T12:30:05";
 
 const QDateTime noon(QDate(2024, 3, 1), QTime(12, 0));
 
-// Exact, unlike a comparison of numbers: tells -0 from 0 and finds a NaN equal to itself.
+// Exact, unlike a comparison of numbers: distinguishes -0 from 0, and a NaN equals itself.
 QByteArray numberText(double value)
 {
     return (std::signbit(value) && !std::isnan(value) ? "-" : "") +
@@ -88,7 +89,7 @@ QString maxDateOf(const DragIndicator& indicator, int index)
     return dateOf(indicator, index, "MaxValueDate");
 }
 
-Record takenRecord(double minimum, double maximum)
+Record filledRecord(double minimum, double maximum)
 {
     Record record;
     record.minValue = minimum;
@@ -116,37 +117,37 @@ private Q_SLOTS:
     void destructorIsVirtual();
     void recordStartsEmpty();
     void startsWithTwoEmptyRecords();
-    void takesValues_data();
-    void takesValues();
+    void valuesUpdateExtremes_data();
+    void valuesUpdateExtremes();
     void firstValueReadsClockOnce();
-    void firstDatesAreNow();
-    void maximumComesBeforeMinimum();
-    void laterDatesReadClockForEachExtreme_data();
-    void laterDatesReadClockForEachExtreme();
+    void firstDatesAreTheCurrentTime();
+    void maximumIsUpdatedBeforeMinimum();
+    void everyNewExtremeReadsClockAgain_data();
+    void everyNewExtremeReadsClockAgain();
     void dateMayStraddleMidnight();
-    void clockSetBackGivesEarlierDate();
-    void datesKeepTheirFrame_data();
-    void datesKeepTheirFrame();
-    void everyRecordIsVisited();
-    void resetEmptiesFirstRecord();
-    void resetWithdrawsNotANumber();
-    void initObjectAppends();
-    void emptyListTakesNothing();
+    void clockSetBackYieldsEarlierDate();
+    void datesKeepTheirTimeSpec_data();
+    void datesKeepTheirTimeSpec();
+    void computeUpdatesEveryRecord();
+    void resetClearsOnlyFirstRecord();
+    void resetDiscardsNaN();
+    void initObjectAppendsRecords();
+    void emptyListIgnoresValues();
     void missingRecordWarns_data();
     void missingRecordWarns();
-    void negativeIndexEndsProcess_data();
-    void negativeIndexEndsProcess();
-    void textDatesMakeOneChange_data();
-    void textDatesMakeOneChange();
-    void textDatesStay_data();
-    void textDatesStay();
+    void negativeIndexAbortsProcess_data();
+    void negativeIndexAbortsProcess();
+    void importedTextDatesReportOneChange_data();
+    void importedTextDatesReportOneChange();
+    void otherCallsKeepTextDatesPending_data();
+    void otherCallsKeepTextDatesPending();
     void copiesAreIndependent();
-    void recordsStaySharedUntilOneChanges();
-    void tellsIsoDates_data();
-    void tellsIsoDates();
+    void recordsAreSharedUntilOneChanges();
+    void isoDatesAreRecognized_data();
+    void isoDatesAreRecognized();
 
 private:
-    void announceMissing(const char* what, int index, const char* signature);
+    void expectMissingRecord(const char* what, int index, const char* signature);
 };
 
 void tst_DragIndicator::destructorIsVirtual()
@@ -154,7 +155,7 @@ void tst_DragIndicator::destructorIsVirtual()
     QVERIFY(isDestroyedThroughBase<DragIndicator>());
 }
 
-void tst_DragIndicator::announceMissing(const char* what, int index, const char* signature)
+void tst_DragIndicator::expectMissingRecord(const char* what, int index, const char* signature)
 {
     messages()
         .expectWarning("DragIndicator",
@@ -184,13 +185,13 @@ void tst_DragIndicator::startsWithTwoEmptyRecords()
     QVERIFY(!Records::takeTextDateImported(indicator));
 }
 
-void tst_DragIndicator::takesValues_data()
+void tst_DragIndicator::valuesUpdateExtremes_data()
 {
     QTest::addColumn<QVector<double>>("values");
-    // One letter for each value: whether it made a change.
+    // One letter per value: whether it caused a change.
     QTest::addColumn<QByteArray>("changes");
     QTest::addColumn<QByteArray>("range");
-    // The places of the values that the dates belong to.
+    // The indexes of the values that the dates belong to.
     QTest::addColumn<int>("minSetter");
     QTest::addColumn<int>("maxSetter");
 
@@ -204,18 +205,18 @@ void tst_DragIndicator::takesValues_data()
         << Values{5, 0} << QByteArray("yy") << rangeText(0, 5) << 1 << 0;
     QTest::newRow("first below zero")
         << Values{-5, 0} << QByteArray("yy") << rangeText(-5, 0) << 0 << 1;
-    QTest::newRow("the same again")
+    QTest::newRow("same value again")
         << Values{5, 5} << QByteArray("yn") << rangeText(5, 5) << 0 << 0;
     QTest::newRow("higher") << Values{5, 7} << QByteArray("yy") << rangeText(5, 7) << 0 << 1;
     QTest::newRow("lower") << Values{5, 3} << QByteArray("yy") << rangeText(3, 5) << 1 << 0;
     QTest::newRow("extremes again")
         << Values{5, 7, 3, 7, 3} << QByteArray("yyynn") << rangeText(3, 7) << 2 << 1;
     QTest::newRow("inside") << Values{3, 7, 5} << QByteArray("yyn") << rangeText(3, 7) << 0 << 1;
-    QTest::newRow("ever further") << Values{1, 2, 3, 0, -1} << QByteArray("yyyyy")
-                                  << rangeText(-1, 3) << 4 << 2;
+    QTest::newRow("ever wider range")
+        << Values{1, 2, 3, 0, -1} << QByteArray("yyyyy") << rangeText(-1, 3) << 4 << 2;
     QTest::newRow("next double") << Values{1, afterOne, 1, afterOne} << QByteArray("yynn")
                                  << rangeText(1, afterOne) << 0 << 1;
-    QTest::newRow("least doubles")
+    QTest::newRow("smallest doubles")
         << Values{0, least, -least} << QByteArray("yyy") << rangeText(-least, least) << 2 << 1;
     QTest::newRow("largest doubles")
         << Values{0, most, -most, most} << QByteArray("yyyn") << rangeText(-most, most) << 2 << 1;
@@ -236,7 +237,7 @@ void tst_DragIndicator::takesValues_data()
                               << 0;
 }
 
-void tst_DragIndicator::takesValues()
+void tst_DragIndicator::valuesUpdateExtremes()
 {
     QFETCH(QVector<double>, values);
     QFETCH(QByteArray, changes);
@@ -274,7 +275,7 @@ void tst_DragIndicator::firstValueReadsClockOnce()
 {
     DragIndicator indicator;
     Record record;
-    // Dates of an empty record do not matter.
+    // Dates of an empty record are ignored.
     record.minValueDate = QDateTime(QDate(1999, 1, 1), QTime(1, 0), Qt::UTC);
     TestClock clock(noon, 1000);
     QVERIFY(indicator.checkInstance(record, 1));
@@ -284,7 +285,7 @@ void tst_DragIndicator::firstValueReadsClockOnce()
     QCOMPARE(record.maxValueDate, record.minValueDate);
 }
 
-void tst_DragIndicator::firstDatesAreNow()
+void tst_DragIndicator::firstDatesAreTheCurrentTime()
 {
     DragIndicator indicator;
     Record record;
@@ -297,10 +298,10 @@ void tst_DragIndicator::firstDatesAreNow()
     QVERIFY(record.minValueDate <= after);
 }
 
-void tst_DragIndicator::maximumComesBeforeMinimum()
+void tst_DragIndicator::maximumIsUpdatedBeforeMinimum()
 {
-    // Only a record made by hand can take one value on both sides.
-    Record record = takenRecord(9, 1);
+    // Only a hand-made record can have one value change both extremes.
+    Record record = filledRecord(9, 1);
     DragIndicator indicator;
     TestClock clock(noon.addDays(1), 1000);
     QVERIFY(indicator.checkInstance(record, 5));
@@ -310,7 +311,7 @@ void tst_DragIndicator::maximumComesBeforeMinimum()
     QCOMPARE(clock.takeReadings(), QStringList({QStringLiteral("date"), "time", "date", "time"}));
 }
 
-void tst_DragIndicator::laterDatesReadClockForEachExtreme_data()
+void tst_DragIndicator::everyNewExtremeReadsClockAgain_data()
 {
     QTest::addColumn<double>("value");
     QTest::addColumn<QStringList>("readings");
@@ -325,14 +326,14 @@ void tst_DragIndicator::laterDatesReadClockForEachExtreme_data()
     QTest::newRow("higher") << 7.0 << once << 0 << 61;
 }
 
-void tst_DragIndicator::laterDatesReadClockForEachExtreme()
+void tst_DragIndicator::everyNewExtremeReadsClockAgain()
 {
     QFETCH(double, value);
     QFETCH(QStringList, readings);
     QFETCH(int, minSeconds);
     QFETCH(int, maxSeconds);
 
-    Record record = takenRecord(4, 6);
+    Record record = filledRecord(4, 6);
     DragIndicator indicator;
     TestClock clock(noon.addSecs(60), 1000);
     QCOMPARE(indicator.checkInstance(record, value), !readings.isEmpty());
@@ -344,7 +345,7 @@ void tst_DragIndicator::laterDatesReadClockForEachExtreme()
 void tst_DragIndicator::dateMayStraddleMidnight()
 {
     const QDateTime beforeMidnight(QDate(2024, 2, 29), QTime(23, 59, 59, 999));
-    // The day is read first, so the first moment of the next one is taken for that of this one.
+    // The date is read before the time: at midnight, the new time is combined with the old date.
     const QDateTime straddling(QDate(2024, 2, 29), QTime(0, 0));
     DragIndicator indicator;
     Record record;
@@ -360,7 +361,7 @@ void tst_DragIndicator::dateMayStraddleMidnight()
     QCOMPARE(record.minValueDate, straddling);
 }
 
-void tst_DragIndicator::clockSetBackGivesEarlierDate()
+void tst_DragIndicator::clockSetBackYieldsEarlierDate()
 {
     DragIndicator indicator;
     TestClock clock(noon);
@@ -371,7 +372,7 @@ void tst_DragIndicator::clockSetBackGivesEarlierDate()
     QCOMPARE(maxDateOf(indicator, 0), QStringLiteral("2023-03-01T12:00:00"));
 }
 
-void tst_DragIndicator::datesKeepTheirFrame_data()
+void tst_DragIndicator::datesKeepTheirTimeSpec_data()
 {
     QTest::addColumn<QDateTime>("before");
     QTest::addColumn<QDateTime>("after");
@@ -386,13 +387,13 @@ void tst_DragIndicator::datesKeepTheirFrame_data()
                             << QDateTime(newDay, newTime, Qt::OffsetFromUTC, 7200);
 }
 
-// The clock's date and time are put into the date that is there.
-void tst_DragIndicator::datesKeepTheirFrame()
+// The existing date receives the clock's date and time and keeps its time spec.
+void tst_DragIndicator::datesKeepTheirTimeSpec()
 {
     QFETCH(QDateTime, before);
     QFETCH(QDateTime, after);
 
-    Record record = takenRecord(9, 1);
+    Record record = filledRecord(9, 1);
     record.minValueDate = before;
     record.maxValueDate = before;
     DragIndicator indicator;
@@ -405,13 +406,13 @@ void tst_DragIndicator::datesKeepTheirFrame()
     }
 }
 
-void tst_DragIndicator::everyRecordIsVisited()
+void tst_DragIndicator::computeUpdatesEveryRecord()
 {
     DragIndicator indicator;
     QVERIFY(
         indicator.fromJsonArray({Records::object(0, 10, isoDate), Records::object(4, 6, isoDate)}));
     QVERIFY(!indicator.compute(5));
-    // Only the second, then only the first, then both.
+    // A change in the second record only, in the first only, and in both.
     QVERIFY(indicator.compute(8));
     QCOMPARE(rangeOf(indicator, 0), QByteArray("0 to 10"));
     QCOMPARE(rangeOf(indicator, 1), QByteArray("4 to 8"));
@@ -425,12 +426,12 @@ void tst_DragIndicator::everyRecordIsVisited()
     QVERIFY(indicator.compute(12));
     QCOMPARE(rangeOf(indicator, 0), QByteArray("4 to 12"));
     QCOMPARE(rangeOf(indicator, 1), QByteArray("0 to 12"));
-    // In the order of the list.
+    // Records are updated in list order.
     QCOMPARE(maxDateOf(indicator, 0), QStringLiteral("2024-03-01T12:00:01"));
     QCOMPARE(maxDateOf(indicator, 1), QStringLiteral("2024-03-01T12:00:03"));
 }
 
-void tst_DragIndicator::resetEmptiesFirstRecord()
+void tst_DragIndicator::resetClearsOnlyFirstRecord()
 {
     DragIndicator indicator;
     QVERIFY(indicator.compute(5));
@@ -441,7 +442,7 @@ void tst_DragIndicator::resetEmptiesFirstRecord()
     QVERIFY(indicator.isInitialized(DragIndicator::PermanentInstance));
     QCOMPARE(indicator.asJsonArray(), QJsonArray({Records::emptyObject(), second}));
 
-    // The first starts again; the second only goes on.
+    // The first record starts again; the second continues.
     QVERIFY(indicator.compute(6));
     QCOMPARE(rangeOf(indicator, 0), QByteArray("6 to 6"));
     QCOMPARE(indicator.asJsonArray().at(1), second);
@@ -450,7 +451,7 @@ void tst_DragIndicator::resetEmptiesFirstRecord()
     QCOMPARE(rangeOf(indicator, 1), QByteArray("5 to 8"));
 }
 
-void tst_DragIndicator::resetWithdrawsNotANumber()
+void tst_DragIndicator::resetDiscardsNaN()
 {
     DragIndicator indicator;
     QVERIFY(indicator.compute(notANumber));
@@ -461,7 +462,7 @@ void tst_DragIndicator::resetWithdrawsNotANumber()
     QCOMPARE(rangeOf(indicator, 1), QByteArray("nan to nan"));
 }
 
-void tst_DragIndicator::initObjectAppends()
+void tst_DragIndicator::initObjectAppendsRecords()
 {
     DragIndicator indicator;
     QVERIFY(indicator.compute(5));
@@ -480,7 +481,7 @@ void tst_DragIndicator::initObjectAppends()
         QVERIFY(indicator.isInitialized(Records::at(index)));
         QCOMPARE(rangeOf(indicator, index), QByteArray("9 to 9"));
     }
-    announceMissing("max", 4, initializedSignature);
+    expectMissingRecord("max", 4, initializedSignature);
     QVERIFY(!indicator.isInitialized(Records::at(4)));
 
     const QJsonArray computed = indicator.asJsonArray();
@@ -489,7 +490,7 @@ void tst_DragIndicator::initObjectAppends()
              QJsonArray({Records::emptyObject(), computed.at(1), computed.at(2), computed.at(3)}));
 }
 
-void tst_DragIndicator::emptyListTakesNothing()
+void tst_DragIndicator::emptyListIgnoresValues()
 {
     DragIndicator indicator;
     messages().expectWarning("DragIndicator",
@@ -501,10 +502,10 @@ void tst_DragIndicator::emptyListTakesNothing()
     QVERIFY(!indicator.compute(1));
     QCOMPARE(indicator.asJsonArray(), QJsonArray());
     for (const int index : {0, 1}) {
-        announceMissing("min", index, minSignature);
-        announceMissing("max", index, maxSignature);
+        expectMissingRecord("min", index, minSignature);
+        expectMissingRecord("max", index, maxSignature);
         QCOMPARE(rangeOf(indicator, index), QByteArray("0 to 0"));
-        announceMissing("max", index, initializedSignature);
+        expectMissingRecord("max", index, initializedSignature);
         QVERIFY(!indicator.isInitialized(Records::at(index)));
     }
     indicator.initObject();
@@ -515,8 +516,8 @@ void tst_DragIndicator::missingRecordWarns_data()
 {
     QTest::addColumn<int>("index");
 
-    QTest::newRow("first beyond") << 2;
-    QTest::newRow("second beyond") << 3;
+    QTest::newRow("first index after the end") << 2;
+    QTest::newRow("second index after the end") << 3;
     QTest::newRow("large") << 1000000;
     QTest::newRow("largest") << std::numeric_limits<int>::max();
 }
@@ -527,35 +528,35 @@ void tst_DragIndicator::missingRecordWarns()
 
     DragIndicator indicator;
     QVERIFY(indicator.compute(5));
-    announceMissing("min", index, minSignature);
+    expectMissingRecord("min", index, minSignature);
     QCOMPARE(numberText(indicator.getMinValue(Records::at(index))), QByteArray("0"));
-    announceMissing("max", index, maxSignature);
+    expectMissingRecord("max", index, maxSignature);
     QCOMPARE(numberText(indicator.getMaxValue(Records::at(index))), QByteArray("0"));
-    announceMissing("max", index, initializedSignature);
+    expectMissingRecord("max", index, initializedSignature);
     QVERIFY(!indicator.isInitialized(Records::at(index)));
 }
 
-void tst_DragIndicator::negativeIndexEndsProcess_data()
+void tst_DragIndicator::negativeIndexAbortsProcess_data()
 {
-    QTest::addColumn<Deed>("read");
+    QTest::addColumn<Operation>("read");
 
     for (const int index : {-1, std::numeric_limits<int>::min()}) {
         QTest::addRow("minimum of %d", index)
-            << Deed([index](DragIndicator& it) { it.getMinValue(Records::at(index)); });
+            << Operation([index](DragIndicator& it) { it.getMinValue(Records::at(index)); });
         QTest::addRow("maximum of %d", index)
-            << Deed([index](DragIndicator& it) { it.getMaxValue(Records::at(index)); });
+            << Operation([index](DragIndicator& it) { it.getMaxValue(Records::at(index)); });
         QTest::addRow("whether %d is initialized", index)
-            << Deed([index](DragIndicator& it) { it.isInitialized(Records::at(index)); });
+            << Operation([index](DragIndicator& it) { it.isInitialized(Records::at(index)); });
     }
-    QTest::newRow("no record at all") << Deed([](DragIndicator& it) {
+    QTest::newRow("no records") << Operation([](DragIndicator& it) {
         it.fromJsonArray(QJsonArray());
         it.getMinValue(Records::at(-1));
     });
 }
 
-void tst_DragIndicator::negativeIndexEndsProcess()
+void tst_DragIndicator::negativeIndexAbortsProcess()
 {
-    QFETCH(Deed, read);
+    QFETCH(Operation, read);
 
     const ChildResult result = ChildProcess::run([&read] {
         DragIndicator indicator;
@@ -569,7 +570,7 @@ void tst_DragIndicator::negativeIndexEndsProcess()
     QVERIFY2(!result.output.contains("Error on reading"), result.output.constData());
 }
 
-void tst_DragIndicator::textDatesMakeOneChange_data()
+void tst_DragIndicator::importedTextDatesReportOneChange_data()
 {
     QTest::addColumn<QJsonArray>("imported");
     QTest::addColumn<QVector<double>>("values");
@@ -580,16 +581,17 @@ void tst_DragIndicator::textDatesMakeOneChange_data()
     QTest::newRow("inside") << records(textDate) << Values{5, 5, 5} << QByteArray("ynn");
     QTest::newRow("at the extremes") << records(textDate) << Values{4, 6} << QByteArray("yn");
     QTest::newRow("NaN") << records(textDate) << Values{notANumber, 5} << QByteArray("yn");
-    QTest::newRow("a change of its own") << records(textDate) << Values{7, 5} << QByteArray("yn");
-    QTest::newRow("nothing initialized")
+    QTest::newRow("value that changes an extreme")
+        << records(textDate) << Values{7, 5} << QByteArray("yn");
+    QTest::newRow("no record initialized")
         << records(textDate, false, false) << Values{5, 5, 5} << QByteArray("yyn");
-    QTest::newRow("only the first initialized")
+    QTest::newRow("only first record initialized")
         << records(textDate, true, false) << Values{5, 5} << QByteArray("yn");
-    QTest::newRow("only the second initialized")
+    QTest::newRow("only second record initialized")
         << records(textDate, false, true) << Values{5, 5} << QByteArray("yn");
 }
 
-void tst_DragIndicator::textDatesMakeOneChange()
+void tst_DragIndicator::importedTextDatesReportOneChange()
 {
     QFETCH(QJsonArray, imported);
     QFETCH(QVector<double>, values);
@@ -604,40 +606,40 @@ void tst_DragIndicator::textDatesMakeOneChange()
     QCOMPARE(results, changes);
 }
 
-void tst_DragIndicator::textDatesStay_data()
+void tst_DragIndicator::otherCallsKeepTextDatesPending_data()
 {
-    QTest::addColumn<Deed>("deed");
+    QTest::addColumn<Operation>("operation");
 
-    QTest::newRow("nothing done") << Deed([](DragIndicator&) {});
-    QTest::newRow("first value of a record") << Deed([](DragIndicator& it) {
+    QTest::newRow("no call") << Operation([](DragIndicator&) {});
+    QTest::newRow("first value of a record") << Operation([](DragIndicator& it) {
         Record record;
         QVERIFY(it.checkInstance(record, 5));
     });
-    QTest::newRow("reset") << Deed([](DragIndicator& it) { it.reset(); });
-    QTest::newRow("more records") << Deed([](DragIndicator& it) { it.initObject(); });
-    QTest::newRow("reading") << Deed([](DragIndicator& it) {
+    QTest::newRow("reset") << Operation([](DragIndicator& it) { it.reset(); });
+    QTest::newRow("more records") << Operation([](DragIndicator& it) { it.initObject(); });
+    QTest::newRow("reading") << Operation([](DragIndicator& it) {
         it.getMinValue(DragIndicator::ResettableInstance);
         it.getMaxValue(DragIndicator::ResettableInstance);
         it.isInitialized(DragIndicator::ResettableInstance);
         it.isIsoFormat(isoDate);
     });
-    QTest::newRow("export") << Deed([](DragIndicator& it) { it.asJsonArray(); });
+    QTest::newRow("export") << Operation([](DragIndicator& it) { it.asJsonArray(); });
     QTest::newRow("import of ISO dates")
-        << Deed([](DragIndicator& it) { QVERIFY(it.fromJsonArray(records(isoDate))); });
-    QTest::newRow("copy") << Deed([](DragIndicator& it) {
+        << Operation([](DragIndicator& it) { QVERIFY(it.fromJsonArray(records(isoDate))); });
+    QTest::newRow("copy") << Operation([](DragIndicator& it) {
         const DragIndicator copy(it);
         it = DragIndicator();
         it = copy;
     });
 }
 
-void tst_DragIndicator::textDatesStay()
+void tst_DragIndicator::otherCallsKeepTextDatesPending()
 {
-    QFETCH(Deed, deed);
+    QFETCH(Operation, operation);
 
     DragIndicator indicator;
     QVERIFY(indicator.fromJsonArray(records(textDate)));
-    deed(indicator);
+    operation(indicator);
     QVERIFY(Records::takeTextDateImported(indicator));
     QVERIFY(!Records::takeTextDateImported(indicator));
 }
@@ -664,9 +666,9 @@ void tst_DragIndicator::copiesAreIndependent()
     QVERIFY(Records::takeTextDateImported(assigned));
 }
 
-void tst_DragIndicator::recordsStaySharedUntilOneChanges()
+void tst_DragIndicator::recordsAreSharedUntilOneChanges()
 {
-    // Behind the table of virtual functions, what the list of records has on the heap.
+    // The list's heap block, to which the word after the vtable pointer points.
     const auto records = [](const DragIndicator& indicator) {
         return reinterpret_cast<const void* const*>(&indicator)[1];
     };
@@ -682,7 +684,7 @@ void tst_DragIndicator::recordsStaySharedUntilOneChanges()
     QVERIFY(records(indicator) != records(copy));
 }
 
-void tst_DragIndicator::tellsIsoDates_data()
+void tst_DragIndicator::isoDatesAreRecognized_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("isIso");
@@ -694,11 +696,11 @@ void tst_DragIndicator::tellsIsoDates_data()
     QTest::newRow("text") << textDate << false;
     QTest::newRow("0") << "0" << true;
     QTest::newRow("9") << "9x" << true;
-    QTest::newRow("before 0") << "/1" << false;
-    QTest::newRow("after 9") << ":1" << false;
+    QTest::newRow("character before 0") << "/1" << false;
+    QTest::newRow("character after 9") << ":1" << false;
     QTest::newRow("minus") << "-2024-03-01" << false;
-    QTest::newRow("blank") << " 2024-03-01" << false;
-    QTest::newRow("digit second") << "x1" << false;
+    QTest::newRow("space") << " 2024-03-01" << false;
+    QTest::newRow("digit as second character") << "x1" << false;
     QTest::newRow("NUL") << QString(1, QChar(0)) << false;
     QTest::newRow("Arabic-Indic") << QStringLiteral(u"\u0660") << true;
     QTest::newRow("Devanagari") << QStringLiteral(u"\u096F") << true;
@@ -709,7 +711,7 @@ void tst_DragIndicator::tellsIsoDates_data()
     QTest::newRow("two code units") << QString::fromUcs4(&mathematicalDigit, 1) << false;
 }
 
-void tst_DragIndicator::tellsIsoDates()
+void tst_DragIndicator::isoDatesAreRecognized()
 {
     QFETCH(QString, text);
     QFETCH(bool, isIso);

@@ -11,7 +11,7 @@
 
 #include <limits>
 
-// The form in which records are saved: what is written, and how exactly damage is reported.
+// The JSON format of saved records: what export writes and how import reports errors.
 class tst_DragIndicatorJson : public TestCase
 {
     Q_OBJECT
@@ -22,32 +22,32 @@ private Q_SLOTS:
     void exportOfNoRecords();
     void wrongCount_data();
     void wrongCount();
-    void elementIsNoObject_data();
-    void elementIsNoObject();
-    void damageIsReportedInOrder();
-    void onlyObjectLandsFirst();
-    void missingKeyAsLogged();
-    void otherMembersDoNotMatter();
+    void nonObjectElementIsReported_data();
+    void nonObjectElementIsReported();
+    void errorsAreReportedInOrder();
+    void soleObjectBecomesFirstRecord();
+    void missingKeyIsLoggedWithItsObject();
+    void otherMembersAreIgnored();
     void everyStateOfEveryMember_data();
     void everyStateOfEveryMember();
     void dateForms_data();
     void dateForms();
     void datesUnderLocales_data();
     void datesUnderLocales();
-    void hourThatDoesNotExist_data();
-    void hourThatDoesNotExist();
-    void hourThatComesTwice();
+    void timeInDstGapLosesItsDate_data();
+    void timeInDstGapLosesItsDate();
+    void timesInDstOverlapExportTheSameDate();
     void textDateIsReportedOnce_data();
     void textDateIsReportedOnce();
-    void failedImportKeepsWhatItTook();
+    void failedImportKeepsImportedMembers();
     void failedImportKeepsTextDate_data();
     void failedImportKeepsTextDate();
-    void freshExportCannotBeImported();
-    void exportOfImportIsTheSame_data();
-    void exportOfImportIsTheSame();
+    void exportOfEmptyRecordsCannotBeImported();
+    void exportOfImportIsIdentical_data();
+    void exportOfImportIsIdentical();
     void fileRoundTrip();
-    void valuesThatJsonDoesNotKnow_data();
-    void valuesThatJsonDoesNotKnow();
+    void nonFiniteValuesAreLostInJson_data();
+    void nonFiniteValuesAreLostInJson();
 
 private:
     void expectFromImport(const QString& text);
@@ -60,7 +60,7 @@ namespace {
 const QString isoDate = "2024-03-01T12:30:05";
 const QString textDate = "Fri Mar 1 12:30:05 2024";
 
-QJsonObject goodObject()
+QJsonObject validObject()
 {
     return Records::object(1.5, 2.5, isoDate);
 }
@@ -75,7 +75,7 @@ int recordCount(const DragIndicator& indicator)
     return indicator.asJsonArray().size();
 }
 
-// The language of the program's own texts while it lives.
+// The language of the process during its lifetime.
 class DefaultLocale
 {
 public:
@@ -131,7 +131,7 @@ void tst_DragIndicatorJson::exportOfValues()
     QCOMPARE(object.value(QStringLiteral("Initialized")), QJsonValue(true));
     for (const char* key : {"MinValueDate", "MaxValueDate"}) {
         const QString date = object.value(QLatin1String(key)).toString();
-        // Local time, without fraction and offset.
+        // Local time without fraction or offset.
         QCOMPARE(date.size(), isoDate.size());
         const QDateTime parsed = QDateTime::fromString(date, Qt::ISODate);
         QVERIFY(parsed.isValid());
@@ -162,7 +162,7 @@ void tst_DragIndicatorJson::wrongCount()
     QFETCH(int, count);
     QJsonArray array;
     for (int i = 0; i < count; ++i) {
-        array.append(goodObject());
+        array.append(validObject());
     }
     DragIndicator indicator;
     indicator.compute(1.0);
@@ -176,7 +176,7 @@ void tst_DragIndicatorJson::wrongCount()
     QCOMPARE(indicator.getMinValue(Records::at(0)), 0.0);
 }
 
-void tst_DragIndicatorJson::elementIsNoObject_data()
+void tst_DragIndicatorJson::nonObjectElementIsReported_data()
 {
     QTest::addColumn<QJsonValue>("element");
     QTest::addColumn<QString>("shown");
@@ -188,7 +188,7 @@ void tst_DragIndicatorJson::elementIsNoObject_data()
     QTest::newRow("undefined") << QJsonValue(QJsonValue::Undefined) << "QJsonValue(null)";
 }
 
-void tst_DragIndicatorJson::elementIsNoObject()
+void tst_DragIndicatorJson::nonObjectElementIsReported()
 {
     QFETCH(QJsonValue, element);
     QFETCH(QString, shown);
@@ -198,8 +198,8 @@ void tst_DragIndicatorJson::elementIsNoObject()
     DragIndicator second;
     expectFromImport(text);
     expectEnd();
-    QVERIFY(!second.fromJsonArray({goodObject(), element}));
-    QCOMPARE(second.asJsonArray(), QJsonArray{goodObject()});
+    QVERIFY(!second.fromJsonArray({validObject(), element}));
+    QCOMPARE(second.asJsonArray(), QJsonArray{validObject()});
 
     DragIndicator both;
     expectFromImport(text);
@@ -209,7 +209,7 @@ void tst_DragIndicatorJson::elementIsNoObject()
     QCOMPARE(recordCount(both), 0);
 }
 
-void tst_DragIndicatorJson::damageIsReportedInOrder()
+void tst_DragIndicatorJson::errorsAreReportedInOrder()
 {
     QJsonObject object = Records::object(1.5, 2.5, QString());
     object.remove("MaxValue");
@@ -235,20 +235,20 @@ void tst_DragIndicatorJson::damageIsReportedInOrder()
     QCOMPARE(indicator.asJsonArray(), QJsonArray{taken});
 }
 
-void tst_DragIndicatorJson::onlyObjectLandsFirst()
+void tst_DragIndicatorJson::soleObjectBecomesFirstRecord()
 {
     DragIndicator indicator;
     expectFromImport(QStringLiteral(
         "Cannot convert json value for instance to object: QJsonValue(double, 5) !"));
     expectEnd();
-    QVERIFY(!indicator.fromJsonArray({5, goodObject()}));
+    QVERIFY(!indicator.fromJsonArray({5, validObject()}));
     QCOMPARE(recordCount(indicator), 1);
     QCOMPARE(indicator.getMaxValue(Records::at(0)), 2.5);
 }
 
-void tst_DragIndicatorJson::missingKeyAsLogged()
+void tst_DragIndicatorJson::missingKeyIsLoggedWithItsObject()
 {
-    QJsonObject object = goodObject();
+    QJsonObject object = validObject();
     object.remove("Initialized");
     DragIndicator indicator;
     expectFromImport(
@@ -256,20 +256,20 @@ void tst_DragIndicatorJson::missingKeyAsLogged()
                        "QJsonObject({\"MaxValue\":2.5,\"MaxValueDate\":\"2024-03-01T12:30:05\","
                        "\"MinValue\":1.5,\"MinValueDate\":\"2024-03-01T12:30:05\"}) !"));
     expectEnd();
-    QVERIFY(!indicator.fromJsonArray({object, goodObject()}));
+    QVERIFY(!indicator.fromJsonArray({object, validObject()}));
     QCOMPARE(recordCount(indicator), 2);
     QVERIFY(!indicator.isInitialized(Records::at(0)));
     QVERIFY(indicator.isInitialized(Records::at(1)));
 }
 
-void tst_DragIndicatorJson::otherMembersDoNotMatter()
+void tst_DragIndicatorJson::otherMembersAreIgnored()
 {
-    QJsonObject object = goodObject();
+    QJsonObject object = validObject();
     object.insert("Unit", "bar");
     object.insert("minvalue", "keys are compared exactly");
     DragIndicator indicator;
-    QVERIFY(indicator.fromJsonArray({object, goodObject()}));
-    QCOMPARE(indicator.asJsonArray(), (QJsonArray{goodObject(), goodObject()}));
+    QVERIFY(indicator.fromJsonArray({object, validObject()}));
+    QCOMPARE(indicator.asJsonArray(), (QJsonArray{validObject(), validObject()}));
 }
 
 void tst_DragIndicatorJson::everyStateOfEveryMember_data()
@@ -287,7 +287,7 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
     {
         QString key;
         QJsonValue wrongType;
-        QJsonValue unread; // what the record has when the member was not read
+        QJsonValue unread; // the record's member if import fails
         QString emptyText;
     };
     const Member members[] = {
@@ -310,7 +310,7 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
 
     int cases = 0;
     for (int code = 0; code < states * states * states * states * states; ++code) {
-        QJsonObject object = goodObject();
+        QJsonObject object = validObject();
         QJsonObject expected = object;
         QVector<State> state;
         bool isPossible = true;
@@ -348,15 +348,15 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
         if (!isComplete) {
             expectEnd();
         }
-        QJsonArray array{goodObject(), goodObject()};
+        QJsonArray array{validObject(), validObject()};
         array.replace(index, object);
-        QJsonArray expectedArray{goodObject(), goodObject()};
+        QJsonArray expectedArray{validObject(), validObject()};
         expectedArray.replace(index, expected);
 
         DragIndicator indicator;
         QCOMPARE(indicator.fromJsonArray(array), isComplete);
         QCOMPARE(indicator.asJsonArray(), expectedArray);
-        QVERIFY(!Records::takeTextDateImported(indicator)); // also not by an empty date
+        QVERIFY(!Records::takeTextDateImported(indicator)); // an empty date does not count, either
         const QStringList problems = messages().takeProblems();
         QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QLatin1Char('\n'))));
     }
@@ -378,13 +378,13 @@ void tst_DragIndicatorJson::dateForms_data()
     QTest::newRow("ISO, fraction") << "2024-03-01T12:30:05.678" << isoDate << false;
     QTest::newRow("ISO, date only") << "2024-03-01"
                                     << "2024-03-01T00:00:00" << false;
-    QTest::newRow("ISO, no such day") << "2024-02-31T12:30:05" << none << false;
-    QTest::newRow("digits alone") << "1" << none << false;
-    QTest::newRow("digit of another script")
+    QTest::newRow("ISO, invalid day") << "2024-02-31T12:30:05" << none << false;
+    QTest::newRow("only digits") << "1" << none << false;
+    QTest::newRow("non-Latin digit")
         << QStringLiteral("\u0662\u0660\u0662\u0664-03-01T12:30:05") << none << false;
     QTest::newRow("text") << textDate << isoDate << true;
-    QTest::newRow("no date") << "x" << none << true;
-    QTest::newRow("blank first") << " 2024-03-01T12:30:05" << none << true;
+    QTest::newRow("not a date") << "x" << none << true;
+    QTest::newRow("leading space") << " 2024-03-01T12:30:05" << none << true;
 }
 
 void tst_DragIndicatorJson::dateForms()
@@ -393,7 +393,7 @@ void tst_DragIndicatorJson::dateForms()
     QFETCH(QString, exported);
     QFETCH(bool, isText);
     DragIndicator indicator;
-    // No date is checked: an invalid one is no error.
+    // Dates are not validated: an invalid one is not an error.
     QVERIFY(indicator.fromJsonArray(
         {Records::object(1.5, 2.5, date), Records::object(1.5, 2.5, isoDate)}));
     const QJsonObject object = objectAt(indicator, 0);
@@ -404,7 +404,7 @@ void tst_DragIndicatorJson::dateForms()
 
 void tst_DragIndicatorJson::datesUnderLocales_data()
 {
-    QTest::addColumn<QByteArray>("systemLocale"); // what LC_ALL says
+    QTest::addColumn<QByteArray>("systemLocale"); // the value of LC_ALL
     QTest::addColumn<QLocale>("defaultLocale");
     QTest::addColumn<QString>("date");
     QTest::addColumn<QString>("exported");
@@ -433,22 +433,22 @@ void tst_DragIndicatorJson::datesUnderLocales_data()
     QTest::newRow("ISO, German system") << german << c << isoDate << isoDate << false;
     QTest::newRow("ISO, Arabic both") << arabic << arabicDefault << isoDate << isoDate << false;
 
-    // The month's name may also be that of the system's language; the day's is not read at all.
+    // The month may also be in the system's language; the weekday is ignored.
     QTest::newRow("German names, German system") << german << c << germanDate << isoDate << true;
     QTest::newRow("Arabic names, Arabic system") << arabic << c << arabicDate << isoDate << true;
-    // Qt 5.15.2 takes five or six words for a date, no more.
+    // Qt 5.15.2 accepts only five or six words as a date.
     QTest::newRow("Vietnamese names of two words, Vietnamese system")
         << vietnamese << c << vietnameseDate << (isQtOfDebian11() ? QString() : isoDate) << true;
     QTest::newRow("day before month, German system") << german << c << "Sa. 1. Dez. 12:30:05 2018"
                                                      << "2018-12-01T12:30:05" << true;
-    // A name that ends in a full stop is taken for the day's number; not by Qt 5.15.2.
-    QTest::newRow("shortened month, German system")
+    // Newer Qt than 5.15.2 takes a name that ends in a period for the day of the month.
+    QTest::newRow("abbreviated month, German system")
         << german << c << "Sa. Dez. 1 12:30:05 2018"
         << (isQtOfDebian11() ? QStringLiteral("2018-12-01T12:30:05") : QString()) << true;
 
-    QTest::newRow("German names, other system") << none << c << germanDate << QString() << true;
+    QTest::newRow("German names, unrelated system") << none << c << germanDate << QString() << true;
     QTest::newRow("German names, Arabic system") << arabic << c << germanDate << QString() << true;
-    // The default locale does not count.
+    // The default locale has no effect.
     QTest::newRow("German names, German default")
         << none << germanDefault << germanDate << QString() << true;
     QTest::newRow("Arabic names, Arabic default")
@@ -474,7 +474,7 @@ void tst_DragIndicatorJson::datesUnderLocales()
     QFETCH(bool, isText);
 
     if (qgetenv("LC_ALL") != systemLocale) {
-        // Qt reads it once: the row is for a process that begins with it.
+        // Qt reads the system locale once, so the row needs a process that starts with it.
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("LC_ALL", QString::fromLatin1(systemLocale));
         QProcess process;
@@ -499,7 +499,7 @@ void tst_DragIndicatorJson::datesUnderLocales()
              (QJsonArray{Records::object(1.5, 2.5, exported), Records::object(1.5, 2.5, isoDate)}));
     QCOMPARE(indicator.compute(2.0), isText);
 
-    // What is written now can be read in every language.
+    // The export is independent of the language.
     indicator.reset();
     QVERIFY(indicator.compute(1.25));
     const QJsonArray array = indicator.asJsonArray();
@@ -515,7 +515,7 @@ void tst_DragIndicatorJson::datesUnderLocales()
     QVERIFY(!restored.compute(1.25));
 }
 
-void tst_DragIndicatorJson::hourThatDoesNotExist_data()
+void tst_DragIndicatorJson::timeInDstGapLosesItsDate_data()
 {
     QTest::addColumn<QByteArray>("zone");
     QTest::addColumn<QString>("date");
@@ -527,16 +527,18 @@ void tst_DragIndicatorJson::hourThatDoesNotExist_data()
     row("before the gap", centralEurope, "2027-03-28T01:59:59", true);
     row("start of the gap", centralEurope, "2027-03-28T02:00:00", false);
     row("in the gap", centralEurope, "2027-03-28T02:30:00", false);
-    row("behind the gap", centralEurope, "2027-03-28T03:00:00", true);
-    row("elsewhere", "UTC0", "2027-03-28T02:30:00", true);
-    row("at midnight", "EET-2EEST,M4.5.5/0,M10.5.4/24", "2027-04-30T00:30:00", false);
-    row("of half an hour", "LHST-10:30LHDT-11,M10.1.0,M4.1.0", "2027-10-03T02:15:00", false);
-    row("behind half an hour", "LHST-10:30LHDT-11,M10.1.0,M4.1.0", "2027-10-03T02:30:00", true);
+    row("after the gap", centralEurope, "2027-03-28T03:00:00", true);
+    row("zone without DST", "UTC0", "2027-03-28T02:30:00", true);
+    row("in a gap at midnight", "EET-2EEST,M4.5.5/0,M10.5.4/24", "2027-04-30T00:30:00", false);
+    row("in a gap of half an hour", "LHST-10:30LHDT-11,M10.1.0,M4.1.0", "2027-10-03T02:15:00",
+        false);
+    row("after a gap of half an hour", "LHST-10:30LHDT-11,M10.1.0,M4.1.0", "2027-10-03T02:30:00",
+        true);
 }
 
-// A record that was saved under another zone, or with its clock set wrong, is taken without an
-// error; what is lost is its date, and with it the next import.
-void tst_DragIndicatorJson::hourThatDoesNotExist()
+// A record saved in another time zone, or with a wrong clock, may have a local time that does not
+// exist here. It is imported without an error, but loses its date, so the next import fails.
+void tst_DragIndicatorJson::timeInDstGapLosesItsDate()
 {
     QFETCH(QByteArray, zone);
     QFETCH(QString, date);
@@ -558,8 +560,8 @@ void tst_DragIndicatorJson::hourThatDoesNotExist()
     QCOMPARE(indicator.fromJsonArray(saved), exists);
 }
 
-// Dates are saved without a zone: of two that are an hour apart one text is made.
-void tst_DragIndicatorJson::hourThatComesTwice()
+// Dates are saved without a UTC offset: two dates an hour apart are saved as the same text.
+void tst_DragIndicatorJson::timesInDstOverlapExportTheSameDate()
 {
     const TimeZone place(centralEurope);
     const QDateTime first(QDate(2026, 10, 25), QTime(0, 30), Qt::UTC);
@@ -588,32 +590,32 @@ void tst_DragIndicatorJson::textDateIsReportedOnce()
 {
     QFETCH(int, index);
     QFETCH(QString, key);
-    QJsonObject object = goodObject();
+    QJsonObject object = validObject();
     object.insert(key, textDate);
-    QJsonArray array{goodObject(), goodObject()};
+    QJsonArray array{validObject(), validObject()};
     array.replace(index, object);
     DragIndicator indicator;
     QVERIFY(indicator.fromJsonArray(array));
     QVERIFY(indicator.compute(2.0));
     QVERIFY(!indicator.compute(2.0));
-    QCOMPARE(indicator.asJsonArray(), (QJsonArray{goodObject(), goodObject()}));
+    QCOMPARE(indicator.asJsonArray(), (QJsonArray{validObject(), validObject()}));
 }
 
-void tst_DragIndicatorJson::failedImportKeepsWhatItTook()
+void tst_DragIndicatorJson::failedImportKeepsImportedMembers()
 {
     QJsonObject object = Records::object(1.5, 2.5, textDate);
     object.remove("MinValue");
     DragIndicator indicator;
     expectMissingKey("MinValue", object);
     expectEnd();
-    QVERIFY(!indicator.fromJsonArray({object, goodObject()}));
+    QVERIFY(!indicator.fromJsonArray({object, validObject()}));
     QCOMPARE(indicator.getMinValue(Records::at(0)), 0.0);
     QCOMPARE(indicator.getMaxValue(Records::at(0)), 2.5);
-    QVERIFY(indicator.compute(2.0)); // the text date
+    QVERIFY(indicator.compute(2.0)); // reports the text date
     QVERIFY(!indicator.compute(2.0));
 
-    // The next import begins with nothing.
-    QVERIFY(indicator.fromJsonArray({goodObject(), goodObject()}));
+    // The next import starts with an empty list.
+    QVERIFY(indicator.fromJsonArray({validObject(), validObject()}));
     QCOMPARE(recordCount(indicator), 2);
 }
 
@@ -622,7 +624,7 @@ void tst_DragIndicatorJson::failedImportKeepsTextDate_data()
     QTest::addColumn<QJsonArray>("damaged");
 
     QTest::newRow("wrong count") << QJsonArray();
-    QTest::newRow("no objects") << QJsonArray{5, 5};
+    QTest::newRow("elements that are not objects") << QJsonArray{5, 5};
 }
 
 void tst_DragIndicatorJson::failedImportKeepsTextDate()
@@ -641,11 +643,11 @@ void tst_DragIndicatorJson::failedImportKeepsTextDate()
     }
     expectEnd();
     QVERIFY(!indicator.fromJsonArray(damaged));
-    QVERIFY(!indicator.compute(2.0)); // no record is there to see it
+    QVERIFY(!indicator.compute(2.0)); // there is no record
     QVERIFY(Records::takeTextDateImported(indicator));
 }
 
-void tst_DragIndicatorJson::freshExportCannotBeImported()
+void tst_DragIndicatorJson::exportOfEmptyRecordsCannotBeImported()
 {
     DragIndicator indicator;
     for (int i = 0; i < 2; ++i) {
@@ -660,23 +662,24 @@ void tst_DragIndicatorJson::freshExportCannotBeImported()
     QVERIFY(!indicator.compute(1.0));
 }
 
-void tst_DragIndicatorJson::exportOfImportIsTheSame_data()
+void tst_DragIndicatorJson::exportOfImportIsIdentical_data()
 {
     QTest::addColumn<QVector<double>>("values");
 
     using Values = QVector<double>;
     const double infinity = std::numeric_limits<double>::infinity();
-    QTest::newRow("usual") << Values{0.1, 7, -3.25};
+    QTest::newRow("several values") << Values{0.1, 7, -3.25};
     QTest::newRow("one") << Values{5};
     QTest::newRow("large") << Values{-1e300, std::numeric_limits<double>::max()};
     QTest::newRow("small") << Values{0, std::numeric_limits<double>::denorm_min()};
-    QTest::newRow("beyond the integers of a double") << Values{-9007199254740993.0, 1e19};
+    QTest::newRow("larger than the exact integers of a double")
+        << Values{-9007199254740993.0, 1e19};
     QTest::newRow("-0") << Values{-0.0};
     QTest::newRow("infinities") << Values{-infinity, infinity};
     QTest::newRow("NaN") << Values{std::numeric_limits<double>::quiet_NaN()};
 }
 
-void tst_DragIndicatorJson::exportOfImportIsTheSame()
+void tst_DragIndicatorJson::exportOfImportIsIdentical()
 {
     QFETCH(QVector<double>, values);
 
@@ -691,11 +694,11 @@ void tst_DragIndicatorJson::exportOfImportIsTheSame()
     QVERIFY(copy.fromJsonArray(array));
     for (const int index : {0, 1}) {
         QVERIFY(copy.isInitialized(Records::at(index)));
-        // As numbers; these comparisons take a NaN for equal to itself.
+        // Compares numbers; QCOMPARE treats NaNs as equal.
         QCOMPARE(copy.getMinValue(Records::at(index)), indicator.getMinValue(Records::at(index)));
         QCOMPARE(copy.getMaxValue(Records::at(index)), indicator.getMaxValue(Records::at(index)));
     }
-    QVERIFY(!copy.compute(values.last())); // no text date was among them
+    QVERIFY(!copy.compute(values.last())); // there was no text date
 
     DragIndicator copyOfCopy;
     QVERIFY(copyOfCopy.fromJsonArray(copy.asJsonArray()));
@@ -720,7 +723,7 @@ void tst_DragIndicatorJson::fileRoundTrip()
     QCOMPARE(restored.getMaxValue(Records::at(1)), 12345.678901234567);
 }
 
-void tst_DragIndicatorJson::valuesThatJsonDoesNotKnow_data()
+void tst_DragIndicatorJson::nonFiniteValuesAreLostInJson_data()
 {
     QTest::addColumn<double>("value");
     QTest::newRow("NaN") << std::numeric_limits<double>::quiet_NaN();
@@ -728,8 +731,8 @@ void tst_DragIndicatorJson::valuesThatJsonDoesNotKnow_data()
     QTest::newRow("negative infinity") << -std::numeric_limits<double>::infinity();
 }
 
-// Written to a file such a value is null, which is no number any more.
-void tst_DragIndicatorJson::valuesThatJsonDoesNotKnow()
+// JSON cannot represent such a value and stores null, which import rejects.
+void tst_DragIndicatorJson::nonFiniteValuesAreLostInJson()
 {
     QFETCH(double, value);
     DragIndicator indicator;

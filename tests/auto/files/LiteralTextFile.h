@@ -6,16 +6,16 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// What TextFileParser does, by the obvious way.
+// What TextFileParser does, implemented in the simplest way.
 namespace LiteralTextFile {
 
-// The text of a file's bytes; null when there is nothing but carriage returns.
+// The text of a file's bytes; null if they are only carriage returns.
 QString content(QByteArray bytes);
 
-// The texts of the matches.
+// The captured texts of all matches.
 QStringList multiMatch(const QString& content, const QRegularExpression& expression);
 
-// The texts as one, null ones told apart from empty ones.
+// The texts as one string that distinguishes null from empty texts.
 QString described(const QStringList& texts);
 
 } // namespace LiteralTextFile

@@ -1,5 +1,5 @@
-// Searches in the destructor of a file-scope object: that of a program with such objects runs after
-// Qt's own globals are gone, the locale's text codec among them.
+// Searches in the destructor of a file-scope object, which runs after Qt has destroyed its own
+// globals, such as the locale's text codec.
 
 #include "WildcardFilter.h"
 

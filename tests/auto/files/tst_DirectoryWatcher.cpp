@@ -16,16 +16,16 @@ namespace {
 constexpr int shortDelayInMs = 20;
 constexpr int longDelayInMs = 200;
 
-// A coarse timer may be early by a twentieth.
+// A coarse timer may be 5 % early.
 constexpr int earliestInMs(int delayInMs)
 {
     return delayInMs - delayInMs / 20;
 }
 
-const QString folderA = "/a";
-const QString folderB = "/b";
+const QString directoryA = "/a";
+const QString directoryB = "/b";
 
-// What the system keeps for this process.
+// System resources of this process.
 struct Resources
 {
     int descriptors = 0;
@@ -40,7 +40,7 @@ Resources resources()
     for (const QString& name : names) {
         QFile description(descriptions.filePath(name));
         if (!description.open(QIODevice::ReadOnly)) {
-            continue; // the one that listed the folder
+            continue; // the descriptor that lists the directory
         }
         ++result.descriptors;
         result.watches += description.readAll().count("inotify wd:");
@@ -60,49 +60,49 @@ private Q_SLOTS:
     void methods();
     void burstIsOneSignal_data();
     void burstIsOneSignal();
-    void burstMayBeBegunThroughTheMetaObject();
-    void delayIsOneSecondFromTheStart();
-    void everyNoticePutsTheEndOff();
+    void burstMayBeStartedThroughTheMetaObject();
+    void defaultDelayIsOneSecond();
+    void everyNotificationRestartsTheDelay();
     void nextBurstStartsEmpty();
-    void newDelayIsForTheNextBurst_data();
-    void newDelayIsForTheNextBurst();
-    void delayOfZeroReportsFromTheEventLoop();
+    void newDelayAppliesToTheNextBurst_data();
+    void newDelayAppliesToTheNextBurst();
+    void zeroDelayReportsFromTheEventLoop();
     void negativeDelayNeverReports();
-    void noticesDuringDeliveryAreLost();
-    void laterReceiversSeeWhatANoticeDuringDeliveryLeaves();
-    void expiryReportsAndEmptiesTheList();
-    void destructionDropsTheBurst_data();
-    void destructionDropsTheBurst();
-    void receiverMayDeleteTheWatcherLater();
+    void notificationsDuringDeliveryAreLost();
+    void notificationDuringDeliveryReplacesTheListForLaterReceivers();
+    void timeoutReportsAndClearsTheList();
+    void destructionDiscardsTheBurst_data();
+    void destructionDiscardsTheBurst();
+    void receiverMayCallDeleteLater();
 
     void changesAreReported_data();
     void changesAreReported();
-    void changesOfTwoFoldersAreOneBurst();
-    void contentOfFilesDoesNotCount_data();
-    void contentOfFilesDoesNotCount();
-    void foldersBelowDoNotCount();
-    void removedFolderIsReportedAndForgotten();
-    void addPathTells_data();
-    void addPathTells();
+    void changesInTwoDirectoriesAreOneBurst();
+    void contentOfFilesIsNotWatched_data();
+    void contentOfFilesIsNotWatched();
+    void subdirectoriesAreNotWatched();
+    void removedDirectoryIsReportedAndForgotten();
+    void addPathReturnsWhetherPathIsWatched_data();
+    void addPathReturnsWhetherPathIsWatched();
     void pathBelowAFileIsLoggedByQt();
-    void pathThatIsWatchedAlready();
+    void pathThatIsAlreadyWatched();
     void pathsAreAdded();
-    void unwatchablePathsArePassedOver();
-    void emptyListIsSilent();
-    void emptyPathsWarnAsQtDoes();
-    void nothingIsLeftBehind();
+    void unwatchablePathsAreSkipped();
+    void emptyListLogsNothing();
+    void emptyPathsAreLoggedByQt();
+    void noDescriptorOrWatchIsLeaked();
 
 private:
-    QString makeFolder(const QString& name);
+    QString makeDirectory(const QString& name);
 };
 
-QString tst_DirectoryWatcher::makeFolder(const QString& name)
+QString tst_DirectoryWatcher::makeDirectory(const QString& name)
 {
-    const QString folderPath = path(name);
-    if (!QDir().mkdir(folderPath)) {
-        qFatal("cannot make %s", qPrintable(folderPath));
+    const QString directoryPath = path(name);
+    if (!QDir().mkdir(directoryPath)) {
+        qFatal("cannot make %s", qPrintable(directoryPath));
     }
-    return folderPath;
+    return directoryPath;
 }
 
 void tst_DirectoryWatcher::metaObject()
@@ -153,12 +153,12 @@ void tst_DirectoryWatcher::methods()
 
 void tst_DirectoryWatcher::burstIsOneSignal_data()
 {
-    QTest::addColumn<QStringList>("notices");
-    QTest::newRow("one") << QStringList(folderA);
-    QTest::newRow("several in their order") << QStringList({folderA, folderB, folderA});
-    QTest::newRow("the same three times") << QStringList({folderB, folderB, folderB});
-    QTest::newRow("an empty path") << QStringList({QString(), folderA, QString()});
-    QTest::newRow("not sorted") << QStringList({folderB, folderA});
+    QTest::addColumn<QStringList>("notifications");
+    QTest::newRow("one") << QStringList(directoryA);
+    QTest::newRow("several in order") << QStringList({directoryA, directoryB, directoryA});
+    QTest::newRow("the same three times") << QStringList({directoryB, directoryB, directoryB});
+    QTest::newRow("an empty path") << QStringList({QString(), directoryA, QString()});
+    QTest::newRow("not sorted") << QStringList({directoryB, directoryA});
 
     QStringList thousand;
     for (int i = 0; i < 1000; ++i) {
@@ -169,87 +169,86 @@ void tst_DirectoryWatcher::burstIsOneSignal_data()
 
 void tst_DirectoryWatcher::burstIsOneSignal()
 {
-    QFETCH(QStringList, notices);
+    QFETCH(QStringList, notifications);
 
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     QElapsedTimer clock;
-    for (const QString& notice : qAsConst(notices)) {
+    for (const QString& notification : qAsConst(notifications)) {
         clock.start();
-        watcher.directoryGotChanged(notice);
+        watcher.directoryGotChanged(notification);
     }
     QCOMPARE(changes.count(), 0);
     QVERIFY(changes.wait());
     QVERIFY(clock.elapsed() >= earliestInMs(shortDelayInMs));
     QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes.first().first().toStringList(), notices);
+    QCOMPARE(changes.first().first().toStringList(), notifications);
 
-    // Nothing of it is left for another one.
-    watcher.directoryGotChanged(folderB);
+    // The burst is over: nothing else is reported.
+    watcher.directoryGotChanged(directoryB);
     QVERIFY(changes.wait());
     QCOMPARE(changes.count(), 2);
-    QCOMPARE(changes.last().first().toStringList(), QStringList(folderB));
+    QCOMPARE(changes.last().first().toStringList(), QStringList(directoryB));
 }
 
-void tst_DirectoryWatcher::burstMayBeBegunThroughTheMetaObject()
+void tst_DirectoryWatcher::burstMayBeStartedThroughTheMetaObject()
 {
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(0);
     QSignalSpy changes(&watcher, SIGNAL(directoryChanged(QStringList)));
     QVERIFY(changes.isValid());
     QVERIFY(QMetaObject::invokeMethod(&watcher, "directoryGotChanged", Qt::QueuedConnection,
-                                      Q_ARG(QString, folderA)));
+                                      Q_ARG(QString, directoryA)));
     QVERIFY(changes.wait());
-    QCOMPARE(changes.first().first().toStringList(), QStringList(folderA));
+    QCOMPARE(changes.first().first().toStringList(), QStringList(directoryA));
 }
 
-void tst_DirectoryWatcher::delayIsOneSecondFromTheStart()
+void tst_DirectoryWatcher::defaultDelayIsOneSecond()
 {
     DirectoryWatcher watcher{QStringList()};
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    // Timers expire in their order, however busy the machine is.
+    // Timers expire in order, however busy the machine is.
     QTimer later;
     QSignalSpy laterExpiry(&later, &QTimer::timeout);
     QElapsedTimer clock;
     clock.start();
-    watcher.directoryGotChanged(folderA);
+    watcher.directoryGotChanged(directoryA);
     later.start(1200);
     QVERIFY(changes.wait());
     QVERIFY(clock.elapsed() >= earliestInMs(1000));
     QCOMPARE(laterExpiry.count(), 0);
-    QCOMPARE(changes.first().first().toStringList(), QStringList(folderA));
+    QCOMPARE(changes.first().first().toStringList(), QStringList(directoryA));
 }
 
-void tst_DirectoryWatcher::everyNoticePutsTheEndOff()
+void tst_DirectoryWatcher::everyNotificationRestartsTheDelay()
 {
     constexpr int delayInMs = 60;
-    constexpr int noticeCount = 20;
+    constexpr int notificationCount = 20;
 
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(delayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    QStringList notices;
+    QStringList notifications;
     QElapsedTimer clock;
     QTimer stream;
     connect(&stream, &QTimer::timeout, &watcher, [&] {
         QCOMPARE(changes.count(), 0);
-        const QString notice = QString::number(notices.size());
-        notices.append(notice);
+        const QString notification = QString::number(notifications.size());
+        notifications.append(notification);
         clock.start();
-        watcher.directoryGotChanged(notice);
-        if (notices.size() == noticeCount) {
+        watcher.directoryGotChanged(notification);
+        if (notifications.size() == notificationCount) {
             stream.stop();
         }
     });
-    // Five times the delay in all. Should the machine pause, the stream's timer still expires
-    // first.
+    // Five times the delay in total. Even if the machine pauses, the stream's timer expires first.
     stream.start(delayInMs / 4);
     QVERIFY(changes.wait());
     QVERIFY(clock.elapsed() >= earliestInMs(delayInMs));
-    QCOMPARE(notices.size(), noticeCount);
+    QCOMPARE(notifications.size(), notificationCount);
     QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes.first().first().toStringList(), notices);
+    QCOMPARE(changes.first().first().toStringList(), notifications);
 }
 
 void tst_DirectoryWatcher::nextBurstStartsEmpty()
@@ -257,10 +256,10 @@ void tst_DirectoryWatcher::nextBurstStartsEmpty()
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(0);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    for (const QStringList& burst :
-         {QStringList(folderA), QStringList({folderB, folderB}), QStringList(folderA)}) {
-        for (const QString& notice : burst) {
-            watcher.directoryGotChanged(notice);
+    for (const QStringList& burst : {QStringList(directoryA), QStringList({directoryB, directoryB}),
+                                     QStringList(directoryA)}) {
+        for (const QString& notification : burst) {
+            watcher.directoryGotChanged(notification);
         }
         QVERIFY(changes.wait());
         QCOMPARE(changes.takeFirst().first().toStringList(), burst);
@@ -268,7 +267,7 @@ void tst_DirectoryWatcher::nextBurstStartsEmpty()
     }
 }
 
-void tst_DirectoryWatcher::newDelayIsForTheNextBurst_data()
+void tst_DirectoryWatcher::newDelayAppliesToTheNextBurst_data()
 {
     QTest::addColumn<int>("delayInMs");
     QTest::addColumn<int>("newDelayInMs");
@@ -276,7 +275,7 @@ void tst_DirectoryWatcher::newDelayIsForTheNextBurst_data()
     QTest::newRow("shorter") << longDelayInMs << shortDelayInMs;
 }
 
-void tst_DirectoryWatcher::newDelayIsForTheNextBurst()
+void tst_DirectoryWatcher::newDelayAppliesToTheNextBurst()
 {
     QFETCH(int, delayInMs);
     QFETCH(int, newDelayInMs);
@@ -289,92 +288,92 @@ void tst_DirectoryWatcher::newDelayIsForTheNextBurst()
     QSignalSpy betweenExpiry(&between, &QTimer::timeout);
 
     watcher.setDelayInMs(delayInMs);
-    watcher.directoryGotChanged(folderA);
+    watcher.directoryGotChanged(directoryA);
     watcher.setDelayInMs(newDelayInMs);
-    watcher.directoryGotChanged(folderB); // a restart takes the old delay, too
+    watcher.directoryGotChanged(directoryB); // a restart uses the old delay, too
     between.start();
     QVERIFY(changes.wait());
-    QCOMPARE(changes.first().first().toStringList(), QStringList({folderA, folderB}));
+    QCOMPARE(changes.first().first().toStringList(), QStringList({directoryA, directoryB}));
     QCOMPARE(betweenExpiry.count(), delayInMs == longDelayInMs ? 1 : 0);
 
     betweenExpiry.clear();
-    watcher.directoryGotChanged(folderA);
+    watcher.directoryGotChanged(directoryA);
     between.start();
     QVERIFY(changes.wait());
-    QCOMPARE(changes.last().first().toStringList(), QStringList(folderA));
+    QCOMPARE(changes.last().first().toStringList(), QStringList(directoryA));
     QCOMPARE(betweenExpiry.count(), newDelayInMs == longDelayInMs ? 1 : 0);
 }
 
-void tst_DirectoryWatcher::delayOfZeroReportsFromTheEventLoop()
+void tst_DirectoryWatcher::zeroDelayReportsFromTheEventLoop()
 {
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(0);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    watcher.directoryGotChanged(folderA);
-    watcher.directoryGotChanged(folderB);
+    watcher.directoryGotChanged(directoryA);
+    watcher.directoryGotChanged(directoryB);
     QCOMPARE(changes.count(), 0);
     QTRY_COMPARE(changes.count(), 1);
-    QCOMPARE(changes.first().first().toStringList(), QStringList({folderA, folderB}));
+    QCOMPARE(changes.first().first().toStringList(), QStringList({directoryA, directoryB}));
 }
 
 void tst_DirectoryWatcher::negativeDelayNeverReports()
 {
-    // The timer counts as active and yet never expires, so that not even a new delay is taken.
+    // The timer is active but never expires, so even a new delay has no effect.
     const QString text = "QObject::startTimer: Timers cannot have negative intervals";
     DirectoryWatcher watcher{QStringList()};
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     watcher.setDelayInMs(-1);
     messages().expect(QtWarningMsg, text);
-    watcher.directoryGotChanged(folderA);
+    watcher.directoryGotChanged(directoryA);
     watcher.setDelayInMs(0);
     messages().expect(QtWarningMsg, text);
-    watcher.directoryGotChanged(folderB);
+    watcher.directoryGotChanged(directoryB);
 
     DirectoryWatcher other{QStringList()};
     other.setDelayInMs(shortDelayInMs);
     QSignalSpy otherChanges(&other, &DirectoryWatcher::directoryChanged);
-    other.directoryGotChanged(folderA);
+    other.directoryGotChanged(directoryA);
     QVERIFY(otherChanges.wait());
     QCOMPARE(changes.count(), 0);
 }
 
-void tst_DirectoryWatcher::noticesDuringDeliveryAreLost()
+void tst_DirectoryWatcher::notificationsDuringDeliveryAreLost()
 {
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(0);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     connect(&watcher, &DirectoryWatcher::directoryChanged, &watcher, [&] {
         if (changes.count() == 1) {
-            watcher.directoryGotChanged(folderB);
+            watcher.directoryGotChanged(directoryB);
         }
     });
-    watcher.directoryGotChanged(folderA);
+    watcher.directoryGotChanged(directoryA);
     QVERIFY(changes.wait());
-    QCOMPARE(changes.first().first().toStringList(), QStringList(folderA));
-    // The notice begins a burst; its list is emptied with the one before.
+    QCOMPARE(changes.first().first().toStringList(), QStringList(directoryA));
+    // The notification starts a burst, but its list is cleared together with the previous one.
     QTRY_COMPARE(changes.count(), 2);
     QCOMPARE(changes.last().first().toStringList(), QStringList());
 
-    watcher.directoryGotChanged(folderA);
+    watcher.directoryGotChanged(directoryA);
     QVERIFY(changes.wait());
     QCOMPARE(changes.count(), 3);
-    QCOMPARE(changes.last().first().toStringList(), QStringList(folderA));
+    QCOMPARE(changes.last().first().toStringList(), QStringList(directoryA));
 }
 
-void tst_DirectoryWatcher::laterReceiversSeeWhatANoticeDuringDeliveryLeaves()
+void tst_DirectoryWatcher::notificationDuringDeliveryReplacesTheListForLaterReceivers()
 {
     DirectoryWatcher watcher{QStringList()};
     connect(
         &watcher, &DirectoryWatcher::directoryChanged, &watcher,
-        [&watcher] { watcher.directoryGotChanged(folderB); }, Qt::DirectConnection);
+        [&watcher] { watcher.directoryGotChanged(directoryB); }, Qt::DirectConnection);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     watcher.setDelayInMs(0);
-    watcher.directoryGotChanged(folderA);
+    watcher.directoryGotChanged(directoryA);
     QVERIFY(changes.wait());
-    QCOMPARE(changes.first().first().toStringList(), QStringList(folderB));
+    QCOMPARE(changes.first().first().toStringList(), QStringList(directoryB));
 }
 
-void tst_DirectoryWatcher::expiryReportsAndEmptiesTheList()
+void tst_DirectoryWatcher::timeoutReportsAndClearsTheList()
 {
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(shortDelayInMs);
@@ -382,23 +381,23 @@ void tst_DirectoryWatcher::expiryReportsAndEmptiesTheList()
     watcher.delayTimeout(); // without a burst
     QCOMPARE(changes.takeFirst().first().toStringList(), QStringList());
 
-    watcher.directoryGotChanged(folderA);
-    watcher.delayTimeout(); // does not end the burst, but takes what there is
-    QCOMPARE(changes.takeFirst().first().toStringList(), QStringList(folderA));
-    watcher.directoryGotChanged(folderB);
+    watcher.directoryGotChanged(directoryA);
+    watcher.delayTimeout(); // reports the list so far, but does not end the burst
+    QCOMPARE(changes.takeFirst().first().toStringList(), QStringList(directoryA));
+    watcher.directoryGotChanged(directoryB);
     QVERIFY(changes.wait());
-    QCOMPARE(changes.takeFirst().first().toStringList(), QStringList(folderB));
+    QCOMPARE(changes.takeFirst().first().toStringList(), QStringList(directoryB));
     QVERIFY(changes.isEmpty());
 }
 
-void tst_DirectoryWatcher::destructionDropsTheBurst_data()
+void tst_DirectoryWatcher::destructionDiscardsTheBurst_data()
 {
     QTest::addColumn<bool>("isNoticed");
     QTest::newRow("in a burst") << true;
     QTest::newRow("before the change is noticed") << false;
 }
 
-void tst_DirectoryWatcher::destructionDropsTheBurst()
+void tst_DirectoryWatcher::destructionDiscardsTheBurst()
 {
     QFETCH(bool, isNoticed);
 
@@ -410,7 +409,7 @@ void tst_DirectoryWatcher::destructionDropsTheBurst()
     QSignalSpy otherChanges(&other, &DirectoryWatcher::directoryChanged);
     writeFile("file", "");
     if (isNoticed) {
-        watcher->directoryGotChanged(folderA);
+        watcher->directoryGotChanged(directoryA);
     }
     watcher.reset();
 
@@ -418,13 +417,13 @@ void tst_DirectoryWatcher::destructionDropsTheBurst()
     QCOMPARE(changes.count(), 0);
 }
 
-void tst_DirectoryWatcher::receiverMayDeleteTheWatcherLater()
+void tst_DirectoryWatcher::receiverMayCallDeleteLater()
 {
     auto* const watcher = new DirectoryWatcher{QStringList()};
     watcher->setDelayInMs(0);
     QSignalSpy destroyed(watcher, &QObject::destroyed);
     connect(watcher, &DirectoryWatcher::directoryChanged, watcher, &QObject::deleteLater);
-    watcher->directoryGotChanged(folderA);
+    watcher->directoryGotChanged(directoryA);
     QVERIFY(destroyed.wait());
 }
 
@@ -434,8 +433,8 @@ void tst_DirectoryWatcher::changesAreReported_data()
     QTest::newRow("file added") << 0;
     QTest::newRow("file removed") << 1;
     QTest::newRow("file renamed") << 2;
-    QTest::newRow("folder added") << 3;
-    QTest::newRow("folder removed") << 4;
+    QTest::newRow("directory added") << 3;
+    QTest::newRow("directory removed") << 4;
     QTest::newRow("permissions changed") << 5;
     QTest::newRow("many files added") << 6;
 }
@@ -444,9 +443,9 @@ void tst_DirectoryWatcher::changesAreReported()
 {
     QFETCH(int, change);
 
-    const QString watched = makeFolder("watched");
+    const QString watched = makeDirectory("watched");
     const QString file = writeFile("watched/file", "");
-    makeFolder("watched/folder");
+    makeDirectory("watched/folder");
     DirectoryWatcher watcher(watched);
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
@@ -461,7 +460,7 @@ void tst_DirectoryWatcher::changesAreReported()
         QVERIFY(QFile::rename(file, path("watched/renamed")));
         break;
     case 3:
-        makeFolder("watched/new");
+        makeDirectory("watched/new");
         break;
     case 4:
         QVERIFY(QDir().rmdir(path("watched/folder")));
@@ -476,41 +475,41 @@ void tst_DirectoryWatcher::changesAreReported()
     }
     QVERIFY(changes.wait());
     QCOMPARE(changes.count(), 1);
-    const QStringList folders = changes.first().first().toStringList();
-    QVERIFY(!folders.isEmpty());
-    QCOMPARE(folders.count(watched), folders.size());
+    const QStringList directories = changes.first().first().toStringList();
+    QVERIFY(!directories.isEmpty());
+    QCOMPARE(directories.count(watched), directories.size());
 }
 
-void tst_DirectoryWatcher::changesOfTwoFoldersAreOneBurst()
+void tst_DirectoryWatcher::changesInTwoDirectoriesAreOneBurst()
 {
-    const QString first = makeFolder("first");
-    const QString second = makeFolder("second");
+    const QString first = makeDirectory("first");
+    const QString second = makeDirectory("second");
     DirectoryWatcher watcher({first, second});
     watcher.setDelayInMs(longDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     writeFile("first/file", "");
     writeFile("second/file", "");
     QVERIFY(changes.wait());
-    QStringList folders = changes.first().first().toStringList();
+    QStringList directories = changes.first().first().toStringList();
     QCOMPARE(changes.count(), 1);
-    folders.removeDuplicates();
-    folders.sort();
-    QCOMPARE(folders, QStringList({first, second}));
+    directories.removeDuplicates();
+    directories.sort();
+    QCOMPARE(directories, QStringList({first, second}));
 }
 
-void tst_DirectoryWatcher::contentOfFilesDoesNotCount_data()
+void tst_DirectoryWatcher::contentOfFilesIsNotWatched_data()
 {
     QTest::addColumn<bool>("isFileWatched");
-    QTest::newRow("in a watched folder") << false;
+    QTest::newRow("in a watched directory") << false;
     QTest::newRow("watched itself") << true;
 }
 
-void tst_DirectoryWatcher::contentOfFilesDoesNotCount()
+void tst_DirectoryWatcher::contentOfFilesIsNotWatched()
 {
     QFETCH(bool, isFileWatched);
 
-    const QString watched = makeFolder("watched");
-    const QString other = makeFolder("other");
+    const QString watched = makeDirectory("watched");
+    const QString other = makeDirectory("other");
     const QString filePath = writeFile("watched/file", "");
     DirectoryWatcher watcher({watched, other});
     watcher.setDelayInMs(longDelayInMs);
@@ -526,17 +525,17 @@ void tst_DirectoryWatcher::contentOfFilesDoesNotCount()
     QCOMPARE(file.write("content"), qint64(7));
     file.close();
     QVERIFY(contentChanges.wait());
-    // Notices come in their order: what this one comes without was none.
+    // Notifications arrive in order, so this one would follow an earlier one.
     writeFile("other/file", "");
     QVERIFY(changes.wait());
     QCOMPARE(changes.count(), 1);
     QCOMPARE(changes.first().first().toStringList(), QStringList(other));
 }
 
-void tst_DirectoryWatcher::foldersBelowDoNotCount()
+void tst_DirectoryWatcher::subdirectoriesAreNotWatched()
 {
-    makeFolder("below");
-    const QString other = makeFolder("other");
+    makeDirectory("below");
+    const QString other = makeDirectory("other");
     DirectoryWatcher watcher({folder(), other});
     watcher.setDelayInMs(longDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
@@ -547,9 +546,9 @@ void tst_DirectoryWatcher::foldersBelowDoNotCount()
     QCOMPARE(changes.first().first().toStringList(), QStringList(other));
 }
 
-void tst_DirectoryWatcher::removedFolderIsReportedAndForgotten()
+void tst_DirectoryWatcher::removedDirectoryIsReportedAndForgotten()
 {
-    const QString watched = makeFolder("watched");
+    const QString watched = makeDirectory("watched");
     DirectoryWatcher watcher(watched);
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
@@ -558,31 +557,31 @@ void tst_DirectoryWatcher::removedFolderIsReportedAndForgotten()
     QVERIFY(changes.takeFirst().first().toStringList().contains(watched));
     QVERIFY(!watcher.addPath(watched));
 
-    // Made anew it is another folder, which must be added again.
-    makeFolder("watched");
+    // A new directory of the same name has to be added again.
+    makeDirectory("watched");
     QVERIFY(watcher.addPath(watched));
     writeFile("watched/file", "");
     QVERIFY(changes.wait());
     QVERIFY(changes.first().first().toStringList().contains(watched));
 }
 
-void tst_DirectoryWatcher::addPathTells_data()
+void tst_DirectoryWatcher::addPathReturnsWhetherPathIsWatched_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("isAdded");
-    QTest::newRow("folder") << "folder" << true;
-    QTest::newRow("folder, trailing slash") << "folder/" << true;
+    QTest::newRow("directory") << "folder" << true;
+    QTest::newRow("directory, trailing slash") << "folder/" << true;
     QTest::newRow("file") << "file" << true;
-    QTest::newRow("linked folder") << "link" << true;
+    QTest::newRow("linked directory") << "link" << true;
     QTest::newRow("missing") << "missing" << false;
 }
 
-void tst_DirectoryWatcher::addPathTells()
+void tst_DirectoryWatcher::addPathReturnsWhetherPathIsWatched()
 {
     QFETCH(QString, name);
     QFETCH(bool, isAdded);
 
-    const QString target = makeFolder("folder");
+    const QString target = makeDirectory("folder");
     writeFile("file", "");
     QVERIFY(QFile::link(target, path("link")));
     DirectoryWatcher watcher{QStringList()};
@@ -595,16 +594,16 @@ void tst_DirectoryWatcher::pathBelowAFileIsLoggedByQt()
 {
     const QString below = writeFile("file", "") + "/folder";
     DirectoryWatcher watcher{QStringList()};
-    // The system's reasons are in the system's language.
+    // The reason is in the system's language.
     messages().expect(
         QtCriticalMsg,
         QStringLiteral("inotify_add_watch(%1) failed: (%2)").arg(below, qt_error_string(ENOTDIR)));
     QVERIFY(!watcher.addPath(below));
 }
 
-void tst_DirectoryWatcher::pathThatIsWatchedAlready()
+void tst_DirectoryWatcher::pathThatIsAlreadyWatched()
 {
-    const QString watched = makeFolder("watched");
+    const QString watched = makeDirectory("watched");
     const int watchesBefore = resources().watches;
     DirectoryWatcher watcher(watched);
     QVERIFY(!watcher.addPath(watched));
@@ -620,7 +619,7 @@ void tst_DirectoryWatcher::pathThatIsWatchedAlready()
 
 void tst_DirectoryWatcher::pathsAreAdded()
 {
-    const QStringList paths = {makeFolder("a"), makeFolder("b"), makeFolder("c")};
+    const QStringList paths = {makeDirectory("a"), makeDirectory("b"), makeDirectory("c")};
     const int watchesBefore = resources().watches;
     DirectoryWatcher watcher{QStringList()};
     QVERIFY(watcher.addPath(paths.first()));
@@ -633,15 +632,15 @@ void tst_DirectoryWatcher::pathsAreAdded()
         writeFile(QString::fromLatin1(file), "");
     }
     QVERIFY(changes.wait());
-    QStringList folders = changes.first().first().toStringList();
-    folders.removeDuplicates();
-    folders.sort();
-    QCOMPARE(folders, paths);
+    QStringList directories = changes.first().first().toStringList();
+    directories.removeDuplicates();
+    directories.sort();
+    QCOMPARE(directories, paths);
 }
 
-void tst_DirectoryWatcher::unwatchablePathsArePassedOver()
+void tst_DirectoryWatcher::unwatchablePathsAreSkipped()
 {
-    const QString watched = makeFolder("watched");
+    const QString watched = makeDirectory("watched");
     const int watchesBefore = resources().watches;
     const DirectoryWatcher some({path("missing"), watched, path("missing too")});
     QCOMPARE(resources().watches - watchesBefore, 1);
@@ -649,7 +648,7 @@ void tst_DirectoryWatcher::unwatchablePathsArePassedOver()
     QCOMPARE(resources().watches - watchesBefore, 1);
 }
 
-void tst_DirectoryWatcher::emptyListIsSilent()
+void tst_DirectoryWatcher::emptyListLogsNothing()
 {
     const int watchesBefore = resources().watches;
     DirectoryWatcher watcher{QStringList()};
@@ -662,7 +661,7 @@ void tst_DirectoryWatcher::emptyListIsSilent()
     QVERIFY(changes.wait());
 }
 
-void tst_DirectoryWatcher::emptyPathsWarnAsQtDoes()
+void tst_DirectoryWatcher::emptyPathsAreLoggedByQt()
 {
     const QString listText = "QFileSystemWatcher::addPaths: list is empty";
     messages().expect(QtWarningMsg, listText);
@@ -673,9 +672,9 @@ void tst_DirectoryWatcher::emptyPathsWarnAsQtDoes()
     QVERIFY(watcher.addPath(QString()));
 }
 
-void tst_DirectoryWatcher::nothingIsLeftBehind()
+void tst_DirectoryWatcher::noDescriptorOrWatchIsLeaked()
 {
-    const QStringList paths = {makeFolder("a"), makeFolder("b"), folder()};
+    const QStringList paths = {makeDirectory("a"), makeDirectory("b"), folder()};
     const Resources before = resources();
     {
         const DirectoryWatcher watcher(paths);
@@ -685,7 +684,7 @@ void tst_DirectoryWatcher::nothingIsLeftBehind()
     }
     for (int i = 0; i < 200; ++i) {
         DirectoryWatcher watcher(paths);
-        watcher.directoryGotChanged(folderA);
+        watcher.directoryGotChanged(directoryA);
         writeFile(QStringLiteral("a/%1").arg(i), "");
         QCoreApplication::processEvents();
     }

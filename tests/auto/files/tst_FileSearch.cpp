@@ -25,12 +25,13 @@ Q_DECLARE_METATYPE(QDir::Filters)
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr uint smallStackSize = 512 * 1024; // the sanitizer's frames are larger
+constexpr uint smallStackSize = 512 * 1024; // the sanitizer needs larger stack frames
 #else
-constexpr uint smallStackSize = 64 * 1024; // less than 64-bit ARM allows
+constexpr uint smallStackSize = 64 * 1024; // less than the minimum of 64-bit ARM
 #endif
 
-// Entries of a folder by their bytes: Qt can neither make nor remove names that are not UTF-8.
+// Creates entries with arbitrary bytes as names: Qt can neither create nor remove names that are
+// not valid UTF-8.
 class Tree
 {
 public:
@@ -42,7 +43,7 @@ public:
         }
     }
 
-    void addFolder(const QByteArray& name) const
+    void addDirectory(const QByteArray& name) const
     {
         require(mkdir((m_root + name).constData(), 0755) == 0, name);
     }
@@ -70,26 +71,26 @@ private:
     static void require(bool isDone, const QByteArray& name)
     {
         if (!isDone) {
-            qFatal("cannot make or change %s", name.constData());
+            qFatal("cannot create or change %s", name.constData());
         }
     }
 
     QByteArray m_root;
 };
 
-// One of each kind.
+// One entry of each type.
 void addSmallTree(const Tree& tree)
 {
     tree.addFile(".hidden.txt");
-    tree.addFolder(".hiddenfolder");
+    tree.addDirectory(".hiddenfolder");
     tree.addFile(".hiddenfolder/inner.txt");
     tree.addFile("UPPER.TXT");
     tree.addFile("lower.txt");
     tree.addFile("data.bin");
-    tree.addFolder("empty");
-    tree.addFolder("sub");
+    tree.addDirectory("empty");
+    tree.addDirectory("sub");
     tree.addFile("sub/deep.txt");
-    tree.addFolder("sub/deeper.txt");
+    tree.addDirectory("sub/deeper.txt");
     tree.addFile("sub/deeper.txt/deepest.txt");
     tree.addLink("link.txt", "lower.txt");
     tree.addLink("linkedfolder", "sub");
@@ -97,24 +98,24 @@ void addSmallTree(const Tree& tree)
     tree.addPipe("pipe.txt");
 }
 
-// Several hundred entries, with all that a medium from elsewhere may bring.
+// Several hundred entries, with everything that a removable medium may contain.
 void addLargeTree(const Tree& tree)
 {
     addSmallTree(tree);
     for (int i = 0; i < 12; ++i) {
-        const QByteArray folder = "folder" + QByteArray::number(i * 7 % 12);
-        tree.addFolder(folder);
-        tree.addFolder(folder + "/inner");
-        tree.addFile(folder + "/.hidden");
+        const QByteArray directory = "folder" + QByteArray::number(i * 7 % 12);
+        tree.addDirectory(directory);
+        tree.addDirectory(directory + "/inner");
+        tree.addFile(directory + "/.hidden");
         for (int j = 0; j < 25; ++j) {
-            tree.addFile(folder + "/file" + QByteArray::number(j * 11 % 25) +
+            tree.addFile(directory + "/file" + QByteArray::number(j * 11 % 25) +
                          (j % 2 != 0 ? ".txt" : ".bin"));
         }
         for (int j = 0; j < 5; ++j) {
-            tree.addFile(folder + "/inner/FILE" + QByteArray::number(j) + ".TXT");
+            tree.addFile(directory + "/inner/FILE" + QByteArray::number(j) + ".TXT");
         }
-        tree.addLink(folder + "/up", "..");
-        tree.addLink(folder + "/self", ".");
+        tree.addLink(directory + "/up", "..");
+        tree.addLink(directory + "/self", ".");
     }
     tree.addLink("loop", "loop");
     tree.addLink("linkedpipe", "pipe.txt");
@@ -140,14 +141,14 @@ void addLargeTree(const Tree& tree)
                                    "~"};
     for (const QByteArray& name : oddNames) {
         tree.addFile(name);
-        tree.addFolder("in " + name);
+        tree.addDirectory("in " + name);
         tree.addFile("in " + name + "/" + name);
     }
     QByteArray deep = "deep";
-    tree.addFolder(deep);
+    tree.addDirectory(deep);
     for (int i = 0; i < 40; ++i) {
         deep += "/d";
-        tree.addFolder(deep);
+        tree.addDirectory(deep);
     }
     tree.addFile(deep + "/bottom.txt");
 }
@@ -167,11 +168,11 @@ QStringList sorted(QStringList list)
     return list;
 }
 
-// What the searches are measured by.
+// The reference that searches are compared with.
 QStringList iterated(const QString& path, const QStringList& nameFilters, QDir::Filters filters)
 {
     if (filters == QDir::NoFilter && isQtOfDebian11()) {
-        filters = QDir::AllEntries; // what later versions make of it
+        filters = QDir::AllEntries; // as later versions interpret it
     }
     QStringList paths;
     QDirIterator iterator(path, nameFilters, filters, QDirIterator::Subdirectories);
@@ -218,16 +219,16 @@ bool isUtf8(const char* name)
     return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
-// All entries that QDir::NoFilter stands for, asked of the system without any help of Qt.
-void readFolder(const QByteArray& folder, QStringList& result)
+// All entries that QDir::NoFilter includes, read with system calls instead of Qt.
+void readDirectory(const QByteArray& directory, QStringList& result)
 {
-    DIR* const stream = opendir(folder.constData());
+    DIR* const stream = opendir(directory.constData());
     if (stream == nullptr) {
         return;
     }
     while (const dirent* entry = readdir(stream)) {
         const QByteArray name = entry->d_name;
-        const QByteArray path = folder + '/' + name;
+        const QByteArray path = directory + '/' + name;
         const bool isDotOrDotDot = name == "." || name == "..";
         struct stat own = {};
         struct stat target = {};
@@ -241,23 +242,23 @@ void readFolder(const QByteArray& folder, QStringList& result)
         }
         result.append(QFile::decodeName(path));
         if (S_ISDIR(own.st_mode) && !isDotOrDotDot) {
-            readFolder(path, result);
+            readDirectory(path, result);
         }
     }
     closedir(stream);
 }
 
-class CurrentFolder
+class CurrentDirectory
 {
 public:
-    explicit CurrentFolder(const QString& path) : m_previous(QDir::currentPath())
+    explicit CurrentDirectory(const QString& path) : m_previous(QDir::currentPath())
     {
         QDir::setCurrent(path);
     }
-    ~CurrentFolder() { QDir::setCurrent(m_previous); }
+    ~CurrentDirectory() { QDir::setCurrent(m_previous); }
 
 private:
-    Q_DISABLE_COPY(CurrentFolder)
+    Q_DISABLE_COPY(CurrentDirectory)
 
     QString m_previous;
 };
@@ -274,36 +275,36 @@ class tst_FileSearch : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void noFilterListsWhatTheSystemHas();
-    void kindsOfEntries_data();
-    void kindsOfEntries();
-    void largeTreeAsIterated_data();
-    void largeTreeAsIterated();
-    void randomTreesAsIterated();
+    void noFilterListsEveryDecodableEntry();
+    void entryTypes_data();
+    void entryTypes();
+    void largeTreeMatchesQDirIterator_data();
+    void largeTreeMatchesQDirIterator();
+    void randomTreesMatchQDirIterator();
     void deepTreesNeedLittleStack();
     void longPathsAreSearched();
-    void destructorsMaySearchAtExit();
-    void otherEncodings_data();
-    void otherEncodings();
-    void unreadableFolders();
+    void searchAtProgramExit();
+    void otherLocaleEncodings_data();
+    void otherLocaleEncodings();
+    void unreadableDirectories();
     void startPaths_data();
     void startPaths();
-    void entriesOfAnEmptyFolder();
-    void namesThatHaveNoBytes();
-    void nothingToFind_data();
-    void nothingToFind();
-    void resultIsAppendedTo();
+    void entriesOfAnEmptyDirectory();
+    void namesThatCannotBeEncoded();
+    void unsearchablePathsHaveNoEntries_data();
+    void unsearchablePathsHaveNoEntries();
+    void resultsAreAppended();
     void pathsAreJoined_data();
     void pathsAreJoined();
 };
 
-void tst_FileSearch::noFilterListsWhatTheSystemHas()
+void tst_FileSearch::noFilterListsEveryDecodableEntry()
 {
     const Tree tree(folder());
     addLargeTree(tree);
 
     QStringList expected;
-    readFolder(QFile::encodeName(folder()), expected);
+    readDirectory(QFile::encodeName(folder()), expected);
     QVERIFY(expected.size() > 400);
     QVERIFY(expected.contains(path("line\nfeed.txt")));
     QVERIFY(expected.contains(path(QFile::decodeName("gr\xc3\xbc\xc3\x9f.txt"))));
@@ -317,61 +318,62 @@ void tst_FileSearch::noFilterListsWhatTheSystemHas()
     QCOMPARE(searchedRelatively(folder(), {}), relativeTo(folder(), expected));
 }
 
-void tst_FileSearch::kindsOfEntries_data()
+void tst_FileSearch::entryTypes_data()
 {
     QTest::addColumn<QDir::Filters>("filters");
     QTest::addColumn<QStringList>("patterns");
-    QTest::addColumn<QStringList>("expected"); // sorted, relative to the folder
+    QTest::addColumn<QStringList>("expected"); // sorted, relative to the directory
 
     const auto row = [](const char* name, QDir::Filters filters, const char* patterns,
                         const char* expected) {
         QTest::newRow(name) << filters << words(patterns) << sorted(words(expected));
     };
-    const QDir::Filters filesAndFolders = QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot;
+    const QDir::Filters filesAndDirectories = QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot;
 
     row("NoFilter ignores case, hidden, broken and special entries", QDir::NoFilter, "*.txt",
         "UPPER.TXT lower.txt link.txt sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
-    row("NoFilter with a pattern of the other case", QDir::NoFilter, "LOWER.*", "lower.txt");
+    row("NoFilter with a pattern in different case", QDir::NoFilter, "LOWER.*", "lower.txt");
     row("NoFilter with a pattern for dots", QDir::NoFilter, ".",
         ". empty/. sub/. sub/deeper.txt/.");
     row("NoFilter with a pattern for two dots", QDir::NoFilter, "..",
         ".. empty/.. sub/.. sub/deeper.txt/..");
     row("NoFilter with several patterns", QDir::NoFilter, "*.bin deep*",
         "data.bin sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
-    row("NoFilter with a pattern twice", QDir::NoFilter, "*.bin *.bin", "data.bin");
-    row("NoFilter finds a linked folder, not what is in it", QDir::NoFilter, "linked* deep.txt",
+    row("NoFilter with a duplicate pattern", QDir::NoFilter, "*.bin *.bin", "data.bin");
+    row("NoFilter finds a linked directory, not its content", QDir::NoFilter, "linked* deep.txt",
         "linkedfolder sub/deep.txt");
-    row("NoFilter with a set", QDir::NoFilter, "[ul]*.txt", "UPPER.TXT lower.txt link.txt");
+    row("NoFilter with a character set", QDir::NoFilter, "[ul]*.txt",
+        "UPPER.TXT lower.txt link.txt");
     row("NoFilter with a pattern for hidden entries", QDir::NoFilter, ".hidden*", "");
-    row("NoFilter with a pattern that holds a folder", QDir::NoFilter, "sub/deep.txt", "");
+    row("NoFilter with a pattern that contains a directory", QDir::NoFilter, "sub/deep.txt", "");
     row("Files", QDir::Files, "*.txt",
         "UPPER.TXT lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
     row("Files and case", QDir::Files | QDir::CaseSensitive, "*.txt",
         "lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
-    row("Files, hidden too", QDir::Files | QDir::Hidden, "*.txt",
+    row("Files, including hidden", QDir::Files | QDir::Hidden, "*.txt",
         ".hidden.txt .hiddenfolder/inner.txt UPPER.TXT lower.txt link.txt sub/deep.txt "
         "sub/deeper.txt/deepest.txt");
     row("Files without links", QDir::Files | QDir::NoSymLinks, "l*.txt", "lower.txt");
-    row("Files and special ones", QDir::Files | QDir::System, "*.txt",
+    row("Files and special files", QDir::Files | QDir::System, "*.txt",
         "UPPER.TXT lower.txt link.txt broken.txt pipe.txt sub/deep.txt "
         "sub/deeper.txt/deepest.txt");
     row("Files without a pattern", QDir::Files, "",
         "UPPER.TXT lower.txt data.bin link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
-    row("Dirs without dots", QDir::Dirs | QDir::NoDotAndDotDot, "",
+    row("Dirs without dot entries", QDir::Dirs | QDir::NoDotAndDotDot, "",
         "empty sub sub/deeper.txt linkedfolder");
-    row("Dirs with their dots", QDir::Dirs | QDir::NoDotDot, "",
+    row("Dirs with dot entries", QDir::Dirs | QDir::NoDotDot, "",
         "empty sub sub/deeper.txt linkedfolder . empty/. sub/. sub/deeper.txt/.");
-    row("Dirs, hidden too", QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, "",
+    row("Dirs, including hidden", QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, "",
         ".hiddenfolder empty sub sub/deeper.txt linkedfolder");
-    row("Dirs and a pattern", filesAndFolders, "deep*",
+    row("Dirs and a pattern", filesAndDirectories, "deep*",
         "sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
-    row("AllDirs takes no pattern and enters hidden folders",
+    row("AllDirs ignores patterns and enters hidden directories",
         QDir::AllDirs | QDir::Files | QDir::NoDotAndDotDot, "inner.txt",
         "empty linkedfolder sub sub/deeper.txt .hiddenfolder/inner.txt");
-    row("no kind", QDir::Filters(), "", "");
+    row("no entry type", QDir::Filters(), "", "");
 }
 
-void tst_FileSearch::kindsOfEntries()
+void tst_FileSearch::entryTypes()
 {
     QFETCH(QDir::Filters, filters);
     QFETCH(QStringList, patterns);
@@ -389,7 +391,7 @@ void tst_FileSearch::kindsOfEntries()
     }
 }
 
-void tst_FileSearch::largeTreeAsIterated_data()
+void tst_FileSearch::largeTreeMatchesQDirIterator_data()
 {
     QTest::addColumn<QDir::Filters>("filters");
     QTest::addColumn<QStringList>("patterns");
@@ -407,7 +409,7 @@ void tst_FileSearch::largeTreeAsIterated_data()
         {"AllEntries, NoSymLinks", QDir::AllEntries | QDir::NoSymLinks},
         {"AllEntries, NoDotAndDotDot", QDir::AllEntries | QDir::NoDotAndDotDot},
         {"AllEntries, Executable", QDir::AllEntries | QDir::Executable},
-        {"all there is", QDir::AllEntries | QDir::AllDirs | QDir::Hidden | QDir::System}};
+        {"all entries", QDir::AllEntries | QDir::AllDirs | QDir::Hidden | QDir::System}};
     for (const auto& filters : allFilters) {
         for (const char* patterns : {"", "*", "*.txt", "FILE? *.bin", "[!a]* .*", "nothing"}) {
             QTest::addRow("%s: <%s>", filters.first, patterns) << filters.second << words(patterns);
@@ -415,7 +417,7 @@ void tst_FileSearch::largeTreeAsIterated_data()
     }
 }
 
-void tst_FileSearch::largeTreeAsIterated()
+void tst_FileSearch::largeTreeMatchesQDirIterator()
 {
     QFETCH(QDir::Filters, filters);
     QFETCH(QStringList, patterns);
@@ -428,7 +430,7 @@ void tst_FileSearch::largeTreeAsIterated()
     QCOMPARE(searchedRelatively(folder(), patterns), relativeTo(folder(), expected));
 }
 
-void tst_FileSearch::randomTreesAsIterated()
+void tst_FileSearch::randomTreesMatchQDirIterator()
 {
     const QByteArray names[] = {"a",   "b.txt", "C.TXT",     ".d", "e f",  "g\nh.txt",
                                 "..i", "\xe4j", "\xc3\xbck", "l.", "m\\n", "o*.txt"};
@@ -442,11 +444,11 @@ void tst_FileSearch::randomTreesAsIterated()
         QRandomGenerator random(seed);
         const QString root = path(QString::number(seed));
         const QByteArray rootName = QByteArray::number(seed);
-        tree.addFolder(rootName);
-        QVector<QByteArray> folders(1, rootName);
+        tree.addDirectory(rootName);
+        QVector<QByteArray> directories(1, rootName);
         QSet<QByteArray> taken;
         for (int i = random.bounded(20); i > 0; --i) {
-            const QByteArray parent = folders.at(random.bounded(folders.size()));
+            const QByteArray parent = directories.at(random.bounded(directories.size()));
             const QByteArray entry = parent + '/' + names[random.bounded(nameCount)];
             if (taken.contains(entry)) {
                 continue;
@@ -464,8 +466,8 @@ void tst_FileSearch::randomTreesAsIterated()
                 tree.addLink(entry, "..");
                 break;
             default:
-                tree.addFolder(entry);
-                folders.append(entry);
+                tree.addDirectory(entry);
+                directories.append(entry);
             }
         }
         QStringList nameFilters;
@@ -482,17 +484,17 @@ void tst_FileSearch::randomTreesAsIterated()
         QVERIFY2(searched(root, nameFilters, filters) == iterated(root, nameFilters, filters),
                  seedName.constData());
         QStringList systemEntries;
-        readFolder(QFile::encodeName(root), systemEntries);
+        readDirectory(QFile::encodeName(root), systemEntries);
         QVERIFY2(searched(root, {}) == systemEntries, seedName.constData());
         found += expected.size();
     }
-    QVERIFY(found > 3 * int(count)); // the trees are no empty ones
+    QVERIFY(found > 3 * int(count)); // the trees are not empty
 }
 
-// A tree as deep as descriptors allow, on a stack that a thread of a small device may have.
+// A tree as deep as descriptors allow, with a stack size that is realistic on a small device.
 void tst_FileSearch::deepTreesNeedLittleStack()
 {
-    // An emulator takes minutes for many open directories.
+    // With many open directories an emulator takes minutes.
     const int levels = isEmulated() ? 100 : 900;
     rlimit descriptors = {};
     getrlimit(RLIMIT_NOFILE, &descriptors);
@@ -510,11 +512,11 @@ void tst_FileSearch::deepTreesNeedLittleStack()
         [&found](const QStringList& result) { found = result; }, Qt::DirectConnection);
     pool.start(worker);
     QVERIFY(pool.waitForDone());
-    // Each directory is listed, and in each one, as in the first, "." and "..".
+    // Each directory is listed, with "." and "..".
     QCOMPARE(found.size(), levels + 2 * (levels + 1));
 }
 
-// As long as the system takes them, which is 4,095 bytes.
+// The longest paths that the system accepts: 4,095 bytes.
 void tst_FileSearch::longPathsAreSearched()
 {
     const QString level = QLatin1Char('/') + QString(200, QLatin1Char('d'));
@@ -532,13 +534,13 @@ void tst_FileSearch::longPathsAreSearched()
     QCOMPARE(sorted(searched(folder(), patterns)), sorted(expected));
     QCOMPARE(sorted(searchedRelatively(folder(), patterns)),
              sorted(relativeTo(folder(), expected)));
-    // And from there.
+    // The same search, starting there.
     QCOMPARE(searched(directory, patterns), QStringList(expected.constLast()));
     QCOMPARE(searchedRelatively(directory, patterns), patterns);
 }
 
-// The program's destructor searches after Qt's own globals are gone.
-void tst_FileSearch::destructorsMaySearchAtExit()
+// The program's destructor searches after Qt has destroyed its globals.
+void tst_FileSearch::searchAtProgramExit()
 {
     writeFile("one", QByteArray());
     writeFile("two", QByteArray());
@@ -551,7 +553,7 @@ void tst_FileSearch::destructorsMaySearchAtExit()
     QCOMPARE(program.readAll(), QByteArray("4 entries\n"));
 }
 
-void tst_FileSearch::otherEncodings_data()
+void tst_FileSearch::otherLocaleEncodings_data()
 {
     QTest::addColumn<QByteArray>("codec");
     for (const char* codec : {"UTF-8", "ISO-8859-1", "US-ASCII", "ISO-8859-15", "Shift_JIS"}) {
@@ -559,7 +561,7 @@ void tst_FileSearch::otherEncodings_data()
     }
 }
 
-void tst_FileSearch::otherEncodings()
+void tst_FileSearch::otherLocaleEncodings()
 {
     QFETCH(QByteArray, codec);
     const Tree tree(folder());
@@ -576,12 +578,12 @@ void tst_FileSearch::otherEncodings()
     QVERIFY(found.size() > 400);
 }
 
-void tst_FileSearch::unreadableFolders()
+void tst_FileSearch::unreadableDirectories()
 {
     const Tree tree(folder());
     addLargeTree(tree);
-    tree.setMode("", 0755); // a temporary folder is its owner's alone
-    tree.addFolder("listable");
+    tree.setMode("", 0755); // only its owner may enter a temporary directory
+    tree.addDirectory("listable");
     tree.addFile("listable/seen.txt");
     tree.setMode("folder3", 0);
     tree.setMode("folder4/inner", 0311);
@@ -604,7 +606,7 @@ void tst_FileSearch::unreadableFolders()
         if (found != relativeTo(root, iterated(root, {}, QDir::NoFilter))) {
             return 2;
         }
-        // They are seen themselves, but not looked into.
+        // The directories are found, but not their content.
         if (!found.contains("folder3") || !found.contains("folder4/inner")) {
             return 3;
         }
@@ -629,8 +631,8 @@ void tst_FileSearch::unreadableFolders()
 
 void tst_FileSearch::startPaths_data()
 {
-    QTest::addColumn<QString>("current"); // below the row's folder
-    QTest::addColumn<QString>("start");   // %1 is the row's folder
+    QTest::addColumn<QString>("current"); // below the row's directory
+    QTest::addColumn<QString>("start");   // %1 is the row's directory
     QTest::addColumn<QStringList>("expected");
 
     const auto row = [](const char* name, const char* current, const char* start,
@@ -651,26 +653,26 @@ void tst_FileSearch::startPaths_data()
     row("absolute, trailing slash", "", "%1/sub/", sub);
     row("absolute, several trailing slashes", "", "%1/sub///", sub);
     row("absolute, double slash", "", "%1//sub", sub);
-    row("absolute, dotted", "", "%1/./empty/../sub", sub);
+    row("absolute, with dot components", "", "%1/./empty/../sub", sub);
     row("absolute, linked", "", "%1/linkedfolder", sub);
     row("absolute, linked and back", "", "%1/linkedfolder/..", top);
-    row("absolute, above the current folder", "sub/deeper.txt", "%1/sub", sub);
-    // What QDir is given relative it leaves so: it stays relative to the current folder.
+    row("absolute, above the current directory", "sub/deeper.txt", "%1/sub", sub);
+    // QDir keeps a relative path relative to the current directory.
     row("relative", "", "sub", subFromTop);
     row("relative, trailing slash", "", "sub/", subFromTop);
-    row("relative, dotted", "", "./sub", subFromTop);
-    row("relative, there and back", "", "sub/../sub", subFromTop);
+    row("relative, with dot components", "", "./sub", subFromTop);
+    row("relative, down and up again", "", "sub/../sub", subFromTop);
     row("relative, linked", "", "linkedfolder", linkedFromTop);
     row("relative, linked, trailing slash", "", "linkedfolder/", linkedFromTop);
     row("relative, linked and back", "", "linkedfolder/..", top);
-    row("current folder", "sub", ".", sub);
-    row("current folder, trailing slash", "sub", "./", sub);
-    row("parent folder", "empty", "..", topFromEmpty);
-    row("through the parent folder", "empty", "../sub", subFromEmpty);
+    row("current directory", "sub", ".", sub);
+    row("current directory, trailing slash", "sub", "./", sub);
+    row("parent directory", "empty", "..", topFromEmpty);
+    row("through the parent directory", "empty", "../sub", subFromEmpty);
     row("empty path", "sub", "", {});
     row("file", "", "lower.txt", {});
-    row("missing folder", "", "missing", {});
-    row("missing folder and back", "", "missing/../sub", {});
+    row("missing directory", "", "missing", {});
+    row("missing directory and back", "", "missing/../sub", {});
 }
 
 void tst_FileSearch::startPaths()
@@ -680,7 +682,7 @@ void tst_FileSearch::startPaths()
     QFETCH(QStringList, expected);
     const Tree tree(folder());
     addSmallTree(tree);
-    const CurrentFolder currentFolder(path(current));
+    const CurrentDirectory currentDirectory(path(current));
     const QString startPath = start.contains(QLatin1Char('%')) ? start.arg(folder()) : start;
 
     QCOMPARE(sorted(searchedRelatively(startPath, {QStringLiteral("deep*")})), expected);
@@ -691,7 +693,7 @@ void tst_FileSearch::startPaths()
     }
 }
 
-void tst_FileSearch::entriesOfAnEmptyFolder()
+void tst_FileSearch::entriesOfAnEmptyDirectory()
 {
     const QStringList dots = {path("."), path("..")};
     QCOMPARE(sorted(searched(folder(), {})), dots);
@@ -701,13 +703,13 @@ void tst_FileSearch::entriesOfAnEmptyFolder()
     QCOMPARE(searched(folder(), {QStringLiteral("*.txt")}), QStringList());
 }
 
-void tst_FileSearch::namesThatHaveNoBytes()
+void tst_FileSearch::namesThatCannotBeEncoded()
 {
-    // Half of a surrogate pair becomes another character on the way to the system, or nothing.
+    // Encoding replaces or drops half of a surrogate pair.
     const QString half(QChar(0xd800));
     const QString start = path(half + QLatin1Char('b'));
     const Tree tree(folder());
-    tree.addFolder("?b");
+    tree.addDirectory("?b");
     tree.addFile("?b/file.txt");
     QCOMPARE(iterated(start, {}, QDir::NoFilter).size(), 3);
 
@@ -719,21 +721,21 @@ void tst_FileSearch::namesThatHaveNoBytes()
     }
 }
 
-void tst_FileSearch::nothingToFind_data()
+void tst_FileSearch::unsearchablePathsHaveNoEntries_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("missing folder") << "missing";
+    QTest::newRow("missing directory") << "missing";
     QTest::newRow("file") << "lower.txt";
     QTest::newRow("broken link") << "broken.txt";
     QTest::newRow("pipe") << "pipe.txt";
-    QTest::newRow("folder below a file") << "lower.txt/folder";
+    QTest::newRow("directory below a file") << "lower.txt/folder";
     QTest::newRow("name too long") << QString(300, QLatin1Char('a'));
-    QTest::newRow("NUL behind a folder") << QStringLiteral("sub") + QChar(QChar::Null);
-    QTest::newRow("NUL in a folder's name")
+    QTest::newRow("NUL after a directory") << QStringLiteral("sub") + QChar(QChar::Null);
+    QTest::newRow("NUL in a directory's name")
         << QStringLiteral("sub") + QChar(QChar::Null) + QStringLiteral("/deeper.txt");
 }
 
-void tst_FileSearch::nothingToFind()
+void tst_FileSearch::unsearchablePathsHaveNoEntries()
 {
     QFETCH(QString, name);
     const Tree tree(folder());
@@ -744,7 +746,7 @@ void tst_FileSearch::nothingToFind()
     QCOMPARE(searchedRelatively(path(name), {}), QStringList());
 }
 
-void tst_FileSearch::resultIsAppendedTo()
+void tst_FileSearch::resultsAreAppended()
 {
     writeFile("a.txt", "");
     const QStringList patterns("*.txt");
@@ -779,7 +781,7 @@ void tst_FileSearch::pathsAreJoined_data()
     row("slash at the end", "/media/usb/", "data", "/media/usb/data");
     row("two slashes at the end", "/media/usb//", "data", "/media/usb//data");
     row("slash at the start of the second", "a/", "/b", "a//b");
-    row("slash at the start of the second alone", "a", "/b", "a//b");
+    row("slash only at the start of the second", "a", "/b", "a//b");
     row("empty first", "", "x", "/x");
     row("null first", nullptr, "x", "/x");
     row("empty second", "a", "", "a/");
@@ -787,10 +789,10 @@ void tst_FileSearch::pathsAreJoined_data()
     row("both empty", "", "", "/");
     row("root", "/", "x", "/x");
     row("relative", "a", "b", "a/b");
-    row("dots are kept", "a/..", "../b/./c/", "a/../../b/./c/");
-    row("backslash is no slash", "a\\", "b", "a\\/b");
-    row("slash-like character is no slash", "a\xe2\x88\x95", "b", "a\xe2\x88\x95/b");
-    row("blanks are kept", " a ", " b ", " a / b ");
+    row("dot components are kept", "a/..", "../b/./c/", "a/../../b/./c/");
+    row("backslash is not a slash", "a\\", "b", "a\\/b");
+    row("slash-like character is not a slash", "a\xe2\x88\x95", "b", "a\xe2\x88\x95/b");
+    row("spaces are kept", " a ", " b ", " a / b ");
     row("umlauts", "\xc3\xa4", "\xc3\xbc", "\xc3\xa4/\xc3\xbc");
 }
 

@@ -33,7 +33,7 @@ QStringList words(const char* text)
     return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-// What a watcher finds, signal by signal.
+// The results of a watcher, one list per signal.
 class Findings
 {
 public:
@@ -67,36 +67,36 @@ class tst_MediaWatcher : public TestCase
 
 private Q_SLOTS:
     void initTestCase();
-    void listTypeIsRegisteredInManyThreads(); // first: later functions register the type
+    void listTypeIsRegisteredInManyThreads(); // must be first: later functions register the type
     void metaObject();
     void methods();
     void listTypeIsRegistered();
     void listTypeIsASequence();
-    void listComesThroughOtherThreads_data();
-    void listComesThroughOtherThreads();
-    void topFolderIsSorted();
-    void namesAreSortedByTheirCharacters();
+    void listIsDeliveredToOtherThreads_data();
+    void listIsDeliveredToOtherThreads();
+    void topDirectoryIsSorted();
+    void namesAreSortedByCodeUnit();
     void wholeMediumIsInFileSystemOrder();
     void filesAreFound_data();
     void filesAreFound();
     void mountPathIsUsedAsGiven_data();
     void mountPathIsUsedAsGiven();
-    void emptyMediumHasItsDots_data();
-    void emptyMediumHasItsDots();
-    void nothingFoundIsNoSignal_data();
-    void nothingFoundIsNoSignal();
+    void emptyMediumListsDotEntries_data();
+    void emptyMediumListsDotEntries();
+    void noMatchEmitsNoSignal_data();
+    void noMatchEmitsNoSignal();
     void settingsAreReplaced();
-    void answerComesWithinTheCall();
+    void signalIsEmittedDuringTheCall();
     void parentOwnsTheWatcher();
 
 private:
     void addMedium();
-    QStringList inFolder(const QStringList& names);
+    QStringList inDirectory(const QStringList& names);
 
     int m_typeBeforeAnyWatcher = 0;
 };
 
-// In an order that is the sorted one neither forwards nor backwards.
+// Created in an order that is neither sorted nor reversed.
 void tst_MediaWatcher::addMedium()
 {
     QVERIFY(QDir(folder()).mkpath("Music/live"));
@@ -109,7 +109,7 @@ void tst_MediaWatcher::addMedium()
     QVERIFY(QFile::link("Music", path("link.mp3")));
 }
 
-QStringList tst_MediaWatcher::inFolder(const QStringList& names)
+QStringList tst_MediaWatcher::inDirectory(const QStringList& names)
 {
     QStringList paths;
     for (const QString& name : names) {
@@ -123,10 +123,10 @@ void tst_MediaWatcher::initTestCase()
     m_typeBeforeAnyWatcher = QMetaType::type(listTypeName);
 }
 
-// Qt warns where two threads register a list at the same time.
+// Qt warns if two threads register a list type at the same time.
 void tst_MediaWatcher::listTypeIsRegisteredInManyThreads()
 {
-    // Children, so that each sees the first use.
+    // Child processes, so that each is the first use.
     for (int i = 0; i < 50; ++i) {
         const ChildResult result = ChildProcess::run([] {
             callInManyThreads([](int) { const MediaWatcher watcher(nullptr); });
@@ -170,7 +170,7 @@ void tst_MediaWatcher::methods()
     watcher.setFileMatchPatternList({"*.mp3"});
     Findings findings(watcher);
     QVERIFY(QMetaObject::invokeMethod(&watcher, "mediumMounted", Q_ARG(QString, folder())));
-    QCOMPARE(findings.take(), QVector<QStringList>({inFolder(words("a.mp3"))}));
+    QCOMPARE(findings.take(), QVector<QStringList>({inDirectory(words("a.mp3"))}));
 }
 
 void tst_MediaWatcher::listTypeIsRegistered()
@@ -183,7 +183,7 @@ void tst_MediaWatcher::listTypeIsRegistered()
     QCOMPARE(QMetaType::type("QList<QFileInfo>"), type);
     QCOMPARE(QMetaType::sizeOf(type), int(sizeof(QFileInfoList)));
 
-    // Another one changes nothing.
+    // Another watcher changes nothing.
     const MediaWatcher other(nullptr);
     QCOMPARE(QMetaType::type(listTypeName), type);
 }
@@ -204,7 +204,7 @@ void tst_MediaWatcher::listTypeIsASequence()
     QCOMPARE(*static_cast<const QFileInfoList*>(copy.constData()), files);
 }
 
-void tst_MediaWatcher::listComesThroughOtherThreads_data()
+void tst_MediaWatcher::listIsDeliveredToOtherThreads_data()
 {
     QTest::addColumn<bool>("isConnectedByName");
     QTest::addColumn<Qt::ConnectionType>("connectionType");
@@ -214,7 +214,7 @@ void tst_MediaWatcher::listComesThroughOtherThreads_data()
     QTest::newRow("by name, queued") << true << Qt::QueuedConnection;
 }
 
-// Lives in another thread than the watcher, and is asked when that thread is over.
+// Lives in a different thread from the watcher and is read after that thread has ended.
 class Receiver : public QObject
 {
     Q_OBJECT
@@ -232,7 +232,7 @@ public Q_SLOTS:
     }
 };
 
-void tst_MediaWatcher::listComesThroughOtherThreads()
+void tst_MediaWatcher::listIsDeliveredToOtherThreads()
 {
     QFETCH(bool, isConnectedByName);
     QFETCH(Qt::ConnectionType, connectionType);
@@ -249,28 +249,29 @@ void tst_MediaWatcher::listComesThroughOtherThreads()
                               : connect(&watcher, &MediaWatcher::filesFound, &receiver,
                                         &Receiver::receive, connectionType));
     watcher.mediumMounted(folder());
-    QCOMPARE(receiver.paths, QStringList()); // nobody runs its event loop yet
+    QCOMPARE(receiver.paths, QStringList()); // its event loop is not running yet
     thread.start();
     const bool hasEnded = thread.wait(10000);
     thread.quit();
     thread.wait();
     QVERIFY(hasEnded);
     QCOMPARE(receiver.calledIn, &thread);
-    QCOMPARE(receiver.paths, inFolder(words("a.mp3 b.mp3")));
+    QCOMPARE(receiver.paths, inDirectory(words("a.mp3 b.mp3")));
 }
 
-void tst_MediaWatcher::topFolderIsSorted()
+void tst_MediaWatcher::topDirectoryIsSorted()
 {
     addMedium();
     MediaWatcher watcher(nullptr);
     Findings findings(watcher);
     watcher.mediumMounted(folder());
-    QCOMPARE(findings.take(),
-             QVector<QStringList>({inFolder(words(". .. Alpha.mp3 Bravo.txt charlie.MP3 delta.mp3 "
-                                                  "echo.txt empty link.mp3 Music"))}));
+    QCOMPARE(
+        findings.take(),
+        QVector<QStringList>({inDirectory(words(". .. Alpha.mp3 Bravo.txt charlie.MP3 delta.mp3 "
+                                                "echo.txt empty link.mp3 Music"))}));
 }
 
-void tst_MediaWatcher::namesAreSortedByTheirCharacters()
+void tst_MediaWatcher::namesAreSortedByCodeUnit()
 {
     const QString umlaut = QFile::decodeName("\xc3\xa4.mp3");
     writeFile(umlaut, "");
@@ -283,8 +284,8 @@ void tst_MediaWatcher::namesAreSortedByTheirCharacters()
     watcher.mediumMounted(folder());
     QStringList expected = words("10.mp3 9.mp3 _a.mp3 a?b.mp3 a-b.mp3 B.mp3 z.mp3");
     expected.replaceInStrings("?", " ");
-    expected.append(umlaut); // after every letter of ASCII
-    QCOMPARE(findings.take(), QVector<QStringList>({inFolder(expected)}));
+    expected.append(umlaut); // sorts after every ASCII letter
+    QCOMPARE(findings.take(), QVector<QStringList>({inDirectory(expected)}));
 }
 
 void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
@@ -315,7 +316,7 @@ void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
 void tst_MediaWatcher::filesAreFound_data()
 {
     QTest::addColumn<QStringList>("patterns");
-    QTest::addColumn<QStringList>("ofTopFolder"); // sorted without regard to case, as all below
+    QTest::addColumn<QStringList>("ofTopDirectory"); // sorted case-insensitively, like all below
     QTest::addColumn<QStringList>("ofWholeMedium");
 
     QTest::newRow("one pattern") << words("*.mp3")
@@ -324,18 +325,18 @@ void tst_MediaWatcher::filesAreFound_data()
                                           "Music/b.mp3 Music/C.mp3 Music/live/d.mp3");
     QTest::newRow("several patterns") << words("*.txt d*") << words("Bravo.txt delta.mp3 echo.txt")
                                       << words("Bravo.txt delta.mp3 echo.txt Music/live/d.mp3");
-    QTest::newRow("folders alike")
+    QTest::newRow("directories match, too")
         << words("[lm]*c* live empty") << words("empty Music") << words("empty Music Music/live");
-    QTest::newRow("below the top folder alone")
+    QTest::newRow("only below the top directory")
         << words("*.png") << QStringList() << words("Music/live/cover.png");
-    QTest::newRow("nowhere") << words("*.ogg") << QStringList() << QStringList();
+    QTest::newRow("no match") << words("*.ogg") << QStringList() << QStringList();
     QTest::newRow("hidden") << words(".hidden*") << QStringList() << QStringList();
 }
 
 void tst_MediaWatcher::filesAreFound()
 {
     QFETCH(QStringList, patterns);
-    QFETCH(QStringList, ofTopFolder);
+    QFETCH(QStringList, ofTopDirectory);
     QFETCH(QStringList, ofWholeMedium);
     addMedium();
 
@@ -343,9 +344,9 @@ void tst_MediaWatcher::filesAreFound()
     watcher.setFileMatchPatternList(patterns);
     Findings findings(watcher);
     watcher.mediumMounted(folder());
-    QCOMPARE(findings.take(), ofTopFolder.isEmpty()
+    QCOMPARE(findings.take(), ofTopDirectory.isEmpty()
                                   ? QVector<QStringList>()
-                                  : QVector<QStringList>({inFolder(ofTopFolder)}));
+                                  : QVector<QStringList>({inDirectory(ofTopDirectory)}));
 
     watcher.setRecursive(true);
     watcher.mediumMounted(folder());
@@ -354,21 +355,21 @@ void tst_MediaWatcher::filesAreFound()
         paths.sort(Qt::CaseInsensitive);
     }
     QCOMPARE(found, ofWholeMedium.isEmpty() ? QVector<QStringList>()
-                                            : QVector<QStringList>({inFolder(ofWholeMedium)}));
+                                            : QVector<QStringList>({inDirectory(ofWholeMedium)}));
 }
 
 void tst_MediaWatcher::mountPathIsUsedAsGiven_data()
 {
-    QTest::addColumn<QString>("mountPath"); // below the row's folder
+    QTest::addColumn<QString>("mountPath"); // below the row's directory
     QTest::addColumn<bool>("recursive");
-    QTest::addColumn<QString>("found"); // as text, as the path is not to be cleaned
+    QTest::addColumn<QString>("found"); // as text, because the path must not be cleaned
     for (const bool recursive : {false, true}) {
-        const char* const mode = recursive ? "recursive" : "top folder";
+        const char* const mode = recursive ? "recursive" : "top directory";
         QTest::addRow("%s, double slash", mode)
             << "/Music//live" << recursive << "/Music//live/d.mp3";
-        QTest::addRow("%s, dotted", mode)
+        QTest::addRow("%s, with dot components", mode)
             << "/empty/.././Music/live" << recursive << "/empty/.././Music/live/d.mp3";
-        // Not the folder that the link is in, but the one above that which it leads to.
+        // ".." after a link is the parent of the link's target, not the directory of the link.
         QTest::addRow("%s, link and back", mode)
             << "/link/.." << recursive
             << (recursive ? QStringLiteral("/link/../live/d.mp3") : QString());
@@ -404,13 +405,13 @@ void tst_MediaWatcher::mountPathIsUsedAsGiven()
     QCOMPARE(paths, expected);
 }
 
-void tst_MediaWatcher::emptyMediumHasItsDots_data()
+void tst_MediaWatcher::emptyMediumListsDotEntries_data()
 {
     QTest::addColumn<bool>("recursive");
     QTest::addColumn<QStringList>("patterns");
     QTest::addColumn<bool>("hasDots");
     for (const bool recursive : {false, true}) {
-        const char* const mode = recursive ? "recursive" : "top folder";
+        const char* const mode = recursive ? "recursive" : "top directory";
         QTest::addRow("%s, no pattern", mode) << recursive << QStringList() << true;
         QTest::addRow("%s, all names", mode) << recursive << words("*") << true;
         QTest::addRow("%s, names with a dot", mode) << recursive << words("*.*") << true;
@@ -418,7 +419,7 @@ void tst_MediaWatcher::emptyMediumHasItsDots_data()
     }
 }
 
-void tst_MediaWatcher::emptyMediumHasItsDots()
+void tst_MediaWatcher::emptyMediumListsDotEntries()
 {
     QFETCH(bool, recursive);
     QFETCH(QStringList, patterns);
@@ -433,11 +434,11 @@ void tst_MediaWatcher::emptyMediumHasItsDots()
     QCOMPARE(found.size(), hasDots ? 1 : 0);
     if (hasDots) {
         found.first().sort();
-        QCOMPARE(found.first(), inFolder(words(". ..")));
+        QCOMPARE(found.first(), inDirectory(words(". ..")));
     }
 }
 
-void tst_MediaWatcher::nothingFoundIsNoSignal_data()
+void tst_MediaWatcher::noMatchEmitsNoSignal_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("missing") << "missing";
@@ -445,7 +446,7 @@ void tst_MediaWatcher::nothingFoundIsNoSignal_data()
     QTest::newRow("below a file") << "file/folder";
 }
 
-void tst_MediaWatcher::nothingFoundIsNoSignal()
+void tst_MediaWatcher::noMatchEmitsNoSignal()
 {
     QFETCH(QString, name);
     writeFile("file", "");
@@ -477,27 +478,27 @@ void tst_MediaWatcher::settingsAreReplaced()
     QStringList patterns = words("*.mp3");
     watcher.setFileMatchPatternList(patterns);
     patterns.append("*.txt");
-    QCOMPARE(found(), inFolder(words("a.mp3")));
+    QCOMPARE(found(), inDirectory(words("a.mp3")));
     watcher.setRecursive(true);
-    QCOMPARE(found(), inFolder(words("a.mp3 sub/c.mp3")));
+    QCOMPARE(found(), inDirectory(words("a.mp3 sub/c.mp3")));
     watcher.setFileMatchPatternList(words("*.txt"));
-    QCOMPARE(found(), inFolder(words("b.txt")));
+    QCOMPARE(found(), inDirectory(words("b.txt")));
     watcher.setFileMatchPatternList(words("*.mp3"));
     watcher.setRecursive(false);
-    QCOMPARE(found(), inFolder(words("a.mp3")));
+    QCOMPARE(found(), inDirectory(words("a.mp3")));
     watcher.setFileMatchPatternList({});
-    QCOMPARE(found(), inFolder(words(". .. a.mp3 b.txt sub")));
+    QCOMPARE(found(), inDirectory(words(". .. a.mp3 b.txt sub")));
 }
 
-void tst_MediaWatcher::answerComesWithinTheCall()
+void tst_MediaWatcher::signalIsEmittedDuringTheCall()
 {
     writeFile("a.mp3", "");
     MediaWatcher watcher(nullptr);
     watcher.setFileMatchPatternList(words("*.mp3"));
     Findings findings(watcher);
-    for (int i = 0; i < 3; ++i) { // each call answers anew, with nothing of the one before
+    for (int i = 0; i < 3; ++i) { // each call searches again and starts with an empty list
         watcher.mediumMounted(folder());
-        QCOMPARE(findings.take(), QVector<QStringList>({inFolder(words("a.mp3"))}));
+        QCOMPARE(findings.take(), QVector<QStringList>({inDirectory(words("a.mp3"))}));
     }
 }
 

@@ -37,15 +37,15 @@ class tst_RecursiveFileSearchWorkerThread : public TestCase
 private Q_SLOTS:
     void metaObject();
     void freshWorker();
-    void directRunFinds_data();
-    void directRunFinds();
+    void directRunFindsFiles_data();
+    void directRunFindsFiles();
     void resultIsInFileSystemOrder();
-    void everyRunAnswersAnew();
+    void everyRunSearchesAgain();
     void argumentsAreCopied();
     void poolDeletesTheWorker();
-    void poolLeavesTheWorker();
+    void poolKeepsTheWorkerWithoutAutoDelete();
     void manyWorkersAtOnce();
-    void taskMayBeDeletedAsARunnable();
+    void workerMayBeDeletedAsQRunnable();
 
 private:
     void addTree();
@@ -82,18 +82,18 @@ void tst_RecursiveFileSearchWorkerThread::freshWorker()
     QCOMPARE(worker.metaObject(), &RecursiveFileSearchWorkerThread::staticMetaObject);
     QVERIFY(worker.autoDelete());
     QVERIFY(worker.parent() == nullptr);
-    // The QObject comes first.
+    // QObject is the first base class.
     QCOMPARE(static_cast<const void*>(static_cast<const QObject*>(&worker)),
              static_cast<const void*>(&worker));
 }
 
-void tst_RecursiveFileSearchWorkerThread::directRunFinds_data()
+void tst_RecursiveFileSearchWorkerThread::directRunFindsFiles_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QStringList>("patterns");
     QTest::addColumn<QStringList>("expected"); // sorted
 
-    QTest::newRow("files and folders at every depth")
+    QTest::newRow("files and directories at every depth")
         << QString() << words("*.csv")
         << words("A.CSV b.csv sub/d.csv sub/deeper.csv sub/deeper.csv/e.csv");
     QTest::newRow("several patterns")
@@ -101,16 +101,16 @@ void tst_RecursiveFileSearchWorkerThread::directRunFinds_data()
     QTest::newRow("no pattern") << "sub" << QStringList()
                                 << words(". . ../ d.csv deeper.csv deeper.csv deeper.csv/e.csv");
     QTest::newRow("trailing slash") << "sub/" << words("d*") << words("d.csv deeper.csv");
-    // Not the folder that the link is in, but the one above that which it leads to.
+    // ".." after a link is the parent of the link's target, not the directory of the link.
     QTest::newRow("link and back")
         << "link/.." << words("[de]*") << words("d.csv deeper.csv deeper.csv/e.csv");
-    QTest::newRow("nothing fits") << QString() << words("*.ogg") << QStringList();
-    QTest::newRow("empty folder") << "empty" << words("*.csv") << QStringList();
-    QTest::newRow("missing folder") << "missing" << QStringList() << QStringList();
+    QTest::newRow("no match") << QString() << words("*.ogg") << QStringList();
+    QTest::newRow("empty directory") << "empty" << words("*.csv") << QStringList();
+    QTest::newRow("missing directory") << "missing" << QStringList() << QStringList();
     QTest::newRow("file") << "b.csv" << QStringList() << QStringList();
 }
 
-void tst_RecursiveFileSearchWorkerThread::directRunFinds()
+void tst_RecursiveFileSearchWorkerThread::directRunFindsFiles()
 {
     QFETCH(QString, name);
     QFETCH(QStringList, patterns);
@@ -141,7 +141,7 @@ void tst_RecursiveFileSearchWorkerThread::resultIsInFileSystemOrder()
     QCOMPARE(finished.first().first().toStringList(), expected);
 }
 
-void tst_RecursiveFileSearchWorkerThread::everyRunAnswersAnew()
+void tst_RecursiveFileSearchWorkerThread::everyRunSearchesAgain()
 {
     RecursiveFileSearchWorkerThread worker(folder(), {"*.csv"});
     QSignalSpy finished(&worker, &RecursiveFileSearchWorkerThread::searchFinished);
@@ -195,14 +195,14 @@ void tst_RecursiveFileSearchWorkerThread::poolDeletesTheWorker()
     QVERIFY(guard.isNull());
     QVERIFY(emittedIn != nullptr);
     QVERIFY(emittedIn != QThread::currentThread());
-    // It waits for this thread's event loop, although the sender is gone.
+    // The signal waits for this thread's event loop although the sender is gone.
     QCOMPARE(resultCount, 0);
     QTRY_COMPARE(resultCount, 1);
     QCOMPARE(receivedIn, QThread::currentThread());
     QCOMPARE(sorted(result), words("A.CSV b.csv sub/d.csv sub/deeper.csv/e.csv"));
 }
 
-void tst_RecursiveFileSearchWorkerThread::poolLeavesTheWorker()
+void tst_RecursiveFileSearchWorkerThread::poolKeepsTheWorkerWithoutAutoDelete()
 {
     RecursiveFileSearchWorkerThread worker(folder(), {"*.csv"});
     worker.setAutoDelete(false);
@@ -244,7 +244,7 @@ void tst_RecursiveFileSearchWorkerThread::manyWorkersAtOnce()
     QTRY_COMPARE(right, workerCount);
 }
 
-void tst_RecursiveFileSearchWorkerThread::taskMayBeDeletedAsARunnable()
+void tst_RecursiveFileSearchWorkerThread::workerMayBeDeletedAsQRunnable()
 {
     auto* const worker = new RecursiveFileSearchWorkerThread(folder(), {});
     const QPointer<RecursiveFileSearchWorkerThread> guard(worker);

@@ -29,20 +29,20 @@ const char* const signature = "void TextFileParser::setError(const QString&)";
 
 using Options = QRegularExpression::PatternOptions;
 
-// Whether expressions are compiled to machine code. Where they are not, there is no small stack,
-// and a search over a long text takes minutes.
+// Whether expressions are compiled to machine code. Otherwise there is no small stack, and matching
+// a long text takes minutes.
 const bool areExpressionsCompiled = qgetenv("QT_ENABLE_REGEXP_JIT") != "0";
 
-// What comes of an expression over a text.
+// The outcome of matching an expression with a text.
 enum Outcome
 {
     NoMatch,
-    GivenUp, // the steps, or the stack, were used up
+    GivenUp, // the limit of steps or of the stack was reached
     Invalid
 };
 
-// The most that this process has had in memory.
-int mostMemoryInMiB()
+// Peak memory use of this process.
+int peakMemoryInMiB()
 {
     rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
@@ -55,7 +55,7 @@ int availableMemoryInMiB()
     return memory.match(QRegularExpression("MemAvailable:\\s+(\\d+)")).toInt() / 1024;
 }
 
-// As QStringList's comparison, which takes null and empty texts for equal, but does not.
+// Compares lists and, unlike QStringList, distinguishes null from empty texts.
 QString difference(const QStringList& actual, const QStringList& expected)
 {
     const QString actualTexts = LiteralTextFile::described(actual);
@@ -124,41 +124,41 @@ private Q_SLOTS:
     void decodesTheFile_data();
     void decodesTheFile();
     void fileIsUtf8InEveryLocale();
-    void readsFilesWithoutASize();
+    void readsFilesOfUnknownSize();
     void readsLargeFiles();
     void hugeFileEndsAtItsZeroByte_data();
     void hugeFileEndsAtItsZeroByte();
-    void hugeFileFitsInLittleAddressSpace();
-    void growingFileEndsWhereItEndedAtOpening();
+    void hugeFileNeedsLittleAddressSpace();
+    void growingFileIsReadUpToItsInitialSize();
     void fifoIsReadToItsEnd();
-    void keepsTheContentOfItsConstruction();
+    void contentIsReadAtConstruction();
 
     void missingFile_data();
     void missingFile();
     void directory();
     void unreadableFile();
-    void fileBehindAClosedFolder();
+    void fileInAnInaccessibleDirectory();
     void relativeFileName();
 
     void matches_data();
     void matches();
-    void emptyContentStillMatchesEmptyExpressions();
-    void agreesWithTheObviousWay();
+    void emptyContentMatchesEmptyExpressions();
+    void matchesTheLiteralVersion();
 
-    void invalidExpression_data();
-    void invalidExpression();
-    void invalidExpressionAlone();
-    void invalidMatchOfOne();
+    void invalidExpressionIsReportedByMultiMatch_data();
+    void invalidExpressionIsReportedByMultiMatch();
+    void invalidExpressionIsReportedByInternalMatch();
+    void invalidExpressionIsReportedByMatch();
     void endlessBacktrackingEnds();
-    void backtrackingIsSparedWhereAMatchIsOutOfQuestion();
-    void backtrackingBehindAMatchEndsTheList();
+    void missingRequiredCharacterAvoidsBacktracking();
+    void backtrackingAfterAMatchEndsTheList();
     void hostileExpressions_data();
     void hostileExpressions();
-    void fewerStepsCanBeAskedFor();
-    void memoryIsBoundedWhereItIsAskedFor();
+    void patternMayLimitSteps();
+    void patternMayLimitMemory();
 
-    void internalMatchGivesAllOfAMatch();
-    void errorsStay();
+    void internalMatchReturnsAllGroups();
+    void errorsPersistUntilCleared();
     void setErrorWarns_data();
     void setErrorWarns();
     void copiesAreIndependent();
@@ -171,7 +171,7 @@ private:
             .function(signature);
     }
 
-    // The whole text that the parser holds.
+    // The whole text of the parser.
     static QString contentOf(TextFileParser& parser)
     {
         return parser.match(
@@ -189,17 +189,17 @@ void tst_TextFileParser::decodesTheFile_data()
     QTest::newRow("carriage returns before line feeds")
         << QByteArray("one\r\ntwo\r\n") << "one\ntwo\n";
     QTest::newRow("carriage returns elsewhere") << QByteArray("\rone\r\r\ntw\ro\r") << "one\ntwo";
-    QTest::newRow("carriage returns only") << QByteArray("\r\r") << QString();
+    QTest::newRow("only carriage returns") << QByteArray("\r\r") << QString();
     QTest::newRow("carriage return and zero byte") << QByteArray("\r\0a", 3) << "";
     QTest::newRow("zero byte") << QByteArray("one\0two", 7) << "one";
-    QTest::newRow("zero byte first") << QByteArray("\0two", 4) << "";
-    QTest::newRow("zero byte last") << QByteArray("one\0", 4) << "one";
+    QTest::newRow("leading zero byte") << QByteArray("\0two", 4) << "";
+    QTest::newRow("trailing zero byte") << QByteArray("one\0", 4) << "one";
     QTest::newRow("UTF-8") << QByteArray("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80")
                            << QStringLiteral("\u00e4\u20ac\U0001f600");
     QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfone") << "one";
-    QTest::newRow("byte order mark alone") << QByteArray("\xef\xbb\xbf") << "";
+    QTest::newRow("only a byte order mark") << QByteArray("\xef\xbb\xbf") << "";
     QTest::newRow("not UTF-8") << QByteArray("a\xff\xe4z") << QStringLiteral("a\ufffd\ufffdz");
-    QTest::newRow("cut in a character")
+    QTest::newRow("truncated character")
         << QByteArray("a\xe2\x82") << QStringLiteral("a\ufffd\ufffd");
 }
 
@@ -225,8 +225,8 @@ void tst_TextFileParser::fileIsUtf8InEveryLocale()
     QCOMPARE(contentOf(parser), QStringLiteral("\u00e4"));
 }
 
-// The kernel's files give their size as 0.
-void tst_TextFileParser::readsFilesWithoutASize()
+// Kernel files report size 0.
+void tst_TextFileParser::readsFilesOfUnknownSize()
 {
     TextFileParser parser("/proc/self/status");
     QCOMPARE(parser.match(QRegularExpression(QStringLiteral("\\bPid:\\s+(\\d+)"))),
@@ -254,10 +254,11 @@ void tst_TextFileParser::hugeFileEndsAtItsZeroByte_data()
 {
     QTest::addColumn<qint64>("size");
     QTest::addColumn<QString>("content");
-    QTest::newRow("twice its characters exceed a QString") << qint64(1025) * 1024 * 1024 << "text";
-    // QIODevice::readAll() returns nothing of a file that a QByteArray cannot hold.
-    QTest::newRow("as large as an int") << qint64(INT_MAX) << QString();
-    QTest::newRow("larger than an int") << qint64(5) * 1024 * 1024 * 1024 << QString();
+    QTest::newRow("too many characters for a QString when doubled")
+        << qint64(1025) * 1024 * 1024 << "text";
+    // QIODevice::readAll() returns nothing if the file is too large for a QByteArray.
+    QTest::newRow("largest int as size") << qint64(INT_MAX) << QString();
+    QTest::newRow("size larger than an int") << qint64(5) * 1024 * 1024 * 1024 << QString();
 }
 
 void tst_TextFileParser::hugeFileEndsAtItsZeroByte()
@@ -274,13 +275,13 @@ void tst_TextFileParser::hugeFileEndsAtItsZeroByte()
     QCOMPARE(contentOf(parser), content);
 }
 
-void tst_TextFileParser::hugeFileFitsInLittleAddressSpace()
+void tst_TextFileParser::hugeFileNeedsLittleAddressSpace()
 {
     const QString filePath = writeFile("file", QByteArray("text\0more", 9));
     QVERIFY(QFile::resize(filePath, qint64(600) * 1024 * 1024));
     const ChildResult child = ChildProcess::run([&filePath] {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-        // The sanitizer's own mappings exceed any such limit.
+        // The sanitizer's own mappings exceed such a limit.
         const rlim_t addressSpace = RLIM_INFINITY;
 #else
         const rlim_t addressSpace = rlim_t(900000) * 1024;
@@ -294,7 +295,7 @@ void tst_TextFileParser::hugeFileFitsInLittleAddressSpace()
     QCOMPARE(child.exitCode, 0);
 }
 
-void tst_TextFileParser::growingFileEndsWhereItEndedAtOpening()
+void tst_TextFileParser::growingFileIsReadUpToItsInitialSize()
 {
     constexpr int initialSize = 8 * 1024 * 1024;
     constexpr int finalSize = 16 * initialSize;
@@ -311,7 +312,7 @@ void tst_TextFileParser::growingFileEndsWhereItEndedAtOpening()
     TextFileParser parser(filePath);
     isWriting = false;
     writer.join();
-    // One that follows the writer ends where the writer does.
+    // A parser that follows the writer would read everything that is written.
     QVERIFY(contentOf(parser).size() >= initialSize);
     QVERIFY2(contentOf(parser).size() < finalSize,
              QByteArray::number(contentOf(parser).size()).constData());
@@ -323,14 +324,14 @@ void tst_TextFileParser::fifoIsReadToItsEnd()
     const QString filePath = path("fifo");
     const QByteArray name = QFile::encodeName(filePath);
     QCOMPARE(mkfifo(name.constData(), 0600), 0);
-    // Several times what a pipe holds, so that the writer notices a reader that leaves early.
+    // Several times the size of a pipe, so that the writer notices if the reader stops early.
     const QByteArray bytes = QByteArray("a\0", 2) + QByteArray(300000 - 2, 'b');
     std::atomic<ssize_t> written(-1);
     std::thread writer([&name, &bytes, &written] {
         sigset_t pipeSignal;
         sigemptyset(&pipeSignal);
         sigaddset(&pipeSignal, SIGPIPE);
-        pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr); // as an error of write()
+        pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr); // write() returns an error instead
         const int descriptor = open(name.constData(), O_WRONLY | O_CLOEXEC);
         written = write(descriptor, bytes.constData(), size_t(bytes.size()));
         close(descriptor);
@@ -342,7 +343,7 @@ void tst_TextFileParser::fifoIsReadToItsEnd()
     QVERIFY(!parser.hasError());
 }
 
-void tst_TextFileParser::keepsTheContentOfItsConstruction()
+void tst_TextFileParser::contentIsReadAtConstruction()
 {
     const QString filePath = writeFile("file", "first");
     TextFileParser parser(filePath);
@@ -359,7 +360,7 @@ void tst_TextFileParser::missingFile_data()
 
     QTest::newRow("absolute") << "/nowhere/to/be/found";
     QTest::newRow("relative") << "nowhere/../to/./be//found";
-    QTest::newRow("home folder is not expanded") << "~";
+    QTest::newRow("tilde is not expanded") << "~";
     QTest::newRow("not ASCII") << QStringLiteral("/nowhere/\u00e4\u20ac");
     QTest::newRow("through a file") << "/proc/version/file";
     QTest::newRow("empty") << QString();
@@ -375,7 +376,7 @@ void tst_TextFileParser::missingFile()
     QVERIFY(parser.hasError());
     QCOMPARE(parser.getLastError(), error);
 
-    // No further error.
+    // Matching adds no further error.
     const QRegularExpression expression("\\w+");
     QCOMPARE(parser.multiMatch(expression), QStringList());
     QVERIFY(parser.match(expression).isNull());
@@ -415,8 +416,8 @@ void tst_TextFileParser::unreadableFile()
     QCOMPARE(result.output, '"' + error.toUtf8() + "\"\n");
 }
 
-// What cannot be reached does not exist.
-void tst_TextFileParser::fileBehindAClosedFolder()
+// A file that cannot be reached counts as missing.
+void tst_TextFileParser::fileInAnInaccessibleDirectory()
 {
     const QString filePath = writeFile("file", "secret");
     const QString error = "File doesn't exists: " + filePath;
@@ -468,20 +469,20 @@ void tst_TextFileParser::matches_data()
     addRow("one group", "version=(\\S+)", lines, {"1.2", "3"});
     addRow("several groups", "(\\w+)=(\\S)(\\S*)", lines, {"name", "version", "version"});
     addRow("group in a group", "version=((\\d)\\S*)", lines, {"1.2", "3"});
-    addRow("group that does not capture", "(?:version|name)=.", lines,
+    addRow("non-capturing group", "(?:version|name)=.", lines,
            {"name=x", "version=1", "version=3"});
     addRow("named group", "version=(?<number>\\d)", lines, {"1", "3"});
     addRow("second group named", "(v)ersion=(?<number>\\d)", lines, {"v", "v"});
-    addRow("repeated group keeps its last turn", "(?:(\\d)\\.?)+", lines, {"2", "3"});
-    addRow("optional group takes part or not", "a(b)?", "ab a", {"b", "a"});
-    addRow("only group takes no part", "a|(b)", "a", {"a"});
-    addRow("first group takes no part, a later one does", "(a)|(b)", "ab", {"a", null});
-    addRow("first group takes part, the later one does not", "(a)(b)?", "a", {"a"});
-    addRow("group in a negative look-ahead never takes part", "a(?!(b))", "ac", {"a"});
+    addRow("repeated group keeps its last match", "(?:(\\d)\\.?)+", lines, {"2", "3"});
+    addRow("optional group participates or not", "a(b)?", "ab a", {"b", "a"});
+    addRow("only group does not participate", "a|(b)", "a", {"a"});
+    addRow("first group does not participate, a later one does", "(a)|(b)", "ab", {"a", null});
+    addRow("first group participates, the later one does not", "(a)(b)?", "a", {"a"});
+    addRow("group in a negative look-ahead never participates", "a(?!(b))", "ac", {"a"});
     addRow("empty group", "key=(\\w*)", "key=\nkey=v", {empty, "v"});
-    addRow("empty group alone", "()", "ab", {empty, empty, empty});
+    addRow("only an empty group", "()", "ab", {empty, empty, empty});
     addRow("empty matches", "x*", "axxb", {empty, "xx", empty, empty});
-    addRow("empty matches do not part a surrogate pair", "x*", "\xf0\x9f\x98\x80", {empty, empty});
+    addRow("empty matches do not split a surrogate pair", "x*", "\xf0\x9f\x98\x80", {empty, empty});
     addRow("empty expression", QString(), "a", {empty, empty});
     addRow("look-behind", "(?<==)\\d", lines, {"1", "3"});
     addRow("negative look-behind", "(?<!b)a", "ba ca", {"a"});
@@ -491,26 +492,28 @@ void tst_TextFileParser::matches_data()
     addRow("match start moved", "version=\\K\\d", lines, {"1", "3"});
     addRow("back-reference", "(.)\\1", "aabcc", {"a", "c"});
     addRow("overlapping occurrences", "aa", "aaaa", {"aa", "aa"});
-    addRow("case counts", "VERSION", lines, {});
-    addRow("case does not count", "VERSION", lines, {"version", "version"},
+    addRow("case-sensitive", "VERSION", lines, {});
+    addRow("case-insensitive", "VERSION", lines, {"version", "version"},
            QRegularExpression::CaseInsensitiveOption);
-    addRow("case beyond ASCII does not count", QStringLiteral("\u00c4"), "\xc3\xa4",
+    addRow("case-insensitive beyond ASCII", QStringLiteral("\u00c4"), "\xc3\xa4",
            {QStringLiteral("\u00e4")}, QRegularExpression::CaseInsensitiveOption);
     addRow("word without Unicode properties", "\\w+", "a\xc3\xa4", {"a"});
     addRow("word with Unicode properties", "\\w+", "a\xc3\xa4", {QStringLiteral("a\u00e4")},
            QRegularExpression::UseUnicodePropertiesOption);
-    addRow("a character beyond the base plane is one", "^.$", "\xf0\x9f\x98\x80",
+    addRow("a character outside the BMP is one character", "^.$", "\xf0\x9f\x98\x80",
            {QStringLiteral("\U0001f600")});
-    addRow("anchors are those of the text", "^\\w+|\\w+$", "one\ntwo\nthree\n", {"one", "three"});
-    addRow("anchors are those of the lines", "^\\w+$", "one\r\ntwo\nthree", {"one", "two", "three"},
-           QRegularExpression::MultilineOption);
-    addRow("a dot is no line feed", "e.t", "e\nt", {});
-    addRow("a dot is a line feed", "e.t", "e\r\nt", {"e\nt"},
+    addRow("anchors match at the ends of the text", "^\\w+|\\w+$", "one\ntwo\nthree\n",
+           {"one", "three"});
+    addRow("anchors match at the ends of lines", "^\\w+$", "one\r\ntwo\nthree",
+           {"one", "two", "three"}, QRegularExpression::MultilineOption);
+    addRow("dot does not match a line feed", "e.t", "e\nt", {});
+    addRow("dot matches a line feed", "e.t", "e\r\nt", {"e\nt"},
            QRegularExpression::DotMatchesEverythingOption);
-    addRow("there is no carriage return", "\\r", "one\r\ntwo\r", {});
+    addRow("no carriage returns are left", "\\r", "one\r\ntwo\r", {});
     addRow("groups do not capture", "version=(\\S+)", lines, {"version=1.2", "version=3"},
            QRegularExpression::DontCaptureOption);
-    addRow("greed inverted", "a+", "aa", {"a", "a"}, QRegularExpression::InvertedGreedinessOption);
+    addRow("inverted greediness", "a+", "aa", {"a", "a"},
+           QRegularExpression::InvertedGreedinessOption);
     addRow("extended syntax", "v (\\w) # a comment", "ve v x", {"e"},
            QRegularExpression::ExtendedPatternSyntaxOption);
 }
@@ -531,7 +534,7 @@ void tst_TextFileParser::matches()
     QVERIFY(parser.getLastError().isNull());
 }
 
-void tst_TextFileParser::emptyContentStillMatchesEmptyExpressions()
+void tst_TextFileParser::emptyContentMatchesEmptyExpressions()
 {
     const QRegularExpression expression("x*");
     TextFileParser emptyFile(writeFile("empty", QByteArray()));
@@ -544,7 +547,7 @@ void tst_TextFileParser::emptyContentStillMatchesEmptyExpressions()
     QCOMPARE(difference(missing.multiMatch(expression), {QString()}), QString());
 }
 
-void tst_TextFileParser::agreesWithTheObviousWay()
+void tst_TextFileParser::matchesTheLiteralVersion()
 {
     const int files = rounds(300);
     constexpr int patternsPerFile = 20;
@@ -564,8 +567,7 @@ void tst_TextFileParser::agreesWithTheObviousWay()
             QVERIFY2(result.isEmpty(),
                      qPrintable(expression.pattern() + " over " + content + ": " + result));
             QCOMPARE(difference({parser.match(expression)}, {expected.value(0)}), QString());
-            // An expression that takes too many steps to its first match is an error, in both
-            // calls.
+            // If the first match takes too many steps, both calls report an error.
             const bool isGivenUp = !expression.globalMatch(content).isValid();
             QCOMPARE(parser.hasError(), isGivenUp);
             QCOMPARE(messages().take().size(), isGivenUp ? 2 : 0);
@@ -573,12 +575,12 @@ void tst_TextFileParser::agreesWithTheObviousWay()
             withResults += expected.isEmpty() ? 0 : 1;
         }
     }
-    // The patterns are of use: many match and many do not.
+    // The patterns are useful: many match and many do not.
     QVERIFY(withResults > files * patternsPerFile / 4);
     QVERIFY(withResults < files * patternsPerFile);
 }
 
-void tst_TextFileParser::invalidExpression_data()
+void tst_TextFileParser::invalidExpressionIsReportedByMultiMatch_data()
 {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("shown");
@@ -586,15 +588,15 @@ void tst_TextFileParser::invalidExpression_data()
     const auto addRow = [](const char* name, const QString& pattern, const QString& shown) {
         QTest::newRow(name) << pattern << shown;
     };
-    addRow("bracket left open", "version=[a", "version=[a");
-    addRow("group left open", "version=(\\S+", "version=(\\\\S+");
+    addRow("unclosed bracket", "version=[a", "version=[a");
+    addRow("unclosed group", "version=(\\S+", "version=(\\\\S+");
     addRow("nothing to repeat", "*", "*");
     addRow("quotation mark", "(\"", "(\\\"");
     addRow("line feed", "(\n", "(\\n");
     addRow("not ASCII", QStringLiteral("(\u00e4"), QStringLiteral("(\u00e4"));
 }
 
-void tst_TextFileParser::invalidExpression()
+void tst_TextFileParser::invalidExpressionIsReportedByMultiMatch()
 {
     QFETCH(QString, pattern);
     QFETCH(QString, shown);
@@ -607,7 +609,7 @@ void tst_TextFileParser::invalidExpression()
     QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ") + pattern);
 }
 
-void tst_TextFileParser::invalidExpressionAlone()
+void tst_TextFileParser::invalidExpressionIsReportedByInternalMatch()
 {
     TextFileParser parser(writeFile("file", "content"));
     expectError("Invalid regular expresion: [");
@@ -618,7 +620,7 @@ void tst_TextFileParser::invalidExpressionAlone()
     QCOMPARE(parser.getLastError(), QStringLiteral("Invalid regular expresion: ["));
 }
 
-void tst_TextFileParser::invalidMatchOfOne()
+void tst_TextFileParser::invalidExpressionIsReportedByMatch()
 {
     TextFileParser parser(writeFile("file", "content"));
     expectError("Invalid regular expresion: [");
@@ -628,7 +630,7 @@ void tst_TextFileParser::invalidMatchOfOne()
     QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ["));
 }
 
-// A valid expression can still have no valid match: where the search gives up.
+// Even a valid expression has no valid match if matching exceeds a limit.
 void tst_TextFileParser::endlessBacktrackingEnds()
 {
     TextFileParser parser(writeFile("file", QByteArray(60, 'x') + " y"));
@@ -642,15 +644,15 @@ void tst_TextFileParser::endlessBacktrackingEnds()
     QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ") + pattern);
 }
 
-// Without a single y there is nothing to search for.
-void tst_TextFileParser::backtrackingIsSparedWhereAMatchIsOutOfQuestion()
+// The engine knows that a match needs a y, and the text has none.
+void tst_TextFileParser::missingRequiredCharacterAvoidsBacktracking()
 {
     TextFileParser parser(writeFile("file", QByteArray(60, 'x')));
     QVERIFY(parser.match(QRegularExpression("(x+x+)+y")).isNull());
     QVERIFY(!parser.hasError());
 }
 
-void tst_TextFileParser::backtrackingBehindAMatchEndsTheList()
+void tst_TextFileParser::backtrackingAfterAMatchEndsTheList()
 {
     TextFileParser parser(writeFile("file", "xxy " + QByteArray(60, 'x') + " xxy"));
     QCOMPARE(parser.multiMatch(QRegularExpression(QStringLiteral("(x+x+)+y"))), QStringList("xx"));
@@ -660,13 +662,13 @@ void tst_TextFileParser::backtrackingBehindAMatchEndsTheList()
 void tst_TextFileParser::hostileExpressions_data()
 {
     QTest::addColumn<QString>("pattern");
-    QTest::addColumn<QByteArray>("fitting"); // a line that has a match; none where it is empty
+    QTest::addColumn<QByteArray>("fitting"); // a line that matches; empty: there is none
     QTest::addColumn<QByteArray>("hostile");
-    QTest::addColumn<Outcome>("outcome"); // of the hostile text
+    QTest::addColumn<Outcome>("outcome"); // for the hostile text
 
     const auto row = [](const char* name, const char* pattern, const QByteArray& fitting,
                         const QByteArray& hostile, Outcome outcome) {
-        // Interpreters take several times as long for as many steps.
+        // The interpreter takes several times as long for the same number of steps.
         const QString limit =
             areExpressionsCompiled ? QString() : QStringLiteral("(*LIMIT_MATCH=100000)");
         QTest::newRow(name) << limit + QString::fromLatin1(pattern) << fitting << hostile
@@ -674,52 +676,53 @@ void tst_TextFileParser::hostileExpressions_data()
     };
     const auto as = [](int count) { return QByteArray(count, 'a'); };
 
-    // As many ways to divide the text as there are subsets of it.
+    // The number of ways to split the text is exponential.
     row("repetition of a repetition", "(a+)+b", "aab", as(40) + "!b", GivenUp);
-    row("repetition of what may be empty", "(a*)*b", "aab", as(40) + "!b", GivenUp);
+    row("repetition of a possibly empty group", "(a*)*b", "aab", as(40) + "!b", GivenUp);
     row("repetition of a repetition, at the end", "(a+)+$", "", as(40) + '!', GivenUp);
     row("lazy repetitions", "(a+?)+?b", "aab", as(40) + "!b", GivenUp);
-    row("alternatives that overlap", "(a|aa)+b", "aab", as(80) + "!b", GivenUp);
-    row("alternatives that are the same", "(?:a|a|a)+b", "aab", as(40) + "!b", GivenUp);
+    row("overlapping alternatives", "(a|aa)+b", "aab", as(80) + "!b", GivenUp);
+    row("identical alternatives", "(?:a|a|a)+b", "aab", as(40) + "!b", GivenUp);
     row("many dots and stars", "(.*a){20}b", "", as(60) + "!b", GivenUp);
-    row("fields of a line", "(?m)^(?:.*?,){11}P", "1,2,3,4,5,6,7,8,9,10,11,P",
+    row("fields of a CSV line", "(?m)^(?:.*?,){11}P", "1,2,3,4,5,6,7,8,9,10,11,P",
         QByteArray("1,").repeated(60) + "xP", GivenUp);
-    row("name of a class", "(?m)^(([a-z])+.)+[A-Z]([a-z])+$", "aaBb", as(60) + '!', GivenUp);
+    row("class name", "(?m)^(([a-z])+.)+[A-Z]([a-z])+$", "aaBb", as(60) + '!', GivenUp);
     row("optional letters", "(?:a?){30}a{30}b", as(60) + 'b', as(29) + '!' + QByteArray(9, 'b'),
         GivenUp);
     row("look-ahead in a look-ahead", "(?=(?=(a|aa)+b)a)a+b", "aab", as(80) + "!b", GivenUp);
     row("negative look-ahead", "(?!(a|aa)+c)a+b", "aab", as(80) + "!bc", GivenUp);
     row("look-behind", "(?<=!)(a+)+b", "!aab", '!' + as(40) + "!b", GivenUp);
-    row("back reference", "(?:(a*)\\1)+b", "aab", as(80) + "!b", GivenUp);
-    row("three back references", "(a*)(a*)(a*)\\1\\2\\3b", "aab", as(1000) + "!b", GivenUp);
-    row("kept start", "(?:a\\K|aa)+b", "aab", as(80) + "!b", GivenUp);
+    row("back-reference", "(?:(a*)\\1)+b", "aab", as(80) + "!b", GivenUp);
+    row("three back-references", "(a*)(a*)(a*)\\1\\2\\3b", "aab", as(1000) + "!b", GivenUp);
+    row("match start moved", "(?:a\\K|aa)+b", "aab", as(80) + "!b", GivenUp);
     row("huge quantifiers", "(?:a{1,65535}){1,50}b", "aab", as(3000) + "!b", GivenUp);
     row("condition", "(?:(?(?=aa)a|a)|aa)+b", "aab", as(80) + "!b", GivenUp);
 
-    // What is not taken at all.
+    // Expressions that are rejected.
     row("nested huge quantifiers", "((x{1,65535}){1,65535}){1,65535}", "", "x", Invalid);
     row("nested quantifiers", "((a{1,100}){1,100}){1,100}b", "", "b", Invalid);
-    row("quantifier beyond the largest", "a{65536}", "", "a", Invalid);
-    row("look-behind without a bound", "(?<=a+)b", "", "ab", Invalid);
+    row("quantifier above the maximum", "a{65536}", "", "a", Invalid);
+    row("unbounded look-behind", "(?<=a+)b", "", "ab", Invalid);
 
     if (!areExpressionsCompiled) {
         return;
     }
 
-    // The stack that recursion and groups are remembered on is small.
+    // The stack for recursion and groups is small.
     row("recursion", "a(?R)?b", "aabb", as(100000) + 'b', GivenUp);
     row("recursion in alternatives", "(?:a|\\((?R)(?R)?\\))*c", "(ac)c",
         QByteArray(100000, '(') + 'c', GivenUp);
-    row("recursion without a step", "(?R)?a|b", "", as(40), GivenUp);
+    row("recursion that consumes nothing", "(?R)?a|b", "", as(40), GivenUp);
     row("a group for each character", "(.|\\n)*z", "", QByteArray(1000000, 'a'), GivenUp);
 
-    row("one repetition for all of them", "(?s)\\A.*z", "", QByteArray(1000000, 'a'), NoMatch);
+    row("one repetition for all characters", "(?s)\\A.*z", "", QByteArray(1000000, 'a'), NoMatch);
 
-    // Each start alone stays below the limit. Time grows as a power of the text's length.
+    // Each start position stays below the limit, but time grows polynomially with the text's
+    // length.
     row("possessive repetitions", "(a++)++b", "aab", as(5000) + "!b", NoMatch);
     row("atomic group", "(?>(a|aa)+)b", "aab", as(2000) + "!b", NoMatch);
-    row("blanks at the end", "\\s+$", "", QByteArray(5000, ' ') + '!', NoMatch);
-    row("neighbors that overlap", "(?:a|b)*(?:a|c)*[xy]", "aax", as(300) + '!', NoMatch);
+    row("spaces at the end", "\\s+$", "", QByteArray(5000, ' ') + '!', NoMatch);
+    row("overlapping neighbors", "(?:a|b)*(?:a|c)*[xy]", "aax", as(300) + '!', NoMatch);
 }
 
 void tst_TextFileParser::hostileExpressions()
@@ -732,7 +735,7 @@ void tst_TextFileParser::hostileExpressions()
     const QRegularExpression expression(pattern);
     const QString invalidMatch = "Invalid match on expresion: ";
     const QString shown = QString(pattern).replace("\\", "\\\\");
-    const int memoryBefore = mostMemoryInMiB();
+    const int memoryBefore = peakMemoryInMiB();
     const CpuTime time;
 
     TextFileParser parser(writeFile("hostile", hostile));
@@ -746,20 +749,20 @@ void tst_TextFileParser::hostileExpressions()
     QCOMPARE(parser.hasError(), outcome != NoMatch);
     QCOMPARE(parser.getLastError(), outcome == NoMatch ? QString() : invalidMatch + pattern);
 
-    // Behind a match there is no error, whatever the outcome.
+    // After a match there is no error, whatever the outcome.
     if (!fitting.isEmpty()) {
         TextFileParser both(writeFile("both", fitting + '\n' + hostile));
         QCOMPARE(both.multiMatch(expression).size(), 1);
         QVERIFY(!both.hasError());
     }
     QVERIFY2(time.seconds() < 60, qPrintable(QString::number(time.seconds())));
-    const int memory = mostMemoryInMiB() - memoryBefore;
+    const int memory = peakMemoryInMiB() - memoryBefore;
     QVERIFY2(memory < 128, qPrintable(QString::number(memory)));
 }
 
-void tst_TextFileParser::fewerStepsCanBeAskedFor()
+void tst_TextFileParser::patternMayLimitSteps()
 {
-    // Without the limit this takes half a minute, and ends without an error.
+    // Without the limit this takes half a minute and ends without an error.
     const QString pattern = "(*LIMIT_MATCH=10000)(?:a|b)*(?:a|c)*[xy]";
     TextFileParser parser(writeFile("file", QByteArray(3000, 'a') + '!'));
     expectError("Invalid match on expresion: " + pattern);
@@ -769,20 +772,20 @@ void tst_TextFileParser::fewerStepsCanBeAskedFor()
     QVERIFY(parser.hasError());
 }
 
-// Where expressions are not compiled to machine code (by the pattern's wish here, by that of the
-// environment, or as the processor is not known), steps are remembered on the heap.
-void tst_TextFileParser::memoryIsBoundedWhereItIsAskedFor()
+// If expressions are not compiled to machine code (disabled by the pattern, as here, by the
+// environment, or for lack of processor support), backtracking state is kept on the heap.
+void tst_TextFileParser::patternMayLimitMemory()
 {
     const QString pattern = "(*NO_JIT)(*LIMIT_HEAP=10000)^(a|b)*$";
     TextFileParser parser(writeFile("file", QByteArray(1000000, 'a')));
     expectError("Invalid match on expresion: " + pattern);
-    const int before = mostMemoryInMiB();
+    const int before = peakMemoryInMiB();
     QCOMPARE(parser.multiMatch(QRegularExpression(pattern)), QStringList());
     QVERIFY(parser.hasError());
-    QVERIFY(mostMemoryInMiB() - before < 128);
+    QVERIFY(peakMemoryInMiB() - before < 128);
 }
 
-void tst_TextFileParser::internalMatchGivesAllOfAMatch()
+void tst_TextFileParser::internalMatchReturnsAllGroups()
 {
     TextFileParser parser(writeFile("file", "a=1\r\nb=2"));
     QRegularExpressionMatchIterator matches =
@@ -798,7 +801,7 @@ void tst_TextFileParser::internalMatchGivesAllOfAMatch()
     QVERIFY(!parser.hasError());
 }
 
-void tst_TextFileParser::errorsStay()
+void tst_TextFileParser::errorsPersistUntilCleared()
 {
     TextFileParser parser(writeFile("file", "content"));
     const QRegularExpression valid("\\w+");
@@ -818,7 +821,7 @@ void tst_TextFileParser::errorsStay()
     QCOMPARE(parser.match(valid), QStringLiteral("content"));
     QVERIFY(!parser.hasError());
 
-    // The next error counts again.
+    // The next error is reported again.
     expectError(error);
     parser.internallMatch(QRegularExpression("("));
     QVERIFY(parser.hasError());
@@ -846,7 +849,7 @@ void tst_TextFileParser::setErrorWarns()
 
     TextFileParser parser(writeFile("file", QByteArray()));
     messages().expectWarning("TextFileParser", warning).function(signature);
-    // A message handler that asks gets the error that it is told of.
+    // A message handler can read the error that the message is about.
     QStringList errorsInHandler;
     messages().setObserver([&parser, &errorsInHandler](const Message&) {
         errorsInHandler.append(parser.hasError() ? parser.getLastError() : QStringLiteral("none"));

@@ -5,7 +5,8 @@
 #include <memory>
 #include <type_traits>
 
-static_assert(std::has_virtual_destructor<WildcardFilter>::value, "filters may be derived from");
+static_assert(std::has_virtual_destructor<WildcardFilter>::value,
+              "filters may be deleted through a base pointer");
 static_assert(std::is_copy_constructible<WildcardFilter>::value &&
                   std::is_copy_assignable<WildcardFilter>::value,
               "filters are values");
@@ -25,24 +26,24 @@ class tst_WildcardFilter : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void caseFollowsTheFlagAlone_data();
-    void caseFollowsTheFlagAlone();
-    void patternsFitWholeNames_data();
-    void patternsFitWholeNames();
-    void manyStarsOverTheLongestName_data();
-    void manyStarsOverTheLongestName();
-    void anyOfManyPatternsIsEnough_data();
-    void anyOfManyPatternsIsEnough();
-    void emptyNameWarnsAndFitsNothing_data();
-    void emptyNameWarnsAndFitsNothing();
+    void onlyTheFlagDecidesCaseSensitivity_data();
+    void onlyTheFlagDecidesCaseSensitivity();
+    void patternsMatchWholeNames_data();
+    void patternsMatchWholeNames();
+    void manyStarsOnTheLongestName_data();
+    void manyStarsOnTheLongestName();
+    void anyMatchingPatternIsEnough_data();
+    void anyMatchingPatternIsEnough();
+    void emptyNameWarnsAndDoesNotMatch_data();
+    void emptyNameWarnsAndDoesNotMatch();
     void everyEmptyNameWarns();
-    void filterMayBeAskedAgain();
+    void filterMayBeUsedAgain();
     void filterKeepsItsPatterns();
     void copiesAreIndependent();
-    void derivedFiltersAreDestroyedWhole();
+    void destructorIsVirtual();
 };
 
-void tst_WildcardFilter::caseFollowsTheFlagAlone_data()
+void tst_WildcardFilter::onlyTheFlagDecidesCaseSensitivity_data()
 {
     QTest::addColumn<QDir::Filters>("filters");
     QTest::addColumn<bool>("caseCounts");
@@ -54,8 +55,9 @@ void tst_WildcardFilter::caseFollowsTheFlagAlone_data()
     row("CaseSensitive", QDir::CaseSensitive, true);
     row("the flag's value", QDir::Filters(QFlag(0x800)), true);
     row("NoFilter contains CaseSensitive", QDir::NoFilter, true);
-    row("CaseSensitive among others", QDir::Files | QDir::CaseSensitive | QDir::Hidden, true);
-    row("all others", QDir::Filters(QFlag(int(QDir::NoFilter) & ~int(QDir::CaseSensitive))), false);
+    row("CaseSensitive and other flags", QDir::Files | QDir::CaseSensitive | QDir::Hidden, true);
+    row("all other flags", QDir::Filters(QFlag(int(QDir::NoFilter) & ~int(QDir::CaseSensitive))),
+        false);
     row("Dirs", QDir::Dirs, false);
     row("Files", QDir::Files, false);
     row("Drives", QDir::Drives, false);
@@ -72,7 +74,7 @@ void tst_WildcardFilter::caseFollowsTheFlagAlone_data()
     row("NoDotDot", QDir::NoDotDot, false);
 }
 
-void tst_WildcardFilter::caseFollowsTheFlagAlone()
+void tst_WildcardFilter::onlyTheFlagDecidesCaseSensitivity()
 {
     QFETCH(QDir::Filters, filters);
     QFETCH(bool, caseCounts);
@@ -82,11 +84,11 @@ void tst_WildcardFilter::caseFollowsTheFlagAlone()
     QCOMPARE(filter.matchesFilters(QStringLiteral("a.txt")), !caseCounts);
     QCOMPARE(filter.matchesFilters(QStringLiteral("a.Txt")), !caseCounts);
     QVERIFY(!filter.matchesFilters("a.bin"));
-    // Kinds of entries mean nothing to a filter of names.
+    // Flags for entry types do not affect a filter for names.
     QVERIFY(filter.matchesFilters(".HIDDEN.TXT"));
 }
 
-void tst_WildcardFilter::patternsFitWholeNames_data()
+void tst_WildcardFilter::patternsMatchWholeNames_data()
 {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("name");
@@ -100,63 +102,63 @@ void tst_WildcardFilter::patternsFitWholeNames_data()
     row("end of the name", "*.gz", text("archive.tar.gz"), true);
     row("middle of the name", "*.tar", text("archive.tar.gz"), false);
     row("start of the name", "archive*", text("archive.tar.gz"), true);
-    row("start alone", "archive", text("archive.tar.gz"), false);
-    row("both ends open", "*tar*", text("archive.tar.gz"), true);
+    row("only the start", "archive", text("archive.tar.gz"), false);
+    row("star at both ends", "*tar*", text("archive.tar.gz"), true);
     row("whole name", "archive.tar.gz", text("archive.tar.gz"), true);
     row("more than the name", "archive.tar.gz?", text("archive.tar.gz"), false);
-    row("dot is a dot", "a.b", text("axb"), false);
-    row("star fits all", "*", text("anything at all"), true);
-    row("star fits nothing", "a*b", text("ab"), true);
-    row("star fits a hidden name", "*", text(".hidden"), true);
-    row("star fits the folder itself", "*", text("."), true);
-    row("star fits a slash", "*", text("folder/file"), true);
-    row("question mark is one character", "?.txt", text("a.txt"), true);
-    row("question mark is not none", "?.txt", text(".txt"), false);
-    row("question mark is not two", "?.txt", text("ab.txt"), false);
-    row("question mark is one umlaut", "?.txt", text("\xc3\xa4.txt"), true);
-    row("question mark is half a surrogate pair", "?", text("\xf0\x9f\x98\x80"), false);
-    row("two question marks are a surrogate pair", "??", text("\xf0\x9f\x98\x80"), true);
+    row("dot matches only a dot", "a.b", text("axb"), false);
+    row("star matches everything", "*", text("anything at all"), true);
+    row("star matches nothing", "a*b", text("ab"), true);
+    row("star matches a hidden name", "*", text(".hidden"), true);
+    row("star matches the directory itself", "*", text("."), true);
+    row("star matches a slash", "*", text("folder/file"), true);
+    row("question mark matches one character", "?.txt", text("a.txt"), true);
+    row("question mark does not match zero characters", "?.txt", text(".txt"), false);
+    row("question mark does not match two characters", "?.txt", text("ab.txt"), false);
+    row("question mark matches one umlaut", "?.txt", text("\xc3\xa4.txt"), true);
+    row("question mark matches half a surrogate pair", "?", text("\xf0\x9f\x98\x80"), false);
+    row("two question marks match a surrogate pair", "??", text("\xf0\x9f\x98\x80"), true);
     row("set", "[abc].txt", text("b.txt"), true);
     row("not in the set", "[abc].txt", text("d.txt"), false);
     row("range", "[a-c].txt", text("b.txt"), true);
-    row("beyond the range", "[a-c].txt", text("d.txt"), false);
-    row("set is one character", "[a-c].txt", text("ab.txt"), false);
+    row("outside the range", "[a-c].txt", text("d.txt"), false);
+    row("set matches one character", "[a-c].txt", text("ab.txt"), false);
     row("circumflex negates", "[^a].txt", text("b.txt"), true);
     row("circumflex excludes", "[^a].txt", text("a.txt"), false);
-    row("exclamation mark is in the set", "[!a].txt", text("!.txt"), true);
+    row("exclamation mark is part of the set", "[!a].txt", text("!.txt"), true);
     row("exclamation mark does not exclude", "[!a].txt", text("a.txt"), true);
     row("exclamation mark does not negate", "[!a].txt", text("b.txt"), false);
-    // QRegExp takes a backslash for itself, and once more before an ordinary character.
+    // QRegExp treats a backslash as literal and doubles it before an ordinary character.
     row("backslash at the end", "a\\", text("a\\"), true);
     row("backslash before a letter", "a\\b", text("a\\b"), false);
-    row("backslash before a letter is two", "a\\b", text("a\\\\b"), true);
+    row("backslash before a letter matches two", "a\\b", text("a\\\\b"), true);
     row("backslash and a star", "a\\*", text("a\\*"), true);
-    row("backslash keeps a star from fitting more", "a\\*", text("a\\bcd"), false);
-    row("backslash does not vanish before a star", "a\\*", text("a*"), false);
+    row("backslash escapes a star", "a\\*", text("a\\bcd"), false);
+    row("backslash is kept before a star", "a\\*", text("a*"), false);
     row("backslash and a question mark", "a\\?", text("a\\?"), true);
     row("backslash in a set", "a[\\]", text("a\\"), true);
     row("set with a star escapes it", "a[*]", text("a*"), true);
-    row("set with a star alone", "a[*]", text("ab"), false);
+    row("set of only a star", "a[*]", text("ab"), false);
     row("plus, dollar and parentheses", "a+$(b){2}|^", text("a+$(b){2}|^"), true);
-    row("bar is no alternative", "a|b", text("a"), false);
-    row("unfinished set fits nothing", "[a", text("a"), false);
-    row("unfinished set does not fit itself", "[a", text("[a"), false);
-    row("closing bracket without a set fits nothing", "]", text("]"), false);
-    row("closing bracket within a name fits nothing", "a]*", text("a]b"), false);
+    row("bar does not separate alternatives", "a|b", text("a"), false);
+    row("unclosed set matches nothing", "[a", text("a"), false);
+    row("unclosed set does not match itself", "[a", text("[a"), false);
+    row("closing bracket without a set matches nothing", "]", text("]"), false);
+    row("closing bracket within a name matches nothing", "a]*", text("a]b"), false);
     row("empty pattern", "", text("a"), false);
-    row("blank around a pattern counts", " *.txt", text("a.txt"), false);
-    row("list in one pattern is none", "*.txt;*.bin", text("a.txt"), false);
+    row("space around a pattern is significant", " *.txt", text("a.txt"), false);
+    row("list in one pattern is not split", "*.txt;*.bin", text("a.txt"), false);
     row("line feed", "a*b", text("a\nb"), true);
     row("line feed is one character", "a?b", text("a\nb"), true);
-    row("line feed at the end", "a", text("a\n"), false);
+    row("trailing line feed", "a", text("a\n"), false);
     row("umlauts", "gr\xc3\xbc*", text("gr\xc3\xbc\xc3\x9f"), true);
-    row("umlauts of the other case", "GR\xc3\x9c*", text("gr\xc3\xbcn"), true);
+    row("umlauts in different case", "GR\xc3\x9c*", text("gr\xc3\xbcn"), true);
     row("NUL", "a*c", QString::fromLatin1("a\0c", 3), true);
     row("lone surrogate", "a*c", QStringLiteral("a") + QChar(0xd800) + QStringLiteral("c"), true);
     row("long name", "*z", QString(5000, QLatin1Char('a')) + QLatin1Char('z'), true);
 }
 
-void tst_WildcardFilter::patternsFitWholeNames()
+void tst_WildcardFilter::patternsMatchWholeNames()
 {
     QFETCH(QString, pattern);
     QFETCH(QString, name);
@@ -166,9 +168,9 @@ void tst_WildcardFilter::patternsFitWholeNames()
     QCOMPARE(filter.matchesFilters(name), fits);
 }
 
-// A file system's names have at most 255 bytes; the patterns are as long. None of them fits, so
-// that every way to fit has to be tried.
-void tst_WildcardFilter::manyStarsOverTheLongestName_data()
+// File names have at most 255 bytes, and the patterns are as long. None of them matches, so every
+// possibility has to be tried.
+void tst_WildcardFilter::manyStarsOnTheLongestName_data()
 {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("name");
@@ -182,21 +184,21 @@ void tst_WildcardFilter::manyStarsOverTheLongestName_data()
     QTest::newRow("stars and letters") << repeated("*a", 254) + b << letters;
     QTest::newRow("letters and stars") << repeated("a*", 254) + b << letters;
     QTest::newRow("two letters each") << repeated("*aa", 254) + b << letters;
-    QTest::newRow("stars alone") << repeated("*", 254) + b << letters;
-    QTest::newRow("stars alone, a single character") << repeated("*", 254) + b << repeated("a", 1);
+    QTest::newRow("only stars") << repeated("*", 254) + b << letters;
+    QTest::newRow("only stars, a single character") << repeated("*", 254) + b << repeated("a", 1);
     QTest::newRow("question marks and stars") << repeated("?*", 254) + b << letters;
     QTest::newRow("stars and question marks") << repeated("*?", 254) + b << letters;
     QTest::newRow("two stars and a question mark") << repeated("**?", 254) + b << letters;
     QTest::newRow("sets and stars") << repeated("[a-z]*", 254) + b << letters;
     QTest::newRow("stars and sets") << repeated("*[ab]", 254) + "c" << letters;
     QTest::newRow("negated sets") << repeated("*[^b]", 254) + b << letters;
-    QTest::newRow("two letters in turn") << repeated("*a*b", 252) + "c" << repeated("ab", 254);
+    QTest::newRow("two alternating letters") << repeated("*a*b", 252) + "c" << repeated("ab", 254);
     QTest::newRow("escaped stars") << repeated("*\\*", 252) + b << repeated("*", 255);
     QTest::newRow("brackets") << repeated("[[]*", 252) + b << repeated("[", 255);
-    QTest::newRow("nothing but stars and dots") << repeated("*.", 254) + b << repeated(".", 255);
+    QTest::newRow("only stars and dots") << repeated("*.", 254) + b << repeated(".", 255);
 }
 
-void tst_WildcardFilter::manyStarsOverTheLongestName()
+void tst_WildcardFilter::manyStarsOnTheLongestName()
 {
     QFETCH(QString, pattern);
     QFETCH(QString, name);
@@ -210,7 +212,7 @@ void tst_WildcardFilter::manyStarsOverTheLongestName()
     QVERIFY2(time.seconds() < 60, qPrintable(QString::number(time.seconds())));
 }
 
-void tst_WildcardFilter::anyOfManyPatternsIsEnough_data()
+void tst_WildcardFilter::anyMatchingPatternIsEnough_data()
 {
     QTest::addColumn<QStringList>("patterns");
     QTest::addColumn<QStringList>("fitting");
@@ -220,25 +222,26 @@ void tst_WildcardFilter::anyOfManyPatternsIsEnough_data()
         return QString::fromLatin1(names).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     };
     QTest::newRow("none") << QStringList() << QStringList() << list("a a.txt * . .hidden");
-    QTest::newRow("an empty one") << QStringList(QString()) << QStringList() << list("a * .");
+    QTest::newRow("an empty pattern") << QStringList(QString()) << QStringList() << list("a * .");
     QTest::newRow("one") << list("*.txt") << list("a.txt") << list("a.bin a");
     QTest::newRow("several") << list("*.txt *.bin c*") << list("a.txt a.bin c.zip c")
                              << list("a.zip b");
-    QTest::newRow("several in another order")
+    QTest::newRow("several in a different order")
         << list("c* *.bin *.txt") << list("a.txt a.bin c.zip c") << list("a.zip b");
-    QTest::newRow("the same twice") << list("*.txt *.txt") << list("a.txt") << list("b");
-    QTest::newRow("wide before narrow") << list("* a.txt") << list("a.txt b") << QStringList();
+    QTest::newRow("duplicate pattern") << list("*.txt *.txt") << list("a.txt") << list("b");
+    QTest::newRow("general before specific") << list("* a.txt") << list("a.txt b") << QStringList();
     QTest::newRow("negated") << list("[^a]* a.txt") << list("b a.txt") << list("a a.bin");
-    QTest::newRow("an invalid one first") << list("[ *.txt") << list("a.txt") << list("[ b");
+    QTest::newRow("invalid pattern first") << list("[ *.txt") << list("a.txt") << list("[ b");
 
     QStringList patterns;
     for (int i = 0; i < 500; ++i) {
         patterns.append(QStringLiteral("*.%1").arg(i));
     }
-    QTest::newRow("five hundred") << patterns << list("a.0 a.250 a.499") << list("a.500 a a.");
+    QTest::newRow("five hundred patterns")
+        << patterns << list("a.0 a.250 a.499") << list("a.500 a a.");
 }
 
-void tst_WildcardFilter::anyOfManyPatternsIsEnough()
+void tst_WildcardFilter::anyMatchingPatternIsEnough()
 {
     QFETCH(QStringList, patterns);
     QFETCH(QStringList, fitting);
@@ -253,7 +256,7 @@ void tst_WildcardFilter::anyOfManyPatternsIsEnough()
     }
 }
 
-void tst_WildcardFilter::emptyNameWarnsAndFitsNothing_data()
+void tst_WildcardFilter::emptyNameWarnsAndDoesNotMatch_data()
 {
     QTest::addColumn<QStringList>("patterns");
     QTest::addColumn<QString>("name");
@@ -264,7 +267,7 @@ void tst_WildcardFilter::emptyNameWarnsAndFitsNothing_data()
     QTest::newRow("a null name") << QStringList("*") << QString();
 }
 
-void tst_WildcardFilter::emptyNameWarnsAndFitsNothing()
+void tst_WildcardFilter::emptyNameWarnsAndDoesNotMatch()
 {
     QFETCH(QStringList, patterns);
     QFETCH(QString, name);
@@ -286,7 +289,7 @@ void tst_WildcardFilter::everyEmptyNameWarns()
     }
 }
 
-void tst_WildcardFilter::filterMayBeAskedAgain()
+void tst_WildcardFilter::filterMayBeUsedAgain()
 {
     const WildcardFilter filter({"*.txt", "b*"}, QDir::Filters());
     for (int i = 0; i < 3; ++i) {
@@ -324,7 +327,7 @@ void tst_WildcardFilter::copiesAreIndependent()
     }
 }
 
-void tst_WildcardFilter::derivedFiltersAreDestroyedWhole()
+void tst_WildcardFilter::destructorIsVirtual()
 {
     class DerivedFilter : public WildcardFilter
     {

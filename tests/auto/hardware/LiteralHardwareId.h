@@ -6,10 +6,10 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// What HardwareIdentification does, written down as plainly as its rules are stated.
+// A simple implementation of the rules of HardwareIdentification.
 namespace LiteralHardwareId {
 
-// What an object tells about its ID.
+// The parts of an object's ID, for comparison.
 struct Parts
 {
     bool isValid = false;

@@ -8,7 +8,8 @@
 
 namespace {
 
-// Of the one thread that reads; the file is told by its inode, as its descriptor is not known.
+// Used by the one thread that reads. The inode identifies the file, because its descriptor is
+// unknown.
 bool isWatching = false;
 struct stat watchedFile;
 QVector<Read> watchedReads;

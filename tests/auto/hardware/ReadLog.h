@@ -4,7 +4,7 @@
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
-// One read as it was asked of the kernel.
+// One read() call.
 struct Read
 {
     qint64 offset;
@@ -17,8 +17,8 @@ inline bool operator==(const Read& left, const Read& right)
 }
 
 /*
- * Notes each read() of one file while it lives, in the order of the calls. The program's own read()
- * stands before the C library's, so what Qt asks for is seen before any buffer answers.
+ * Records each read() of one file during its lifetime, in order. The program interposes read() of
+ * the C library, so the log shows what Qt requests below its buffers.
  */
 class ReadLog
 {

@@ -37,7 +37,7 @@ QString ReaderSamples::shortHeader(int count, const QString& image)
         .arg(QString::number(count), image);
 }
 
-// The numbers are the header's.
+// The numbers in the message are those of the header.
 QString ReaderSamples::shortBlock(const QString& image)
 {
     return QStringLiteral("Number of INI file bytes is 16 , expected 16 (file: \"%1\" )!")

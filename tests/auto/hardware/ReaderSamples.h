@@ -7,14 +7,14 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// A board's text, the record that it gives, and what the reader warns of.
+// A board's text, the resulting record, and the reader's warnings.
 namespace ReaderSamples {
 
 extern const QByteArray boardText;
 extern const QStringList boardRecord;
 extern const QStringList sixEmptyTexts;
 
-// A record that shows whether it was touched, and its values.
+// A record with values that show whether it was changed.
 extern const QStringList untouched;
 HardwareInfo usedRecord();
 QStringList values(const HardwareInfo& info);

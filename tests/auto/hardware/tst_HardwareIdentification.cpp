@@ -6,7 +6,7 @@
 
 #include <type_traits>
 
-// Applications may derive from it and destroy it through the base.
+// Applications may derive from the class and delete objects through a base pointer.
 static_assert(std::is_polymorphic<HardwareIdentification>::value, "has virtual functions");
 static_assert(std::has_virtual_destructor<HardwareIdentification>::value, "may be derived from");
 static_assert(std::is_constructible<HardwareIdentification, const QString&>::value, "takes an ID");
@@ -22,14 +22,14 @@ namespace {
 
 constexpr char divideSignature[] = "void HardwareIdentification::divideHardwareID(const QString&)";
 
-const QString goodId = "1234567891234567";
+const QString validId = "1234567891234567";
 
 QString anyDigit(QRandomGenerator& random)
 {
     return QString(QLatin1Char(char('0' + (random.bounded(2) == 0 ? 0 : random.bounded(10)))));
 }
 
-// One character, or a surrogate pair, of what an ID may be mistaken to hold.
+// One character, or a surrogate pair, that could be mistaken for part of an ID.
 QString anyCharacter(QRandomGenerator& random)
 {
     const auto oneOf = [&random](uint first, int count) {
@@ -50,13 +50,13 @@ QString anyCharacter(QRandomGenerator& random)
     case 5:
         return QString(QChar(0xD800 + random.bounded(0x800))); // half of a pair
     case 6:
-        return oneOf('A', 58); // letters and what stands between them
+        return oneOf('A', 58); // letters and the characters between them
     case 7:
-        return oneOf(' ', 16); // blank and signs, just below the digits
+        return oneOf(' ', 16); // space and punctuation, just below the digits
     case 8:
         return oneOf(':', 7); // just above the digits
     case 9:
-        return oneOf(0, 0x20); // control characters, NUL included
+        return oneOf(0, 0x20); // control characters, including NUL
     case 10:
         return oneOf(0xA0, 0x60);
     default:
@@ -67,7 +67,7 @@ QString anyCharacter(QRandomGenerator& random)
 QString anyId(QRandomGenerator& random)
 {
     const int length = random.bounded(3) == 0 ? random.bounded(14, 19) : 16;
-    // Of every 100 characters: only digits, now and then another one, or no matter what.
+    // Texts of three kinds: only digits, mostly digits, or random characters.
     static const int othersOf[] = {0, 0, 0, 4, 50};
     const int others = othersOf[random.bounded(5)];
     QString id;
@@ -84,21 +84,21 @@ class tst_HardwareIdentification : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void validIdIsDivided_data();
-    void validIdIsDivided();
-    void invalidIdLeavesNothing_data();
-    void invalidIdLeavesNothing();
-    void failureForgetsTheIdBefore_data();
-    void failureForgetsTheIdBefore();
-    void goodIdReplacesTheOneBefore();
-    void goodIdFollowsABadOne();
-    void partsAreCopies();
+    void validIdIsParsed_data();
+    void validIdIsParsed();
+    void invalidIdLeavesPartsEmpty_data();
+    void invalidIdLeavesPartsEmpty();
+    void failureClearsThePreviousId_data();
+    void failureClearsThePreviousId();
+    void validIdReplacesThePreviousId();
+    void validIdIsParsedAfterAnInvalidOne();
+    void gettersReturnCopies();
     void containsSixteenDigits_data();
     void containsSixteenDigits();
-    void sameAsLiteral();
+    void randomIdsMatchTheLiteralVersion();
 };
 
-void tst_HardwareIdentification::validIdIsDivided_data()
+void tst_HardwareIdentification::validIdIsParsed_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QStringList>("texts");
@@ -111,17 +111,17 @@ void tst_HardwareIdentification::validIdIsDivided_data()
     row("customer version 000", "1234567891200067", "123456 78 912 000 67");
     row("basic type supplement 00", "1234560091234567", "123456 00 912 345 67");
     row("product group number 000000", "0000007891234567", "000000 78 912 345 67");
-    row("zeros wherever they may be", "0000000000100001", "000000 00 001 000 01");
+    row("zeros wherever they are allowed", "0000000000100001", "000000 00 001 000 01");
     row("zeros around the document type", "1234500010045607", "123450 00 100 456 07");
     row("000 from digit 8 on", "1234567000145617", "123456 70 001 456 17");
     row("000 from digit 10 on", "1234567810005617", "123456 78 100 056 17");
     row("document type 010", "1234567801034567", "123456 78 010 345 67");
     row("00 from digit 14 on", "1234567891234007", "123456 78 912 340 07");
     row("parts list 10", "1234567891234510", "123456 78 912 345 10");
-    row("greatest", "9999999999999999", "999999 99 999 999 99");
+    row("largest", "9999999999999999", "999999 99 999 999 99");
 }
 
-void tst_HardwareIdentification::validIdIsDivided()
+void tst_HardwareIdentification::validIdIsParsed()
 {
     QFETCH(QString, id);
     QFETCH(QStringList, texts);
@@ -130,7 +130,7 @@ void tst_HardwareIdentification::validIdIsDivided()
     QCOMPARE(partsOf(identification), expected);
 }
 
-void tst_HardwareIdentification::invalidIdLeavesNothing_data()
+void tst_HardwareIdentification::invalidIdLeavesPartsEmpty_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QString>("warning");
@@ -145,13 +145,13 @@ void tst_HardwareIdentification::invalidIdLeavesNothing_data()
     size("14 digits", "12345678912345", 14);
     size("15 digits", "123456789123456", 15);
     size("17 digits", "12345678912345678", 17);
-    size("32 digits", goodId + goodId, 32);
-    size("line feed behind", goodId + QLatin1Char('\n'), 17);
-    size("NUL behind", goodId + QChar(QChar::Null), 17);
-    size("letters, too", "abc", 3);
+    size("32 digits", validId + validId, 32);
+    size("trailing line feed", validId + QLatin1Char('\n'), 17);
+    size("trailing NUL", validId + QChar(QChar::Null), 17);
+    size("only letters", "abc", 3);
     size("length counts UTF-16 units", QString::fromUtf8("\xF0\x9D\x9F\x8E").repeated(7), 14);
 
-    // As QDebug shows the ID.
+    // The ID as QDebug shows it.
     const auto numbers = [](const char* situation, const QString& id, const QString& shown) {
         QTest::newRow(situation) << id
                                  << "Hardware ID contains not only numbers \"" + shown +
@@ -160,20 +160,20 @@ void tst_HardwareIdentification::invalidIdLeavesNothing_data()
     const auto plain = [&numbers](const char* situation, const char* id) {
         numbers(situation, QString::fromUtf8(id), QString::fromUtf8(id));
     };
-    plain("letter at the front", "A234567891234567");
+    plain("leading letter", "A234567891234567");
     plain("letter inside", "12345678912E4567");
-    plain("letter at the end", "123456789123456x");
+    plain("trailing letter", "123456789123456x");
     plain("hexadecimal digits", "12345678ABCDEF12");
-    plain("blank at the front", " 123456789123456");
-    plain("blank at the end", "123456789123456 ");
+    plain("leading space", " 123456789123456");
+    plain("trailing space", "123456789123456 ");
     plain("minus", "-123456789123456");
     plain("plus", "+123456789123456");
-    plain("point", "1234567.91234567");
+    plain("period", "1234567.91234567");
     plain("slash, just below the digits", "1234567/91234567");
     plain("colon, just above the digits", "1234567:91234567");
-    plain("only blanks", "                ");
+    plain("only spaces", "                ");
     plain("a letter before 000", "A234567800034500");
-    numbers("line feed at the end", "123456789123456\n", "123456789123456\\n");
+    numbers("15 digits and a trailing line feed", "123456789123456\n", "123456789123456\\n");
     numbers("NUL inside",
             QStringLiteral("1234567891") + QChar(QChar::Null) + QStringLiteral("34567"),
             "1234567891\\u000034567");
@@ -183,22 +183,22 @@ void tst_HardwareIdentification::invalidIdLeavesNothing_data()
     numbers("Devanagari digits", devanagari, devanagari);
     const QString fullwidth = QString::fromUtf8("\xEF\xBC\x91").repeated(16);
     numbers("fullwidth digits", fullwidth, fullwidth);
-    const QString superscript = goodId.left(15) + QChar(0xB2);
+    const QString superscript = validId.left(15) + QChar(0xB2);
     numbers("one superscript", superscript, superscript);
     const QString mathematical = QString::fromUtf8("\xF0\x9D\x9F\x8F").repeated(8);
     numbers("digits of two UTF-16 units", mathematical, mathematical);
 
-    // The text's own blank and the one that QDebug puts between items.
+    // The space of the text and the one that QDebug inserts between items.
     const QString documentType = "Document type count number is invalid  \"000\"";
     QTest::newRow("document type 000") << "1234560000000167" << documentType;
-    QTest::newRow("document type 000 alone") << "1234567800034567" << documentType;
+    QTest::newRow("only document type 000") << "1234567800034567" << documentType;
     QTest::newRow("document type before the parts list") << "1234567800034500" << documentType;
     QTest::newRow("all zeros") << QString(16, QLatin1Char('0')) << documentType;
     QTest::newRow("parts list 00") << "1234567812345600"
                                    << "Parts list paragrpah is invalid  \"00\"";
 }
 
-void tst_HardwareIdentification::invalidIdLeavesNothing()
+void tst_HardwareIdentification::invalidIdLeavesPartsEmpty()
 {
     QFETCH(QString, id);
     QFETCH(QString, warning);
@@ -207,45 +207,45 @@ void tst_HardwareIdentification::invalidIdLeavesNothing()
     QCOMPARE(partsOf(identification), Parts());
 }
 
-void tst_HardwareIdentification::failureForgetsTheIdBefore_data()
+void tst_HardwareIdentification::failureClearsThePreviousId_data()
 {
-    invalidIdLeavesNothing_data();
+    invalidIdLeavesPartsEmpty_data();
 }
 
-void tst_HardwareIdentification::failureForgetsTheIdBefore()
+void tst_HardwareIdentification::failureClearsThePreviousId()
 {
     QFETCH(QString, id);
     QFETCH(QString, warning);
-    HardwareIdentification identification(goodId);
+    HardwareIdentification identification(validId);
     QVERIFY(identification.isHardwareIDValid());
     messages().expectWarning("HardwareIdentification", warning).function(divideSignature);
     identification.divideHardwareID(id);
     QCOMPARE(partsOf(identification), Parts());
 }
 
-void tst_HardwareIdentification::goodIdReplacesTheOneBefore()
+void tst_HardwareIdentification::validIdReplacesThePreviousId()
 {
-    HardwareIdentification identification(goodId);
+    HardwareIdentification identification(validId);
     const HardwareIdentification copy(identification);
     identification.divideHardwareID("0000000000100001");
     const Parts expected = {true, {"000000", "00", "001", "000", "01"}};
     QCOMPARE(partsOf(identification), expected);
-    QCOMPARE(partsOf(copy), partsOf(HardwareIdentification(goodId)));
+    QCOMPARE(partsOf(copy), partsOf(HardwareIdentification(validId)));
 }
 
-void tst_HardwareIdentification::goodIdFollowsABadOne()
+void tst_HardwareIdentification::validIdIsParsedAfterAnInvalidOne()
 {
     messages()
         .expectWarning("HardwareIdentification", "Size of hardware ID is invalid 3")
         .function(divideSignature);
     HardwareIdentification identification("123");
-    identification.divideHardwareID(goodId);
-    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
+    identification.divideHardwareID(validId);
+    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(validId)));
 }
 
-void tst_HardwareIdentification::partsAreCopies()
+void tst_HardwareIdentification::gettersReturnCopies()
 {
-    const HardwareIdentification identification(goodId);
+    const HardwareIdentification identification(validId);
     QString part = identification.getProductGroupNumber();
     part[0] = QLatin1Char('x');
     QCOMPARE(identification.getProductGroupNumber(), QStringLiteral("123456"));
@@ -257,34 +257,34 @@ void tst_HardwareIdentification::containsSixteenDigits_data()
     QTest::addColumn<bool>("contains");
 
     QTest::newRow("null") << QString() << false;
-    QTest::newRow("15 digits") << goodId.left(15) << false;
-    QTest::newRow("16 digits") << goodId << true;
+    QTest::newRow("15 digits") << validId.left(15) << false;
+    QTest::newRow("16 digits") << validId << true;
     QTest::newRow("16 zeros") << QString(16, QLatin1Char('0')) << true;
-    QTest::newRow("17 digits") << goodId + QLatin1Char('8') << true;
-    QTest::newRow("many digits") << goodId.repeated(100) << true;
-    QTest::newRow("16 digits behind a word") << "ID " + goodId << true;
-    QTest::newRow("16 digits before a word") << goodId + " is it" << true;
-    QTest::newRow("16 digits between others") << "1 22 333 x" + goodId + "x4" << true;
-    QTest::newRow("16 digits in a second line") << "a\n" + goodId << true;
-    QTest::newRow("16 digits behind a NUL") << QString(1, QChar::Null) + goodId << true;
+    QTest::newRow("17 digits") << validId + QLatin1Char('8') << true;
+    QTest::newRow("many digits") << validId.repeated(100) << true;
+    QTest::newRow("16 digits after a word") << "ID " + validId << true;
+    QTest::newRow("16 digits before a word") << validId + " is it" << true;
+    QTest::newRow("16 digits between others") << "1 22 333 x" + validId + "x4" << true;
+    QTest::newRow("16 digits in the second line") << "a\n" + validId << true;
+    QTest::newRow("16 digits after a NUL") << QString(1, QChar::Null) + validId << true;
     QTest::newRow("twice 15 digits")
-        << goodId.left(15) + QLatin1Char(' ') + goodId.left(15) << false;
-    QTest::newRow("15 digits and another script's") << goodId.left(15) + QChar(0x0661) << false;
-    QTest::newRow("16 of another script") << QString(16, QChar(0x0661)) << false;
-    QTest::newRow("its own expression") << "[0-9]{16,16}" << false;
+        << validId.left(15) + QLatin1Char(' ') + validId.left(15) << false;
+    QTest::newRow("15 digits and a non-Latin one") << validId.left(15) + QChar(0x0661) << false;
+    QTest::newRow("16 non-Latin digits") << QString(16, QChar(0x0661)) << false;
+    QTest::newRow("the library's expression") << "[0-9]{16,16}" << false;
 }
 
 void tst_HardwareIdentification::containsSixteenDigits()
 {
     QFETCH(QString, text);
     QFETCH(bool, contains);
-    const HardwareIdentification identification(goodId);
+    const HardwareIdentification identification(validId);
     QCOMPARE(identification.containsHardwareIDOnlyNumbers(text), contains);
-    // It is only asked: the object keeps its ID, and nothing is logged.
-    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(goodId)));
+    // The check does not change the object's ID and logs nothing.
+    QCOMPARE(partsOf(identification), partsOf(HardwareIdentification(validId)));
 }
 
-void tst_HardwareIdentification::sameAsLiteral()
+void tst_HardwareIdentification::randomIdsMatchTheLiteralVersion()
 {
     const int ids = rounds(40000);
 
@@ -296,9 +296,9 @@ void tst_HardwareIdentification::sameAsLiteral()
         return texts;
     };
     QRandomGenerator random(1);
-    HardwareIdentification reused(goodId);
+    HardwareIdentification reused(validId);
     int outcomes[LiteralHardwareId::outcomeCount] = {};
-    int longer = 0; // texts with sixteen digits in them
+    int longer = 0; // texts that contain sixteen digits
     for (int i = 0; i < ids; ++i) {
         const QString id = anyId(random);
         Parts parts;

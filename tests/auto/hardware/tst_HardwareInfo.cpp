@@ -8,7 +8,7 @@ namespace {
 using Setter = void (HardwareInfo::*)(const QString&);
 using Getter = QString (HardwareInfo::*)() const;
 
-// In the order in which the record holds the fields.
+// In the order of the record's fields.
 const QVector<Setter> setters = {&HardwareInfo::setType,      &HardwareInfo::setTypeName,
                                  &HardwareInfo::setHwVersion, &HardwareInfo::setHwCompIndex,
                                  &HardwareInfo::setLpId,      &HardwareInfo::setComment};
@@ -36,11 +36,11 @@ class tst_HardwareInfo : public TestCase
 
 private Q_SLOTS:
     void newRecordIsEmpty();
-    void settersSetTheirFieldOnly_data();
-    void settersSetTheirFieldOnly();
-    void gettersGiveCopies();
+    void settersChangeOnlyTheirField_data();
+    void settersChangeOnlyTheirField();
+    void gettersReturnCopies();
     void copiesAreIndependent();
-    void fieldsLieInTheirOrder();
+    void fieldsAreInDeclaredOrder();
 };
 
 void tst_HardwareInfo::newRecordIsEmpty()
@@ -48,7 +48,7 @@ void tst_HardwareInfo::newRecordIsEmpty()
     QCOMPARE(values(HardwareInfo()), sixEmptyTexts);
 }
 
-void tst_HardwareInfo::settersSetTheirFieldOnly_data()
+void tst_HardwareInfo::settersChangeOnlyTheirField_data()
 {
     QTest::addColumn<int>("field");
     QTest::newRow("type") << 0;
@@ -59,7 +59,7 @@ void tst_HardwareInfo::settersSetTheirFieldOnly_data()
     QTest::newRow("comment") << 5;
 }
 
-void tst_HardwareInfo::settersSetTheirFieldOnly()
+void tst_HardwareInfo::settersChangeOnlyTheirField()
 {
     QFETCH(int, field);
     HardwareInfo info;
@@ -72,7 +72,7 @@ void tst_HardwareInfo::settersSetTheirFieldOnly()
     QCOMPARE(values(info), sixEmptyTexts);
 }
 
-void tst_HardwareInfo::gettersGiveCopies()
+void tst_HardwareInfo::gettersReturnCopies()
 {
     HardwareInfo info;
     info.setComment("first");
@@ -93,7 +93,7 @@ void tst_HardwareInfo::copiesAreIndependent()
     QCOMPARE(assigned.type(), QStringLiteral("original"));
 }
 
-void tst_HardwareInfo::fieldsLieInTheirOrder()
+void tst_HardwareInfo::fieldsAreInDeclaredOrder()
 {
     static_assert(std::has_virtual_destructor<HardwareInfo>::value, "destroyed through the base");
     static_assert(sizeof(HardwareInfo) == sizeof(void*) + 6 * sizeof(QString), "a fixed layout");

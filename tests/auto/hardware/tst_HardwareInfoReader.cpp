@@ -21,13 +21,14 @@ using namespace ReaderSamples;
 
 namespace {
 
-// Short enough to lie before the header.
+// Short enough to fit before the header.
 const QByteArray shortText = "Type=4711\n";
 
 constexpr char readFunction[] = "bool HardwareInfoReader::readHardwareInfoFromSysFs(const "
                                 "QString&, const QString&, HardwareInfo&)";
 
-// Without these keys a read says in which order they were asked for. (A missing comment is silent.)
+// Without these keys, the warnings show in which order they are read. (A missing comment logs
+// nothing.)
 const QStringList keysInReadOrder = {"Version", "LP-ID", "Type", "TypeName", "CompatibilityIndex"};
 
 QByteArray randomBytes(int count)
@@ -53,49 +54,49 @@ class tst_HardwareInfoReader : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void soundImages_data();
-    void soundImages();
-    void blockBeforeAndAcrossTheHeader_data();
-    void blockBeforeAndAcrossTheHeader();
+    void validImages_data();
+    void validImages();
+    void blockBeforeOrOverlappingTheHeader_data();
+    void blockBeforeOrOverlappingTheHeader();
     void blockAnywhereInAHugeImage_data();
     void blockAnywhereInAHugeImage();
     void truncatedImage_data();
     void truncatedImage();
-    void unreachableBlock_data();
-    void unreachableBlock();
-    void lengthOfTheBlock_data();
-    void lengthOfTheBlock();
+    void blockBeyondTheImage_data();
+    void blockBeyondTheImage();
+    void blockLengthLimit_data();
+    void blockLengthLimit();
     void emptyBlock_data();
     void emptyBlock();
     void wrongChecksum_data();
     void wrongChecksum();
-    void everyFlippedBitOfTheBlockIsNoticed();
+    void everyFlippedBitOfTheBlockIsDetected();
     void missingFile_data();
     void missingFile();
     void imageThatCannotBeOpened_data();
     void imageThatCannotBeOpened();
-    void imageThatMayNotBeRead();
-    void failedSeeksOfAPipe_data();
-    void failedSeeksOfAPipe();
-    void firstFailingCheckIsReported_data();
-    void firstFailingCheckIsReported();
-    void asksForHeaderAndBlockOnly_data();
-    void asksForHeaderAndBlockOnly();
+    void imageWithoutReadPermission();
+    void failedSeeksInAPipe_data();
+    void failedSeeksInAPipe();
+    void onlyTheFirstFailureIsReported_data();
+    void onlyTheFirstFailureIsReported();
+    void onlyHeaderAndBlockAreRead_data();
+    void onlyHeaderAndBlockAreRead();
     void keysAreReadInOrder();
-    void temporaryFileLivesForTheParseOnly();
+    void temporaryFileExistsOnlyWhileParsing();
     void unusableTemporaryFile();
-    void oneReaderReadsManyTimes();
+    void readerMayBeUsedAgain();
     void readersOnSeveralThreads();
     void data2HwInfoFillsTheRecord();
     void bytes2Uint32_data();
     void bytes2Uint32();
-    void crcTableIsThatOfThePolynomial();
+    void crcTableMatchesThePolynomial();
     void crcVectors_data();
     void crcVectors();
     void crcOfRandomBlocks();
-    void crcOfNothingNeedsNoData();
-    void isAPlainQObject();
-    void fieldsLieInTheirOrder();
+    void crcOfZeroBytesReadsNoData();
+    void classIsAPlainQObject();
+    void fieldsAreInDeclaredOrder();
 
 private:
     QString fileTemplate() const { return path("tmp/hwinfo.XXXXXX"); }
@@ -131,7 +132,7 @@ void tst_HardwareInfoReader::expectWarning(const QString& text)
     messages().expectWarning("HardwareInfoReader", text).function(readFunction);
 }
 
-// All that a read logs when the text did not get into a file.
+// The warnings of a read whose text could not be written to a file.
 void tst_HardwareInfoReader::expectNoTextInTemporaryFile(const char* reason)
 {
     const char file[] = "HardwareVersionIniManager";
@@ -146,7 +147,7 @@ void tst_HardwareInfoReader::expectNoTextInTemporaryFile(const char* reason)
                                             "\"\" with key \"Comment\" !"));
 }
 
-// To be called while the temporary file is there: the messages name it.
+// Call this while the temporary file exists, because the messages contain its name.
 void tst_HardwareInfoReader::expectMissingKeys(const QStringList& keys)
 {
     QCOMPARE(temporaryFiles().size(), 1);
@@ -158,7 +159,7 @@ void tst_HardwareInfoReader::expectMissingKeys(const QStringList& keys)
     }
 }
 
-void tst_HardwareInfoReader::soundImages_data()
+void tst_HardwareInfoReader::validImages_data()
 {
     QTest::addColumn<QByteArray>("image");
 
@@ -171,21 +172,21 @@ void tst_HardwareInfoReader::soundImages_data()
     row("block at the image's end",
         Image(boardText).startAddress(1024 - quint32(boardText.size())));
     row("block beyond 64 KiB", Image(boardText).startAddress(0x12345));
-    row("start address of four different bytes", Image(boardText).startAddress(0x01020304));
+    row("start address with four different bytes", Image(boardText).startAddress(0x01020304));
     row("filled with zeros", Image(boardText).startAddress(64).size(256).fill('\0'));
-    row("no line end", Image(boardText.left(boardText.size() - 1)));
+    row("no line feed at the end", Image(boardText.left(boardText.size() - 1)));
     row("reserved word", Image(boardText).reserved(0xDEADBEEF));
     row("upper checksum bits set", Image(boardText).upperChecksumBits(0xFFFF));
     row("upper checksum bits mixed", Image(boardText).upperChecksumBits(0xA5C3));
 }
 
-void tst_HardwareInfoReader::soundImages()
+void tst_HardwareInfoReader::validImages()
 {
     QFETCH(QByteArray, image);
     verifyRead(writeImage(image), boardRecord);
 }
 
-void tst_HardwareInfoReader::blockBeforeAndAcrossTheHeader_data()
+void tst_HardwareInfoReader::blockBeforeOrOverlappingTheHeader_data()
 {
     QTest::addColumn<QByteArray>("image");
 
@@ -208,7 +209,7 @@ void tst_HardwareInfoReader::blockBeforeAndAcrossTheHeader_data()
         Image(';' + QByteArray(35, '?') + '\n' + shortText).startAddress(0));
 }
 
-void tst_HardwareInfoReader::blockBeforeAndAcrossTheHeader()
+void tst_HardwareInfoReader::blockBeforeOrOverlappingTheHeader()
 {
     QFETCH(QByteArray, image);
     QStringList missing = keysInReadOrder;
@@ -231,7 +232,7 @@ void tst_HardwareInfoReader::blockAnywhereInAHugeImage_data()
     QTest::newRow("at the last address, across 2^32") << quint32(0xFFFFFFFFU);
 }
 
-// A sparse file: the gigabytes before the block take no room on the disk.
+// A sparse file: the gigabytes before the block use no disk space.
 void tst_HardwareInfoReader::blockAnywhereInAHugeImage()
 {
     QFETCH(quint32, address);
@@ -271,7 +272,7 @@ void tst_HardwareInfoReader::truncatedImage()
     verifyNotRead(image);
 }
 
-void tst_HardwareInfoReader::unreachableBlock_data()
+void tst_HardwareInfoReader::blockBeyondTheImage_data()
 {
     QTest::addColumn<quint32>("address");
     const quint32 end = quint32(EepromImage(boardText).bytes().size());
@@ -283,7 +284,7 @@ void tst_HardwareInfoReader::unreachableBlock_data()
     QTest::newRow("2^32 - 1") << quint32(0xFFFFFFFFU);
 }
 
-void tst_HardwareInfoReader::unreachableBlock()
+void tst_HardwareInfoReader::blockBeyondTheImage()
 {
     QFETCH(quint32, address);
     const QString image = writeImage(EepromImage(boardText).writtenStartAddress(address).bytes());
@@ -291,19 +292,19 @@ void tst_HardwareInfoReader::unreachableBlock()
     verifyNotRead(image);
 }
 
-void tst_HardwareInfoReader::lengthOfTheBlock_data()
+void tst_HardwareInfoReader::blockLengthLimit_data()
 {
     QTest::addColumn<quint32>("length");
     QTest::addColumn<bool>("isAccepted");
-    QTest::newRow("the limit") << 65535U << true;
-    QTest::newRow("one too many") << 65536U << false;
-    QTest::newRow("the limit in the lower half") << 0x1FFFFU << false;
+    QTest::newRow("at the limit") << 65535U << true;
+    QTest::newRow("one above the limit") << 65536U << false;
+    QTest::newRow("limit in the lower half") << 0x1FFFFU << false;
     QTest::newRow("2^31 - 1") << 0x7FFFFFFFU << false;
     QTest::newRow("2^31") << 0x80000000U << false;
     QTest::newRow("2^32 - 1") << 0xFFFFFFFFU << false;
 }
 
-void tst_HardwareInfoReader::lengthOfTheBlock()
+void tst_HardwareInfoReader::blockLengthLimit()
 {
     QFETCH(quint32, length);
     QFETCH(bool, isAccepted);
@@ -326,7 +327,7 @@ void tst_HardwareInfoReader::emptyBlock_data()
         << EepromImage(QByteArray()).upperChecksumBits(0x8001).bytes();
     QTest::newRow("start address beyond the end")
         << EepromImage(QByteArray()).writtenStartAddress(0xFFFFFFFFU).bytes();
-    QTest::newRow("nothing but zeros") << QByteArray(256, '\0');
+    QTest::newRow("only zeros") << QByteArray(256, '\0');
 }
 
 void tst_HardwareInfoReader::emptyBlock()
@@ -351,7 +352,7 @@ void tst_HardwareInfoReader::wrongChecksum_data()
     row("highest bit", Image(boardText).checksum(right ^ 0x8000));
     row("inverted", Image(boardText).checksum(quint16(~right)));
     row("bytes swapped", Image(boardText).checksum(qbswap(right)));
-    row("right in the upper bits", Image(boardText).checksum(0).upperChecksumBits(right));
+    row("checksum in the upper bits", Image(boardText).checksum(0).upperChecksumBits(right));
     row("empty block", Image(QByteArray()).checksum(1));
     row("empty block, highest bit", Image(QByteArray()).checksum(0x8000));
     row("start address off by one", Image(boardText).writtenStartAddress(35));
@@ -366,7 +367,7 @@ void tst_HardwareInfoReader::wrongChecksum()
     verifyNotRead(file);
 }
 
-void tst_HardwareInfoReader::everyFlippedBitOfTheBlockIsNoticed()
+void tst_HardwareInfoReader::everyFlippedBitOfTheBlockIsDetected()
 {
     for (int bit = 0; bit < 8 * shortText.size(); ++bit) {
         const QString image = writeImage(
@@ -380,8 +381,8 @@ void tst_HardwareInfoReader::missingFile_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("no such file") << "none";
-    QTest::newRow("no such folder") << "none/eeprom";
-    QTest::newRow("a file as folder") << "file/eeprom";
+    QTest::newRow("no such directory") << "none/eeprom";
+    QTest::newRow("file as directory") << "file/eeprom";
 }
 
 void tst_HardwareInfoReader::missingFile()
@@ -400,9 +401,9 @@ void tst_HardwareInfoReader::missingFile()
 void tst_HardwareInfoReader::imageThatCannotBeOpened_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("folder") << QString();
-    // QFile counts the link itself as a file that exists.
-    QTest::newRow("link to nothing") << "link";
+    QTest::newRow("directory") << QString();
+    // QFile counts the link itself as an existing file.
+    QTest::newRow("dangling link") << "link";
 }
 
 void tst_HardwareInfoReader::imageThatCannotBeOpened()
@@ -418,11 +419,11 @@ void tst_HardwareInfoReader::imageThatCannotBeOpened()
     verifyNotRead(path(name));
 }
 
-void tst_HardwareInfoReader::imageThatMayNotBeRead()
+void tst_HardwareInfoReader::imageWithoutReadPermission()
 {
     const QString image = writeImage(EepromImage(boardText).bytes());
     QVERIFY(QFile::setPermissions(image, QFileDevice::Permissions()));
-    // The user may enter the folder, and so sees that the image is there.
+    // The user may enter the directory, so the image is known to exist.
     QVERIFY(QFile::setPermissions(folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
                                                 QFileDevice::ExeOwner | QFileDevice::ExeOther));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([this, &image] {
@@ -436,7 +437,7 @@ void tst_HardwareInfoReader::imageThatMayNotBeRead()
              QStringLiteral("Can't open eeprom binary file \"%1\" .\n").arg(image));
 }
 
-void tst_HardwareInfoReader::failedSeeksOfAPipe_data()
+void tst_HardwareInfoReader::failedSeeksInAPipe_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("headerBytes");
@@ -444,16 +445,16 @@ void tst_HardwareInfoReader::failedSeeksOfAPipe_data()
     const auto header = [](const EepromImage& image) {
         return image.bytes().mid(EepromImage::headerAddress, EepromImage::headerSize);
     };
-    // A pipe cannot be positioned: its first bytes are taken for the header, and only the seek to
-    // the block is found to fail.
+    // A pipe is not seekable: its first bytes are read as the header, and only the failure of the
+    // seek to the block is noticed.
     QTest::newRow("whole header") << header(EepromImage(boardText).writtenStartAddress(0x80000001U))
                                   << 16;
     QTest::newRow("length over the limit")
         << header(EepromImage(boardText).writtenStartAddress(0x80000001U).bytesToRead(65536)) << 16;
-    QTest::newRow("header cut short") << QByteArray("seven b") << 7;
+    QTest::newRow("truncated header") << QByteArray("seven b") << 7;
 }
 
-void tst_HardwareInfoReader::failedSeeksOfAPipe()
+void tst_HardwareInfoReader::failedSeeksInAPipe()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, headerBytes);
@@ -462,7 +463,7 @@ void tst_HardwareInfoReader::failedSeeksOfAPipe()
     QCOMPARE(write(ends[1], content.constData(), size_t(content.size())), ssize_t(content.size()));
     close(ends[1]);
     const QString image = QStringLiteral("/proc/self/fd/%1").arg(ends[0]);
-    // QFile says of itself that it could not seek; the first such failure has no consequence.
+    // QFile itself warns that it cannot seek; the first such failure has no effect.
     const auto expectSeekOfQFile = [this](quint32 address) {
         messages().expect(QtWarningMsg,
                           QStringLiteral("QFile::at: Cannot set file position %1").arg(address));
@@ -478,27 +479,27 @@ void tst_HardwareInfoReader::failedSeeksOfAPipe()
     close(ends[0]);
 }
 
-void tst_HardwareInfoReader::firstFailingCheckIsReported_data()
+void tst_HardwareInfoReader::onlyTheFirstFailureIsReported_data()
 {
     QTest::addColumn<QByteArray>("image");
-    QTest::addColumn<QString>("message"); // of the image %1
+    QTest::addColumn<QString>("message"); // %1 is the path of the image
 
     using Image = EepromImage;
     const QString file = "%1";
     const QByteArray wrong = Image(boardText).checksum(0).bytes();
-    QTest::newRow("header short before all else")
+    QTest::newRow("short header before any other failure")
         << Image(boardText).bytesToRead(0xFFFFFFFFU).checksum(0).bytes().left(35)
         << shortHeader(15, file);
-    QTest::newRow("length over the limit before block short")
+    QTest::newRow("length over the limit before short block")
         << Image(boardText).bytesToRead(65536).writtenStartAddress(0xFFFFFFFFU).bytes()
         << tooLong(65536, file);
     QTest::newRow("length over the limit before wrong checksum")
         << Image(QByteArray(65536, ';')).checksum(0).bytes() << tooLong(65536, file);
-    QTest::newRow("block short before wrong checksum")
+    QTest::newRow("short block before wrong checksum")
         << wrong.left(wrong.size() - 1) << shortBlock(file);
 }
 
-void tst_HardwareInfoReader::firstFailingCheckIsReported()
+void tst_HardwareInfoReader::onlyTheFirstFailureIsReported()
 {
     QFETCH(QByteArray, image);
     QFETCH(QString, message);
@@ -507,7 +508,7 @@ void tst_HardwareInfoReader::firstFailingCheckIsReported()
     verifyNotRead(file);
 }
 
-void tst_HardwareInfoReader::asksForHeaderAndBlockOnly_data()
+void tst_HardwareInfoReader::onlyHeaderAndBlockAreRead_data()
 {
     QTest::addColumn<QByteArray>("image");
     QTest::addColumn<QVector<Read>>("expected");
@@ -518,20 +519,20 @@ void tst_HardwareInfoReader::asksForHeaderAndBlockOnly_data()
     };
     const Read header = {20, 16};
     const int textSize = boardText.size();
-    row("sound", Image(boardText).startAddress(4096).size(65536).bytes(),
+    row("valid", Image(boardText).startAddress(4096).size(65536).bytes(),
         {header, {4096, textSize}});
-    row("block of the greatest length",
+    row("block of the maximum length",
         Image(QByteArray(65535, ';')).checksum(1).size(80000).bytes(), {header, {36, 65535}});
     row("empty block", Image(QByteArray()).checksum(1).size(65536).bytes(), {header});
     row("length over the limit", Image(boardText).bytesToRead(65536).size(80000).bytes(), {header});
-    // What is left is asked for again until the file says that it ends.
-    row("header cut short", Image(boardText).bytes().left(30), {header, {30, 6}});
-    row("block cut short", Image(boardText).bytes().left(40),
+    // The missing bytes are requested again until the file reports its end.
+    row("truncated header", Image(boardText).bytes().left(30), {header, {30, 6}});
+    row("truncated block", Image(boardText).bytes().left(40),
         {header, {36, textSize}, {40, textSize - 4}});
 }
 
-// An EEPROM's bus is slow: each byte that is read ahead costs a tenth of a millisecond.
-void tst_HardwareInfoReader::asksForHeaderAndBlockOnly()
+// The bus of an EEPROM is slow: each byte of read-ahead costs 0.1 ms.
+void tst_HardwareInfoReader::onlyHeaderAndBlockAreRead()
 {
     QFETCH(QByteArray, image);
     QFETCH(QVector<Read>, expected);
@@ -539,7 +540,7 @@ void tst_HardwareInfoReader::asksForHeaderAndBlockOnly()
     HardwareInfo info;
     const ReadLog log(file);
     HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(path("hwinfo.XXXXXX"), file, info);
-    // What is logged is the matter of other tests.
+    // Other tests check the messages.
     messages().take();
     QCOMPARE(log.reads().size(), expected.size());
     for (int i = 0; i < expected.size(); ++i) {
@@ -557,7 +558,7 @@ void tst_HardwareInfoReader::keysAreReadInOrder()
     verifyRead(writeImage(EepromImage("[Board]\n" + boardText).bytes()), sixEmptyTexts);
 }
 
-void tst_HardwareInfoReader::temporaryFileLivesForTheParseOnly()
+void tst_HardwareInfoReader::temporaryFileExistsOnlyWhileParsing()
 {
     const QByteArray text = "Comment=no more\r\n; and \xFF not \xC3\xA9 changed";
     QStringList contents;
@@ -574,7 +575,7 @@ void tst_HardwareInfoReader::temporaryFileLivesForTheParseOnly()
     QStringList record = sixEmptyTexts;
     record[5] = "no more";
     verifyRead(writeImage(EepromImage(text).bytes()), record);
-    // One file at each of the messages.
+    // There is one file when each of the messages is logged.
     QStringList expected;
     for (int i = 0; i < keysInReadOrder.size(); ++i) {
         expected.append(QString::fromLatin1(text));
@@ -582,7 +583,7 @@ void tst_HardwareInfoReader::temporaryFileLivesForTheParseOnly()
     QCOMPARE(contents, expected);
 }
 
-// The block is sound, and so the read is, though nothing came of it.
+// The block is valid, so the read succeeds although no value could be read.
 void tst_HardwareInfoReader::unusableTemporaryFile()
 {
     expectNoTextInTemporaryFile("Can't open temporary file for version data!");
@@ -592,7 +593,7 @@ void tst_HardwareInfoReader::unusableTemporaryFile()
     QCOMPARE(values(info), sixEmptyTexts);
 }
 
-void tst_HardwareInfoReader::oneReaderReadsManyTimes()
+void tst_HardwareInfoReader::readerMayBeUsedAgain()
 {
     HardwareInfoReader reader(nullptr);
     HardwareInfo info;
@@ -659,7 +660,7 @@ void tst_HardwareInfoReader::bytes2Uint32_data()
     QTest::addColumn<quint32>("number");
 
     const auto row = [](const char* hex, quint32 number) {
-        QTest::newRow(*hex == '\0' ? "nothing" : hex) << QByteArray::fromHex(hex) << number;
+        QTest::newRow(*hex == '\0' ? "empty" : hex) << QByteArray::fromHex(hex) << number;
     };
     row("", 0);
     row("12", 0);
@@ -690,7 +691,7 @@ void tst_HardwareInfoReader::bytes2Uint32()
     QCOMPARE(HardwareInfoReader(nullptr).bytes2Uint32(bytes), number);
 }
 
-void tst_HardwareInfoReader::crcTableIsThatOfThePolynomial()
+void tst_HardwareInfoReader::crcTableMatchesThePolynomial()
 {
     for (int i = 0; i < 256; ++i) {
         QCOMPARE(HardwareInfoReader::sm_CrcLookupTable[i],
@@ -713,8 +714,8 @@ void tst_HardwareInfoReader::crcVectors_data()
     const auto row = [](const char* name, const QByteArray& data, int crc) {
         QTest::newRow(name) << data << quint16(crc);
     };
-    // As crc_hqx() of Python's binascii module has them.
-    row("nothing", QByteArray(), 0x0000);
+    // Computed with crc_hqx() of Python's binascii module.
+    row("empty", QByteArray(), 0x0000);
     row("check value", "123456789", 0x31C3);
     row("one letter", "A", 0x58E5);
     row("256 letters", QByteArray(256, 'A'), 0xABE3);
@@ -724,7 +725,7 @@ void tst_HardwareInfoReader::crcVectors_data()
     row("two 0xFF", "\xFF\xFF", 0x1D0F);
     row("every byte", allBytes, 0x7E55);
     row("sentence", "The quick brown fox jumps over the lazy dog", 0xF0C8);
-    row("own checksum behind", "123456789\x31\xC3", 0x0000);
+    row("followed by its checksum", "123456789\x31\xC3", 0x0000);
 }
 
 void tst_HardwareInfoReader::crcVectors()
@@ -745,16 +746,16 @@ void tst_HardwareInfoReader::crcOfRandomBlocks()
     QCOMPARE(libraryCrc(longest), EepromImage::crc(longest));
 }
 
-void tst_HardwareInfoReader::crcOfNothingNeedsNoData()
+void tst_HardwareInfoReader::crcOfZeroBytesReadsNoData()
 {
     HardwareInfoReader reader(nullptr);
     QCOMPARE(reader.checksumXModemCRC(nullptr, 0), quint16(0));
     QCOMPARE(reader.checksumXModemCRC("A", 0), quint16(0));
-    // No more than the length is looked at.
+    // Only the given length is read.
     QCOMPARE(reader.checksumXModemCRC("AB", 1), quint16(0x58E5));
 }
 
-void tst_HardwareInfoReader::isAPlainQObject()
+void tst_HardwareInfoReader::classIsAPlainQObject()
 {
     std::unique_ptr<QObject> parent(new QObject);
     const QPointer<HardwareInfoReader> reader(new HardwareInfoReader(parent.get()));
@@ -775,7 +776,7 @@ void tst_HardwareInfoReader::isAPlainQObject()
     QCOMPARE(reader->qt_metacast("HardwareInfo"), nullptr);
     QVERIFY(reader->inherits("HardwareInfoReader"));
     QVERIFY(reader->inherits("QObject"));
-    // What QObject does not take itself is left for nobody.
+    // The class handles no meta-calls of its own.
     const int firstOwn = QObject::staticMetaObject.methodCount();
     QCOMPARE(reader->qt_metacall(QMetaObject::InvokeMetaMethod, firstOwn + 3, nullptr), 3);
 
@@ -783,7 +784,7 @@ void tst_HardwareInfoReader::isAPlainQObject()
     QVERIFY(reader.isNull());
 }
 
-void tst_HardwareInfoReader::fieldsLieInTheirOrder()
+void tst_HardwareInfoReader::fieldsAreInDeclaredOrder()
 {
     static_assert(std::has_virtual_destructor<HardwareInfoReader>::value, "a QObject");
     static_assert(sizeof(HardwareInfoReader) == sizeof(QObject) + 10 * sizeof(int),

@@ -12,7 +12,7 @@ using namespace ReaderSamples;
 
 namespace {
 
-// As long as a checksum of 16 bits is hoped to guard well, with the board's text in it.
+// A block with the board's text, of a length that a 16-bit checksum protects well.
 QByteArray guardedBlock()
 {
     return boardText.leftJustified(100, ' ', true);
@@ -23,7 +23,7 @@ quint32 word(const QByteArray& image, int address)
     return qFromLittleEndian<quint32>(image.constData() + address);
 }
 
-// What the reader warns of an image, said the slow and plain way; empty for a good one.
+// The reader's warning for an image, determined in a simple way; empty for a valid image.
 QString warningOf(const QByteArray& image, const QString& filePath)
 {
     if (image.size() < EepromImage::headerEnd) {
@@ -47,8 +47,8 @@ QString warningOf(const QByteArray& image, const QString& filePath)
 } // namespace
 
 /*
- * Images that are not as they were written: they are rejected, with the one message and the record
- * as it was, or the damage is where nothing is lost.
+ * Damaged images: either the image is rejected with one message and the record is unchanged, or the
+ * damage does not affect the result.
  */
 class tst_HardwareInfoReaderDamage : public TestCase
 {
@@ -66,12 +66,12 @@ private Q_SLOTS:
 private:
     void store(const QByteArray& image);
     void flip(int bit);
-    // Whether the stored image was read; it is as the message that came says.
+    // Whether the stored image was read, and whether the message agrees.
     bool isRead(const QString& warning);
     bool isRead() { return isRead(warningOf(m_image, m_file->fileName())); }
 
     QByteArray m_image;
-    QScopedPointer<QFile> m_file; // open all the time
+    QScopedPointer<QFile> m_file; // always open
     HardwareInfoReader m_reader{nullptr};
     HardwareInfo m_info;
 };
@@ -84,7 +84,7 @@ void tst_HardwareInfoReaderDamage::store(const QByteArray& image)
     QCOMPARE(m_file->write(image), qint64(image.size()));
 }
 
-// Changes the image in the place where it lies; again, and it is as before.
+// Flips a bit in the stored image; a second call restores it.
 void tst_HardwareInfoReaderDamage::flip(int bit)
 {
     const int address = bit / 8;
@@ -105,7 +105,7 @@ bool tst_HardwareInfoReaderDamage::isRead(const QString& warning)
                                        taken.first().level == QtWarningMsg &&
                                        values(m_info) == untouched;
     if (!isAsSaid) {
-        const QString report = "image %1 gives %2 and %3 messages: %4";
+        const QString report = "image %1: result %2, %3 messages: %4";
         QTest::qFail(
             qPrintable(report.arg(QString::fromLatin1(m_image.toHex()), QVariant(isRead).toString(),
                                   QString::number(taken.size()),
@@ -142,7 +142,7 @@ void tst_HardwareInfoReaderDamage::everyBit()
         QVERIFY(!QTest::currentTestFailed());
         flip(bit);
     }
-    // Nothing reads what lies before the header, its first word, and half of its last.
+    // Nothing evaluates the bytes before the header, its first word, and half of its last word.
     QCOMPARE(reads, (20 + 4 + 2) * 8);
 }
 
@@ -150,7 +150,7 @@ void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheBlock()
 {
     store(EepromImage(guardedBlock()).bytes());
     const QString warning = invalidChecksum(m_file->fileName());
-    // Under an emulator a tenth of the pairs.
+    // Under an emulator, a tenth of the pairs.
     const int step = isEmulated() ? 10 : 1;
     int pairs = 0;
     for (int first = EepromImage::headerEnd * 8; first < m_image.size() * 8; ++first) {
@@ -187,7 +187,7 @@ void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheHeader()
         }
         flip(first);
     }
-    // Both bits among the 48 that are not evaluated.
+    // Both bits are among the 48 that are not evaluated.
     QCOMPARE(reads, 48 * 47 / 2);
 }
 
@@ -196,7 +196,7 @@ void tst_HardwareInfoReaderDamage::erasedImages_data()
     QTest::addColumn<QByteArray>("image");
     QTest::addColumn<bool>("isAccepted");
     for (const int size : {0, 20, 35, 36, 37, 256, 2048, 65536}) {
-        // The checksum of nothing is zero, so the header tells of a sound and empty block.
+        // The checksum of zero bytes is zero, so the header describes a valid, empty block.
         QTest::addRow("%d zeros", size) << QByteArray(size, '\0') << (size >= 36);
         QTest::addRow("%d bytes of 0xFF", size) << QByteArray(size, '\xFF') << false;
     }
@@ -220,7 +220,7 @@ void tst_HardwareInfoReaderDamage::garbage()
         for (char& byte : image) {
             byte = char(random.bounded(256));
         }
-        // Addresses and lengths of a few bytes get further than those of four.
+        // Addresses and lengths with few nonzero bytes pass more checks than random ones.
         for (const int address : {24, 28}) {
             if (random.bounded(4) != 0 && address + 4 <= image.size()) {
                 qToLittleEndian(quint32(random.bounded(1 << random.bounded(1, 18))),

@@ -28,8 +28,8 @@ using Name = const QString& (HardwareVersionIniManager::*)() const;
 Q_DECLARE_METATYPE(Reader)
 Q_DECLARE_METATYPE(Name)
 
-// What the library calls where it can go on without an object. The ordinary operator does the work,
-// so that the ordinary delete fits.
+// The operator new that the library calls where it can continue without an object. It uses the
+// ordinary operator new, so that the ordinary delete matches.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     return memoryIsExhausted ? nullptr : ::operator new(size);
@@ -43,40 +43,40 @@ private Q_SLOTS:
     void readsTheSixKeys();
     void namesOfKeysAndGroup_data();
     void namesOfKeysAndGroup();
-    void valuesAreWhatTheIniFormatSays_data();
-    void valuesAreWhatTheIniFormatSays();
+    void valuesFollowTheIniFormat_data();
+    void valuesFollowTheIniFormat();
     void missingKeyWarns_data();
     void missingKeyWarns();
-    void missingCommentIsSilent_data();
-    void missingCommentIsSilent();
-    void otherSectionsAreReadOnRequestOnly();
-    void textLiesInATemporaryFile_data();
-    void textLiesInATemporaryFile();
-    void emptyTextIsAWriteError_data();
-    void emptyTextIsAWriteError();
+    void missingCommentLogsNothing_data();
+    void missingCommentLogsNothing();
+    void otherSectionsAreReadOnlyOnRequest();
+    void textIsStoredInATemporaryFile_data();
+    void textIsStoredInATemporaryFile();
+    void emptyTextIsReportedAsWriteError_data();
+    void emptyTextIsReportedAsWriteError();
     void unusableTemplate_data();
     void unusableTemplate();
     void exhaustedMemory();
     void fullDisk_data();
     void fullDisk();
-    void classHasItsShape();
+    void classLayout();
 
 private:
     QString fileTemplate() const { return path("hwinfo.XXXXXX"); }
-    QStringList filesInFolder() const { return QDir(folder()).entryList(QDir::Files); }
+    QStringList filesInDirectory() const { return QDir(folder()).entryList(QDir::Files); }
     void expectNotFound(const QString& group, const QString& key);
     void expectNoManagerAtEachRead();
     void verifyAllEmpty(const HardwareVersionIniManager& manager);
 };
 
-// The one file of the row's folder is the temporary file.
+// The only file in the row's directory is the temporary file.
 void tst_HardwareVersionIniManager::expectNotFound(const QString& group, const QString& key)
 {
-    QCOMPARE(filesInFolder().size(), 1);
+    QCOMPARE(filesInDirectory().size(), 1);
     messages()
         .expectWarning("IniFileManager",
                        QStringLiteral("\"Ini-File (%1):\" Key \"%2\" not found in Group \"%3\" !")
-                           .arg(path(filesInFolder().first()), key, group))
+                           .arg(path(filesInDirectory().first()), key, group))
         .function("QVariant IniFileManager::getValue(const QString&, const QString&, "
                   "const QVariant&) const");
 }
@@ -146,12 +146,12 @@ void tst_HardwareVersionIniManager::namesOfKeysAndGroup()
     const QString& first = (manager.*name)();
     QCOMPARE(first, text);
     QVERIFY(!first.isNull());
-    // One text for the whole process.
+    // The whole process shares one string.
     QCOMPARE(&(manager.*name)(), &first);
     QCOMPARE(&(other.*name)(), &first);
 }
 
-void tst_HardwareVersionIniManager::valuesAreWhatTheIniFormatSays_data()
+void tst_HardwareVersionIniManager::valuesFollowTheIniFormat_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("value");
@@ -159,22 +159,22 @@ void tst_HardwareVersionIniManager::valuesAreWhatTheIniFormatSays_data()
         QTest::newRow(name) << text << QString::fromLatin1(latin1);
     };
     row("plain", "Type=A\n", "A");
-    row("no line end", "Type=A", "A");
+    row("no line feed at the end", "Type=A", "A");
     row("carriage returns", "Type=A\r\nVersion=1\r\n", "A");
-    row("blanks around", "  Type  =  A b  \n", "A b");
+    row("surrounding spaces", "  Type  =  A b  \n", "A b");
     row("no value", "Type=\n", "");
     row("list", "Type=a,b\n", "");
     row("list with an empty end", "Type=a,\n", "");
     row("quoted comma", "Type=\"a, b\"\n", "a, b");
     row("UTF-8 is read as Latin-1", "Type=\xC3\xA9\n", "\xC3\xA9");
     row("Latin-1", "Type=\xE9\n", "\xE9");
-    // The mark sticks to the first line, which is none of the keys then.
-    row("UTF-8 below a byte order mark", "\xEF\xBB\xBF\nType=\xC3\xA9\n", "\xE9");
+    // The mark becomes part of the first line, which is then a different key.
+    row("UTF-8 after a byte order mark", "\xEF\xBB\xBF\nType=\xC3\xA9\n", "\xE9");
     row("escaped character", "Type=\\xe9\n", "\xE9");
     row("last duplicate wins", "Type=A\nType=B\n", "B");
     row("comment line", "; Type=A\nType=B\n;Type=C\n", "B");
-    row("hash starts no comment", "Type=A # B\n", "A # B");
-    row("hash before the key makes another key", "Type=A\n#Type=B\n", "A");
+    row("hash does not start a comment", "Type=A # B\n", "A # B");
+    row("hash before the key makes it a different key", "Type=A\n#Type=B\n", "A");
     QTest::newRow("zero byte is part of the value")
         << QByteArray("Type=A\0B\n", 9) << QString::fromLatin1("A\0B", 3);
     row("general section is the top level", "[General]\nType=A\n", "A");
@@ -182,7 +182,7 @@ void tst_HardwareVersionIniManager::valuesAreWhatTheIniFormatSays_data()
     row("text longer than a buffer", "Comment=" + QByteArray(40000, 'x') + "\nType=A\n", "A");
 }
 
-void tst_HardwareVersionIniManager::valuesAreWhatTheIniFormatSays()
+void tst_HardwareVersionIniManager::valuesFollowTheIniFormat()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, value);
@@ -208,7 +208,7 @@ void tst_HardwareVersionIniManager::missingKeyWarns()
 {
     QFETCH(Reader, reader);
     QFETCH(QString, key);
-    // The key stands inside a section and, at the top level, in other letters only.
+    // The key is in a section and, at the top level, only in different case.
     const QByteArray name = key.toLatin1();
     const HardwareVersionIniManager manager(
         name.toLower() + "=a\n[Board]\n" + name + "=b\n[" + name + "]\nx=c\n", fileTemplate());
@@ -216,23 +216,23 @@ void tst_HardwareVersionIniManager::missingKeyWarns()
     QCOMPARE((manager.*reader)(), QString());
 }
 
-void tst_HardwareVersionIniManager::missingCommentIsSilent_data()
+void tst_HardwareVersionIniManager::missingCommentLogsNothing_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("no comment") << QByteArray("Type=A\n");
     QTest::newRow("in a section") << QByteArray("Type=A\n[Board]\nComment=b\n");
     QTest::newRow("a section of that name") << QByteArray("Type=A\n[Comment]\nComment=b\n");
-    QTest::newRow("in other letters") << QByteArray("comment=A\n");
+    QTest::newRow("in different case") << QByteArray("comment=A\n");
 }
 
-void tst_HardwareVersionIniManager::missingCommentIsSilent()
+void tst_HardwareVersionIniManager::missingCommentLogsNothing()
 {
     QFETCH(QByteArray, text);
     const HardwareVersionIniManager manager(text, fileTemplate());
     QCOMPARE(manager.getComment(), QString());
 }
 
-void tst_HardwareVersionIniManager::otherSectionsAreReadOnRequestOnly()
+void tst_HardwareVersionIniManager::otherSectionsAreReadOnlyOnRequest()
 {
     const HardwareVersionIniManager manager("Type=A\n[Board]\nType=B\n", fileTemplate());
     const QString board = "Board";
@@ -242,7 +242,7 @@ void tst_HardwareVersionIniManager::otherSectionsAreReadOnRequestOnly()
     QCOMPARE(manager.getStringValueFromIniFile(board, manager.getKeyHwVersion()), QString());
 }
 
-void tst_HardwareVersionIniManager::textLiesInATemporaryFile_data()
+void tst_HardwareVersionIniManager::textIsStoredInATemporaryFile_data()
 {
     QTest::addColumn<QString>("templateName");
     QTest::addColumn<QString>("pattern");
@@ -254,31 +254,31 @@ void tst_HardwareVersionIniManager::textLiesInATemporaryFile_data()
                                     << "^hwinfo\\.[A-Za-z]{6}$";
 }
 
-void tst_HardwareVersionIniManager::textLiesInATemporaryFile()
+void tst_HardwareVersionIniManager::textIsStoredInATemporaryFile()
 {
     QFETCH(QString, templateName);
     QFETCH(QString, pattern);
     {
         const HardwareVersionIniManager manager(boardText, path(templateName));
-        const QStringList files = filesInFolder();
+        const QStringList files = filesInDirectory();
         QCOMPARE(files.size(), 1);
         QVERIFY2(QRegularExpression(pattern).match(files.first()).hasMatch(),
                  qPrintable(files.first()));
         QCOMPARE(readFile(path(files.first())), boardText);
         QCOMPARE(manager.getType(), QStringLiteral("4711"));
-        QCOMPARE(filesInFolder(), files);
+        QCOMPARE(filesInDirectory(), files);
     }
-    QCOMPARE(filesInFolder(), QStringList());
+    QCOMPARE(filesInDirectory(), QStringList());
 }
 
-void tst_HardwareVersionIniManager::emptyTextIsAWriteError_data()
+void tst_HardwareVersionIniManager::emptyTextIsReportedAsWriteError_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("empty") << QByteArray("");
     QTest::newRow("null") << QByteArray();
 }
 
-void tst_HardwareVersionIniManager::emptyTextIsAWriteError()
+void tst_HardwareVersionIniManager::emptyTextIsReportedAsWriteError()
 {
     QFETCH(QByteArray, text);
     messages()
@@ -291,14 +291,14 @@ void tst_HardwareVersionIniManager::emptyTextIsAWriteError()
         expectNoManagerAtEachRead();
         verifyAllEmpty(manager);
     }
-    QCOMPARE(filesInFolder(), QStringList());
+    QCOMPARE(filesInDirectory(), QStringList());
 }
 
 void tst_HardwareVersionIniManager::unusableTemplate_data()
 {
     QTest::addColumn<QString>("templateName");
-    QTest::newRow("missing folder") << "none/hwinfo.XXXXXX";
-    QTest::newRow("folder is a file") << "file/hwinfo.XXXXXX";
+    QTest::newRow("missing directory") << "none/hwinfo.XXXXXX";
+    QTest::newRow("directory is a file") << "file/hwinfo.XXXXXX";
 }
 
 void tst_HardwareVersionIniManager::unusableTemplate()
@@ -329,22 +329,22 @@ void tst_HardwareVersionIniManager::exhaustedMemory()
         memoryIsExhausted = true;
         const HardwareVersionIniManager manager(boardText, fileTemplate());
         memoryIsExhausted = false;
-        QCOMPARE(filesInFolder().size(), 1);
+        QCOMPARE(filesInDirectory().size(), 1);
         expectNoManagerAtEachRead();
         verifyAllEmpty(manager);
     }
-    QCOMPARE(filesInFolder(), QStringList());
+    QCOMPARE(filesInDirectory(), QStringList());
 }
 
 void tst_HardwareVersionIniManager::fullDisk_data()
 {
     QTest::addColumn<QByteArray>("text");
-    // The first fails when it is flushed, the second already when it is written.
+    // The first text fails when it is flushed, the second already when it is written.
     QTest::newRow("text that fits a buffer") << boardText;
     QTest::newRow("text longer than a buffer") << boardText + QByteArray(40000, ';');
 }
 
-// A write that fails is no write of nothing: the manager is there and finds no key.
+// A failed write differs from an empty text: there is a manager, which finds no key.
 void tst_HardwareVersionIniManager::fullDisk()
 {
     QFETCH(QByteArray, text);
@@ -356,7 +356,7 @@ void tst_HardwareVersionIniManager::fullDisk()
         setrlimit(RLIMIT_FSIZE, &noBytes);
         const QString type = HardwareVersionIniManager(text, fileTemplate()).getType();
         setrlimit(RLIMIT_FSIZE, &limit);
-        return type.isEmpty() && filesInFolder().isEmpty() ? 0 : 1;
+        return type.isEmpty() && filesInDirectory().isEmpty() ? 0 : 1;
     });
     QVERIFY2(result.exited && result.exitCode == 0, result.output.constData());
     const QString output = QString::fromLocal8Bit(result.output);
@@ -367,7 +367,7 @@ void tst_HardwareVersionIniManager::fullDisk()
     QVERIFY2(expected.match(output).hasMatch(), result.output.constData());
 }
 
-void tst_HardwareVersionIniManager::classHasItsShape()
+void tst_HardwareVersionIniManager::classLayout()
 {
     using Class = HardwareVersionIniManager;
     static_assert(std::has_virtual_destructor<Class>::value, "destroyed through the base");
@@ -378,7 +378,7 @@ void tst_HardwareVersionIniManager::classHasItsShape()
                   "a fixed layout");
 
     const std::unique_ptr<Class> manager(new Class(boardText, fileTemplate()));
-    // The pointer to the INI manager comes first.
+    // The pointer to the INI manager is the first field.
     void* iniFileManager = nullptr;
     memcpy(&iniFileManager, reinterpret_cast<const char*>(manager.get()) + sizeof(void*),
            sizeof iniFileManager);
@@ -386,7 +386,7 @@ void tst_HardwareVersionIniManager::classHasItsShape()
     const auto* tempFile = reinterpret_cast<const QTemporaryFile*>(
         reinterpret_cast<const char*>(manager.get()) + sizeof(void*) + sizeof(QSharedPointer<int>));
     QCOMPARE(tempFile->openMode() & QIODevice::ReadWrite, QIODevice::ReadWrite);
-    QCOMPARE(QStringList(QFileInfo(*tempFile).fileName()), filesInFolder());
+    QCOMPARE(QStringList(QFileInfo(*tempFile).fileName()), filesInDirectory());
 }
 
 QTEST_GUILESS_MAIN(tst_HardwareVersionIniManager)

@@ -15,17 +15,17 @@
 
 static_assert(sizeof(HashGenerator) == sizeof(void*), "no fields");
 static_assert(std::has_virtual_destructor<HashGenerator>::value, "virtual destructor");
-static_assert(std::is_default_constructible<HashGenerator>::value, "an object can be made");
+static_assert(std::is_default_constructible<HashGenerator>::value, "objects can be created");
 static_assert(std::is_same<decltype(hashFromString("")), uint>::value, "32 bits");
 
 namespace {
 
-// What a file's size becomes before its first byte is read; -1 for no change.
+// The size to which a file is truncated before its first byte is read; -1: unchanged.
 qint64 sizeAtFirstRead = -1;
 
 } // namespace
 
-// Takes precedence over the system's: somebody shortens the file that is being read.
+// Interposes the system's read(): another process truncates the file that is being read.
 extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
 {
     using Function = ssize_t (*)(int, void*, size_t);
@@ -33,7 +33,7 @@ extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
     if (sizeAtFirstRead >= 0) {
         const QByteArray filePath = "/proc/self/fd/" + QByteArray::number(descriptor);
         if (truncate(filePath.constData(), off_t(sizeAtFirstRead)) != 0) {
-            qFatal("cannot shorten the file that is read");
+            qFatal("cannot truncate the file that is read");
         }
         sizeAtFirstRead = -1;
     }
@@ -45,7 +45,7 @@ namespace {
 const char signature[] = "static QByteArray HashGenerator::createHashFromFile(const "
                          "QString&, const QCryptographicHash::Algorithm&)";
 
-// The same file content with and without carriage returns.
+// A file's content with and without carriage returns.
 struct Content
 {
     const char* name;
@@ -55,18 +55,18 @@ struct Content
 
 QVector<Content> contents()
 {
-    // Qt reads in pieces of 16 KiB: carriage returns on both sides of the edge, and far behind it.
+    // Qt reads chunks of 16 KiB: carriage returns on both sides of a boundary, and far after it.
     const QByteArray piece(16383, 'x');
     return {
         {"empty", "", ""},
         {"no carriage return", "a\nb\n", "a\nb\n"},
         {"line end", "a\r\n", "a\n"},
         {"lines", "a\r\nb\r\n", "a\nb\n"},
-        {"one carriage return alone", "\r", ""},
-        {"carriage returns alone", "\r\r\r", ""},
+        {"single carriage return", "\r", ""},
+        {"only carriage returns", "\r\r\r", ""},
         {"in the middle", "a\rb", "ab"},
-        {"at the begin and at the end", "\rab\r", "ab"},
-        {"behind the line feed", "a\n\rb", "a\nb"},
+        {"at the start and at the end", "\rab\r", "ab"},
+        {"after the line feed", "a\n\rb", "a\nb"},
         {"two before a line feed", "a\r\r\nb", "a\nb"},
         {"zeros", QByteArray("\0a\0\r\n\0", 6), QByteArray("\0a\0\n\0", 5)},
         {"end-of-file character",
@@ -75,9 +75,9 @@ QVector<Content> contents()
          "a\x1A"
          "b\n"},
         {"byte order mark", "\xEF\xBB\xBFtext\r\n", "\xEF\xBB\xBFtext\n"},
-        {"no UTF-8", "\xFF\x80\xFE\r\n", "\xFF\x80\xFE\n"},
-        {"at the edge of a piece", piece + "\r\r\n" + piece, piece + "\n" + piece},
-        {"many pieces", QByteArray("0123456789\r\n").repeated(20000),
+        {"invalid UTF-8", "\xFF\x80\xFE\r\n", "\xFF\x80\xFE\n"},
+        {"at a chunk boundary", piece + "\r\r\n" + piece, piece + "\n" + piece},
+        {"many chunks", QByteArray("0123456789\r\n").repeated(20000),
          QByteArray("0123456789\n").repeated(20000)},
     };
 }
@@ -97,19 +97,19 @@ private Q_SLOTS:
     void fileHashVectors_data();
     void fileHashVectors();
     void fileOfUnknownSize();
-    void fileIsLeftAsItIs();
+    void hashingDoesNotChangeTheFile();
     void missingFile_data();
     void missingFile();
     void danglingLink();
     void linkToFile();
     void directory();
-    void fileThatCannotBeRead();
+    void unreadableFile();
     void filesWithoutPermission_data();
     void filesWithoutPermission();
     void textHash_data();
     void textHash();
     void textHashOfEveryByte();
-    void textHashEndsAtZero();
+    void textHashEndsAtTheZeroByte();
     void variantHash_data();
     void variantHash();
     void variantHashVectors_data();
@@ -153,7 +153,7 @@ void tst_HashGenerator::fileHash()
 
 void tst_HashGenerator::largeFile()
 {
-    // Larger than what is read the usual way, and no whole number of pages.
+    // Too large for a single read, and not a multiple of the page size.
     constexpr int lines = 800001;
     const QByteArray bytes = QByteArray("0123456789\r\n").repeated(lines);
     QVERIFY(bytes.size() > 8 * 1024 * 1024);
@@ -162,14 +162,13 @@ void tst_HashGenerator::largeFile()
              QCryptographicHash::hash(QByteArray("0123456789\n").repeated(lines), method));
 }
 
-// What is gone when it would be read counts as nothing, however large the file was when it was
-// opened.
+// Bytes that are gone when they would be read are omitted, whatever the size was at opening.
 void tst_HashGenerator::fileThatShrinksWhileItIsRead()
 {
     const QByteArray start = QByteArray("0123456789\r\n").repeated(100);
     for (const qint64 mebibytes : {1, 65, 200}) {
         const QString filePath = writeFile("file", start);
-        QVERIFY(QFile::resize(filePath, mebibytes * 1024 * 1024)); // without taking up the space
+        QVERIFY(QFile::resize(filePath, mebibytes * 1024 * 1024)); // sparse
         sizeAtFirstRead = start.size();
         const QByteArray hash =
             HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5);
@@ -186,8 +185,8 @@ void tst_HashGenerator::fileHashVectors_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QByteArray>("hash"); // in hexadecimal
 
-    QTest::newRow("MD5 of nothing") << int(QCryptographicHash::Md5) << QByteArray()
-                                    << QByteArray("d41d8cd98f00b204e9800998ecf8427e");
+    QTest::newRow("MD5 of no bytes") << int(QCryptographicHash::Md5) << QByteArray()
+                                     << QByteArray("d41d8cd98f00b204e9800998ecf8427e");
     QTest::newRow("MD5 of abc") << int(QCryptographicHash::Md5) << QByteArray("\ra\rb\rc\r")
                                 << QByteArray("900150983cd24fb0d6963f7d28e17f72");
     // From md5sum, without the carriage return.
@@ -214,7 +213,7 @@ void tst_HashGenerator::fileHashVectors()
 
 void tst_HashGenerator::fileOfUnknownSize()
 {
-    // Its size is 0, and yet it has content.
+    // The file reports size 0 but has content.
     const QString filePath = "/proc/self/cmdline";
     QCOMPARE(QFileInfo(filePath).size(), 0);
     const QByteArray content = readFile(filePath);
@@ -223,7 +222,7 @@ void tst_HashGenerator::fileOfUnknownSize()
              QCryptographicHash::hash(content, QCryptographicHash::Sha1));
 }
 
-void tst_HashGenerator::fileIsLeftAsItIs()
+void tst_HashGenerator::hashingDoesNotChangeTheFile()
 {
     const QByteArray content = "a\r\n";
     const QString filePath = writeFile("file", content);
@@ -241,8 +240,8 @@ void tst_HashGenerator::missingFile_data()
 
     const QString missing = "/nowhere/file";
     QTest::newRow("missing") << missing << missing;
-    QTest::newRow("no path") << QString() << QString();
-    QTest::newRow("blanks and quotation marks") << "/nowhere/a \"b\""
+    QTest::newRow("empty path") << QString() << QString();
+    QTest::newRow("spaces and quotation marks") << "/nowhere/a \"b\""
                                                 << "/nowhere/a \\\"b\\\"";
     QTest::newRow("below a file") << "/proc/version/file"
                                   << "/proc/version/file";
@@ -261,7 +260,7 @@ void tst_HashGenerator::missingFile()
 
 void tst_HashGenerator::danglingLink()
 {
-    // The link itself is there: only opening it fails.
+    // The link itself exists; only opening it fails.
     const QString link = path("link");
     QVERIFY(QFile::link("/nowhere/file", link));
     messages().expectWarning(
@@ -289,9 +288,9 @@ void tst_HashGenerator::directory()
     QVERIFY(HashGenerator::createHashFromFile(folder(), QCryptographicHash::Md5).isNull());
 }
 
-void tst_HashGenerator::fileThatCannotBeRead()
+void tst_HashGenerator::unreadableFile()
 {
-    // It can be opened, but there is no memory at its begin: what cannot be read counts as nothing.
+    // The file can be opened, but its start is unmapped memory; what cannot be read is omitted.
     QFile file("/proc/self/mem");
     QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
     char byte = 0;
@@ -306,7 +305,7 @@ void tst_HashGenerator::filesWithoutPermission_data()
     QTest::addColumn<QString>("warning");
 
     QTest::newRow("file") << true << "Can't open file: \"%1\" ( \"Permission denied\" )!";
-    QTest::newRow("folder") << false << "Can't find file: \"%1\" !";
+    QTest::newRow("directory") << false << "Can't find file: \"%1\" !";
 }
 
 void tst_HashGenerator::filesWithoutPermission()
@@ -316,7 +315,7 @@ void tst_HashGenerator::filesWithoutPermission()
 
     const QString filePath = writeFile("file", "content");
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::Permissions()));
-    // Where an ordinary user runs this, it is the owner of the folder that is to be shut out.
+    // An ordinary user who runs this test owns the directory, so it must deny access to the owner.
     QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(isFolderOpen ? 0x7755 : 0)));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([&filePath] {
         return HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5).isNull() ? 0
@@ -333,7 +332,7 @@ void tst_HashGenerator::textHash_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<uint>("hash");
 
-    // Published with the algorithm.
+    // The test vectors that were published with the algorithm.
     QTest::newRow("empty") << QByteArray("") << 0x811C9DC5u;
     QTest::newRow("a") << QByteArray("a") << 0xE40C292Cu;
     QTest::newRow("b") << QByteArray("b") << 0xE70C2DE5u;
@@ -346,9 +345,9 @@ void tst_HashGenerator::textHash_data()
     QTest::newRow("foob") << QByteArray("foob") << 0x3F5076EFu;
     QTest::newRow("fooba") << QByteArray("fooba") << 0x39AAA18Au;
     QTest::newRow("foobar") << QByteArray("foobar") << 0xBF9CF968u;
-    // Computed elsewhere; a signed byte would give another hash.
+    // Computed independently; signed bytes would result in a different hash.
     QTest::newRow("highest byte") << QByteArray("\xFF") << 0x7A0B824Eu;
-    QTest::newRow("sign bit alone") << QByteArray("\x80") << 0x850B939Fu;
+    QTest::newRow("only the sign bit") << QByteArray("\x80") << 0x850B939Fu;
     QTest::newRow("UTF-8") << QByteArray("\xC3\xA4") << 0x199DE0E2u;
 }
 
@@ -369,7 +368,7 @@ void tst_HashGenerator::textHashOfEveryByte()
     }
 }
 
-void tst_HashGenerator::textHashEndsAtZero()
+void tst_HashGenerator::textHashEndsAtTheZeroByte()
 {
     QCOMPARE(hashFromString("foo\0bar"), 0xA9F37ED7u);
     QCOMPARE(hashFromString("\0foo"), 0x811C9DC5u);
@@ -397,7 +396,7 @@ void tst_HashGenerator::variantHashVectors_data()
     QTest::addColumn<uint>("hash");
 
     QTest::newRow("invalid") << QVariant() << 0u;
-    QTest::newRow("no text") << QVariant(QPoint(1, 2)) << 0u;
+    QTest::newRow("no string") << QVariant(QPoint(1, 2)) << 0u;
     QTest::newRow("42") << QVariant(42) << 0x87E38583u;
     QTest::newRow("the text 42") << QVariant(QStringLiteral("42")) << 0x87E38583u;
     QTest::newRow("empty text") << QVariant(QStringLiteral("")) << 0x811C9DC5u;
@@ -406,9 +405,9 @@ void tst_HashGenerator::variantHashVectors_data()
     QTest::newRow("foobar") << QVariant(QStringLiteral("foobar")) << 0xBF9CF968u;
     QTest::newRow("raw foobar") << QVariant(QByteArray("foobar")) << 0xBF9CF968u;
     QTest::newRow("hashed as UTF-8") << QVariant(QStringLiteral(u"\u00E4")) << 0x199DE0E2u;
-    QTest::newRow("text with a zero")
+    QTest::newRow("text with a zero character")
         << QVariant(QString::fromUtf16(u"foo\0bar", 7)) << 0xA9F37ED7u;
-    QTest::newRow("text that begins with a zero")
+    QTest::newRow("text with a leading zero character")
         << QVariant(QString::fromUtf16(u"\0foo", 4)) << 0x811C9DC5u;
 }
 
@@ -429,7 +428,7 @@ void tst_HashGenerator::variantIsHashedAsUtf8InEveryLocale()
     QCOMPARE(hash, 0x199DE0E2u);
 }
 
-// Each thread has a file and a text of its own: what one call keeps shows in another's result.
+// Each thread has its own file and text, so state that calls share would show in a result.
 void tst_HashGenerator::manyThreads()
 {
     constexpr int callsPerThread = 100;
@@ -450,7 +449,7 @@ void tst_HashGenerator::manyThreads()
                hashFromString(texts.at(number).constData()) == textHashes.at(number) &&
                hashFromString(QVariant(texts.at(number))) == textHashes.at(number);
     };
-    QCOMPARE(rightAnswersInManyThreads(callsPerThread, isRight), threadCount * callsPerThread);
+    QCOMPARE(correctCallsInManyThreads(callsPerThread, isRight), threadCount * callsPerThread);
 }
 
 QTEST_GUILESS_MAIN(tst_HashGenerator)

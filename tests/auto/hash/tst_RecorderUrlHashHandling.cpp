@@ -41,8 +41,8 @@ void tst_RecorderUrlHashHandling::urlHash_data()
     QTest::newRow("abc") << QByteArray("abc") << QByteArray("900150983cd24fb0d6963f7d28e17f72");
     QTest::newRow("message digest")
         << QByteArray("message digest") << QByteArray("f96b697d7cb7938d525a2f31aaf161d0");
-    QTest::newRow("small letters") << QByteArray("abcdefghijklmnopqrstuvwxyz")
-                                   << QByteArray("c3fcd3d76192e4007dfb496cca67e13b");
+    QTest::newRow("lowercase letters") << QByteArray("abcdefghijklmnopqrstuvwxyz")
+                                       << QByteArray("c3fcd3d76192e4007dfb496cca67e13b");
     QTest::newRow("letters and digits")
         << QByteArray("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789")
         << QByteArray("d174ab98d277d9f5a5611c2c9f419d9f");
@@ -63,7 +63,7 @@ void tst_RecorderUrlHashHandling::urlHash()
     const QByteArray raw = RecorderUrlHashHandling::createUrlHash(url);
     QCOMPARE(raw.size(), 16);
     QCOMPARE(raw.toHex(), hash);
-    // However the bytes are spread over the parts.
+    // The hash does not depend on how the bytes are split into parts.
     for (int first = 0; first <= url.size(); ++first) {
         for (int second = first; second <= url.size(); ++second) {
             QCOMPARE(RecorderUrlHashHandling::createUrlHash(
@@ -86,8 +86,8 @@ void tst_RecorderUrlHashHandling::partsAreConcatenated_data()
                                  << QByteArray("abc");
     QTest::newRow("all") << QByteArray("host") << QByteArray("/path") << QByteArray("?query")
                          << QByteArray("host/path?query");
-    QTest::newRow("order counts") << QByteArray("c") << QByteArray("b") << QByteArray("a")
-                                  << QByteArray("cba");
+    QTest::newRow("order matters")
+        << QByteArray("c") << QByteArray("b") << QByteArray("a") << QByteArray("cba");
     QTest::newRow("first empty") << QByteArray() << QByteArray("b") << QByteArray("c")
                                  << QByteArray("bc");
     QTest::newRow("second empty") << QByteArray("a") << QByteArray() << QByteArray("c")
@@ -113,7 +113,7 @@ void tst_RecorderUrlHashHandling::partsAreConcatenated()
 void tst_RecorderUrlHashHandling::uuid_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("text"); // null: none
+    QTest::addColumn<QString>("text"); // null: no UUID
 
     QTest::newRow("counting") << QByteArray::fromHex("000102030405060708090a0b0c0d0e0f")
                               << "00010203-0405-0607-0809-0a0b0c0d0e0f";

@@ -10,9 +10,9 @@
 #include <type_traits>
 #include <vector>
 
-static_assert(!std::is_polymorphic<UniqueIdGenerator>::value, "nothing is virtual");
+static_assert(!std::is_polymorphic<UniqueIdGenerator>::value, "no virtual functions");
 static_assert(std::is_standard_layout<UniqueIdGenerator>::value, "its address is the counter's");
-static_assert(sizeof(UniqueIdGenerator) == sizeof(QAtomicInt), "the counter alone");
+static_assert(sizeof(UniqueIdGenerator) == sizeof(QAtomicInt), "only the counter");
 static_assert(std::is_same<decltype(std::declval<UniqueIdGenerator&>().getId()), QAtomicInt>::value,
               "an atomic integer by value");
 static_assert(std::is_same<decltype(UniqueIdGenerator::getInstance()), UniqueIdGenerator&>::value,
@@ -25,7 +25,7 @@ int nextId(UniqueIdGenerator& generator)
     return generator.getId().loadRelaxed();
 }
 
-// What threadCount threads get from the generator, sorted.
+// The identifiers that threadCount threads get from the generator, sorted.
 std::vector<int> drawFromManyThreads(UniqueIdGenerator& generator, int identifiersPerThread)
 {
     std::vector<int> identifiers(size_t(threadCount * identifiersPerThread), -1);
@@ -37,7 +37,7 @@ std::vector<int> drawFromManyThreads(UniqueIdGenerator& generator, int identifie
     return identifiers;
 }
 
-// Whether the identifiers are first, first + 1 and so on.
+// Whether the identifiers are consecutive, starting with first.
 bool isEachOnce(const std::vector<int>& identifiers, int first)
 {
     return std::all_of(identifiers.begin(), identifiers.end(),
@@ -51,37 +51,37 @@ class tst_UniqueIdGenerator : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void processBeginsAtZero(); // first: the others use up identifiers
-    void nextProcessBeginsAnew_data();
-    void nextProcessBeginsAnew();
-    void instanceIsOne();
-    void ownGeneratorsBeginAtZero();
+    void processStartsAtZero(); // must be first: the others use up identifiers
+    void nextProcessStartsAtZeroAgain_data();
+    void nextProcessStartsAtZeroAgain();
+    void instanceIsASingleton();
+    void separateGeneratorsStartAtZero();
     void resultIsAValue();
-    void eachOnceOverThreads();
-    void eachOnceOverThreadsFromInstance();
-    void identifierOrdersMemory();
+    void identifiersAreUniqueAcrossThreads();
+    void identifiersOfTheInstanceAreUniqueAcrossThreads();
+    void laterIdentifierSeesEarlierWrites();
     void wrapsAround();
 
 private:
     static int identifiersPerThread() { return stressRounds(100000, 1000000); }
 };
 
-void tst_UniqueIdGenerator::processBeginsAtZero()
+void tst_UniqueIdGenerator::processStartsAtZero()
 {
     QCOMPARE(nextId(UniqueIdGenerator::getInstance()), 0);
     QCOMPARE(nextId(UniqueIdGenerator::getInstance()), 1);
     QCOMPARE(nextId(UniqueIdGenerator::getInstance()), 2);
 }
 
-void tst_UniqueIdGenerator::nextProcessBeginsAnew_data()
+void tst_UniqueIdGenerator::nextProcessStartsAtZeroAgain_data()
 {
     QTest::addColumn<QString>("testFunction");
 
-    QTest::newRow("at zero") << "processBeginsAtZero";
-    QTest::newRow("with calls of many threads") << "instanceIsOne";
+    QTest::newRow("at zero") << "processStartsAtZero";
+    QTest::newRow("with calls of many threads") << "instanceIsASingleton";
 }
 
-void tst_UniqueIdGenerator::nextProcessBeginsAnew()
+void tst_UniqueIdGenerator::nextProcessStartsAtZeroAgain()
 {
     QFETCH(QString, testFunction);
 
@@ -94,7 +94,7 @@ void tst_UniqueIdGenerator::nextProcessBeginsAnew()
              process.readAll().constData());
 }
 
-void tst_UniqueIdGenerator::instanceIsOne()
+void tst_UniqueIdGenerator::instanceIsASingleton()
 {
     std::vector<UniqueIdGenerator*> inThreads(threadCount, nullptr);
     callInManyThreads([&inThreads](int number) {
@@ -105,7 +105,7 @@ void tst_UniqueIdGenerator::instanceIsOne()
     }
 }
 
-void tst_UniqueIdGenerator::ownGeneratorsBeginAtZero()
+void tst_UniqueIdGenerator::separateGeneratorsStartAtZero()
 {
     nextId(UniqueIdGenerator::getInstance());
     UniqueIdGenerator one;
@@ -126,35 +126,36 @@ void tst_UniqueIdGenerator::resultIsAValue()
     QCOMPARE(number, 2);
 }
 
-void tst_UniqueIdGenerator::eachOnceOverThreads()
+void tst_UniqueIdGenerator::identifiersAreUniqueAcrossThreads()
 {
     UniqueIdGenerator generator;
     QVERIFY(isEachOnce(drawFromManyThreads(generator, identifiersPerThread()), 0));
     QCOMPARE(nextId(generator), threadCount * identifiersPerThread());
 }
 
-void tst_UniqueIdGenerator::eachOnceOverThreadsFromInstance()
+void tst_UniqueIdGenerator::identifiersOfTheInstanceAreUniqueAcrossThreads()
 {
     const int last = nextId(UniqueIdGenerator::getInstance());
     QVERIFY(isEachOnce(
         drawFromManyThreads(UniqueIdGenerator::getInstance(), identifiersPerThread()), last + 1));
 }
 
-void tst_UniqueIdGenerator::identifierOrdersMemory()
+void tst_UniqueIdGenerator::laterIdentifierSeesEarlierWrites()
 {
-    // Who gets a later identifier sees what was done before an earlier one was taken. Only the
-    // thread sanitizer, or a machine with a weaker memory than a PC's, would tell otherwise.
+    // A thread that gets a later identifier sees the writes made before an earlier one was taken.
+    // Only the thread sanitizer, or a processor with weaker memory ordering, would show a
+    // violation.
     for (int round = 0; round < 100; ++round) {
         UniqueIdGenerator generator;
         int written = 0;
-        QAtomicInt isEnded(0); // orders nothing for the one who reads it
+        QAtomicInt isEnded(0); // relaxed: does not order memory for the reader
         std::thread writer([&generator, &written, &isEnded] {
             written = 1;
             nextId(generator);
             isEnded.storeRelease(1);
         });
         bool isLast = false;
-        bool isOneMissing = false; // which the writer has
+        bool isOneMissing = false; // that the writer has
         for (int expected = 0; !isOneMissing && !isLast; ++expected) {
             isLast = isEnded.loadRelaxed() != 0;
             isOneMissing = nextId(generator) != expected;
@@ -168,7 +169,7 @@ void tst_UniqueIdGenerator::identifierOrdersMemory()
 void tst_UniqueIdGenerator::wrapsAround()
 {
     UniqueIdGenerator generator;
-    // Counting up to there would take too long.
+    // Counting up to the maximum would take too long.
     reinterpret_cast<QAtomicInt&>(generator).storeRelaxed(std::numeric_limits<int>::max() - 1);
     QCOMPARE(nextId(generator), 2147483646);
     QCOMPARE(nextId(generator), 2147483647);

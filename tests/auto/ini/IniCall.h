@@ -6,8 +6,8 @@
 #include <QtCore/QVariant>
 
 /*
- * Any call on an INI file, with all that it may need. It can be made on the library's class as on
- * the literal version of it.
+ * A call on an INI file with all possible arguments. It can be made on the library's class and on
+ * its literal version.
  */
 struct IniCall
 {
@@ -20,7 +20,7 @@ struct IniCall
     QString filter;
     int index = 0;
 
-    // Makes the call; gives a text that shows call and answer.
+    // Makes the call; returns a text that shows call and result.
     template <typename File>
     QString on(File& file) const;
 

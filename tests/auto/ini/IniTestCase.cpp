@@ -57,15 +57,15 @@ void IniTestCase::addValueRows()
     number("number with a plus", "+12", "+12", 12);
     number("zero", "0", "0", 0);
     number("leading zero is decimal", "010", "010", 10);
-    number("blanks around", "  12  ", "12", 12);
-    number("blanks inside quotes", "\" 12 \"", " 12 ", 12);
+    number("surrounding spaces", "  12  ", "12", 12);
+    number("spaces inside quotes", "\" 12 \"", " 12 ", 12);
     number("number in quotes", "\"12\"", "12", 12);
-    number("comment behind", "12 ;a comment", "12", 12);
-    number("greatest", "2147483647", "2147483647", 2147483647);
-    number("least", "-2147483648", "-2147483648", -2147483647 - 1);
-    number("one more than the greatest is cut", "2147483648", "2147483648", -2147483647 - 1);
-    number("64 bits are cut", "4294967301", "4294967301", 5);
-    number("greatest of 64 bits", "9223372036854775807", "9223372036854775807", -1);
+    number("trailing comment", "12 ;a comment", "12", 12);
+    number("largest", "2147483647", "2147483647", 2147483647);
+    number("smallest", "-2147483648", "-2147483648", -2147483647 - 1);
+    number("largest plus one is truncated", "2147483648", "2147483648", -2147483647 - 1);
+    number("64 bits are truncated", "4294967301", "4294967301", 5);
+    number("largest 64-bit number", "9223372036854775807", "9223372036854775807", -1);
 
     word("65 bits", "9223372036854775808", "9223372036854775808", true);
     word("word", "abc", "abc", true);
@@ -75,22 +75,22 @@ void IniTestCase::addValueRows()
     word("exponent", "1e3", "1e3", true);
     word("true", "true", "true", true);
     word("false", "false", "false", false);
-    word("false in capitals", "FALSE", "FALSE", false);
+    word("false in uppercase", "FALSE", "FALSE", false);
     word("off", "off", "off", true);
     word("no", "no", "no", true);
     word("zero with a fraction", "0.0", "0.0", true);
-    word("nothing", "", "", false);
+    word("empty value", "", "", false);
     word("empty quotes", "\"\"", "", false);
-    word("blank in quotes", "\" \"", " ", true);
-    word("hash is no comment", "#5", "#5", true);
-    word("percent escape is left alone", "%235", "%235", true);
+    word("space in quotes", "\" \"", " ", true);
+    word("hash does not start a comment", "#5", "#5", true);
+    word("percent escape is kept", "%235", "%235", true);
     word("hexadecimal escape", "\\x41\\x42", "AB", true);
     word("comma in quotes", "\"1,2\"", "1,2", true);
     word("doubled at sign", "@@Invalid()", "@Invalid()", true);
     word("Latin-1", "\xe4", "\xc3\xa4", true);
 
     other("list", "1,2", words("1 2"), QString(), R"(QVariant(QStringList, ("1", "2")))");
-    other("list of nothing", ",", QStringList({QString(), QString()}), QString(),
+    other("list of empty elements", ",", QStringList({QString(), QString()}), QString(),
           R"(QVariant(QStringList, ("", "")))");
     other("present and invalid", "@Invalid()", QVariant(), QString(), "QVariant(Invalid)");
     QTest::newRow("bytes") << QByteArray("@ByteArray(12)") << QVariant(QByteArray("12")) << "12"

@@ -5,23 +5,23 @@
 
 #include <QtCore/QVariant>
 
-// What the tests of IniFileManager share: one INI file per row, and the shape of its warnings.
+// The base of the tests of IniFileManager: one INI file per row, and the form of its warnings.
 class IniTestCase : public TestCase
 {
 protected:
-    // The path of the row's INI file, which is not there before writeIni().
+    // The path of the row's INI file, which does not exist before writeIni().
     QString iniFile() const { return path(QStringLiteral("settings.ini")); }
     void writeIni(const QByteArray& content) const;
 
-    // Announces a warning that begins with the log prefix of the row's file.
+    // Expects a warning that starts with the log prefix of the row's file.
     ExpectedMessage& expectIniWarning(const QString& items);
 
-    // A copy of the row's file: QSettings has never seen it, so it must be parsed anew.
+    // A copy of the row's file, which QSettings has not cached and must parse.
     QString copyOfIniFile() const;
 
     static QStringList words(const char* blankSeparated);
 
-    // Rows of text behind "key=" in a file, and what each reader must make of it.
+    // Rows of text after "key=" in a file, and the value that each getter must return.
     static void addValueRows();
 };
 

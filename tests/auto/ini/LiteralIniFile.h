@@ -8,15 +8,15 @@
 #include <QtCore/QVariant>
 
 /*
- * What IniFileManager does, written down as plainly as QSettings allows: no thread is thought of,
- * and nothing is made faster. The differential test holds the library against it.
+ * A simple implementation of IniFileManager on top of QSettings, without thread safety or
+ * optimizations. The differential test compares the library with it.
  */
 class LiteralIniFile
 {
 public:
     LiteralIniFile(const QString& filePath, const char* codecName);
 
-    // The cleaned-up text of a file, which stays as it is.
+    // The cleaned-up text of a file; does not change the file.
     static QByteArray cleanUp(const QString& filePath);
 
     void sync();

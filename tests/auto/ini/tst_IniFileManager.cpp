@@ -7,7 +7,7 @@
 
 #include <dlfcn.h>
 
-static_assert(!std::is_polymorphic<IniFileManager>::value, "there are no virtual functions");
+static_assert(!std::is_polymorphic<IniFileManager>::value, "no virtual functions");
 static_assert(!std::is_copy_constructible<IniFileManager>::value &&
                   !std::is_copy_assignable<IniFileManager>::value,
               "it owns settings and a mutex");
@@ -23,7 +23,7 @@ int syncs = 0;
 
 } // namespace
 
-// In place of Qt's, for whoever calls it from outside of Qt.
+// Interposes Qt's function for callers outside of Qt.
 void QSettings::sync()
 {
     ++syncs;
@@ -41,9 +41,9 @@ private Q_SLOTS:
     void missingFileWarnsOnce();
     void emptyPathWarns();
     void relativePathWarnsAsGiven();
-    void whatExistsOpensSilently_data();
-    void whatExistsOpensSilently();
-    void openingLeavesTheFileAlone();
+    void existingPathOpensWithoutWarning_data();
+    void existingPathOpensWithoutWarning();
+    void openingDoesNotChangeTheFile();
     void unreadableFileReadsAsEmpty();
     void firstWriteCreatesTheFile_data();
     void firstWriteCreatesTheFile();
@@ -53,10 +53,10 @@ private Q_SLOTS:
     void codecEncodesValues_data();
     void codecEncodesValues();
 
-    void destructionWrites();
-    void syncWrites();
-    void syncReadsWhatOthersWrote();
-    void eventLoopWrites();
+    void destructorWritesToTheFile();
+    void syncWritesToTheFile();
+    void syncReadsChangesOfOtherWriters();
+    void eventLoopWritesToTheFile();
     void eventLoopWritesThroughTheManager();
     void managersOfOnePathShareUnsyncedWrites();
 
@@ -65,23 +65,23 @@ private Q_SLOTS:
     void groupsOfFile_data();
     void groupsOfFile();
 
-    void readersOfPresentValue_data();
-    void readersOfPresentValue();
-    void missingKeyGivesDefault_data();
-    void missingKeyGivesDefault();
+    void gettersReturnThePresentValue_data();
+    void gettersReturnThePresentValue();
+    void missingKeyReturnsDefault_data();
+    void missingKeyReturnsDefault();
     void defaultsKeepTheirType_data();
     void defaultsKeepTheirType();
     void typedDefaults();
-    void emptyKeyGivesDefault_data();
-    void emptyKeyGivesDefault();
+    void emptyKeyReturnsDefault_data();
+    void emptyKeyReturnsDefault();
 
-    void setGeneralValueWrites_data();
-    void setGeneralValueWrites();
-    void typesReadBack_data();
-    void typesReadBack();
-    void unsyncedListOfOne();
-    void removeGeneralValueRemoves_data();
-    void removeGeneralValueRemoves();
+    void setGeneralValueWritesTheKey_data();
+    void setGeneralValueWritesTheKey();
+    void typesSurviveTheRoundTrip_data();
+    void typesSurviveTheRoundTrip();
+    void unsyncedListOfOneConverts();
+    void removeGeneralValueRemovesTheKey_data();
+    void removeGeneralValueRemovesTheKey();
     void containsGeneralKey_data();
     void containsGeneralKey();
     void generalChildKeys_data();
@@ -96,9 +96,9 @@ void tst_IniFileManager::missingFileWarnsOnce_data()
     const auto row = [](const char* situation, const QString& name, const QString& shown) {
         QTest::newRow(situation) << name << shown;
     };
-    row("no file", "none.ini", "none.ini");
-    row("no folder", "none/none.ini", "none/none.ini");
-    row("blank in the name", "a b.ini", "a b.ini");
+    row("missing file", "none.ini", "none.ini");
+    row("missing directory", "none/none.ini", "none/none.ini");
+    row("space in the name", "a b.ini", "a b.ini");
     row("quote in the name", "a\"b.ini", "a\\\"b.ini");
     row("dangling link", "link.ini", "link.ini");
 }
@@ -132,7 +132,7 @@ void tst_IniFileManager::emptyPathWarns()
 
 void tst_IniFileManager::relativePathWarnsAsGiven()
 {
-    // No such file lies beside the tests.
+    // The working directory of the tests has no such file.
     const QString name = "tst_IniFileManager-none.ini";
     messages().expectWarning("IniFileManager",
                              QStringLiteral("Can't find specified ini-file: \"%1\"").arg(name));
@@ -142,16 +142,16 @@ void tst_IniFileManager::relativePathWarnsAsGiven()
     manager.getGeneralValue(QString(), 1);
 }
 
-void tst_IniFileManager::whatExistsOpensSilently_data()
+void tst_IniFileManager::existingPathOpensWithoutWarning_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("file") << "settings.ini";
     QTest::newRow("empty file") << "empty.ini";
-    QTest::newRow("folder") << "folder.ini";
+    QTest::newRow("directory") << "folder.ini";
     QTest::newRow("link to a file") << "link.ini";
 }
 
-void tst_IniFileManager::whatExistsOpensSilently()
+void tst_IniFileManager::existingPathOpensWithoutWarning()
 {
     QFETCH(QString, name);
     writeIni("key=1\n");
@@ -164,7 +164,7 @@ void tst_IniFileManager::whatExistsOpensSilently()
     QCOMPARE(manager.containsGeneral(QStringLiteral("key")), hasContent);
 }
 
-void tst_IniFileManager::openingLeavesTheFileAlone()
+void tst_IniFileManager::openingDoesNotChangeTheFile()
 {
     const QByteArray content = "color=%23ff0000\r\nlist=a,b,c\n;note, %23\n[Z]\n[A]\nb=1\na=2";
     writeIni(content);
@@ -206,8 +206,8 @@ void tst_IniFileManager::unreadableFileReadsAsEmpty()
 void tst_IniFileManager::firstWriteCreatesTheFile_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("no file") << "none.ini";
-    QTest::newRow("no folder") << "none/deeper/none.ini";
+    QTest::newRow("missing file") << "none.ini";
+    QTest::newRow("missing directory") << "none/deeper/none.ini";
 }
 
 void tst_IniFileManager::firstWriteCreatesTheFile()
@@ -232,12 +232,12 @@ void tst_IniFileManager::codecDecodesValues_data()
     const QString decoded = QString::fromUtf8(utf8);
     const QString asLatin1 = QString::fromLatin1(utf8);
     QTest::newRow("UTF-8") << QByteArray("UTF-8") << utf8 << decoded;
-    QTest::newRow("name in small letters") << QByteArray("utf-8") << utf8 << decoded;
+    QTest::newRow("name in lowercase") << QByteArray("utf-8") << utf8 << decoded;
     QTest::newRow("Windows code page")
         << QByteArray("windows-1252") << QByteArray("\xe4\x80") << decoded;
     QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << utf8 << asLatin1;
-    QTest::newRow("none") << QByteArray() << utf8 << asLatin1;
-    QTest::newRow("unknown") << QByteArray("no-such-codec") << utf8 << asLatin1;
+    QTest::newRow("no codec") << QByteArray() << utf8 << asLatin1;
+    QTest::newRow("unknown codec") << QByteArray("no-such-codec") << utf8 << asLatin1;
     QTest::newRow("empty name") << QByteArray("") << utf8 << asLatin1;
     QTest::newRow("escapes, no codec") << QByteArray() << QByteArray("\\xe4\\x20ac") << decoded;
 }
@@ -260,11 +260,11 @@ void tst_IniFileManager::codecEncodesValues_data()
     QTest::addColumn<QByteArray>("content");
 
     const QByteArray escaped = "[G%E4]\n%E4%U20AC=\\xe4\\x20ac\n";
-    // Names of keys and sections are escaped with any codec.
+    // Names of keys and sections are escaped whatever the codec is.
     QTest::newRow("UTF-8") << QByteArray("UTF-8")
                            << QByteArray("[G%E4]\n%E4%U20AC=\xc3\xa4\xe2\x82\xac\n");
-    QTest::newRow("none") << QByteArray() << escaped;
-    QTest::newRow("unknown") << QByteArray("no-such-codec") << escaped;
+    QTest::newRow("no codec") << QByteArray() << escaped;
+    QTest::newRow("unknown codec") << QByteArray("no-such-codec") << escaped;
 }
 
 void tst_IniFileManager::codecEncodesValues()
@@ -284,7 +284,7 @@ void tst_IniFileManager::codecEncodesValues()
     QCOMPARE(manager.getValueString(group, key, QString()), key);
 }
 
-void tst_IniFileManager::destructionWrites()
+void tst_IniFileManager::destructorWritesToTheFile()
 {
     writeIni("key=1\n");
     {
@@ -295,7 +295,7 @@ void tst_IniFileManager::destructionWrites()
     QCOMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
 }
 
-void tst_IniFileManager::syncWrites()
+void tst_IniFileManager::syncWritesToTheFile()
 {
     writeIni("key=1\n");
     IniFileManager manager(iniFile(), nullptr);
@@ -304,7 +304,7 @@ void tst_IniFileManager::syncWrites()
     QCOMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
 }
 
-void tst_IniFileManager::syncReadsWhatOthersWrote()
+void tst_IniFileManager::syncReadsChangesOfOtherWriters()
 {
     writeIni("key=1\n");
     IniFileManager manager(iniFile(), nullptr);
@@ -316,13 +316,13 @@ void tst_IniFileManager::syncReadsWhatOthersWrote()
     QCOMPARE(manager.getGeneralValueInteger(key, 0), 1234);
 }
 
-void tst_IniFileManager::eventLoopWrites()
+void tst_IniFileManager::eventLoopWritesToTheFile()
 {
     writeIni("key=1\n");
     IniFileManager manager(iniFile(), nullptr);
     manager.setGeneralValue("key", 2);
     QTRY_COMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
-    // And again: the first flush must not leave a note that one is still under way.
+    // A second time: the first flush must not leave a flag that a flush is pending.
     manager.setValue("Net", "Port", 80);
     QTRY_COMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n\n[Net]\nPort=80\n"));
     manager.removeGeneralValue("key");
@@ -331,7 +331,7 @@ void tst_IniFileManager::eventLoopWrites()
     QTRY_COMPARE(readFile(iniFile()), QByteArray());
 }
 
-// Its flush is guarded against the writes of other threads, which that of Qt is not.
+// Unlike Qt's flush, the manager's flush is guarded against writes of other threads.
 void tst_IniFileManager::eventLoopWritesThroughTheManager()
 {
     writeIni("key=1\n");
@@ -341,7 +341,7 @@ void tst_IniFileManager::eventLoopWritesThroughTheManager()
     QCoreApplication::sendPostedEvents();
     QCOMPARE(syncs, 1);
     QCOMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
-    // Events of other kinds reach the settings object, which does not take this one.
+    // Other events are passed on to the settings object, which does not handle this one.
     QEvent other(QEvent::LanguageChange);
     QVERIFY(!QCoreApplication::sendEvent(reinterpret_cast<QSettings*>(&manager), &other));
     QCOMPARE(syncs, 1);
@@ -371,7 +371,7 @@ void tst_IniFileManager::managersOfOnePathShareUnsyncedWrites()
 
 void tst_IniFileManager::logInfoNamesTheAbsolutePath_data()
 {
-    QTest::addColumn<QString>("constructionPath"); // "%1" is the row's folder
+    QTest::addColumn<QString>("constructionPath"); // %1 is the row's directory
     QTest::newRow("absolute") << "%1/settings.ini";
     QTest::newRow("relative") << "settings.ini";
     QTest::newRow("relative with a dot") << "./settings.ini";
@@ -404,20 +404,19 @@ void tst_IniFileManager::groupsOfFile_data()
     QTest::newRow("top-level keys only") << QByteArray("a=1\n[General]\nb=2\n") << QStringList();
     QTest::newRow("General in any case")
         << QByteArray("[GENERAL]\na=1\n[general]\nb=1\n") << QStringList();
-    QTest::newRow("sorted, capitals first")
+    QTest::newRow("sorted, uppercase first")
         << QByteArray("[b]\nk=1\n[a]\nk=1\n[B]\nk=1\n[A]\nk=1\n") << words("A B a b");
     QTest::newRow("section without a key") << QByteArray("[A]\n[B]\nk=1\n") << words("B");
-    QTest::newRow("section given twice")
+    QTest::newRow("duplicate section")
         << QByteArray("[A]\nk=1\n[B]\nk=1\n[A]\nl=1\n") << words("A B");
     QTest::newRow("section with a slash") << QByteArray("[A/B]\nk=1\n[A/C]\nk=1\n") << words("A");
     QTest::newRow("section with a backslash") << QByteArray("[A\\B]\nk=1\n") << words("A");
     QTest::newRow("top-level key with a path") << QByteArray("A\\k=1\n") << words("A");
     QTest::newRow("escaped name") << QByteArray("[%41%20%U20AC]\nk=1\n")
                                   << QStringList(QString::fromUtf8("A \xe2\x82\xac"));
-    QTest::newRow("group that is called General")
-        << QByteArray("[%General]\nk=1\n") << words("General");
+    QTest::newRow("group named General") << QByteArray("[%General]\nk=1\n") << words("General");
     QTest::newRow("section in a comment") << QByteArray(";[A]\nk=1\n") << QStringList();
-    QTest::newRow("section behind a hash") << QByteArray("#[A]\nk=1\n[B]\nk=1\n") << words("B");
+    QTest::newRow("section line after a hash") << QByteArray("#[A]\nk=1\n[B]\nk=1\n") << words("B");
     QTest::newRow("nameless group") << QByteArray("[]\nk=1\n") << QStringList(QString());
 }
 
@@ -434,12 +433,12 @@ void tst_IniFileManager::groupsOfFile()
     }
 }
 
-void tst_IniFileManager::readersOfPresentValue_data()
+void tst_IniFileManager::gettersReturnThePresentValue_data()
 {
     addValueRows();
 }
 
-void tst_IniFileManager::readersOfPresentValue()
+void tst_IniFileManager::gettersReturnThePresentValue()
 {
     QFETCH(QByteArray, text);
     QFETCH(QVariant, value);
@@ -464,7 +463,7 @@ void tst_IniFileManager::readersOfPresentValue()
     QCOMPARE(manager.getGeneralValueInteger(key, 4711), isInteger ? integer : 4711);
 }
 
-void tst_IniFileManager::missingKeyGivesDefault_data()
+void tst_IniFileManager::missingKeyReturnsDefault_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("shown");
@@ -472,24 +471,24 @@ void tst_IniFileManager::missingKeyGivesDefault_data()
     const auto row = [](const char* situation, const char* key, const char* shown) {
         QTest::newRow(situation) << QString::fromUtf8(key) << QString::fromUtf8(shown);
     };
-    row("no such key", "other", "other");
-    row("other case", "Top", "Top");
+    row("missing key", "other", "other");
+    row("different case", "Top", "Top");
     row("part of a key", "to", "to");
     row("section", "Net", "Net");
     row("key of a section", "Port", "Port");
     row("path of a key in a section", "Net/Port", "Net/Port");
-    row("path through General", "General/top", "General/top");
-    row("slash behind", "top/", "top/");
-    row("slash before", "/top", "/top");
+    row("path that starts with General", "General/top", "General/top");
+    row("trailing slash", "top/", "top/");
+    row("leading slash", "/top", "/top");
     row("only a slash", "/", "/");
     row("escaped spelling", "%74op", "%74op");
     row("quote", "a\"b", "a\\\"b");
     row("backslash", "a\\b", "a\\\\b");
-    row("blank", " ", " ");
+    row("space", " ", " ");
     row("umlaut", "\xc3\xa4", "\xc3\xa4");
 }
 
-void tst_IniFileManager::missingKeyGivesDefault()
+void tst_IniFileManager::missingKeyReturnsDefault()
 {
     QFETCH(QString, key);
     QFETCH(QString, shown);
@@ -562,17 +561,17 @@ void tst_IniFileManager::typedDefaults()
     QCOMPARE(manager.getGeneralValueBool(key, true), true);
 }
 
-void tst_IniFileManager::emptyKeyGivesDefault_data()
+void tst_IniFileManager::emptyKeyReturnsDefault_data()
 {
     QTest::addColumn<QString>("key");
     QTest::newRow("null") << QString();
     QTest::newRow("empty") << "";
 }
 
-void tst_IniFileManager::emptyKeyGivesDefault()
+void tst_IniFileManager::emptyKeyReturnsDefault()
 {
     QFETCH(QString, key);
-    // The file has a nameless key, which these functions must not reach.
+    // The file has a nameless key, which these functions must not access.
     const QByteArray content = "[General]\n=5\n";
     writeIni(content);
     {
@@ -591,7 +590,7 @@ void tst_IniFileManager::emptyKeyGivesDefault()
     QCOMPARE(readFile(iniFile()), content);
 }
 
-void tst_IniFileManager::setGeneralValueWrites_data()
+void tst_IniFileManager::setGeneralValueWritesTheKey_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QByteArray>("content");
@@ -600,18 +599,18 @@ void tst_IniFileManager::setGeneralValueWrites_data()
         QTest::newRow(situation) << QString::fromUtf8(key) << QByteArray(content);
     };
     row("new key", "new", "[General]\nnew=5\ntop=1\n");
-    row("key that is there", "top", "[General]\ntop=5\n");
-    row("other case", "Top", "[General]\nTop=5\ntop=1\n");
+    row("existing key", "top", "[General]\ntop=5\n");
+    row("different case", "Top", "[General]\nTop=5\ntop=1\n");
     row("path", "Net/Port", "[General]\ntop=1\n\n[Net]\nPort=5\n");
     row("long path", "Net/a/b", "[General]\ntop=1\n\n[Net]\na\\b=5\n");
-    row("slashes in excess", "/Net//Port/", "[General]\ntop=1\n\n[Net]\nPort=5\n");
-    row("path through General", "General/top", "[General]\ntop=1\n\n[%General]\ntop=5\n");
+    row("extra slashes", "/Net//Port/", "[General]\ntop=1\n\n[Net]\nPort=5\n");
+    row("path that starts with General", "General/top", "[General]\ntop=1\n\n[%General]\ntop=5\n");
     row("characters to escape", "a b=%;", "[General]\na%20b%3D%25%3B=5\ntop=1\n");
     row("non-ASCII", "\xe2\x82\xac", "[General]\ntop=1\n%U20AC=5\n");
     row("only a slash", "/", "[General]\n=5\ntop=1\n");
 }
 
-void tst_IniFileManager::setGeneralValueWrites()
+void tst_IniFileManager::setGeneralValueWritesTheKey()
 {
     QFETCH(QString, key);
     QFETCH(QByteArray, content);
@@ -623,7 +622,7 @@ void tst_IniFileManager::setGeneralValueWrites()
     QCOMPARE(readFile(iniFile()), content);
 }
 
-void tst_IniFileManager::typesReadBack_data()
+void tst_IniFileManager::typesSurviveTheRoundTrip_data()
 {
     QTest::addColumn<QVariant>("written");
     QTest::addColumn<QByteArray>("text");
@@ -648,7 +647,7 @@ void tst_IniFileManager::typesReadBack_data()
     row("invalid", QVariant(), "@Invalid()", QVariant());
 }
 
-void tst_IniFileManager::typesReadBack()
+void tst_IniFileManager::typesSurviveTheRoundTrip()
 {
     QFETCH(QVariant, written);
     QFETCH(QByteArray, text);
@@ -660,7 +659,7 @@ void tst_IniFileManager::typesReadBack()
         IniFileManager manager(iniFile(), nullptr);
         manager.setGeneralValue(key, written);
         manager.setValue(group, key, written);
-        // What was not yet written to the file still has its own type.
+        // A value that has not been written to the file yet keeps its type.
         QCOMPARE(manager.getGeneralValue(key, 4711), written);
         QCOMPARE(manager.getGeneralValue(key, 4711).userType(), written.userType());
     }
@@ -675,19 +674,19 @@ void tst_IniFileManager::typesReadBack()
     QCOMPARE(grouped, read);
 }
 
-void tst_IniFileManager::unsyncedListOfOne()
+void tst_IniFileManager::unsyncedListOfOneConverts()
 {
     writeIni(QByteArray());
     IniFileManager manager(iniFile(), nullptr);
     const QString key = "key";
-    // A list converts to text, and so to a number, when it has exactly one element.
+    // A list converts to text, and therefore to a number, if it has exactly one element.
     manager.setGeneralValue(key, words("12"));
     QCOMPARE(manager.getGeneralValueString(key, QString()), QStringLiteral("12"));
     expectIniWarning("Conversion failed: QVariant(QStringList, (\"12\"))");
     QCOMPARE(manager.getGeneralValueInteger(key, 7), 7);
 }
 
-void tst_IniFileManager::removeGeneralValueRemoves_data()
+void tst_IniFileManager::removeGeneralValueRemovesTheKey_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QByteArray>("content");
@@ -698,17 +697,17 @@ void tst_IniFileManager::removeGeneralValueRemoves_data()
     const char unchanged[] = "[General]\na=1\nab=2\n\n[Net]\nPort=80\nSub\\deep=1\n";
     row("key", "a", "[General]\nab=2\n\n[Net]\nPort=80\nSub\\deep=1\n");
     row("missing key", "none", unchanged);
-    row("other case", "A", unchanged);
+    row("different case", "A", unchanged);
     row("key of a section", "Port", unchanged);
     row("section", "Net", "[General]\na=1\nab=2\n");
     row("path of a key", "Net/Port", "[General]\na=1\nab=2\n\n[Net]\nSub\\deep=1\n");
     row("path of a subgroup", "Net/Sub", "[General]\na=1\nab=2\n\n[Net]\nPort=80\n");
-    row("slashes in excess", "//ab/", "[General]\na=1\n\n[Net]\nPort=80\nSub\\deep=1\n");
+    row("extra slashes", "//ab/", "[General]\na=1\n\n[Net]\nPort=80\nSub\\deep=1\n");
     row("only a slash: everything", "/", "");
     row("only slashes: everything", "///", "");
 }
 
-void tst_IniFileManager::removeGeneralValueRemoves()
+void tst_IniFileManager::removeGeneralValueRemovesTheKey()
 {
     QFETCH(QString, key);
     QFETCH(QByteArray, content);
@@ -728,16 +727,16 @@ void tst_IniFileManager::containsGeneralKey_data()
     const auto row = [](const char* situation, const char* key, bool contained) {
         QTest::newRow(situation) << QString::fromUtf8(key) << contained;
     };
-    row("key before every section", "top", true);
+    row("key before all sections", "top", true);
     row("key in General", "inner", true);
     row("invalid value", "invalid", true);
-    row("no such key", "none", false);
-    row("other case", "Top", false);
+    row("missing key", "none", false);
+    row("different case", "Top", false);
     row("section", "Net", false);
     row("key of a section", "Port", false);
     row("path of a key", "Net/Port", true);
-    row("slashes in excess", "/Net//Port/", true);
-    row("path through General", "General/top", false);
+    row("extra slashes", "/Net//Port/", true);
+    row("path that starts with General", "General/top", false);
     row("only a slash, no nameless key", "/", false);
 }
 
@@ -758,12 +757,11 @@ void tst_IniFileManager::generalChildKeys_data()
     QTest::newRow("empty file") << QByteArray() << QStringList();
     QTest::newRow("sections only") << QByteArray("[Net]\nPort=1\n") << QStringList();
     QTest::newRow("sorted") << QByteArray("b=1\na=1\nB=1\n") << words("B a b");
-    QTest::newRow("before every section and in General")
+    QTest::newRow("before all sections and in General")
         << QByteArray("b=1\n[Net]\nPort=1\n[General]\na=1\n[general]\nc=1\n") << words("a b c");
-    QTest::newRow("group that is called General")
-        << QByteArray("a=1\n[%General]\nb=1\n") << words("a");
+    QTest::newRow("group named General") << QByteArray("a=1\n[%General]\nb=1\n") << words("a");
     QTest::newRow("key with a path") << QByteArray("a=1\nb\\c=1\n") << words("a");
-    QTest::newRow("key given twice") << QByteArray("a=1\na=2\n") << words("a");
+    QTest::newRow("duplicate key") << QByteArray("a=1\na=2\n") << words("a");
     QTest::newRow("comments") << QByteArray(";a=1\n#b=1\n# c\nd=1\n") << words("#b d");
     QTest::newRow("escaped key") << QByteArray("%41%20b=1\n") << QStringList("A b");
     QTest::newRow("nameless key") << QByteArray("=5\n") << QStringList(QString());

@@ -23,12 +23,13 @@ Q_DECLARE_METATYPE(CleanUpFunctions)
 
 namespace {
 
-// How many reads succeed, each of half of what is asked for, before all others fail; -1 for all.
+// The number of reads that succeed with half of the requested bytes before all others fail; -1: all
+// reads succeed.
 int readsBeforeFailure = -1;
 
 } // namespace
 
-// Takes precedence over the system's: a medium that is pulled out while a file is read.
+// Interposes the system's read(): a medium is removed while a file is read.
 extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
 {
     using Function = ssize_t (*)(int, void*, size_t);
@@ -46,7 +47,7 @@ extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
 
 namespace {
 
-// Puts other functions into the process-wide list for the life of the object.
+// Replaces the process-wide list of functions during the object's lifetime.
 class CleanUpFunctionsGuard
 {
 public:
@@ -64,9 +65,9 @@ private:
     const CleanUpFunctions m_functions;
 };
 
-// The functions of the list are plain pointers, so what they see and need lies here.
+// The functions of the list are plain pointers, so their state is global.
 QStringList seenTexts;
-QString folderToRemove;
+QString directoryToRemove;
 
 void appendA(QString& text)
 {
@@ -80,19 +81,19 @@ void appendB(QString& text)
     text += QLatin1Char('B');
 }
 
-void seeOnly(QString& text)
+void recordText(QString& text)
 {
     seenTexts.append(text);
 }
 
-void removeFolder(QString&)
+void removeDirectory(QString&)
 {
-    QDir(folderToRemove).removeRecursively();
+    QDir(directoryToRemove).removeRecursively();
 }
 
 void leaveAsItIs(QString&) {}
 
-// Not stat(), which on a 32-bit machine finds no file of 2 GiB or more.
+// Not stat(), which fails on 32-bit machines for files of 2 GiB or more.
 ino64_t inodeOf(const QString& filePath)
 {
     struct stat64 status = {};
@@ -109,38 +110,38 @@ class tst_IniFileManagerCleanUp : public IniTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void randomFilesAsDescribed_data();
-    void randomFilesAsDescribed();
+    void randomFilesMatchTheLiteralVersion_data();
+    void randomFilesMatchTheLiteralVersion();
     void commentsStep_data();
     void commentsStep();
     void listSeparatorsStep_data();
     void listSeparatorsStep();
     void fileIsRewritten_data();
     void fileIsRewritten();
-    void cleanedFileReadsAsMeant();
+    void cleanedFileIsReadAsIntended();
     void defaultFunctions();
 
     void unchangedFileIsReplacedAtomically();
-    void permissionsStay();
-    void linkStaysALink();
+    void permissionsAreKept();
+    void linkIsKept();
     void missingFileIsNotCreated_data();
     void missingFileIsNotCreated();
     void emptyPathWarns();
-    void fileGoneBeforeItIsWritten();
+    void fileRemovedBeforeItIsWritten();
     void withoutPermission_data();
     void withoutPermission();
-    void failedReplacementIsSilent_data();
-    void failedReplacementIsSilent();
+    void failedReplacementLogsNothing_data();
+    void failedReplacementLogsNothing();
 
-    void fileThatIsReadInPartStays();
-    void emptyFileThatCannotBeReadStays();
+    void partlyReadFileIsKept();
+    void unreadableFileOfSizeZeroIsKept();
     void oneFreeDescriptorIsEnough();
-    void fileBeyondAByteArrayStays();
+    void fileTooLargeForAByteArrayIsKept();
 
     void functionsRunInOrder_data();
     void functionsRunInOrder();
-    void textIsWhatWasRead_data();
-    void textIsWhatWasRead();
+    void functionsReceiveTheTextOfTheFile_data();
+    void functionsReceiveTheTextOfTheFile();
     void nullFunctionsAreSkipped_data();
     void nullFunctionsAreSkipped();
     void noFunctions();
@@ -155,13 +156,13 @@ void tst_IniFileManagerCleanUp::commentsStep_data()
         QTest::newRow(situation) << QString::fromUtf8(text) << QString::fromUtf8(cleaned);
     };
     row("empty", "", "");
-    row("nothing to do", "a=1, %2 23 #", "a=1, %2 23 #");
-    row("once", "%23", "#");
+    row("nothing to replace", "a=1, %2 23 #", "a=1, %2 23 #");
+    row("one occurrence", "%23", "#");
     row("every occurrence", "%23a%23%23=%23\n%23", "#a##=#\n#");
-    row("result is not read again", "%2%233", "%2#3");
+    row("result is not replaced again", "%2%233", "%2#3");
     row("left to right", "%%2323", "%#23");
-    row("other escapes stay", "%20%2C%24", "%20%2C%24");
-    row("wide digits stay", "%\xef\xbc\x92\xef\xbc\x93", "%\xef\xbc\x92\xef\xbc\x93");
+    row("other escapes are kept", "%20%2C%24", "%20%2C%24");
+    row("fullwidth digits are kept", "%\xef\xbc\x92\xef\xbc\x93", "%\xef\xbc\x92\xef\xbc\x93");
 }
 
 void tst_IniFileManagerCleanUp::commentsStep()
@@ -181,11 +182,11 @@ void tst_IniFileManagerCleanUp::listSeparatorsStep_data()
         QTest::newRow(situation) << QString::fromUtf8(text) << QString::fromUtf8(cleaned);
     };
     row("empty", "", "");
-    row("nothing to do", "a;b %23 %2C", "a;b %23 %2C");
-    row("once", ",", " ");
+    row("nothing to replace", "a;b %23 %2C", "a;b %23 %2C");
+    row("one occurrence", ",", " ");
     row("every occurrence", ",a,,b,\n,", " a  b \n ");
     row("key, section, comment, quotes", "[a,b]\nc,d=\"e,f\"\n;g,h", "[a b]\nc d=\"e f\"\n;g h");
-    row("other commas stay", "\xd8\x8c\xef\xbc\x8c", "\xd8\x8c\xef\xbc\x8c");
+    row("other commas are kept", "\xd8\x8c\xef\xbc\x8c", "\xd8\x8c\xef\xbc\x8c");
 }
 
 void tst_IniFileManagerCleanUp::listSeparatorsStep()
@@ -206,25 +207,25 @@ void tst_IniFileManagerCleanUp::fileIsRewritten_data()
         QTest::newRow(situation) << content << cleaned;
     };
     row("empty", "", "");
-    row("nothing to do", "[A]\nk=1\n", "[A]\nk=1\n");
-    row("no line end at the end", "k=1", "k=1");
+    row("nothing to replace", "[A]\nk=1\n", "[A]\nk=1\n");
+    row("no line feed at the end", "k=1", "k=1");
     row("both steps", "c=%23ff,%2300\n", "c=#ff #00\n");
-    row("steps do not meet", "%2,3", "%2 3");
+    row("steps do not interact", "%2,3", "%2 3");
     row("comma everywhere", "a,b=1,2\n[C,D]\n;e,f\n", "a b=1 2\n[C D]\n;e f\n");
     row("carriage return and line feed", "a=1\r\nb=2\r\n", "a=1\nb=2\n");
-    row("carriage return alone", "a=1\rb=2\r", "a=1b=2");
-    row("carriage returns only", "\r\r\r", "");
+    row("single carriage return", "a=1\rb=2\r", "a=1b=2");
+    row("only carriage returns", "\r\r\r", "");
     row("byte order mark", "\xef\xbb\xbf[A]\nk=1\n", "[A]\nk=1\n");
-    row("byte order mark only", "\xef\xbb\xbf", "");
-    row("byte order mark inside", "k=\xef\xbb\xbf\n", "k=\xef\xbb\xbf\n");
+    row("only a byte order mark", "\xef\xbb\xbf", "");
+    row("byte order mark in the middle", "k=\xef\xbb\xbf\n", "k=\xef\xbb\xbf\n");
     row("zero byte", QByteArray("a=1\nb=\0002\nc,=3\n", 14), "a=1\nb=");
-    row("zero byte at the end", QByteArray("a,b\0", 4), "a b");
-    row("zero byte first", QByteArray("\0a=1\n", 5), "");
-    row("text of many bytes", "k=\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80,\n",
+    row("trailing zero byte", QByteArray("a,b\0", 4), "a b");
+    row("leading zero byte", QByteArray("\0a=1\n", 5), "");
+    row("text of many multi-byte characters", "k=\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80,\n",
         "k=\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80 \n");
     row("Latin-1", "k=\xe4\n", "k=\xef\xbf\xbd\n");
-    row("text cut inside a character", "k=\xe2\x82", "k=\xef\xbf\xbd\xef\xbf\xbd");
-    row("more than one buffer", QByteArray(100000, ','), QByteArray(100000, ' '));
+    row("text truncated inside a character", "k=\xe2\x82", "k=\xef\xbf\xbd\xef\xbf\xbd");
+    row("text longer than a buffer", QByteArray(100000, ','), QByteArray(100000, ' '));
 }
 
 void tst_IniFileManagerCleanUp::fileIsRewritten()
@@ -237,7 +238,7 @@ void tst_IniFileManagerCleanUp::fileIsRewritten()
     QCOMPARE(readFile(iniFile()), cleaned);
 }
 
-void tst_IniFileManagerCleanUp::cleanedFileReadsAsMeant()
+void tst_IniFileManagerCleanUp::cleanedFileIsReadAsIntended()
 {
     writeIni("color=%23ff0000\nlist=a,b,c\n");
     IniFileManager::cleanUp(iniFile());
@@ -262,12 +263,12 @@ void tst_IniFileManagerCleanUp::unchangedFileIsReplacedAtomically()
     IniFileManager::cleanUp(iniFile());
     QVERIFY(inodeOf(iniFile()) != before);
     QCOMPARE(readFile(iniFile()), QByteArray("k=1\n"));
-    // No temporary file is left.
+    // No temporary file remains.
     QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              words("settings.ini"));
 }
 
-void tst_IniFileManagerCleanUp::permissionsStay()
+void tst_IniFileManagerCleanUp::permissionsAreKept()
 {
     writeIni("k=1,2\n");
     const QFileDevice::Permissions permissions = QFileDevice::ReadOwner | QFileDevice::WriteOwner |
@@ -279,7 +280,7 @@ void tst_IniFileManagerCleanUp::permissionsStay()
     QCOMPARE(QFile::permissions(iniFile()), permissions);
 }
 
-void tst_IniFileManagerCleanUp::linkStaysALink()
+void tst_IniFileManagerCleanUp::linkIsKept()
 {
     writeIni("k=1,2\n");
     const QString link = path("link.ini");
@@ -292,10 +293,10 @@ void tst_IniFileManagerCleanUp::linkStaysALink()
 void tst_IniFileManagerCleanUp::missingFileIsNotCreated_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("no file") << "none.ini";
-    QTest::newRow("no folder") << "none/none.ini";
+    QTest::newRow("missing file") << "none.ini";
+    QTest::newRow("missing directory") << "none/none.ini";
     QTest::newRow("dangling link") << "link.ini";
-    QTest::newRow("folder") << "folder.ini";
+    QTest::newRow("directory") << "folder.ini";
 }
 
 void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
@@ -303,7 +304,7 @@ void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
     QFETCH(QString, name);
     QVERIFY(QFile::link(path("nowhere"), path("link.ini")));
     QVERIFY(QDir().mkdir(path("folder.ini")));
-    const CleanUpFunctionsGuard guard({&seeOnly});
+    const CleanUpFunctionsGuard guard({&recordText});
     seenTexts.clear();
 
     messages()
@@ -321,51 +322,51 @@ void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
 
 void tst_IniFileManagerCleanUp::emptyPathWarns()
 {
-    // Qt itself has something to say about a file without a name.
+    // Qt itself warns about a file without a name.
     messages().expect(QtWarningMsg, "QFSFileEngine::open: No file name specified");
     messages().expectWarning("IniFileManager", "Can not open file: \"\"");
     IniFileManager::cleanUp(QString());
 }
 
-void tst_IniFileManagerCleanUp::fileGoneBeforeItIsWritten()
+void tst_IniFileManagerCleanUp::fileRemovedBeforeItIsWritten()
 {
-    folderToRemove = path("sub");
-    QVERIFY(QDir().mkdir(folderToRemove));
+    directoryToRemove = path("sub");
+    QVERIFY(QDir().mkdir(directoryToRemove));
     const QString file = writeFile("sub/settings.ini", "k=1\n");
-    const CleanUpFunctionsGuard guard({&removeFolder});
+    const CleanUpFunctionsGuard guard({&removeDirectory});
     messages()
         .expectWarning("IniFileManager", QStringLiteral("Can not open file: \"%1\"").arg(file))
         .function("static void IniFileManager::cleanUp(const QString&)");
     IniFileManager::cleanUp(file);
-    QVERIFY(!QFile::exists(folderToRemove));
+    QVERIFY(!QFile::exists(directoryToRemove));
 }
 
 void tst_IniFileManagerCleanUp::withoutPermission_data()
 {
     QTest::addColumn<int>("filePermissions");
-    QTest::addColumn<int>("folderPermissions");
+    QTest::addColumn<int>("directoryPermissions");
     QTest::newRow("unreadable file") << 0x2222 << 0x7777;
     QTest::newRow("read-only file") << 0x4444 << 0x7777;
-    QTest::newRow("read-only folder") << 0x6666 << 0x5555;
-    QTest::newRow("read-only file and folder") << 0x4444 << 0x5555;
+    QTest::newRow("read-only directory") << 0x6666 << 0x5555;
+    QTest::newRow("read-only file and directory") << 0x4444 << 0x5555;
 }
 
 void tst_IniFileManagerCleanUp::withoutPermission()
 {
     QFETCH(int, filePermissions);
-    QFETCH(int, folderPermissions);
+    QFETCH(int, directoryPermissions);
     const QByteArray content = "k=1,2\r\n%23\n";
     writeIni(content);
     const ino64_t before = inodeOf(iniFile());
     QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions(filePermissions)));
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(folderPermissions)));
+    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(directoryPermissions)));
 
     const ChildResult result = ChildProcess::runAsOrdinaryUser([this] {
         IniFileManager::cleanUp(iniFile());
         return 0;
     });
 
-    // First of all, so that the folder can be removed.
+    // Before any check, so that the directory can be removed.
     QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7700)));
     QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions(0x6600)));
     QVERIFY(result.exited);
@@ -378,24 +379,24 @@ void tst_IniFileManagerCleanUp::withoutPermission()
              words("settings.ini"));
 }
 
-void tst_IniFileManagerCleanUp::failedReplacementIsSilent_data()
+void tst_IniFileManagerCleanUp::failedReplacementLogsNothing_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<int>("free");
-    QTest::newRow("small file, nothing free") << 50 << 0;
-    QTest::newRow("small file, little free") << 50 << 10;
-    QTest::newRow("great file, nothing free") << 100000 << 0;
-    QTest::newRow("great file, little free") << 100000 << 20000;
+    QTest::newRow("small file, no free space") << 50 << 0;
+    QTest::newRow("small file, little free space") << 50 << 10;
+    QTest::newRow("large file, no free space") << 100000 << 0;
+    QTest::newRow("large file, little free space") << 100000 << 20000;
 }
 
-void tst_IniFileManagerCleanUp::failedReplacementIsSilent()
+void tst_IniFileManagerCleanUp::failedReplacementLogsNothing()
 {
     QFETCH(int, size);
     QFETCH(int, free);
     const QByteArray content = QByteArray(size, ',');
     writeIni(content);
     const ChildResult result = ChildProcess::run([this, free] {
-        // The temporary file can be opened but not filled, as on a full disk.
+        // The temporary file can be opened but not written, as on a full disk.
         signal(SIGXFSZ, SIG_IGN);
         rlimit limit = {};
         getrlimit(RLIMIT_FSIZE, &limit);
@@ -414,8 +415,8 @@ void tst_IniFileManagerCleanUp::failedReplacementIsSilent()
              words("settings.ini"));
 }
 
-// QFile reports no error for a read that fails after its first bytes.
-void tst_IniFileManagerCleanUp::fileThatIsReadInPartStays()
+// QFile does not report an error if a read fails after its first bytes.
+void tst_IniFileManagerCleanUp::partlyReadFileIsKept()
 {
     const QByteArray content = QByteArray("a=%23,\n").repeated(10000);
     for (int reads = 0; reads < 5; ++reads) {
@@ -433,7 +434,7 @@ void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
 {
     writeIni("a=%23,\n");
     const ChildResult result = ChildProcess::run([this] {
-        IniFileManager::cleanUp(path("missing")); // whatever the first call opens
+        IniFileManager::cleanUp(path("missing")); // opens what only a first call opens
         rlimit limit = {};
         getrlimit(RLIMIT_NOFILE, &limit);
         limit.rlim_cur = 64;
@@ -452,8 +453,8 @@ void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
     QCOMPARE(readFile(iniFile()), QByteArray("a=# \n"));
 }
 
-// One of size 0 as well: it may have content all the same, as those of the kernel do.
-void tst_IniFileManagerCleanUp::emptyFileThatCannotBeReadStays()
+// Also a file of size 0: it may have content, as kernel files do.
+void tst_IniFileManagerCleanUp::unreadableFileOfSizeZeroIsKept()
 {
     writeIni("");
     const ino64_t before = inodeOf(iniFile());
@@ -463,8 +464,8 @@ void tst_IniFileManagerCleanUp::emptyFileThatCannotBeReadStays()
     QCOMPARE(inodeOf(iniFile()), before);
 }
 
-// Qt reads nothing of such a file, and no text is no reason to empty it.
-void tst_IniFileManagerCleanUp::fileBeyondAByteArrayStays()
+// Qt reads nothing from such a file, which must not be emptied because of that.
+void tst_IniFileManagerCleanUp::fileTooLargeForAByteArrayIsKept()
 {
     writeIni("a=%23,\n");
     const qint64 size = qint64(5) * 1024 * 1024 * 1024;
@@ -481,18 +482,18 @@ void tst_IniFileManagerCleanUp::functionsRunInOrder_data()
     QTest::addColumn<QStringList>("seen");
     QTest::addColumn<QByteArray>("cleaned");
 
-    QTest::newRow("functions of both")
+    QTest::newRow("library's and application's functions")
         << CleanUpFunctions{&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
-                            &appendA, &IniFileManager::cleanUpComments,       &seeOnly}
+                            &appendA, &IniFileManager::cleanUpComments,       &recordText}
         << QStringList{"%23,", "%23 A", "%23 AB", "# ABA"} << QByteArray("# ABA");
-    // As many as the library has, and none of its own.
+    // As many functions as the library has, but none of the library.
     QTest::newRow("two functions of the application")
         << CleanUpFunctions{&appendA, &appendB} << words("%23, %23,A") << QByteArray("%23,AB");
-    QTest::newRow("the library's two, the other way round")
-        << CleanUpFunctions{&IniFileManager::cleanUpListSeperators, &seeOnly,
+    QTest::newRow("the library's two, in reverse order")
+        << CleanUpFunctions{&IniFileManager::cleanUpListSeperators, &recordText,
                             &IniFileManager::cleanUpComments}
         << QStringList("%23 ") << QByteArray("# ");
-    QTest::newRow("one of the library's, twice")
+    QTest::newRow("one of the library's twice")
         << CleanUpFunctions{&IniFileManager::cleanUpComments, &IniFileManager::cleanUpComments}
         << QStringList() << QByteArray("#,");
 }
@@ -511,7 +512,7 @@ void tst_IniFileManagerCleanUp::functionsRunInOrder()
     QVERIFY(IniFileManager::sm_CleanUpFunctions == functions);
 }
 
-void tst_IniFileManagerCleanUp::textIsWhatWasRead_data()
+void tst_IniFileManagerCleanUp::functionsReceiveTheTextOfTheFile_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("text");
@@ -520,12 +521,12 @@ void tst_IniFileManagerCleanUp::textIsWhatWasRead_data()
     QTest::newRow("zero byte") << QByteArray("a\0b", 3) << "a";
 }
 
-void tst_IniFileManagerCleanUp::textIsWhatWasRead()
+void tst_IniFileManagerCleanUp::functionsReceiveTheTextOfTheFile()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, text);
     writeIni(content);
-    const CleanUpFunctionsGuard guard({&seeOnly});
+    const CleanUpFunctionsGuard guard({&recordText});
     seenTexts.clear();
     IniFileManager::cleanUp(iniFile());
     QCOMPARE(seenTexts, QStringList(text));
@@ -539,7 +540,7 @@ void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped_data()
     QTest::newRow("middle") << "A0B" << QByteArray("xAB");
     QTest::newRow("last") << "AB0" << QByteArray("xAB");
     QTest::newRow("several") << "0B00A0" << QByteArray("xBA");
-    QTest::newRow("nothing else") << "0" << QByteArray("x");
+    QTest::newRow("only null functions") << "0" << QByteArray("x");
 }
 
 void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped()
@@ -572,23 +573,23 @@ void tst_IniFileManagerCleanUp::noFunctions()
     QCOMPARE(readFile(iniFile()), QByteArray("%23,\n"));
 }
 
-void tst_IniFileManagerCleanUp::randomFilesAsDescribed_data()
+void tst_IniFileManagerCleanUp::randomFilesMatchTheLiteralVersion_data()
 {
     QTest::addColumn<CleanUpFunctions>("functions");
     const CleanUpFunctions usual = IniFileManager::sm_CleanUpFunctions;
-    QTest::newRow("usual functions") << usual;
-    // With one function more the text is handled as a whole.
-    QTest::newRow("one function more") << usual + CleanUpFunctions{&leaveAsItIs};
+    QTest::newRow("default functions") << usual;
+    // With an additional function the text is processed as a whole.
+    QTest::newRow("one additional function") << usual + CleanUpFunctions{&leaveAsItIs};
 }
 
-void tst_IniFileManagerCleanUp::randomFilesAsDescribed()
+void tst_IniFileManagerCleanUp::randomFilesMatchTheLiteralVersion()
 {
     QFETCH(CleanUpFunctions, functions);
     const CleanUpFunctionsGuard guard(functions);
     QRandomGenerator random(2);
     const int count = rounds(500);
     for (int i = 0; i < count; ++i) {
-        // Now and then more than one piece.
+        // Sometimes more than one chunk.
         QByteArray content = hostileText(random);
         if (random.bounded(20) == 0) {
             content = content.repeated(random.bounded(5000)) + hostileText(random);

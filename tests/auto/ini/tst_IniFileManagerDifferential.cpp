@@ -13,7 +13,7 @@ const T& pick(QRandomGenerator& random, const T (&choices)[N])
     return choices[random.bounded(N)];
 }
 
-// Files of what INI parsers stumble over, in any order.
+// Random files of elements that are hard for INI parsers.
 QByteArray hostileFile(QRandomGenerator& random)
 {
     static const QByteArray pieces[] = {
@@ -211,9 +211,9 @@ QString anyFilter(QRandomGenerator& random)
     return pick(random, filters);
 }
 
-// QSettings knows a changed file by its size and time: two changes within the clock's step would be
-// told apart in one run and not in another.
-void giveOwnTime(const QString& filePath, int number)
+// QSettings recognizes a changed file by its size and time. Two changes within the resolution of
+// the clock would be noticed in one run and not in another.
+void setUniqueTime(const QString& filePath, int number)
 {
     QFile file(filePath);
     const QDateTime time = QDateTime::fromSecsSinceEpoch(1000000000 + number);
@@ -223,8 +223,8 @@ void giveOwnTime(const QString& filePath, int number)
     }
 }
 
-// One random call on file. The random numbers alone decide which, so that the same seed drives the
-// library and the literal version alike.
+// One random call on file. Only the random numbers determine which, so that the same seed causes
+// the same calls on the library and the literal version.
 template <typename File>
 QString callAnything(File& file, QRandomGenerator& random)
 {
@@ -240,15 +240,15 @@ QString callAnything(File& file, QRandomGenerator& random)
 
 } // namespace
 
-// Drives the library and a literal version of it over the same random files with the same random
-// calls: neither a result nor a message nor a byte of the file may differ.
+// Makes the same random calls on the same random files with the library and with the literal
+// version: results, messages and files must be identical.
 class tst_IniFileManagerDifferential : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void sameAsLiteral();
-    void sectionsOfKeysThatWereAddedAreParsed();
+    void randomCallsMatchTheLiteralVersion();
+    void sectionsOfAddedKeysAreParsed();
 
 private:
     template <typename File>
@@ -274,14 +274,14 @@ QStringList tst_IniFileManagerDifferential::play(quint32 seed, const QByteArray&
         File sameFile(filePath, nullptr);
         const int calls = 1 + random.bounded(30);
         for (int i = 0; i < calls; ++i) {
-            // Now and then through a second object on the same path, or with the file changed by
-            // somebody else.
+            // Sometimes through a second object on the same path, or after another writer changed
+            // the file.
             switch (random.bounded(12)) {
             case 0:
                 record += callAnything(sameFile, random);
                 break;
             case 1:
-                giveOwnTime(writeFile(name, hostileFile(random)), i);
+                setUniqueTime(writeFile(name, hostileFile(random)), i);
                 break;
             default:
                 record += callAnything(file, random);
@@ -290,18 +290,18 @@ QStringList tst_IniFileManagerDifferential::play(quint32 seed, const QByteArray&
             takeMessages();
         }
     }
-    takeMessages(); // a last flush may parse, and so warn, too
+    takeMessages(); // the last flush may parse and warn, too
     record += QString::fromLatin1(readFile(filePath).toPercentEncoding());
     return record;
 }
 
-void tst_IniFileManagerDifferential::sameAsLiteral()
+void tst_IniFileManagerDifferential::randomCallsMatchTheLiteralVersion()
 {
     const quint32 count = quint32(rounds(4000));
     for (quint32 seed = 0; seed < count; ++seed) {
         QRandomGenerator random(seed);
         const QByteArray content = hostileFile(random);
-        // Names of their own per round, as QSettings keeps files that it has read.
+        // Unique names per round, because QSettings caches the files that it has read.
         const QString number = QString::number(seed);
         const QStringList literal = play<LiteralIniFile>(seed, content, "literal" + number);
         const QStringList actual = play<IniFileManager>(seed, content, "library" + number);
@@ -317,23 +317,22 @@ void tst_IniFileManagerDifferential::sameAsLiteral()
     }
 }
 
-// Where two sections hold a key, the one that is parsed last wins: here the first one, as the other
-// is parsed when its group is listed, although all that is asked for was added and needs no
-// section.
+// If two sections contain a key, the section that is parsed last wins. Here it is the first one:
+// listing the group parses the other section, although the requested keys were added and need none.
 template <typename File>
 QStringList readAddedKey(const QString& filePath)
 {
     const QString group = "A";
     const QString key = "k";
     File file(filePath, nullptr);
-    file.setValue(group, QString(QChar(QChar::Null)), 1); // sorts before all others
+    file.setValue(group, QString(QChar(QChar::Null)), 1); // sorts before all other keys
     file.setValue(group, key, 2);
     return {file.getValueString(group, key, QString()),
             file.getGeneralValueString("first", QString()),
             file.getValueString(group, "x", QString())};
 }
 
-void tst_IniFileManagerDifferential::sectionsOfKeysThatWereAddedAreParsed()
+void tst_IniFileManagerDifferential::sectionsOfAddedKeysAreParsed()
 {
     const QByteArray content = "first=1\nA\\x=root\n[A]\nx=section\n";
     const QStringList expected{"2", "1", "root"};

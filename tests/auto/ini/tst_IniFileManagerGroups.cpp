@@ -9,30 +9,30 @@ class tst_IniFileManagerGroups : public IniTestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void readersOfPresentValue_data();
-    void readersOfPresentValue();
+    void gettersReturnThePresentValue_data();
+    void gettersReturnThePresentValue();
     void keyIsFound_data();
     void keyIsFound();
     void pointersAreValues();
-    void missingKeyGivesDefault_data();
-    void missingKeyGivesDefault();
-    void emptyKeyGivesDefault();
+    void missingKeyReturnsDefault_data();
+    void missingKeyReturnsDefault();
+    void emptyKeyReturnsDefault();
     void integerWithDefault_data();
     void integerWithDefault();
 
     void containsKey_data();
     void containsKey();
-    void setValueWrites_data();
-    void setValueWrites();
-    void removeValueRemoves_data();
-    void removeValueRemoves();
+    void setValueWritesTheKey_data();
+    void setValueWritesTheKey();
+    void removeValueRemovesTheKey_data();
+    void removeValueRemovesTheKey();
     void emptyNamesWriteNothing_data();
     void emptyNamesWriteNothing();
 
     void filterSelectsGroups_data();
     void filterSelectsGroups();
     void invalidFilterSelectsNothing();
-    void filterThatIsGivenUpSelectsNothing();
+    void filterThatExceedsTheMatchLimitSelectsNothing();
     void containsGroupComparesExactly_data();
     void containsGroupComparesExactly();
     void childKeysOfGroup_data();
@@ -40,18 +40,18 @@ private Q_SLOTS:
     void groupValues_data();
     void groupValues();
     void groupValuesWithNamelessKey();
-    void groupValuesOfSectionsThatShareKeys();
+    void groupValuesOfSectionsWithCommonKeys();
     void groupValuesOfSectionsOnThreeLevels();
-    void oneLookUpByPathWouldFindAnotherValue();
+    void singlePathLookUpWouldFindAnotherValue();
     void groupIsLeftAfterEveryCall();
 };
 
-void tst_IniFileManagerGroups::readersOfPresentValue_data()
+void tst_IniFileManagerGroups::gettersReturnThePresentValue_data()
 {
     addValueRows();
 }
 
-void tst_IniFileManagerGroups::readersOfPresentValue()
+void tst_IniFileManagerGroups::gettersReturnThePresentValue()
 {
     QFETCH(QByteArray, text);
     QFETCH(QVariant, value);
@@ -91,21 +91,21 @@ void tst_IniFileManagerGroups::keyIsFound_data()
                                  << QString::fromUtf8(key);
     };
     row("plain", "[Net]\nPort=5\n", "Net", "Port");
-    row("slash behind the group", "[Net]\nPort=5\n", "Net/", "Port");
-    row("slash before the group", "[Net]\nPort=5\n", "/Net", "Port");
+    row("trailing slash in the group", "[Net]\nPort=5\n", "Net/", "Port");
+    row("leading slash in the group", "[Net]\nPort=5\n", "/Net", "Port");
     row("path of a group", "[Net]\nSub\\Port=5\n", "Net/Sub", "Port");
     row("section with a slash", "[Net/Sub]\nPort=5\n", "Net/Sub", "Port");
     row("doubled slash in the group", "[Net]\nSub\\Port=5\n", "Net//Sub", "Port");
     row("empty group: top level", "Port=5\n", "", "Port");
     row("group of one slash: top level", "Port=5\n", "/", "Port");
-    row("group that is called General", "Port=1\n[%General]\nPort=5\n", "General", "Port");
+    row("group named General", "Port=1\n[%General]\nPort=5\n", "General", "Port");
     row("escaped key", "[Net]\n%50%20t=5\n", "Net", "P t");
     row("escaped group", "[N%65t]\nPort=5\n", "Net", "Port");
-    row("key that is a subgroup, too", "[Net]\nPort=5\nPort\\x=1\n", "Net", "Port");
-    row("key given twice: the last", "[Net]\nPort=1\nPort=5\n", "Net", "Port");
-    row("section given twice", "[Net]\na=1\n[X]\nb=1\n[Net]\nPort=5\n", "Net", "Port");
-    row("key in other cases", "[Net]\nPORT=1\nport=2\nPort=5\n", "Net", "Port");
-    row("group in other cases", "[NET]\nPort=1\n[Net]\nPort=5\n[net]\nPort=2\n", "Net", "Port");
+    row("key that is also a subgroup", "[Net]\nPort=5\nPort\\x=1\n", "Net", "Port");
+    row("duplicate key: the last wins", "[Net]\nPort=1\nPort=5\n", "Net", "Port");
+    row("duplicate section", "[Net]\na=1\n[X]\nb=1\n[Net]\nPort=5\n", "Net", "Port");
+    row("key in various cases", "[Net]\nPORT=1\nport=2\nPort=5\n", "Net", "Port");
+    row("group in various cases", "[NET]\nPort=1\n[Net]\nPort=5\n[net]\nPort=2\n", "Net", "Port");
     row("hash in the key", "[Net]\n#Port=5\n", "Net", "#Port");
 }
 
@@ -131,7 +131,7 @@ void tst_IniFileManagerGroups::pointersAreValues()
     manager.removeValue("Net", "Owner");
 }
 
-void tst_IniFileManagerGroups::missingKeyGivesDefault_data()
+void tst_IniFileManagerGroups::missingKeyReturnsDefault_data()
 {
     QTest::addColumn<QString>("group");
     QTest::addColumn<QString>("key");
@@ -139,16 +139,16 @@ void tst_IniFileManagerGroups::missingKeyGivesDefault_data()
     const auto row = [](const char* situation, const char* group, const char* key) {
         QTest::newRow(situation) << QString::fromUtf8(group) << QString::fromUtf8(key);
     };
-    row("no such key", "Net", "none");
-    row("no such group", "None", "Port");
-    row("other case of the key", "Net", "port");
-    row("other case of the group", "net", "Port");
+    row("missing key", "Net", "none");
+    row("missing group", "None", "Port");
+    row("key in different case", "Net", "port");
+    row("group in different case", "net", "Port");
     row("key of another group", "Net", "x");
     row("top-level key", "Net", "top");
     row("only a subgroup", "Net", "Sub");
     row("path into a subgroup", "Net", "Sub/deep");
-    row("slash behind the key", "Net", "Port/");
-    row("slash before the key", "Net", "/Port");
+    row("trailing slash in the key", "Net", "Port/");
+    row("leading slash in the key", "Net", "/Port");
     row("only a slash", "Net", "/");
     row("only a slash at top level", "", "/");
     row("comment", "Net", ";note");
@@ -156,11 +156,11 @@ void tst_IniFileManagerGroups::missingKeyGivesDefault_data()
     row("empty group, section", "", "Net");
     row("General as the top level", "General", "top");
     row("group as given, not normalized", "/Net//Sub/", "none");
-    row("blanks", " ", " ");
+    row("spaces", " ", " ");
     row("umlauts", "\xc3\xa4", "\xc3\xb6");
 }
 
-void tst_IniFileManagerGroups::missingKeyGivesDefault()
+void tst_IniFileManagerGroups::missingKeyReturnsDefault()
 {
     QFETCH(QString, group);
     QFETCH(QString, key);
@@ -178,9 +178,9 @@ void tst_IniFileManagerGroups::missingKeyGivesDefault()
     QCOMPARE(manager.getValueBool(group, key, true), true);
 }
 
-void tst_IniFileManagerGroups::emptyKeyGivesDefault()
+void tst_IniFileManagerGroups::emptyKeyReturnsDefault()
 {
-    // The group has a nameless key, which these functions must not reach.
+    // The group has a nameless key, which these functions must not access.
     writeIni("[Net]\n=5\n");
     const IniFileManager manager(iniFile(), nullptr);
     const QString net = "Net";
@@ -236,13 +236,13 @@ void tst_IniFileManagerGroups::containsKey_data()
     };
     row("key", "Net", "Port", true);
     row("invalid value", "Net", "invalid", true);
-    row("no such key", "Net", "none", false);
-    row("no such group", "None", "Port", false);
-    row("other case of the key", "Net", "port", false);
-    row("other case of the group", "net", "Port", false);
+    row("missing key", "Net", "none", false);
+    row("missing group", "None", "Port", false);
+    row("key in different case", "Net", "port", false);
+    row("group in different case", "net", "Port", false);
     row("subgroup", "Net", "Sub", false);
     row("path into a subgroup", "Net", "Sub/deep", true);
-    row("slashes in excess", "/Net/", "//Sub//deep/", true);
+    row("extra slashes", "/Net/", "//Sub//deep/", true);
     row("empty group, top-level key", "", "top", true);
     row("empty group, key of a section", "", "Port", false);
     row("empty group, path", "", "Net/Port", true);
@@ -262,7 +262,7 @@ void tst_IniFileManagerGroups::containsKey()
     QCOMPARE(manager.contains(group, key), contained);
 }
 
-void tst_IniFileManagerGroups::setValueWrites_data()
+void tst_IniFileManagerGroups::setValueWritesTheKey_data()
 {
     QTest::addColumn<QString>("group");
     QTest::addColumn<QString>("key");
@@ -274,16 +274,16 @@ void tst_IniFileManagerGroups::setValueWrites_data()
                                  << QByteArray(content);
     };
     const char changed[] = "[General]\nPort=1\n\n[Net]\nPort=5\n";
-    row("key that is there", "Net", "Port", changed);
-    row("slash behind the group", "Net/", "Port", changed);
-    row("slash before the group", "/Net", "Port", changed);
+    row("existing key", "Net", "Port", changed);
+    row("trailing slash in the group", "Net/", "Port", changed);
+    row("leading slash in the group", "/Net", "Port", changed);
     row("slashes around the key", "Net", "/Port/", changed);
     row("new key", "Net", "Name", "[General]\nPort=1\n\n[Net]\nName=5\nPort=80\n");
     row("key with a path", "Net", "Sub/x", "[General]\nPort=1\n\n[Net]\nPort=80\nSub\\x=5\n");
     row("group with a path", "Net/Sub", "x", "[General]\nPort=1\n\n[Net]\nPort=80\nSub\\x=5\n");
     row("doubled slash", "Net//Sub", "x", "[General]\nPort=1\n\n[Net]\nPort=80\nSub\\x=5\n");
     row("new group", "New", "x", "[General]\nPort=1\n\n[Net]\nPort=80\n\n[New]\nx=5\n");
-    row("group that is called General", "General", "Port",
+    row("group named General", "General", "Port",
         "[General]\nPort=1\n\n[%General]\nPort=5\n\n[Net]\nPort=80\n");
     row("group of one slash: top level", "/", "Port", "[General]\nPort=5\n\n[Net]\nPort=80\n");
     row("only a slash: the nameless key", "Net", "/", "[General]\nPort=1\n\n[Net]\n=5\nPort=80\n");
@@ -291,7 +291,7 @@ void tst_IniFileManagerGroups::setValueWrites_data()
         "[General]\nPort=1\n\n[N%20t]\na%3Db=5\n\n[Net]\nPort=80\n");
 }
 
-void tst_IniFileManagerGroups::setValueWrites()
+void tst_IniFileManagerGroups::setValueWritesTheKey()
 {
     QFETCH(QString, group);
     QFETCH(QString, key);
@@ -304,7 +304,7 @@ void tst_IniFileManagerGroups::setValueWrites()
     QCOMPARE(readFile(iniFile()), content);
 }
 
-void tst_IniFileManagerGroups::removeValueRemoves_data()
+void tst_IniFileManagerGroups::removeValueRemovesTheKey_data()
 {
     QTest::addColumn<QString>("group");
     QTest::addColumn<QString>("key");
@@ -320,13 +320,13 @@ void tst_IniFileManagerGroups::removeValueRemoves_data()
     row("key", "Net", "a", "[General]\na=1\n\n[Net]\nSub\\a=1\nSub\\b=2\nab=2\n\n[Other]\na=1\n");
     row("missing key", "Net", "none", unchanged);
     row("missing group", "None", "a", unchanged);
-    row("other case", "Net", "A", unchanged);
+    row("different case", "Net", "A", unchanged);
     row("subgroup", "Net", "Sub", "[General]\na=1\n\n[Net]\na=1\nab=2\n\n[Other]\na=1\n");
     row("path into a subgroup", "Net", "Sub/a",
         "[General]\na=1\n\n[Net]\nSub\\b=2\na=1\nab=2\n\n[Other]\na=1\n");
     row("group with a path", "Net/Sub", "a",
         "[General]\na=1\n\n[Net]\nSub\\b=2\na=1\nab=2\n\n[Other]\na=1\n");
-    row("slashes in excess", "/Net/", "//a/",
+    row("extra slashes", "/Net/", "//a/",
         "[General]\na=1\n\n[Net]\nSub\\a=1\nSub\\b=2\nab=2\n\n[Other]\na=1\n");
     row("last key of a group", "Other", "a",
         "[General]\na=1\n\n[Net]\nSub\\a=1\nSub\\b=2\na=1\nab=2\n");
@@ -335,7 +335,7 @@ void tst_IniFileManagerGroups::removeValueRemoves_data()
     row("group and key of one slash: everything", "/", "/", "");
 }
 
-void tst_IniFileManagerGroups::removeValueRemoves()
+void tst_IniFileManagerGroups::removeValueRemovesTheKey()
 {
     QFETCH(QString, group);
     QFETCH(QString, key);
@@ -390,24 +390,24 @@ void tst_IniFileManagerGroups::filterSelectsGroups_data()
     const auto row = [](const char* situation, const char* filter, const char* groups) {
         QTest::newRow(situation) << QString::fromUtf8(filter) << words(groups);
     };
-    row("beginning", "Sensor", "Sensor1 Sensor10 SensorA");
-    row("whole name is a beginning, too", "Sensor1", "Sensor1 Sensor10");
+    row("prefix", "Sensor", "Sensor1 Sensor10 SensorA");
+    row("whole name is a prefix, too", "Sensor1", "Sensor1 Sensor10");
     row("end anchored", "Sensor1$", "Sensor1");
     row("anything before", ".*1", "Motor1 Sensor1 Sensor10 a1b sensor1");
     row("middle of a name", "otor", "");
     row("any character", "Sensor.0", "Sensor10");
-    row("any character is needed", "Sensor.", "Sensor1 Sensor10 SensorA");
-    row("class", "Sensor[0-9]", "Sensor1 Sensor10");
-    row("escaped", "a\\.b", "a.b");
+    row("any character is required", "Sensor.", "Sensor1 Sensor10 SensorA");
+    row("character class", "Sensor[0-9]", "Sensor1 Sensor10");
+    row("escaped dot", "a\\.b", "a.b");
     row("not escaped", "a.b", "a.b a1b");
     row("empty filter", "", "Motor1 Sensor1 Sensor10 SensorA a.b a1b line\nend sensor1 xSensor");
     row("line feed in the name", "line", "line\nend");
-    row("backslash at the end: escapes what is put behind", "Sensor1\\", "Sensor1 Sensor10");
-    row("other case", "sensor", "sensor1");
-    row("case ignored by the filter itself", "(?i)sensor", "Sensor1 Sensor10 SensorA sensor1");
+    row("backslash at the end: escapes what is appended", "Sensor1\\", "Sensor1 Sensor10");
+    row("different case", "sensor", "sensor1");
+    row("filter with case-insensitive option", "(?i)sensor", "Sensor1 Sensor10 SensorA sensor1");
     row("alternation: the anchor holds for the first branch only", "Motor|Sensor",
         "Motor1 Sensor1 Sensor10 SensorA xSensor");
-    row("alternation in brackets", "(?:Motor|Sensor)", "Motor1 Sensor1 Sensor10 SensorA");
+    row("alternation in a group", "(?:Motor|Sensor)", "Motor1 Sensor1 Sensor10 SensorA");
     row("empty branch", "Motor|",
         "Motor1 Sensor1 Sensor10 SensorA a.b a1b line\nend sensor1 xSensor");
     row("nothing matches", "None", "");
@@ -428,16 +428,16 @@ void tst_IniFileManagerGroups::invalidFilterSelectsNothing()
 {
     writeIni("[A]\nk=1\n[B]\nk=1\n");
     const IniFileManager manager(iniFile(), nullptr);
-    // Qt's own warning, once for each group.
+    // Qt's own warning, once per group.
     const QString warning = "QString::contains: invalid QRegularExpression object";
     messages().expect(QtWarningMsg, warning);
     messages().expect(QtWarningMsg, warning);
     QCOMPARE(manager.getGroups(QStringLiteral("(")), QStringList());
 }
 
-void tst_IniFileManagerGroups::filterThatIsGivenUpSelectsNothing()
+void tst_IniFileManagerGroups::filterThatExceedsTheMatchLimitSelectsNothing()
 {
-    // Only the group that takes too many steps is left out, and nothing tells why.
+    // Only the group that takes too many steps is omitted, without a message.
     writeIni("[aab]\nk=1\n[" + QByteArray(60, 'a') + "!b]\nk=1\n[ab]\nk=1\n");
     const IniFileManager manager(iniFile(), nullptr);
     const CpuTime time;
@@ -455,13 +455,13 @@ void tst_IniFileManagerGroups::containsGroupComparesExactly_data()
         QTest::newRow(situation) << QString::fromUtf8(group) << contained;
     };
     row("group", "Net", true);
-    row("other case", "net", false);
+    row("different case", "net", false);
     row("part of a name", "Ne", false);
-    row("no such group", "None", false);
+    row("missing group", "None", false);
     row("top-level key", "top", false);
     row("subgroup", "Sub", false);
     row("path of a subgroup", "Net/Sub", false);
-    row("slash behind", "Net/", false);
+    row("trailing slash", "Net/", false);
     row("pattern", "N.t", false);
     row("General", "General", false);
     row("empty", "", false);
@@ -487,11 +487,11 @@ void tst_IniFileManagerGroups::childKeysOfGroup_data()
     };
     row("sorted, no subgroups", "Net", "Name Port address");
     row("subgroup", "Net/Sub", "deep");
-    row("slashes in excess", "//Net//Sub/", "deep");
+    row("extra slashes", "//Net//Sub/", "deep");
     row("empty group: top level", "", "top");
     row("only slashes: top level", "//", "top");
-    row("no such group", "None", "");
-    row("other case", "net", "");
+    row("missing group", "None", "");
+    row("different case", "net", "");
     row("key as a group", "Net/Port", "");
     row("General", "General", "");
 }
@@ -542,10 +542,10 @@ void tst_IniFileManagerGroups::groupValuesWithNamelessKey()
     QCOMPARE(manager.getGroupValues("Net"), (QVariantMap{{QString(), QVariant()}, {"Port", "80"}}));
 }
 
-void tst_IniFileManagerGroups::groupValuesOfSectionsThatShareKeys()
+void tst_IniFileManagerGroups::groupValuesOfSectionsWithCommonKeys()
 {
-    // "A/B/k" stands in two sections, of which the one that is parsed last wins; a third one, which
-    // sorts between its group and the key, hides the second from a mere look-up of the key.
+    // "A/B/k" is in two sections, and the one that is parsed last wins. A third section, which
+    // sorts between its group and the key, hides the second from a look-up of the key alone.
     writeIni("[A/B]\nk=1\nl=2\n[A]\nB\\k=3\n[A/B/a]\nx=1\n");
     const IniFileManager manager(iniFile(), nullptr);
     QCOMPARE(manager.getGroupValues(QStringLiteral("A/B")), (QVariantMap{{"k", "3"}, {"l", "2"}}));
@@ -553,17 +553,17 @@ void tst_IniFileManagerGroups::groupValuesOfSectionsThatShareKeys()
 
 void tst_IniFileManagerGroups::groupValuesOfSectionsOnThreeLevels()
 {
-    // Each look-up parses one more section, and the last of them has the last key.
+    // Each look-up parses one more section, and the last section has the last key.
     writeIni("[A/B/C]\nk=1\nl=2\n[A/B]\nC\\k=3\n[A]\nB\\C\\l=4\n[A/B/C/a]\nx=1\n");
     const IniFileManager manager(iniFile(), nullptr);
     QCOMPARE(manager.getGroupValues(QStringLiteral("A/B/C")),
              (QVariantMap{{"k", "3"}, {"l", "4"}}));
 }
 
-void tst_IniFileManagerGroups::oneLookUpByPathWouldFindAnotherValue()
+void tst_IniFileManagerGroups::singlePathLookUpWouldFindAnotherValue()
 {
-    // The top level is parsed and has a key "A/k". The section [A] is not, and its own "k" is not
-    // seen by a look-up of the path, as [A/B] stands between them.
+    // The top level is parsed and has a key "A/k". Section [A] is not parsed, and a look-up of the
+    // path does not find its "k", because [A/B] sorts between them.
     writeIni("A\\k=top level\n[A]\nk=section\n[A/B]\nx=1\n");
     const QString path = "A/k";
     QSettings settings(copyOfIniFile(), QSettings::IniFormat);

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <functional>
 
-// A file may hold a list of records, one group each, numbered by their key "Position".
+// A file may contain a list of records: one group per record, numbered by the key "Position".
 class tst_IniFileManagerIndexed : public IniTestCase
 {
     Q_OBJECT
@@ -12,23 +12,23 @@ class tst_IniFileManagerIndexed : public IniTestCase
 private Q_SLOTS:
     void searchFindsPosition_data();
     void searchFindsPosition();
-    void searchRefusesHighIndex_data();
-    void searchRefusesHighIndex();
-    void probesWarnUpToTheMatch_data();
-    void probesWarnUpToTheMatch();
+    void searchRejectsTooHighIndex_data();
+    void searchRejectsTooHighIndex();
+    void searchWarnsOfGroupsWithoutPosition_data();
+    void searchWarnsOfGroupsWithoutPosition();
 
-    void gettersRead();
-    void gettersDelegate_data();
-    void gettersDelegate();
-    void gettersRefuseHighIndex_data();
-    void gettersRefuseHighIndex();
-    void gettersMissPosition_data();
-    void gettersMissPosition();
-    void gettersWarnOfProbes();
+    void gettersReturnTheValue();
+    void gettersBehaveAsThoseByGroup_data();
+    void gettersBehaveAsThoseByGroup();
+    void gettersRejectTooHighIndex_data();
+    void gettersRejectTooHighIndex();
+    void missingPositionReturnsDefault_data();
+    void missingPositionReturnsDefault();
+    void gettersWarnOfGroupsWithoutPosition();
 
     void namelessGroupReadsTheTopLevel();
-    void changesOfAnotherManagerCount();
-    void searchSeesWhatAHandlerReadsAnew();
+    void changesOfAnotherManagerAreSeen();
+    void searchSeesTheFileThatAHandlerRereads();
 
 private:
     void expectNoPosition(const char* group);
@@ -37,7 +37,7 @@ private:
 
 namespace {
 
-// What groupIndex holds before a search, to see whether it is left alone.
+// The value of groupIndex before a search, to see whether the search changes it.
 constexpr int untouched = -4711;
 
 const QString key = "k";
@@ -74,7 +74,7 @@ void tst_IniFileManagerIndexed::searchFindsPosition_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("externalIndex");
-    QTest::addColumn<QString>("group"); // null where there is none
+    QTest::addColumn<QString>("group"); // null: not found
 
     const auto row = [](const char* situation, const char* content, int externalIndex,
                         const char* group) {
@@ -85,36 +85,36 @@ void tst_IniFileManagerIndexed::searchFindsPosition_data()
     row("list order is by name, 0", twisted, 0, "b");
     row("list order is by name, 1", twisted, 1, "a");
     const char mixedCase[] = "[b]\nPosition=0\n[a]\nPosition=0\n[Z]\nPosition=0\n";
-    row("capitals come first", mixedCase, 0, "Z");
+    row("uppercase sorts first", mixedCase, 0, "Z");
     const char numbers[] = "[R2]\nPosition=0\n[R10]\nPosition=0\n";
-    row("numbers in names are text", numbers, 0, "R10");
+    row("numbers in names sort as text", numbers, 0, "R10");
     const char doubled[] = "[c]\nPosition=0\n[b]\nPosition=1\n[a]\nPosition=1\n";
     row("first of two wins", doubled, 1, "a");
-    row("behind a double", doubled, 0, "c");
-    row("nobody has it", "[a]\nPosition=0\n[b]\nPosition=0\n", 1, nullptr);
-    row("last place", "[a]\nPosition=0\n[b]\nPosition=1\n[c]\nPosition=2\n", 2, "c");
+    row("after a duplicate Position", doubled, 0, "c");
+    row("no group has it", "[a]\nPosition=0\n[b]\nPosition=0\n", 1, nullptr);
+    row("last position", "[a]\nPosition=0\n[b]\nPosition=1\n[c]\nPosition=2\n", 2, "c");
     row("only one group", "[a]\nPosition=0\n", 0, "a");
 
-    row("negative, nobody has it", "[a]\nPosition=0\n", -1, nullptr);
+    row("negative, no group has it", "[a]\nPosition=0\n", -1, nullptr);
     row("negative, found", "[a]\nPosition=0\n[b]\nPosition=-1\n", -1, "b");
-    row("least number, found", "[a]\nPosition=-2147483648\n", -2147483647 - 1, "a");
+    row("smallest number, found", "[a]\nPosition=-2147483648\n", -2147483647 - 1, "a");
     row("negative in an empty file", "", -1, nullptr);
     row("negative, top-level keys only", "Position=-1\n", -1, nullptr);
 
     row("in quotes", "[a]\nPosition=\"0\"\n", 0, "a");
-    row("blanks around", "[a]\n Position = 0 \n", 0, "a");
-    row("more than 32 bits are cut", "[a]\nPosition=4294967296\n", 0, "a");
-    row("the last of two keys", "[a]\nPosition=1\nPosition=0\n", 0, "a");
-    row("group given twice", "[a]\nk=1\n[b]\nPosition=1\n[a]\nPosition=0\n", 0, "a");
-    row("top-level Position is no group's", "Position=1\n[a]\nPosition=0\n[b]\nPosition=0\n", 1,
-        nullptr);
-    row("group that is called General", "[%General]\nPosition=0\n", 0, "General");
-    row("subgroup's Position is not the group's",
+    row("surrounding spaces", "[a]\n Position = 0 \n", 0, "a");
+    row("more than 32 bits are truncated", "[a]\nPosition=4294967296\n", 0, "a");
+    row("duplicate key: the last wins", "[a]\nPosition=1\nPosition=0\n", 0, "a");
+    row("duplicate group", "[a]\nk=1\n[b]\nPosition=1\n[a]\nPosition=0\n", 0, "a");
+    row("top-level Position does not belong to a group",
+        "Position=1\n[a]\nPosition=0\n[b]\nPosition=0\n", 1, nullptr);
+    row("group named General", "[%General]\nPosition=0\n", 0, "General");
+    row("Position of a subgroup does not belong to the group",
         "[a]\nPosition=0\nsub\\Position=1\n[b]\nPosition=0\n", 1, nullptr);
     const char nextGroupsName[] = "[a]\nPosition=5\nPositionb\\Position=1\n[b]\nPosition=0\n";
     row("subgroup whose name ends in the next group's, 0", nextGroupsName, 0, "b");
     row("subgroup whose name ends in the next group's, 1", nextGroupsName, 1, nullptr);
-    row("subgroups are not in the list", "[a/sub]\nk=1\n[a]\nPosition=0\n", 0, "a");
+    row("subgroups are not listed", "[a/sub]\nk=1\n[a]\nPosition=0\n", 0, "a");
 }
 
 void tst_IniFileManagerIndexed::searchFindsPosition()
@@ -135,7 +135,7 @@ void tst_IniFileManagerIndexed::searchFindsPosition()
     }
 }
 
-void tst_IniFileManagerIndexed::searchRefusesHighIndex_data()
+void tst_IniFileManagerIndexed::searchRejectsTooHighIndex_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("externalIndex");
@@ -144,40 +144,40 @@ void tst_IniFileManagerIndexed::searchRefusesHighIndex_data()
     QTest::newRow("empty file") << QByteArray() << 0;
     QTest::newRow("top-level keys only") << QByteArray("Position=0\nk=1\n") << 0;
     QTest::newRow("number of groups") << three << 3;
-    QTest::newRow("above, although a group holds it") << three << 5;
-    QTest::newRow("greatest number") << three << 2147483647;
-    QTest::newRow("groups without any key do not count") << QByteArray("[a]\n[b]\n") << 0;
+    QTest::newRow("above, although a group has it") << three << 5;
+    QTest::newRow("largest number") << three << 2147483647;
+    QTest::newRow("groups without keys do not count") << QByteArray("[a]\n[b]\n") << 0;
     QTest::newRow("subgroups do not count") << QByteArray("[a]\nPosition=0\nb\\Position=1\n") << 1;
 }
 
-void tst_IniFileManagerIndexed::searchRefusesHighIndex()
+void tst_IniFileManagerIndexed::searchRejectsTooHighIndex()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, externalIndex);
     writeIni(content);
     const IniFileManager manager(iniFile(), nullptr);
 
-    // The one warning also shows that no group is looked at.
+    // That there is only one warning also shows that no group is read.
     expectIniWarning("Invalid external index!").function(searchIndexSignature);
     int groupIndex = untouched;
     QVERIFY(!manager.searchIndex(externalIndex, groupIndex));
     QCOMPARE(groupIndex, untouched);
 }
 
-void tst_IniFileManagerIndexed::probesWarnUpToTheMatch_data()
+void tst_IniFileManagerIndexed::searchWarnsOfGroupsWithoutPosition_data()
 {
     QTest::addColumn<int>("externalIndex");
     QTest::addColumn<int>("groupIndex");
     QTest::addColumn<int>("warnings");
 
-    QTest::newRow("negative, before every warning") << -1 << 0 << 0;
+    QTest::newRow("negative, before all warnings") << -1 << 0 << 0;
     QTest::newRow("no Position is 0") << 0 << 1 << 1;
-    QTest::newRow("behind some") << 3 << 6 << 4;
-    QTest::newRow("behind all") << 4 << 8 << 5;
+    QTest::newRow("after some groups") << 3 << 6 << 4;
+    QTest::newRow("after all groups") << 4 << 8 << 5;
     QTest::newRow("none") << 5 << untouched << 5;
 }
 
-void tst_IniFileManagerIndexed::probesWarnUpToTheMatch()
+void tst_IniFileManagerIndexed::searchWarnsOfGroupsWithoutPosition()
 {
     QFETCH(int, externalIndex);
     QFETCH(int, groupIndex);
@@ -206,7 +206,7 @@ void tst_IniFileManagerIndexed::probesWarnUpToTheMatch()
     QCOMPARE(found, groupIndex);
 }
 
-void tst_IniFileManagerIndexed::gettersRead()
+void tst_IniFileManagerIndexed::gettersReturnTheValue()
 {
     writeIni("k=top\n"
              "[last]\nPosition=0\nk=12\n"
@@ -223,11 +223,11 @@ void tst_IniFileManagerIndexed::gettersRead()
     QCOMPARE(manager.getValueInteger(1, QStringLiteral("Position"), 99), 1);
 }
 
-void tst_IniFileManagerIndexed::gettersDelegate_data()
+void tst_IniFileManagerIndexed::gettersBehaveAsThoseByGroup_data()
 {
     QTest::addColumn<QByteArray>("lines");
-    QTest::addColumn<QString>("askedKey");
-    QTest::addColumn<QString>("warning"); // of every getter
+    QTest::addColumn<QString>("requestedKey");
+    QTest::addColumn<QString>("warning"); // the same for every getter
     QTest::addColumn<QString>("shown");   // in the warning of a failed conversion
     QTest::addColumn<int>("integer");
     QTest::addColumn<QString>("string");
@@ -236,18 +236,18 @@ void tst_IniFileManagerIndexed::gettersDelegate_data()
     const QString none;
     QTest::newRow("number") << QByteArray("k=7\n") << key << none << none << 7 << "7" << true;
     QTest::newRow("zero") << QByteArray("k=0\n") << key << none << none << 0 << "0" << false;
-    QTest::newRow("64 bits are cut")
+    QTest::newRow("64 bits are truncated")
         << QByteArray("k=4294967301\n") << key << none << none << 5 << "4294967301" << true;
     QTest::newRow("word") << QByteArray("k=abc\n") << key << none << "QVariant(QString, \"abc\")"
                           << 99 << "abc" << true;
-    QTest::newRow("nothing") << QByteArray("k=\n") << key << none << "QVariant(QString, \"\")" << 99
-                             << "" << false;
+    QTest::newRow("empty value") << QByteArray("k=\n") << key << none << "QVariant(QString, \"\")"
+                                 << 99 << "" << false;
     QTest::newRow("list") << QByteArray("k=1,2\n") << key << none
                           << "QVariant(QStringList, (\"1\", \"2\"))" << 99 << QString() << false;
     const QString notFound = "Key \"%1\" not found in Group \"b\" !";
     QTest::newRow("missing key") << QByteArray() << key << notFound.arg(key) << none << 99
                                  << defaultText << true;
-    QTest::newRow("other case of the key")
+    QTest::newRow("key in different case")
         << QByteArray("K=1\n") << key << notFound.arg(key) << none << 99 << defaultText << true;
     QTest::newRow("key of a subgroup")
         << QByteArray("sub\\k=1\n") << "sub/k" << notFound.arg("sub/k") << none << 99 << defaultText
@@ -258,10 +258,10 @@ void tst_IniFileManagerIndexed::gettersDelegate_data()
                                << "Key is empty!" << none << 99 << defaultText << true;
 }
 
-void tst_IniFileManagerIndexed::gettersDelegate()
+void tst_IniFileManagerIndexed::gettersBehaveAsThoseByGroup()
 {
     QFETCH(QByteArray, lines);
-    QFETCH(QString, askedKey);
+    QFETCH(QString, requestedKey);
     QFETCH(QString, warning);
     QFETCH(QString, shown);
     QFETCH(int, integer);
@@ -279,28 +279,28 @@ void tst_IniFileManagerIndexed::gettersDelegate()
     if (!shown.isEmpty()) {
         expectIniWarning("Conversion failed: " + shown).function(groupIntegerSignature);
     }
-    QCOMPARE(manager.getValueInteger(1, askedKey, 99), integer);
+    QCOMPARE(manager.getValueInteger(1, requestedKey, 99), integer);
     expectWarning();
-    const QString text = manager.getValueString(1, askedKey, defaultText);
+    const QString text = manager.getValueString(1, requestedKey, defaultText);
     QCOMPARE(text, string);
     QCOMPARE(text.isNull(), string.isNull());
     expectWarning();
-    QCOMPARE(manager.getValueBool(1, askedKey, true), truth);
+    QCOMPARE(manager.getValueBool(1, requestedKey, true), truth);
 }
 
-void tst_IniFileManagerIndexed::gettersRefuseHighIndex_data()
+void tst_IniFileManagerIndexed::gettersRejectTooHighIndex_data()
 {
-    searchRefusesHighIndex_data();
+    searchRejectsTooHighIndex_data();
 }
 
-void tst_IniFileManagerIndexed::gettersRefuseHighIndex()
+void tst_IniFileManagerIndexed::gettersRejectTooHighIndex()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, externalIndex);
     writeIni(content);
     const IniFileManager manager(iniFile(), nullptr);
 
-    // Each getter checks by itself, before it searches and before it looks at the key.
+    // Each getter checks the index before it searches and before it reads the key.
     const QStringList keys = {key, QString()};
     for (const QString& anyKey : keys) {
         const QString warning = "Invalid group index!";
@@ -315,20 +315,20 @@ void tst_IniFileManagerIndexed::gettersRefuseHighIndex()
     }
 }
 
-void tst_IniFileManagerIndexed::gettersMissPosition_data()
+void tst_IniFileManagerIndexed::missingPositionReturnsDefault_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("externalIndex");
 
     const QByteArray two = "k=1\n[a]\nPosition=0\nk=1\n[b]\nPosition=0\nk=1\n";
     QTest::newRow("negative") << two << -1;
-    QTest::newRow("least number") << two << -2147483647 - 1;
+    QTest::newRow("smallest number") << two << -2147483647 - 1;
     QTest::newRow("gap") << two << 1;
     QTest::newRow("no group at 0") << QByteArray("[a]\nPosition=1\nk=1\n") << 0;
     QTest::newRow("negative in an empty file") << QByteArray() << -1;
 }
 
-void tst_IniFileManagerIndexed::gettersMissPosition()
+void tst_IniFileManagerIndexed::missingPositionReturnsDefault()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, externalIndex);
@@ -348,11 +348,11 @@ void tst_IniFileManagerIndexed::gettersMissPosition()
         QCOMPARE(manager.getValueBool(externalIndex, anyKey, false), false);
     }
     int groupIndex = untouched;
-    QVERIFY(!manager.searchIndex(externalIndex, groupIndex)); // which warns of nothing itself
+    QVERIFY(!manager.searchIndex(externalIndex, groupIndex)); // logs nothing itself
     QCOMPARE(groupIndex, untouched);
 }
 
-void tst_IniFileManagerIndexed::gettersWarnOfProbes()
+void tst_IniFileManagerIndexed::gettersWarnOfGroupsWithoutPosition()
 {
     writeIni("[a]\nk=1\n[b]\nPosition=x\nk=2\n[c]\nPosition=2\nk=3\n[d]\nk=4\n");
     const IniFileManager manager(iniFile(), nullptr);
@@ -361,7 +361,7 @@ void tst_IniFileManagerIndexed::gettersWarnOfProbes()
         expectBadPosition("QVariant(QString, \"x\")");
     };
 
-    // The group without a Position stands before the ones that would have been meant.
+    // The group without a Position precedes the matching groups.
     expectNoPosition("a");
     QCOMPARE(manager.getValueInteger(0, key, 99), 1);
     expectProbes();
@@ -370,8 +370,8 @@ void tst_IniFileManagerIndexed::gettersWarnOfProbes()
     QCOMPARE(manager.getValueString(2, key, defaultText), QStringLiteral("3"));
     expectProbes();
     QCOMPARE(manager.getValueBool(2, key, false), true);
-    // Nothing is remembered: each call looks at the groups anew. What is found last, or not at all,
-    // is warned of behind the probes.
+    // Nothing is cached: each call reads all groups again. A warning of the getter itself follows
+    // the warnings of the search.
     expectProbes();
     expectNoPosition("d");
     expectIniWarning("Index not found in group!").function(integerSignature);
@@ -383,7 +383,7 @@ void tst_IniFileManagerIndexed::gettersWarnOfProbes()
 
 void tst_IniFileManagerIndexed::namelessGroupReadsTheTopLevel()
 {
-    // A nameless group is listed first, but an empty group stands for the top level.
+    // A nameless group is listed first, but an empty group name refers to the top level.
     writeIni("Position=1\nk=top\n[]\nPosition=0\nk=nameless\n[a]\nPosition=0\nk=5\n");
     const IniFileManager manager(iniFile(), nullptr);
     QCOMPARE(manager.getGroups(), QStringList({QStringLiteral(""), "a"}));
@@ -405,7 +405,7 @@ void tst_IniFileManagerIndexed::namelessGroupReadsTheTopLevel()
     QCOMPARE(bare.getValueString(0, key, defaultText), defaultText);
 }
 
-void tst_IniFileManagerIndexed::changesOfAnotherManagerCount()
+void tst_IniFileManagerIndexed::changesOfAnotherManagerAreSeen()
 {
     const QString position = "Position";
     writeIni("[a]\nPosition=0\nk=1\n[b]\nPosition=1\nk=2\n");
@@ -418,7 +418,7 @@ void tst_IniFileManagerIndexed::changesOfAnotherManagerCount()
     QCOMPARE(manager.getValueInteger(0, key, 99), 2);
     QCOMPARE(manager.getValueInteger(1, key, 99), 1);
 
-    // A new group raises the bound, and may push others back in the list.
+    // A new group raises the limit and may shift others in the list.
     expectIniWarning("Invalid group index!");
     QCOMPARE(manager.getValueInteger(2, key, 99), 99);
     other.setValue("A", position, 2);
@@ -436,12 +436,13 @@ void tst_IniFileManagerIndexed::changesOfAnotherManagerCount()
     QCOMPARE(manager.getValueInteger(2, key, 99), 99);
 }
 
-void tst_IniFileManagerIndexed::searchSeesWhatAHandlerReadsAnew()
+void tst_IniFileManagerIndexed::searchSeesTheFileThatAHandlerRereads()
 {
     writeIni("[A]\nk=1\n[B]\nPosition=0\n");
     IniFileManager manager(iniFile(), nullptr);
     expectNoPosition("A");
-    // The new file's top level has a Position of B too, which counts less than that of the section.
+    // The top level of the new file also has a Position for B; the section takes precedence over
+    // it.
     messages().setObserver([this, &manager](const Message&) {
         writeIni("B\\Position=7\n[A]\nk=1\n[B]\nPosition=1\n[B/A]\nx=1\n");
         manager.sync();

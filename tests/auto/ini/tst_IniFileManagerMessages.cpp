@@ -3,12 +3,12 @@
 
 #include <functional>
 
-// A call that warns once, and its result; an invalid one where the function gives none.
+// A call that warns once, and its result; an invalid variant if the function returns nothing.
 using WarningCall = std::function<QVariant(IniFileManager&)>;
 Q_DECLARE_METATYPE(WarningCall)
 
-// Every place where an object makes a message: its text and context, what the call gives, and that
-// a message handler may use the object.
+// For every place where an object logs a message: the text and context of the message, the result
+// of the call, and that a message handler may use the object.
 class tst_IniFileManagerMessages : public IniTestCase
 {
     Q_OBJECT
@@ -116,17 +116,17 @@ void tst_IniFileManagerMessages::warning_data()
         },
         keyIsEmpty, getGeneralValue, true);
     row(
-        "getGeneralValue, no such key",
+        "getGeneralValue, missing key",
         [none](IniFileManager& manager) { return manager.getGeneralValue(none, 7); }, notInGeneral,
         getGeneralValue, 7);
     row(
-        "getGeneralValueInteger, no such key",
+        "getGeneralValueInteger, missing key",
         [none](IniFileManager& manager) {
             return QVariant(manager.getGeneralValueInteger(none, 7));
         },
         notInGeneral, getGeneralValue, 7);
     row(
-        "getGeneralValueInteger, no number",
+        "getGeneralValueInteger, not a number",
         [word](IniFileManager& manager) {
             return QVariant(manager.getGeneralValueInteger(word, 7));
         },
@@ -187,23 +187,23 @@ void tst_IniFileManagerMessages::warning_data()
         },
         keyIsEmpty, getValue, true);
     row(
-        "getValue, no such key",
+        "getValue, missing key",
         [net, none](IniFileManager& manager) { return manager.getValue(net, none, 7); }, notInGroup,
         getValue, 7);
     row(
-        "getValueInteger, no such key",
+        "getValueInteger, missing key",
         [net, none](IniFileManager& manager) {
             return QVariant(manager.getValueInteger(net, none, 7));
         },
         notInGroup, getValue, 7);
     row(
-        "getValueInteger, no number",
+        "getValueInteger, not a number",
         [net, name](IniFileManager& manager) {
             return QVariant(manager.getValueInteger(net, name, 7));
         },
         "Conversion failed: QVariant(QString, \"eighty\")", getValueInteger, 7);
 
-    // Of the two groups, one is at Position -1 and one at 1.
+    // Of the two groups, one has Position -1 and one has 1.
     row(
         "searchIndex, too high",
         [](IniFileManager& manager) {
@@ -274,7 +274,7 @@ void tst_IniFileManagerMessages::handlerUsesTheObject()
     expectIniWarning(items);
     IniFileManager manager(iniFile(), nullptr);
 
-    // Were the group still entered, or the mutex not recursive, these would go wrong or hang.
+    // If the group were still entered, or the mutex not recursive, these would fail or deadlock.
     int handled = 0;
     messages().setObserver([&manager, &handled](const Message&) {
         ++handled;
@@ -311,8 +311,8 @@ void tst_IniFileManagerMessages::handlerWritesThroughTheObject()
     IniFileManager manager(iniFile(), nullptr);
     const QString net = "Net";
     const QString none = "none";
-    // The handler supplies the very key that was missed: the miss stands, the next look-up finds
-    // it.
+    // The handler adds the missing key: the current look-up still fails, the next one finds the
+    // key.
     messages().setObserver([&](const Message&) {
         manager.setValue(net, none, 9);
         manager.setGeneralValue(none, 10);

@@ -17,7 +17,7 @@ using Getter = QString (OrvalisVersionInfoIniManager::*)() const;
 
 } // namespace
 
-// Nothing but the file's manager and the table of virtual functions.
+// Only the vtable pointer and the file's manager.
 static_assert(sizeof(OrvalisVersionInfoIniManager) == sizeof(void*) + sizeof(IniFileManager),
               "layout");
 static_assert(std::has_virtual_destructor<OrvalisVersionInfoIniManager>::value,
@@ -38,7 +38,7 @@ private Q_SLOTS:
     void values_data();
     void values();
     void missingFile();
-    void fileIsNotTouched();
+    void fileIsNotChanged();
 };
 
 void tst_OrvalisVersionInfoIniManager::publishedNames_data()
@@ -66,7 +66,7 @@ void tst_OrvalisVersionInfoIniManager::publishedNames()
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
 
-    // One text for the whole process.
+    // The whole process shares one string.
     const QString* elsewhere = nullptr;
     std::thread([&] { elsewhere = &name(); }).join();
     QCOMPARE(elsewhere, &first);
@@ -78,7 +78,7 @@ void tst_OrvalisVersionInfoIniManager::values_data()
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("group");
     QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("value"); // null: warned of
+    QTest::addColumn<QString>("value"); // null: default, with a warning
 
     struct Source
     {
@@ -97,7 +97,7 @@ void tst_OrvalisVersionInfoIniManager::values_data()
     };
     for (const Source& source : sources) {
         const QByteArray key(source.key);
-        // How a group of the name General is written in this dialect.
+        // How this dialect writes a group named General.
         const QByteArray section =
             source.group == groupGeneral ? QByteArray("[%General]\n") : "[ApplicationVersion]\n";
         const auto newRow = [&](const char* situation, const QByteArray& content,
@@ -105,16 +105,17 @@ void tst_OrvalisVersionInfoIniManager::values_data()
             QTest::addRow("%s, %s", source.name, situation)
                 << source.getter << QString::fromLatin1(key) << source.group << content << value;
         };
-        newRow("there", section + key + "=640917\n", "640917");
-        newRow("as it stands", section + key + "=\" 2026-11-15 / x \"\n", " 2026-11-15 / x ");
+        newRow("present", section + key + "=640917\n", "640917");
+        newRow("neither validated nor converted", section + key + "=\" 2026-11-15 / x \"\n",
+               " 2026-11-15 / x ");
         newRow("empty", section + key + "=\n", "");
         newRow("Latin-1", section + key + "=\xe4\xc3\xbc\n", QString::fromLatin1("\xe4\xc3\xbc"));
-        newRow("no key", section + "Other=1\n", QString());
-        newRow("other case", section + key.toLower() + "=1\n", QString());
-        newRow("other section", "[Other]\n" + key + "=1\n", QString());
+        newRow("missing key", section + "Other=1\n", QString());
+        newRow("different case", section + key.toLower() + "=1\n", QString());
+        newRow("different section", "[Other]\n" + key + "=1\n", QString());
         newRow("empty file", QByteArray(), QString());
-        // [General] holds what is outside every group.
-        newRow("only [General]", "[General]\n" + key + "=1\n", QString());
+        // [General] contains the keys outside all groups.
+        newRow("only in [General]", "[General]\n" + key + "=1\n", QString());
         newRow("[General] and its own", "[General]\n" + key + "=1\n" + section + key + "=2\n", "2");
     }
     QTest::newRow("creation date, with the application's")
@@ -158,7 +159,7 @@ void tst_OrvalisVersionInfoIniManager::missingFile()
     QVERIFY(!QFileInfo::exists("/orvalis"));
 }
 
-void tst_OrvalisVersionInfoIniManager::fileIsNotTouched()
+void tst_OrvalisVersionInfoIniManager::fileIsNotChanged()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     const QByteArray content("; a comment\n[ApplicationVersion]\nVersion = 1\nProductCode = 2\n"

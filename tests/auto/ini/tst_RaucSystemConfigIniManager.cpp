@@ -11,7 +11,7 @@ const QString filePath = "/etc/rauc/system.conf";
 
 } // namespace
 
-// Nothing but the file's manager and the table of virtual functions.
+// Only the vtable pointer and the file's manager.
 static_assert(sizeof(RaucSystemConfigIniManager) == sizeof(void*) + sizeof(IniFileManager),
               "layout");
 static_assert(std::has_virtual_destructor<RaucSystemConfigIniManager>::value, "virtual destructor");
@@ -25,12 +25,12 @@ class tst_RaucSystemConfigIniManager : public TestCase
 private Q_SLOTS:
     void number_data();
     void number();
-    void noNumber_data();
-    void noNumber();
-    void missing_data();
-    void missing();
+    void valueThatIsNoNumber_data();
+    void valueThatIsNoNumber();
+    void missingKey_data();
+    void missingKey();
     void missingFile();
-    void fileIsNotTouched();
+    void fileIsNotChanged();
 
 private:
     void expectMissingIndex();
@@ -51,11 +51,11 @@ void tst_RaucSystemConfigIniManager::number_data()
     QTest::newRow("negative") << QByteArray("-1") << "-1";
     QTest::newRow("plus sign") << QByteArray("+7") << "7";
     QTest::newRow("leading zeros") << QByteArray("007") << "7";
-    QTest::newRow("blanks around") << QByteArray("  7  ") << "7";
+    QTest::newRow("surrounding spaces") << QByteArray("  7  ") << "7";
     QTest::newRow("quoted") << QByteArray("\"7\"") << "7";
     QTest::newRow("largest") << QByteArray("2147483647") << "2147483647";
     QTest::newRow("smallest") << QByteArray("-2147483648") << "-2147483648";
-    // A text converts through 64 bits, of which the lower half counts.
+    // A text is converted to 64 bits, of which the lower half is used.
     QTest::newRow("one too large") << QByteArray("2147483648") << "-2147483648";
     QTest::newRow("64 bits") << QByteArray("4294967303") << "7";
 }
@@ -70,7 +70,7 @@ void tst_RaucSystemConfigIniManager::number()
     QCOMPARE(RaucSystemConfigIniManager().getDeviceIndex(), index);
 }
 
-void tst_RaucSystemConfigIniManager::noNumber_data()
+void tst_RaucSystemConfigIniManager::valueThatIsNoNumber_data()
 {
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<QString>("shown");
@@ -83,7 +83,7 @@ void tst_RaucSystemConfigIniManager::noNumber_data()
         };
     newRow("number and letter", "7a");
     newRow("empty", "");
-    newRow("a name", "Orvalis board");
+    newRow("name", "Orvalis board");
     newRow("hexadecimal", "0x7");
     newRow("fraction", "7.0");
     newRow("more than 64 bits", "99999999999999999999");
@@ -92,7 +92,7 @@ void tst_RaucSystemConfigIniManager::noNumber_data()
     QTest::newRow("list") << QByteArray("7,8") << "QVariant(QStringList, (\"7\", \"8\"))";
 }
 
-void tst_RaucSystemConfigIniManager::noNumber()
+void tst_RaucSystemConfigIniManager::valueThatIsNoNumber()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, value);
@@ -103,19 +103,19 @@ void tst_RaucSystemConfigIniManager::noNumber()
     QCOMPARE(RaucSystemConfigIniManager().getDeviceIndex(), QStringLiteral("0"));
 }
 
-void tst_RaucSystemConfigIniManager::missing_data()
+void tst_RaucSystemConfigIniManager::missingKey_data()
 {
     QTest::addColumn<QByteArray>("content");
 
     QTest::newRow("key") << QByteArray("[system]\nbootloader=custom\n");
     QTest::newRow("section") << QByteArray("[slot.rootfs.0]\ncompatible=7\n");
-    QTest::newRow("anything in the file") << QByteArray();
-    QTest::newRow("section's case") << QByteArray("[System]\ncompatible=7\n");
-    QTest::newRow("key's case") << QByteArray("[system]\nCompatible=7\n");
+    QTest::newRow("whole file") << QByteArray();
+    QTest::newRow("section in different case") << QByteArray("[System]\ncompatible=7\n");
+    QTest::newRow("key in different case") << QByteArray("[system]\nCompatible=7\n");
     QTest::newRow("section line") << QByteArray("compatible=7\n");
 }
 
-void tst_RaucSystemConfigIniManager::missing()
+void tst_RaucSystemConfigIniManager::missingKey()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, content);
@@ -140,7 +140,7 @@ void tst_RaucSystemConfigIniManager::missingFile()
     QVERIFY(!QFileInfo::exists("/etc/rauc"));
 }
 
-void tst_RaucSystemConfigIniManager::fileIsNotTouched()
+void tst_RaucSystemConfigIniManager::fileIsNotChanged()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     const QByteArray content("; a comment\n[system]\ncompatible = 7\n");

@@ -15,7 +15,7 @@ using Name = const QString& (*)();
 
 } // namespace
 
-// Nothing but the file's manager and the table of virtual functions.
+// Only the vtable pointer and the file's manager.
 static_assert(sizeof(VersionFileIniManager) == sizeof(void*) + sizeof(IniFileManager), "layout");
 static_assert(std::has_virtual_destructor<VersionFileIniManager>::value, "virtual destructor");
 static_assert(!std::is_copy_constructible<VersionFileIniManager>::value, "not copyable");
@@ -33,7 +33,7 @@ private Q_SLOTS:
     void values_data();
     void values();
     void missingFile();
-    void fileIsNotTouched();
+    void fileIsNotChanged();
     void changedFileIsReadByTheNextObject();
 };
 
@@ -57,7 +57,7 @@ void tst_VersionFileIniManager::publishedNames()
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
 
-    // One text for the whole process.
+    // The whole process shares one string.
     const QString* elsewhere = nullptr;
     std::thread([&] { elsewhere = &name(); }).join();
     QCOMPARE(elsewhere, &first);
@@ -66,7 +66,7 @@ void tst_VersionFileIniManager::publishedNames()
 void tst_VersionFileIniManager::values_data()
 {
     QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("version"); // null: warned of
+    QTest::addColumn<QString>("version"); // null: default, with a warning
     QTest::addColumn<QString>("hash");
 
     const QString missing;
@@ -75,33 +75,33 @@ void tst_VersionFileIniManager::values_data()
         << QByteArray("[MainVersion]\nVersionString=V8.12.3-45\nVersionStringHash=ab12\n")
         << "V8.12.3-45"
         << "ab12";
-    QTest::newRow("no hash") << QByteArray("[MainVersion]\nVersionString=1.2.3\n") << "1.2.3"
-                             << missing;
-    QTest::newRow("no version") << QByteArray("[MainVersion]\nVersionStringHash=ab12\n") << missing
-                                << "ab12";
+    QTest::newRow("missing hash") << QByteArray("[MainVersion]\nVersionString=1.2.3\n") << "1.2.3"
+                                  << missing;
+    QTest::newRow("missing version")
+        << QByteArray("[MainVersion]\nVersionStringHash=ab12\n") << missing << "ab12";
     QTest::newRow("empty values") << QByteArray(
                                          "[MainVersion]\nVersionString=\nVersionStringHash=\n")
                                   << empty << empty;
     QTest::newRow("empty file") << QByteArray() << missing << missing;
-    QTest::newRow("other section")
+    QTest::newRow("different section")
         << QByteArray("[Version]\nVersionString=1.2.3\nVersionStringHash=ab12\n") << missing
         << missing;
-    QTest::newRow("other case")
+    QTest::newRow("different case")
         << QByteArray("[MainVersion]\nversionstring=1.2.3\nVERSIONSTRINGHASH=ab12\n") << missing
         << missing;
-    QTest::newRow("without section")
-        << QByteArray("VersionString=1.2.3\nVersionStringHash=ab12\n") << missing << missing;
-    QTest::newRow("subgroup of the name")
+    QTest::newRow("no section") << QByteArray("VersionString=1.2.3\nVersionStringHash=ab12\n")
+                                << missing << missing;
+    QTest::newRow("subgroup of the same name")
         << QByteArray("[MainVersion]\nVersionString\\x=1\nVersionStringHash=ab12\n") << missing
         << "ab12";
-    QTest::newRow("neither parsed nor checked")
+    QTest::newRow("neither parsed nor validated")
         << QByteArray("[MainVersion]\nVersionString=\" no.version \"\nVersionStringHash=#?!\n")
         << " no.version "
         << "#?!";
-    QTest::newRow("bytes beyond ASCII are Latin-1")
+    QTest::newRow("non-ASCII bytes are Latin-1")
         << QByteArray("[MainVersion]\nVersionString=\xe4\nVersionStringHash=\xc3\xbc\n")
         << QString(QChar(0xe4)) << QString(QChar(0xc3)) + QChar(0xbc);
-    QTest::newRow("a comma makes a list, which is no text")
+    QTest::newRow("a comma makes a list, which does not convert to text")
         << QByteArray("[MainVersion]\nVersionString=1,2\nVersionStringHash=\"1,2\"\n") << empty
         << "1,2";
 }
@@ -142,7 +142,7 @@ void tst_VersionFileIniManager::missingFile()
     QVERIFY(!QFileInfo::exists("/orvalis"));
 }
 
-void tst_VersionFileIniManager::fileIsNotTouched()
+void tst_VersionFileIniManager::fileIsNotChanged()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     const QByteArray content("; a comment\n[MainVersion]\nVersionString = 1.2.3\n");

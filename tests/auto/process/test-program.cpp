@@ -1,4 +1,4 @@
-// What the tests of QProcessHandler run: a program that does as it is told, without Qt.
+// The program that the tests of QProcessHandler run; it does what its arguments say, without Qt.
 
 #include <chrono>
 #include <csignal>
@@ -43,7 +43,7 @@ std::string fromHex(const std::string& hex)
     return bytes;
 }
 
-// The file appears with its content or not at all.
+// Writes the file atomically.
 void writeProcessId(const std::string& filePath)
 {
     const std::string unfinished = filePath + ".part";
@@ -51,7 +51,7 @@ void writeProcessId(const std::string& filePath)
     std::rename(unfinished.c_str(), filePath.c_str());
 }
 
-// signal N: ends by that signal.
+// signal N: ends itself with that signal.
 int endBySignal(int number)
 {
     const rlimit noCore = {0, 0};
@@ -62,7 +62,7 @@ int endBySignal(int number)
     return EXIT_FAILURE;
 }
 
-// write OUT ERR: writes these bytes, given in hexadecimal, on the two channels.
+// write OUT ERR: writes these hexadecimal bytes to the two channels.
 int writeBytes(const std::string& output, const std::string& error)
 {
     return writeAll(STDOUT_FILENO, fromHex(output)) && writeAll(STDERR_FILENO, fromHex(error))
@@ -70,7 +70,7 @@ int writeBytes(const std::string& output, const std::string& error)
                : EXIT_FAILURE;
 }
 
-// flood OUT ERR: so many bytes on the two channels, by turns.
+// flood OUT ERR: writes that many bytes to the two channels, alternately.
 int flood(std::size_t output, std::size_t error)
 {
     constexpr std::size_t blockSize = 4096;
@@ -87,7 +87,7 @@ int flood(std::size_t output, std::size_t error)
     return EXIT_SUCCESS;
 }
 
-// echo: standard input to standard output, up to its end.
+// echo: copies standard input to standard output until the end.
 int echo()
 {
     char buffer[4096];
@@ -100,7 +100,7 @@ int echo()
     return count == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-// cwd: the working directory.
+// cwd: writes the working directory.
 int printWorkingDirectory()
 {
     char buffer[4096];
@@ -109,7 +109,7 @@ int printWorkingDirectory()
                : EXIT_FAILURE;
 }
 
-// arguments ...: each in hexadecimal, in a line of its own.
+// arguments ...: writes each argument in hexadecimal on its own line.
 int printArguments(const Arguments& arguments)
 {
     for (std::size_t i = 2; i < arguments.size(); ++i) {
@@ -121,7 +121,7 @@ int printArguments(const Arguments& arguments)
     return EXIT_SUCCESS;
 }
 
-// stay FILE: writes its process ID into the file and does not end by itself.
+// stay FILE: writes its process ID to the file and does not end by itself.
 int stay(const std::string& processIdFile)
 {
     writeProcessId(processIdFile);
@@ -130,8 +130,8 @@ int stay(const std::string& processIdFile)
     }
 }
 
-// wait-for GO DONE: writes on both channels, waits until the file GO is there, writes on both
-// channels again and leaves its process ID in the file DONE; the exit code is 7.
+// wait-for GO DONE: writes to both channels, waits for the file GO, writes to both channels again,
+// and writes its process ID to the file DONE; the exit code is 7.
 int waitForFile(const std::string& go, const std::string& done)
 {
     writeAll(STDOUT_FILENO, "early output");
@@ -149,7 +149,7 @@ int waitForFile(const std::string& go, const std::string& done)
 
 int main(int argc, char* argv[])
 {
-    // It does not outlive for long a test that was killed.
+    // The program ends soon after a test that was killed.
     alarm(60);
     const Arguments arguments(argv, argv + argc);
     const std::string command = argc > 1 ? arguments[1] : std::string();
@@ -184,6 +184,6 @@ int main(int argc, char* argv[])
     if (command == "wait-for" && argc == 4) {
         return waitForFile(arguments[2], arguments[3]);
     }
-    // Without a command it ends well: it was started, that was all.
+    // Without a command the program succeeds: starting it is all that was requested.
     return argc == 1 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -20,9 +20,9 @@ namespace {
 const char* const signature =
     "int QProcessHandler::startProcess(const QString&, const QStringList&)";
 
-// Long enough for the test program to start and to write, even on a busy machine.
+// Long enough for the test program to start and write, even on a busy machine.
 constexpr int shortTimeoutInMs = 300;
-// What only a hang can exceed.
+// Only a hang exceeds this time.
 constexpr int hangInMs = 20000;
 
 QString testProgram()
@@ -49,20 +49,20 @@ int openDescriptors()
         .size();
 }
 
-// Whether this process has any child, be it a zombie.
+// Whether this process has any child, including zombies.
 bool hasChildren()
 {
     siginfo_t info;
     return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0;
 }
 
-// Keeps a program from being loaded, by a lease on its file, until it is released.
+// Delays the loading of a program, by a lease on its file, until release().
 class HeldProgram
 {
 public:
     explicit HeldProgram(const QString& filePath)
         : m_descriptor(open(QFile::encodeName(filePath).constData(), O_RDONLY | O_CLOEXEC))
-        // The signal that asks for the lease back.
+        // The signal with which the kernel recalls the lease.
         , m_previousHandler(std::signal(SIGIO, SIG_IGN))
         , m_isHeld(fcntl(m_descriptor, F_SETLEASE, F_WRLCK) == 0)
     {
@@ -85,7 +85,7 @@ private:
     bool m_isHeld;
 };
 
-// The fields as the binary interface promises them.
+// The fields that the binary interface guarantees.
 struct Layout
 {
     virtual ~Layout() = default;
@@ -111,8 +111,8 @@ private Q_SLOTS:
     void defaultTimeouts();
 
     void exitCodes();
-    void deathBySignal_data();
-    void deathBySignal();
+    void terminationBySignal_data();
+    void terminationBySignal();
     void outputIsDecoded_data();
     void outputIsDecoded();
     void outputIsUtf8InEveryLocale();
@@ -124,7 +124,7 @@ private Q_SLOTS:
 
     void programThatCannotBeStarted_data();
     void programThatCannotBeStarted();
-    void noProgramAtAll();
+    void emptyProgramName();
     void missingWorkingDirectory();
     void missingStandardInputFile();
     void startTimeout();
@@ -133,24 +133,24 @@ private Q_SLOTS:
     void finishTimeoutShowsArguments_data();
     void finishTimeoutShowsArguments();
     void outputAfterATimeoutIsKept();
-    void finishTimeoutOfNothing();
-    void negativeTimeoutsAreNone();
+    void finishTimeoutOfZero();
+    void negativeTimeoutsNeverExpire();
     void secondStartWaitsForTheFirstProgram();
     void secondStartTimesOutOnTheFirstProgram();
-    void startAfterALateEnd();
+    void startAfterTheLateEndOfAProgram();
 
     void standardInputStaysOpen();
     void settingsPersist();
-    void settingsCanBeTakenBack();
+    void settingsCanBeReset();
     void resultsAreClearedByTheNextRun();
     void resultsAreClearedWhileTheProgramRuns();
-    void clearLastStatesAlone();
-    void saveLastStatesAlone();
+    void clearLastStatesClearsResults();
+    void saveLastStatesKeepsTheExitStatus();
     void saveLastStatesBeforeTheFirstRun();
 
     void destructionKillsTheProgram();
-    void destructionKillsAProgramThatStarts();
-    void thousandRunsLeaveNothingBehind();
+    void destructionKillsAStartingProgram();
+    void thousandRunsLeakNothing();
 
 private:
     void expectWarning(const QString& text)
@@ -173,12 +173,12 @@ private:
         }
     }
 
-    // The arguments of a program that waits for release(), and leaves a file when it ends.
+    // The arguments of a program that waits for release() and creates a file when it ends.
     QStringList waiting() const { return {"wait-for", path("go"), path("done")}; }
 
     void release() const { writeFile("go", QByteArray()); }
 
-    // Starts the waiting program and sees the time-out.
+    // Starts the waiting program and expects a timeout.
     void startWaiting(QProcessHandler& handler)
     {
         handler.setWaitForFinishedTimeout(shortTimeoutInMs);
@@ -196,7 +196,7 @@ void tst_QProcessHandler::beforeTheFirstRun()
     QCOMPARE(handler.getLastExitStatus(), 1);
 }
 
-// 30 seconds are too long to be waited for; they are read where they are kept.
+// 30 seconds are too long to wait, so the test reads the fields.
 void tst_QProcessHandler::defaultTimeouts()
 {
     QProcessHandler handler;
@@ -217,14 +217,14 @@ void tst_QProcessHandler::exitCodes()
 {
     QProcessHandler handler;
     for (int exitCode = 0; exitCode <= 255; ++exitCode) {
-        // The shell begins sooner than the test program.
+        // The shell starts faster than the test program.
         QCOMPARE(handler.startProcess("/bin/sh", {"-c", QStringLiteral("exit %1").arg(exitCode)}),
                  exitCode);
         QCOMPARE(handler.getLastExitStatus(), 0);
     }
 }
 
-void tst_QProcessHandler::deathBySignal_data()
+void tst_QProcessHandler::terminationBySignal_data()
 {
     QTest::addColumn<int>("signal");
 
@@ -235,12 +235,12 @@ void tst_QProcessHandler::deathBySignal_data()
     QTest::newRow("broken pipe") << SIGPIPE;
 }
 
-void tst_QProcessHandler::deathBySignal()
+void tst_QProcessHandler::terminationBySignal()
 {
     QFETCH(int, signal);
 
     QProcessHandler handler;
-    // The code that QProcess has is the signal.
+    // QProcess returns the signal as exit code.
     QCOMPARE(handler.startProcess(testProgram(), {"signal", QString::number(signal)}), signal);
     QCOMPARE(handler.getLastExitStatus(), 1);
     QVERIFY(handler.getStandardOutput().isNull());
@@ -255,11 +255,11 @@ void tst_QProcessHandler::outputIsDecoded_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("nothing") << QByteArray() << QString();
+    QTest::newRow("no output") << QByteArray() << QString();
     QTest::newRow("text") << QByteArray("one\ntwo\n") << "one\ntwo\n";
     QTest::newRow("carriage returns") << QByteArray("one\r\n") << "one\r\n";
     QTest::newRow("zero byte") << QByteArray("a\0b", 3) << "a";
-    QTest::newRow("zero byte first") << QByteArray("\0b", 2) << "";
+    QTest::newRow("leading zero byte") << QByteArray("\0b", 2) << "";
     QTest::newRow("UTF-8") << QByteArray("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80")
                            << QStringLiteral("\u00e4\u20ac\U0001f600");
     QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfone") << "one";
@@ -292,7 +292,7 @@ void tst_QProcessHandler::outputIsUtf8InEveryLocale()
     QTextCodec* const before = QTextCodec::codecForLocale();
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
     QProcessHandler handler;
-    // The program's own path is encoded with that codec, too; it may hold more than ASCII.
+    // That codec also encodes the program's path, which may contain non-ASCII characters.
     const int exitCode = handler.startProcess(QFile::decodeName(program),
                                               {"write", hex("\xc3\xa4"), hex("\xc3\xb6")});
     QTextCodec::setCodecForLocale(before);
@@ -332,7 +332,7 @@ void tst_QProcessHandler::argumentsArriveUnchanged_data()
     QTest::addColumn<QStringList>("arguments");
 
     QTest::newRow("none") << QStringList();
-    QTest::newRow("blanks") << QStringList{"a b", " c  ", "\t\n"};
+    QTest::newRow("spaces") << QStringList{"a b", " c  ", "\t\n"};
     QTest::newRow("quotation marks") << QStringList{"\"a\"", "'b c'", "\\\""};
     QTest::newRow("empty") << QStringList{QString(), "a", ""};
     QTest::newRow("shell syntax") << QStringList{"$HOME", "*", ";exit 1", "~"};
@@ -370,10 +370,10 @@ void tst_QProcessHandler::programThatCannotBeStarted_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("shownArguments");
 
-    // A relative program is one in the row's folder.
+    // A relative path is relative to the row's directory.
     QTest::newRow("unknown") << "/nowhere/to/be/found" << QByteArray() << QStringList{"a", "b c"}
                              << "a b c";
-    QTest::newRow("unknown in the path")
+    QTest::newRow("unknown in PATH")
         << "no-such-program-in-the-path" << QByteArray() << QStringList() << QString();
     QTest::newRow("quotation marks in the arguments")
         << "/nowhere" << QByteArray() << QStringList{"\"a\""} << "\\\"a\\\"";
@@ -412,17 +412,17 @@ void tst_QProcessHandler::programThatCannotBeStarted()
     QVERIFY(timer.elapsed() < hangInMs);
     QVERIFY(handler.getStandardOutput().isNull());
     QVERIFY(handler.getStandardError().isNull());
-    // QProcess knows of no crash.
+    // QProcess does not report this as a crash.
     QCOMPARE(handler.getLastExitStatus(), 0);
 
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), "4"}), 4);
 }
 
-void tst_QProcessHandler::noProgramAtAll()
+void tst_QProcessHandler::emptyProgramName()
 {
     const QString warning = warningText("Timeout on starting command ", QString(), "a");
     QProcessHandler handler;
-    // QProcess turns it down before it opens anything to read from.
+    // QProcess rejects the empty name before it opens its channels.
     expectNotOpen(2);
     expectWarning(warning);
     expectNotOpen(2);
@@ -431,7 +431,7 @@ void tst_QProcessHandler::noProgramAtAll()
     QVERIFY(handler.getStandardError().isNull());
     QCOMPARE(handler.getLastExitStatus(), 0);
 
-    // Nothing started, so QProcess still has the exit status of the run before.
+    // Nothing was started, so QProcess keeps the exit status of the previous run.
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("signal"), "9"}), 9);
     expectWarning(warning);
     QCOMPARE(handler.startProcess(QString(), {QStringLiteral("a")}), -1);
@@ -490,7 +490,7 @@ void tst_QProcessHandler::startTimeout()
     QVERIFY(handler.getStandardError().isNull());
     QCOMPARE(handler.getLastExitStatus(), 0);
 
-    // It still starts, so no other one can.
+    // The program is still starting, so no other can be started.
     handler.setWaitForStartedTimeout(0);
     messages().expect(QtWarningMsg, "QProcess::start: Process is already running");
     expectWarning(warningText(text, "other", QString()));
@@ -508,7 +508,7 @@ void tst_QProcessHandler::startTimeout()
     QCOMPARE(handler.startProcess(program, {QStringLiteral("exit"), "6"}), 6);
 }
 
-void tst_QProcessHandler::destructionKillsAProgramThatStarts()
+void tst_QProcessHandler::destructionKillsAStartingProgram()
 {
     const QString program = path("program");
     QVERIFY(QFile::copy(testProgram(), program));
@@ -537,12 +537,12 @@ void tst_QProcessHandler::finishTimeout()
     startWaiting(handler);
     QVERIFY(timer.elapsed() >= shortTimeoutInMs);
     QVERIFY(timer.elapsed() < hangInMs);
-    // The warning has taken the output.
+    // The warning consumed the output.
     QVERIFY(handler.getStandardOutput().isNull());
     QVERIFY(handler.getStandardError().isNull());
     QCOMPARE(handler.getLastExitStatus(), 0);
 
-    // The program runs on.
+    // The program is still running.
     QVERIFY(!QFile::exists(done));
     QVERIFY(hasChildren());
     release();
@@ -586,7 +586,7 @@ void tst_QProcessHandler::outputAfterATimeoutIsKept()
     QCOMPARE(handler.getLastExitStatus(), 0);
 }
 
-void tst_QProcessHandler::finishTimeoutOfNothing()
+void tst_QProcessHandler::finishTimeoutOfZero()
 {
     expectWarning(warningText("Timeout from command ", testProgram(), "echo"));
     expectDestroyedWhileRunning();
@@ -595,7 +595,7 @@ void tst_QProcessHandler::finishTimeoutOfNothing()
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), -1);
 }
 
-void tst_QProcessHandler::negativeTimeoutsAreNone()
+void tst_QProcessHandler::negativeTimeoutsNeverExpire()
 {
     QProcessHandler handler;
     handler.setWaitForStartedTimeout(-1);
@@ -614,7 +614,7 @@ void tst_QProcessHandler::secondStartWaitsForTheFirstProgram()
     release();
     handler.setWaitForFinishedTimeout(hangInMs);
     messages().expect(QtWarningMsg, "QProcess::start: Process is already running");
-    // Code and output of the first one.
+    // Exit code and output are those of the first program.
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), "3"}), 7);
     QCOMPARE(handler.getStandardOutput(), QStringLiteral("late output"));
     QCOMPARE(handler.getStandardError(), QStringLiteral("late error"));
@@ -631,15 +631,15 @@ void tst_QProcessHandler::secondStartTimesOutOnTheFirstProgram()
     startWaiting(handler);
     handler.setWaitForFinishedTimeout(50);
     messages().expect(QtWarningMsg, "QProcess::start: Process is already running");
-    // It names the second one, which was never started.
+    // The warning names the second program, which was never started.
     expectWarning(warningText("Timeout from command ", "other", "a b"));
     QCOMPARE(handler.startProcess("other", {"a", "b"}), -1);
     QCOMPARE(handler.getLastExitStatus(), 0);
     expectDestroyedWhileRunning();
 }
 
-// What a program writes between two runs belongs to neither.
-void tst_QProcessHandler::startAfterALateEnd()
+// Output between two runs belongs to neither.
+void tst_QProcessHandler::startAfterTheLateEndOfAProgram()
 {
     QProcessHandler handler;
     startWaiting(handler);
@@ -652,7 +652,7 @@ void tst_QProcessHandler::startAfterALateEnd()
     QVERIFY(handler.getStandardError().isNull());
 }
 
-// A program that reads to the end never gets there.
+// A program that reads standard input to the end never gets there.
 void tst_QProcessHandler::standardInputStaysOpen()
 {
     QProcessHandler handler;
@@ -685,7 +685,7 @@ void tst_QProcessHandler::settingsPersist()
     expectDestroyedWhileRunning();
 }
 
-void tst_QProcessHandler::settingsCanBeTakenBack()
+void tst_QProcessHandler::settingsCanBeReset()
 {
     QProcessHandler handler;
     handler.setWorkingDirectory(folder());
@@ -714,7 +714,7 @@ void tst_QProcessHandler::resultsAreClearedByTheNextRun()
     QVERIFY(handler.getStandardError().isNull());
 }
 
-// A message handler sees a run that has not ended.
+// The message handler is called before the run has ended.
 void tst_QProcessHandler::resultsAreClearedWhileTheProgramRuns()
 {
     QProcessHandler handler;
@@ -732,7 +732,7 @@ void tst_QProcessHandler::resultsAreClearedWhileTheProgramRuns()
     QCOMPARE(calls, 1);
 }
 
-void tst_QProcessHandler::clearLastStatesAlone()
+void tst_QProcessHandler::clearLastStatesClearsResults()
 {
     QProcessHandler handler;
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}), 0);
@@ -742,8 +742,8 @@ void tst_QProcessHandler::clearLastStatesAlone()
     QCOMPARE(handler.getLastExitStatus(), 1);
 }
 
-// The output was read; the exit status is still there.
-void tst_QProcessHandler::saveLastStatesAlone()
+// The output was consumed; the exit status is still available.
+void tst_QProcessHandler::saveLastStatesKeepsTheExitStatus()
 {
     QProcessHandler handler;
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("write"), hex("a"), hex("b")}), 0);
@@ -782,16 +782,16 @@ void tst_QProcessHandler::destructionKillsTheProgram()
         QCOMPARE(kill(processId, 0), 0);
         expectDestroyedWhileRunning();
     }
-    // Not even a zombie.
+    // Not even a zombie is left.
     QCOMPARE(kill(processId, 0), -1);
     QCOMPARE(errno, ESRCH);
     QVERIFY(!hasChildren());
     QCOMPARE(openDescriptors(), descriptors);
 }
 
-void tst_QProcessHandler::thousandRunsLeaveNothingBehind()
+void tst_QProcessHandler::thousandRunsLeakNothing()
 {
-    // Begins sooner than the test program, above all under an emulator.
+    // Starts faster than the test program, especially under an emulator.
     const QString shell = "/bin/sh";
     QProcessHandler handler;
     QCOMPARE(handler.startProcess(shell, {QStringLiteral("-c"), QStringLiteral(":")}), 0);

@@ -13,7 +13,7 @@
 
 namespace {
 
-// How a program in a device root ended, and what it and the launcher wrote.
+// How a program in a device root ended, and the output of it and the launcher.
 struct Result
 {
     QProcess::ExitStatus status = QProcess::CrashExit;
@@ -22,16 +22,16 @@ struct Result
     QByteArray errors;
 };
 
-// What a device's paths look like from a shell.
+// Lists a device's paths in a shell.
 const QByteArray listDevice("for f in /orvalis /orvalis-reboot /etc/rauc; do "
                             "[ -e $f ] && echo $f; done; cat /proc/cmdline");
 
-// The names in the machine's own /, and what of a device it has.
+// The names in / of the machine, and the files of a device that the machine has.
 QStringList machine()
 {
     QStringList entries = QDir("/").entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
-    for (const QString& folder : {QStringLiteral("/orvalis"), QStringLiteral("/etc/rauc")}) {
-        QDirIterator iterator(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+    for (const QString& directory : {QStringLiteral("/orvalis"), QStringLiteral("/etc/rauc")}) {
+        QDirIterator iterator(directory, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
                               QDirIterator::Subdirectories);
         while (iterator.hasNext()) {
             entries.append(iterator.next());
@@ -42,27 +42,27 @@ QStringList machine()
 
 } // namespace
 
-// The launcher that puts a device's files at their real paths.
+// Tests the launcher that provides a device's files at their real paths.
 class tst_DeviceRoot : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void filesStandAtTheirPaths();
-    void whatTheTreeLacksIsMissing();
+    void filesAreAtTheirPaths();
+    void filesMissingInTheTreeDoNotExist();
     void commandLineCanBeChanged();
     void filesOfTheDeviceCanBeChanged();
-    void machineIsUntouched();
-    void twoSideBySide();
-    void restOfTheMachineIsThere();
-    void argumentsAreHandedThrough();
-    void standardInputIsHandedThrough();
-    void exitCodesAreHandedThrough_data();
-    void exitCodesAreHandedThrough();
-    void signalsAreHandedThrough();
-    void currentFolderStays_data();
-    void currentFolderStays();
-    void linksInTheTreeStayLinks();
+    void machineIsNotChanged();
+    void twoDeviceRootsAreIndependent();
+    void restOfTheMachineIsVisible();
+    void argumentsArePassedThrough();
+    void standardInputIsPassedThrough();
+    void exitCodesArePassedThrough_data();
+    void exitCodesArePassedThrough();
+    void signalsArePassedThrough();
+    void workingDirectoryIsKept_data();
+    void workingDirectoryIsKept();
+    void linksInTheTreeAreKept();
     void relativeTree();
     void unusableTree_data();
     void unusableTree();
@@ -71,14 +71,14 @@ private Q_SLOTS:
     void unreadableTree_data();
     void unreadableTree();
     void withoutNamespaces();
-    void withoutAProgramOfTheSystem();
+    void withoutARequiredSystemProgram();
     void testsAreSkippedWithoutNamespaces();
-    void skipIsAFailureInContinuousIntegration_data();
-    void skipIsAFailureInContinuousIntegration();
-    void variableAloneIsNoDeviceRoot();
+    void skipFailsInContinuousIntegration_data();
+    void skipFailsInContinuousIntegration();
+    void variableAloneIsNotADeviceRoot();
 
 private:
-    // The row's folder with an empty tree, and the environment that the test was started with.
+    // Creates an empty tree in the row's directory and restores the test's original environment.
     void prepare();
     bool isAvailable();
     QString writeTreeFile(const QString& name, const QByteArray& content);
@@ -86,14 +86,13 @@ private:
                       const QByteArray& input = QByteArray());
     // Runs a shell command in a device root of the row's tree.
     Result runShell(const QByteArray& command, const QStringList& arguments = QStringList());
-    // Runs a shell command as an ordinary user, with the launcher as "$LAUNCHER", in the row's
-    // folder.
+    // Runs a shell command in the row's directory as an ordinary user; "$LAUNCHER" is the launcher.
     ChildResult runAsOrdinaryUser(const QByteArray& command);
-    // Lets the row's programs find an unshare that fails as it does where namespaces are forbidden.
+    // Makes the row's programs use an unshare that fails as where namespaces are forbidden.
     void forbidNamespaces();
 
     const QString m_launcher = QStringLiteral(MISCTOOLS_DEVICE_ROOT_LAUNCHER);
-    QString m_currentFolder;
+    QString m_currentDirectory;
     QProcessEnvironment m_environment;
 };
 
@@ -101,20 +100,20 @@ private:
     do {                                                                                           \
         prepare();                                                                                 \
         if (!isAvailable()) {                                                                      \
-            MISCTOOLS_SKIP("needs private namespaces, which are not to be had here");              \
+            MISCTOOLS_SKIP("needs private namespaces, which are not available here");              \
         }                                                                                          \
     } while (false)
 
 void tst_DeviceRoot::prepare()
 {
-    m_currentFolder = folder();
+    m_currentDirectory = folder();
     m_environment = QProcessEnvironment::systemEnvironment();
     QVERIFY(QDir(folder()).mkpath("tree"));
 }
 
 bool tst_DeviceRoot::isAvailable()
 {
-    // Asked once, as each start takes a while.
+    // Checked once, because each start takes a while.
     static const bool available = !runShell("true").errors.contains("not available here");
     return available;
 }
@@ -131,7 +130,7 @@ Result tst_DeviceRoot::runProgram(const QString& program, const QStringList& arg
 {
     QProcess process;
     process.setProcessEnvironment(m_environment);
-    process.setWorkingDirectory(m_currentFolder);
+    process.setWorkingDirectory(m_currentDirectory);
     process.start(program, arguments);
     process.write(input);
     process.closeWriteChannel();
@@ -155,7 +154,7 @@ Result tst_DeviceRoot::runShell(const QByteArray& command, const QStringList& ar
 
 ChildResult tst_DeviceRoot::runAsOrdinaryUser(const QByteArray& command)
 {
-    // A checkout may lie where an ordinary user may not look.
+    // An ordinary user may have no access to the checkout.
     const QString launcher = path("launcher");
     if (!QFile::exists(launcher) && !QFile::copy(m_launcher, launcher)) {
         qFatal("cannot copy the launcher");
@@ -164,7 +163,7 @@ ChildResult tst_DeviceRoot::runAsOrdinaryUser(const QByteArray& command)
     chmod(place.constData(), 0755);
     const QByteArray whole = "cd '" + place + "' && LAUNCHER=./launcher && " + command;
     return ChildProcess::runAsOrdinaryUser([&whole] {
-        // As an ordinary user's often is: without the system's own tools.
+        // An ordinary user's PATH often lacks the directories of system tools.
         setenv("PATH", "/usr/bin:/bin", 1);
         execl("/bin/sh", "sh", "-c", whole.constData(), nullptr);
         return 254;
@@ -183,7 +182,7 @@ void tst_DeviceRoot::forbidNamespaces()
                          path("bin") + QLatin1Char(':') + m_environment.value(searchPath));
 }
 
-void tst_DeviceRoot::filesStandAtTheirPaths()
+void tst_DeviceRoot::filesAreAtTheirPaths()
 {
     NEED_NAMESPACES();
     writeTreeFile("orvalis/VersionFile.ini", "version");
@@ -206,7 +205,7 @@ void tst_DeviceRoot::filesStandAtTheirPaths()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_DeviceRoot::whatTheTreeLacksIsMissing()
+void tst_DeviceRoot::filesMissingInTheTreeDoNotExist()
 {
     NEED_NAMESPACES();
     const Result result = runShell(listDevice);
@@ -234,13 +233,13 @@ void tst_DeviceRoot::filesOfTheDeviceCanBeChanged()
         "touch /etc/rauc/system.conf && ls / | grep orvalis; cat /orvalis/*; ls /etc/rauc");
     QCOMPARE(result.errors, QByteArray());
     QCOMPARE(result.output, QByteArray("orvalis\nnew\nsystem.conf\n"));
-    // The tree is a pattern only.
+    // The tree itself is not changed.
     QVERIFY(QFile::exists(reboot));
     QCOMPARE(readFile(version), QByteArray("old"));
     QVERIFY(!QFile::exists(path("tree/etc")));
 }
 
-void tst_DeviceRoot::machineIsUntouched()
+void tst_DeviceRoot::machineIsNotChanged()
 {
     NEED_NAMESPACES();
     writeTreeFile("orvalis/VersionFile.ini", "version");
@@ -257,10 +256,10 @@ void tst_DeviceRoot::machineIsUntouched()
     QCOMPARE(readFile(QStringLiteral("/proc/self/mounts")), mounts);
 }
 
-void tst_DeviceRoot::twoSideBySide()
+void tst_DeviceRoot::twoDeviceRootsAreIndependent()
 {
     NEED_NAMESPACES();
-    // Each says that it is ready, waits for the other, and then looks.
+    // Each program reports that it is ready, waits for the other, and then lists its files.
     const QStringList names{"a", "b"};
     QScopedPointer<QProcess> processes[2];
     for (int i = 0; i < 2; ++i) {
@@ -273,7 +272,7 @@ void tst_DeviceRoot::twoSideBySide()
             m_launcher,
             {path("tree-" + names.at(i)), "sh", "-c",
              QStringLiteral("echo own-%1 >$MISCTOOLS_DEVICE_ROOT/cmdline; mkdir /orvalis; "
-                            "touch /orvalis/%1 /etc/rauc; echo ready; read answer; "
+                            "touch /orvalis/%1 /etc/rauc; echo ready; read line; "
                             "cat /orvalis-reboot /proc/cmdline; ls /orvalis")
                  .arg(names.at(i))});
     }
@@ -290,10 +289,10 @@ void tst_DeviceRoot::twoSideBySide()
     }
 }
 
-void tst_DeviceRoot::restOfTheMachineIsThere()
+void tst_DeviceRoot::restOfTheMachineIsVisible()
 {
     NEED_NAMESPACES();
-    // Every file of / and /etc that an ordinary look finds here is found there too.
+    // Every file of / and /etc on this machine is visible in the device root, too.
     QByteArray expected;
     for (const QString& name : {QStringLiteral("/"), QStringLiteral("/etc")}) {
         const QStringList entries =
@@ -313,7 +312,7 @@ void tst_DeviceRoot::restOfTheMachineIsThere()
     QCOMPARE(result.errors, QByteArray());
 }
 
-void tst_DeviceRoot::argumentsAreHandedThrough()
+void tst_DeviceRoot::argumentsArePassedThrough()
 {
     NEED_NAMESPACES();
     const QStringList arguments{"two  blanks", QString(), "*",       "--inside",
@@ -326,7 +325,7 @@ void tst_DeviceRoot::argumentsAreHandedThrough()
     QCOMPARE(result.output, expected);
 }
 
-void tst_DeviceRoot::standardInputIsHandedThrough()
+void tst_DeviceRoot::standardInputIsPassedThrough()
 {
     NEED_NAMESPACES();
     const QByteArray input(100000, 'x');
@@ -335,7 +334,7 @@ void tst_DeviceRoot::standardInputIsHandedThrough()
     QCOMPARE(result.output, input);
 }
 
-void tst_DeviceRoot::exitCodesAreHandedThrough_data()
+void tst_DeviceRoot::exitCodesArePassedThrough_data()
 {
     QTest::addColumn<int>("code");
     for (const int code : {0, 1, 2, 77, 125, 255}) {
@@ -343,7 +342,7 @@ void tst_DeviceRoot::exitCodesAreHandedThrough_data()
     }
 }
 
-void tst_DeviceRoot::exitCodesAreHandedThrough()
+void tst_DeviceRoot::exitCodesArePassedThrough()
 {
     NEED_NAMESPACES();
     QFETCH(int, code);
@@ -352,51 +351,51 @@ void tst_DeviceRoot::exitCodesAreHandedThrough()
     QCOMPARE(result.exitCode, code);
 }
 
-void tst_DeviceRoot::signalsAreHandedThrough()
+void tst_DeviceRoot::signalsArePassedThrough()
 {
     NEED_NAMESPACES();
-    // One that the program sends to itself ...
+    // A signal that the program sends to itself ...
     const Result result = runShell("kill -KILL $$");
     QCOMPARE(result.status, QProcess::CrashExit);
     QCOMPARE(result.exitCode, SIGKILL);
 
-    // ... and one that the launcher gets.
+    // ... and one that the launcher receives.
     QProcess process;
     process.start(m_launcher, {path("tree"), "sh", "-c",
                                QStringLiteral("trap 'echo caught; exit 9' TERM; echo ready; "
-                                              "while :; do read answer || exit 8; done")});
+                                              "while :; do read line || exit 8; done")});
     QTRY_VERIFY_WITH_TIMEOUT(process.canReadLine(), 30000);
     QCOMPARE(process.readLine(), QByteArray("ready\n"));
     process.terminate();
-    // The shell looks at its signals between two commands.
+    // The shell handles signals between two commands.
     process.write("\n");
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.readAll(), QByteArray("caught\n"));
     QCOMPARE(process.exitCode(), 9);
 }
 
-void tst_DeviceRoot::currentFolderStays_data()
+void tst_DeviceRoot::workingDirectoryIsKept_data()
 {
-    QTest::addColumn<QString>("folderPath"); // null: the row's own
-    QTest::newRow("in a temporary folder") << QString();
+    QTest::addColumn<QString>("directoryPath"); // null: the row's own
+    QTest::newRow("temporary directory") << QString();
     QTest::newRow("root") << "/";
     QTest::newRow("tmp") << "/tmp";
-    QTest::newRow("where the new root is made") << "/mnt";
+    QTest::newRow("where the new root is created") << "/mnt";
     QTest::newRow("the project") << QFileInfo(m_launcher).path();
     QTest::newRow("etc") << "/etc";
 }
 
-void tst_DeviceRoot::currentFolderStays()
+void tst_DeviceRoot::workingDirectoryIsKept()
 {
     NEED_NAMESPACES();
-    QFETCH(QString, folderPath);
-    m_currentFolder = folderPath.isNull() ? folder() : folderPath;
+    QFETCH(QString, directoryPath);
+    m_currentDirectory = directoryPath.isNull() ? folder() : directoryPath;
     const Result result = runShell("pwd");
     QCOMPARE(result.errors, QByteArray());
-    QCOMPARE(result.output, QFile::encodeName(m_currentFolder) + '\n');
+    QCOMPARE(result.output, QFile::encodeName(m_currentDirectory) + '\n');
 }
 
-void tst_DeviceRoot::linksInTheTreeStayLinks()
+void tst_DeviceRoot::linksInTheTreeAreKept()
 {
     NEED_NAMESPACES();
     QVERIFY(QFile::link("/nothing", path("tree/orvalis-reboot")));
@@ -412,7 +411,7 @@ void tst_DeviceRoot::relativeTree()
     NEED_NAMESPACES();
     QVERIFY(QDir(folder()).mkpath("a  tree/-odd"));
     writeFile("a  tree/-odd/orvalis-reboot", "odd");
-    m_currentFolder = path("a  tree");
+    m_currentDirectory = path("a  tree");
     const Result result = runProgram(m_launcher, {"-odd", "cat", "/orvalis-reboot"});
     QCOMPARE(result.errors, QByteArray());
     QCOMPARE(result.output, QByteArray("odd"));
@@ -432,7 +431,7 @@ void tst_DeviceRoot::unusableTree()
     prepare();
     writeFile("file", "x");
     const Result result = runProgram(m_launcher, {tree, "echo", "must not run"});
-    QCOMPARE(result.errors, "device root: there is no folder " + tree.toUtf8() + '\n');
+    QCOMPARE(result.errors, "device root: no such directory: " + tree.toUtf8() + '\n');
     QCOMPARE(result.output, QByteArray());
     QCOMPARE(result.exitCode, 125);
 }
@@ -456,7 +455,7 @@ void tst_DeviceRoot::ordinaryUser()
         "echo \"$PATH\"; echo own >/orvalis/VersionFile.ini; touch /orvalis-reboot; "
         "cat /orvalis/VersionFile.ini; exit 7'");
     if (result.output.contains("not available here")) {
-        MISCTOOLS_SKIP("needs user namespaces, which are root's alone here");
+        MISCTOOLS_SKIP("needs user namespaces, which only root may create here");
     }
     QCOMPARE(result.output, QByteArray("versionquiet\n/usr/bin:/bin\nown\n"));
     QCOMPARE(result.exitCode, 7);
@@ -466,8 +465,9 @@ void tst_DeviceRoot::ordinaryUser()
 void tst_DeviceRoot::unreadableTree_data()
 {
     QTest::addColumn<QString>("file");
-    QTest::newRow("command line is a folder") << QString();
-    // The owner of a file is stopped by nothing inside a device root; root can play another user.
+    QTest::newRow("command line is a directory") << QString();
+    // In a device root nothing denies a file's owner access, so this row needs root, who can run as
+    // another user.
     if (geteuid() == 0) {
         QTest::newRow("no permission") << "orvalis/VersionFile.ini";
     }
@@ -484,7 +484,7 @@ void tst_DeviceRoot::unreadableTree()
     }
     const ChildResult result = runAsOrdinaryUser("\"$LAUNCHER\" tree echo must not run");
     if (result.output.contains("not available here")) {
-        MISCTOOLS_SKIP("needs user namespaces, which are root's alone here");
+        MISCTOOLS_SKIP("needs user namespaces, which only root may create here");
     }
     QVERIFY2(result.output.contains("device root: cannot read the device tree "),
              result.output.constData());
@@ -501,7 +501,7 @@ void tst_DeviceRoot::withoutNamespaces()
 
     const Result result =
         runShell("echo \"$1,${MISCTOOLS_DEVICE_ROOT-none}\"; pwd; exit 7", {"it runs"});
-    // The program runs on the bare machine, and one line says why.
+    // The program runs without a device root, and one line explains why.
     QCOMPARE(result.output, "it runs,none\n" + QFile::encodeName(folder()) + '\n');
     QCOMPARE(result.exitCode, 7);
     QVERIFY2(result.errors.startsWith("device root: not available here; to allow it: "),
@@ -510,10 +510,10 @@ void tst_DeviceRoot::withoutNamespaces()
     QVERIFY(!result.errors.contains("Operation not permitted"));
 }
 
-void tst_DeviceRoot::withoutAProgramOfTheSystem()
+void tst_DeviceRoot::withoutARequiredSystemProgram()
 {
     NEED_NAMESPACES();
-    // Within a device root one of the system's programs can be covered.
+    // Inside a device root a system program can be hidden by a mount.
     const Result result =
         runShell("for file in /usr/sbin/pivot_root /sbin/pivot_root; do\n"
                  "    [ ! -e $file ] || PATH=$PATH:/usr/sbin:/sbin mount --bind /dev/null $file\n"
@@ -530,20 +530,20 @@ void tst_DeviceRoot::withoutAProgramOfTheSystem()
 void tst_DeviceRoot::testsAreSkippedWithoutNamespaces()
 {
     prepare();
-    m_environment.insert("CI", QString()); // set to nothing is not set
+    m_environment.insert("CI", QString()); // an empty value counts as unset
     forbidNamespaces();
     const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
     QCOMPARE(result.exitCode, 0);
     QVERIFY2(result.output.contains("needs the device's fixed paths; run it through "
                                     "script/device-root, where namespaces are allowed"),
              result.output.constData());
-    // The line by which CTest knows a test that skipped something.
+    // The line by which CTest recognizes a test that skipped something.
     const QRegularExpression skipped(QStringLiteral(MISCTOOLS_SKIPPED_EXPRESSION));
     QVERIFY(skipped.isValid());
     QVERIFY2(skipped.match(QString::fromUtf8(result.output)).hasMatch(), result.output.constData());
 }
 
-void tst_DeviceRoot::skipIsAFailureInContinuousIntegration_data()
+void tst_DeviceRoot::skipFailsInContinuousIntegration_data()
 {
     QTest::addColumn<QString>("value");
     for (const char* const value : {"true", "1", "false"}) {
@@ -551,7 +551,7 @@ void tst_DeviceRoot::skipIsAFailureInContinuousIntegration_data()
     }
 }
 
-void tst_DeviceRoot::skipIsAFailureInContinuousIntegration()
+void tst_DeviceRoot::skipFailsInContinuousIntegration()
 {
     QFETCH(QString, value);
     prepare();
@@ -566,18 +566,18 @@ void tst_DeviceRoot::skipIsAFailureInContinuousIntegration()
     QVERIFY(!skipped.match(QString::fromUtf8(result.output)).hasMatch());
 }
 
-void tst_DeviceRoot::variableAloneIsNoDeviceRoot()
+void tst_DeviceRoot::variableAloneIsNotADeviceRoot()
 {
-    // A forgotten variable must not let a test remove the files of a real device.
+    // A leftover variable must not let a test remove the files of a real device.
     const QString commandLine = writeFile("cmdline", "quiet\n");
     qputenv("MISCTOOLS_DEVICE_ROOT", QFile::encodeName(folder()));
-    const ChildResult asked = ChildProcess::run([] { return DeviceRoot::isEntered() ? 1 : 0; });
+    const ChildResult entered = ChildProcess::run([] { return DeviceRoot::isEntered() ? 1 : 0; });
     const ChildResult changed = ChildProcess::run([] {
         DeviceRoot::setCommandLine("changed");
         return 0;
     });
     qunsetenv("MISCTOOLS_DEVICE_ROOT");
-    QCOMPARE(asked.exitCode, 0);
+    QCOMPARE(entered.exitCode, 0);
     QCOMPARE(changed.signal, SIGABRT);
     QCOMPARE(readFile(commandLine), QByteArray("quiet\n"));
 }

@@ -6,25 +6,25 @@
 
 Q_DECLARE_METATYPE(ExpectedMessage)
 
-// The tests' own tools: a recorder that misses a message would make every other test worthless.
+// Tests the test support: a recorder that misses a message would make every other test worthless.
 class tst_TestSupport : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void announcedMessagesPass();
-    void unannouncedMessageIsAProblem();
-    void missingMessageIsAProblem();
-    void differencesAreNamed_data();
-    void differencesAreNamed();
-    void orderMatters();
-    void rowsHaveFreshFolders_data();
-    void rowsHaveFreshFolders();
-    void childProcessReportsItsEnd();
-    void ordinaryUserIsStoppedByPermissions();
+    void expectedMessagesPass();
+    void unexpectedMessageIsReported();
+    void missingMessageIsReported();
+    void differencesAreReported_data();
+    void differencesAreReported();
+    void wrongOrderIsReported();
+    void everyRowHasAFreshDirectory_data();
+    void everyRowHasAFreshDirectory();
+    void childProcessReportsHowItEnded();
+    void permissionsApplyToOrdinaryUser();
 };
 
-void tst_TestSupport::announcedMessagesPass()
+void tst_TestSupport::expectedMessagesPass()
 {
     messages().expect(QtWarningMsg, "first 1");
     messages().expect(QtDebugMsg, "second");
@@ -33,22 +33,21 @@ void tst_TestSupport::announcedMessagesPass()
     QCOMPARE(messages().takeProblems(), QStringList());
 }
 
-void tst_TestSupport::unannouncedMessageIsAProblem()
+void tst_TestSupport::unexpectedMessageIsReported()
 {
     qWarning() << "surprise";
     const QStringList problems = messages().takeProblems();
     QCOMPARE(problems.size(), 1);
-    QVERIFY(problems.first().startsWith(QLatin1String("not announced: warning <surprise>")));
+    QVERIFY(problems.first().startsWith(QLatin1String("unexpected: warning <surprise>")));
 }
 
-void tst_TestSupport::missingMessageIsAProblem()
+void tst_TestSupport::missingMessageIsReported()
 {
     messages().expect(QtCriticalMsg, "promise");
-    QCOMPARE(messages().takeProblems(),
-             QStringList("announced and never came: critical <promise>"));
+    QCOMPARE(messages().takeProblems(), QStringList("expected but not logged: critical <promise>"));
 }
 
-void tst_TestSupport::differencesAreNamed_data()
+void tst_TestSupport::differencesAreReported_data()
 {
     QTest::addColumn<ExpectedMessage>("expected");
     QTest::addColumn<QString>("problem");
@@ -67,14 +66,14 @@ void tst_TestSupport::differencesAreNamed_data()
 #endif
     QTest::newRow("category") << ExpectedMessage(QtWarningMsg, text).category("other")
                               << "category is <default> instead of <other>";
-    QTest::newRow("all pinned, all right") << ExpectedMessage(QtWarningMsg, text)
-                                                  .file("Source")
-                                                  .function("void f()")
-                                                  .category("default")
-                                           << QString();
+    QTest::newRow("all specified and equal") << ExpectedMessage(QtWarningMsg, text)
+                                                    .file("Source")
+                                                    .function("void f()")
+                                                    .category("default")
+                                             << QString();
 }
 
-void tst_TestSupport::differencesAreNamed()
+void tst_TestSupport::differencesAreReported()
 {
     QFETCH(ExpectedMessage, expected);
     QFETCH(QString, problem);
@@ -86,7 +85,7 @@ void tst_TestSupport::differencesAreNamed()
     QCOMPARE(expected.difference(taken.first()), problem);
 }
 
-void tst_TestSupport::orderMatters()
+void tst_TestSupport::wrongOrderIsReported()
 {
     messages().expect(QtWarningMsg, "a");
     messages().expect(QtWarningMsg, "b");
@@ -95,28 +94,28 @@ void tst_TestSupport::orderMatters()
     QCOMPARE(messages().takeProblems().size(), 2);
 }
 
-void tst_TestSupport::rowsHaveFreshFolders_data()
+void tst_TestSupport::everyRowHasAFreshDirectory_data()
 {
     QTest::addColumn<int>("row");
     QTest::newRow("first") << 1;
     QTest::newRow("second") << 2;
 }
 
-void tst_TestSupport::rowsHaveFreshFolders()
+void tst_TestSupport::everyRowHasAFreshDirectory()
 {
     QVERIFY(QDir(folder()).isEmpty());
     QCOMPARE(readFile(writeFile(QStringLiteral("left-over"), "content")), QByteArray("content"));
 }
 
-void tst_TestSupport::childProcessReportsItsEnd()
+void tst_TestSupport::childProcessReportsHowItEnded()
 {
     const ChildResult exited = ChildProcess::run([] {
-        fprintf(stderr, "to be seen");
+        fprintf(stderr, "visible");
         return 7;
     });
     QVERIFY(exited.exited);
     QCOMPARE(exited.exitCode, 7);
-    QCOMPARE(exited.output, QByteArray("to be seen"));
+    QCOMPARE(exited.output, QByteArray("visible"));
 
     const ChildResult killed = ChildProcess::run([] {
         raise(SIGKILL);
@@ -126,7 +125,7 @@ void tst_TestSupport::childProcessReportsItsEnd()
     QCOMPARE(killed.signal, SIGKILL);
 }
 
-void tst_TestSupport::ordinaryUserIsStoppedByPermissions()
+void tst_TestSupport::permissionsApplyToOrdinaryUser()
 {
     const QByteArray secret = writeFile("secret", "x").toLocal8Bit();
     QVERIFY(QFile::setPermissions(QString::fromLocal8Bit(secret), QFileDevice::Permissions()));

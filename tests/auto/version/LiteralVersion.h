@@ -6,14 +6,14 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// The warnings of getters that the format of a version has no part for.
+// The warnings of getters for parts that the version's format does not have.
 constexpr char onlyOldTest[] = "Test index exist only in old version.";
 constexpr char onlyNewPatch[] = "Patch version exist only in new version.";
 constexpr char onlyNewBuild[] = "Build number exist only in new version.";
 constexpr char onlyNewHash[] = "Git hash exist only in new version.";
 
 /*
- * The rules, written down as plainly as they are stated, and the warnings that come with them.
+ * A simple implementation of the rules of VersionManager and of its warnings.
  */
 struct LiteralVersion
 {
@@ -31,11 +31,11 @@ struct LiteralVersion
     void readOld(const QString& version);
     void readNew(const QString& version);
 
-    // The warnings of the getters, in the order in which componentsOf() asks them.
+    // The warnings of the getters, in the order in which componentsOf() calls them.
     void warnAsGetters() const;
 };
 
-// What is compared: every component, a null one told apart from an empty one.
+// Every component for comparison; null and empty are distinguished.
 QStringList componentsOf(const LiteralVersion& version);
 QStringList componentsOf(const VersionManager& version);
 

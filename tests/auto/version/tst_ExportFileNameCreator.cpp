@@ -18,8 +18,8 @@ namespace {
 
 const QString filePath = "/etc/rauc/system.conf";
 
-// The local time as a name shows it; by the C library alone. (Not by time(), whose clock may lag
-// behind at the turn of a second.)
+// The local time in the format of a name, from the C library. (Not from time(), whose coarse clock
+// may lag at the turn of a second.)
 QString localTime()
 {
     const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
@@ -30,7 +30,7 @@ QString localTime()
     return QString::fromLatin1(text);
 }
 
-// The time in a name between what must stand before and after it; null when that is not there.
+// The time between the expected start and end of a name; null if the name does not match them.
 QString timeIn(const QString& name, const QString& before, const QString& after)
 {
     if (!name.startsWith(before) || !name.endsWith(after)) {
@@ -51,17 +51,17 @@ class tst_ExportFileNameCreator : public TestCase
 
 private Q_SLOTS:
     void destructorIsVirtual();
-    void form();
+    void nameFormat();
     void extension_data();
     void extension();
     void deviceIndex_data();
     void deviceIndex();
     void deviceIndexMissing();
-    void deviceIndexIsReadAtEachCall();
-    void localTimeIsTaken_data();
-    void localTimeIsTaken();
-    void languageDoesNotMatter();
-    void callsInOneSecondAgree();
+    void deviceIndexIsReadByEveryCall();
+    void localTimeIsUsed_data();
+    void localTimeIsUsed();
+    void languageHasNoEffect();
+    void callsWithinOneSecondReturnTheSameName();
     void manyThreads();
 };
 
@@ -70,7 +70,7 @@ void tst_ExportFileNameCreator::destructorIsVirtual()
     QVERIFY(isDestroyedThroughBase<ExportFileNameCreator>());
 }
 
-void tst_ExportFileNameCreator::form()
+void tst_ExportFileNameCreator::nameFormat()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
@@ -87,16 +87,16 @@ void tst_ExportFileNameCreator::extension_data()
     QTest::newRow("plain") << "csv";
     QTest::newRow("empty") << "";
     QTest::newRow("null") << QString();
-    QTest::newRow("first place") << "%1";
-    QTest::newRow("second place") << "%2";
-    QTest::newRow("third place") << "%3";
-    QTest::newRow("all places") << "%1%2%3%4";
+    QTest::newRow("first placeholder") << "%1";
+    QTest::newRow("second placeholder") << "%2";
+    QTest::newRow("third placeholder") << "%3";
+    QTest::newRow("all placeholders") << "%1%2%3%4";
     QTest::newRow("percent signs") << "%%";
-    QTest::newRow("places of the locale") << "%L1";
+    QTest::newRow("locale-aware placeholders") << "%L1";
     QTest::newRow("leading dot") << ".csv";
-    QTest::newRow("what is replaced in the time") << "tar.gz:a-b";
-    QTest::newRow("folder") << "../x";
-    QTest::newRow("other script") << QString(QChar(0x4e2d));
+    QTest::newRow("characters that the time format replaces") << "tar.gz:a-b";
+    QTest::newRow("directory") << "../x";
+    QTest::newRow("non-Latin script") << QString(QChar(0x4e2d));
 }
 
 void tst_ExportFileNameCreator::extension()
@@ -145,7 +145,7 @@ void tst_ExportFileNameCreator::deviceIndexMissing()
     QVERIFY2(name.startsWith(QLatin1String("V0_")), qPrintable(name));
 }
 
-void tst_ExportFileNameCreator::deviceIndexIsReadAtEachCall()
+void tst_ExportFileNameCreator::deviceIndexIsReadByEveryCall()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     for (const char index : {'3', '4'}) {
@@ -155,19 +155,19 @@ void tst_ExportFileNameCreator::deviceIndexIsReadAtEachCall()
     }
 }
 
-void tst_ExportFileNameCreator::localTimeIsTaken_data()
+void tst_ExportFileNameCreator::localTimeIsUsed_data()
 {
     QTest::addColumn<QByteArray>("zone");
 
     QTest::newRow("UTC") << QByteArray("UTC0");
     QTest::newRow("east") << QByteArray("<+0545>-05:45");
     QTest::newRow("west") << QByteArray("<-0930>+09:30");
-    // Whatever the time of the year: there is always summer in one of the two.
-    QTest::newRow("summer in July") << QByteArray("CET-1CEST,M3.5.0,M10.5.0/3");
-    QTest::newRow("summer in January") << QByteArray("NZST-12NZDT,M9.5.0,M4.1.0/3");
+    // DST is in effect in one of the two zones at any time of the year.
+    QTest::newRow("DST in July") << QByteArray("CET-1CEST,M3.5.0,M10.5.0/3");
+    QTest::newRow("DST in January") << QByteArray("NZST-12NZDT,M9.5.0,M4.1.0/3");
 }
 
-void tst_ExportFileNameCreator::localTimeIsTaken()
+void tst_ExportFileNameCreator::localTimeIsUsed()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, zone);
@@ -182,12 +182,12 @@ void tst_ExportFileNameCreator::localTimeIsTaken()
              qPrintable(QStringLiteral("%1 <= %2 <= %3").arg(earliest, time, latest)));
 }
 
-void tst_ExportFileNameCreator::languageDoesNotMatter()
+void tst_ExportFileNameCreator::languageHasNoEffect()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     DeviceRoot::writeFile(filePath, "[system]\ncompatible=12345\n");
     const QLocale previous;
-    // Has digits and a thousands separator of its own.
+    // A locale with its own digits and thousands separator.
     QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
     const QString earliest = localTime();
     const QString name = ExportFileNameCreator::create("csv");
@@ -197,7 +197,7 @@ void tst_ExportFileNameCreator::languageDoesNotMatter()
     QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
 }
 
-void tst_ExportFileNameCreator::callsInOneSecondAgree()
+void tst_ExportFileNameCreator::callsWithinOneSecondReturnTheSameName()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");

@@ -6,16 +6,17 @@
 
 #include <type_traits>
 
-// Applications may derive from it and destroy it through the base.
+// Applications may derive from the class and delete objects through a base pointer.
 static_assert(std::is_polymorphic<VersionManager>::value, "has virtual functions");
-static_assert(std::has_virtual_destructor<VersionManager>::value, "may be derived from");
+static_assert(std::has_virtual_destructor<VersionManager>::value,
+              "may be deleted through a base pointer");
 static_assert(std::is_constructible<VersionManager, const QString&>::value, "takes a version");
 static_assert(std::is_copy_constructible<VersionManager>::value &&
                   std::is_copy_assignable<VersionManager>::value,
               "is a value");
 static_assert(std::is_same<decltype(&VersionManager::getRegularExpressionVersion),
                            const QString& (*)()>::value,
-              "is static and gives a reference");
+              "is static and returns a reference");
 
 namespace {
 
@@ -43,24 +44,24 @@ QString anyNumber(QRandomGenerator& random)
     return number;
 }
 
-// Something like a version: numbers between dots, with what may stand before and behind.
+// A text similar to a version: numbers separated by dots, with a random prefix and suffix.
 QString versionLike(QRandomGenerator& random)
 {
     static const char* const before[] = {"", "", "V", "V", "v", "VV", "x", " ", "a b", "-", "V "};
-    static const char* const behind[] = {"", "", "-", "-", "--", " ", "x", "\n", " - "};
+    static const char* const suffixes[] = {"", "", "-", "-", "--", " ", "x", "\n", " - "};
     static const int dotCounts[] = {0, 1, 2, 2, 2, 2, 3, 4, 4, 4, 5, 6};
     QString version = QLatin1String(pick(random, before)) + anyNumber(random);
     for (int dots = pick(random, dotCounts); dots > 0; --dots) {
         version += QLatin1Char('.') + anyNumber(random);
     }
-    version += QLatin1String(pick(random, behind)) + anyNumber(random);
+    version += QLatin1String(pick(random, suffixes)) + anyNumber(random);
     if (random.bounded(3) == 0) {
-        version += QLatin1String(pick(random, behind)) + "g1a2b";
+        version += QLatin1String(pick(random, suffixes)) + "g1a2b";
     }
     return version;
 }
 
-// No matter what, with many dots.
+// Random text with many dots.
 QString scramble(QRandomGenerator& random)
 {
     static const QString pieces[] = {
@@ -115,20 +116,20 @@ private Q_SLOTS:
     void oldFormatWithoutMatch();
     void newFormat_data();
     void newFormat();
-    void otherDotCounts_data();
-    void otherDotCounts();
+    void unsupportedDotCountWarns_data();
+    void unsupportedDotCountWarns();
     void nullVersion();
 
-    void gettersWarnInTheWrongFormat();
+    void gettersOfTheOtherFormatWarn();
     void isOldVersionCountsDots_data();
     void isOldVersionCountsDots();
-    void isOldVersionReadsNoField();
-    void oldStepAlone();
-    void newStepAlone();
+    void isOldVersionIgnoresTheFields();
+    void initializeVersionsOldKeepsOtherParts();
+    void initializeVersionsNewKeepsOtherParts();
     void initializeAgain();
     void copies();
     void expression();
-    void sameAsLiteral();
+    void randomVersionsMatchTheLiteralVersion();
 
 private:
     void expectWarning(const QString& text, const char* signature);
@@ -171,40 +172,40 @@ void tst_VersionManager::oldFormat_data()
     const auto row = [](const char* situation, const char* version, const char* components) {
         QTest::newRow(situation) << QString::fromUtf8(version) << words(components);
     };
-    row("all", "V8.12.3-45", "<8.12.3> <8> <12> <3> <45>");
+    row("all parts", "V8.12.3-45", "<8.12.3> <8> <12> <3> <45>");
     row("leading zeros", "V1.02.03", "<1.02.03> <1> <02> <03> null");
     row("no V", "1.2.3-7", "<1.2.3> <1> <2> <3> <7>");
     row("three digits of test index", "1.2.3-123", "<1.2.3> <1> <2> <3> <123>");
     row("at most three digits of test index", "1.2.3-1234", "<1.2.3> <1> <2> <3> <123>");
     row("dash without a test index", "1.2.3-", "<1.2.3> <1> <2> <3> null");
     row("two dashes", "1.2.3--7", "<1.2.3> <1> <2> <3> null");
-    row("word behind the dash", "1.2.3-rc1", "<1.2.3> <1> <2> <3> null");
+    row("word after the dash", "1.2.3-rc1", "<1.2.3> <1> <2> <3> null");
     row("test index without a dash", "1.2.345", "<1.2.34> <1> <2> <34> <5>");
     row("many digits without a dash", "1.2.3456789", "<1.2.34> <1> <2> <34> <567>");
     row("two digits and a test index", "1.22.33-444", "<1.22.33> <1> <22> <33> <444>");
-    row("blank before the test index", "1.2.3 -4", "<1.2.3> <1> <2> <3> null");
+    row("space before the test index", "1.2.3 -4", "<1.2.3> <1> <2> <3> null");
     row("long base number", "123456.2.3", "<123456.2.3> <123456> <2> <3> null");
-    row("base number is any run without blanks", "x1.2.3", "<x1.2.3> <x1> <2> <3> null");
-    row("small v", "v1.2.3", "<v1.2.3> <v1> <2> <3> null");
-    row("two V: the second is the base number's", "VV1.2.3", "<V1.2.3> <V1> <2> <3> null");
+    row("base number is any text without spaces", "x1.2.3", "<x1.2.3> <x1> <2> <3> null");
+    row("lowercase v", "v1.2.3", "<v1.2.3> <v1> <2> <3> null");
+    row("two V: the second belongs to the base number", "VV1.2.3", "<V1.2.3> <V1> <2> <3> null");
     row("dashes in the base number", "a-b-1.2.3-4", "<a-b-1.2.3> <a-b-1> <2> <3> <4>");
     row("no base number", ".1.2", "<.1.2> <> <1> <2> null");
     row("V without a base number", "V.1.2", "<.1.2> <> <1> <2> null");
-    row("something behind", "1.2.3x", "<1.2.3> <1> <2> <3> null");
-    row("other scripts in the base number", "\xD9\xA3.2.3",
+    row("trailing letter", "1.2.3x", "<1.2.3> <1> <2> <3> null");
+    row("non-Latin script in the base number", "\xD9\xA3.2.3",
         "<\xD9\xA3.2.3> <\xD9\xA3> <2> <3> null");
-    row("other script's test index", "1.2.3-\xD9\xA3", "<1.2.3> <1> <2> <3> null");
+    row("non-Latin digits as test index", "1.2.3-\xD9\xA3", "<1.2.3> <1> <2> <3> null");
 
-    // The first place that matches counts, wherever it stands.
-    row("words before", "Release V1.2.3-4", "<1.2.3> <1> <2> <3> <4>");
-    row("words behind", "1.2.3-4 of today", "<1.2.3> <1> <2> <3> <4>");
-    row("blank in the base number", "1 2.3.4", "<2.3.4> <2> <3> <4> null");
-    row("line feed before", "first\n1.2.3", "<1.2.3> <1> <2> <3> null");
-    row("line feed behind", "1.2.3\n", "<1.2.3> <1> <2> <3> null");
+    // The first match counts, wherever it is.
+    row("leading words", "Release V1.2.3-4", "<1.2.3> <1> <2> <3> <4>");
+    row("trailing words", "1.2.3-4 of today", "<1.2.3> <1> <2> <3> <4>");
+    row("space in the base number", "1 2.3.4", "<2.3.4> <2> <3> <4> null");
+    row("leading line feed", "first\n1.2.3", "<1.2.3> <1> <2> <3> null");
+    row("trailing line feed", "1.2.3\n", "<1.2.3> <1> <2> <3> null");
     row("line feed before the test index", "1.2.3\n-4", "<1.2.3> <1> <2> <3> null");
-    row("tabulator before", "\t1.2.3", "<1.2.3> <1> <2> <3> null");
+    row("leading tab", "\t1.2.3", "<1.2.3> <1> <2> <3> null");
 
-    // Without Unicode properties only ASCII blanks are blanks.
+    // Without Unicode properties only ASCII white space counts.
     QTest::newRow("no-break space in the base number")
         << QStringLiteral("a\u00A0b.1.2")
         << QStringList({QStringLiteral("<a\u00A0b.1.2>"), QStringLiteral("<a\u00A0b>"), "<1>",
@@ -238,15 +239,15 @@ void tst_VersionManager::oldFormatWithoutMatch_data()
     row("only dots", "..");
     row("no minor index", "1.2.");
     row("no major index", "1..2");
-    row("blank in the major index", "1.2 .3");
-    row("blank before the minor index", "1.2. 3");
-    row("dash for a dot", "1.2-3.");
+    row("space in the major index", "1.2 .3");
+    row("space before the minor index", "1.2. 3");
+    row("dash instead of a dot", "1.2-3.");
     row("negative minor index", "1.2.-3");
     row("Arabic-Indic digit", QStringLiteral("1.\u0663.4"));
     row("fullwidth digit", QStringLiteral("1.2.\uFF13"));
     QTest::newRow("line feed between the parts") << "1.2\n.3"
                                                  << "1.2\\n.3";
-    // Half a surrogate pair makes the whole text unreadable for the expression.
+    // With half a surrogate pair the expression cannot match the text at all.
     QTest::newRow("half a surrogate pair")
         << QChar(0xD800) + QStringLiteral(" 1.2.3") << QStringLiteral("\\uD800 1.2.3");
 }
@@ -270,26 +271,27 @@ void tst_VersionManager::newFormat_data()
     const auto row = [](const char* situation, const char* version, const char* components) {
         QTest::newRow(situation) << QString::fromUtf8(version) << words(components);
     };
-    row("all", "8.100.2.7.1234-g1a2b3c", "<8.100.2.7.1234> <8> <100> <2> <7> <1234> <g1a2b3c>");
+    row("all parts", "8.100.2.7.1234-g1a2b3c",
+        "<8.100.2.7.1234> <8> <100> <2> <7> <1234> <g1a2b3c>");
     row("no git hash", "1.2.3.4.5", "<1.2.3.4.5> <1> <2> <3> <4> <5> null");
     row("dash without a git hash", "1.2.3.4.5-", "<1.2.3.4.5> <1> <2> <3> <4> <5> null");
     row("dash in the git hash", "1.2.3.4.5-abc-def", "<1.2.3.4.5> <1> <2> <3> <4> <5> <abc-def>");
     row("dashes around the git hash", "1.2.3.4.5--a--b-",
         "<1.2.3.4.5> <1> <2> <3> <4> <5> <-a--b->");
-    row("V is the base number's", "V1.2.3.4.5", "<V1.2.3.4.5> <V1> <2> <3> <4> <5> null");
+    row("V belongs to the base number", "V1.2.3.4.5", "<V1.2.3.4.5> <V1> <2> <3> <4> <5> null");
     row("widths are not checked", "1.0222.33333.4.555555555",
         "<1.0222.33333.4.555555555> <1> <0222> <33333> <4> <555555555> null");
     row("letters", "a.b.c.d.e-f", "<a.b.c.d.e> <a> <b> <c> <d> <e> <f>");
     row("only dots", "....", "<....> <> <> <> <> <> null");
     row("only dots and a dash", "....-", "<....> <> <> <> <> <> null");
-    row("dots behind the dash count", "1.2.3-4.5.6", "<1.2.3> <1> <2> <3> null null <4.5.6>");
-    row("all dots behind the dash", "x-1.2.3.4.5", "<x> <x> null null null null <1.2.3.4.5>");
-    row("dash at the front", "-1.2.3.4.5", "<> <> null null null null <1.2.3.4.5>");
+    row("dots after the dash are counted", "1.2.3-4.5.6", "<1.2.3> <1> <2> <3> null null <4.5.6>");
+    row("all dots after the dash", "x-1.2.3.4.5", "<x> <x> null null null null <1.2.3.4.5>");
+    row("leading dash", "-1.2.3.4.5", "<> <> null null null null <1.2.3.4.5>");
     row("negative part", "1.-2.3.4.5", "<1.> <1> <> null null null <2.3.4.5>");
-    row("line feed behind", "1.2.3.4.5\n", "<1.2.3.4.5\n> <1> <2> <3> <4> <5\n> null");
-    row("other script's digits", "\xD9\xA3.2.3.4.5",
+    row("trailing line feed", "1.2.3.4.5\n", "<1.2.3.4.5\n> <1> <2> <3> <4> <5\n> null");
+    row("non-Latin digits", "\xD9\xA3.2.3.4.5",
         "<\xD9\xA3.2.3.4.5> <\xD9\xA3> <2> <3> <4> <5> null");
-    QTest::newRow("blanks are kept")
+    QTest::newRow("spaces are kept")
         << " 1 . 2.3.4.5 - g "
         << QStringList({"< 1 . 2.3.4.5 >", "< 1 >", "< 2>", "<3>", "<4>", "<5 >", "< g >"});
 }
@@ -304,7 +306,7 @@ void tst_VersionManager::newFormat()
     QCOMPARE(componentsOf(manager), QStringList(QStringLiteral("new")) + components);
 }
 
-void tst_VersionManager::otherDotCounts_data()
+void tst_VersionManager::unsupportedDotCountWarns_data()
 {
     QTest::addColumn<QString>("version");
     QTest::addColumn<int>("dots");
@@ -321,16 +323,16 @@ void tst_VersionManager::otherDotCounts_data()
     row("one dot", "1.2", 1, "<1.2> <1> <2> null null null null null");
     row("one dot and git hash", "1.2-3", 1, "<1.2> <1> <2> null null null null <3>");
     row("three dots", "1.2.3.4", 3, "<1.2.3.4> <1> <2> <3> null <4> null null");
-    row("three dots, one behind the dash", "V1.2.3-4.5", 3,
+    row("three dots, one of them after the dash", "V1.2.3-4.5", 3,
         "<V1.2.3> <V1> <2> <3> null null null <4.5>");
     row("five dots: the sixth part is ignored", "1.2.3.4.5.6", 5,
         "<1.2.3.4.5.6> <1> <2> <3> null <4> <5> null");
     row("six dots", "1.2.3.4.5.6.7-8", 6, "<1.2.3.4.5.6.7> <1> <2> <3> null <4> <5> <8>");
-    row("other points are no dots", "a\xE3\x80\x82x", 0,
+    row("similar characters are not dots", "a\xE3\x80\x82x", 0,
         "<a\xE3\x80\x82x> <a\xE3\x80\x82x> null null null null null null");
 }
 
-void tst_VersionManager::otherDotCounts()
+void tst_VersionManager::unsupportedDotCountWarns()
 {
     QFETCH(QString, version);
     QFETCH(int, dots);
@@ -345,16 +347,16 @@ void tst_VersionManager::otherDotCounts()
 
 void tst_VersionManager::nullVersion()
 {
-    // Shown as an empty text, but every component stays null.
+    // The warning shows an empty text, but every component stays null.
     expectWarning("Number of dots 0 in version not allowed: \"\"", dotsSignature);
     const VersionManager manager{QString()};
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new null null null null null null null null"));
 }
 
-void tst_VersionManager::gettersWarnInTheWrongFormat()
+void tst_VersionManager::gettersOfTheOtherFormatWarn()
 {
-    // One at a time, each time anew; the other getters say nothing in either format.
+    // Each of these getters warns on every call; the other getters log nothing in either format.
     const VersionManager oldVersion("V8.12.3-45");
     const VersionManager newVersion("8.100.2.7.1234-g1a2b3c");
     const auto takeOne = [this](const char* text) {
@@ -406,7 +408,7 @@ void tst_VersionManager::isOldVersionCountsDots()
     QCOMPARE(oldVersion.isOldVersion(version), dots == 2);
 }
 
-void tst_VersionManager::isOldVersionReadsNoField()
+void tst_VersionManager::isOldVersionIgnoresTheFields()
 {
     VersionManager oldVersion("1.2.3");
     VersionManager newVersion("1.2.3.4.5");
@@ -427,41 +429,42 @@ void tst_VersionManager::isOldVersionReadsNoField()
     QCOMPARE(componentsOf(newVersion), newComponents);
 }
 
-void tst_VersionManager::oldStepAlone()
+void tst_VersionManager::initializeVersionsOldKeepsOtherParts()
 {
-    // It reads whatever it is given, keeps the decided format, and leaves alone what only the new
-    // format has.
+    // The function parses any text, keeps the detected format, and does not change the parts that
+    // only the new format has.
     VersionManager manager("1.2.3.4.5-g");
     manager.initializeVersionsOld("V6.7.8-9");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <6.7.8> <6> <7> <8> <9> <4> <5> <g>"));
 
-    // The base number takes all that it can.
+    // The base number is as long as possible.
     manager.initializeVersionsOld("1.2.3.4.5-6");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <1.2.3.4.5> <1.2.3> <4> <5> <6> <4> <5> <g>"));
 
-    // A test index that is not there replaces the one before.
+    // A missing test index clears the previous one.
     manager.initializeVersionsOld("1.2.3");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <1.2.3> <1> <2> <3> null <4> <5> <g>"));
 
-    // What does not match changes nothing.
+    // A text that does not match changes nothing.
     expectWarning("Can not convert the following version: \"1.2\"", oldSignature);
     manager.initializeVersionsOld("1.2");
     expectNewGetterWarnings();
     QCOMPARE(componentsOf(manager), words("new <1.2.3> <1> <2> <3> null <4> <5> <g>"));
 }
 
-void tst_VersionManager::newStepAlone()
+void tst_VersionManager::initializeVersionsNewKeepsOtherParts()
 {
-    // It counts no dots, keeps the decided format, and leaves alone what only the old format has.
+    // The function does not count dots, keeps the detected format, and does not change the part
+    // that only the old format has.
     VersionManager manager("1.2.3-45");
     manager.initializeVersionsNew("6.7.8.9.10-g");
     expectOldGetterWarnings();
     QCOMPARE(componentsOf(manager), words("old <6.7.8.9.10> <6> <7> <8> <45> <9> <10> <g>"));
 
-    // Parts that are not there keep what was there before; a git hash does not.
+    // Missing parts keep their previous value, except for the git hash.
     manager.initializeVersionsNew("a.b");
     expectOldGetterWarnings();
     QCOMPARE(componentsOf(manager), words("old <a.b> <a> <b> <8> <45> <9> <10> null"));
@@ -516,7 +519,7 @@ void tst_VersionManager::expression()
     QCOMPARE(&VersionManager::getRegularExpressionVersion(), &text);
 }
 
-void tst_VersionManager::sameAsLiteral()
+void tst_VersionManager::randomVersionsMatchTheLiteralVersion()
 {
     const int versions = rounds(25000);
 

@@ -7,7 +7,7 @@ using namespace Benchmark;
 
 namespace {
 
-// Directories of a hundred files each; each tenth file is an INI file.
+// Directories of a hundred files; every tenth file is an INI file.
 QString tree(int files)
 {
     const QString name = QStringLiteral("tree-%1").arg(files);
@@ -33,7 +33,7 @@ void measureSearch(int files)
         searchFilesOnPathRecursive(root, patterns, result);
         return result;
     };
-    // One by one: a second list would add to the peak of memory.
+    // One by one: a second list would increase the peak memory use.
     const auto check = [&root](const QStringList& result) {
         QDirIterator each(root, patterns, QDir::NoFilter, QDirIterator::Subdirectories);
         for (const QString& name : result) {
@@ -56,7 +56,7 @@ void measureQtWalk(int files)
         }
         return entries;
     };
-    // Each directory, and within it and the root an entry for itself and one for its parent.
+    // Each directory, and in each of them and the root the entries "." and "..".
     const int directories = files / 100;
     measure(walk, patterns.isEmpty() ? files + directories + 2 * (directories + 1) : files / 10);
 }

@@ -13,7 +13,8 @@ namespace {
 constexpr char lineFeed[] = "\n";
 constexpr char carriageReturn[] = "\r\n";
 
-// Sixteen lines a kibibyte. Each hundredth one, the first too, holds what the expression finds.
+// Sixteen lines per kibibyte. Every hundredth line, starting with the first, matches the
+// expression.
 template <const char* lineEnd>
 QString logFile(int bytes)
 {
@@ -64,7 +65,7 @@ void measureReadAll(int bytes)
     measureChecked(load, check);
 }
 
-// The first group of each match, by the library beneath QRegularExpression.
+// The first group of each match, from the library below QRegularExpression.
 QStringList allMatches(const pcre2_code* code, pcre2_match_data* match, const QString& text)
 {
     QStringList result;

@@ -30,7 +30,8 @@ private Q_SLOTS:
             measureChecked(read,
                            [](const HardwareInfo& info) { QCOMPARE(info.Comment(), comment); });
         });
-        // The text is already in memory; the way through a file to the values remains.
+        // The text is already in memory; what remains is writing it to a file and reading the
+        // values.
         rows.add("QTemporaryFile and QSettings", [](int) {
             const auto read = [] {
                 QTemporaryFile file(path(QStringLiteral("text.XXXXXX")));

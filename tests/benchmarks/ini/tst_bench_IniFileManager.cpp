@@ -4,7 +4,7 @@
 #include <KConfig>
 #include <KConfigGroup>
 
-// The converter that the distribution's package is built with.
+// The converter that the distribution's package uses.
 #define SI_CONVERT_ICU
 #include <SimpleIni.h>
 
@@ -48,7 +48,7 @@ void writeKeys(QIODevice& file, int keys)
     }
 }
 
-// One section with this many keys, or none around them.
+// This many keys, in one section or at the top level.
 QString fileWithKeys(int keys, const QByteArray& section = "[Group]\n")
 {
     const QString name = QStringLiteral("%1-keys-%2.ini").arg(keys).arg(section.size());
@@ -58,7 +58,7 @@ QString fileWithKeys(int keys, const QByteArray& section = "[Group]\n")
     });
 }
 
-// Each section has its own number as Position.
+// The Position of each section is its number.
 QString fileWithSections(int sections)
 {
     return file(QStringLiteral("sections-%1.ini").arg(sections), [sections](QIODevice& file) {
@@ -69,8 +69,8 @@ QString fileWithSections(int sections)
     });
 }
 
-// Sections of fifty keys, in a file with forty names. QSettings keeps what it parsed for the thirty
-// files that were closed last, so it only reads a file again under a name not used for a while.
+// Sections of fifty keys, in a file with forty names. QSettings caches the thirty files that were
+// closed last, so it reads a file again only under a name that was not used for a while.
 class FileWithManyNames
 {
 public:
@@ -98,12 +98,12 @@ public:
 private:
     QString name() const { return m_path + QString::number(theNumber % 40); }
 
-    // Common to all: Qt Test calls a test function, which makes such a file, several times.
+    // Shared: Qt Test calls a test function, which creates such a file, several times.
     static inline int theNumber = 0;
     QString m_path;
 };
 
-// The plain way to a value that may be missing.
+// The simple way to read a value that may be missing.
 QVariant listedValue(QSettings& settings, const QString& key)
 {
     QVariant result;
@@ -117,7 +117,7 @@ QVariant listedValue(QSettings& settings, const QString& key)
     return result;
 }
 
-// Before each call the file is copied, which is measured as well.
+// The file is copied before each call; the measurement includes that.
 template <void (*cleanUp)(const QString& filePath)>
 void measureCleanUp(int bytes)
 {
@@ -231,7 +231,7 @@ private Q_SLOTS:
         });
     }
 
-    // Of the last section, so that all are examined.
+    // Reads from the last section, so that all sections are examined.
     void indexedGetter() { runRow(); }
     void indexedGetter_data()
     {

@@ -6,12 +6,12 @@
 #include <initializer_list>
 
 /*
- * The rows of a benchmark: the library, always called "MiscTools", and its peers, which do the same
- * work by other means, at each size. A row is called "CONTENDER" or "CONTENDER, SIZE UNIT".
+ * The rows of a benchmark: at each size, the library, always named "MiscTools", and its peers,
+ * which do the same work by other means. Rows are named "CONTENDER" or "CONTENDER, SIZE UNIT".
  */
 namespace Benchmark {
 
-// Prepares the work for a size, and calls one of the functions below that measure.
+// Prepares the work for a size and calls one of the measuring functions below.
 using Run = void (*)(int size);
 
 } // namespace Benchmark
@@ -53,14 +53,14 @@ inline void runRow()
 constexpr int kibi = 1024;
 constexpr int mebi = 1024 * kibi;
 
-// In a directory that lives as long as the program.
+// In a directory that exists as long as the program runs.
 inline QString path(const QString& name)
 {
     static const QTemporaryDir directory(QDir::tempPath() + QStringLiteral("/bench-XXXXXX"));
     return directory.filePath(name);
 }
 
-// The path of a file there, which write fills unless the file exists.
+// The path of a file in that directory; write creates its content unless the file exists.
 template <typename Write>
 QString file(const QString& name, const Write& write)
 {
@@ -87,8 +87,8 @@ inline QByteArray digest(const QString& filePath, QCryptographicHash::Algorithm 
     return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result() : QByteArray();
 }
 
-// Counts log messages while it lives, and prints none: that would take longer than what is
-// measured.
+// Counts log messages during its lifetime without printing them, which would take longer than the
+// measured work.
 class MessageCounter
 {
 public:
@@ -105,14 +105,14 @@ private:
     QtMessageHandler m_previousHandler;
 };
 
-// Keeps the compiler from omitting the work whose result this is.
+// Keeps the compiler from optimizing away the work with this result.
 template <typename Value>
 void keep(const Value& value)
 {
     asm volatile("" : : "g"(&value) : "memory");
 }
 
-// First, check examines the result of a call with QCOMPARE, and the messages of that call are
+// First, check verifies the result of a call with QCOMPARE, and the messages of that call are
 // counted.
 template <typename Call, typename Check>
 void measureChecked(const Call& call, const Check& check, int messages = 0)
@@ -121,7 +121,7 @@ void measureChecked(const Call& call, const Check& check, int messages = 0)
     check(call());
     QCOMPARE(counter.count, messages);
     if (!QTest::currentTestFailed()) {
-        // So that the heap has what a call frees, whatever the check has allocated.
+        // Leaves the heap as a call leaves it, whatever the check allocated.
         keep(call());
         QBENCHMARK
         {
@@ -137,8 +137,8 @@ void measure(const Call& call, const Result& expected, int messages = 0)
     measureChecked(call, check, messages);
 }
 
-// For a call that takes as little as a round of Qt Test's own loop: rows whose size is a number of
-// calls. The table shows what a single call takes.
+// For a call that is as fast as a round of Qt Test's loop: the size of a row is a number of calls,
+// and the table shows the time of a single call.
 template <typename Call, typename Result>
 void measureCalls(int calls, const Call& call, const Result& expected)
 {

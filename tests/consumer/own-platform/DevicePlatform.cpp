@@ -7,8 +7,8 @@ QString DeviceManifestManager::getProductCode()
     return QString::fromLatin1("640917");
 }
 
-// This device's documents hold one kind of value only, so that a call of these functions differs
-// from a call of the bundled ones.
+// This device's documents contain only one type of value, so that calls of these functions differ
+// from calls of the bundled ones.
 bool readDoubleValueFromJson(const QString&, const QJsonObject&, double& value)
 {
     value = 47.5;

@@ -1,5 +1,4 @@
-// Device software outside the project: it supplies the platform functions, and what it supplies is
-// what the library calls.
+// Device software outside the project: it supplies the platform functions that the library calls.
 
 #include <BootInformationHelper.h>
 #include <DragIndicator.h>
@@ -15,7 +14,7 @@ int main()
     const QJsonArray empty = {QJsonObject(), QJsonObject()};
     const bool read = range.fromJsonArray(empty);
     const double maximum = range.getMaxValue(DragIndicator::DragIndicatorInstances(0));
-    // Without the marker of a soft reset, it is up to the product.
+    // Without the marker of a soft reset, the product code decides.
     const bool hardReset = BootInformationHelper().isHardReset();
     printf("read %d, maximum %g, hard reset %d\n", read, maximum, hardReset);
     return read && maximum == 47.5 && hardReset ? 0 : 1;

@@ -1,4 +1,4 @@
-// Something to make libraries of.
+// A source for the parent project's libraries.
 int support()
 {
     return 0;

@@ -1,4 +1,4 @@
-// A program outside the project: it knows the installed package alone. Writes a value and reads it
+// A program outside the project, which uses only the installed package. It writes a value, reads it
 // back, and reads a record, so that every layer of the library is called.
 
 #include <HardwareInfo.h>
@@ -11,8 +11,8 @@
 
 int main()
 {
-    const QTemporaryDir folder;
-    IniFileManager settings(folder.filePath(QString::fromLatin1("settings.ini")), "UTF-8");
+    const QTemporaryDir directory;
+    IniFileManager settings(directory.filePath(QString::fromLatin1("settings.ini")), "UTF-8");
     settings.setValue(QString::fromLatin1("Net"), QString::fromLatin1("Port"), 8080);
     const int port =
         settings.getValueInteger(QString::fromLatin1("Net"), QString::fromLatin1("Port"), 0);
@@ -20,7 +20,7 @@ int main()
     HardwareInfo board;
     HardwareInfoReader reader(nullptr);
     reader.data2HwInfo("Type=1\nTypeName=Sample board\nVersion=2\nCompatibilityIndex=3\nLP-ID=4\n",
-                       folder.filePath(QString::fromLatin1("record.XXXXXX")), board);
+                       directory.filePath(QString::fromLatin1("record.XXXXXX")), board);
 
     printf("port %d, board <%s>\n", port, qPrintable(board.typeName()));
     return port == 8080 && board.typeName() == QString::fromLatin1("Sample board") ? 0 : 1;
