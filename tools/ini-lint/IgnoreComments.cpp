@@ -12,7 +12,7 @@ namespace {
 
 const int wholeFile = 0;
 
-// Where the line that begins at a position ends.
+// Returns the end of the line that begins at a position.
 int endOfLine(const QByteArray& text, int begin)
 {
     int end = begin;

@@ -10,7 +10,7 @@ namespace {
 
 const QString everyRule = QStringLiteral("*");
 
-// Whether a pattern fits a path, or what follows one of its slashes.
+// Whether a pattern matches a path, or the part after one of its slashes.
 bool fits(const QRegularExpression& pattern, const QString& path)
 {
     for (int begin = 0; begin >= 0;) {

@@ -13,7 +13,7 @@
 
 namespace {
 
-// QSettings reads bytes that are a part of ASCII, which UTF-16 is not.
+// QSettings parses only encodings that contain ASCII, which UTF-16 does not.
 void checkFile(const QByteArray& text, FindingCollector& findings)
 {
     if (text.startsWith("\xFF\xFE") || text.startsWith("\xFE\xFF")) {

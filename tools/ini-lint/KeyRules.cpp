@@ -23,7 +23,7 @@ void checkPath(const IniEntry& entry, FindingCollector& findings)
                                .arg(quoted(entry.key)));
     } else if (entry.key.contains(slash)) {
         const QString path = entry.path();
-        // A program that asks for the name as it is written finds it with '/', not with '\'.
+        // Looking up the spelling in the file works with '/', but not with '\'.
         const bool isOther = entry.name.contains('\\');
         findings.add(entry.extent, isOther ? Severity::Error : Severity::Warning, "nested-name",
                      QStringLiteral("%1 is nested: it is read as the key %2 of the group %3")
@@ -54,7 +54,7 @@ void checkName(const IniEntry& entry, FindingCollector& findings)
     checkPath(entry, findings);
 }
 
-// Of each line whose value another line replaces.
+// Reports each line whose value another line replaces.
 void checkDuplicates(const QVector<IniEntry>& entries, FindingCollector& findings)
 {
     QHash<QString, const IniEntry*> lasts; // by section and path
@@ -72,7 +72,7 @@ void checkDuplicates(const QVector<IniEntry>& entries, FindingCollector& finding
     }
 }
 
-// Each spelling once, at the first line that has it.
+// Reports each spelling once, at its first line.
 void checkCase(const QVector<IniEntry>& entries, FindingCollector& findings)
 {
     QHash<QString, const IniEntry*> firsts;

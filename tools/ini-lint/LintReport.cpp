@@ -9,7 +9,7 @@
 
 namespace {
 
-// In bold red, magenta or cyan, as compilers color their messages.
+// Bold red, magenta or cyan, as in compiler messages.
 QString shownSeverity(Severity severity)
 {
     const QString name = Severities::name(severity);
@@ -20,7 +20,7 @@ QString shownSeverity(Severity severity)
     return QStringLiteral("\x1b[1;%1m%2\x1b[0m").arg(QString::number(color), name);
 }
 
-// As compilers print it.
+// The format of compiler messages.
 QString compilerLine(const QString& file, const Finding& finding)
 {
     const QString repeats = finding.repeats > 0
@@ -85,7 +85,7 @@ void LintReport::finish()
     m_display.reset();
     switch (m_format) {
     case ReportFormat::Text:
-        // Byte by byte what is in the files: patch must recognize them.
+        // The exact bytes of the files, so that patch can apply the diff.
         CommandLine::write(m_diff);
         break;
     case ReportFormat::Json:

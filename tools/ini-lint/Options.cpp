@@ -21,7 +21,7 @@ QStringList formatNames()
     return {QStringLiteral("text"), QStringLiteral("json"), QStringLiteral("sarif")};
 }
 
-// Words for a message: "text, json or sarif".
+// Joins words for a message: "text, json or sarif".
 QString alternatives(const QStringList& words)
 {
     return QStringList(words.mid(0, words.size() - 1)).join(QStringLiteral(", ")) +

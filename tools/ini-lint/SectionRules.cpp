@@ -31,7 +31,7 @@ void checkName(const IniSection& section, FindingCollector& findings)
                                     "empty")
                          .arg(quoted(name)));
     } else if (name.contains(QLatin1Char('/'))) {
-        // A program that asks for the name as it is written finds it with '/', not with '\'.
+        // Looking up the spelling in the file works with '/', but not with '\'.
         const bool isOther = section.name.contains('\\');
         findings.add(section.extent, isOther ? Severity::Error : Severity::Warning, "nested-name",
                      QStringLiteral("%1 is nested: the group that is listed is %2")
@@ -45,14 +45,14 @@ void checkEnd(const IniSection& section, FindingCollector& findings)
         findings.add(section.extent, Severity::Error, "section-end",
                      QStringLiteral("the section has no ']'; its name is read as %1")
                          .arg(quoted(section.name)));
-    } else if (!section.behind.isEmpty() && !section.behind.startsWith('#')) {
+    } else if (!section.trailing.isEmpty() && !section.trailing.startsWith('#')) {
         findings.add(
             section.extent, Severity::Error, "section-end",
-            QStringLiteral("what follows the ']' is skipped: %1").arg(quoted(section.behind)));
+            QStringLiteral("what follows the ']' is skipped: %1").arg(quoted(section.trailing)));
     }
 }
 
-// Each spelling once, at the first line that has it.
+// Reports each spelling once, at its first line.
 void checkCase(const QVector<IniSection>& sections, FindingCollector& findings)
 {
     QHash<QString, const IniSection*> firsts;

@@ -18,7 +18,7 @@ QString shown(const IniValue& value)
     return quoted(value.texts().join(QStringLiteral("', '")));
 }
 
-// The first byte of a value that is no blank.
+// Returns the position of a value's first byte that is not a space.
 int beginOf(const IniEntry& entry)
 {
     int begin = entry.valueBegin;
@@ -31,7 +31,7 @@ int beginOf(const IniEntry& entry)
     return begin;
 }
 
-// Whether the semicolon that ends a value begins a comment in people's eyes.
+// Whether the semicolon that ends a value looks like the beginning of a comment.
 bool looksLikeComment(const IniEntry& entry)
 {
     return !entry.bytes.isEmpty() && IniLines::isBlank(entry.bytes.back());
@@ -120,7 +120,7 @@ void checkEncoding(const IniEntry& entry, const QTextCodec* codec, FindingCollec
     }
 }
 
-// Whether the text, which ends in a bracket, is of the form @Mark(1 2) with so many numbers.
+// Whether a text that ends in a parenthesis has the form @Mark(1 2) with this many numbers.
 bool isGeometry(const QString& text, const QString& mark, int numbers)
 {
     if (!text.startsWith(mark)) {
@@ -130,7 +130,7 @@ bool isGeometry(const QString& text, const QString& mark, int numbers)
     return 1 + inside.count(QLatin1Char(' ')) + inside.count(QLatin1Char(')')) == numbers;
 }
 
-// What a text with a mark of QSettings is read as; empty when it is read as it stands.
+// Returns what QSettings reads for a text with a type marker; empty if it reads the text unchanged.
 QString markedType(const QString& text)
 {
     if (text.startsWith(QStringLiteral("@@"))) {

@@ -1,5 +1,5 @@
-// Finds what QSettings reads otherwise than people think, and cleans files up: IniFileManager's
-// clean-up at work.
+// Finds where QSettings reads INI files differently from what they seem to say, and cleans files up
+// with IniFileManager::cleanUp().
 #include "CleanUp.h"
 #include "ExitCode.h"
 #include "IniRules.h"
@@ -59,7 +59,7 @@ void clean(const QString& filePath, const QByteArray& text, const Options& optio
         return;
     }
     const bool mustWrite = *cleaned != text && !options.isDryRun;
-    // Of a pipe nothing is left to read, and nothing can take its place.
+    // A pipe has been read to its end, and must not be replaced by a file.
     if (mustWrite && (InputFiles::isStandardInput(filePath) || !QFileInfo(filePath).isFile())) {
         report.addTrouble(InputFiles::shownName(filePath),
                           QStringLiteral("only a file can be cleaned up"));
