@@ -67,7 +67,7 @@ void IgnoreComments::addComment(const QByteArray& comment, const Extent& extent,
     for (const QString& rule : qAsConst(words)) {
         if (!IniRules::contains(rule)) {
             findings.add(extent, Severity::Warning, "ignore-comment",
-                         QStringLiteral("there is no rule %1").arg(NameRules::quoted(rule)));
+                         QStringLiteral("unknown rule %1").arg(NameRules::quoted(rule)));
         }
     }
     if (isForFile) {

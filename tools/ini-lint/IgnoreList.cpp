@@ -53,12 +53,12 @@ QString IgnoreList::addLine(const QString& line)
     }
     const QString rule = match.captured(1);
     if (rule != everyRule && !IniRules::contains(rule)) {
-        return QStringLiteral("there is no rule '%1'").arg(rule);
+        return QStringLiteral("unknown rule '%1'").arg(rule);
     }
     const QRegularExpression pattern(
         QRegularExpression::wildcardToRegularExpression(match.captured(2)));
     if (!pattern.isValid()) {
-        return QStringLiteral("this is no pattern: '%1'").arg(match.captured(2));
+        return QStringLiteral("invalid pattern: '%1'").arg(match.captured(2));
     }
     m_entries.append({rule, pattern});
     return QString();

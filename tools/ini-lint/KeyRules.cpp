@@ -26,7 +26,7 @@ void checkPath(const IniEntry& entry, FindingCollector& findings)
         // Looking up the spelling in the file works with '/', but not with '\'.
         const bool isOther = entry.name.contains('\\');
         findings.add(entry.extent, isOther ? Severity::Error : Severity::Warning, "nested-name",
-                     QStringLiteral("%1 is nested: it is read as the key %2 of the group %3")
+                     QStringLiteral("%1 is nested: it is read as the key %2 in the group %3")
                          .arg(quoted(entry.key), quoted(path.section(slash, -1)),
                               quoted(path.section(slash, 0, -2))));
     }
@@ -36,20 +36,20 @@ void checkName(const IniEntry& entry, FindingCollector& findings)
 {
     if (entry.isCommentedOut()) {
         findings.add(entry.extent, Severity::Note, "hash-comment",
-                     QStringLiteral("'#' starts no comment: the line is read as the key %1")
+                     QStringLiteral("'#' does not start a comment: the line is read as the key %1")
                          .arg(quoted(entry.key)));
         return;
     }
     if (entry.extent.begin == 0 && entry.name.startsWith("\xEF\xBB\xBF")) {
         findings.add(entry.extent, Severity::Error, "byte-order-mark",
-                     QStringLiteral("a byte order mark is a part of this key's name"));
+                     QStringLiteral("the byte order mark is part of this key's name"));
     } else {
         NameRules::checkSpelling(entry.extent, entry.name, findings);
     }
     if (entry.name.contains('"')) {
         findings.add(
             entry.extent, Severity::Warning, "quotes",
-            QStringLiteral("quotes are a part of the key's name: %1").arg(quoted(entry.key)));
+            QStringLiteral("quotes are part of the key's name: %1").arg(quoted(entry.key)));
     }
     checkPath(entry, findings);
 }
@@ -64,10 +64,11 @@ void checkDuplicates(const QVector<IniEntry>& entries, FindingCollector& finding
             last = &*entry;
         } else if (!entry->isCommentedOut()) {
             const bool isSame = last->value.texts() == entry->value.texts();
-            findings.add(entry->extent, isSame ? Severity::Note : Severity::Error, "duplicate-key",
-                         QStringLiteral("%1 is given again: the value of line %2 counts, not this")
-                             .arg(quoted(entry->path()))
-                             .arg(last->extent.first));
+            findings.add(
+                entry->extent, isSame ? Severity::Note : Severity::Error, "duplicate-key",
+                QStringLiteral("%1 is a duplicate: the value in line %2 counts, not this one")
+                    .arg(quoted(entry->path()))
+                    .arg(last->extent.first));
         }
     }
 }
@@ -86,7 +87,7 @@ void checkCase(const QVector<IniEntry>& entries, FindingCollector& findings)
             first = &entry;
         } else if (first->key != entry.key && !spellings.contains(entry.path())) {
             findings.add(entry.extent, Severity::Warning, "case",
-                         QStringLiteral("%1 is another key than %2 in line %3: case counts")
+                         QStringLiteral("%1 and %2 in line %3 are different keys: case matters")
                              .arg(quoted(entry.key), quoted(first->key))
                              .arg(first->extent.first));
         }

@@ -56,8 +56,8 @@ void checkSections(const QVector<IniEntry>& entries, FindingCollector& findings)
         if (last != nullptr && last->prefix != entry.prefix &&
             last->value.texts() != entry.value.texts()) {
             findings.add(entry.extent, Severity::Error, "read-order",
-                         QStringLiteral("%1 is given in another section, too, in line %2: which "
-                                        "value counts depends on what the program reads first")
+                         QStringLiteral("%1 also has a value in another section, in line %2: which "
+                                        "one counts depends on what the program reads first")
                              .arg(quoted(entry.path()))
                              .arg(last->extent.first));
         }
@@ -80,8 +80,8 @@ void OrderRules::check(const IniReading& reading, FindingCollector& findings)
         paths.insert(path);
         if (!isFoundAtOnce(path, prefixes, holders.value(path))) {
             findings.add(entry.extent, Severity::Error, "read-order",
-                         QStringLiteral("a look-up of %1 fails until something else has had its "
-                                        "section read, such as a listing of the keys")
+                         QStringLiteral("a look-up of %1 fails until its section has been read for "
+                                        "another reason, such as listing the keys")
                              .arg(quoted(path)));
         }
     }

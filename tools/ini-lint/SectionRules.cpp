@@ -14,16 +14,17 @@ void checkName(const IniSection& section, FindingCollector& findings)
     NameRules::checkSpelling(section.extent, section.name, findings);
     if (section.prefix.isEmpty()) {
         findings.add(section.extent, Severity::Warning, "general-section",
-                     QStringLiteral("[%1] is no group but the top level of the file; the group "
-                                    "'General' is written [%General]")
+                     QStringLiteral("[%1] is not a group but the top level of the file; the group "
+                                    "'General' is spelled [%General]")
                          .arg(QString::fromLatin1(section.name)));
         return;
     }
     const QString name = section.prefix.chopped(1);
     if (section.name.compare("%general", Qt::CaseInsensitive) == 0) {
-        findings.add(section.extent, Severity::Warning, "name-escape",
-                     QStringLiteral("%1 is read as %2: '%' tells it from the file's top level")
-                         .arg(quoted(section.name), quoted(name)));
+        findings.add(
+            section.extent, Severity::Warning, "name-escape",
+            QStringLiteral("%1 is read as %2: '%' distinguishes it from the file's top level")
+                .arg(quoted(section.name), quoted(name)));
     }
     if (NameRules::isUnreachable(name)) {
         findings.add(section.extent, Severity::Error, "unreachable",
@@ -34,7 +35,7 @@ void checkName(const IniSection& section, FindingCollector& findings)
         // Looking up the spelling in the file works with '/', but not with '\'.
         const bool isOther = section.name.contains('\\');
         findings.add(section.extent, isOther ? Severity::Error : Severity::Warning, "nested-name",
-                     QStringLiteral("%1 is nested: the group that is listed is %2")
+                     QStringLiteral("%1 is nested: it is listed as the group %2")
                          .arg(quoted(name), quoted(name.section(QLatin1Char('/'), 0, 0))));
     }
 }
@@ -64,7 +65,7 @@ void checkCase(const QVector<IniSection>& sections, FindingCollector& findings)
         } else if (first->prefix != section.prefix && !spellings.contains(section.prefix)) {
             findings.add(
                 section.extent, Severity::Warning, "case",
-                QStringLiteral("%1 is another section than %2 in line %3: case counts")
+                QStringLiteral("%1 and %2 in line %3 are different sections: case matters")
                     .arg(quoted(section.prefix.chopped(1)), quoted(first->prefix.chopped(1)))
                     .arg(first->extent.first));
         }

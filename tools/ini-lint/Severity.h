@@ -8,7 +8,7 @@
 
 enum class Severity
 {
-    Note,    // QSettings reads the value that the file seems to give, but see the message
+    Note,    // QSettings reads what the file seems to say, but there is more to know
     Warning, // what QSettings reads may be unexpected
     Error    // QSettings reads another value than the file says, or none
 };
