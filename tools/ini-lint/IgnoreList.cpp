@@ -11,7 +11,7 @@ namespace {
 const QString everyRule = QStringLiteral("*");
 
 // Whether a pattern matches a path, or the part after one of its slashes.
-bool fits(const QRegularExpression& pattern, const QString& path)
+bool matches(const QRegularExpression& pattern, const QString& path)
 {
     for (int begin = 0; begin >= 0;) {
         if (pattern.match(path.mid(begin)).hasMatch()) {
@@ -67,6 +67,6 @@ QString IgnoreList::addLine(const QString& line)
 bool IgnoreList::isIgnored(const QString& filePath, const QString& rule) const
 {
     return std::any_of(m_entries.cbegin(), m_entries.cend(), [&](const Entry& entry) {
-        return (entry.rule == everyRule || entry.rule == rule) && fits(entry.pattern, filePath);
+        return (entry.rule == everyRule || entry.rule == rule) && matches(entry.pattern, filePath);
     });
 }
