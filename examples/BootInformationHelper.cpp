@@ -1,4 +1,4 @@
-// Asks how the device booted, and removes the markers that say so.
+// Queries how the device booted, and removes the boot markers.
 
 #include <BootInformationHelper.h>
 

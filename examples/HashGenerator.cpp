@@ -27,7 +27,7 @@ int main()
         HashGenerator::createHashFromFile(QStringLiteral("missing.csv"), QCryptographicHash::Md5);
     std::printf("missing: %s\n", none.isNull() ? "no digest" : "a digest");
 
-    // A fast hash, for tables. It is no protection: two texts may have the same hash.
+    // A fast hash, for tables. Do not use it for security: two texts may have the same hash.
     std::printf("key %08x\n", hashFromString("foobar"));
     return 0;
 }

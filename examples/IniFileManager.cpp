@@ -19,7 +19,7 @@ int main()
     std::printf("hosts <%s>, port %d\n", qPrintable(hosts), port);
     //! [read]
 
-    // By the number under "Position" instead of the section's name.
+    // A group can be found by the number under "Position" instead of by its name.
     for (int place = 0; place < 2; ++place) {
         const QString name =
             sensors.getValueString(place, QStringLiteral("Name"), QStringLiteral("?"));

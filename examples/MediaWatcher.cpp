@@ -9,7 +9,7 @@
 
 int main()
 {
-    // A directory stands for the medium. One of its files matches the pattern, the other does not.
+    // A directory represents the medium. One of its files matches the pattern, the other does not.
     const QString mountPoint = QDir::current().filePath(QStringLiteral("stick"));
     const QDir medium(mountPoint);
     medium.mkpath(QStringLiteral("2026"));
@@ -30,7 +30,7 @@ int main()
     media.mediumMounted(mountPoint);
     //! [search]
 
-    // Nothing fits, so there is no signal.
+    // No file matches, so there is no signal.
     media.setFileMatchPatternList({QStringLiteral("*.mp3")});
     media.mediumMounted(mountPoint);
     std::puts("no more");

@@ -12,7 +12,7 @@ int main()
     std::printf("device index %s\n", qPrintable(index));
     //! [index]
 
-    // A missing index and one that is no number are "0", after a warning.
+    // An index that is missing or is not a number is "0", after a warning.
     if (index == QStringLiteral("0")) {
         std::puts("the configuration has no device index");
         return 1;

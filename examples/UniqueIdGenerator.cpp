@@ -1,4 +1,4 @@
-// Takes numbers that are unique within the process, in several threads and without a lock.
+// Generates numbers that are unique within the process, in several threads and without a lock.
 
 #include <UniqueIdGenerator.h>
 

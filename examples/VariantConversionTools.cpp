@@ -1,4 +1,4 @@
-// Converts variants, and tells whether the conversion was possible.
+// Converts variants and reports whether the conversion is possible.
 
 #include <VariantConversionTools.h>
 

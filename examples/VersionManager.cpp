@@ -16,7 +16,7 @@ int main()
                 qPrintable(version.getBuildNumber()), qPrintable(version.getGitHash()));
     //! [parts]
 
-    // The old format has two dots. Ask before you use a part that only one format has.
+    // The old format has two dots. Check the format before you use a part that only one format has.
     const VersionManager old(QStringLiteral("V8.12.3-45"));
     std::printf("%s: base %s, major %s, minor %s\n", qPrintable(old.getMainVersion()),
                 qPrintable(old.getBaseNumber()), qPrintable(old.getMajorIndex()),
@@ -24,7 +24,7 @@ int main()
     if (old.isOldVersion()) {
         std::printf("test %s\n", qPrintable(old.getTestIndex()));
     }
-    // Without asking: a null text, and a warning in the log.
+    // Without this check: a null string, and a warning in the log.
     std::printf("commit <%s>\n", qPrintable(old.getGitHash()));
     return 0;
 }

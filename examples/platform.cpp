@@ -3,7 +3,8 @@
 
 #include <cstdio>
 
-// What the device's software supplies: its product code, and three readers of JSON members.
+// Defines the platform functions as device software does: the product code, and three readers of
+// JSON members.
 QString DeviceManifestManager::getProductCode()
 {
     return QStringLiteral("640917");
@@ -32,7 +33,7 @@ bool readBoolValueFromJson(const QString& key, const QJsonObject& object, bool& 
 
 int main()
 {
-    // This product can tell a hard reset: the reboot marker is missing.
+    // This product detects a hard reset: the reboot marker is missing.
     const bool isHardReset = BootInformationHelper().isHardReset();
     std::printf("hard reset: %s\n", isHardReset ? "yes" : "no");
     return 0;

@@ -10,24 +10,29 @@
 #include <QtCore/QTimer>
 
 /*!
- * \brief Watches folders and reports their changes in bursts.
+ * \brief Watches directories and reports their changes in bursts.
+ *
+ * Use it to react once to many changes, for example after a thousand files were copied into a
+ * directory. Every change restarts a delay; when the delay passes without another change, one
+ * signal reports all changes of the burst. Do not use it to observe the content of files or a whole
+ * directory tree: changes of content and of subdirectories are not reported.
  *
  * \snippet DirectoryWatcher.cpp watch
  *
- * Every change restarts a delay; when the delay passes without another change, one signal reports
- * all that changed in the meantime. Copying a thousand files into a folder is so one signal.
- *
  * \par Contract
- * - **Threads:** all members belong to the object's thread, which must run an event loop.
- * - **Ownership:** the object owns its watches and its timer; a burst that is not reported yet goes
- *   with it. It must not be deleted by a receiver of its signal; use deleteLater() there.
- * - **Errors:** a path that cannot be watched is passed over; only addPath() tells. Qt itself may
- *   log why, and warns of an empty path.
- * - **Units and formats:** the delay is in milliseconds, kept to about 5 %. A folder changes when
- *   an entry is added, removed or renamed or has its permissions changed, not when the content of a
- *   file changes. A stream of changes that never pauses for the delay is never reported. A folder
- *   that is renamed itself is watched on under the name that it had.
+ * - **Threads:** reentrant; all members must be used in the object's thread, which must run an
+ *   event loop.
+ * - **Ownership:** the object owns its watches and its timer; destroying it discards a burst that
+ *   has not been reported. A receiver of its signal must not delete it; use deleteLater() there.
+ * - **Errors:** nothing throws. A path that cannot be watched is skipped; only addPath() reports
+ *   it.
+ * - **Log messages:** none. Qt may log why a path cannot be watched, and warns about an empty path.
+ * - **Units and formats:** the delay is in milliseconds, accurate to about 5 %. A directory changes
+ *   when an entry is added, removed or renamed or when its permissions change, not when the content
+ *   of a file changes. A stream of changes that never pauses for the delay is never reported. A
+ *   directory that is itself renamed is still watched, and reported under its old name.
  *
+ * \sa \ref files, \ref gotchas
  * \since 1.0
  */
 class MISCTOOLS_EXPORT DirectoryWatcher : public QObject
@@ -41,33 +46,33 @@ public:
     DirectoryWatcher(const QString& path);
     ~DirectoryWatcher() override;
 
-    /*! \brief Watches \a path as well; tells whether it can be watched. */
+    /*! \brief Watches \a path as well. Returns true if it can be watched. */
     bool addPath(const QString& path);
-    /*! \brief Watches \a paths as well. */
+    /*! \brief Watches \a paths as well; those that cannot be watched are skipped. */
     void addPaths(const QStringList& paths);
 
     /*!
-     * \brief Sets the delay; 1000 ms from the start.
+     * \brief Sets the delay in milliseconds; the default is 1000.
      *
-     * A burst that has begun keeps its delay; the next one takes the new one. A negative delay must
-     * not be set: no burst would ever end, nor another delay be taken.
+     * A burst that has begun keeps its delay; the new one applies from the next burst on. Do not
+     * set a negative delay: no burst would ever end, and no later delay would take effect.
      */
     void setDelayInMs(int delayInMs);
 
 Q_SIGNALS:
     /*!
-     * \brief A burst is over: \a changedDirectories changed, in the order of their changes.
+     * \brief A burst has ended: \a changedDirectories changed, in the order of their changes.
      *
-     * A folder that changed several times is listed several times. Changes that are noticed while
-     * this signal is delivered are not kept: the burst that they begin ends with an empty list, and
-     * receivers that are still to be called see the list that they left.
+     * A directory that changed several times is listed several times. Changes that are noticed
+     * while this signal is delivered are lost: the burst that they begin ends with an empty list,
+     * and receivers that have not been called yet see the list as these changes left it.
      */
     void directoryChanged(const QStringList& changedDirectories);
 
 public Q_SLOTS:
-    /*! \brief Notes a change of \a strPath and restarts the delay. */
+    /*! \brief Records a change of \a strPath and restarts the delay. */
     void directoryGotChanged(const QString& strPath);
-    /*! \brief Reports the burst. */
+    /*! \brief Ends the burst and emits directoryChanged(). */
     void delayTimeout();
 
 private:

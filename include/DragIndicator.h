@@ -9,23 +9,27 @@
 #include <QtCore/QString>
 
 /*!
- * \brief Keeps the lowest and the highest value that a measured value ever had, and when.
+ * \brief Records the minimum and the maximum of a measured value, and when they occurred.
+ *
+ * Use it like the drag pointers of an instrument: pass every value to compute() and save the
+ * records when it returns true. All values go into two records; reset() clears the first, and the
+ * second one keeps the range since the first value. Do not use it as a log of values: only the
+ * extremes are kept.
  *
  * \snippet DragIndicator.cpp compute
  *
- * Like the drag pointers of an instrument. Two records take the same values; reset() clears the
- * first of them, while the second goes on.
- *
  * \par Contract
- * - **Threads:** one object, one thread.
- * - **Ownership:** a value that may be copied.
- * - **Errors:** nothing throws; each function says what it warns of. A negative index is no error
- *   that is reported: it ends the process, in every build.
- * - **Units and formats:** values in the caller's unit; dates are local, but one that was imported
- *   with a zone keeps it. Dates are what the clock says at the moment: when the clock is set back,
- *   a later extreme has an earlier date. A NaN as the first value of a record stays its minimum and
- *   maximum until reset(); later NaNs are passed over.
+ * - **Threads:** reentrant; one object must not be used in two threads at a time.
+ * - **Ownership:** copies are independent.
+ * - **Errors:** nothing throws; each function documents its warnings. A negative index is a
+ *   programming error: it aborts the process, in release builds too.
+ * - **Log messages:** \ref log-messages-dragindicator "log messages of DragIndicator".
+ * - **Units and formats:** values are in the caller's unit. Dates are in local time; an imported
+ *   date that has a zone keeps it. System time is not validated: if the clock is set back, a later
+ *   extreme has an earlier date. A NaN as the first value of a record remains its minimum and
+ *   maximum until reset(); later NaNs are ignored.
  *
+ * \sa \ref drag-indicator, \ref formats, \ref gotchas
  * \since 1.0
  */
 class MISCTOOLS_EXPORT DragIndicator
@@ -36,92 +40,99 @@ public:
     {
         QDateTime minValueDate;   /*!< When minValue was last lowered, or first set. */
         QDateTime maxValueDate;   /*!< When maxValue was last raised, or first set. */
-        double minValue = 0.0;    /*!< The lowest value; means nothing before initialized. */
-        double maxValue = 0.0;    /*!< The highest value; means nothing before initialized. */
-        bool initialized = false; /*!< Whether there was a value yet. */
+        double minValue = 0.0;    /*!< The minimum; undefined until initialized is true. */
+        double maxValue = 0.0;    /*!< The maximum; undefined until initialized is true. */
+        bool initialized = false; /*!< True once the record has a value. */
     };
 
-    /*! \brief The records, by their place in the list. */
+    /*! \brief The indexes of the records. */
     enum DragIndicatorInstances : int
     {
-        ResettableInstance = 0, /*!< The one that reset() clears. */
-        PermanentInstance = 1   /*!< The one that reset() leaves alone. */
+        ResettableInstance = 0, /*!< The record that reset() clears. */
+        PermanentInstance = 1   /*!< The record that reset() does not change. */
     };
 
-    /*! \brief Two empty records. */
+    /*! \brief Creates two empty records. */
     DragIndicator();
     virtual ~DragIndicator();
 
-    /*! \brief An independent copy. */
+    /*! \brief Copies the records. */
     DragIndicator(const DragIndicator&) = default;
-    /*! \brief Makes this an independent copy. */
+    /*! \brief Copies the records. */
     DragIndicator& operator=(const DragIndicator&) = default;
 
-    /*! \brief Appends two empty records to those that are there. */
+    /*! \brief Appends two empty records to the existing ones. */
     void initObject();
 
-    /*! \brief Empties the first record; the others stay. */
+    /*! \brief Clears the first record; the others are unchanged. */
     void reset();
 
     /*!
-     * \brief Takes \a value into every record.
+     * \brief Adds \a value to every record.
      *
-     * \return whether any record changed, so that it is worth saving; also true once after an
-     *         import of dates in the older text form
+     * \return true if a record changed and should be saved; also true once after an import of dates
+     *         in the older text form
      */
     bool compute(double value);
 
     /*!
-     * \brief Takes \a value into the record \a instance, which is changed in place.
+     * \brief Adds \a value to the record \a instance.
      *
-     * The first value becomes both minimum and maximum; later ones only widen the range. A value
-     * that equals an extreme does not renew its date. The result is that of compute().
+     * The first value becomes both minimum and maximum; later values only widen the range. A value
+     * equal to an extreme does not update its date.
+     *
+     * \return as compute(), for this record
      */
     bool checkInstance(DragIndicator::DragIndicatorInstance& instance, double value);
 
     /*!
-     * \brief The minimum of a record.
+     * \brief Returns the minimum of a record.
      *
-     * Where there is no such record, warns "Error on reading min value for instance", the number,
-     * "!", and gives 0.0.
+     * If there is no such record, returns 0.0 and warns "Error on reading min value for instance",
+     * the index, "!".
      */
     double getMinValue(DragIndicator::DragIndicatorInstances instance) const;
 
-    /*! \brief The maximum of a record; as getMinValue(), with "max value" in the warning. */
+    /*!
+     * \brief Returns the maximum of a record.
+     *
+     * If there is no such record, returns 0.0 and warns as getMinValue() does, with "max value".
+     */
     double getMaxValue(DragIndicator::DragIndicatorInstances instance) const;
 
     /*!
-     * \brief Whether a record has taken a value yet.
+     * \brief Returns true if a record has a value.
      *
-     * Where there is no such record, warns as getMaxValue() does, and gives false.
+     * If there is no such record, returns false and warns as getMaxValue() does.
      */
     bool isInitialized(DragIndicator::DragIndicatorInstances instance) const;
 
-    /*! \brief Whether \a dateString begins with a decimal digit, of any script. */
+    /*! \brief Returns true if \a dateString begins with a decimal digit of any script. */
     bool isIsoFormat(const QString& dateString) const;
 
     /*!
-     * \brief The records as an array with one object each.
+     * \brief Returns the records as an array with one object each.
      *
-     * Members: "MinValue" and "MaxValue" (numbers), "MinValueDate" and "MaxValueDate" (texts such
-     * as 2024-03-01T12:30:05, local time, empty without a date), "Initialized" (bool). JSON knows
-     * no NaN and no infinity: in a document such a value becomes null, which cannot be read
-     * back. A record that has no value yet has empty dates, and fromJsonArray() counts these as an
-     * error: save records that have a value.
+     * Members: "MinValue" and "MaxValue" (numbers), "MinValueDate" and "MaxValueDate" (strings such
+     * as 2024-03-01T12:30:05, local time, empty without a date), "Initialized" (bool). JSON has no
+     * NaN and no infinity: in a document such a value becomes null, which cannot be read back. A
+     * record without a value has empty dates, which fromJsonArray() treats as an error: save only
+     * records that have a value.
      */
     QJsonArray asJsonArray() const;
 
     /*!
-     * \brief Replaces the records by those of \a jsonArray.
+     * \brief Replaces the records with those of \a jsonArray.
      *
-     * \return whether everything was there: two objects with every member, and no empty date. An
-     *         error is warned of and does not end the reading: objects are taken as far as they
-     *         go, and other elements are left out. After a wrong number of elements there is no
-     *         record at all.
+     * \return true if the array is complete: two objects with all members and no empty date
      *
-     * A date that does not begin with a digit is read in the older text form (Fri Mar 1 12:30:05
-     * 2024). Each error warns, in the order of reading, and "Resetting drag indicator due to errors
-     * on importing json data!" comes last; the records are nevertheless left as they are.
+     * An error does not stop the import: of an incomplete object, the members that could be read
+     * are kept, and an element that is no object is skipped. If the number of elements is wrong,
+     * there are no records afterwards.
+     *
+     * A date that does not begin with a digit is parsed in the older text form (Fri Mar 1 12:30:05
+     * 2024). Each error logs a warning, in the order of reading. "Resetting drag indicator due to
+     * errors on importing json data!" comes last; despite this text, what could be read is kept.
      */
     bool fromJsonArray(const QJsonArray& jsonArray);
 

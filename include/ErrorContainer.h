@@ -9,61 +9,65 @@
 
 /*!
  * \file
- * \brief The outcome of an operation.
+ * \brief The result of an operation: an error code and a message.
  */
 
 /*!
- * \brief The outcome of an operation: an error code and a text.
+ * \brief The result of an operation: an error code and a message.
+ *
+ * Use it as a return value or signal argument where a bool says too little. It can be stored in a
+ * QVariant and passed through queued signals. Do not use it to translate error codes: it makes no
+ * message from a code.
  *
  * \snippet ErrorContainer.cpp return
  *
- * The codes are negated errno values (see errno(3)); 0 is success. Any other number may be used
- * too. The type can travel in a QVariant and through queued signals.
- *
  * \par Contract
- * - **Threads:** a plain value, one thread at a time; registerTypes() may be called from any
- *   thread.
+ * - **Threads:** reentrant; one object must not be used in two threads at a time. The static
+ *   functions are thread-safe.
  * - **Ownership:** copies are independent.
- * - **Errors:** none.
- * - **Units and formats:** no text is made from a code.
+ * - **Errors:** nothing throws.
+ * - **Log messages:** none.
+ * - **Units and formats:** the predefined codes are negated errno values (see errno(3)); 0 means
+ *   success. Any other number may be used as well.
  *
+ * \sa \ref errors
  * \since 1.0
  */
 class MISCTOOLS_EXPORT ErrorContainer
 {
 public:
-    /*! \brief No error, no text; registers the type. */
+    /*! \brief Creates an object without an error, and calls registerTypes(). */
     ErrorContainer();
     virtual ~ErrorContainer();
 
-    /*! \brief Sets code and text. */
+    /*! \brief Sets code and message. */
     void setError(int errorCode, const QString& errorMessage);
-    /*! \brief Sets the code and empties the text. */
+    /*! \brief Sets the code and clears the message. */
     void setError(int errorCode);
-    /*! \brief Sets the text; the code becomes getDefaultErrorCode(). */
+    /*! \brief Sets the message; the code becomes getDefaultErrorCode(). */
     void setError(const QString& errorMessage);
 
-    /*! \brief The code. */
+    /*! \brief Returns the code. */
     int getErrorCode() const;
-    /*! \brief The text. */
+    /*! \brief Returns the message. */
     QString getErrorMessage() const;
-    /*! \brief Whether the code is another than getErrorCodeNoError(); the text does not count. */
+    /*! \brief Returns true if the code is not getErrorCodeNoError(), whatever the message is. */
     bool isError() const;
 
-    /*! \brief 0: success. */
+    /*! \brief Returns 0: success. */
     static int getErrorCodeNoError();
-    /*! \brief -1: an error that has only a text. */
+    /*! \brief Returns -1: an error that has only a message. */
     static int getDefaultErrorCode();
-    /*! \brief -2: ENOENT, negated. */
+    /*! \brief Returns -2: ENOENT, negated. */
     static int getErrorCodeNoSuchFileOrDirectory();
-    /*! \brief -12: ENOMEM, negated. */
+    /*! \brief Returns -12: ENOMEM, negated. */
     static int getErrorCodeOutOfMemory();
-    /*! \brief -16: EBUSY, negated. */
+    /*! \brief Returns -16: EBUSY, negated. */
     static int getErrorCodeResourceBusy();
-    /*! \brief -38: ENOSYS, negated. */
+    /*! \brief Returns -38: ENOSYS, negated. */
     static int getErrorCodeFunctionNotImplemented();
 
-    /*! \brief Registers the type "ErrorContainer" with Qt, once per process. */
+    /*! \brief Registers the meta-type "ErrorContainer". Later calls are no-ops. */
     static void registerTypes();
 
 private:
@@ -74,7 +78,7 @@ private:
 Q_DECLARE_METATYPE(ErrorContainer)
 
 /*!
- * \brief Writes the code, then the text, as the stream writes numbers and texts.
+ * \brief Writes the code, then the message, in the format of the stream.
  * \since 1.0
  */
 MISCTOOLS_EXPORT QDebug operator<<(QDebug debug, const ErrorContainer& error);

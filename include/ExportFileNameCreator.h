@@ -6,19 +6,22 @@
 #include <QtCore/QString>
 
 /*!
- * \brief Makes names for files that the device exports.
+ * \brief Creates names for files that the device exports.
+ *
+ * A name contains the device index and the local time, so that files from different devices and
+ * times do not collide: V3_2026_11_15T09_37_12.csv. Do not use it for files that are created more
+ * often than once a second: their names would be equal.
  *
  * \snippet ExportFileNameCreator.cpp name
  *
- * A name holds the device's index and the local time, so that files of different devices and
- * moments do not collide: V3_2026_11_15T09_37_12.csv.
- *
  * \par Contract
- * - **Threads:** may be called from any thread.
- * - **Ownership:** nothing is kept.
- * - **Errors:** none of its own; see RaucSystemConfigIniManager for the device index.
- * - **Units and formats:** the local time to the second: two calls within a second give one name.
+ * - **Threads:** thread-safe.
+ * - **Ownership:** the class has no state; results are copies.
+ * - **Errors:** nothing throws. Without a readable device index the name contains 0.
+ * - **Log messages:** those of RaucSystemConfigIniManager.
+ * - **Units and formats:** local time with a resolution of one second.
  *
+ * \sa RaucSystemConfigIniManager, \ref versions, \ref formats
  * \since 1.0
  */
 class MISCTOOLS_EXPORT ExportFileNameCreator
@@ -28,9 +31,10 @@ public:
     virtual ~ExportFileNameCreator();
 
     /*!
-     * \brief The name of a file that is exported now, without a folder.
+     * \brief Returns the name, without a directory, of a file that is exported now.
      *
-     * \param extension what follows the name's last dot, as it stands; an empty one leaves the dot
+     * \param extension inserted unchanged after the last dot; if it is empty, the name ends in the
+     *                  dot
      */
     static QString create(const QString& extension);
 };

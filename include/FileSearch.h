@@ -3,7 +3,7 @@
 
 /*!
  * \file
- * \brief Another name for WildcardFilter.h, which declares searchFilesOnPathRecursive() and
+ * \brief Includes WildcardFilter.h, which declares searchFilesOnPathRecursive() and
  *        concatenatePaths().
  */
 

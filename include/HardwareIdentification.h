@@ -6,56 +6,62 @@
 #include <QtCore/QString>
 
 /*!
- * \brief Takes a device's 16-digit hardware ID apart.
+ * \brief Parses a device's 16-digit hardware ID.
+ *
+ * Use it to validate an ID and to read its parts. It checks the format alone, not whether the ID
+ * was ever assigned.
  *
  * \snippet HardwareIdentification.cpp parts
  *
  * \par Contract
- * - **Threads:** a plain value; one thread at a time.
- * - **Ownership:** getters return copies.
- * - **Errors:** nothing throws. An ID that fails a check is warned of once; isHardwareIDValid() is
- *   then false, and every part is empty.
- * - **Units and formats:** sixteen digits 0 to 9, without blanks or signs.
+ * - **Threads:** reentrant; one object must not be used in two threads at a time.
+ * - **Ownership:** copies are independent; getters return copies.
+ * - **Errors:** nothing throws. For an ID that fails a check, isHardwareIDValid() returns false and
+ *   every part is empty.
+ * - **Log messages:** one warning for an invalid ID; see
+ *   \ref log-messages-hardwareidentification "log messages of HardwareIdentification".
+ * - **Units and formats:** sixteen digits 0 to 9, without spaces or signs.
  *
+ * \sa \ref hardware, \ref formats
  * \since 1.0
  */
 class MISCTOOLS_EXPORT HardwareIdentification
 {
 public:
-    /*! \brief Takes \a hardwareId apart, as divideHardwareID(). */
+    /*! \brief Parses \a hardwareId, as divideHardwareID() does. */
     HardwareIdentification(const QString& hardwareId);
     virtual ~HardwareIdentification();
 
-    /*! \brief An independent copy. */
+    /*! \brief Copies the parts. */
     HardwareIdentification(const HardwareIdentification&) = default;
-    /*! \brief Makes this an independent copy. */
+    /*! \brief Copies the parts. */
     HardwareIdentification& operator=(const HardwareIdentification&) = default;
 
     /*!
-     * \brief Takes \a hardwareId apart; what was known of another ID is forgotten first.
+     * \brief Parses \a hardwareId and replaces all parts of a previous ID.
      *
-     * The first check that fails warns, and ends it: "Size of hardware ID is invalid" with the
-     * length, "Hardware ID contains not only numbers" with the ID, "Document type count number is
-     * invalid " with that number when it is 000, "Parts list paragrpah is invalid " with that
-     * number when it is 00.
+     * Stops at the first check that fails, with a warning: "Size of hardware ID is invalid" with
+     * the length, "Hardware ID contains not only numbers" with the ID, "Document type count number
+     * is invalid " with that number if it is 000, "Parts list paragrpah is invalid " with that
+     * number if it is 00.
      */
     void divideHardwareID(const QString& hardwareId);
 
-    /*! \brief Whether sixteen digits follow each other anywhere in \a hardwareId. */
+    /*! \brief Returns true if \a hardwareId contains sixteen consecutive digits. */
     bool containsHardwareIDOnlyNumbers(const QString& hardwareId) const;
 
-    /*! \brief Whether the last ID passed every check. */
+    /*! \brief Returns true if the last ID passed every check. */
     bool isHardwareIDValid() const;
 
-    /*! \brief Digits 1 to 6. */
+    /*! \brief Returns digits 1 to 6. */
     QString getProductGroupNumber() const;
-    /*! \brief Digits 7 and 8. */
+    /*! \brief Returns digits 7 and 8. */
     QString getBasicTypeSupplement() const;
-    /*! \brief Digits 9 to 11; never 000. */
+    /*! \brief Returns digits 9 to 11; never 000. */
     QString getDocumentTypeCountingNumber() const;
-    /*! \brief Digits 12 to 14. */
+    /*! \brief Returns digits 12 to 14. */
     QString getCustomerVersion() const;
-    /*! \brief Digits 15 and 16; never 00. */
+    /*! \brief Returns digits 15 and 16; never 00. */
     QString getPartsListSales() const;
 
 private:

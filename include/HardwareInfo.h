@@ -6,58 +6,61 @@
 #include <QtCore/QString>
 
 /*!
- * \brief What a board says of itself: six texts, all empty until somebody sets them.
+ * \brief A board's hardware record: six strings, all empty until they are set.
+ *
+ * HardwareInfoReader fills a record from the board's EEPROM. Set the fields yourself for a board
+ * without an EEPROM. Do not rely on a field's format: nothing validates it.
  *
  * \snippet HardwareInfo.cpp record
  *
- * HardwareInfoReader fills a record from the board's EEPROM.
- *
  * \par Contract
- * - **Threads:** a plain value; one thread at a time.
+ * - **Threads:** reentrant; one object must not be used in two threads at a time.
  * - **Ownership:** copies are independent; getters return copies.
- * - **Errors:** none.
- * - **Units and formats:** the texts stand as the board's INI block holds them, unchecked.
+ * - **Errors:** nothing throws.
+ * - **Log messages:** none.
+ * - **Units and formats:** each string is the value in the board's INI block, unchanged.
  *
+ * \sa HardwareInfoReader, \ref hardware, \ref formats
  * \since 1.0
  */
 class MISCTOOLS_EXPORT HardwareInfo
 {
 public:
-    /*! \brief An empty record. */
+    /*! \brief Creates an empty record. */
     HardwareInfo();
     virtual ~HardwareInfo();
 
-    /*! \brief An independent copy. */
+    /*! \brief Copies the record. */
     HardwareInfo(const HardwareInfo&) = default;
-    /*! \brief Makes this an independent copy. */
+    /*! \brief Copies the record. */
     HardwareInfo& operator=(const HardwareInfo&) = default;
 
-    /*! \brief The board's type; key "Type". */
+    /*! \brief Returns the board's type; key "Type". */
     QString type() const;
     /*! \brief Sets type(). */
     void setType(const QString& type);
 
-    /*! \brief The type's name for people; key "TypeName". */
+    /*! \brief Returns the human-readable name of the type; key "TypeName". */
     QString typeName() const;
     /*! \brief Sets typeName(). */
     void setTypeName(const QString& typeName);
 
-    /*! \brief The hardware's version; key "Version". */
+    /*! \brief Returns the hardware version; key "Version". */
     QString hwVersion() const;
     /*! \brief Sets hwVersion(). */
     void setHwVersion(const QString& hwVersion);
 
-    /*! \brief The hardware's compatibility index; key "CompatibilityIndex". */
+    /*! \brief Returns the hardware compatibility index; key "CompatibilityIndex". */
     QString hwCompIndex() const;
     /*! \brief Sets hwCompIndex(). */
     void setHwCompIndex(const QString& hwCompIndex);
 
-    /*! \brief The LP-ID; key "LP-ID". */
+    /*! \brief Returns the LP-ID; key "LP-ID". */
     QString lpId() const;
     /*! \brief Sets lpId(). */
     void setLpId(const QString& lpId);
 
-    /*! \brief The comment; key "Comment". (The capital letter is part of the interface.) */
+    /*! \brief Returns the comment; key "Comment". The capital C is part of the interface. */
     QString Comment() const;
     /*! \brief Sets Comment(). */
     void setComment(const QString& comment);

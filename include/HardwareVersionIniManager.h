@@ -11,52 +11,58 @@
 class IniFileManager;
 
 /*!
- * \brief Reads the six hardware fields from an INI text held in memory.
+ * \brief Reads the six hardware fields from an INI text in memory.
+ *
+ * HardwareInfoReader uses it for the INI text of an EEPROM image. Use it directly if the text comes
+ * from elsewhere. For an INI file that already exists, use IniFileManager instead: this class
+ * writes the text to a temporary file, which exists from construction to destruction. The keys are
+ * at the top level of the text; keys in a named section are not found.
  *
  * \snippet HardwareVersionIniManager.cpp fields
  *
- * The text goes into a temporary file, which an IniFileManager reads; the file is there from
- * construction to destruction. The keys stand at the top level of the text: keys inside a named
- * section are not found.
- *
  * \par Contract
- * - **Threads:** one object, one thread. The name accessors may be called from any thread.
- * - **Ownership:** the object owns its temporary file, which goes when the object goes.
- * - **Errors:** nothing throws. When the text cannot be put into a file, that is warned of once at
- *   construction ("Can't open temporary file for version data!" or "Error on writing to temporary
- *   file for version data!"), again at each read, and every value is empty. An empty text counts
- *   as an error on writing.
+ * - **Threads:** reentrant; one object must not be used in two threads at a time. The functions
+ *   that return names of keys and of the section are thread-safe.
+ * - **Ownership:** the object owns its temporary file and removes it on destruction.
+ * - **Errors:** nothing throws. If the text cannot be written to a file, every value is empty. An
+ *   empty text counts as a write error.
+ * - **Log messages:** without a file, one at construction ("Can't open temporary file for version
+ *   data!" or "Error on writing to temporary file for version data!") and one for each read; see
+ *   \ref log-messages-hardwareversioninimanager "log messages of HardwareVersionIniManager".
  * - **Units and formats:** the INI dialect is that of IniFileManager without a codec.
  *
+ * \sa \ref hardware, \ref formats
  * \since 1.0
  */
 class MISCTOOLS_EXPORT HardwareVersionIniManager
 {
 public:
     /*!
-     * \brief Puts \a data into a temporary file and opens it.
+     * \brief Writes \a data to a temporary file and opens it.
      *
      * \param data         the INI text
-     * \param fileTemplate the file's name and folder, as QTemporaryFile::setFileTemplate() takes it
+     * \param fileTemplate template for the path of the file, as for
+     *                     QTemporaryFile::setFileTemplate()
      */
     HardwareVersionIniManager(const QByteArray& data, const QString& fileTemplate);
 
     /*! \brief Closes and removes the temporary file. */
     virtual ~HardwareVersionIniManager();
 
-    /*! \brief The value of "Type". As getStringValueFromIniFile(). */
+    /*! \brief Returns the value of "Type". See getStringValueFromIniFile(). */
     QString getType() const;
-    /*! \brief The value of "TypeName". As getStringValueFromIniFile(). */
+    /*! \brief Returns the value of "TypeName". See getStringValueFromIniFile(). */
     QString getTypeName() const;
-    /*! \brief The value of "CompatibilityIndex". As getStringValueFromIniFile(). */
+    /*! \brief Returns the value of "CompatibilityIndex". See getStringValueFromIniFile(). */
     QString getHwCompatibilityIndex() const;
-    /*! \brief The value of "Version". As getStringValueFromIniFile(). */
+    /*! \brief Returns the value of "Version". See getStringValueFromIniFile(). */
     QString getHwVersion() const;
-    /*! \brief The value of "LP-ID". As getStringValueFromIniFile(). */
+    /*! \brief Returns the value of "LP-ID". See getStringValueFromIniFile(). */
     QString getLpIdNumber() const;
 
     /*!
-     * \brief The value of "Comment"; a text without one is no fault, and nothing is logged.
+     * \brief Returns the value of "Comment". The key is optional: if it is missing, the value is
+     *        empty and nothing is logged.
      *
      * Without a file, warns "No valid IniFileManager object for accessing section", the section,
      * "with key", the key, "!".
@@ -64,33 +70,32 @@ public:
     QString getComment() const;
 
     /*!
-     * \brief The value of \a key in \a section, empty when there is none.
+     * \brief Returns the value of \a key in \a section; empty if there is none.
      *
-     * A missing key is warned of as IniFileManager::getValueString() does. Without a file, warns
-     * "No valid 'IniFileManager' object for accessing section", the section, "with key", the key,
-     * "!".
+     * A missing key logs the warning of IniFileManager::getValueString(). Without a file, warns "No
+     * valid 'IniFileManager' object for accessing section", the section, "with key", the key, "!".
      */
     QString getStringValueFromIniFile(const QString& section, const QString& key) const;
 
-    /*! \brief The section that holds the keys: the empty one, that is the top level. */
+    /*! \brief Returns the section of the keys: the empty string, which means the top level. */
     const QString& getVersionDataGroup() const;
-    /*! \brief "Type" */
+    /*! \brief Returns "Type". */
     const QString& getKeyType() const;
-    /*! \brief "TypeName" */
+    /*! \brief Returns "TypeName". */
     const QString& getKeyTypeName() const;
-    /*! \brief "CompatibilityIndex" */
+    /*! \brief Returns "CompatibilityIndex". */
     const QString& getKeyHwCompIndex() const;
-    /*! \brief "Version" */
+    /*! \brief Returns "Version". */
     const QString& getKeyHwVersion() const;
-    /*! \brief "LP-ID" */
+    /*! \brief Returns "LP-ID". */
     const QString& getKeyLpIdNumber() const;
-    /*! \brief "Comment" */
+    /*! \brief Returns "Comment". */
     const QString& getKeyComment() const;
 
 private:
     Q_DISABLE_COPY(HardwareVersionIniManager)
 
-    QSharedPointer<IniFileManager> m_iniFileManager; // null when there is no file to read
+    QSharedPointer<IniFileManager> m_iniFileManager; // null if there is no file to read
     QTemporaryFile m_tempFile;
 };
 

@@ -10,22 +10,28 @@
 
 /*!
  * \file
- * \brief Digests of files, and a fast hash of texts.
+ * \brief Cryptographic digests of files, and a fast hash of strings.
  */
 
 /*!
- * \brief Digests of files.
+ * \brief Computes cryptographic digests of files.
+ *
+ * Use it to compare text files: carriage returns are ignored, so that a text has the same digest
+ * with any line endings. Do not use it to compare with the digests of other programs unless the
+ * file has no carriage returns, nor for files that do not fit in memory: the file is read as a
+ * whole.
  *
  * \snippet HashGenerator.cpp digest
  *
  * \par Contract
- * - **Threads:** may be called from any thread.
- * - **Ownership:** nothing is kept.
- * - **Errors:** nothing throws; a file that cannot be opened is warned of and gives a null array.
- *   One that breaks off while it is read gives the digest of what was read.
- * - **Units and formats:** a digest is raw bytes, not hexadecimal text. The file is read whole, in
- *   text mode: carriage returns do not count, so that a text has one digest whatever its line ends.
+ * - **Threads:** thread-safe.
+ * - **Ownership:** the class has no state; results are copies.
+ * - **Errors:** nothing throws. A file that cannot be opened returns a null array. If reading fails
+ *   in the middle of the file, the digest is that of the bytes read so far.
+ * - **Log messages:** \ref log-messages-hashgenerator "log messages of HashGenerator".
+ * - **Units and formats:** a digest is raw bytes, not hexadecimal text.
  *
+ * \sa \ref hashes, \ref gotchas
  * \since 1.0
  */
 class MISCTOOLS_EXPORT HashGenerator
@@ -35,27 +41,33 @@ public:
     virtual ~HashGenerator();
 
     /*!
-     * \brief The digest of the file at \a filePath, without its carriage returns.
+     * \brief Returns the digest of the file at \a filePath, without its carriage returns.
      *
-     * An empty file has the digest of no data. Warns "Can't find file:", the path, "!", or "Can't
-     * open file:", the path and the reason.
+     * An empty file has the digest of no data. If the file cannot be opened, returns a null array
+     * and warns "Can't find file:", the path, "!", or "Can't open file:", the path and the reason.
      */
     static QByteArray createHashFromFile(const QString& filePath,
                                          const QCryptographicHash::Algorithm& algorithm);
 };
 
 /*!
- * \brief The 32-bit FNV-1a hash of the bytes of \a text before its terminating zero.
+ * \brief Returns the 32-bit FNV-1a hash of the zero-terminated string \a text.
  *
- * A key for tables, not a protection. The algorithm: http://www.isthe.com/chongo/tech/comp/fnv/
+ * Use it as a key in hash tables, not for security. Thread-safe; logs nothing. The algorithm:
+ * http://www.isthe.com/chongo/tech/comp/fnv/
+ *
+ * \sa \ref hashes
  * \since 1.0
  */
 MISCTOOLS_EXPORT uint hashFromString(const char* text);
 
 /*!
- * \brief As above, of the text of \a value in UTF-8, up to its first zero byte.
+ * \brief Returns the hash of \a value, converted to a string in UTF-8, up to its first zero byte.
  *
- * 0 for an invalid variant, and for one of a type that has no text.
+ * Returns 0 for an invalid variant and for a type that cannot be converted to a string.
+ * Thread-safe; logs nothing.
+ *
+ * \sa \ref hashes
  * \since 1.0
  */
 MISCTOOLS_EXPORT uint hashFromString(const QVariant& value);

@@ -6,16 +6,22 @@
 #include <QtCore/QString>
 
 /*!
- * \brief The names that go with the kernel command line.
+ * \brief The path, key and value that BootInformationHelper looks for on the kernel command line.
+ *
+ * Use these names instead of literals in code that reads or writes the command line. To find out
+ * how the device booted, use BootInformationHelper instead.
  *
  * \snippet KernelCommandLineParser.cpp definition
  *
  * \par Contract
- * - **Threads:** may be called from any thread.
- * - **Ownership:** the texts live as long as the library.
- * - **Errors:** none.
+ * - **Threads:** thread-safe.
+ * - **Ownership:** the library owns the strings; the references remain valid until the process
+ *   exits.
+ * - **Errors:** nothing throws.
+ * - **Log messages:** none.
  * - **Units and formats:** see KernelCommandLineParser.
  *
+ * \sa \ref boot
  * \since 1.0
  */
 class MISCTOOLS_EXPORT KernelCommandLineDefinition
@@ -25,14 +31,14 @@ public:
     virtual ~KernelCommandLineDefinition();
 
     /*!
-     * \brief "/proc/cmdline": the arguments that the kernel was started with.
+     * \brief Returns "/proc/cmdline": the file with the arguments of the kernel.
      *
-     * The format is the kernel's own: https://docs.kernel.org/admin-guide/kernel-parameters.html
+     * The kernel documents its format: https://docs.kernel.org/admin-guide/kernel-parameters.html
      */
     static const QString& getFilePath();
-    /*! \brief "orvalismode": the argument that asks for a boot mode. */
+    /*! \brief Returns "orvalismode": the argument that requests a boot mode. */
     static const QString& getKeyOrvalisMode();
-    /*! \brief "factoryreset": its value that asks for a factory reset. */
+    /*! \brief Returns "factoryreset": the value that requests a factory reset. */
     static const QString& getValueOrvalisModeFactoryReset();
 };
 

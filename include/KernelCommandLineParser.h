@@ -7,22 +7,26 @@
 #include <QtCore/QStringList>
 
 /*!
- * \brief Answers what arguments the kernel was started with.
+ * \brief Reads the arguments that the boot loader passed to the kernel.
+ *
+ * Reads /proc/cmdline once, at construction, and splits it at spaces. Use it to look up single
+ * arguments. Do not use it for values that contain spaces: quotes have no special meaning.
  *
  * \snippet KernelCommandLineParser.cpp arguments
  *
- * The file /proc/cmdline is read once, at construction, and cut at its blanks; quotes mean nothing.
- *
  * \par Contract
- * - **Threads:** after construction an object is only read, and may be shared.
- * - **Ownership:** answers are copies.
- * - **Errors:** nothing throws. "No kernelCommandLine file" and "Can't open kernelCommandLine file"
- *   are warned of at construction; nothing is then contained.
- * - **Units and formats:** an argument is found by the beginning of its name: the key "orvalismode"
- *   also finds "orvalismodex=1". Of an argument that is given twice only the first counts. The line
- *   ends in a line feed, which belongs to its last word: the value of "mode" in a line that ends
- *   with "mode=x" is "x" and a line feed.
+ * - **Threads:** thread-safe after construction; one object may be shared between threads.
+ * - **Ownership:** results are copies.
+ * - **Errors:** nothing throws. If the file cannot be read, no argument is found.
+ * - **Log messages:** at construction, the warnings "No kernelCommandLine file" and "Can't open
+ *   kernelCommandLine file"; see
+ *   \ref log-messages-kernelcommandlineparser "log messages of KernelCommandLineParser".
+ * - **Units and formats:** a key matches the beginning of an argument: the key "orvalismode" also
+ *   finds "orvalismodex=1". If an argument is given twice, only the first one counts. The trailing
+ *   line feed of the file is part of the last argument: if the line ends with "mode=x", the value
+ *   of "mode" is "x" and a line feed.
  *
+ * \sa \ref boot, \ref gotchas
  * \since 1.0
  */
 class MISCTOOLS_EXPORT KernelCommandLineParser
@@ -32,17 +36,17 @@ public:
     KernelCommandLineParser();
     virtual ~KernelCommandLineParser();
 
-    /*! \brief The first argument that begins with \a key, whole; empty when there is none. */
+    /*! \brief Returns the whole first argument that begins with \a key; empty if there is none. */
     QString findKey(const QString& key) const;
 
-    /*! \brief Whether an argument begins with \a key. */
+    /*! \brief Returns true if an argument begins with \a key. */
     bool contains(const QString& key) const;
 
     /*!
-     * \brief What follows \a key, and "=" if there is one, in the first argument that begins with
-     * it.
+     * \brief Returns what follows \a key, without a leading "=", in the first argument that begins
+     *        with \a key.
      *
-     * Empty when there is no such argument, and when nothing follows.
+     * Empty if there is no such argument or if nothing follows.
      */
     QString getValue(const QString& key) const;
 

@@ -12,17 +12,22 @@
 /*!
  * \brief Finds files on a medium that was just mounted.
  *
+ * Use it for small media: connect its slot to whatever reports a mount. It does not detect mounts
+ * itself, and it searches in the calling thread. For a large medium, use
+ * RecursiveFileSearchWorkerThread in a thread pool instead.
+ *
  * \snippet MediaWatcher.cpp search
  *
- * The application tells where; the answer is a signal within the same call.
- *
  * \par Contract
- * - **Threads:** all happens in the caller's thread, which a large medium keeps busy. The signal
- *   may be connected across threads: the type "QFileInfoList" is registered at construction.
- * - **Ownership:** the parent owns the watcher, as QObject has it.
- * - **Errors:** nothing throws and nothing is logged; a missing medium has no files.
- * - **Units and formats:** patterns are wildcards such as "*.mp3"; without one every name fits.
+ * - **Threads:** reentrant; the search blocks the calling thread. The signal may be connected
+ *   across threads: the constructor registers the meta-type "QFileInfoList".
+ * - **Ownership:** the parent owns the watcher, as with any QObject.
+ * - **Errors:** nothing throws; a missing medium has no files.
+ * - **Log messages:** none.
+ * - **Units and formats:** patterns are wildcards such as "*.mp3"; without patterns, every name
+ *   matches.
  *
+ * \sa \ref files, \ref gotchas
  * \since 1.0
  */
 class MISCTOOLS_EXPORT MediaWatcher : public QObject
@@ -30,28 +35,40 @@ class MISCTOOLS_EXPORT MediaWatcher : public QObject
     Q_OBJECT
 
 public:
-    /*! \brief A watcher owned by \a parent, which may be null; not recursive, without patterns. */
+    /*!
+     * \brief Creates a watcher owned by \a parent, which may be null; not recursive, without
+     *        patterns.
+     */
     MediaWatcher(QObject* parent);
     ~MediaWatcher() override;
 
-    /*! \brief Whether to search all folders of a medium, or its top folder alone. */
+    /*!
+     * \brief Sets whether to search all directories of a medium, or its top directory alone.
+     *
+     * The default is false.
+     */
     void setRecursive(bool recursive);
 
-    /*! \brief The patterns of the names to look for. */
+    /*! \brief Sets the wildcard patterns of the names to search for. */
     void setFileMatchPatternList(const QStringList& patterns);
 
 Q_SIGNALS:
     /*!
-     * \brief The medium holds \a fileInfoList, which is never empty.
+     * \brief The search has found \a fileInfoList, which is never empty.
      *
-     * Files and folders alike; of a whole medium in the order of the file system, of its top folder
-     * sorted by name without regard to case. Hidden entries are left out; "." and ".." are in where
-     * a pattern lets them through or there is none, even if the medium is empty otherwise.
+     * The list contains files and directories. A recursive search returns them in the order of the
+     * file system; a search of the top directory sorts them by name, ignoring case. Hidden entries
+     * are omitted. "." and ".." are included if a pattern matches them or there are no patterns,
+     * even if the medium is otherwise empty.
      */
     void filesFound(const QFileInfoList& fileInfoList);
 
 public Q_SLOTS:
-    /*! \brief Searches the medium at \a strMountPath and emits filesFound() if an entry fits. */
+    /*!
+     * \brief Searches the medium at \a strMountPath.
+     *
+     * Emits filesFound() before it returns, unless no entry matches.
+     */
     void mediumMounted(const QString& strMountPath);
 
 private:

@@ -5,12 +5,12 @@
 
 /*!
  * \file
- * \brief The export macro of libMiscTools.
+ * \brief The export macro of the library.
  */
 
 /*!
  * \def MISCTOOLS_EXPORT
- * \brief Marks what leaves the library.
+ * \brief Marks a class or function as exported from the library.
  */
 #if defined(MISCTOOLS_BUILD)
 #define MISCTOOLS_EXPORT Q_DECL_EXPORT

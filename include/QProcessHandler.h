@@ -8,64 +8,76 @@
 #include <QtCore/QStringList>
 
 /*!
- * \brief Runs a program, waits for its end, and keeps its output.
+ * \brief Runs a program, waits until it exits, and keeps its output.
+ *
+ * Use it for short-lived programs with little output. Do not use it in a thread that must stay
+ * responsive, for a program with which the caller must interact, or for large output, which is held
+ * in memory: use QProcess and its signals instead.
  *
  * \snippet QProcessHandler.cpp run
  *
  * \par Contract
- * - **Threads:** one object, one thread; calls block for up to both time-outs together.
- * - **Ownership:** the object owns its process; destroying it kills a program that still runs.
- * - **Errors:** nothing throws. Time-outs and programs that cannot be started give -1 and one
- *   warning. No exit code is -1 on Linux: a program that leaves with -1 has the exit code 255.
+ * - **Threads:** reentrant; one object must not be used in two threads at a time. startProcess()
+ *   blocks for up to the sum of both time-outs.
+ * - **Ownership:** the object owns its process; destroying it kills a program that is still
+ *   running.
+ * - **Errors:** nothing throws. A time-out or a program that cannot be started returns -1. On
+ *   Linux, no exit code is -1: a program that calls exit(-1) has the exit code 255.
+ * - **Log messages:** one warning for each -1; see
+ *   \ref log-messages-qprocesshandler "log messages of QProcessHandler".
  * - **Units and formats:** time-outs are in milliseconds. Output is decoded as UTF-8 up to its
- *   first zero byte. The program's standard input stays open and empty, unless a file is set.
+ *   first zero byte. The program's standard input remains open and empty unless a file is set.
  *
+ * \sa \ref programs, \ref gotchas
  * \since 1.0
  */
 class MISCTOOLS_EXPORT QProcessHandler
 {
 public:
-    /*! \brief A handler with 30 seconds for either time-out. */
+    /*! \brief Creates a handler; both time-outs are 30 seconds. */
     QProcessHandler();
     virtual ~QProcessHandler();
 
     /*!
-     * \brief Runs \a program with \a arguments and waits for its end.
+     * \brief Runs \a program with \a arguments and waits until it exits.
      *
-     * \return the exit code, also after a crash (see getLastExitStatus()); -1 when the program did
-     *         not start or did not end in time. A program that did not end is left running, and
-     *         until it ends another one cannot be started: the next call then waits for the old
-     * one.
+     * \return the exit code, also after a crash (see getLastExitStatus()); -1 if the program did
+     *         not start or did not exit in time
+     *
+     * After a time-out the program keeps running. Until it exits no other program can be started:
+     * the next call waits for the old one.
      *
      * Warns "Timeout on starting command " or "Timeout from command ", each with the program, its
-     * arguments, and what it wrote so far, which is then no longer part of the kept output.
+     * arguments, and its output so far, which is then no longer part of the kept output.
      */
     int startProcess(const QString& program, const QStringList& arguments);
 
-    /*! \brief The limit for the program's start; a negative one is none. */
+    /*! \brief Sets the time-out for the program's start; a negative one means no limit. */
     void setWaitForStartedTimeout(int milliseconds);
-    /*! \brief The limit for the program's end; a negative one is none. */
+    /*! \brief Sets the time-out for the program's exit; a negative one means no limit. */
     void setWaitForFinishedTimeout(int milliseconds);
 
-    /*! \brief The file that all later programs read as their standard input. */
+    /*! \brief Sets the file that later programs read as their standard input. */
     void setStandardInputFile(const QString& fileName);
-    /*! \brief The working directory of all later programs. */
+    /*! \brief Sets the working directory of later programs. */
     void setWorkingDirectory(const QString& directory);
 
-    /*! \brief What the last program wrote on its standard output. */
+    /*! \brief Returns what the last program wrote to its standard output. */
     QString getStandardOutput() const;
-    /*! \brief What the last program wrote on its standard error. */
+    /*! \brief Returns what the last program wrote to its standard error. */
     QString getStandardError() const;
     /*!
-     * \brief How the last program ended: a QProcess::ExitStatus, 0 by itself, 1 by a crash.
+     * \brief Returns how the last program ended, as a QProcess::ExitStatus: 0 for a normal exit, 1
+     *        for a crash.
      *
-     * 1 before the first run. For a program that still runs it is what QProcess says.
+     * Returns 1 before the first run. For a program that is still running, returns what
+     * QProcess::exitStatus() returns.
      */
     int getLastExitStatus() const;
 
-    /*! \brief Forgets the kept output; the exit status becomes 1. */
+    /*! \brief Clears the kept output; the exit status becomes 1. */
     void clearLastStates();
-    /*! \brief Keeps the output that is there to be read, and the exit status. */
+    /*! \brief Replaces the kept output with what can be read now, and keeps the exit status. */
     void saveLastStates();
 
 private:

@@ -9,18 +9,24 @@
 #include <QtCore/QStringList>
 
 /*!
- * \brief Searches a folder and all below it, as a task for a thread pool.
+ * \brief Searches a directory tree as a task for a thread pool.
+ *
+ * Use it for large trees, so that the calling thread is not blocked. In a thread that may block,
+ * call searchFilesOnPathRecursive() instead. A search cannot be canceled.
  *
  * \snippet RecursiveFileSearchWorkerThread.cpp search
  *
  * \par Contract
- * - **Threads:** the library starts none. run() works in the thread that calls it and emits there;
- *   receivers in other threads get the signal through their event loop.
- * - **Ownership:** a thread pool deletes the task after it ran, unless setAutoDelete(false) was
- *   called; otherwise it is the caller's.
- * - **Errors:** nothing throws and nothing is logged; a missing folder has no entries.
- * - **Units and formats:** patterns are wildcards such as "*.csv"; without one every name fits.
+ * - **Threads:** the library starts no thread. run() searches in the thread that calls it and emits
+ *   the signal there; a receiver in another thread gets it through its event loop.
+ * - **Ownership:** a thread pool deletes the task after its run, unless setAutoDelete(false) was
+ *   called. Otherwise the caller owns it.
+ * - **Errors:** nothing throws; a missing directory has no entries.
+ * - **Log messages:** none.
+ * - **Units and formats:** patterns are wildcards such as "*.csv"; without patterns, every name
+ *   matches.
  *
+ * \sa \ref files, \ref gotchas
  * \since 1.0
  */
 class MISCTOOLS_EXPORT RecursiveFileSearchWorkerThread : public QObject, public QRunnable
@@ -28,19 +34,23 @@ class MISCTOOLS_EXPORT RecursiveFileSearchWorkerThread : public QObject, public 
     Q_OBJECT
 
 public:
-    /*! \brief A search for names that fit \a fileMatchPatternList in \a path and below. */
+    /*!
+     * \brief Creates a search in \a path and all directories below it for names that match
+     *        \a fileMatchPatternList.
+     */
     RecursiveFileSearchWorkerThread(const QString& path, const QStringList& fileMatchPatternList);
     ~RecursiveFileSearchWorkerThread() override;
 
-    /*! \brief Searches, and emits searchFinished(). */
+    /*! \brief Searches and emits searchFinished(). */
     void run() override;
 
 Q_SIGNALS:
     /*!
-     * \brief The search is over; \a result holds the entries' paths relative to the folder.
+     * \brief The search has finished; \a result contains the paths of the entries, relative to the
+     *        directory.
      *
-     * Always emitted, also with an empty list. The entries are those that the string-list overload
-     * of searchFilesOnPathRecursive() finds.
+     * Always emitted, also with an empty list. The entries are those of the QStringList overload of
+     * searchFilesOnPathRecursive().
      */
     void searchFinished(const QStringList& result);
 

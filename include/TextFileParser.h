@@ -8,25 +8,30 @@
 #include <QtCore/QStringList>
 
 /*!
- * \brief Matches regular expressions over the text of a file.
+ * \brief Matches regular expressions against the text of a file.
+ *
+ * Use it for text files that fit in memory and have no parser of their own; for INI files use
+ * IniFileManager instead. Do not use it for binary files: the text ends at the first zero byte. For
+ * expressions or files from an untrusted source, observe the limits below.
  *
  * \snippet TextFileParser.cpp match
  *
  * \par Contract
- * - **Threads:** one object, one thread.
- * - **Ownership:** the file is read whole at construction and closed again; what changes later is
- *   not seen.
- * - **Errors:** nothing throws. Each error is a warning, sets hasError() and replaces
- *   getLastError(); only clearLastError() takes that back. The object stays usable: without a file
- *   the text is empty.
+ * - **Threads:** reentrant; one object must not be used in two threads at a time.
+ * - **Ownership:** the constructor reads the whole file and closes it; later changes to the file
+ *   are not seen. Copies are independent.
+ * - **Errors:** nothing throws. Each error sets hasError() and replaces getLastError(); only
+ *   clearLastError() resets them. The object remains usable: without a file, the text is empty.
+ * - **Log messages:** one warning for each error; see
+ *   \ref log-messages-textfileparser "log messages of TextFileParser".
  * - **Units and formats:** the text is decoded as UTF-8 up to its first zero byte, without carriage
  *   returns. Expressions are those of QRegularExpression.
- * - **Limits:** the file is held in memory, as bytes while it is read and then as a QString; one of
- *   2 GiB or more counts as empty, as QIODevice::readAll() has it. The steps of a search are
- * limited for each position where a match may start, not for the text, so that a bad expression
- * over a long text may take minutes. One that begins with "(*LIMIT_MATCH=10000)" is given up
- * sooner.
+ * - **Limits:** the file is held in memory, as bytes while it is read and then as a QString; a file
+ *   of 2 GiB or more counts as empty, as with QIODevice::readAll(). The number of steps of a search
+ *   is limited for each position where a match may start, not for the whole text: a bad expression
+ *   may take minutes on a long text. Begin it with "(*LIMIT_MATCH=10000)" to stop earlier.
  *
+ * \sa \ref programs, \ref gotchas, \ref security
  * \since 1.0
  */
 class MISCTOOLS_EXPORT TextFileParser
@@ -40,42 +45,44 @@ public:
     TextFileParser(const QString& filePath);
     virtual ~TextFileParser();
 
-    /*! \brief An independent copy. */
+    /*! \brief Copies the text and the last error. */
     TextFileParser(const TextFileParser&) = default;
-    /*! \brief Makes this an independent copy. */
+    /*! \brief Copies the text and the last error. */
     TextFileParser& operator=(const TextFileParser&) = default;
 
     /*!
-     * \brief The first result of multiMatch(); a null text when there is none.
+     * \brief Returns the first result of multiMatch(); a null string if there is none.
+     *
+     * Errors: those of multiMatch().
      */
     QString match(const QRegularExpression& regularExpression);
 
     /*!
-     * \brief One text per match, in the order of the file.
+     * \brief Returns one string for each match, in the order of the file.
      *
-     * The text is that of the expression's first group, which may be empty, and the whole match
-     * where the expression has no group or none took part.
+     * The string is the capture of the expression's first group, which may be empty; it is the
+     * whole match if the expression has no group or no group took part in the match.
      *
      * Errors: "Invalid regular expresion: <pattern>", then "Invalid match on expresion: <pattern>".
-     * The second one alone where the search for the first match takes too many steps and is given
-     * up; a later match that takes too many ends the list without an error.
+     * If the search for the first match exceeds the limit of steps, the second error alone; if the
+     * search for a later match does, the list ends without an error.
      */
     QStringList multiMatch(const QRegularExpression& regularExpression);
 
     /*!
-     * \brief All matches over the text; an invalid iterator for an invalid expression.
+     * \brief Returns all matches in the text; an invalid iterator if the expression is invalid.
      *
      * Error: "Invalid regular expresion: <pattern>".
      */
     QRegularExpressionMatchIterator internallMatch(const QRegularExpression& regularExpression);
 
-    /*! \brief Whether there was an error since clearLastError(). */
+    /*! \brief Returns true after an error, until clearLastError() is called. */
     bool hasError() const;
-    /*! \brief The text of the last error. */
+    /*! \brief Returns the message of the last error. */
     QString getLastError() const;
-    /*! \brief Forgets the error. */
+    /*! \brief Clears the last error. */
     void clearLastError();
-    /*! \brief Notes the error \a error and warns of it. */
+    /*! \brief Sets the last error to \a error and logs it as a warning. */
     void setError(const QString& error);
 
 private:

@@ -6,30 +6,36 @@
 #include <QtCore/QAtomicInt>
 
 /*!
- * \brief Hands out numbers that are unique within the process: 0, 1, 2 and so on.
+ * \brief Generates numbers that are unique within the process: 0, 1, 2 and so on.
+ *
+ * Use it to number objects or requests within one process. Do not use it for identifiers that are
+ * stored or sent elsewhere: every process starts at 0.
  *
  * \snippet UniqueIdGenerator.cpp number
  *
  * \par Contract
- * - **Threads:** all calls may overlap; no two get the same number. No call waits for another.
- * - **Ownership:** the one instance lives as long as the process.
- * - **Errors:** none. Behind 2147483647 comes -2147483648; that is not checked.
- * - **Units and formats:** numbers begin anew with every process.
+ * - **Threads:** thread-safe and lock-free; no two calls return the same number.
+ * - **Ownership:** getInstance() returns a static object, which the library owns; the caller owns
+ *   any other generator.
+ * - **Errors:** nothing throws. After 2147483647 the numbers continue with -2147483648, unchecked.
+ * - **Log messages:** none.
+ * - **Units and formats:** signed 32-bit integers.
  *
+ * \sa \ref hashes
  * \since 1.0
  */
 class MISCTOOLS_EXPORT UniqueIdGenerator
 {
 public:
-    /*! \brief A generator of its own, which begins at 0. */
+    /*! \brief Creates a separate generator, which starts at 0. */
     UniqueIdGenerator();
     ~UniqueIdGenerator(); // NOLINT(performance-trivially-destructible): part of the binary
                           // interface
 
-    /*! \brief The process's generator. */
+    /*! \brief Returns the generator that the whole process shares. */
     static UniqueIdGenerator& getInstance();
 
-    /*! \brief The next number. */
+    /*! \brief Returns the next number. */
     QAtomicInt getId();
 
 private:

@@ -7,33 +7,38 @@
 #include <QtCore/QVariant>
 
 /*!
- * \brief Checked conversions of variants.
+ * \brief Converts variants and reports whether the conversion is possible.
+ *
+ * Use it where a variant of the wrong type must not silently become a default value. Do not use it
+ * to validate a value: the variant's type alone decides (QVariant::canConvert()), so that every
+ * string can be converted to a bool.
  *
  * \snippet VariantConversionTools.cpp convert
  *
- * Whether a conversion is possible is decided by the variant's type alone (QVariant::canConvert): a
- * text can be made a bool whatever it says.
- *
  * \par Contract
- * - **Threads:** may be called from any thread.
- * - **Ownership:** nothing is kept.
- * - **Errors:** nothing throws; an impossible conversion is warned of and gives false.
- * - **Units and formats:** as QVariant::toBool() and QVariant::toString() convert.
+ * - **Threads:** thread-safe.
+ * - **Ownership:** the class has no state; results are copies.
+ * - **Errors:** nothing throws; a conversion that is not possible returns false.
+ * - **Log messages:** one warning for each conversion that is not possible; see
+ *   \ref log-messages-variantconversiontools "log messages of VariantConversionTools".
+ * - **Units and formats:** conversions are those of QVariant::toBool() and QVariant::toString().
  *
+ * \sa \ref errors
  * \since 1.0
  */
 class MISCTOOLS_EXPORT VariantConversionTools
 {
 public:
     /*!
-     * \brief Converts \a value into \a result.
+     * \brief Converts \a value to a bool in \a result.
      *
-     * \return whether that is possible; otherwise \a result stays as it is, and "Unable to convert
-     *         QVariant", the variant, "to bool!" is warned of
+     * \return true if the conversion is possible; otherwise false, and \a result is unchanged
+     *
+     * If it is not possible, warns "Unable to convert QVariant", the variant, "to bool!".
      */
     static bool toBool(const QVariant& value, bool& result);
 
-    /*! \brief As above, into a text; the warning ends in "to string!". */
+    /*! \brief Like toBool(), to a string; the warning ends in "to string!". */
     static bool toString(const QVariant& value, QString& result);
 };
 

@@ -6,83 +6,105 @@
 #include <QtCore/QString>
 
 /*!
- * \brief Takes a software version apart, in the old or the new format.
+ * \brief Parses a software version in the old or the new format.
+ *
+ * Use it to read the parts of a version. Do not use it to compare versions: the parts are strings.
+ * The number of dots decides the format: a version with two dots is in the old format, "V8.12.3-45"
+ * (base number, major, minor and test index). Any other is parsed in the new format, which has four
+ * dots, "8.100.2.7.1234-g1a2b3c" (base number, major, minor, patch version, build number and git
+ * hash).
  *
  * \snippet VersionManager.cpp parts
  *
- * The number of dots decides: two make the old format, "V8.12.3-45" (base number, major, minor and
- * test index), anything else is read as the new one, "8.100.2.7.1234-g1a2b3c" (base number, major,
- * minor, patch version, build number and git hash), which has four.
- *
  * \par Contract
- * - **Threads:** the getters only read, and several threads may call them on one object. The three
- *   initialize functions change the object and must not run beside any other call.
- * - **Ownership:** a value that may be copied; getters return copies.
- * - **Errors:** nothing throws. What a version does not hold is a null text; what is odd is a
- *   warning.
- * - **Units and formats:** every part is text as it stands, leading zeros included.
+ * - **Threads:** reentrant; several threads may call the getters of one object, but the three
+ *   initialize functions must not overlap with any other call.
+ * - **Ownership:** copies are independent; getters return copies.
+ * - **Errors:** nothing throws. A part that the version does not contain is a null string.
+ * - **Log messages:** warnings for versions in neither format and for getters of the other format;
+ *   see \ref log-messages-versionmanager "log messages of VersionManager".
+ * - **Units and formats:** every part is a string, unchanged, including leading zeros.
  *
+ * \sa \ref versions, \ref formats
  * \since 1.0
  */
 class MISCTOOLS_EXPORT VersionManager
 {
 public:
-    /*! \brief Takes \a version apart, as initializeVersions(). */
+    /*! \brief Parses \a version, as initializeVersions() does. */
     VersionManager(const QString& version);
     virtual ~VersionManager();
 
-    /*! \brief An independent copy. */
+    /*! \brief Copies the parts. */
     VersionManager(const VersionManager&) = default;
-    /*! \brief Makes this an independent copy. */
+    /*! \brief Copies the parts. */
     VersionManager& operator=(const VersionManager&) = default;
 
-    /*! \brief The version without "V", test index or git hash: "8.12.3", "8.100.2.7.1234". */
+    /*!
+     * \brief Returns the version without "V", test index or git hash: "8.12.3", "8.100.2.7.1234".
+     */
     QString getMainVersion() const;
-    /*! \brief The text before the first dot of the main version (old format: the last but one). */
+    /*!
+     * \brief Returns what is before the first dot of the main version; in the old format, before
+     *        the last dot but one.
+     */
     QString getBaseNumber() const;
-    /*! \brief The number after the base number. */
+    /*! \brief Returns the number after the base number. */
     QString getMajorIndex() const;
-    /*! \brief The number after the major index. */
+    /*! \brief Returns the number after the major index. */
     QString getMinorIndex() const;
 
-    /*! \brief Old format only; else warns "Test index exist only in old version." */
+    /*!
+     * \brief Returns the test index of the old format.
+     *
+     * In the new format, warns "Test index exist only in old version."
+     */
     QString getTestIndex() const;
-    /*! \brief New format only; else warns "Patch version exist only in new version." */
+    /*!
+     * \brief Returns the patch version of the new format.
+     *
+     * In the old format, warns "Patch version exist only in new version."
+     */
     QString getPatchVersion() const;
-    /*! \brief New format only; else warns "Build number exist only in new version." */
+    /*!
+     * \brief Returns the build number of the new format.
+     *
+     * In the old format, warns "Build number exist only in new version."
+     */
     QString getBuildNumber() const;
     /*!
-     * \brief All that follows the first dash. New format only; else warns "Git hash exist only in
-     *        new version."
+     * \brief Returns the git hash of the new format: everything after the first dash.
+     *
+     * In the old format, warns "Git hash exist only in new version."
      */
     QString getGitHash() const;
 
-    /*! \brief Whether the version was read in the old format. */
+    /*! \brief Returns true if the version was parsed in the old format. */
     bool isOldVersion() const;
 
     /*!
-     * \brief Whether \a version is in the old format: it has two dots.
+     * \brief Returns true if \a version is in the old format, which has two dots.
      *
-     * Neither two nor four dots warn "Number of dots", the number, "in version not allowed:", the
-     * version, and count as the new format.
+     * Any other version counts as the new format. If it does not have four dots, warns "Number of
+     * dots", the number, "in version not allowed:", the version.
      */
     bool isOldVersion(const QString& version);
 
-    /*! \brief Decides the format of \a version and takes it apart. */
+    /*! \brief Determines the format of \a version and parses it. */
     void initializeVersions(const QString& version);
 
     /*!
-     * \brief Sets the parts of the old format, from the first place where the expression matches.
+     * \brief Sets the parts of the old format.
      *
-     * Where it does not, warns "Can not convert the following version:" with the version and sets
-     * nothing.
+     * They are the captures of the first match of getRegularExpressionVersion(). If there is no
+     * match, sets nothing and warns "Can not convert the following version:" with the version.
      */
     void initializeVersionsOld(const QString& version);
 
-    /*! \brief Sets the parts of the new format; parts that \a version lacks stay as they are. */
+    /*! \brief Sets the parts of the new format; parts that \a version lacks remain unchanged. */
     void initializeVersionsNew(const QString& version);
 
-    /*! \brief The expression of the old format. */
+    /*! \brief Returns the regular expression of the old format. */
     static const QString& getRegularExpressionVersion();
 
 private:

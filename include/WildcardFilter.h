@@ -12,46 +12,53 @@
 
 /*!
  * \file
- * \brief The wildcard filter, and functions that search folders and join paths.
+ * \brief The wildcard filter, and functions that search directories and join paths.
  */
 
 /*!
- * \brief Tells whether a file's name fits one of several wildcard patterns, such as "*.txt".
+ * \brief Matches file names against several wildcard patterns, such as "*.txt".
+ *
+ * Use it for names that the program already has. To find the files of a directory, pass the
+ * patterns to searchFilesOnPathRecursive() instead. Paths are not supported: pass the bare name.
  *
  * \snippet WildcardFilter.cpp filter
  *
  * \par Contract
- * - **Threads:** after construction a filter is only read, and may be shared.
- * - **Ownership:** a filter keeps what it needs of the patterns.
- * - **Errors:** nothing throws; an empty name is warned of.
- * - **Units and formats:** patterns as QRegExp::Wildcard has them; the whole name must fit.
- * - **Limits:** no pattern backtracks, but in a row of stars each costs more than the one before:
- *   254 of them take a good part of a second over the longest name, 1000 of them several.
+ * - **Threads:** thread-safe after construction; one object may be shared between threads.
+ * - **Ownership:** copies are independent; the filter keeps its own copy of the patterns.
+ * - **Errors:** nothing throws; an empty name matches nothing.
+ * - **Log messages:** one warning for each empty name; see
+ *   \ref log-messages-wildcardfilter "log messages of WildcardFilter".
+ * - **Units and formats:** patterns are those of QRegExp::Wildcard; the whole name must match.
+ * - **Limits:** patterns do not backtrack, but in a sequence of consecutive stars each one costs
+ *   more than the one before: 254 stars take a considerable part of a second with the longest
+ *   possible name, 1000 stars several seconds.
  *
+ * \sa \ref files, \ref gotchas
  * \since 1.0
  */
 class MISCTOOLS_EXPORT WildcardFilter
 {
 public:
     /*!
-     * \brief A filter of \a patterns; without any it lets nothing through.
+     * \brief Creates a filter for \a patterns; without patterns, it matches nothing.
      *
      * \param patterns the wildcard patterns
-     * \param filters  with QDir::CaseSensitive (which QDir::NoFilter contains) case counts; no
-     *                 other flag has a meaning here
+     * \param filters  QDir::CaseSensitive (which QDir::NoFilter contains) makes the filter
+     *                 case-sensitive; other flags are ignored
      */
     WildcardFilter(const QStringList& patterns, QDir::Filters filters);
     virtual ~WildcardFilter();
 
-    /*! \brief An independent copy. */
+    /*! \brief Copies the patterns. */
     WildcardFilter(const WildcardFilter&) = default;
-    /*! \brief Makes this an independent copy. */
+    /*! \brief Copies the patterns. */
     WildcardFilter& operator=(const WildcardFilter&) = default;
 
     /*!
-     * \brief Whether the bare name \a fileName fits one of the patterns.
+     * \brief Returns true if the bare name \a fileName matches one of the patterns.
      *
-     * An empty name fits none and warns "Can't match filter to empty file name:".
+     * For an empty name, returns false and warns "Can't match filter to empty file name:".
      */
     bool matchesFilters(const QString& fileName) const;
 
@@ -60,15 +67,17 @@ private:
 };
 
 /*!
- * \brief Appends every entry below the folder \a path, at any depth, to \a result.
+ * \brief Appends every entry below the directory \a path, at any depth, to \a result.
  *
- * \param path        the folder; one that does not exist or cannot be read, or whose path has a NUL
- *                    in it, has no entries
- * \param nameFilters wildcard patterns of names; an empty list lets every name through
- * \param filters     what kinds of entries count, as QDirIterator has it
- * \param result      never cleared; entries come in the order of the file system
+ * \param path        the directory; one that does not exist or cannot be read, or whose path
+ *                    contains a NUL, has no entries
+ * \param nameFilters wildcard patterns of names; an empty list matches every name
+ * \param filters     the kinds of entries, as for QDirIterator
+ * \param result      is not cleared; entries are in the order of the file system
  *
- * Links to folders are not followed. May be called from any thread; logs nothing.
+ * Links to directories are not followed. Thread-safe; nothing throws; logs nothing.
+ *
+ * \sa \ref files, \ref gotchas
  * \since 1.0
  */
 MISCTOOLS_EXPORT void searchFilesOnPathRecursive(const QString& path,
@@ -76,10 +85,10 @@ MISCTOOLS_EXPORT void searchFilesOnPathRecursive(const QString& path,
                                                  QDir::Filters filters, QFileInfoList& result);
 
 /*!
- * \brief As above with QDir::NoFilter.
+ * \brief Like the overload with filters, with QDir::NoFilter.
  *
- * That leaves hidden entries out, ignores case, and includes "." and ".." where a name filter lets
- * them through or there is none.
+ * This omits hidden entries, ignores case, and includes "." and ".." if a name filter matches them
+ * or there are no name filters.
  * \since 1.0
  */
 MISCTOOLS_EXPORT void searchFilesOnPathRecursive(const QString& path,
@@ -87,10 +96,11 @@ MISCTOOLS_EXPORT void searchFilesOnPathRecursive(const QString& path,
                                                  QFileInfoList& result);
 
 /*!
- * \brief As above; appends each entry's path relative to \a path, such as "sub/file.txt".
+ * \brief Like the overload without filters; appends each entry's path relative to \a path, such as
+ *        "sub/file.txt".
  *
- * The path is what QDir::relativeFilePath() makes of it: with a relative \a path other than "." it
- * is relative to the current folder, so give an absolute one.
+ * The path is the one that QDir::relativeFilePath() returns. Pass an absolute \a path: with a
+ * relative one other than "." the result is relative to the current directory.
  * \since 1.0
  */
 MISCTOOLS_EXPORT void searchFilesOnPathRecursive(const QString& path,
@@ -98,9 +108,10 @@ MISCTOOLS_EXPORT void searchFilesOnPathRecursive(const QString& path,
                                                  QStringList& result);
 
 /*!
- * \brief Joins \a firstPath and \a secondPath with one "/", unless the first ends in one.
+ * \brief Returns \a firstPath and \a secondPath, joined with a "/" unless the first ends in one.
  *
- * Nothing else is changed: an empty \a firstPath makes the result absolute.
+ * Nothing else is changed: with an empty \a firstPath, the result is an absolute path. Thread-safe;
+ * logs nothing.
  * \since 1.0
  */
 MISCTOOLS_EXPORT QString concatenatePaths(const QString& firstPath, const QString& secondPath);

@@ -4,7 +4,7 @@
 
 QString DeviceManifestManager::getProductCode()
 {
-    // The environment comes first so that a bench can play any product with one build.
+    // The environment takes precedence, so that one build can run as any product on a test bench.
     static constexpr char environmentVariable[] = "MISCTOOLS_PRODUCT_CODE";
     if (qEnvironmentVariableIsSet(environmentVariable)) {
         return qEnvironmentVariable(environmentVariable);

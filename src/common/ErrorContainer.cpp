@@ -72,7 +72,7 @@ int ErrorContainer::getErrorCodeFunctionNotImplemented()
 
 void ErrorContainer::registerTypes()
 {
-    // The first call keeps the type's number; later ones only read it.
+    // Qt caches the type's number: later calls are cheap and thread-safe.
     qRegisterMetaType<ErrorContainer>();
 }
 

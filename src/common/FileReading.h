@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <cstring>
 
-// Returns what readAll() returns for a file that is open in text mode, for one that is not: no
-// carriage returns, and null where nothing else is left. Qt's text mode looks at each byte, and so
-// does QByteArray::indexOf(): both take twice as long as memchr().
+// Returns for a file in binary mode what readAll() returns in text mode: no carriage returns, and
+// null if nothing else remains. Qt's text mode and QByteArray::indexOf() examine each byte, which
+// takes twice as long as memchr().
 inline QByteArray readAllInTextMode(QIODevice& file)
 {
     QByteArray bytes = file.readAll();
@@ -21,8 +21,8 @@ inline QByteArray readAllInTextMode(QIODevice& file)
     return bytes.isEmpty() ? QByteArray() : bytes;
 }
 
-// Returns QString::fromUtf8(bytes), which ends at the first zero byte and looks for it byte by
-// byte.
+// Returns the same as QString::fromUtf8(bytes), which stops at the first zero byte, but searches
+// for that byte with memchr().
 inline QString decodeToFirstZeroByte(const QByteArray& bytes)
 {
     if (bytes.isNull()) {

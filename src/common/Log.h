@@ -6,11 +6,11 @@
 
 /*!
  * \internal
- * Every message of the library starts here: MISCTOOLS_LOG(IniFileManager).warning() << ...
+ * The library logs every message through this macro: MISCTOOLS_LOG(IniFileManager).warning() << ...
  *
- * The context is the class's name as the file, the line, the whole signature of the calling
- * function and the category "default". Qt's own qWarning() and qDebug() leave all of that out of
- * release builds, and a field log without it is of little use.
+ * The context consists of the class name as the file, the line, the signature of the calling
+ * function and the category "default". qWarning() and qDebug() omit file, line and function in
+ * release builds, which makes field logs hard to use.
  */
 #define MISCTOOLS_LOG(SourceFile) QMessageLogger(#SourceFile, __LINE__, Q_FUNC_INFO)
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-// isInitialized() says it as well; readers of field logs rely on that.
+// isInitialized() logs the same text; programs that evaluate field logs rely on it.
 constexpr char errorOnReadingMaxValue[] = "Error on reading max value for instance";
 
 void setToNow(QDateTime& date)
@@ -13,7 +13,7 @@ void setToNow(QDateTime& date)
     date.setTime(QTime::currentTime());
 }
 
-// Whether value is the first one of a record, or widens the range of one.
+// Returns true if value is the first one of a record or widens the range of a record.
 bool changesAny(const QList<DragIndicator::DragIndicatorInstance>& instances, double value)
 {
     for (const DragIndicator::DragIndicatorInstance& instance : instances) {
@@ -48,8 +48,8 @@ void DragIndicator::reset()
 
 bool DragIndicator::compute(double value)
 {
-    // Mostly nothing changes, and then a list that is shared with a copy of this object stays
-    // shared.
+    // Usually nothing changes; then a list that is shared with a copy of this object must not
+    // detach.
     if (!m_textDateImported && !changesAny(m_instances, value)) {
         return false;
     }
@@ -87,7 +87,7 @@ bool DragIndicator::checkInstance(DragIndicator::DragIndicatorInstance& instance
         isChanged = true;
     }
     if (m_textDateImported) {
-        // Saved once more, the dates are in the newer form.
+        // Saving the records again converts their dates to the current format.
         m_textDateImported = false;
         isChanged = true;
     }

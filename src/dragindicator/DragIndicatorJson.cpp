@@ -15,7 +15,7 @@ namespace {
 
 constexpr int expectedInstances = 2;
 
-// Reads the members of one object, and notes whether all of them were there.
+// Reads the members of one object, and records whether all of them exist.
 class MemberReader
 {
 public:
@@ -29,12 +29,12 @@ public:
         check(key, readDoubleValueFromJson(key, m_object, value));
     }
 
-    // Returns an empty text when there is none; emptyText is the warning for one that is there.
+    // Returns an empty string if the member is missing; logs emptyText if it exists but is empty.
     QString readDate(const QString& key, const char* emptyText)
     {
         QString date;
         if (!check(key, readStringValueFromJson(key, m_object, date))) {
-            return QString(); // whatever the reader has left in date
+            return QString(); // the platform function may have changed date
         }
         if (date.isEmpty()) {
             m_log.warning() << emptyText;
@@ -90,7 +90,7 @@ QJsonArray DragIndicator::asJsonArray() const
 
 bool DragIndicator::fromJsonArray(const QJsonArray& jsonArray)
 {
-    // Every message is this function's, also where a reader makes it.
+    // The reader logs with the context of this function.
     const QMessageLogger log = MISCTOOLS_LOG(DragIndicator);
     const auto toDate = [this](const QString& text) {
         if (text.isEmpty()) {

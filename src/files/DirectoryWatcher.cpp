@@ -4,7 +4,7 @@ DirectoryWatcher::DirectoryWatcher(const QStringList& paths) : m_delayInMs(1000)
 {
     m_delayTimer.setSingleShot(true);
     connect(&m_delayTimer, &QTimer::timeout, this, &DirectoryWatcher::delayTimeout);
-    if (!paths.isEmpty()) { // Qt warns of an empty list
+    if (!paths.isEmpty()) { // Qt warns about an empty list
         m_fileSystemWatcher.addPaths(paths);
     }
     connect(&m_fileSystemWatcher, &QFileSystemWatcher::directoryChanged, this,

@@ -6,22 +6,22 @@ namespace {
 
 const QLatin1Char slash('/');
 
-// A path with a NUL names nothing. The system reads it up to the NUL, and so each path below it,
-// too: an iterator would find the same directory in itself for ever.
+// A path that contains a NUL names no file. The system reads it, and every path below it, up to the
+// NUL: an iterator would find the same directory in itself forever.
 bool canNameDirectory(const QString& path)
 {
     return !path.contains(QChar::Null);
 }
 
-// Qt replaces QDir::NoFilter by all entries. 5.15.2 does so only after it has taken the flag for
-// case from it, and would match patterns otherwise than later versions.
+// Qt replaces QDir::NoFilter with QDir::AllEntries. Qt 5.15.2 first evaluates the flag for case
+// sensitivity, which NoFilter contains, and would match patterns differently from later versions.
 QDir::Filters resolved(QDir::Filters filters)
 {
     return filters == QDir::NoFilter ? QDir::AllEntries : filters;
 }
 
-// Entries' paths relative to the directory that is searched. QDir::relativeFilePath() takes longer
-// than finding the entry, and mostly the answer is what follows the directory's path.
+// Computes entries' paths relative to the directory that is searched. QDir::relativeFilePath()
+// takes longer than finding the entry; usually the result is what follows the directory's path.
 class RelativePaths
 {
 public:
@@ -35,7 +35,7 @@ public:
 
     QString ofEntry(const QString& path) const
     {
-        // A directory's entries for itself and its parent are the exception.
+        // Except for the entries "." and "..".
         const bool isPrefixed = m_isPlain && !path.endsWith(QLatin1String("/.")) &&
                                 !path.endsWith(QLatin1String("/.."));
         return isPrefixed ? path.mid(m_prefixSize) : m_directory.relativeFilePath(path);

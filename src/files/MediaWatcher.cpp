@@ -4,7 +4,7 @@
 
 MediaWatcher::MediaWatcher(QObject* parent) : QObject(parent), m_recursive(false)
 {
-    // Once: Qt warns where two threads register a list at the same time.
+    // Once per process: Qt warns if two threads register a list type at the same time.
     static const int type = qRegisterMetaType<QList<QFileInfo>>("QFileInfoList");
     Q_UNUSED(type)
 }

@@ -7,7 +7,8 @@
 
 namespace {
 
-// The matches of expression over text; an invalid iterator, and an error, for an invalid one.
+// Returns the matches of expression in text. If expression is invalid, returns an invalid iterator
+// and sets the parser's error.
 QRegularExpressionMatchIterator matchesOver(const QString& text,
                                             const QRegularExpression& expression,
                                             QRegularExpression::MatchOptions options,
@@ -15,18 +16,18 @@ QRegularExpressionMatchIterator matchesOver(const QString& text,
 {
     if (!expression.isValid()) {
         parser.setError(QStringLiteral("Invalid regular expresion: ") + expression.pattern());
-        // A default-constructed iterator counts as valid. One that begins behind the end of its
-        // text does not, and Qt says nothing of its own.
+        // A default-constructed iterator is valid. One that begins after the end of its text is
+        // not, and Qt logs nothing.
         return expression.globalMatch(QString(), 1);
     }
     return expression.globalMatch(text, 0, QRegularExpression::NormalMatch, options);
 }
 
-// The same, where the iterator stays with the parser; tells whether it is valid.
+// Assigns the matches to an iterator that does not leave the parser. Returns true if it is valid.
 bool findMatches(const QString& text, const QRegularExpression& expression, TextFileParser& parser,
                  QRegularExpressionMatchIterator& matches)
 {
-    // What the parser has decoded itself is sound UTF-16 and need not be checked each time.
+    // The parser decoded the text itself: it is valid UTF-16 and need not be checked each time.
     matches = matchesOver(text, expression, QRegularExpression::DontCheckSubjectStringMatchOption,
                           parser);
     if (!matches.isValid()) {
@@ -35,10 +36,10 @@ bool findMatches(const QString& text, const QRegularExpression& expression, Text
     return matches.isValid();
 }
 
-// The text that counts of a match.
+// Returns the first group of a match, or the whole match if no group took part.
 QString resultOf(const QRegularExpressionMatch& match)
 {
-    // Groups behind the last one that took part are not among the captured texts.
+    // lastCapturedIndex() ignores groups after the last one that took part in the match.
     const bool hasGroup = match.lastCapturedIndex() >= 1;
     return match.captured(hasGroup ? 1 : 0);
 }
@@ -65,7 +66,7 @@ TextFileParser::~TextFileParser() = default;
 QString TextFileParser::match(const QRegularExpression& regularExpression)
 {
     QRegularExpressionMatchIterator matches;
-    // Looking without taking leaves the rest of the text alone.
+    // peekNext() does not search for the next match.
     return findMatches(m_content, regularExpression, *this, matches) && matches.hasNext()
                ? resultOf(matches.peekNext())
                : QString();

@@ -22,8 +22,8 @@ bool WildcardFilter::matchesFilters(const QString& fileName) const
         return false;
     }
     for (const QRegExp& regExp : m_regExps) {
-        // A match is written into the expression, const or not: threads that share the filter each
-        // need one of their own.
+        // exactMatch() is const, but modifies the expression: threads that share the filter each
+        // need their own copy.
         const QRegExp ownRegExp(regExp); // NOLINT(performance-unnecessary-copy-initialization)
         if (ownRegExp.exactMatch(fileName)) {
             return true;

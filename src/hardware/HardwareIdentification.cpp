@@ -30,7 +30,7 @@ void HardwareIdentification::divideHardwareID(const QString& hardwareId)
             << "Hardware ID contains not only numbers" << hardwareId;
         return;
     }
-    // The last blank of the two texts below is theirs, and so is the spelling.
+    // The trailing space of the two messages below and their spelling are intentional.
     const QString documentTypeCountingNumber = hardwareId.mid(8, 3);
     const QString partsListSales = hardwareId.mid(14, 2);
     if (documentTypeCountingNumber == QLatin1String("000")) {

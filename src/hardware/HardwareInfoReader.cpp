@@ -9,7 +9,7 @@
 
 namespace {
 
-// The limit of the block's length: what the board's tools write into a 16-bit count.
+// The maximum length of the block: the tools that write boards use a 16-bit count.
 constexpr quint32 maxBytesToRead = 0xFFFF;
 
 constexpr char fileItem[] = "(file:";
@@ -76,7 +76,7 @@ bool HardwareInfoReader::readHardwareInfoFromSysFs(const QString& tempFileTempla
             << "Can't find eeprom binary file" << eepromFilePath << ".";
         return false;
     }
-    // Unbuffered: a buffer would read 16 KiB ahead, which takes seconds on the EEPROM's bus.
+    // Unbuffered: QFile would read 16 KiB ahead, which takes seconds on the EEPROM's bus.
     if (!eeprom.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         MISCTOOLS_LOG(HardwareInfoReader).debug()
             << "Can't open eeprom binary file" << eepromFilePath << ".";
@@ -112,7 +112,7 @@ bool HardwareInfoReader::readHardwareInfoFromSysFs(const QString& tempFileTempla
     }
     const QByteArray iniData = eeprom.read(bytesToRead);
     if (quint32(iniData.size()) != bytesToRead) {
-        // The two numbers are those of the header; readers of field logs rely on this line.
+        // The numbers are those of the header; programs that evaluate field logs rely on this text.
         MISCTOOLS_LOG(HardwareInfoReader).warning()
             << "Number of INI file bytes is" << header.size() << ", expected" << m_headerSize
             << fileItem << eepromFilePath << ")!";

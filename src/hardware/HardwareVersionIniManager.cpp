@@ -14,14 +14,14 @@ HardwareVersionIniManager::HardwareVersionIniManager(const QByteArray& data,
             << "Can't open temporary file for version data!";
         return;
     }
-    // Only a write of nothing is an error here: a file that came out short shows in its values.
+    // Only a write of 0 bytes is an error here: a truncated file shows in its values.
     if (m_tempFile.write(data) == 0) {
         MISCTOOLS_LOG(HardwareVersionIniManager).warning()
             << "Error on writing to temporary file for version data!";
         return;
     }
     m_tempFile.flush();
-    // On Linux the file has no name, and is in no folder, before its name is asked for.
+    // On Linux, the file has no directory entry until fileName() is called.
     const QString fileName = m_tempFile.fileName();
     m_iniFileManager.reset(new (std::nothrow) IniFileManager(fileName, nullptr));
     if (m_iniFileManager.isNull()) {
@@ -34,7 +34,7 @@ HardwareVersionIniManager::HardwareVersionIniManager(const QByteArray& data,
 
 HardwareVersionIniManager::~HardwareVersionIniManager()
 {
-    // The reader goes before the file that it reads.
+    // The manager must be destroyed before the file that it reads.
     m_iniFileManager.reset();
     m_tempFile.close();
 }
@@ -67,7 +67,7 @@ QString HardwareVersionIniManager::getLpIdNumber() const
 QString HardwareVersionIniManager::getComment() const
 {
     if (m_iniFileManager.isNull()) {
-        // Unlike the text below, this one has the class's name without quotes.
+        // Unlike in the message below, the class name has no quotes.
         MISCTOOLS_LOG(HardwareVersionIniManager).warning()
             << "No valid IniFileManager object for accessing section" << getVersionDataGroup()
             << "with key" << getKeyComment() << "!";

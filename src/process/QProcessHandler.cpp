@@ -13,8 +13,8 @@ void logTimeout(const QMessageLogger& log, const char* text, const QString& prog
                   << process.readAllStandardOutput() << " , " << process.readAllStandardError();
 }
 
-// Qt 5.15 does not notice that the system has no room for another process: QProcess then believes
-// to run the process of number -1, which, when it kills it, is every process that there is.
+// Qt 5.15 does not notice if fork() fails: QProcess then assumes that it runs the process -1.
+// Killing that one would kill every process that the user may signal.
 class UnstartedProcess : public QProcess
 {
 public:

@@ -24,6 +24,6 @@ QString ExportFileNameCreator::create(const QString& extension)
     time.replace(QLatin1Char(':'), underscore);
     time.replace(QLatin1Char('-'), underscore);
 
-    // All at once: what an extension holds is not substituted again.
+    // All arguments at once: a "%1" in the extension must not be substituted.
     return pattern.arg(deviceIndex, time, extension);
 }

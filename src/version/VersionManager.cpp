@@ -94,7 +94,7 @@ void VersionManager::initializeVersions(const QString& version)
 
 void VersionManager::initializeVersionsOld(const QString& version)
 {
-    // Compiled once; matching only reads it, from any thread.
+    // Compiled once; match() is thread-safe.
     static const QRegularExpression expression(getRegularExpressionVersion());
     const QRegularExpressionMatch match = expression.match(version);
     if (!match.hasMatch()) {
@@ -115,7 +115,7 @@ void VersionManager::initializeVersionsNew(const QString& version)
     m_mainVersion = versionAndHash.first();
     m_gitHash = versionAndHash.mid(1).join(QLatin1Char('-'));
 
-    // A part that does not exist leaves its field alone.
+    // Fields without a part in the version remain unchanged.
     QString* const fields[] = {&m_baseNumber, &m_majorIndex, &m_minorIndex, &m_patchVersion,
                                &m_buildNumber};
     const QStringList parts = m_mainVersion.split(QLatin1Char('.'));

@@ -500,7 +500,7 @@ void tst_DeviceReport::versionParts()
                           "[MainVersion]\nVersionStringHash=x\nVersionString=" + version + "\n");
     const Result result = runReport({});
     const QByteArray text =
-        parts.isEmpty() ? "not known (" + version + " is in neither format of a version)" : parts;
+        parts.isEmpty() ? "not known (" + version + " is in neither version format)" : parts;
     QVERIFY2(result.output.contains("software version parts:          " + text + "\n"),
              result.output.constData());
     QCOMPARE(result.exitCode, parts.isEmpty() ? 1 : 0);
@@ -559,8 +559,8 @@ void tst_DeviceReport::eepromFailures_data()
     const QByteArray damaged =
         EepromImage("Type=4711\n").flipBit(EepromImage::headerEnd, 0).bytes();
     QTest::newRow("missing") << QByteArray() << QByteArray("is missing");
-    QTest::newRow("empty") << QByteArray("") << QByteArray("does not hold a valid hardware record");
-    QTest::newRow("damaged") << damaged << QByteArray("does not hold a valid hardware record");
+    QTest::newRow("empty") << QByteArray("") << QByteArray("contains no valid hardware record");
+    QTest::newRow("damaged") << damaged << QByteArray("contains no valid hardware record");
 }
 
 void tst_DeviceReport::eepromFailures()
@@ -592,7 +592,7 @@ void tst_DeviceReport::boardWithoutFields()
                                                 .bytes());
     const Result result = runReport({QStringLiteral("--eeprom"), board});
     QVERIFY2(result.output.contains(
-                 "board LP-ID:                     not known (the board record does not say)\n"),
+                 "board LP-ID:                     not known (missing from the board record)\n"),
              result.output.constData());
     // Not every board has a comment.
     QVERIFY2(result.output.contains("board comment:                   none\n"),

@@ -104,78 +104,84 @@ void tst_IniLint::findings_data()
         QTest::newRow(name) << text << QString::fromUtf8(output);
     };
     row("comma", "dns=10.0.0.1, 10.0.0.2\n",
-        "1:13: error: for its comma the value is a list of 2 texts, and empty where a text is "
-        "asked "
-        "for; quotes keep it whole [comma-list]\n");
+        "1:13: error: the comma makes the value a list of 2 strings, which is empty when read as "
+        "one string; quote the value to keep the comma [comma-list]\n");
     row("semicolon", "\n[s]\nflags=a;b\n",
-        "3:8: error: the value ends at the semicolon: 'a'; quotes keep it whole [semicolon]\n");
+        "3:8: error: the value ends at the semicolon: 'a'; quote the value to keep it whole "
+        "[semicolon]\n");
     row("semicolon right after the equals sign", "a=;b\n",
-        "1:3: error: the value ends at the semicolon: ''; quotes keep it whole [semicolon]\n");
+        "1:3: error: the value ends at the semicolon: ''; quote the value to keep it whole "
+        "[semicolon]\n");
     row("semicolon that looks like a comment's", "a=1 ; b\nb=\t;\n",
-        "1:5: warning: the value ends at the semicolon: '1'; quotes keep it whole [semicolon]\n"
-        "2:4: warning: the value ends at the semicolon: ''; quotes keep it whole [semicolon]\n");
+        "1:5: warning: the value ends at the semicolon: '1'; quote the value to keep it whole "
+        "[semicolon]\n"
+        "2:4: warning: the value ends at the semicolon: ''; quote the value to keep it whole "
+        "[semicolon]\n");
     row("no equals sign", "a=1\nb: 2\n",
         "2:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
         "'b: 2' [no-equals]\n");
     row("hash before a key", "#a=1,2;3\n#a='4\n%23b=1\n",
-        "1:1: note: '#' starts no comment: the line is read as the key '#a' [hash-comment]\n"
-        "2:1: note: '#' starts no comment: the line is read as the key '#a' [hash-comment]\n"
-        "3:1: warning: '%23b' is read as '#b': '%' begins the number of a character "
+        "1:1: note: '#' does not start a comment: the line is read as the key '#a' [hash-comment]\n"
+        "2:1: note: '#' does not start a comment: the line is read as the key '#a' [hash-comment]\n"
+        "3:1: warning: '%23b' is read as '#b': '%' begins a character code "
         "[name-escape]\n");
     row("hash after a value", "a=1 # one\n",
-        "1:5: warning: '#' starts no comment; the value is '1 # one' [hash-comment]\n");
+        "1:5: warning: '#' does not start a comment; the value is '1 # one' [hash-comment]\n");
     row("hash before words that include a key", "# it\"s\na=1\n",
         "1:1: error: the quote is not closed: everything up to the end of the file belongs to this "
         "line [multi-line]\n");
     row("hash before a path that includes a key", "# C:\\\na=1\n#b=\\\n[s]\n",
-        "1:1: note: '#' starts no comment: the line is read as the key '# C:/\\x0aa' "
+        "1:1: note: '#' does not start a comment: the line is read as the key '# C:/\\x0aa' "
         "[hash-comment]\n"
         "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
-        "the end of the line [multi-line]\n"
-        "3:1: note: '#' starts no comment: the line is read as the key '#b' [hash-comment]\n"
+        "the line ending [multi-line]\n"
+        "3:1: note: '#' does not start a comment: the line is read as the key '#b' [hash-comment]\n"
         "3:1: error: everything up to line 4 belongs to this line: a quote or a backslash includes "
-        "the end of the line [multi-line]\n");
+        "the line ending [multi-line]\n");
     row("key again", "[s]\na=1\na=2\na=2\n",
-        "2:1: error: 's/a' is given again: the value of line 4 counts, not this [duplicate-key]\n"
-        "3:1: note: 's/a' is given again: the value of line 4 counts, not this [duplicate-key]\n");
+        "2:1: error: 's/a' is a duplicate: the value in line 4 counts, not this one "
+        "[duplicate-key]\n"
+        "3:1: note: 's/a' is a duplicate: the value in line 4 counts, not this one "
+        "[duplicate-key]\n");
     row("key again in the section's second part", "[s]\na=1\n[t]\na=1\n[s]\na=2\n",
-        "2:1: error: 's/a' is given again: the value of line 6 counts, not this "
+        "2:1: error: 's/a' is a duplicate: the value in line 6 counts, not this one "
         "[duplicate-key]\n");
     row("key again by another spelling", "[s]\na%20b=1\na b=2\n",
-        "2:1: warning: 'a%20b' is read as 'a b': '%' begins the number of a character "
+        "2:1: warning: 'a%20b' is read as 'a b': '%' begins a character code "
         "[name-escape]\n"
-        "2:1: error: 's/a b' is given again: the value of line 3 counts, not this "
+        "2:1: error: 's/a b' is a duplicate: the value in line 3 counts, not this one "
         "[duplicate-key]\n");
     row("key again in another section", "[s/t]\na=1\n[s]\nt/a=2\n",
-        "1:1: warning: 's/t' is nested: the group that is listed is 's' [nested-name]\n"
-        "4:1: warning: 't/a' is nested: it is read as the key 'a' of the group 's/t' "
+        "1:1: warning: 's/t' is nested: it is listed as the group 's' [nested-name]\n"
+        "4:1: warning: 't/a' is nested: it is read as the key 'a' in the group 's/t' "
         "[nested-name]\n"
-        "4:1: error: 's/t/a' is given in another section, too, in line 2: which value counts "
+        "4:1: error: 's/t/a' also has a value in another section, in line 2: which one counts "
         "depends on what the program reads first [read-order]\n");
     row("section that hides keys of another", "[s]\na=1\nz=2\n[s/t]\n",
-        "3:1: error: a look-up of 's/z' fails until something else has had its section read, such "
-        "as a listing of the keys [read-order]\n"
-        "4:1: warning: 's/t' is nested: the group that is listed is 's' [nested-name]\n");
+        "3:1: error: a look-up of 's/z' fails until its section has been read for another reason, "
+        "such as listing the keys [read-order]\n"
+        "4:1: warning: 's/t' is nested: it is listed as the group 's' [nested-name]\n");
     row("nested key at the top level", "a/b=1\n",
-        "1:1: warning: 'a/b' is nested: it is read as the key 'b' of the group 'a' "
+        "1:1: warning: 'a/b' is nested: it is read as the key 'b' in the group 'a' "
         "[nested-name]\n"
-        "1:1: error: a look-up of 'a/b' fails until something else has had its section read, such "
-        "as a listing of the keys [read-order]\n");
+        "1:1: error: a look-up of 'a/b' fails until its section has been read for another reason, "
+        "such as listing the keys [read-order]\n");
     row("keys differ in case", "a=1\nA=2\nA=3\n",
-        "2:1: error: 'A' is given again: the value of line 3 counts, not this [duplicate-key]\n"
-        "2:1: warning: 'A' is another key than 'a' in line 1: case counts [case]\n");
+        "2:1: error: 'A' is a duplicate: the value in line 3 counts, not this one [duplicate-key]\n"
+        "2:1: warning: 'A' and 'a' in line 1 are different keys: case matters [case]\n");
     row("sections differ in case", "[s]\na=1\n[S]\na=1\n",
-        "3:1: warning: 'S' is another section than 's' in line 1: case counts [case]\n");
+        "3:1: warning: 'S' and 's' in line 1 are different sections: case matters [case]\n");
     row("general section", "[general]\na=1\n",
-        "1:1: warning: [general] is no group but the top level of the file; the group 'General' is "
-        "written [%General] [general-section]\n");
+        "1:1: warning: [general] is not a group but the top level of the file; the group 'General' "
+        "is spelled [%General] [general-section]\n");
     row("group of the name General", "[%General]\na=1\n",
-        "1:1: warning: '%General' is read as 'General': '%' tells it from the file's top level "
+        "1:1: warning: '%General' is read as 'General': '%' distinguishes it from the file's top "
+        "level "
         "[name-escape]\n");
     row("backslash in a section's name", "[a\\b]\nc=1\n",
-        "1:1: error: 'a/b' is nested: the group that is listed is 'a' [nested-name]\n");
+        "1:1: error: 'a/b' is nested: it is listed as the group 'a' [nested-name]\n");
     row("backslash in a key", "[s]\na\\b=1\n",
-        "2:1: error: 'a/b' is nested: it is read as the key 'b' of the group 's/a' "
+        "2:1: error: 'a/b' is nested: it is read as the key 'b' in the group 's/a' "
         "[nested-name]\n");
     row("section without a name", "[]\na=1\n",
         "1:1: error: the keys of '' cannot be looked up: a part of its name is empty "
@@ -194,22 +200,26 @@ void tst_IniLint::findings_data()
     row("something after a section", "[a] b=1\n",
         "1:1: error: what follows the ']' is skipped: 'b=1' [section-end]\n");
     row("percent sign in a key", "%41=1\n",
-        "1:1: error: '%41' is read as 'A': '%' begins the number of a character [name-escape]\n");
+        "1:1: error: '%41' is read as 'A': '%' begins a character code [name-escape]\n");
     row("percent sign in a section", "[a%2Fb]\nc=1\n",
-        "1:1: error: 'a%2Fb' is read as 'a/b': '%' begins the number of a character "
+        "1:1: error: 'a%2Fb' is read as 'a/b': '%' begins a character code "
         "[name-escape]\n"
-        "1:1: warning: 'a/b' is nested: the group that is listed is 'a' [nested-name]\n");
+        "1:1: warning: 'a/b' is nested: it is listed as the group 'a' [nested-name]\n");
     row("backslashes in a path", "path=C:\\temp\\data\n",
-        "1:8: error: for '\\t' the value is read as 'C:\\x09empata'; '\\\\' is a backslash "
+        "1:8: error: the escape '\\t' makes the value 'C:\\x09empata'; write '\\\\' for a "
+        "backslash "
         "[escape]\n"
-        "1:13: error: for '\\d' the value is read as 'C:\\x09empata'; '\\\\' is a backslash "
+        "1:13: error: the escape '\\d' makes the value 'C:\\x09empata'; write '\\\\' for a "
+        "backslash "
         "[escape]\n");
     row("numbers of characters", "a=\\x41bc,\\101\n",
-        "1:3: error: for '\\x41bc' the value is read as '\xE4\x86\xBC', 'A'; '\\\\' is a backslash "
+        "1:3: error: the escape '\\x41bc' makes the value '\xE4\x86\xBC', 'A'; write '\\\\' for a "
+        "backslash "
         "[escape]\n"
-        "1:9: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
-        "for; quotes keep it whole [comma-list]\n"
-        "1:10: error: for '\\101' the value is read as '\xE4\x86\xBC', 'A'; '\\\\' is a backslash "
+        "1:9: error: the comma makes the value a list of 2 strings, which is empty when read as "
+        "one string; quote the value to keep the comma [comma-list]\n"
+        "1:10: error: the escape '\\101' makes the value '\xE4\x86\xBC', 'A'; write '\\\\' for a "
+        "backslash "
         "[escape]\n");
     row("doubled backslash", "a=C:\\\\temp\n",
         "1:5: warning: '\\\\' is read without its first backslash; the value is 'C:\\temp' "
@@ -218,37 +228,38 @@ void tst_IniLint::findings_data()
         "1:3: warning: '\\\"' is read without its first backslash; the value is '\"b' "
         "[literal-escape]\n");
     row("quotes within a value", "a= b\"c\"d\n",
-        "1:4: error: quotes within a value vanish; it is read as 'bcd' [quotes]\n");
+        "1:4: error: quotes within a value are removed; it is read as 'bcd' [quotes]\n");
     row("single quotes", "a='b'\n",
-        "1:3: warning: single quotes are none; they are a part of the value: ''b'' [quotes]\n");
+        "1:3: warning: single quotes do not quote; they are part of the value: ''b'' [quotes]\n");
     row("quotes around a key", "\"a\"=1\n",
-        "1:1: warning: quotes are a part of the key's name: '\"a\"' [quotes]\n");
+        "1:1: warning: quotes are part of the key's name: '\"a\"' [quotes]\n");
     row("quote over two lines", "a=\"b\nc\"\nd=,\n",
         "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
-        "the end of the line [multi-line]\n"
-        "3:3: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
-        "for; quotes keep it whole [comma-list]\n");
+        "the line ending [multi-line]\n"
+        "3:3: error: the comma makes the value a list of 2 strings, which is empty when read as "
+        "one string; quote the value to keep the comma [comma-list]\n");
     row("backslash at the end of a line", "a=b\\\r\nc\r\n",
         "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
-        "the end of the line [multi-line]\n");
+        "the line ending [multi-line]\n");
     row("backslash at the end of a line before an empty line", "a=b\\\n\nc=1\n",
-        "1:4: error: the backslash at the end is not read; the value is 'b' [escape]\n");
+        "1:4: error: the trailing backslash is dropped; the value is 'b' [escape]\n");
     row("backslash at the end of a line before a comment", "a=b\\\r\n;c\n",
-        "1:4: error: the backslash at the end is not read; the value is 'b' [escape]\n"
-        "2:1: error: the value ends at the semicolon: 'b'; quotes keep it whole [semicolon]\n");
+        "1:4: error: the trailing backslash is dropped; the value is 'b' [escape]\n"
+        "2:1: error: the value ends at the semicolon: 'b'; quote the value to keep it whole "
+        "[semicolon]\n");
     row("backslash at the end of the last line", "a=b\\\n",
-        "1:4: error: the backslash at the end is not read; the value is 'b' [escape]\n");
+        "1:4: error: the trailing backslash is dropped; the value is 'b' [escape]\n");
     row("backslash at the end of the file", "a=b\\",
-        "1:4: error: the backslash at the end is not read; the value is 'b' [escape]\n");
+        "1:4: error: the trailing backslash is dropped; the value is 'b' [escape]\n");
     row("quote without its end", "a=\"b\n[s]\nc=1\n",
         "1:1: error: the quote is not closed: everything up to the end of the file belongs to this "
         "line [multi-line]\n");
     row("section with a quote", "[a\"b\nc\"]\n",
         "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
-        "the end of the line [multi-line]\n");
+        "the line ending [multi-line]\n");
     row("words with a quote", "a\"b\nc\"\n",
         "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
-        "the end of the line [multi-line]\n"
+        "the line ending [multi-line]\n"
         "1:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
         "'a\"b\\x0ac\"' [no-equals]\n");
     row("mark of another type", "a=@Size(1 2)\nb=@@c\nc=@Invalid()\n",
@@ -257,20 +268,20 @@ void tst_IniLint::findings_data()
         "3:3: error: \'@Invalid()' is read as no value at all [at-sign]\n");
     row("mark of bytes, text or an object",
         "a=@ByteArray(x)\nb=@String(x)\nc=@Variant(x)\nd=@DateTime(x)\n",
-        "1:3: error: \'@ByteArray(x)' is read as the bytes in the brackets [at-sign]\n"
-        "2:3: error: \'@String(x)' is read as the text in the brackets [at-sign]\n"
+        "1:3: error: \'@ByteArray(x)' is read as the bytes in the parentheses [at-sign]\n"
+        "2:3: error: \'@String(x)' is read as the text in the parentheses [at-sign]\n"
         "3:3: error: \'@Variant(x)' is read as a stored object [at-sign]\n"
         "4:3: error: \'@DateTime(x)' is read as a stored object [at-sign]\n");
     row("word that is no boolean", "a=Off\n",
-        "1:3: warning: as a boolean 'Off' is true: only '0', 'false' and an empty value are false "
+        "1:3: warning: as a boolean, 'Off' is true: only '0', 'false' and an empty value are false "
         "[boolean-word]\n");
     row("large number", "a=4294967301\n",
-        "1:3: warning: as an integer '4294967301' is 5: it has more than 32 bits "
+        "1:3: warning: as an integer, '4294967301' is read as 5: it exceeds 32 bits "
         "[large-number]\n");
     row("byte order mark before a key",
         "\xEF\xBB\xBF"
         "a=1\n",
-        "1:1: error: a byte order mark is a part of this key's name [byte-order-mark]\n");
+        "1:1: error: the byte order mark is part of this key's name [byte-order-mark]\n");
     row("byte order mark before a section", "\xEF\xBB\xBF[a]\nb=1\n",
         "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
         "error [byte-order-mark]\n");
@@ -285,11 +296,11 @@ void tst_IniLint::findings_data()
         "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
         "error [byte-order-mark]\n");
     row("byte order mark before a key in a comment", "\xEF\xBB\xBF#a=1,2\n",
-        "1:1: note: '#' starts no comment: the line is read as the key "
+        "1:1: note: '#' does not start a comment: the line is read as the key "
         "'\xC3\xAF\xC2\xBB\xC2\xBF#a' "
         "[hash-comment]\n");
     row("UTF-16", QByteArray("\xFF\xFE=\0\n\0", 6),
-        "1:1: error: the file is UTF-16, which QSettings does not read [byte-order-mark]\n"
+        "1:1: error: the file is UTF-16, which QSettings cannot read [byte-order-mark]\n"
         "2:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
         "'' [no-equals]\n");
     row("long line", QByteArray(70, 'x') + "\n",
@@ -298,16 +309,16 @@ void tst_IniLint::findings_data()
          QByteArray(60, 'x') + "...' [no-equals]\n")
             .constData());
     row("carriage returns alone end lines", "a=1\rb=1,2\rc=3\r",
-        "2:4: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
-        "for; quotes keep it whole [comma-list]\n");
+        "2:4: error: the comma makes the value a list of 2 strings, which is empty when read as "
+        "one string; quote the value to keep the comma [comma-list]\n");
     row("column in characters of UTF-8", "; \xC3\xA4\nb=\"\xC3\xA4\",\n",
-        "2:3: error: the value's bytes are UTF-8, but they are taken for Latin-1; it is read as "
+        "2:3: error: the value is UTF-8, but is decoded as Latin-1 and read as "
         "'\xC3\x83\xC2\xA4', '' [encoding]\n"
-        "2:6: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
-        "for; quotes keep it whole [comma-list]\n");
+        "2:6: error: the comma makes the value a list of 2 strings, which is empty when read as "
+        "one string; quote the value to keep the comma [comma-list]\n");
     row("column in bytes of Latin-1", "; \xE4\nb=\"\xE4\x84\",\n",
-        "2:7: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
-        "for; quotes keep it whole [comma-list]\n");
+        "2:7: error: the comma makes the value a list of 2 strings, which is empty when read as "
+        "one string; quote the value to keep the comma [comma-list]\n");
     row("comment that asks for something else",
         "; ini-lint: ignore\n# ini-lint: ignore-line case\n;ini-lint:\n",
         "1:1: warning: this must be 'ini-lint: ignore RULE...' or 'ini-lint: ignore-file RULE...' "
@@ -317,9 +328,9 @@ void tst_IniLint::findings_data()
         "3:1: warning: this must be 'ini-lint: ignore RULE...' or 'ini-lint: ignore-file RULE...' "
         "[ignore-comment]\n");
     row("comment that ignores an unknown rule", "  ; ini-lint: ignore comma\na=1,2\n",
-        "1:1: warning: there is no rule 'comma' [ignore-comment]\n"
-        "2:4: error: for its comma the value is a list of 2 texts, and empty where a text is asked "
-        "for; quotes keep it whole [comma-list]\n");
+        "1:1: warning: unknown rule 'comma' [ignore-comment]\n"
+        "2:4: error: the comma makes the value a list of 2 strings, which is empty when read as "
+        "one string; quote the value to keep the comma [comma-list]\n");
 }
 
 void tst_IniLint::findings()
@@ -374,21 +385,20 @@ void tst_IniLint::codecs_data()
     const QByteArray utf8 = "a=\xC3\xA4\n";
     const QByteArray latin1 = "a=\xE4\n";
     const QStringList codec{"--codec"};
-    QTest::newRow("UTF-8, none")
-        << QStringList() << utf8
-        << QString::fromUtf8("file.ini:1:3: error: the value's bytes are UTF-8, but they are "
-                             "taken for Latin-1; it is read as '\xC3\x83\xC2\xA4' "
-                             "[encoding]\n");
+    QTest::newRow("UTF-8, none") << QStringList() << utf8
+                                 << QString::fromUtf8(
+                                        "file.ini:1:3: error: the value is UTF-8, but is decoded "
+                                        "as Latin-1 and read as '\xC3\x83\xC2\xA4' "
+                                        "[encoding]\n");
     QTest::newRow("UTF-8, UTF-8") << codec + QStringList("UTF-8") << utf8 << QString();
     QTest::newRow("UTF-8, ISO-8859-15")
         << codec + QStringList("ISO-8859-15") << utf8
-        << QString::fromUtf8(
-               "file.ini:1:3: error: the value's bytes are UTF-8, but they are taken for "
-               "ISO-8859-15; it is read as '\xC3\x83\xE2\x82\xAC' [encoding]\n");
+        << QString::fromUtf8("file.ini:1:3: error: the value is UTF-8, but is decoded as "
+                             "ISO-8859-15 and read as '\xC3\x83\xE2\x82\xAC' [encoding]\n");
     QTest::newRow("Latin-1, none") << QStringList() << latin1 << QString();
     QTest::newRow("Latin-1, UTF-8")
         << codec + QStringList("UTF-8") << latin1
-        << QString::fromUtf8("file.ini:1:3: error: the value's bytes are not UTF-8; it is read as "
+        << QString::fromUtf8("file.ini:1:3: error: the value is not UTF-8; it is read as "
                              "'\xEF\xBF\xBD' [encoding]\n");
     QTest::newRow("UTF-8 after a byte order mark, none")
         << QStringList() << "\xEF\xBB\xBF;\n" + utf8 << QString();
@@ -396,7 +406,7 @@ void tst_IniLint::codecs_data()
         << codec + QStringList("UTF-8") << QByteArray("\xC3\xA4=1\n[\xC3\xB6]\n")
         << QString::fromUtf8(
                "file.ini:1:1: error: '\xC3\xA4' is read as '\xC3\x83\xC2\xA4': names are "
-               "Latin-1 whatever the codec (and 1 more in this file) [encoding]\n");
+               "Latin-1 with any codec (and 1 more in this file) [encoding]\n");
     QTest::newRow("name in Latin-1, none") << QStringList() << QByteArray("\xE4=1\n") << QString();
 }
 
@@ -413,8 +423,8 @@ void tst_IniLint::rulesCanBeIgnored()
 {
     writeFile(file, "a=1;b\na=2,3\nno\n");
     verifyRun({"--ignore", "semicolon", "--ignore=comma-list", file, "--ignore", "no-equals"}, 1,
-              QStringLiteral("file.ini:1:1: error: 'a' is given again: the value of line 2 counts, "
-                             "not this [duplicate-key]\n"));
+              QStringLiteral("file.ini:1:1: error: 'a' is a duplicate: the value in line 2 counts, "
+                             "not this one [duplicate-key]\n"));
     verifyRun({"--ignore", "semicolon", "--ignore=comma-list", file, "--ignore", "no-equals",
                "--ignore", "duplicate-key"},
               0, QString());
@@ -423,13 +433,14 @@ void tst_IniLint::rulesCanBeIgnored()
 void tst_IniLint::levels()
 {
     writeFile(file, "#a=1\nb=off\nc=1;2\n");
-    const QString note = QStringLiteral("file.ini:1:1: note: '#' starts no comment: the line is "
-                                        "read as the key '#a' [hash-comment]\n");
+    const QString note =
+        QStringLiteral("file.ini:1:1: note: '#' does not start a comment: the line is "
+                       "read as the key '#a' [hash-comment]\n");
     const QString warning =
-        QStringLiteral("file.ini:2:3: warning: as a boolean 'off' is true: only '0', 'false' and "
+        QStringLiteral("file.ini:2:3: warning: as a boolean, 'off' is true: only '0', 'false' and "
                        "an empty value are false [boolean-word]\n");
     const QString error = QStringLiteral("file.ini:3:4: error: the value ends at the semicolon: "
-                                         "'1'; quotes keep it whole [semicolon]\n");
+                                         "'1'; quote the value to keep it whole [semicolon]\n");
     verifyRun({file}, 1, warning + error);
     verifyRun({"--level=note", file}, 1, note + warning + error);
     verifyRun({"--level", "warning", file}, 1, warning + error);
@@ -440,10 +451,10 @@ void tst_IniLint::levels()
 void tst_IniLint::repeatsAreCounted()
 {
     writeFile(file, "a=1;2\nb=1 ;\nc=1;\nd=off\ne=;\n");
-    const QString text = QStringLiteral("the value ends at the semicolon: '%1'; quotes keep it "
-                                        "whole%2 [semicolon]\n");
+    const QString text = QStringLiteral(
+        "the value ends at the semicolon: '%1'; quote the value to keep it whole%2 [semicolon]\n");
     const QString word =
-        QStringLiteral("file.ini:4:3: warning: as a boolean 'off' is true: only '0', 'false' and "
+        QStringLiteral("file.ini:4:3: warning: as a boolean, 'off' is true: only '0', 'false' and "
                        "an empty value are false [boolean-word]\n");
     // A warning does not hide an error of the same rule.
     verifyRun({file}, 1,
@@ -549,7 +560,7 @@ void tst_IniLint::refusesBrokenLists_data()
     QTest::newRow("no pattern") << QByteArray("* *\nsemicolon\n")
                                 << "list.txt:2: this must be RULE PATTERN: 'semicolon'";
     QTest::newRow("unknown rule") << QByteArray("colon *.ini")
-                                  << "list.txt:1: there is no rule 'colon'";
+                                  << "list.txt:1: unknown rule 'colon'";
 }
 
 void tst_IniLint::refusesBrokenLists()
@@ -567,7 +578,7 @@ void tst_IniLint::refusesBrokenLists()
 void tst_IniLint::standardInput()
 {
     const QString finding = QStringLiteral("<stdin>:1:4: error: the value ends at the semicolon: "
-                                           "'1'; quotes keep it whole [semicolon]\n");
+                                           "'1'; quote the value to keep it whole [semicolon]\n");
     ProgramRun lint(program, {"-"}, folder());
     lint.write("a=1;2\n");
     verifyResult(lint.finish(), 1, finding);
@@ -580,7 +591,7 @@ void tst_IniLint::standardInput()
     ProgramRun clean(program, {"--clean", "-"}, folder());
     clean.write("a=1,2\n");
     verifyResult(clean.finish(), 2, QString(),
-                 "ini-lint: <stdin>: only a file can be cleaned up\n");
+                 "ini-lint: <stdin>: only a regular file can be cleaned up\n");
     QCOMPARE(readFile(path(QStringLiteral("-"))), QByteArray("a=1,2\n"));
 }
 
@@ -609,8 +620,7 @@ void tst_IniLint::directories()
     QCOMPARE(filesOf({"--pattern=*.conf", "--pattern=z*", "d"}),
              (QStringList{"d/b/w.conf", "d/z.ini"}));
     verifyRun({"--pattern=*.none", "--pattern=x", "d"}, 2, QString(),
-              QStringLiteral("ini-lint: d: no file in this directory has a name that fits "
-                             "'*.none', 'x'\n"));
+              QStringLiteral("ini-lint: d: no file in this directory matches '*.none', 'x'\n"));
 }
 
 void tst_IniLint::unreadableDirectories()
@@ -639,10 +649,10 @@ void tst_IniLint::severalFiles()
     writeFile("a.ini", "a=off\n");
     writeFile("b\n.ini", "b=no\n");
     const QString a =
-        QStringLiteral("a.ini:1:3: warning: as a boolean 'off' is true: only '0', 'false' and an "
+        QStringLiteral("a.ini:1:3: warning: as a boolean, 'off' is true: only '0', 'false' and an "
                        "empty value are false [boolean-word]\n");
     const QString b =
-        QStringLiteral("b\\x0a.ini:1:3: warning: as a boolean 'no' is true: only '0', 'false' "
+        QStringLiteral("b\\x0a.ini:1:3: warning: as a boolean, 'no' is true: only '0', 'false' "
                        "and an empty value are false [boolean-word]\n");
     verifyRun({"a.ini", "b\n.ini"}, 1, a + b);
     // What cannot be read does not stop the rest.
@@ -658,9 +668,9 @@ void tst_IniLint::findingsAsJson()
     QCOMPARE(QJsonDocument::fromJson(result.output.toUtf8()).toJson(), toJson(R"({"files": [
         {"file": "a.ini", "findings": [
             {"line": 1, "column": 3, "severity": "warning", "rule": "boolean-word", "repeats": 1,
-             "message": "as a boolean 'off' is true: only '0', 'false' and an empty value are false"},
+             "message": "as a boolean, 'off' is true: only '0', 'false' and an empty value are false"},
             {"line": 2, "column": 4, "severity": "error", "rule": "semicolon", "repeats": 0,
-             "message": "the value ends at the semicolon: '1'; quotes keep it whole"}]},
+             "message": "the value ends at the semicolon: '1'; quote the value to keep it whole"}]},
         {"file": "b.ini", "findings": []},
         {"file": "none.ini", "trouble": "No such file or directory"}]})"));
     QCOMPARE(result.errors, QStringLiteral("ini-lint: none.ini: No such file or directory\n"));
@@ -693,11 +703,11 @@ void tst_IniLint::findingsAsSarif()
 
     QCOMPARE(QJsonDocument(sarifRun.value("results").toArray()).toJson(), toJson(R"([
         {"ruleId": "boolean-word", "level": "warning", "occurrenceCount": 2,
-         "message": {"text": "as a boolean 'off' is true: only '0', 'false' and an empty value are false"},
+         "message": {"text": "as a boolean, 'off' is true: only '0', 'false' and an empty value are false"},
          "locations": [{"physicalLocation": {"artifactLocation": {"uri": "a%20b.ini"},
                                              "region": {"startLine": 1, "startColumn": 3}}}]},
         {"ruleId": "semicolon", "level": "error", "occurrenceCount": 1,
-         "message": {"text": "the value ends at the semicolon: '1'; quotes keep it whole"},
+         "message": {"text": "the value ends at the semicolon: '1'; quote the value to keep it whole"},
          "locations": [{"physicalLocation": {"artifactLocation": {"uri": "a%20b.ini"},
                                              "region": {"startLine": 2, "startColumn": 4}}}]}])"));
     QCOMPARE(QJsonDocument(sarifRun.value("invocations").toArray()).toJson(), toJson(R"([
@@ -814,21 +824,22 @@ void tst_IniLint::cleanSaysWhatItCannotDo()
     ProgramRun pipe(program, {"--clean", "/dev/stdin"}, folder());
     pipe.write("a=1,2\n");
     const ProgramResult result = pipe.finish();
-    QCOMPARE(result.errors, "ini-lint: /dev/stdin: only a file can be cleaned up\n");
+    QCOMPARE(result.errors, "ini-lint: /dev/stdin: only a regular file can be cleaned up\n");
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 2);
 
     // There are commas in it, and nobody can make a file beside it.
     verifyRun({"--clean", "/proc/mounts"}, 2, QString(),
-              QStringLiteral("ini-lint: /proc/mounts: the file cannot be cleaned up: it, or its "
-                             "folder, cannot be written\n"));
+              QStringLiteral("ini-lint: /proc/mounts: the file cannot be cleaned up: it or its "
+                             "directory is not writable\n"));
 
     writeFile(file, "a=1,2\n");
     const ProgramResult without =
         ProgramRun("env", {"TMPDIR=/none", program, "--clean", file}, folder()).finish();
-    QCOMPARE(without.errors,
-             QStringLiteral("ini-lint: file.ini: there can be no copy in the folder "
-                            "for temporary files\n"));
+    QCOMPARE(
+        without.errors,
+        QStringLiteral(
+            "ini-lint: file.ini: cannot create a copy in the directory for temporary files\n"));
     QCOMPARE(without.exitCode, 2);
     QCOMPARE(readFile(path(file)), QByteArray("a=1,2\n"));
 }
@@ -904,7 +915,7 @@ void tst_IniLint::severitiesAreColoredOnATerminal()
     const QByteArray written = terminal.run("env", environment + QStringList{program, sample});
     const QByteArray error = isColored ? "\x1b[1;31merror\x1b[0m" : "error";
     const QByteArray warning = isColored ? "\x1b[1;35mwarning\x1b[0m" : "warning";
-    QVERIFY2(written.contains(":1:4: " + error + ": for its comma"), written.constData());
+    QVERIFY2(written.contains(":1:4: " + error + ": the comma makes"), written.constData());
     QVERIFY2(written.contains(":2:3: " + warning + ": "), written.constData());
 }
 
@@ -913,31 +924,29 @@ void tst_IniLint::refusesWhatItCannotUse_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("error");
 
-    QTest::newRow("no file") << QStringList() << "at least one FILE is needed";
+    QTest::newRow("no file") << QStringList() << "at least one FILE is required";
     QTest::newRow("unknown option") << QStringList{"--fix", "a"} << "Unknown option 'fix'.";
     QTest::newRow("unknown format")
         << QStringList{"--format", "xml", "a"} << "--format must be text, json or sarif, not 'xml'";
-    QTest::newRow("unknown codec")
-        << QStringList{"--codec", "none", "a"} << "there is no codec 'none'";
-    QTest::newRow("empty codec") << QStringList{"--codec=", "a"} << "there is no codec ''";
-    QTest::newRow("unknown rule") << QStringList{"--ignore", "all", "a"}
-                                  << "there is no rule 'all'";
+    QTest::newRow("unknown codec") << QStringList{"--codec", "none", "a"} << "unknown codec 'none'";
+    QTest::newRow("empty codec") << QStringList{"--codec=", "a"} << "unknown codec ''";
+    QTest::newRow("unknown rule") << QStringList{"--ignore", "all", "a"} << "unknown rule 'all'";
     QTest::newRow("dry run of nothing")
-        << QStringList{"--dry-run", "a"} << "--dry-run needs --clean";
+        << QStringList{"--dry-run", "a"} << "--dry-run requires --clean";
     QTest::newRow("unknown level") << QStringList{"--level", "all", "a"}
                                    << "--level must be note, warning or error, not 'all'";
     QTest::newRow("clean-up with a codec")
-        << QStringList{"--clean", "--codec", "UTF-8", "a"} << "--codec means nothing with --clean";
+        << QStringList{"--clean", "--codec", "UTF-8", "a"} << "--codec cannot be used with --clean";
     QTest::newRow("clean-up without a rule") << QStringList{"--clean", "--ignore", "escape", "a"}
-                                             << "--ignore means nothing with --clean";
+                                             << "--ignore cannot be used with --clean";
     QTest::newRow("clean-up with a list") << QStringList{"--clean", "--ignore-list", "b", "a"}
-                                          << "--ignore-list means nothing with --clean";
+                                          << "--ignore-list cannot be used with --clean";
     QTest::newRow("clean-up of a level")
-        << QStringList{"--clean", "--level", "note", "a"} << "--level means nothing with --clean";
+        << QStringList{"--clean", "--level", "note", "a"} << "--level cannot be used with --clean";
     QTest::newRow("clean-up with repeats")
-        << QStringList{"--clean", "--all", "a"} << "--all means nothing with --clean";
+        << QStringList{"--clean", "--all", "a"} << "--all cannot be used with --clean";
     QTest::newRow("clean-up as SARIF") << QStringList{"--clean", "--format=sarif", "a"}
-                                       << "--format=sarif means nothing with --clean";
+                                       << "--format=sarif cannot be used with --clean";
 }
 
 void tst_IniLint::refusesWhatItCannotUse()
@@ -950,8 +959,8 @@ void tst_IniLint::refusesWhatItCannotUse()
 void tst_IniLint::helpNamesEveryExitCode()
 {
     const ProgramResult result = run({"--help"});
-    for (const char* line : {"\n  0  nothing was found", "\n  1  something was found",
-                             "\n  2  wrong usage, or a FILE cannot be read or written"}) {
+    for (const char* line : {"\n  0  no findings", "\n  1  there are findings",
+                             "\n  2  wrong usage, or a FILE or the output cannot be read or written"}) {
         QVERIFY2(result.output.contains(QLatin1String(line)), line);
     }
     QCOMPARE(result.errors, QString());

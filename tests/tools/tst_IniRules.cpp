@@ -312,7 +312,7 @@ void tst_IniRules::wordsAndNumbers()
         QCOMPARE(large.size(), isCut ? 1 : 0);
         if (isCut) {
             QCOMPARE(large.constFirst().message,
-                     QStringLiteral("as an integer '%1' is %2: it has more than 32 bits")
+                     QStringLiteral("as an integer, '%1' is read as %2: it exceeds 32 bits")
                          .arg(value.toString())
                          .arg(number));
         }

@@ -158,9 +158,9 @@ void tst_PeakMeter::takesValues_data()
     QTest::newRow("overflow, other texts that resemble numbers")
         << QByteArray("1e400\n1e-400x\n0x1p-2000\n") << 1
         << "Summary: 0 values, 3 lines refused\nin this run: no value\n"
-        << "peak-meter: line 1: no finite number: '1e400'\n"
-           "peak-meter: line 2: no finite number: '1e-400x'\n"
-           "peak-meter: line 3: no finite number: '0x1p-2000'\n";
+        << "peak-meter: line 1: not a finite number: '1e400'\n"
+           "peak-meter: line 2: not a finite number: '1e-400x'\n"
+           "peak-meter: line 3: not a finite number: '0x1p-2000'\n";
     QTest::newRow("extremes") << QByteArray("-0\n5e-324\n1.7976931348623157e308\n-1e308\n") << 0
                               << "line 1: new minimum and maximum 0\n"
                                  "line 2: new maximum 5e-324\n"
@@ -175,24 +175,24 @@ void tst_PeakMeter::takesValues_data()
            "line 8: new maximum 9\n"
            "Summary: 2 values, 6 lines refused\n" +
                record(title, "1", "9")
-        << "peak-meter: line 2: no finite number: 'abc'\n"
-           "peak-meter: line 4: no finite number: '1,5'\n"
-           "peak-meter: line 5: no finite number: '0x10'\n"
-           "peak-meter: line 6: no finite number: '2 3'\n"
-           "peak-meter: line 7: no finite number: '1\\x002'\n"
-           "peak-meter: line 9: no finite number: 'x'\n";
+        << "peak-meter: line 2: not a finite number: 'abc'\n"
+           "peak-meter: line 4: not a finite number: '1,5'\n"
+           "peak-meter: line 5: not a finite number: '0x10'\n"
+           "peak-meter: line 6: not a finite number: '2 3'\n"
+           "peak-meter: line 7: not a finite number: '1\\x002'\n"
+           "peak-meter: line 9: not a finite number: 'x'\n";
     QTest::newRow("neither finite nor within a double")
         << QByteArray("nan\ninf\n-inf\n1e999\n4") << 1
         << "line 5: new minimum and maximum 4\nSummary: 1 value, 4 lines refused\n" +
                record(title, "4", "4")
-        << "peak-meter: line 1: no finite number: 'nan'\n"
-           "peak-meter: line 2: no finite number: 'inf'\n"
-           "peak-meter: line 3: no finite number: '-inf'\n"
-           "peak-meter: line 4: no finite number: '1e999'\n";
+        << "peak-meter: line 1: not a finite number: 'nan'\n"
+           "peak-meter: line 2: not a finite number: 'inf'\n"
+           "peak-meter: line 3: not a finite number: '-inf'\n"
+           "peak-meter: line 4: not a finite number: '1e999'\n";
     QTest::newRow("only the begin of a refused line, and nothing that a terminal obeys")
         << QByteArray("\x1b[31m") + QByteArray(100, 'x') << 1
         << "Summary: 0 values, 1 line refused\nin this run: no value\n"
-        << "peak-meter: line 1: no finite number: '\\x1b[31m" + QString(35, 'x') + "...'\n";
+        << "peak-meter: line 1: not a finite number: '\\x1b[31m" + QString(35, 'x') + "...'\n";
     QTest::newRow("longest line") << QByteArray("1").rightJustified(4096, '0') + "\n2\n"
                                   << 0
                                   << "line 1: new minimum and maximum 1\n"
@@ -389,7 +389,7 @@ void tst_PeakMeter::leavesADamagedFileAlone_data()
 
     const QByteArray sound = recordJson("1", "9", "2024-03-01T12:30:05");
     const QByteArray whole = '[' + sound + ',' + sound + ']';
-    const QString unsound = "it does not hold two sound records";
+    const QString unsound = "it does not contain two valid records";
     const auto with = [&sound](const QByteArray& record) {
         return '[' + sound + ',' + record + ']';
     };
@@ -423,7 +423,7 @@ void tst_PeakMeter::leavesADamagedFileAlone()
     for (const QStringList& arguments : {withFile, withFile + QStringList("--reset")}) {
         const ProgramResult result = run(arguments, "5\n");
         QCOMPARE(result.errors, QStringLiteral("peak-meter: cannot restore from peaks.json: ") +
-                                    reason + "; the file is left as it is\n");
+                                    reason + "; the file is unchanged\n");
         QCOMPARE(result.output, QString());
         QCOMPARE(result.exitCode, 3);
     }
@@ -471,8 +471,9 @@ void tst_PeakMeter::oneRunAtATime()
     first.write("1\n");
     QVERIFY(first.waitForOutput("line 1"));
     const ProgramResult second = run(withFile, "2\n");
-    QCOMPARE(second.errors, QStringLiteral("peak-meter: cannot restore from peaks.json: another "
-                                           "peak-meter uses it\n"));
+    QCOMPARE(second.errors,
+             QStringLiteral(
+                 "peak-meter: cannot restore from peaks.json: another peak-meter is using it\n"));
     QCOMPARE(second.exitCode, 3);
     QCOMPARE(first.finish().exitCode, 0);
     QCOMPARE(run(withFile, "2\n").exitCode, 0);
@@ -643,8 +644,8 @@ void tst_PeakMeter::verboseShowsWhatTheLibraryLogs()
                             "indicator instances: 0 , 2 !\n"
                             "peak-meter: log: DragIndicator: Resetting drag indicator due to "
                             "errors on importing json data!\n"
-                            "peak-meter: cannot restore from peaks.json: it does not hold two "
-                            "sound records; the file is left as it is\n"));
+                            "peak-meter: cannot restore from peaks.json: it does not contain two "
+                            "valid records; the file is unchanged\n"));
 }
 
 void tst_PeakMeter::refusesWhatItCannotUse_data()
@@ -658,14 +659,14 @@ void tst_PeakMeter::refusesWhatItCannotUse_data()
     QTest::newRow("option without its value")
         << QStringList{"--file"} << 2 << "peak-meter: Missing value after '--file'.\n" + hint;
     QTest::newRow("empty name") << QStringList{"--file", ""} << 2
-                                << "peak-meter: --file needs a name\n" + hint;
+                                << "peak-meter: --file requires a name\n" + hint;
     QTest::newRow("value as an argument")
         << QStringList{"5"} << 2
         << "peak-meter: values come from standard input, not from an argument: '5'\n" + hint;
     QTest::newRow("reset of nothing")
-        << QStringList{"--reset"} << 2 << "peak-meter: --reset needs a --file\n" + hint;
+        << QStringList{"--reset"} << 2 << "peak-meter: --reset requires --file\n" + hint;
     QTest::newRow("folder") << QStringList{"--file", "."} << 3
-                            << "peak-meter: cannot restore from .: it is not a file\n";
+                            << "peak-meter: cannot restore from .: it is not a regular file\n";
     QTest::newRow("missing folder")
         << QStringList{"--file", "none/peaks.json"} << 4
         << "peak-meter: cannot write none/peaks.json: No such file or directory\n";
@@ -721,10 +722,10 @@ void tst_PeakMeter::helpNamesEveryExitCode()
     QVERIFY2(
         result.output.contains(QStringLiteral(
             "\nExit codes:\n"
-            "  0  every line was taken, up to the end of the input, Ctrl-C, SIGTERM or SIGHUP\n"
-            "  1  some lines were no numbers\n"
+            "  0  all lines were accepted until the end of the input, Ctrl-C, SIGTERM or SIGHUP\n"
+            "  1  some lines were not numbers\n"
             "  2  wrong usage\n"
-            "  3  FILE cannot be read, is damaged, or another peak-meter uses it\n"
+            "  3  FILE cannot be read, is damaged, or another peak-meter is using it\n"
             "  4  FILE cannot be written\n"
             "  5  standard input cannot be read\n"
             "  6  the output could not be written\n")),

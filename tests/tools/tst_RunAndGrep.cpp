@@ -112,25 +112,25 @@ void tst_RunAndGrep::runsACommand_data()
     QTest::addColumn<QString>("errors");
 
     QTest::newRow("match") << QStringList{"-e", "b+", "--", "echo", "abba"} << 0 << "bb\n"
-                           << "run-and-grep: echo ended with exit code 0\n";
+                           << "run-and-grep: echo exited with code 0\n";
     QTest::newRow("no match") << QStringList{"-e", "c", "--", "echo", "abba"} << 1 << ""
-                              << "run-and-grep: echo ended with exit code 0\n";
+                              << "run-and-grep: echo exited with code 0\n";
     QTest::newRow("another exit code")
         << QStringList{"-e", "a", "--", "sh", "-c", "echo a; exit 7"} << 0 << "a\n"
-        << "run-and-grep: sh ended with exit code 7\n";
+        << "run-and-grep: sh exited with code 7\n";
     QTest::newRow("arguments as they are")
         << QStringList{"-e", ".+", "--", "printf", "%s\n", "a  b", "--", "-e", "$HOME"} << 0
         << "a  b\n--\n-e\n$HOME\n"
-        << "run-and-grep: printf ended with exit code 0\n";
+        << "run-and-grep: printf exited with code 0\n";
     QTest::newRow("standard error behind standard output")
         << QStringList{"-e", "^.*$", "--", "sh", "-c", "echo error >&2; printf output"} << 0
         << "output\nerror\n"
-        << "run-and-grep: sh ended with exit code 0\n";
+        << "run-and-grep: sh exited with code 0\n";
     QTest::newRow("standard error alone")
         << QStringList{"-e", ".+", "--", "sh", "-c", "echo error >&2"} << 0 << "error\n"
-        << "run-and-grep: sh ended with exit code 0\n";
+        << "run-and-grep: sh exited with code 0\n";
     QTest::newRow("standard input has nothing") << QStringList{"-e", "x", "--", "cat"} << 1 << ""
-                                                << "run-and-grep: cat ended with exit code 0\n";
+                                                << "run-and-grep: cat exited with code 0\n";
     QTest::newRow("crash") << QStringList{"-e", "a", "--", "sh", "-c", "echo a; kill -SEGV $$"} << 4
                            << "a\n"
                            << "run-and-grep: sh crashed with signal 11\n";
@@ -142,7 +142,7 @@ void tst_RunAndGrep::runsACommand_data()
         << "run-and-grep: cannot start ./text: not an executable program\n";
     QTest::newRow("time-out") << QStringList{"-e", "a", "--timeout", "50", "--", "sleep", "60"} << 3
                               << ""
-                              << "run-and-grep: sleep did not end within 50 ms and was stopped\n";
+                              << "run-and-grep: sleep did not exit within 50 ms and was stopped\n";
 }
 
 void tst_RunAndGrep::runsACommand()
@@ -160,7 +160,7 @@ void tst_RunAndGrep::keepsTheOutput()
 {
     writeFile("kept", "something older that is longer\n");
     verifyRun({"--output", "kept", "-e", "none", "--", "echo", QString::fromUtf8("\xc3\xa9")}, 1,
-              QString(), "run-and-grep: echo ended with exit code 0\n");
+              QString(), "run-and-grep: echo exited with code 0\n");
     QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("\xc3\xa9\n"));
     QCOMPARE(QDir(folder()).entryList(QDir::Files | QDir::Hidden), QStringList("kept"));
 }
@@ -247,7 +247,7 @@ void tst_RunAndGrep::timeoutReachesWhatTheCommandHasStarted()
 {
     writeSpawner(":");
     verifyRun({"-e", "a", "--timeout", "1500", "--", "sh", "spawn"}, 3, QString(),
-              "run-and-grep: sh did not end within 1500 ms and was stopped\n");
+              "run-and-grep: sh did not exit within 1500 ms and was stopped\n");
     verifyNothingRuns(spawned());
 }
 
@@ -287,7 +287,7 @@ void tst_RunAndGrep::dashIsStandardInput()
 void tst_RunAndGrep::outputOnStandardOutput()
 {
     verifyRun({"--output", "-", "-e", "b", "--", "echo", "abc"}, 0, "abc\nb\n",
-              "run-and-grep: echo ended with exit code 0\n");
+              "run-and-grep: echo exited with code 0\n");
 }
 
 void tst_RunAndGrep::outputReplacesOnlyFiles()
@@ -305,7 +305,7 @@ void tst_RunAndGrep::outputReplacesOnlyFiles()
 void tst_RunAndGrep::zeroByteEndsWhatIsSearched()
 {
     verifyRun({"--output", "kept", "-e", "[ab]", "--", "printf", "a\\0b"}, 0, "a\n",
-              "run-and-grep: printf ended with exit code 0\n");
+              "run-and-grep: printf exited with code 0\n");
     QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("a\0b", 3));
 }
 
@@ -328,7 +328,7 @@ void tst_RunAndGrep::terminalsShowWhatIsWaitedFor_data()
     const QString pipe = "pipe";
     QTest::newRow("program") << QStringList{"-e", "a", "--", "cat", pipe}
                              << QByteArray("s: running cat, for 30 s at most")
-                             << QByteArray("run-and-grep: cat ended with exit code 0");
+                             << QByteArray("run-and-grep: cat exited with code 0");
     QTest::newRow("file") << QStringList{"-e", "a", pipe} << QByteArray("s: reading ")
                           << QByteArray();
 }
@@ -369,12 +369,12 @@ void tst_RunAndGrep::refusesWhatItCannotUse_data()
     QTest::addColumn<QString>("errors");
 
     const QString neither =
-        "run-and-grep: needs either '-- PROGRAM [ARGUMENTS]' or exactly one FILE\n" + hint;
+        "run-and-grep: requires either '-- PROGRAM [ARGUMENTS]' or exactly one FILE\n" + hint;
     QTest::newRow("nothing") << QStringList() << 2
-                             << "run-and-grep: an expression is needed: -e EXPRESSION\n" + hint;
+                             << "run-and-grep: an expression is required: -e EXPRESSION\n" + hint;
     QTest::newRow("no expression")
         << QStringList{"text"} << 2
-        << "run-and-grep: an expression is needed: -e EXPRESSION\n" + hint;
+        << "run-and-grep: an expression is required: -e EXPRESSION\n" + hint;
     QTest::newRow("option without its value")
         << QStringList{"text", "-e"} << 2 << "run-and-grep: Missing value after '-e'.\n" + hint;
     QTest::newRow("unknown option") << QStringList{"--foo", "-e", "a", "text"} << 2
@@ -386,13 +386,13 @@ void tst_RunAndGrep::refusesWhatItCannotUse_data()
         << QStringList{"-e", "a", "text", "--", "true"} << 2 << neither;
     QTest::newRow("output of a file")
         << QStringList{"-e", "a", "--output", "b", "text"} << 2
-        << "run-and-grep: --output, --timeout and --exit-code need a PROGRAM\n" + hint;
+        << "run-and-grep: --output, --timeout and --exit-code require a PROGRAM\n" + hint;
     QTest::newRow("time-out of a file")
         << QStringList{"-e", "a", "--timeout", "9", "text"} << 2
-        << "run-and-grep: --output, --timeout and --exit-code need a PROGRAM\n" + hint;
+        << "run-and-grep: --output, --timeout and --exit-code require a PROGRAM\n" + hint;
     QTest::newRow("time-out in words")
         << QStringList{"-e", "a", "--timeout", "soon", "--", "true"} << 2
-        << "run-and-grep: --timeout needs a number from 1 upwards, not 'soon'\n" + hint;
+        << "run-and-grep: --timeout requires a number from 1 up, not 'soon'\n" + hint;
     // Before the command is run, which would write a file.
     QTest::newRow("invalid expression")
         << QStringList{"-e", "a(b", "--", "touch", "ran"} << 2
@@ -426,9 +426,9 @@ void tst_RunAndGrep::helpNamesEveryExitCode()
                  "  0  something matched\n"
                  "  1  nothing matched\n"
                  "  2  wrong usage or an invalid expression\n"
-                 "  3  PROGRAM could not be started, or did not end in time\n"
-                 "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
-                 "  5  a file could not be read or written, or the output not be written\n")),
+                 "  3  PROGRAM could not be started, or did not exit in time\n"
+                 "  4  PROGRAM crashed (its output is searched nevertheless)\n"
+                 "  5  a file could not be read or written, or the output could not be written\n")),
              qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }

@@ -101,32 +101,32 @@ void tst_WatchMedia::listsTheMedium_data()
                                 << "medium: 2 files (*.mp3)\n"
                                    "  A.MP3\n"
                                    "  b.mp3\n"
-                                   "Watching 1 folder; ends after 0.1 s without a change\n"
+                                   "Watching 1 directory; ends after 0.1 s without a change\n"
                                    "Summary: 2 files, 0 new since the start, 0 gone, 0 bursts\n";
     QTest::newRow("all folders") << QStringList{"--pattern", "*.mp3", "--recursive"}
                                  << "medium: 3 files (*.mp3)\n"
                                     "  A.MP3\n"
                                     "  b.mp3\n"
                                     "  sub/d.mp3\n"
-                                    "Watching 3 folders; ends after 0.1 s without a change\n"
+                                    "Watching 3 directories; ends after 0.1 s without a change\n"
                                     "Summary: 3 files, 0 new since the start, 0 gone, 0 bursts\n";
     QTest::newRow("several patterns, short options")
         << QStringList{"-r", "-p", "*.ogg", "-p", "c*"}
         << "medium: 2 files (*.ogg c*)\n"
            "  c.txt\n"
            "  folder.mp3/e.ogg\n"
-           "Watching 3 folders; ends after 0.1 s without a change\n"
+           "Watching 3 directories; ends after 0.1 s without a change\n"
            "Summary: 2 files, 0 new since the start, 0 gone, 0 bursts\n";
     QTest::newRow("no pattern") << QStringList()
                                 << "medium: 3 files (*)\n"
                                    "  A.MP3\n"
                                    "  b.mp3\n"
                                    "  c.txt\n"
-                                   "Watching 1 folder; ends after 0.1 s without a change\n"
+                                   "Watching 1 directory; ends after 0.1 s without a change\n"
                                    "Summary: 3 files, 0 new since the start, 0 gone, 0 bursts\n";
     QTest::newRow("nothing fits") << QStringList{"--pattern", "*.wav"}
                                   << "medium: 0 files (*.wav)\n"
-                                     "Watching 1 folder; ends after 0.1 s without a change\n"
+                                     "Watching 1 directory; ends after 0.1 s without a change\n"
                                      "Summary: 0 files, 0 new since the start, 0 gone, 0 bursts\n";
 }
 
@@ -161,7 +161,7 @@ void tst_WatchMedia::showsATreeThatAppears()
     QCOMPARE(withoutTime(result.output),
              QStringLiteral("medium: 1 file (*.mp3)\n"
                             "  a.mp3\n"
-                            "Watching 1 folder; ends after 1 burst\n"
+                            "Watching 1 directory; ends after 1 burst\n"
                             "+ tree/deep/deeper/y.mp3\n"
                             "+ tree/x.mp3\n"
                             "Burst 1: 2 new, 0 gone, now 3 files\n"
@@ -220,7 +220,7 @@ void tst_WatchMedia::watchesLaterFolders()
 {
     makeFile("a");
     ProgramRun run(program, arguments({"--recursive", "--delay", "50", "--bursts", "5"}), folder());
-    QVERIFY(run.waitForOutput("Watching 1 folder;"));
+    QVERIFY(run.waitForOutput("Watching 1 directory;"));
     QVERIFY(QDir().mkpath(medium("later")));
     QVERIFY(run.waitForOutput("Burst 1: 0 new, 0 gone, now 1 file\n"));
     makeFile("later/b");
@@ -239,11 +239,11 @@ void tst_WatchMedia::ownFolderAloneIsWatchedWithoutRecursive()
 {
     makeMedium();
     ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), folder());
-    QVERIFY(run.waitForOutput("Watching 1 folder;"));
+    QVERIFY(run.waitForOutput("Watching 1 directory;"));
     makeFile("sub/new");
     makeFile("new");
     const ProgramResult result = run.finish();
-    QVERIFY2(result.output.contains(QStringLiteral("Watching 1 folder; ends after 1 burst\n"
+    QVERIFY2(result.output.contains(QStringLiteral("Watching 1 directory; ends after 1 burst\n"
                                                    "+ new\n"
                                                    "Burst 1: 1 new, 0 gone, now 4 files\n")),
              qPrintable(result.output));
@@ -255,7 +255,7 @@ void tst_WatchMedia::aCopyInProgressKeepsTheWatchAlive()
 
     QDir().mkpath(path("medium"));
     ProgramRun run(program, arguments({"--delay", "1000", "--idle", "800"}), folder());
-    QVERIFY(run.waitForOutput("Watching 1 folder; ends after 0.8 s"));
+    QVERIFY(run.waitForOutput("Watching 1 directory; ends after 0.8 s"));
     QElapsedTimer clock;
     clock.start();
     int files = 0;
@@ -327,7 +327,7 @@ void tst_WatchMedia::terminalsGetALineThatIsRedrawn()
         "(  file0\\d\n){10}"
         "  \\.\\.\\. and 3 more\n"
         "((\r\\d+\\.\\d s \\| 13 files, 0 new \\| 0 bursts \\| searching *)+\r +\r)?"
-        "Watching 1 folder; ends after 0\\.4 s without a change\n"
+        "Watching 1 directory; ends after 0\\.4 s without a change\n"
         "(\r\\d+\\.\\d s \\| 13 files, 0 new \\| 0 bursts \\| "
         "quiet, ends in \\d\\.\\d s *)+"
         "\r +\r"
@@ -372,7 +372,7 @@ void tst_WatchMedia::mediaComeAndGo()
     QCOMPARE(withoutTime(result.output),
              QStringLiteral("medium: 1 file (*)\n"
                             "  below\n"
-                            "Watching 1 folder; ends after 99 bursts\n"
+                            "Watching 1 directory; ends after 99 bursts\n"
                             "medium mounted\n"
                             "medium: 0 files (*)\n"
                             "+ first\n"
@@ -484,10 +484,10 @@ void tst_WatchMedia::namesThatAreNoUtf8AreCounted()
         close(file);
     }
     ProgramResult result = ProgramRun(program, arguments({"--idle", "100"}), folder()).finish();
-    QCOMPARE(result.errors, "watch-media: left out: 2 names that cannot be read as UTF-8\n");
+    QCOMPARE(result.errors, "watch-media: skipped: 2 names that cannot be decoded as UTF-8\n");
     QVERIFY2(withoutTime(result.output)
                  .endsWith(QStringLiteral("\nSummary: 1 file, 0 new since the start, 0 gone, "
-                                          "0 bursts, 2 names left out\n")),
+                                          "0 bursts, 2 names skipped\n")),
              qPrintable(result.output));
     result = ProgramRun(program, arguments({"--idle", "100", "--json"}), folder()).finish();
     QCOMPARE(result.errors, QString());
@@ -506,28 +506,28 @@ void tst_WatchMedia::refusesWhatItCannotUse_data()
     QTest::addColumn<QString>("errors");
 
     QTest::newRow("no folder") << QStringList() << 2
-                               << "watch-media: exactly one FOLDER is needed\n" + hint;
+                               << "watch-media: exactly one DIRECTORY is required\n" + hint;
     QTest::newRow("two folders") << QStringList{"medium", "medium"} << 2
-                                 << "watch-media: exactly one FOLDER is needed\n" + hint;
+                                 << "watch-media: exactly one DIRECTORY is required\n" + hint;
     QTest::newRow("unknown option")
         << QStringList{"--foo", "medium"} << 2 << "watch-media: Unknown option 'foo'.\n" + hint;
     QTest::newRow("option without its value")
         << QStringList{"medium", "--delay"} << 2
         << "watch-media: Missing value after '--delay'.\n" + hint;
     QTest::newRow("no delay") << QStringList{"--delay", "0", "medium"} << 2
-                              << "watch-media: --delay needs a number from 1 upwards, not '0'\n" +
+                              << "watch-media: --delay requires a number from 1 up, not '0'\n" +
                                      hint;
     QTest::newRow("negative idle time")
         << QStringList{"--idle", "-5", "medium"} << 2
-        << "watch-media: --idle needs a number from 1 upwards, not '-5'\n" + hint;
+        << "watch-media: --idle requires a number from 1 up, not '-5'\n" + hint;
     QTest::newRow("bursts in words")
         << QStringList{"--bursts", "two", "medium"} << 2
-        << "watch-media: --bursts needs a number from 1 upwards, not 'two'\n" + hint;
+        << "watch-media: --bursts requires a number from 1 up, not 'two'\n" + hint;
     QTest::newRow("missing folder")
-        << QStringList{"none"} << 3 << "watch-media: no such folder: none\n";
-    QTest::newRow("empty name") << QStringList{""} << 3 << "watch-media: no such folder: \n";
+        << QStringList{"none"} << 3 << "watch-media: no such directory: none\n";
+    QTest::newRow("empty name") << QStringList{""} << 3 << "watch-media: no such directory: \n";
     QTest::newRow("file") << QStringList{"medium/a"} << 3
-                          << "watch-media: medium/a is not a folder\n";
+                          << "watch-media: medium/a is not a directory\n";
 }
 
 void tst_WatchMedia::refusesWhatItCannotUse()
@@ -547,13 +547,13 @@ void tst_WatchMedia::helpNamesEveryExitCode()
 {
     const ProgramResult result = ProgramRun(program, {"--help"}, folder()).finish();
     QCOMPARE(result.errors, QString());
-    QVERIFY2(result.output.contains(
-                 QStringLiteral("\nExit codes:\n"
-                                "  0  ended by itself, or by Ctrl-C, SIGTERM or SIGHUP\n"
-                                "  2  wrong usage\n"
-                                "  3  FOLDER is missing, is no folder, or cannot be watched\n"
-                                "  4  FOLDER was taken away\n"
-                                "  5  the output could not be written\n")),
+    QVERIFY2(result.output.contains(QStringLiteral(
+                 "\nExit codes:\n"
+                 "  0  normal exit, also after Ctrl-C, SIGTERM or SIGHUP\n"
+                 "  2  wrong usage\n"
+                 "  3  DIRECTORY is missing, is not a directory, or cannot be watched\n"
+                 "  4  DIRECTORY was removed\n"
+                 "  5  the output could not be written\n")),
              qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
 }

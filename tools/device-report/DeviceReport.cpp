@@ -20,7 +20,7 @@
 
 namespace {
 
-// A value with the names that people and tools know it by.
+// A value with its names in the JSON and the text report.
 struct NamedValue
 {
     QString member;
@@ -28,8 +28,8 @@ struct NamedValue
     QString value;
 };
 
-// Why the file at filePath did not give what it should; otherwise is the reason when the file
-// itself is in order.
+// Returns why the file at filePath did not provide a value; otherwise is the reason if the file
+// itself can be read.
 QString reasonIn(const QString& filePath, const QString& otherwise)
 {
     const QFileInfo file(filePath);
@@ -54,7 +54,7 @@ void addIniValue(ReportSection& section, const NamedValue& value, const QString&
     }
 }
 
-// The parts of a version, for tools with every part that either format may have.
+// Adds the parts of a version; the JSON report has the parts of both formats.
 void addVersionParts(ReportSection& section, const QString& label, const QString& version)
 {
     const QString member = QStringLiteral("parts");
@@ -62,7 +62,7 @@ void addVersionParts(ReportSection& section, const QString& label, const QString
         section.addHidden(member);
         return;
     }
-    const QString odd = QStringLiteral("%1 is in neither format of a version").arg(version);
+    const QString odd = QStringLiteral("%1 is in neither version format").arg(version);
     const int messagesBefore = LibraryMessages::count();
     const VersionManager manager(version);
     if (LibraryMessages::count() != messagesBefore) {
@@ -70,7 +70,7 @@ void addVersionParts(ReportSection& section, const QString& label, const QString
         return;
     }
 
-    // A part of the other format must not be asked for: the library would warn of it.
+    // Getters of the other format must not be called: the library would log a warning.
     const bool isOld = manager.isOldVersion();
     const NamedValue parts[] = {
         {QStringLiteral("baseNumber"), QStringLiteral("base number"), manager.getBaseNumber()},
@@ -93,7 +93,7 @@ void addVersionParts(ReportSection& section, const QString& label, const QString
             texts.append(part.label + QLatin1Char(' ') + part.value);
         }
     }
-    if (texts.isEmpty()) { // dots alone
+    if (texts.isEmpty()) { // only dots
         section.addMissing(member, label, odd);
         return;
     }
@@ -129,7 +129,7 @@ ReportSection hardware(const QString& eepromPath)
         } else {
             section.addMissing(
                 eeprom, label,
-                reasonIn(eepromPath, QStringLiteral("does not hold a valid hardware record")));
+                reasonIn(eepromPath, QStringLiteral("contains no valid hardware record")));
         }
         for (const NamedValue& field : fields) {
             section.addHidden(field.member);
@@ -142,7 +142,7 @@ ReportSection hardware(const QString& eepromPath)
     for (const NamedValue& field : fields) {
         if (field.value.isEmpty()) {
             section.addMissing(field.member, field.label,
-                               QStringLiteral("the board record does not say"));
+                               QStringLiteral("missing from the board record"));
         } else {
             section.addKnown(field.member, field.label, field.value);
         }
@@ -236,7 +236,7 @@ ReportSection application()
         section,
         {QStringLiteral("productCode"), QStringLiteral("product code"), manager.getProductCode()},
         filePath, Manager::getGroupNameApplicationVersion(), Manager::getKeyProductCode());
-    // [General] itself would be the file's top level; a group of that name is written so.
+    // [General] would be the top level of the file; a group of that name is spelled [%General].
     addIniValue(section,
                 {QStringLiteral("creationDate"), QStringLiteral("creation date"),
                  manager.getCreationDate()},
@@ -260,7 +260,7 @@ void addBootMode(ReportSection& section)
     const int messagesBefore = LibraryMessages::count();
     const BootInformationHelper::BootMode mode = BootInformationHelper().getCurrentBootMode();
     if (LibraryMessages::count() != messagesBefore) {
-        // Without the command line the library takes a start for a normal one.
+        // Without the command line, the library reports a normal boot.
         section.addMissing(
             member, label,
             reasonIn(KernelCommandLineDefinition::getFilePath(), QStringLiteral("cannot be read")));

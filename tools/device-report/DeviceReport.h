@@ -5,8 +5,8 @@
 
 #include <QtCore/QString>
 
-// Asks the device for its identity; changes nothing on it. An empty eepromPath or hardwareId was
-// not given.
+// Queries the identity of the device; changes nothing. An empty eepromPath or hardwareId means that
+// none was given.
 namespace DeviceReport {
 
 Report make(const QString& eepromPath, const QString& hardwareId);

@@ -56,7 +56,7 @@ QByteArray Report::toText() const
         }
     }
 
-    QHash<QString, QString> labelOfReason; // where it was said
+    QHash<QString, QString> labelOfReason; // of the line that states the reason
     QString text;
     for (const ReportSection& section : m_sections) {
         if (!text.isEmpty()) {

@@ -6,20 +6,20 @@
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
-// Facts under one heading: each is a line of text for people and a JSON member for tools.
+// A group of facts. Each one is a line of the text report and a member of the JSON report.
 class ReportSection
 {
 public:
     explicit ReportSection(const QString& member);
 
-    // A fact. Where people want to read something else than the value, text is it.
+    // Adds a known value. If text is given, the text report shows it instead of the value.
     void addKnown(const QString& member, const QString& label, const QJsonValue& value,
                   const QString& text = QString());
-    // What is rightly absent; the text says so: "none".
+    // Adds a value that may be absent; text says so, for example "none".
     void addAbsent(const QString& member, const QString& label, const QString& text);
-    // What should be there and is not.
+    // Adds a value that should be there but is not.
     void addMissing(const QString& member, const QString& label, const QString& reason);
-    // A member that only tools see, as another line tells people why it is null.
+    // Adds a null member to the JSON report only: another line of the text report has the reason.
     void addHidden(const QString& member);
 
 private:
@@ -28,7 +28,7 @@ private:
     struct Fact
     {
         QString member;
-        QString label; // empty: for tools only
+        QString label; // empty: JSON only
         QJsonValue value;
         QString text;
         bool isMissing;
@@ -38,17 +38,17 @@ private:
     QVector<Fact> m_facts;
 };
 
-// What is known of a device.
+// All facts about a device.
 class Report
 {
 public:
     void add(const ReportSection& section);
 
-    // Whether nothing is missing.
+    // Returns true if nothing is missing.
     bool isComplete() const;
-    // Aligned lines; control characters of values are escaped.
+    // Returns aligned lines, with control characters escaped.
     QByteArray toText() const;
-    // One object with an object per section; what is not known is null.
+    // Returns one object with an object for each section; unknown values are null.
     QByteArray toJson() const;
 
 private:

@@ -1,4 +1,4 @@
-// Prints what a device knows of itself.
+// Prints the identity of a device.
 
 #include "DeviceReport.h"
 
@@ -47,13 +47,12 @@ int run(const QStringList& arguments)
     const QCommandLineOption eeprom(
         QStringLiteral("eeprom"),
         QStringLiteral("Read the board's hardware record from the EEPROM image PATH, such as the "
-                       "file 'eeprom' of its driver below /sys/bus/i2c/devices."),
+                       "file 'eeprom' of its driver in /sys/bus/i2c/devices."),
         QStringLiteral("PATH"));
     const QCommandLineOption hardwareId(QStringLiteral("hardware-id"),
-                                        QStringLiteral("Take the 16-digit hardware ID apart."),
+                                        QStringLiteral("Parse the 16-digit hardware ID."),
                                         QStringLiteral("ID"));
-    const QCommandLineOption json(QStringLiteral("json"),
-                                  QStringLiteral("Print one JSON object, for tools."));
+    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print one JSON object."));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(

@@ -22,8 +22,8 @@ std::optional<QByteArray> contentOf(const QString& filePath)
 
 std::optional<QByteArray> CleanUp::preview(const QByteArray& text)
 {
-    const QTemporaryDir folder(TemporaryPath::pattern());
-    const QString copy = folder.filePath(QStringLiteral("copy.ini"));
+    const QTemporaryDir directory(TemporaryPath::pattern());
+    const QString copy = directory.filePath(QStringLiteral("copy.ini"));
     QFile file(copy);
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush()) {
         return std::nullopt;

@@ -7,10 +7,10 @@
 
 #include <optional>
 
-// What IniFileManager::cleanUp() does to files.
+// Functions around IniFileManager::cleanUp().
 namespace CleanUp {
 
-// A line that is another one afterwards, or is lost.
+// A line that a clean-up changes or removes.
 struct Change
 {
     int line;
@@ -20,14 +20,14 @@ struct Change
 
 using Changes = QVector<Change>;
 
-// What a clean-up would make of a file of these bytes, found out with a copy in a folder of its
-// own; nothing when there can be no copy.
+// Returns what a clean-up would make of a file with these bytes, by cleaning a temporary copy;
+// nothing if there cannot be a copy.
 std::optional<QByteArray> preview(const QByteArray& text);
 
-// Cleans the file up; tells whether it holds what is expected then.
+// Cleans the file up. Returns true if it then has the expected content.
 bool perform(const QString& filePath, const QByteArray& expected);
 
-// The lines that differ. A clean-up adds no lines; at a zero byte it ends.
+// Returns the lines that differ. A clean-up adds no lines; it removes those after a zero byte.
 Changes changes(const QByteArray& before, const QByteArray& after);
 
 } // namespace CleanUp

@@ -1,7 +1,7 @@
 #ifndef TOOLS_INILINT_EXITCODE_H
 #define TOOLS_INILINT_EXITCODE_H
 
-// What the program tells a script; the numbers stand in its help and must not change.
+// Scripts rely on these numbers, which --help documents: they must not change.
 enum ExitCode
 {
     NothingFound = 0,

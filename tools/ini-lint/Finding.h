@@ -6,16 +6,16 @@
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
-// A place in a file that is read otherwise than it looks.
+// A place in a file that QSettings reads differently from what it seems to say.
 struct Finding
 {
-    int line; // from 1, as the column
+    int line; // from 1, like column
     int column;
-    int firstLine; // of the key or section that the place belongs to
+    int firstLine; // of the key or section at that place
     Severity severity;
     QString rule;
     QString message;
-    int repeats = 0; // how many findings of the same rule and severity this one stands for
+    int repeats = 0; // the number of omitted findings of the same rule and severity
 };
 
 using Findings = QVector<Finding>;

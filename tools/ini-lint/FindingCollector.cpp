@@ -36,7 +36,7 @@ Findings FindingCollector::sorted() const
 int FindingCollector::columnAt(int position) const
 {
     constexpr uchar kindOfByte = 0xC0;
-    constexpr uchar laterByte = 0x80; // of a character in UTF-8
+    constexpr uchar laterByte = 0x80; // not the first byte of a UTF-8 character
 
     int column = 1;
     for (int i = position; i > 0 && !IniLines::isLineEnd(m_text.at(i - 1)); --i) {

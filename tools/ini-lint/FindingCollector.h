@@ -6,22 +6,22 @@
 
 struct Extent;
 
-// Takes the findings of all rules and turns their places in the text into lines and columns.
+// Collects the findings of all rules and converts positions in the text to lines and columns.
 class FindingCollector
 {
 public:
     explicit FindingCollector(const QByteArray& text);
 
-    // A finding at the beginning of extent, or at a position in it.
+    // Adds a finding at the beginning of extent, or at a position in it.
     void add(const Extent& extent, Severity severity, const char* rule, const QString& message);
     void addAt(int position, const Extent& extent, Severity severity, const char* rule,
                const QString& message);
 
-    // The findings, by line and column.
+    // Returns the findings, sorted by line and column.
     Findings sorted() const;
 
 private:
-    // In characters when the text is UTF-8, else in bytes.
+    // Returns the column in characters if the text is UTF-8, otherwise in bytes.
     int columnAt(int position) const;
 
     const QByteArray m_text;

@@ -6,10 +6,10 @@
 
 #include <QtCore/QStringList>
 
-// Which findings a run prints.
+// Selects the findings that a run prints.
 struct FindingFilter
 {
-    Severity level = Severity::Warning; // the least
+    Severity level = Severity::Warning; // the lowest
     bool areRepeatsShown = false;
     QStringList ignoredRules;
     IgnoreList ignoreList;

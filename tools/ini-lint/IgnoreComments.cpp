@@ -12,7 +12,7 @@ namespace {
 
 const int wholeFile = 0;
 
-// Where the line that begins at a position ends.
+// Returns the end of the line that begins at a position.
 int endOfLine(const QByteArray& text, int begin)
 {
     int end = begin;
@@ -67,7 +67,7 @@ void IgnoreComments::addComment(const QByteArray& comment, const Extent& extent,
     for (const QString& rule : qAsConst(words)) {
         if (!IniRules::contains(rule)) {
             findings.add(extent, Severity::Warning, "ignore-comment",
-                         QStringLiteral("there is no rule %1").arg(NameRules::quoted(rule)));
+                         QStringLiteral("unknown rule %1").arg(NameRules::quoted(rule)));
         }
     }
     if (isForFile) {

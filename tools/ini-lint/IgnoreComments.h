@@ -7,22 +7,23 @@
 #include <QtCore/QStringList>
 
 /*
- * The comments of a file that keep findings back: "; ini-lint: ignore RULE..." those of the next
- * line that is neither empty nor a comment, "; ini-lint: ignore-file RULE..." those of the file.
+ * The comments in a file that suppress findings: "; ini-lint: ignore RULE..." those of the next
+ * line that is neither empty nor a comment, "; ini-lint: ignore-file RULE..." those of the whole
+ * file.
  */
 class IgnoreComments
 {
 public:
-    // Adds a finding for each comment that cannot be understood.
+    // Adds a finding for each comment that cannot be parsed.
     IgnoreComments(const QByteArray& text, FindingCollector& findings);
 
-    // The findings that are left.
+    // Returns the findings that are not ignored.
     Findings apply(const Findings& findings) const;
 
 private:
     struct Rules
     {
-        int line; // 0: of the whole file
+        int line; // 0: the whole file
         QStringList names;
     };
 
@@ -30,7 +31,7 @@ private:
     bool isIgnored(const Finding& finding) const;
 
     QVector<Rules> m_rules;
-    QStringList m_pendingRules; // for the next line that is no comment
+    QStringList m_pendingRules; // for the next line that is not a comment
 };
 
 #endif

@@ -10,8 +10,8 @@ namespace {
 
 const QString everyRule = QStringLiteral("*");
 
-// Whether a pattern fits a path, or what follows one of its slashes.
-bool fits(const QRegularExpression& pattern, const QString& path)
+// Whether a pattern matches a path, or the part after one of its slashes.
+bool matches(const QRegularExpression& pattern, const QString& path)
 {
     for (int begin = 0; begin >= 0;) {
         if (pattern.match(path.mid(begin)).hasMatch()) {
@@ -53,12 +53,12 @@ QString IgnoreList::addLine(const QString& line)
     }
     const QString rule = match.captured(1);
     if (rule != everyRule && !IniRules::contains(rule)) {
-        return QStringLiteral("there is no rule '%1'").arg(rule);
+        return QStringLiteral("unknown rule '%1'").arg(rule);
     }
     const QRegularExpression pattern(
         QRegularExpression::wildcardToRegularExpression(match.captured(2)));
     if (!pattern.isValid()) {
-        return QStringLiteral("this is no pattern: '%1'").arg(match.captured(2));
+        return QStringLiteral("invalid pattern: '%1'").arg(match.captured(2));
     }
     m_entries.append({rule, pattern});
     return QString();
@@ -67,6 +67,6 @@ QString IgnoreList::addLine(const QString& line)
 bool IgnoreList::isIgnored(const QString& filePath, const QString& rule) const
 {
     return std::any_of(m_entries.cbegin(), m_entries.cend(), [&](const Entry& entry) {
-        return (entry.rule == everyRule || entry.rule == rule) && fits(entry.pattern, filePath);
+        return (entry.rule == everyRule || entry.rule == rule) && matches(entry.pattern, filePath);
     });
 }

@@ -7,13 +7,13 @@
 #include <QtCore/QStringList>
 
 /*
- * The rules that say nothing of files of a pattern, from a file with a line "RULE PATTERN" for
- * each; '*' means every rule. Empty lines, and those that begin with '#', are skipped.
+ * The rules to ignore in files that match a pattern, read from a file with lines "RULE PATTERN".
+ * '*' means every rule. Empty lines and lines that begin with '#' are skipped.
  */
 class IgnoreList
 {
 public:
-    // Adds what a list file says; returns what is wrong with it, an empty text if nothing is.
+    // Adds the entries of a list file. Returns an error message, or an empty string on success.
     QString read(const QString& listPath);
 
     bool isIgnored(const QString& filePath, const QString& rule) const;

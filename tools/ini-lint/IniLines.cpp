@@ -52,7 +52,7 @@ void IniLines::skipComment()
     }
 }
 
-// The character behind a backslash; of a line end both characters.
+// Skips the character after a backslash; both characters of a two-character line ending.
 void IniLines::skipEscape()
 {
     if (m_position == m_textEnd) {

@@ -5,24 +5,24 @@
 #include <QtCore/QVector>
 
 /*
- * Takes a stretch of an INI text apart into lines as QSettings does: a line goes on after a line
- * feed in quotes or after a backslash, and ends at a semicolon outside of quotes. Comments and
- * blank lines are passed over.
+ * Splits a part of an INI text into lines, as QSettings does: a line continues after a line feed
+ * that is in quotes or follows a backslash, and ends at a semicolon outside quotes. Comments and
+ * empty lines are skipped.
  */
 class IniLines
 {
 public:
     IniLines(const QByteArray& text, int begin, int end);
 
-    // Goes to the next line; false at the end.
+    // Advances to the next line; returns false at the end.
     bool next();
 
-    // Where the line begins and ends, and its first equals sign outside of quotes; -1 without one.
+    // The beginning and end of the line, and its first equals sign outside quotes (-1 if none).
     int begin() const { return m_begin; }
     int end() const { return m_position; }
     int equals() const { return m_equals; }
 
-    // Whether a semicolon ended the line, and whether the end came while a quote was open.
+    // Whether a semicolon ended the line, and whether it ended in an open quote.
     bool isCutBySemicolon() const { return m_isCutBySemicolon; }
     bool isQuoteOpen() const { return m_isQuoteOpen; }
 
@@ -43,7 +43,7 @@ private:
     bool m_isQuoteOpen = false;
 };
 
-// Finds the numbers of lines as an editor counts them, from 1.
+// Converts positions to line numbers as editors count them, from 1.
 class LineNumbers
 {
 public:
@@ -52,7 +52,7 @@ public:
     int at(int position) const;
 
 private:
-    QVector<int> m_starts; // of the lines behind the first
+    QVector<int> m_starts; // of all lines but the first
 };
 
 #endif

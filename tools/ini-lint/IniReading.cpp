@@ -13,7 +13,7 @@ QString prefixOf(const QByteArray& sectionName)
     if (sectionName.compare("general", Qt::CaseInsensitive) == 0) {
         return QString();
     }
-    // The one escape that is none for names of keys.
+    // The only escape that has no meaning in names of keys.
     const QString name = sectionName.compare("%general", Qt::CaseInsensitive) == 0
                              ? QString::fromLatin1(sectionName.mid(1))
                              : IniReading::readName(sectionName);
@@ -41,7 +41,7 @@ IniReading::IniReading(const QByteArray& text, const QTextCodec* codec) : m_code
     }
     const LineNumbers numbers(text);
     IniLines lines(text, hasByteOrderMark ? int(qstrlen(byteOrderMark)) : 0, text.size());
-    // The mark is passed over in the search for sections, but not where the keys are read.
+    // QSettings skips the byte order mark when it looks for sections, but not when it parses keys.
     int begin = 0;
     while (lines.next()) {
         if (text.at(lines.begin()) == '[') {
@@ -96,7 +96,7 @@ QString IniReading::readName(const QByteArray& name)
             result += QLatin1Char('/');
             continue;
         }
-        // %41 or %U0041; the number is taken as QByteArray takes it, signs and blanks included.
+        // %41 or %U0041; QByteArray::toInt() parses the number, which allows signs and spaces.
         const bool isLong = character == '%' && name.mid(position, 1) == "U";
         const int digits = isLong ? 4 : 2;
         const int begin = isLong ? position + 1 : position;

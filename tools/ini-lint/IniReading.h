@@ -11,50 +11,50 @@ class QTextCodec;
 class IniLines;
 class LineNumbers;
 
-// The lines of the text that something takes in.
+// The lines of the text that an item covers.
 struct Extent
 {
-    int begin; // its first byte
+    int begin; // the first byte
     int first;
     int last;
-    bool isQuoteOpen; // at the end of the last, which is that of the text
+    bool isQuoteOpen; // at the end of the last line, which is the end of the text
 };
 
-// The bytes that begin an extent; at the beginning of the file without the byte order mark of
-// UTF-8, and the spaces after it.
+// Returns the bytes at the beginning of an extent; at the beginning of the file without the UTF-8
+// byte order mark and the spaces after it.
 QByteArray withoutByteOrderMark(const Extent& extent, const QByteArray& bytes);
 
 // A line that begins a section.
 struct IniSection
 {
     Extent extent;
-    QByteArray name; // as it is written
-    // As the names of its keys begin: "Net/"; empty for the top level of the file.
+    QByteArray name; // as spelled in the file
+    // The beginning of its keys' paths: "Net/"; empty for the top level of the file.
     QString prefix;
-    bool isClosed;     // whether there is a ']'
-    QByteArray behind; // what follows that in the line
+    bool isClosed;       // whether there is a ']'
+    QByteArray trailing; // what follows the ']' in the line
 };
 
 // A line with a key and a value.
 struct IniEntry
 {
     Extent extent;
-    QString prefix;   // the section's
-    QByteArray name;  // of the key, as it is written
+    QString prefix;   // of the section
+    QByteArray name;  // of the key, as spelled in the file
     int valueBegin;   // the byte after the equals sign
-    QString key;      // as it is read
-    QByteArray bytes; // of the value, as they are written
+    QString key;      // as QSettings reads it
+    QByteArray bytes; // of the value, as in the file
     IniValue value;
     bool isCutBySemicolon;
 
     QString path() const { return prefix + key; }
-    // Where the value ends: at the semicolon, if that ended it.
+    // The end of the value: the semicolon, if there is one.
     int valueEnd() const { return valueBegin + bytes.size(); }
-    // Whether '#' turns the line into a comment in people's eyes.
+    // Whether the line looks like a comment because of its '#'.
     bool isCommentedOut() const { return withoutByteOrderMark(extent, name).startsWith('#'); }
 };
 
-// A line that is neither.
+// A line that is neither a section nor a key.
 struct IniStray
 {
     Extent extent;
@@ -64,27 +64,27 @@ struct IniStray
 };
 
 /*
- * An INI text as QSettings 5.15 reads it on Unix, with the lines that everything comes from. It
- * goes on where QSettings does, so that what is read is the same for texts of any kind.
+ * Parses an INI text as QSettings 5.15 does on Unix, and records the lines of each item. After an
+ * error it continues as QSettings does, so that the result is the same for any text.
  */
 class IniReading
 {
 public:
-    // Without a codec values are Latin-1, as IniFileManager reads them when it is given none.
+    // Without a codec, values are Latin-1, as for IniFileManager.
     IniReading(const QByteArray& text, const QTextCodec* codec);
 
     const QVector<IniSection>& sections() const { return m_sections; }
-    // In the order of the text; where a path comes again within one section's prefix, the last
+    // In the order of the text. If a path occurs several times with one prefix, the last one
     // counts.
     const QVector<IniEntry>& entries() const { return m_entries; }
     const QVector<IniStray>& strays() const { return m_strays; }
-    // The codec of the values: where none is given, a byte order mark makes it UTF-8.
+    // The codec of the values: UTF-8 if none was given and the text has a byte order mark.
     const QTextCodec* codec() const { return m_codec; }
 
-    // The name of a key or section as it is read: always Latin-1, '\' for '/', and escapes with
-    // '%'.
+    // Returns the name of a key or section as QSettings reads it: in Latin-1 with any codec, with
+    // '/' for '\', and with '%' escapes replaced.
     static QString readName(const QByteArray& name);
-    // The name as QSettings writes it.
+    // Returns the name as QSettings writes it.
     static QByteArray writtenName(const QString& name);
 
 private:

@@ -8,21 +8,22 @@
 
 class QTextCodec;
 
-// What is read otherwise than people think.
+// Finds where QSettings reads an INI text differently from what it seems to say.
 namespace IniRules {
 
 struct Rule
 {
     const char* name;
-    Severity severity; // the highest that its findings have
+    Severity severity; // the highest of its findings
     const char* summary;
 };
 
-// Every rule that a finding may name, in alphabetical order.
+// Returns all rules, in alphabetical order.
 const QVector<Rule>& all();
 bool contains(const QString& rule);
 
-// All findings in an INI text, by line and column, without those that its comments ignore.
+// Returns all findings in an INI text, sorted by line and column, without those that comments in
+// the text ignore.
 Findings check(const QByteArray& text, const QTextCodec* codec);
 
 } // namespace IniRules

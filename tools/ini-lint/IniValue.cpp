@@ -8,7 +8,7 @@
 
 namespace {
 
-// What the letter after a backslash stands for; -1 when it is dropped with the backslash.
+// Returns the meaning of the letter after a backslash; -1 if both are dropped.
 int meaningOf(char letter)
 {
     switch (letter) {
@@ -72,7 +72,7 @@ void IniValue::read()
             readPlain();
         }
     }
-    // Behind a number or a backslash at the very end nothing is chopped, and nothing is to chop.
+    // Nothing is chopped after a trailing number or backslash.
     endText();
 }
 
@@ -101,7 +101,7 @@ void IniValue::readQuote()
     }
 }
 
-// Tells whether something may follow.
+// Returns false at a trailing backslash, which ends the value.
 bool IniValue::readEscape()
 {
     const int begin = m_position++;
@@ -135,7 +135,7 @@ bool IniValue::readEscape()
     return true;
 }
 
-// As many digits as there are; what does not fit into 16 bits is lost.
+// Reads all digits that follow; the number is truncated to 16 bits.
 void IniValue::readNumber(int base)
 {
     char16_t number = 0;

@@ -7,35 +7,35 @@
 
 class QTextCodec;
 
-// A value as QSettings reads it out of the bytes after an equals sign, and what happened on the
-// way.
+// A value as QSettings parses it from the bytes after an equals sign, with what the rules need to
+// know about those bytes.
 class IniValue
 {
 public:
-    // Without a codec each byte is a character of Latin-1.
+    // Without a codec, values are Latin-1.
     IniValue(const QByteArray& bytes, const QTextCodec* codec);
 
     bool isList() const { return m_isList; }
-    // One text when it is no list. A mark for another type, such as "@Size(1 2)", is still there.
+    // One string unless it is a list. A marker of another type, such as "@Size(1 2)", is kept.
     QStringList texts() const { return m_texts; }
 
-    // Whether some of it stood in quotes, and whether some other part of the same text did not.
+    // Whether a part of the value is in quotes, and whether another part of that string is not.
     bool hasQuotes() const { return m_hasQuotes; }
     bool hasTextBesideQuotes() const { return m_hasTextBesideQuotes; }
-    // The first comma that separates texts; -1 without one.
+    // The position of the first comma that separates strings; -1 if there is none.
     int firstComma() const { return m_firstComma; }
 
-    // An escape, and where it begins in the bytes.
+    // An escape sequence and its position in the bytes.
     struct Escape
     {
         int position;
         QByteArray bytes;
     };
-    // The escapes that stand for something else than the character after their backslash, and
-    // those that stand for just that.
+    // The escapes that mean something other than the character after their backslash, and those
+    // that mean that character.
     const QVector<Escape>& strangeEscapes() const { return m_strangeEscapes; }
     const QVector<Escape>& literalEscapes() const { return m_literalEscapes; }
-    // The backslash at the very end, which is dropped; -1 without one.
+    // The position of a trailing backslash, which is dropped; -1 if there is none.
     int lastBackslash() const { return m_lastBackslash; }
 
 private:
@@ -52,11 +52,11 @@ private:
     const QTextCodec* m_codec;
     int m_position = 0;
     QStringList m_texts;
-    QString m_text; // the one that is being read
-    int m_kept = 0; // so many of its characters stay, even if they are blanks
+    QString m_text; // the string that is being parsed
+    int m_kept = 0; // this many of its characters are kept, even if they are spaces
     bool m_isQuoted = false;
     bool m_isInQuotes = false;
-    bool m_hasPlain = false; // whether the text that is being read has a part outside of quotes
+    bool m_hasPlain = false; // whether that string has a part outside quotes
     bool m_isList = false;
     bool m_hasQuotes = false;
     bool m_hasTextBesideQuotes = false;

@@ -31,8 +31,7 @@ QVector<Input> filesIn(const QString& directory, const QStringList& patterns)
         }
     }
     if (result.isEmpty()) {
-        result.append({directory, QStringLiteral("no file in this directory has a name that fits "
-                                                 "'%1'")
+        result.append({directory, QStringLiteral("no file in this directory matches '%1'")
                                       .arg(patterns.join(QStringLiteral("', '")))});
     }
     std::sort(result.begin(), result.end(),

@@ -7,19 +7,19 @@
 
 namespace InputFiles {
 
-// A file to look at, or what is wrong with the path.
+// A file to check, or what is wrong with its path.
 struct Input
 {
     QString path;
     QString trouble;
 };
 
-// Whether an argument means standard input, and the name of that in the results.
+// Whether an argument means standard input, and the name of a file in the results.
 bool isStandardInput(const QString& path);
 QString shownName(const QString& path);
 
-// The files that arguments name. Of a directory those in it and below whose names fit one of the
-// patterns, sorted; symbolic links to directories are not followed.
+// Returns the files that arguments name. For a directory, these are the files in it and below whose
+// names match one of the patterns, sorted; symbolic links to directories are not followed.
 QVector<Input> find(const QStringList& arguments, const QStringList& patterns);
 
 } // namespace InputFiles

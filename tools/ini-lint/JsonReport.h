@@ -8,7 +8,7 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QString>
 
-// The results as one JSON object.
+// Formats the results as one JSON object.
 class JsonReport
 {
 public:

@@ -23,10 +23,10 @@ void checkPath(const IniEntry& entry, FindingCollector& findings)
                                .arg(quoted(entry.key)));
     } else if (entry.key.contains(slash)) {
         const QString path = entry.path();
-        // A program that asks for the name as it is written finds it with '/', not with '\'.
+        // Looking up the spelling in the file works with '/', but not with '\'.
         const bool isOther = entry.name.contains('\\');
         findings.add(entry.extent, isOther ? Severity::Error : Severity::Warning, "nested-name",
-                     QStringLiteral("%1 is nested: it is read as the key %2 of the group %3")
+                     QStringLiteral("%1 is nested: it is read as the key %2 in the group %3")
                          .arg(quoted(entry.key), quoted(path.section(slash, -1)),
                               quoted(path.section(slash, 0, -2))));
     }
@@ -36,25 +36,25 @@ void checkName(const IniEntry& entry, FindingCollector& findings)
 {
     if (entry.isCommentedOut()) {
         findings.add(entry.extent, Severity::Note, "hash-comment",
-                     QStringLiteral("'#' starts no comment: the line is read as the key %1")
+                     QStringLiteral("'#' does not start a comment: the line is read as the key %1")
                          .arg(quoted(entry.key)));
         return;
     }
     if (entry.extent.begin == 0 && entry.name.startsWith("\xEF\xBB\xBF")) {
         findings.add(entry.extent, Severity::Error, "byte-order-mark",
-                     QStringLiteral("a byte order mark is a part of this key's name"));
+                     QStringLiteral("the byte order mark is part of this key's name"));
     } else {
         NameRules::checkSpelling(entry.extent, entry.name, findings);
     }
     if (entry.name.contains('"')) {
         findings.add(
             entry.extent, Severity::Warning, "quotes",
-            QStringLiteral("quotes are a part of the key's name: %1").arg(quoted(entry.key)));
+            QStringLiteral("quotes are part of the key's name: %1").arg(quoted(entry.key)));
     }
     checkPath(entry, findings);
 }
 
-// Of each line whose value another line replaces.
+// Reports each line whose value another line replaces.
 void checkDuplicates(const QVector<IniEntry>& entries, FindingCollector& findings)
 {
     QHash<QString, const IniEntry*> lasts; // by section and path
@@ -64,15 +64,16 @@ void checkDuplicates(const QVector<IniEntry>& entries, FindingCollector& finding
             last = &*entry;
         } else if (!entry->isCommentedOut()) {
             const bool isSame = last->value.texts() == entry->value.texts();
-            findings.add(entry->extent, isSame ? Severity::Note : Severity::Error, "duplicate-key",
-                         QStringLiteral("%1 is given again: the value of line %2 counts, not this")
-                             .arg(quoted(entry->path()))
-                             .arg(last->extent.first));
+            findings.add(
+                entry->extent, isSame ? Severity::Note : Severity::Error, "duplicate-key",
+                QStringLiteral("%1 is a duplicate: the value in line %2 counts, not this one")
+                    .arg(quoted(entry->path()))
+                    .arg(last->extent.first));
         }
     }
 }
 
-// Each spelling once, at the first line that has it.
+// Reports each spelling once, at its first line.
 void checkCase(const QVector<IniEntry>& entries, FindingCollector& findings)
 {
     QHash<QString, const IniEntry*> firsts;
@@ -86,7 +87,7 @@ void checkCase(const QVector<IniEntry>& entries, FindingCollector& findings)
             first = &entry;
         } else if (first->key != entry.key && !spellings.contains(entry.path())) {
             findings.add(entry.extent, Severity::Warning, "case",
-                         QStringLiteral("%1 is another key than %2 in line %3: case counts")
+                         QStringLiteral("%1 and %2 in line %3 are different keys: case matters")
                              .arg(quoted(entry.key), quoted(first->key))
                              .arg(first->extent.first));
         }

@@ -5,7 +5,7 @@
 
 class IniReading;
 
-// The rules of the names of keys.
+// The rules for names of keys.
 namespace KeyRules {
 
 void check(const IniReading& reading, FindingCollector& findings);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// In bold red, magenta or cyan, as compilers color their messages.
+// Bold red, magenta or cyan, as in compiler messages.
 QString shownSeverity(Severity severity)
 {
     if (!CommandLine::isColored()) {
@@ -20,7 +20,7 @@ QString shownSeverity(Severity severity)
         .arg(QString::number(color), Severities::name(severity));
 }
 
-// As compilers print it.
+// The format of compiler messages.
 QString compilerLine(const QString& file, const Finding& finding)
 {
     const QString repeats = finding.repeats > 0
@@ -85,7 +85,7 @@ void LintReport::finish()
     m_display.reset();
     switch (m_format) {
     case ReportFormat::Text:
-        // Byte by byte what is in the files: patch must recognize them.
+        // The exact bytes of the files, so that patch can apply the diff.
         CommandLine::write(m_diff);
         break;
     case ReportFormat::Json:

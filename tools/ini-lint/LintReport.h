@@ -19,17 +19,17 @@ enum class ReportFormat
     Sarif
 };
 
-// What comes out of the program: findings as soon as they are known, the rest at the end.
+// Prints the results: findings at once, everything else at the end.
 class LintReport
 {
 public:
     explicit LintReport(ReportFormat format);
 
-    // The file that is being looked at, for people who wait.
+    // Shows which file is being checked.
     void begin(const QString& file, int number, int count);
 
     void addFindings(const QString& file, const Findings& findings);
-    // isDone: the file has been changed; else it would be.
+    // isDone: the file has been changed; otherwise this is a dry run.
     void addChanges(const QString& file, const QByteArray& before, const QByteArray& after,
                     bool isDone);
     void addTrouble(const QString& file, const QString& trouble);
@@ -40,10 +40,10 @@ public:
     bool isEmpty() const { return m_isEmpty; }
 
 private:
-    std::optional<BusyDisplay> m_display; // until the end
+    std::optional<BusyDisplay> m_display; // until finish()
     const ReportFormat m_format;
     bool m_hasTrouble = false;
-    bool m_isEmpty = true; // of findings and changes
+    bool m_isEmpty = true; // no findings and no changes
     JsonReport m_json;
     SarifReport m_sarif;
     QByteArray m_diff;

@@ -50,7 +50,7 @@ void NameRules::checkSpelling(const Extent& extent, const QByteArray& name,
     const QString read = IniReading::readName(name);
     if (isUtf8BeyondAscii(name)) {
         findings.add(extent, Severity::Error, "encoding",
-                     QStringLiteral("%1 is read as %2: names are Latin-1 whatever the codec")
+                     QStringLiteral("%1 is read as %2: names are Latin-1 with any codec")
                          .arg(quoted(name), quoted(read)));
     }
     const QString unescaped =
@@ -58,7 +58,7 @@ void NameRules::checkSpelling(const Extent& extent, const QByteArray& name,
     if (read != unescaped) {
         const bool isWrittenByQt = IniReading::writtenName(read) == name;
         findings.add(extent, isWrittenByQt ? Severity::Warning : Severity::Error, "name-escape",
-                     QStringLiteral("%1 is read as %2: '%' begins the number of a character")
+                     QStringLiteral("%1 is read as %2: '%' begins a character code")
                          .arg(quoted(name), quoted(read)));
     }
 }
@@ -72,7 +72,7 @@ void NameRules::checkExtent(const Extent& extent, FindingCollector& findings)
     } else if (extent.last > extent.first) {
         findings.add(extent, Severity::Error, "multi-line",
                      QStringLiteral("everything up to line %1 belongs to this line: a quote or a "
-                                    "backslash includes the end of the line")
+                                    "backslash includes the line ending")
                          .arg(extent.last));
     }
 }

@@ -7,28 +7,29 @@
 
 struct Extent;
 
-// What the rules of sections, keys and values share.
+// Functions that the rules for sections, keys and values share.
 namespace NameRules {
 
-// Text in quotes, on one line and of limited length; bytes are shown as UTF-8 where they are.
+// Returns text in quotes, on one line and of limited length. Bytes are decoded as UTF-8 if valid.
 QString quoted(const QString& text);
 QString quoted(const QByteArray& bytes);
 
 bool isAscii(const QByteArray& bytes);
-// Whether bytes are UTF-8 that other codecs read as something else.
+// Whether bytes are valid UTF-8 with characters beyond ASCII, which other codecs decode
+// differently.
 bool isUtf8BeyondAscii(const QByteArray& bytes);
 
-// Whether an empty part keeps a path from being looked up: QSettings takes needless slashes out of
-// what it is asked for, and not out of what it reads.
+// Whether a path cannot be looked up because a part of it is empty: QSettings removes redundant
+// slashes from the paths that it looks up, but not from those that it reads.
 bool isUnreachable(const QString& path);
 
-// Of a name as it is written: characters beyond ASCII, and escapes that QSettings would not write.
+// Checks the spelling of a name: characters beyond ASCII, and '%' escapes.
 void checkSpelling(const Extent& extent, const QByteArray& name, FindingCollector& findings);
 
-// Of a line that goes on in the next ones.
+// Reports a line that continues in the next ones.
 void checkExtent(const Extent& extent, FindingCollector& findings);
-// The same of a line that people take for a comment, whose bytes these are: it does no harm when it
-// goes on in nothing but comments.
+// The same for a line with these bytes that looks like a comment: it is harmless if it includes
+// only other comments.
 void checkCommentExtent(const Extent& extent, const QByteArray& bytes, FindingCollector& findings);
 
 } // namespace NameRules

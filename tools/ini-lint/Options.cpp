@@ -21,7 +21,7 @@ QStringList formatNames()
     return {QStringLiteral("text"), QStringLiteral("json"), QStringLiteral("sarif")};
 }
 
-// Words for a message: "text, json or sarif".
+// Joins words for a message: "text, json or sarif".
 QString alternatives(const QStringList& words)
 {
     return QStringList(words.mid(0, words.size() - 1)).join(QStringLiteral(", ")) +
@@ -32,7 +32,7 @@ QString unknownRule(const QStringList& rules)
 {
     for (const QString& rule : rules) {
         if (!IniRules::contains(rule)) {
-            return QStringLiteral("there is no rule '%1'").arg(rule);
+            return QStringLiteral("unknown rule '%1'").arg(rule);
         }
     }
     return QString();
@@ -44,11 +44,11 @@ QList<QCommandLineOption> Options::all()
 {
     return {
         {codecName,
-         QStringLiteral("The codec that the program gives to IniFileManager, such as UTF-8; "
-                        "without one values are read as Latin-1."),
+         QStringLiteral("The codec that the program passes to IniFileManager, such as UTF-8; "
+                        "without one, values are Latin-1."),
          QStringLiteral("NAME")},
         {levelName,
-         QStringLiteral("The least severity that is shown: error, warning (the default) or note."),
+         QStringLiteral("The lowest severity that is shown: error, warning (the default) or note."),
          QStringLiteral("SEVERITY")},
         {allName,
          QStringLiteral("Show every finding, not only the first of its rule and severity in a "
@@ -56,21 +56,21 @@ QList<QCommandLineOption> Options::all()
         {ignoreName, QStringLiteral("Omit the findings of RULE; may be given several times."),
          QStringLiteral("RULE")},
         {ignoreListName,
-         QStringLiteral("Omit findings as LIST says: a line RULE PATTERN for each rule and the "
-                        "files that it says nothing of, '*' for every rule."),
+         QStringLiteral("Omit the findings that the file LIST names: a line RULE PATTERN for "
+                        "each rule and the files to ignore it in, '*' for every rule."),
          QStringLiteral("LIST")},
         {{QStringLiteral("p"), patternName},
-         QStringLiteral("Which files of a directory are read, *.ini by default; may be given "
+         QStringLiteral("The files of a directory that are read, *.ini by default; may be given "
                         "several times."),
          QStringLiteral("PATTERN")},
         {cleanName,
-         QStringLiteral("Instead of looking for findings clean each FILE up, as "
-                        "IniFileManager::cleanUp() does: commas become spaces, %23 becomes #. "
-                        "The changes are printed as a unified diff.")},
+         QStringLiteral("Clean each FILE up, as IniFileManager::cleanUp() does, instead of "
+                        "checking it: commas become spaces, %23 becomes #. The changes are "
+                        "printed as a unified diff.")},
         {dryRunName,
-         QStringLiteral("With --clean: touch no FILE, only print the diff, which patch accepts.")},
+         QStringLiteral("With --clean: change no FILE, only print the diff, which patch accepts.")},
         {formatName,
-         QStringLiteral("How the results are printed: text (the default), json or sarif."),
+         QStringLiteral("The format of the results: text (the default), json or sarif."),
          QStringLiteral("FORMAT"), QStringLiteral("text")},
     };
 }
@@ -84,14 +84,14 @@ QString Options::read(const QCommandLineParser& parser)
     paths = parser.positionalArguments();
 
     if (paths.isEmpty()) {
-        return QStringLiteral("at least one FILE is needed");
+        return QStringLiteral("at least one FILE is required");
     }
     if (isDryRun && !mustClean) {
-        return QStringLiteral("--dry-run needs --clean");
+        return QStringLiteral("--dry-run requires --clean");
     }
     for (const QString& name : {codecName, levelName, allName, ignoreName, ignoreListName}) {
         if (mustClean && parser.isSet(name)) {
-            return QStringLiteral("--%1 means nothing with --clean").arg(name);
+            return QStringLiteral("--%1 cannot be used with --clean").arg(name);
         }
     }
     const QString trouble = readFormat(parser);
@@ -108,7 +108,7 @@ QString Options::readFormat(const QCommandLineParser& parser)
     }
     format = static_cast<ReportFormat>(index);
     if (mustClean && format == ReportFormat::Sarif) {
-        return QStringLiteral("--format=sarif means nothing with --clean");
+        return QStringLiteral("--format=sarif cannot be used with --clean");
     }
     return QString();
 }
@@ -117,7 +117,7 @@ QString Options::readFilter(const QCommandLineParser& parser)
 {
     codec = QTextCodec::codecForName(parser.value(codecName).toLatin1());
     if (parser.isSet(codecName) && codec == nullptr) {
-        return QStringLiteral("there is no codec '%1'").arg(parser.value(codecName));
+        return QStringLiteral("unknown codec '%1'").arg(parser.value(codecName));
     }
     if (parser.isSet(levelName)) {
         const std::optional<Severity> severity = Severities::fromName(parser.value(levelName));

@@ -9,7 +9,7 @@
 
 class QTextCodec;
 
-// What the command line asks for.
+// The options of the command line.
 struct Options
 {
     bool mustClean = false;
@@ -17,12 +17,12 @@ struct Options
     ReportFormat format = ReportFormat::Text;
     const QTextCodec* codec = nullptr;
     FindingFilter filter;
-    QStringList patterns; // of the files in directories
+    QStringList patterns; // for files in directories
     QStringList paths;
 
     static QList<QCommandLineOption> all();
 
-    // Takes what a parser found; returns what is wrong with it, an empty text if nothing is.
+    // Reads the options from a parser. Returns an error message, or an empty string on success.
     QString read(const QCommandLineParser& parser);
 
 private:

@@ -23,7 +23,7 @@ Prefixes prefixesOf(const IniReading& reading)
     return result;
 }
 
-// The sections that have a key of each path.
+// Returns, for each path, the sections that contain a key of that path.
 QHash<QString, QSet<QString>> holdersOf(const QVector<IniEntry>& entries)
 {
     QHash<QString, QSet<QString>> result;
@@ -34,8 +34,9 @@ QHash<QString, QSet<QString>> holdersOf(const QVector<IniEntry>& entries)
 }
 
 /*
- * Whether the first look-up of a path has QSettings read a section that has it: of all names that
- * is the last that does not sort after the path. A path with a slash never has the top level read.
+ * Whether the first look-up of a path makes QSettings parse a section that contains it. QSettings
+ * parses the section with the last name that does not sort after the path. A look-up of a path with
+ * a slash never parses the top level.
  */
 bool isFoundAtOnce(const QString& path, const Prefixes& prefixes, const QSet<QString>& holders)
 {
@@ -46,7 +47,7 @@ bool isFoundAtOnce(const QString& path, const Prefixes& prefixes, const QSet<QSt
     return !section.isEmpty() && holders.contains(section);
 }
 
-// Of a key that several sections hold with different values.
+// Reports keys that several sections contain with different values.
 void checkSections(const QVector<IniEntry>& entries, FindingCollector& findings)
 {
     QHash<QString, const IniEntry*> lasts;
@@ -55,8 +56,8 @@ void checkSections(const QVector<IniEntry>& entries, FindingCollector& findings)
         if (last != nullptr && last->prefix != entry.prefix &&
             last->value.texts() != entry.value.texts()) {
             findings.add(entry.extent, Severity::Error, "read-order",
-                         QStringLiteral("%1 is given in another section, too, in line %2: which "
-                                        "value counts depends on what the program reads first")
+                         QStringLiteral("%1 also has a value in another section, in line %2: which "
+                                        "one counts depends on what the program reads first")
                              .arg(quoted(entry.path()))
                              .arg(last->extent.first));
         }
@@ -70,7 +71,7 @@ void OrderRules::check(const IniReading& reading, FindingCollector& findings)
 {
     const Prefixes prefixes = prefixesOf(reading);
     const QHash<QString, QSet<QString>> holders = holdersOf(reading.entries());
-    QSet<QString> paths; // that are checked; of duplicates the first is enough
+    QSet<QString> paths; // that have been checked: one finding for duplicates is enough
     for (const IniEntry& entry : reading.entries()) {
         const QString path = entry.path();
         if (entry.isCommentedOut() || NameRules::isUnreachable(path) || paths.contains(path)) {
@@ -79,8 +80,8 @@ void OrderRules::check(const IniReading& reading, FindingCollector& findings)
         paths.insert(path);
         if (!isFoundAtOnce(path, prefixes, holders.value(path))) {
             findings.add(entry.extent, Severity::Error, "read-order",
-                         QStringLiteral("a look-up of %1 fails until something else has had its "
-                                        "section read, such as a listing of the keys")
+                         QStringLiteral("a look-up of %1 fails until its section has been read for "
+                                        "another reason, such as listing the keys")
                              .arg(quoted(path)));
         }
     }

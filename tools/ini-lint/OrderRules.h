@@ -5,7 +5,7 @@
 
 class IniReading;
 
-// The rules of values that depend on what a program has looked up before.
+// The rules for values that depend on what a program has looked up before.
 namespace OrderRules {
 
 void check(const IniReading& reading, FindingCollector& findings);

@@ -14,7 +14,7 @@ QJsonObject messageJson(const QString& text)
     return {{QStringLiteral("text"), text}};
 }
 
-// A relative reference stays one: whoever reads the log resolves it where the program ran.
+// A relative path remains relative: the reader of the log resolves it where the program ran.
 QString uriOf(const QString& file)
 {
     const QString path = QString::fromLatin1(QUrl::toPercentEncoding(file, "/"));

@@ -7,7 +7,7 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QString>
 
-// The results as a log of SARIF 2.1.0, which code hosts and editors read.
+// Formats the results as a SARIF 2.1.0 log, which code hosts and editors read.
 class SarifReport
 {
 public:

@@ -14,16 +14,17 @@ void checkName(const IniSection& section, FindingCollector& findings)
     NameRules::checkSpelling(section.extent, section.name, findings);
     if (section.prefix.isEmpty()) {
         findings.add(section.extent, Severity::Warning, "general-section",
-                     QStringLiteral("[%1] is no group but the top level of the file; the group "
-                                    "'General' is written [%General]")
+                     QStringLiteral("[%1] is not a group but the top level of the file; the group "
+                                    "'General' is spelled [%General]")
                          .arg(QString::fromLatin1(section.name)));
         return;
     }
     const QString name = section.prefix.chopped(1);
     if (section.name.compare("%general", Qt::CaseInsensitive) == 0) {
-        findings.add(section.extent, Severity::Warning, "name-escape",
-                     QStringLiteral("%1 is read as %2: '%' tells it from the file's top level")
-                         .arg(quoted(section.name), quoted(name)));
+        findings.add(
+            section.extent, Severity::Warning, "name-escape",
+            QStringLiteral("%1 is read as %2: '%' distinguishes it from the file's top level")
+                .arg(quoted(section.name), quoted(name)));
     }
     if (NameRules::isUnreachable(name)) {
         findings.add(section.extent, Severity::Error, "unreachable",
@@ -31,10 +32,10 @@ void checkName(const IniSection& section, FindingCollector& findings)
                                     "empty")
                          .arg(quoted(name)));
     } else if (name.contains(QLatin1Char('/'))) {
-        // A program that asks for the name as it is written finds it with '/', not with '\'.
+        // Looking up the spelling in the file works with '/', but not with '\'.
         const bool isOther = section.name.contains('\\');
         findings.add(section.extent, isOther ? Severity::Error : Severity::Warning, "nested-name",
-                     QStringLiteral("%1 is nested: the group that is listed is %2")
+                     QStringLiteral("%1 is nested: it is listed as the group %2")
                          .arg(quoted(name), quoted(name.section(QLatin1Char('/'), 0, 0))));
     }
 }
@@ -45,14 +46,14 @@ void checkEnd(const IniSection& section, FindingCollector& findings)
         findings.add(section.extent, Severity::Error, "section-end",
                      QStringLiteral("the section has no ']'; its name is read as %1")
                          .arg(quoted(section.name)));
-    } else if (!section.behind.isEmpty() && !section.behind.startsWith('#')) {
+    } else if (!section.trailing.isEmpty() && !section.trailing.startsWith('#')) {
         findings.add(
             section.extent, Severity::Error, "section-end",
-            QStringLiteral("what follows the ']' is skipped: %1").arg(quoted(section.behind)));
+            QStringLiteral("what follows the ']' is skipped: %1").arg(quoted(section.trailing)));
     }
 }
 
-// Each spelling once, at the first line that has it.
+// Reports each spelling once, at its first line.
 void checkCase(const QVector<IniSection>& sections, FindingCollector& findings)
 {
     QHash<QString, const IniSection*> firsts;
@@ -64,7 +65,7 @@ void checkCase(const QVector<IniSection>& sections, FindingCollector& findings)
         } else if (first->prefix != section.prefix && !spellings.contains(section.prefix)) {
             findings.add(
                 section.extent, Severity::Warning, "case",
-                QStringLiteral("%1 is another section than %2 in line %3: case counts")
+                QStringLiteral("%1 and %2 in line %3 are different sections: case matters")
                     .arg(quoted(section.prefix.chopped(1)), quoted(first->prefix.chopped(1)))
                     .arg(first->extent.first));
         }

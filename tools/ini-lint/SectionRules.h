@@ -5,7 +5,7 @@
 
 class IniReading;
 
-// The rules of the lines that begin sections.
+// The rules for lines that begin sections.
 namespace SectionRules {
 
 void check(const IniReading& reading, FindingCollector& findings);

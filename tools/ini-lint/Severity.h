@@ -8,14 +8,14 @@
 
 enum class Severity
 {
-    Note,    // reads as it looks, but there is more to know
-    Warning, // may surprise
-    Error    // another value is read than the one that is written, or none
+    Note,    // QSettings reads what the file seems to say, but there is more to know
+    Warning, // what QSettings reads may be unexpected
+    Error    // QSettings reads another value than the file says, or none
 };
 
 namespace Severities {
 
-// As users write it: "note", "warning", "error".
+// The names on the command line: "note", "warning", "error".
 QString name(Severity severity);
 QStringList names();
 std::optional<Severity> fromName(const QString& name);

@@ -6,7 +6,8 @@
 
 namespace ShownBytes {
 
-// Bytes as a line of text: UTF-8 as it is, other bytes and invisible marks by their numbers.
+// Returns bytes as one printable line: UTF-8 unchanged, other bytes and invisible characters as
+// numbers.
 QString shown(const QByteArray& bytes);
 
 } // namespace ShownBytes

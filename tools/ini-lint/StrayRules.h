@@ -5,7 +5,7 @@
 
 class IniReading;
 
-// The rules of the lines that are neither sections nor keys.
+// The rules for lines that are neither sections nor keys.
 namespace StrayRules {
 
 void check(const IniReading& reading, FindingCollector& findings);

@@ -6,7 +6,7 @@ namespace {
 
 constexpr int contextLines = 3;
 
-// Lines with their line feeds; the last one may have none.
+// Splits text into lines with their line feeds; the last line may have none.
 QList<QByteArray> linesOf(const QByteArray& text)
 {
     QList<QByteArray> lines = text.split('\n');
@@ -19,7 +19,7 @@ QList<QByteArray> linesOf(const QByteArray& text)
     return lines;
 }
 
-// The lines that a hunk takes from both files.
+// The range of lines in both files that a hunk covers.
 struct Range
 {
     int begin;
@@ -34,7 +34,7 @@ public:
     {
     }
 
-    // The hunk from a line onwards; an empty range when there is none.
+    // Returns the first hunk from a line on; an empty range if there is none.
     Range nextHunk(int from) const
     {
         const int first = nextChange(from);
@@ -82,7 +82,7 @@ private:
         return line;
     }
 
-    // "BEGIN,COUNT", which for no lines is the line before them.
+    // Returns "BEGIN,COUNT"; if COUNT is 0, BEGIN is the line before.
     static QByteArray numbers(int begin, int end, int size)
     {
         const int count = qMin(end, size) - qMin(begin, size);
@@ -106,7 +106,7 @@ private:
     const QList<QByteArray> m_after;
 };
 
-// As patch reads it: in quotes where there is something that would end it.
+// Returns a file name as patch parses it: in quotes if it contains characters that would end it.
 QByteArray headerName(const QByteArray& fileName)
 {
     QByteArray result;

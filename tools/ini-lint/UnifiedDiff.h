@@ -5,8 +5,9 @@
 
 namespace UnifiedDiff {
 
-// What a clean-up changes in a file of this name, as patch reads it; empty when nothing changes.
-// Line by line: a clean-up adds none, and drops none but the last.
+// Returns the changes that a clean-up makes to a file of this name, in a format that patch accepts;
+// empty if nothing changes. Lines are compared one by one: a clean-up adds no lines and removes
+// only lines at the end.
 QByteArray ofCleanUp(const QByteArray& fileName, const QByteArray& before, const QByteArray& after);
 
 } // namespace UnifiedDiff

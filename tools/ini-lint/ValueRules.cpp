@@ -18,7 +18,7 @@ QString shown(const IniValue& value)
     return quoted(value.texts().join(QStringLiteral("', '")));
 }
 
-// The first byte of a value that is no blank.
+// Returns the position of a value's first byte that is not a space.
 int beginOf(const IniEntry& entry)
 {
     int begin = entry.valueBegin;
@@ -31,7 +31,7 @@ int beginOf(const IniEntry& entry)
     return begin;
 }
 
-// Whether the semicolon that ends a value begins a comment in people's eyes.
+// Whether the semicolon that ends a value looks like the beginning of a comment.
 bool looksLikeComment(const IniEntry& entry)
 {
     return !entry.bytes.isEmpty() && IniLines::isBlank(entry.bytes.back());
@@ -42,15 +42,17 @@ void checkShape(const IniEntry& entry, FindingCollector& findings)
     if (entry.value.isList()) {
         findings.addAt(entry.valueBegin + entry.value.firstComma(), entry.extent, Severity::Error,
                        "comma-list",
-                       QStringLiteral("for its comma the value is a list of %1 texts, and empty "
-                                      "where a text is asked for; quotes keep it whole")
+                       QStringLiteral("the comma makes the value a list of %1 strings, which is "
+                                      "empty when read as one string; quote the value to keep the "
+                                      "comma")
                            .arg(entry.value.texts().size()));
     }
     if (entry.isCutBySemicolon) {
-        findings.addAt(entry.valueEnd(), entry.extent,
-                       looksLikeComment(entry) ? Severity::Warning : Severity::Error, "semicolon",
-                       QStringLiteral("the value ends at the semicolon: %1; quotes keep it whole")
-                           .arg(shown(entry.value)));
+        findings.addAt(
+            entry.valueEnd(), entry.extent,
+            looksLikeComment(entry) ? Severity::Warning : Severity::Error, "semicolon",
+            QStringLiteral("the value ends at the semicolon: %1; quote the value to keep it whole")
+                .arg(shown(entry.value)));
     }
 }
 
@@ -60,28 +62,29 @@ void checkQuotes(const IniEntry& entry, FindingCollector& findings)
     const int begin = beginOf(entry);
     if (entry.value.hasTextBesideQuotes()) {
         findings.addAt(begin, entry.extent, Severity::Error, "quotes",
-                       QStringLiteral("quotes within a value vanish; it is read as %1")
+                       QStringLiteral("quotes within a value are removed; it is read as %1")
                            .arg(shown(entry.value)));
     }
     if (bytes.size() > 1 && bytes.startsWith('\'') && bytes.endsWith('\'')) {
         findings.addAt(begin, entry.extent, Severity::Warning, "quotes",
-                       QStringLiteral("single quotes are none; they are a part of the value: %1")
+                       QStringLiteral("single quotes do not quote; they are part of the value: %1")
                            .arg(shown(entry.value)));
     }
     const int hash = qMax(bytes.indexOf(" #"), bytes.indexOf("\t#"));
     if (!entry.value.hasQuotes() && hash >= 0) {
-        findings.addAt(
-            begin + hash + 1, entry.extent, Severity::Warning, "hash-comment",
-            QStringLiteral("'#' starts no comment; the value is %1").arg(shown(entry.value)));
+        findings.addAt(begin + hash + 1, entry.extent, Severity::Warning, "hash-comment",
+                       QStringLiteral("'#' does not start a comment; the value is %1")
+                           .arg(shown(entry.value)));
     }
 }
 
 void checkEscapes(const IniEntry& entry, FindingCollector& findings)
 {
     for (const IniValue::Escape& escape : entry.value.strangeEscapes()) {
-        findings.addAt(entry.valueBegin + escape.position, entry.extent, Severity::Error, "escape",
-                       QStringLiteral("for %1 the value is read as %2; '\\\\' is a backslash")
-                           .arg(quoted(escape.bytes), shown(entry.value)));
+        findings.addAt(
+            entry.valueBegin + escape.position, entry.extent, Severity::Error, "escape",
+            QStringLiteral("the escape %1 makes the value %2; write '\\\\' for a backslash")
+                .arg(quoted(escape.bytes), shown(entry.value)));
     }
     for (const IniValue::Escape& escape : entry.value.literalEscapes()) {
         findings.addAt(entry.valueBegin + escape.position, entry.extent, Severity::Warning,
@@ -92,7 +95,7 @@ void checkEscapes(const IniEntry& entry, FindingCollector& findings)
     if (entry.value.lastBackslash() >= 0) {
         findings.addAt(entry.valueBegin + entry.value.lastBackslash(), entry.extent,
                        Severity::Error, "escape",
-                       QStringLiteral("the backslash at the end is not read; the value is %1")
+                       QStringLiteral("the trailing backslash is dropped; the value is %1")
                            .arg(shown(entry.value)));
     }
 }
@@ -110,17 +113,16 @@ void checkEncoding(const IniEntry& entry, const QTextCodec* codec, FindingCollec
         const QString name =
             codec != nullptr ? QString::fromLatin1(codec->name()) : QStringLiteral("Latin-1");
         findings.addAt(beginOf(entry), entry.extent, Severity::Error, "encoding",
-                       QStringLiteral("the value's bytes are UTF-8, but they are taken for %1; "
-                                      "it is read as %2")
+                       QStringLiteral("the value is UTF-8, but is decoded as %1 and read as %2")
                            .arg(name, shown(entry.value)));
     } else {
-        findings.addAt(beginOf(entry), entry.extent, Severity::Error, "encoding",
-                       QStringLiteral("the value's bytes are not UTF-8; it is read as %1")
-                           .arg(shown(entry.value)));
+        findings.addAt(
+            beginOf(entry), entry.extent, Severity::Error, "encoding",
+            QStringLiteral("the value is not UTF-8; it is read as %1").arg(shown(entry.value)));
     }
 }
 
-// Whether the text, which ends in a bracket, is of the form @Mark(1 2) with so many numbers.
+// Whether a text that ends in a parenthesis has the form @Mark(1 2) with this many numbers.
 bool isGeometry(const QString& text, const QString& mark, int numbers)
 {
     if (!text.startsWith(mark)) {
@@ -130,7 +132,7 @@ bool isGeometry(const QString& text, const QString& mark, int numbers)
     return 1 + inside.count(QLatin1Char(' ')) + inside.count(QLatin1Char(')')) == numbers;
 }
 
-// What a text with a mark of QSettings is read as; empty when it is read as it stands.
+// Returns what QSettings reads for a text with a type marker; empty if it reads the text unchanged.
 QString markedType(const QString& text)
 {
     if (text.startsWith(QStringLiteral("@@"))) {
@@ -143,10 +145,10 @@ QString markedType(const QString& text)
         return QStringLiteral("no value at all");
     }
     if (text.startsWith(QStringLiteral("@ByteArray("))) {
-        return QStringLiteral("the bytes in the brackets");
+        return QStringLiteral("the bytes in the parentheses");
     }
     if (text.startsWith(QStringLiteral("@String("))) {
-        return QStringLiteral("the text in the brackets");
+        return QStringLiteral("the text in the parentheses");
     }
     if (text.startsWith(QStringLiteral("@Variant(")) ||
         text.startsWith(QStringLiteral("@DateTime("))) {
@@ -179,7 +181,7 @@ void checkMeaning(const IniEntry& entry, FindingCollector& findings)
     for (const char* word : {"off", "no", "disabled"}) {
         if (text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0) {
             findings.addAt(beginOf(entry), entry.extent, Severity::Warning, "boolean-word",
-                           QStringLiteral("as a boolean %1 is true: only '0', 'false' and an "
+                           QStringLiteral("as a boolean, %1 is true: only '0', 'false' and an "
                                           "empty value are false")
                                .arg(quoted(text)));
         }
@@ -190,7 +192,7 @@ void checkMeaning(const IniEntry& entry, FindingCollector& findings)
                                       number < std::numeric_limits<int>::min());
     if (isLarge) {
         findings.addAt(beginOf(entry), entry.extent, Severity::Warning, "large-number",
-                       QStringLiteral("as an integer %1 is %2: it has more than 32 bits")
+                       QStringLiteral("as an integer, %1 is read as %2: it exceeds 32 bits")
                            .arg(quoted(text))
                            .arg(QVariant(text).toInt()));
     }

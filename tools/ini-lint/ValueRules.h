@@ -5,7 +5,7 @@
 
 class IniReading;
 
-// The rules of the values.
+// The rules for values.
 namespace ValueRules {
 
 void check(const IniReading& reading, FindingCollector& findings);

@@ -1,5 +1,5 @@
-// Finds what QSettings reads otherwise than people think, and cleans files up: IniFileManager's
-// clean-up at work.
+// Finds where QSettings reads INI files differently from what they seem to say, and cleans files up
+// with IniFileManager::cleanUp().
 #include "CleanUp.h"
 #include "ExitCode.h"
 #include "IniRules.h"
@@ -30,18 +30,17 @@ QString helpText(const QCommandLineParser& parser)
     return parser.helpText() + QStringLiteral("\nRules:\n") + rules +
            QStringLiteral(
                "\n"
-               "A comment in a file omits findings, too: '; ini-lint: ignore RULE...' "
-               "those of\n"
-               "the next line, '; ini-lint: ignore-file RULE...' those of the file.\n"
+               "Comments in a file omit findings, too: '; ini-lint: ignore RULE...' those "
+               "of the\n"
+               "next line, '; ini-lint: ignore-file RULE...' those of the file.\n"
                "\n"
                "Severities are colored on a terminal, unless NO_COLOR is set.\n"
                "\n"
                "Exit codes:\n"
-               "  0  nothing was found; with --clean: every FILE is clean now\n"
-               "  1  something was found; with --clean --dry-run: some lines would "
+               "  0  no findings; with --clean: every FILE is clean now\n"
+               "  1  there are findings; with --clean --dry-run: some lines would "
                "change\n"
-               "  2  wrong usage, or a FILE cannot be read or written, or the output not "
-               "written\n"
+               "  2  wrong usage, or a FILE or the output cannot be read or written\n"
                "\n"
                "Examples:\n"
                "  ini-lint --ignore semicolon /orvalis/*.ini\n"
@@ -54,20 +53,20 @@ void clean(const QString& filePath, const QByteArray& text, const Options& optio
 {
     const std::optional<QByteArray> cleaned = CleanUp::preview(text);
     if (!cleaned) {
-        report.addTrouble(filePath, QStringLiteral("there can be no copy in the folder for "
+        report.addTrouble(filePath, QStringLiteral("cannot create a copy in the directory for "
                                                    "temporary files"));
         return;
     }
     const bool mustWrite = *cleaned != text && !options.isDryRun;
-    // Of a pipe nothing is left to read, and nothing can take its place.
+    // A pipe has been read to its end, and must not be replaced by a file.
     if (mustWrite && (InputFiles::isStandardInput(filePath) || !QFileInfo(filePath).isFile())) {
         report.addTrouble(InputFiles::shownName(filePath),
-                          QStringLiteral("only a file can be cleaned up"));
+                          QStringLiteral("only a regular file can be cleaned up"));
         return;
     }
     if (mustWrite && !CleanUp::perform(filePath, *cleaned)) {
-        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up: it, or its "
-                                                   "folder, cannot be written"));
+        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up: it or its "
+                                                   "directory is not writable"));
         return;
     }
     report.addChanges(InputFiles::shownName(filePath), text, *cleaned, mustWrite);
@@ -116,16 +115,17 @@ ExitCode run()
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("\nSays what QSettings reads in INI files otherwise than it looks, as\n"
-                       "FILE:LINE:COLUMN: SEVERITY: MESSAGE [RULE].\n"
-                       "An error is a value that is read as another one than is written, or not\n"
-                       "at all; a warning may surprise; a note is about what reads as it looks."));
+        QStringLiteral("\nReports where QSettings reads INI files differently from what they seem\n"
+                       "to say, as FILE:LINE:COLUMN: SEVERITY: MESSAGE [RULE].\n"
+                       "An error means that another value is read than the file says, or none; a\n"
+                       "warning, that the result may be unexpected; a note, that the value is as\n"
+                       "expected, but there is more to know."));
     parser.addOptions(Options::all());
     parser.addOptions({CommandLine::helpOption(), CommandLine::versionOption()});
     parser.addPositionalArgument(
         QStringLiteral("FILE"),
-        QStringLiteral("The INI files; '-' is standard input, and of a directory all files of the "
-                       "pattern in it and below are read."),
+        QStringLiteral("The INI files; '-' is standard input. In a directory, all files in it and "
+                       "below it that match the pattern are read."),
         QStringLiteral("FILE..."));
 
     if (!parser.parse(QCoreApplication::arguments())) {

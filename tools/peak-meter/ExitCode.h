@@ -1,7 +1,7 @@
 #ifndef TOOLS_PEAKMETER_EXITCODE_H
 #define TOOLS_PEAKMETER_EXITCODE_H
 
-// What the program tells a script; the numbers stand in its help and must not change.
+// Scripts rely on these numbers, which --help documents: they must not change.
 enum ExitCode
 {
     AllTaken = 0,

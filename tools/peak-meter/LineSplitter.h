@@ -5,8 +5,8 @@
 #include <QtCore/QList>
 
 /*
- * Makes lines of bytes that come in pieces. Of a long line only the beginning is kept, so that
- * input without any line feed takes no more memory than other input.
+ * Splits input that arrives in pieces into lines. Only the beginning of a long line is kept, so
+ * that input without line feeds takes no more memory than other input.
  */
 class LineSplitter
 {
@@ -19,10 +19,10 @@ public:
         bool isCut = false;
     };
 
-    // The lines that end in the next bytes of the input.
+    // Returns the lines that end in the next bytes of the input.
     QList<Line> take(const QByteArray& bytes);
 
-    // The last line, if the input ended without a line feed.
+    // Returns the last line, if the input ended without a line feed.
     QList<Line> takeRest();
 
 private:

@@ -18,7 +18,7 @@
 
 namespace {
 
-// Some hundred bytes are usual; something else of that name need not be read to its end.
+// A valid file has some hundred bytes; any other file need not be read to its end.
 constexpr qint64 maxSize = 65536;
 
 const QString dateKeys[] = {QStringLiteral("MinValueDate"), QStringLiteral("MaxValueDate")};
@@ -28,8 +28,8 @@ bool isEmptyRecord(const QJsonObject& record)
     return record.value(QStringLiteral("Initialized")) == QJsonValue(false);
 }
 
-// A record without a value has no dates, and an import complains of each. With dates filled in it
-// complains only of what is wrong.
+// A record without a value has empty dates, which an import reports as errors. Returns the records
+// with these dates filled in, so that the import reports only real errors.
 QJsonArray withDates(const QJsonArray& records)
 {
     const QString anyDate = QDateTime::currentDateTime().toString(Qt::ISODate);
@@ -46,9 +46,9 @@ QJsonArray withDates(const QJsonArray& records)
     return result;
 }
 
-bool isSound(const QJsonObject& record)
+bool isValid(const QJsonObject& record)
 {
-    // What was no date is none after the import.
+    // An invalid date is empty after the import.
     const bool hasDates = !record.value(dateKeys[0]).toString().isEmpty() &&
                           !record.value(dateKeys[1]).toString().isEmpty();
     const bool isRange = record.value(QStringLiteral("MinValue")).toDouble() <=
@@ -56,22 +56,23 @@ bool isSound(const QJsonObject& record)
     return isEmptyRecord(record) || (hasDates && isRange);
 }
 
-bool areSound(const QJsonArray& records)
+bool areValid(const QJsonArray& records)
 {
     DragIndicator indicator;
     if (!indicator.fromJsonArray(withDates(records))) {
         return false;
     }
     const QJsonArray imported = indicator.asJsonArray();
-    return isSound(imported.at(0).toObject()) && isSound(imported.at(1).toObject());
+    return isValid(imported.at(0).toObject()) && isValid(imported.at(1).toObject());
 }
 
-// The new name of a file is on the disk only when its folder is. Not every file system can do that.
-void syncFolderOf(const QString& path)
+// A rename is on the disk only after the directory has been synced, which not every file system
+// supports.
+void syncDirectoryOf(const QString& path)
 {
-    const QString folder = QFileInfo(QFileInfo(path).canonicalFilePath()).path();
+    const QString directory = QFileInfo(QFileInfo(path).canonicalFilePath()).path();
     const int descriptor =
-        open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor >= 0) {
         fsync(descriptor);
         close(descriptor);
@@ -83,20 +84,20 @@ void syncFolderOf(const QString& path)
 PeakFile::PeakFile(const QString& path)
     : m_path(path), m_name(CommandLine::printable(path)), m_lock(path + QStringLiteral(".lock"))
 {
-    // However long a run lasts; a lock whose run was killed does not count.
+    // A run may take any time. QLockFile removes the lock of a process that was killed.
     m_lock.setStaleLockTime(0);
 }
 
 ExitCode PeakFile::restore(DragIndicator& indicator)
 {
     if (!m_lock.tryLock() && m_lock.error() == QLockFile::LockFailedError) {
-        return refuse(QStringLiteral("another peak-meter uses it"));
+        return refuse(QStringLiteral("another peak-meter is using it"));
     }
     const ExitCode exitCode = read(indicator);
     if (exitCode != AllTaken) {
         return exitCode;
     }
-    // Said now rather than after the first hour of a measurement.
+    // Report a write error now, not after the first hour of a measurement.
     QSaveFile file(m_path);
     if (!file.open(QIODevice::WriteOnly)) {
         CommandLine::complain(writeError(file.errorString()));
@@ -112,7 +113,7 @@ ExitCode PeakFile::read(DragIndicator& indicator) const
         return AllTaken;
     }
     if (!info.isFile()) {
-        return refuse(QStringLiteral("it is not a file"));
+        return refuse(QStringLiteral("it is not a regular file"));
     }
     QFile file(m_path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -120,12 +121,12 @@ ExitCode PeakFile::read(DragIndicator& indicator) const
     }
     QJsonParseError error = {};
     const QJsonDocument document = QJsonDocument::fromJson(file.read(maxSize), &error);
-    const QString untouched = QStringLiteral("; the file is left as it is");
+    const QString unchanged = QStringLiteral("; the file is unchanged");
     if (error.error != QJsonParseError::NoError) {
-        return refuse(QStringLiteral("damaged: %1").arg(error.errorString()) + untouched);
+        return refuse(QStringLiteral("damaged: %1").arg(error.errorString()) + unchanged);
     }
-    if (!areSound(document.array())) {
-        return refuse(QStringLiteral("it does not hold two sound records") + untouched);
+    if (!areValid(document.array())) {
+        return refuse(QStringLiteral("it does not contain two valid records") + unchanged);
     }
     indicator.fromJsonArray(document.array());
     return AllTaken;
@@ -134,12 +135,12 @@ ExitCode PeakFile::read(DragIndicator& indicator) const
 QString PeakFile::save(const DragIndicator& indicator) const
 {
     const QByteArray json = QJsonDocument(indicator.asJsonArray()).toJson();
-    // That also syncs the content.
+    // replace() also syncs the content.
     const QString trouble = WholeFile::replace(m_path, json);
     if (!trouble.isEmpty()) {
         return writeError(trouble);
     }
-    syncFolderOf(m_path);
+    syncDirectoryOf(m_path);
     return QString();
 }
 

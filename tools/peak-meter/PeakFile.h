@@ -9,20 +9,20 @@
 class DragIndicator;
 
 /*
- * The file that keeps a DragIndicator from one run to the next. At any moment it is whole: either
- * the old one or the new one. Only one run at a time may have it.
+ * The file that keeps a DragIndicator between runs. It is complete at any time: it has either the
+ * old or the new content. Only one run at a time may use it.
  */
 class PeakFile
 {
 public:
     explicit PeakFile(const QString& path);
 
-    // Takes the file for this run and reads the records, if it is there. Complains when it cannot
-    // be read, or will not be writable.
+    // Locks the file for this run and reads the records, if it exists. Prints an error if it cannot
+    // be read or written.
     ExitCode restore(DragIndicator& indicator);
 
-    // Gives what went wrong. When nothing did, the records outlast a crash of the program and a
-    // loss of power.
+    // Returns an error message, or an empty string on success. The records then survive a crash of
+    // the program and a power cut.
     QString save(const DragIndicator& indicator) const;
 
 private:
@@ -31,7 +31,7 @@ private:
     QString writeError(const QString& reason) const;
 
     const QString m_path;
-    const QString m_name; // as it is shown
+    const QString m_name; // printable
     QLockFile m_lock;
 };
 

@@ -23,7 +23,7 @@ namespace {
 constexpr int acknowledgeIntervalInMs = 100;
 constexpr auto resettable = DragIndicator::ResettableInstance;
 
-// Whether text is a decimal number, and which. One too small for a double is zero, or next to it.
+// Parses a finite decimal number. One that is too small for a double is rounded, possibly to zero.
 std::optional<double> numberIn(const QByteArray& text)
 {
     bool isNumber = false;
@@ -31,7 +31,7 @@ std::optional<double> numberIn(const QByteArray& text)
     if (isNumber) {
         return std::isfinite(value) ? std::make_optional(value) : std::nullopt;
     }
-    // QByteArray takes what underflows for no number.
+    // QByteArray::toDouble() fails on underflow.
     static const QRegularExpression decimal(
         QStringLiteral("^[+-]?(\\d+\\.?\\d*|\\.\\d+)[eE][+-]?\\d+$"));
     static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
@@ -52,7 +52,7 @@ QString count(qint64 number, const QString& what)
                                          number == 1 ? QString() : QStringLiteral("s"));
 }
 
-// As much of a line as helps to recognize it.
+// Returns enough of a line to recognize it.
 QString beginningOf(const QByteArray& line)
 {
     constexpr int length = 40;
@@ -95,7 +95,7 @@ void PeakMeter::start()
     connect(m_input.data(), &QSocketNotifier::activated, this, &PeakMeter::readInput);
 
     if (m_display.isLive() && m_isTyped && !m_isJson) {
-        m_display.showEvent(QStringLiteral("One number per line, please; Ctrl-D ends."));
+        m_display.showEvent(QStringLiteral("Enter one number per line; Ctrl-D ends the input."));
     }
     showRange();
 }
@@ -143,7 +143,7 @@ void PeakMeter::takeLine(const LineSplitter::Line& line)
     if (const auto value = numberIn(text)) {
         takeValue(*value);
     } else {
-        refuseLine(QStringLiteral("no finite number: '%1'").arg(beginningOf(text)));
+        refuseLine(QStringLiteral("not a finite number: '%1'").arg(beginningOf(text)));
     }
 }
 
@@ -186,7 +186,7 @@ QString PeakMeter::newsLine(double value, bool isMinimum, bool isMaximum) const
         .arg(QString::number(m_lines), news.join(QStringLiteral(" and ")), exactText(value));
 }
 
-// On a terminal the complaint must not stand behind the range.
+// On a terminal, the message must not follow the range on the same line.
 void PeakMeter::complain(const QString& trouble)
 {
     m_display.clearStatus();
@@ -207,7 +207,7 @@ void PeakMeter::acknowledgeSoon()
     }
 }
 
-// Tells whether the run goes on.
+// Returns false if the run ends because of an error.
 bool PeakMeter::acknowledge()
 {
     if (!save()) {
@@ -254,16 +254,16 @@ void PeakMeter::showRange()
     if (m_isJson) {
         return;
     }
-    // What is typed must not look like the end of the value that is shown.
+    // Separates what the user types from the value that is shown.
     const QString prompt = m_isTyped ? QStringLiteral("  > ") : QString();
     const int typingWidth = m_isTyped ? 10 : 0;
     m_display.showStatus(statusLine(m_display.columns() - prompt.size() - typingWidth) + prompt);
 }
 
-// The record in this place as a JSON value: null without a value.
-QJsonValue PeakMeter::recordJson(int place) const
+// Returns the record at an index as a JSON object; null if it has no value.
+QJsonValue PeakMeter::recordJson(int index) const
 {
-    const QJsonObject record = m_indicator.asJsonArray().at(place).toObject();
+    const QJsonObject record = m_indicator.asJsonArray().at(index).toObject();
     if (!record.value(QStringLiteral("Initialized")).toBool()) {
         return QJsonValue();
     }
@@ -301,9 +301,9 @@ void PeakMeter::showSummary()
     showRecord(QStringLiteral("ever"), DragIndicator::PermanentInstance);
 }
 
-void PeakMeter::showRecord(const QString& title, int place)
+void PeakMeter::showRecord(const QString& title, int index)
 {
-    const QJsonObject record = m_indicator.asJsonArray().at(place).toObject();
+    const QJsonObject record = m_indicator.asJsonArray().at(index).toObject();
     if (!record.value(QStringLiteral("Initialized")).toBool()) {
         m_display.showEvent(title + QStringLiteral(": no value"));
         return;

@@ -21,23 +21,23 @@
 #include <optional>
 
 /*
- * Takes the numbers that arrive on standard input into a DragIndicator and shows its range.
+ * Adds the numbers from standard input to a DragIndicator and shows its range.
  *
- * A value is shown only after it was saved. Both are done at once when the last time is a while
- * ago; values that come in quick succession are gathered, because every save goes to the disk.
+ * A value is shown only after it has been saved. Values in quick succession are saved and shown
+ * together, since every save is written to the disk.
  */
 class PeakMeter : public QObject
 {
     Q_OBJECT
 
 public:
-    // With an empty file name nothing is kept. isJson: a JSON object per line, on terminals, too.
+    // If file is empty, nothing is saved. isJson: print JSON objects, even on a terminal.
     PeakMeter(const QString& file, bool isJson);
 
-    // Begins with the records of the file; tells whether they can be had.
+    // Reads the records of the file. Returns AllTaken on success.
     ExitCode restore(bool mustReset);
 
-    // Reads standard input. Needs a running event loop from here on.
+    // Starts to read standard input; requires a running event loop.
     void start();
 
 Q_SIGNALS:
@@ -56,10 +56,10 @@ private:
     bool save();
     QString statusLine(int columns) const;
     void showRange();
-    QJsonValue recordJson(int place) const;
+    QJsonValue recordJson(int index) const;
     void showJsonSummary();
     void showSummary();
-    void showRecord(const QString& title, int place);
+    void showRecord(const QString& title, int index);
     void finish();
     void leave(ExitCode exitCode);
 
@@ -68,11 +68,11 @@ private:
     ProgressDisplay m_display;
     LineSplitter m_splitter;
     QScopedPointer<QSocketNotifier> m_input;
-    const EndSignals m_signals; // none comes in the middle of a save
+    const EndSignals m_signals; // must not interrupt a save
     QScopedPointer<QSocketNotifier> m_endNotifier;
     QTimer m_acknowledgeTimer;
     QElapsedTimer m_sinceAcknowledged;
-    QStringList m_news; // what is still to be said of the values
+    QStringList m_news; // lines to print after the next save
     std::optional<double> m_value;
     const bool m_isJson;
     const bool m_isTyped;

@@ -15,14 +15,13 @@ QString shortText(double number)
     return QString::number(number, 'g', 6);
 }
 
-// Room for the value, whatever it is: the bar does not change its length with every value.
+// The width of the longest value, so that the bar does not change its length with every value.
 constexpr int valueWidth = int(sizeof("-1.23457e-300") - 1);
 
-// Where the value stands between minimum and maximum, as a number from 0 to 1.
+// Returns the position of the value between minimum and maximum, from 0 to 1.
 double positionOf(double value, const Range& range)
 {
-    // The difference of the ends may be beyond what a double can hold; that of the quotients is
-    // not.
+    // The difference of the ends may overflow a double; the difference of the quotients does not.
     const double scale = std::max(std::abs(range.minimum), std::abs(range.maximum));
     const double span = range.maximum / scale - range.minimum / scale;
     if (!(span > 0.0)) {

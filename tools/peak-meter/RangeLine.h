@@ -5,10 +5,10 @@
 
 #include <optional>
 
-// A number with all its digits: read again it is the same.
+// Returns a number with all digits that are needed to read the same number back.
 QString exactText(double number);
 
-// A range, and the value in it that came last, if any came.
+// A range and the last value, if any.
 struct Range
 {
     double minimum;
@@ -17,12 +17,12 @@ struct Range
 };
 
 /*
- * A range as one line for a terminal of so many columns:
+ * Returns a range as one line for a terminal with this many columns:
  *
  *     -3.5 [--------------------|-----] 20  now 15.25
  *
- * ASCII alone, for every serial console. A terminal that is too narrow for a bar gets less, but
- * never a part of a number, unless even the value does not fit.
+ * It is ASCII, for any serial console. If the terminal is too narrow for a bar, the line shows
+ * less. Numbers are never truncated, unless not even the value fits.
  */
 QString rangeLine(const Range& range, int columns);
 

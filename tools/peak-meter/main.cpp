@@ -1,4 +1,4 @@
-// Shows the range of values that arrive, and keeps it from run to run: DragIndicator at work.
+// Shows the range of the values on standard input and keeps it between runs, with DragIndicator.
 #include "ExitCode.h"
 #include "PeakMeter.h"
 
@@ -17,8 +17,8 @@ const QCommandLineOption& fileOption()
 {
     static const QCommandLineOption option(
         {QStringLiteral("f"), QStringLiteral("file")},
-        QStringLiteral("Go on from the records in FILE (JSON) and save every change of them there. "
-                       "A missing FILE is made."),
+        QStringLiteral("Continue from the records in FILE (JSON) and save every change to it. A "
+                       "missing FILE is created."),
         QStringLiteral("FILE"));
     return option;
 }
@@ -27,8 +27,8 @@ const QCommandLineOption& resetOption()
 {
     static const QCommandLineOption option(
         QStringLiteral("reset"),
-        QStringLiteral("First clear the record in FILE that counts since the last reset; the one "
-                       "that counts for ever stays."));
+        QStringLiteral("First clear the record in FILE that starts at the last reset; the "
+                       "permanent record is kept."));
     return option;
 }
 
@@ -45,25 +45,25 @@ QString helpText(const QCommandLineParser& parser)
     return parser.helpText() +
            QStringLiteral(
                "\n"
-               "Numbers have a decimal point and perhaps an exponent: 12, -3.5, 1e-6. Blank lines "
+               "Numbers may have a decimal point and an exponent: 12, -3.5, 1e-6. Empty lines "
                "are\n"
-               "skipped. Any other line is reported with its number and left out: also nan and "
-               "inf, "
-               "which\n"
-               "are no measurement, and lines of more than 4096 bytes.\n"
+               "skipped. Any other line is reported with its number and skipped, including nan, "
+               "inf and\n"
+               "lines of more than 4096 bytes.\n"
                "\n"
-               "A value is shown when it has been saved. FILE is whole at any moment; a run that "
-               "is killed\n"
-               "while it saves may leave a temporary file FILE.?????? behind. While the program "
-               "runs there\n"
-               "is a FILE.lock, so that no second one uses FILE. A damaged FILE is never "
+               "A value is shown after it has been saved. FILE is complete at any time; a run "
+               "that is\n"
+               "killed while it saves may leave a temporary file FILE.??????. While the program "
+               "runs,\n"
+               "FILE.lock keeps a second one from using FILE. A damaged FILE is never "
                "overwritten.\n"
                "\n"
                "Exit codes:\n"
-               "  0  every line was taken, up to the end of the input, Ctrl-C, SIGTERM or SIGHUP\n"
-               "  1  some lines were no numbers\n"
+               "  0  all lines were accepted until the end of the input, Ctrl-C, SIGTERM or "
+               "SIGHUP\n"
+               "  1  some lines were not numbers\n"
                "  2  wrong usage\n"
-               "  3  FILE cannot be read, is damaged, or another peak-meter uses it\n"
+               "  3  FILE cannot be read, is damaged, or another peak-meter is using it\n"
                "  4  FILE cannot be written\n"
                "  5  standard input cannot be read\n"
                "  6  the output could not be written\n"
@@ -74,7 +74,7 @@ QString helpText(const QCommandLineParser& parser)
                "  peak-meter --file peaks.json --reset </dev/null");
 }
 
-// Complains and gives false when the options do not fit.
+// Prints an error and returns false if the options are inconsistent.
 bool checkOptions(const QCommandLineParser& parser)
 {
     QString trouble;
@@ -82,9 +82,9 @@ bool checkOptions(const QCommandLineParser& parser)
         trouble = QStringLiteral("values come from standard input, not from an argument: '%1'")
                       .arg(CommandLine::printable(parser.positionalArguments().constFirst()));
     } else if (parser.isSet(fileOption()) && parser.value(fileOption()).isEmpty()) {
-        trouble = QStringLiteral("--file needs a name");
+        trouble = QStringLiteral("--file requires a name");
     } else if (parser.isSet(resetOption()) && !parser.isSet(fileOption())) {
-        trouble = QStringLiteral("--reset needs a --file");
+        trouble = QStringLiteral("--reset requires --file");
     }
     if (!trouble.isEmpty()) {
         CommandLine::complainOfUsage(trouble);
@@ -108,8 +108,8 @@ int run(bool hasInput)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "\nReads numbers from standard input, one per line, and shows the lowest and the highest, "
-        "on a\nterminal as a bar in which the last value is marked."));
+        "\nReads numbers from standard input, one per line, and shows the minimum and the "
+        "maximum, on a\nterminal as a bar in which the last value is marked."));
     parser.addOptions({fileOption(), resetOption(), jsonOption(), CommandLine::verboseOption(),
                        CommandLine::helpOption(), CommandLine::versionOption()});
 
@@ -140,11 +140,12 @@ int run(bool hasInput)
 
 int main(int argc, char* argv[])
 {
-    // Qt would take the descriptor for something of its own.
+    // QCoreApplication would reuse a closed descriptor.
     const bool hasInput = fcntl(STDIN_FILENO, F_GETFD) != -1;
     const QCoreApplication application(argc, argv);
     CommandLine::flushBeforeWaiting();
-    // Without a time zone the C library looks at its file 16 times for each value with a date.
+    // Without TZ, the C library checks the file of the time zone 16 times for each value with a
+    // date.
     if (!qEnvironmentVariableIsSet("TZ")) {
         qputenv("TZ", ":/etc/localtime");
     }

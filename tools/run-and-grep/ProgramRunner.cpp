@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int pollIntervalInMs = 20;
-// For programs that end in good order.
+// The time in which a program can exit in an orderly way.
 constexpr int graceInMs = 2000;
 
 } // namespace
@@ -19,11 +19,11 @@ ProgramRunner::End ProgramRunner::run(const QString& program, const QStringList&
 {
     QElapsedTimer clock;
     clock.start();
-    // Nobody types; a program that reads should not wait for it.
+    // A program that reads its standard input must not wait for it.
     setStandardInputFile(nullDevice());
     start(program, arguments);
     if (processId() < 0) {
-        // Qt 5.15 does not notice that the system has no process left, and would kill number -1.
+        // Qt 5.15 does not notice if fork() fails, and would kill the process -1.
         setProcessState(NotRunning);
     }
     if (!waitForStarted(-1)) {
@@ -59,12 +59,12 @@ QByteArray ProgramRunner::takeOutput()
 void ProgramRunner::setupChildProcess()
 {
     setsid();
-    // Also when this program itself is killed.
+    // Stops the program even if run-and-grep itself is killed.
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     m_signals.release();
 }
 
-// Ends the whole group; the program itself may have ended before what it has started.
+// Stops the whole process group: the program may have exited before its children.
 void ProgramRunner::stop(int signalNumber)
 {
     const pid_t group = pid_t(processId());

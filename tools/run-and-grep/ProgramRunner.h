@@ -9,9 +9,9 @@
 #include <QtCore/QStringList>
 
 /*
- * Runs a program in a session, and so in a process group, of its own: a time-out, Ctrl-C, SIGTERM
- * and SIGHUP reach whatever it has started, too. QProcessHandler can neither be interrupted nor do
- * that.
+ * Runs a program in its own session and process group, so that a time-out, Ctrl-C, SIGTERM and
+ * SIGHUP also reach the programs that it has started. QProcessHandler supports neither that nor an
+ * interruption.
  */
 class ProgramRunner : private QProcess
 {
@@ -26,14 +26,15 @@ public:
 
     End run(const QString& program, const QStringList& arguments, int timeoutInMs);
 
-    // Of an interrupted program.
+    // Returns the signal that interrupted the program.
     int signalNumber() const { return m_signalNumber; }
 
-    // Of one that ended by itself; where it crashed the exit code is the number of its signal.
+    // For a program that exited by itself. If it crashed, the exit code is the number of the
+    // signal.
     using QProcess::exitCode;
     bool hasCrashed() const { return exitStatus() == CrashExit; }
 
-    // What it wrote on standard output, followed by what it wrote on standard error.
+    // Returns its standard output, followed by its standard error.
     QByteArray takeOutput();
 
 protected:

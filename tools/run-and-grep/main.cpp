@@ -1,4 +1,4 @@
-// Runs a command, keeps its output in a file and matches regular expressions over it.
+// Runs a program, keeps its output in a file and matches regular expressions against it.
 #include "ProgramRunner.h"
 
 #include "common/BusyDisplay.h"
@@ -32,7 +32,7 @@ enum ExitCode
     FileTrouble = 5
 };
 
-// As shells number what a signal ended.
+// Shells add the number of the signal to this exit code.
 constexpr int firstSignalCode = 128;
 
 struct Job
@@ -41,8 +41,8 @@ struct Job
     bool isFirstOnly = false;
     bool mustPassExitCode = false;
     int timeoutInMs = 30000;
-    QStringList command; // empty: match over file
-    QString file;        // with a command: where its output is kept; empty: nowhere for long
+    QStringList command; // empty: search the file
+    QString file;        // with a command: the file for its output, or empty
 };
 
 const QCommandLineOption& expressionOption()
@@ -50,7 +50,7 @@ const QCommandLineOption& expressionOption()
     static const QCommandLineOption option(
         {QStringLiteral("e"), QStringLiteral("expression")},
         QStringLiteral("Print what the regular EXPRESSION matches, or its first group if it has "
-                       "one; may be given several times. ^ and $ stand for the ends of a line."),
+                       "one; may be given several times. ^ and $ match at line boundaries."),
         QStringLiteral("EXPRESSION"));
     return option;
 }
@@ -58,7 +58,7 @@ const QCommandLineOption& expressionOption()
 const QCommandLineOption& firstOption()
 {
     static const QCommandLineOption option(
-        QStringLiteral("first"), QStringLiteral("Only the first match of each expression."));
+        QStringLiteral("first"), QStringLiteral("Print only the first match of each expression."));
     return option;
 }
 
@@ -66,7 +66,7 @@ const QCommandLineOption& timeoutOption()
 {
     static const QCommandLineOption option(
         QStringLiteral("timeout"),
-        QStringLiteral("Stop PROGRAM when it has not ended after MS milliseconds (30000)."),
+        QStringLiteral("Stop PROGRAM if it has not exited after MS milliseconds (default: 30000)."),
         QStringLiteral("MS"), QStringLiteral("30000"));
     return option;
 }
@@ -75,7 +75,7 @@ const QCommandLineOption& outputOption()
 {
     static const QCommandLineOption option(
         QStringLiteral("output"),
-        QStringLiteral("Keep the output of PROGRAM in FILE, which is replaced as a whole; - is "
+        QStringLiteral("Keep the output of PROGRAM in FILE, which is replaced atomically; - is "
                        "standard output."),
         QStringLiteral("FILE"));
     return option;
@@ -85,7 +85,7 @@ const QCommandLineOption& exitCodeOption()
 {
     static const QCommandLineOption option(
         QStringLiteral("exit-code"),
-        QStringLiteral("End with the exit code of PROGRAM, whether anything matches or not."));
+        QStringLiteral("Exit with the exit code of PROGRAM, whether anything matches or not."));
     return option;
 }
 
@@ -98,31 +98,32 @@ QString helpText(const QCommandLineParser& parser)
                           "in FILE: one match\n"
                           "per line, after the expression if there are several. The output is "
                           "what PROGRAM wrote\n"
-                          "on standard output, followed by what it wrote on standard error. "
+                          "to standard output, followed by what it wrote to standard error. "
                           "Matches go to\n"
-                          "standard output, everything else to standard error. What "
-                          "follows a zero byte is not\n"
+                          "standard output, everything else to standard error. Text "
+                          "after a zero byte is not\n"
                           "searched.\n"
                           "\n"
-                          "Ctrl-C, SIGTERM, SIGHUP and the time-out stop PROGRAM and whatever it "
-                          "has started in\n"
+                          "Ctrl-C, SIGTERM, SIGHUP and the time-out stop PROGRAM and the programs "
+                          "that it has started in\n"
                           "its process group.\n"
                           "\n") +
            parser.helpText().section(QLatin1Char('\n'), 2) +
-           QStringLiteral("\n"
-                          "Exit codes:\n"
-                          "  0  something matched\n"
-                          "  1  nothing matched\n"
-                          "  2  wrong usage or an invalid expression\n"
-                          "  3  PROGRAM could not be started, or did not end in time\n"
-                          "  4  PROGRAM crashed (what it wrote is matched nevertheless)\n"
-                          "  5  a file could not be read or written, or the output not be written\n"
-                          "Of a signal: 128 and its number.\n"
-                          "\n"
-                          "Examples:\n"
-                          "  run-and-grep -e 'inet ([0-9.]+)' -- ip address\n"
-                          "  run-and-grep --first -e '^ID=(.*)' -e '^VERSION_ID=(.*)' "
-                          "/etc/os-release");
+           QStringLiteral(
+               "\n"
+               "Exit codes:\n"
+               "  0  something matched\n"
+               "  1  nothing matched\n"
+               "  2  wrong usage or an invalid expression\n"
+               "  3  PROGRAM could not be started, or did not exit in time\n"
+               "  4  PROGRAM crashed (its output is searched nevertheless)\n"
+               "  5  a file could not be read or written, or the output could not be written\n"
+               "After a signal: 128 plus its number.\n"
+               "\n"
+               "Examples:\n"
+               "  run-and-grep -e 'inet ([0-9.]+)' -- ip address\n"
+               "  run-and-grep --first -e '^ID=(.*)' -e '^VERSION_ID=(.*)' "
+               "/etc/os-release");
 }
 
 bool readExpressions(const QCommandLineParser& parser, Job& job)
@@ -139,7 +140,7 @@ bool readExpressions(const QCommandLineParser& parser, Job& job)
         job.expressions.append(expression);
     }
     if (job.expressions.isEmpty()) {
-        CommandLine::complainOfUsage(QStringLiteral("an expression is needed: -e EXPRESSION"));
+        CommandLine::complainOfUsage(QStringLiteral("an expression is required: -e EXPRESSION"));
     }
     return !job.expressions.isEmpty();
 }
@@ -150,32 +151,32 @@ bool readTimeout(const QCommandLineParser& parser, Job& job)
     const bool isNumber = CommandLine::readPositive(text, job.timeoutInMs);
     if (!isNumber) {
         CommandLine::complainOfUsage(
-            QStringLiteral("--timeout needs a number from 1 upwards, not '%1'").arg(text));
+            QStringLiteral("--timeout requires a number from 1 up, not '%1'").arg(text));
     }
     return isNumber;
 }
 
-// Without a command the one argument that remains is the file.
+// Without a command, the only remaining argument is the file.
 bool readFile(const QCommandLineParser& parser, Job& job)
 {
     const QStringList arguments = parser.positionalArguments();
     const bool hasCommand = !job.command.isEmpty();
     if (arguments.size() != (hasCommand ? 0 : 1)) {
         CommandLine::complainOfUsage(
-            QStringLiteral("needs either '-- PROGRAM [ARGUMENTS]' or exactly one FILE"));
+            QStringLiteral("requires either '-- PROGRAM [ARGUMENTS]' or exactly one FILE"));
         return false;
     }
     if (!hasCommand && (parser.isSet(outputOption()) || parser.isSet(timeoutOption()) ||
                         parser.isSet(exitCodeOption()))) {
         CommandLine::complainOfUsage(
-            QStringLiteral("--output, --timeout and --exit-code need a PROGRAM"));
+            QStringLiteral("--output, --timeout and --exit-code require a PROGRAM"));
         return false;
     }
     job.file = hasCommand ? parser.value(outputOption()) : arguments.constFirst();
     return true;
 }
 
-// One line each, whatever they hold.
+// Prints each match as one line.
 void printMatches(BusyDisplay& display, const QString& label, const QStringList& matches)
 {
     for (QString match : matches) {
@@ -183,7 +184,7 @@ void printMatches(BusyDisplay& display, const QString& label, const QStringList&
     }
 }
 
-// Prints the matches in the file at path; tells what that means for the exit code.
+// Prints the matches in the file at path and returns the exit code.
 ExitCode grep(const Job& job, const QString& path, const QString& shownPath)
 {
     const QString name = CommandLine::printable(shownPath);
@@ -221,7 +222,7 @@ ExitCode grepFile(const Job& job)
                 isInput ? QStringLiteral("standard input") : job.file);
 }
 
-// Searches a text as if it were a file, in memory: whatever happens, none is left behind.
+// Searches a text in a file in memory, which cannot be left behind.
 ExitCode grepText(const Job& job, const QByteArray& text)
 {
     QFile file;
@@ -230,14 +231,14 @@ ExitCode grepText(const Job& job, const QByteArray& text)
         !file.open(descriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle) ||
         file.write(text) != text.size() || !file.flush()) {
         CommandLine::complain(
-            QStringLiteral("cannot keep the output: %1").arg(qt_error_string(errno)));
+            QStringLiteral("cannot store the output: %1").arg(qt_error_string(errno)));
         return FileTrouble;
     }
     return grep(job, QStringLiteral("/proc/self/fd/%1").arg(descriptor),
                 QStringLiteral("the output"));
 }
 
-// Keeps the output where it is asked for; tells whether that could be done.
+// Writes the output to the file of --output, if any. Returns false on an error.
 bool keepOutput(const Job& job, const QByteArray& output)
 {
     if (job.file.isEmpty()) {
@@ -281,7 +282,7 @@ int runAndGrep(const Job& job)
         complainOfNotStarted(program);
         return NotRun;
     case ProgramRunner::TimedOut:
-        CommandLine::complain(QStringLiteral("%1 did not end within %2 ms and was stopped")
+        CommandLine::complain(QStringLiteral("%1 did not exit within %2 ms and was stopped")
                                   .arg(program)
                                   .arg(job.timeoutInMs));
         return NotRun;
@@ -303,7 +304,7 @@ int runAndGrep(const Job& job)
         return Crashed;
     }
     CommandLine::complain(
-        QStringLiteral("%1 ended with exit code %2").arg(program).arg(runner.exitCode()));
+        QStringLiteral("%1 exited with code %2").arg(program).arg(runner.exitCode()));
     return job.mustPassExitCode ? runner.exitCode() : exitCode;
 }
 
@@ -317,10 +318,9 @@ int run()
                                  QStringLiteral("A text file; - is standard input."));
     parser.addPositionalArgument(
         QStringLiteral("PROGRAM"),
-        QStringLiteral("A program, looked for in PATH. It reads nothing on "
-                       "its standard input."));
+        QStringLiteral("A program, searched for in PATH. Its standard input is empty."));
 
-    // What follows the first "--" is the command, whatever it looks like.
+    // Everything after the first "--" is the command.
     QStringList arguments = QCoreApplication::arguments();
     const int separator = arguments.indexOf(QStringLiteral("--"));
     Job job;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int statusIntervalInMs = 100;
 
-// What the sorted list names has and others has not.
+// Returns the elements of the sorted list names that the sorted list others does not contain.
 QStringList missingIn(const QStringList& others, const QStringList& names)
 {
     QStringList result;
@@ -26,7 +26,7 @@ QStringList missingIn(const QStringList& others, const QStringList& names)
     return result;
 }
 
-// A search without a name filter gives "." and ".." too.
+// A search without a name filter also returns "." and "..".
 bool isDots(const QString& entry)
 {
     const QString name = entry.section(QLatin1Char('/'), -1);
@@ -37,7 +37,7 @@ bool isDots(const QString& entry)
 
 MediumWatch::MediumWatch(const WatchOptions& options)
     : m_options(options)
-    , m_filter(options.patterns, QDir::Files) // without case, as MediaWatcher searches
+    , m_filter(options.patterns, QDir::Files) // case-insensitive, like MediaWatcher
     , m_mediaWatcher(nullptr)
     , m_report(options.name, options.isJson)
     , m_mounts(QStringLiteral("/proc/self/mountinfo"))
@@ -53,12 +53,12 @@ MediumWatch::MediumWatch(const WatchOptions& options)
     connect(&m_statusTimer, &QTimer::timeout, this, &MediumWatch::showStatus);
 }
 
-MediumWatch::Place MediumWatch::placeOf(const QString& folder)
+MediumWatch::Place MediumWatch::placeOf(const QString& directory)
 {
     struct stat status = {};
     struct stat parent = {};
-    if (stat(QFile::encodeName(folder).constData(), &status) != 0 ||
-        stat(QFile::encodeName(folder + QStringLiteral("/..")).constData(), &parent) != 0) {
+    if (stat(QFile::encodeName(directory).constData(), &status) != 0 ||
+        stat(QFile::encodeName(directory + QStringLiteral("/..")).constData(), &parent) != 0) {
         return Place();
     }
     return {status.st_dev, status.st_ino, status.st_dev != parent.st_dev};
@@ -74,9 +74,9 @@ void MediumWatch::makeWatchers()
             &MediumWatch::noteChange);
     connect(m_burstWatcher.data(), &DirectoryWatcher::directoryChanged, this,
             &MediumWatch::noteEndOfBurst);
-    m_watchedFolders.clear();
-    m_unwatchableFolders.clear();
-    m_place = placeOf(m_options.folder);
+    m_watchedDirectories.clear();
+    m_unwatchableDirectories.clear();
+    m_place = placeOf(m_options.directory);
 }
 
 void MediumWatch::watchMounts()
@@ -88,13 +88,13 @@ void MediumWatch::watchMounts()
     }
 }
 
-// Tells whether the path leads to another folder than before, and says what became of the medium.
+// Returns true, and reports what happened to the medium, if the path leads to another directory.
 bool MediumWatch::hasNewMedium()
 {
-    const Place now = placeOf(m_options.folder);
+    const Place now = placeOf(m_options.directory);
     const bool isOther = now.device != m_place.device || now.inode != m_place.inode;
-    // The same medium, unmounted and mounted at once, has taken the watch along.
-    const bool hasLostWatch = !isOther && m_burstWatcher->addPath(m_options.folder);
+    // If the same medium was unmounted and mounted again at once, its watch is lost.
+    const bool hasLostWatch = !isOther && m_burstWatcher->addPath(m_options.directory);
     if (!isOther && !hasLostWatch) {
         return false;
     }
@@ -105,15 +105,15 @@ bool MediumWatch::hasNewMedium()
         m_report.showMediumMounted();
     }
     makeWatchers();
-    watchFolder(m_options.folder);
+    watchDirectory(m_options.directory);
     m_mustList = true;
     return true;
 }
 
 void MediumWatch::noteMounts()
 {
-    // A search notices that the folder is gone.
-    if (!QFileInfo(m_options.folder).isDir() || hasNewMedium()) {
+    // If the directory has been removed, the search reports that.
+    if (!QFileInfo(m_options.directory).isDir() || hasNewMedium()) {
         search();
     }
 }
@@ -125,12 +125,12 @@ bool MediumWatch::start()
     watchMounts();
     m_endNotifier.reset(new QSocketNotifier(m_signals.openDescriptor(), QSocketNotifier::Read));
     connect(m_endNotifier.data(), &QSocketNotifier::activated, this, [this] { finish(Ended); });
-    // Watched first, listed then: what comes in between is seen by both rather than by neither.
-    if (!watchFolder(m_options.folder)) {
+    // Watch before listing: a file that appears in between must not be missed by both.
+    if (!watchDirectory(m_options.directory)) {
         return false;
     }
     m_report.showStatus(QStringLiteral("listing %1").arg(CommandLine::printable(m_options.name)));
-    m_mediaWatcher.mediumMounted(m_options.folder);
+    m_mediaWatcher.mediumMounted(m_options.directory);
     m_report.showMedium(m_options.patterns, m_files);
     if (m_report.isLive()) {
         m_statusTimer.start(statusIntervalInMs);
@@ -141,7 +141,7 @@ bool MediumWatch::start()
 
 void MediumWatch::listMedium(const QFileInfoList& entries)
 {
-    const QDir medium(m_options.folder);
+    const QDir medium(m_options.directory);
     for (const QFileInfo& entry : entries) {
         if (entry.isFile()) {
             m_files.append(medium.relativeFilePath(entry.filePath()));
@@ -155,7 +155,7 @@ void MediumWatch::noteChange()
 {
     ++m_changes;
     if (m_idleTimer.isActive()) {
-        // The end of this burst is noticed only after the delay, and is a change too.
+        // This burst ends only after the delay, and its end is a change too.
         startIdleTimer(m_options.delayInMs + m_options.idleInMs);
     }
 }
@@ -174,28 +174,28 @@ void MediumWatch::search()
     }
     m_isSearching = true;
     m_idleTimer.stop();
-    // Without patterns: folders are of interest too, whatever their names.
-    auto* worker = new RecursiveFileSearchWorkerThread(m_options.folder, QStringList());
+    // Without patterns, since directories of any name must be found, too.
+    auto* worker = new RecursiveFileSearchWorkerThread(m_options.directory, QStringList());
     connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, this, &MediumWatch::evaluate);
-    m_threadPool.start(worker); // and deletes it
+    m_threadPool.start(worker); // deletes the worker
 }
 
 void MediumWatch::evaluate(const QStringList& entries)
 {
     m_isSearching = false;
-    if (!QFileInfo(m_options.folder).isDir()) {
+    if (!QFileInfo(m_options.directory).isDir()) {
         finish(MediumGone);
         return;
     }
     const QStringList files = matchingFiles(entries);
-    // Of two media there is no difference to show; and this search may have seen a part of each.
+    // Files of different media are not compared, and this search may have seen a part of each.
     if (hasNewMedium() || (m_mustList && m_mustSearchAgain)) {
         m_mustSearchAgain = false;
         search();
         return;
     }
-    // A new folder may have been filled further between this search and its watch.
-    if (m_options.isRecursive && watchFolders(entries)) {
+    // Files may have been added to a new directory between this search and its watch.
+    if (m_options.isRecursive && watchDirectories(entries)) {
         m_mustSearchAgain = true;
     }
     if (m_mustList) {
@@ -206,7 +206,7 @@ void MediumWatch::evaluate(const QStringList& entries)
     } else {
         showDifferences(files);
     }
-    countNamesLeftOut();
+    countSkippedNames();
     if (m_mustSearchAgain) {
         m_mustSearchAgain = false;
         search();
@@ -215,26 +215,26 @@ void MediumWatch::evaluate(const QStringList& entries)
     }
 }
 
-// Qt passes over names that it cannot decode.
-void MediumWatch::countNamesLeftOut()
+// Qt omits names that it cannot decode.
+void MediumWatch::countSkippedNames()
 {
     int count = 0;
-    for (const QString& folder : qAsConst(m_watchedFolders)) {
-        DIR* directory = opendir(QFile::encodeName(folder).constData());
-        const dirent* entry = directory == nullptr ? nullptr : readdir(directory);
-        for (; entry != nullptr; entry = readdir(directory)) {
+    for (const QString& directory : qAsConst(m_watchedDirectories)) {
+        DIR* stream = opendir(QFile::encodeName(directory).constData());
+        const dirent* entry = stream == nullptr ? nullptr : readdir(stream);
+        for (; entry != nullptr; entry = readdir(stream)) {
             const QByteArray name = entry->d_name;
             if (!name.startsWith('.') && QFile::encodeName(QFile::decodeName(name)) != name) {
                 ++count;
             }
         }
-        if (directory != nullptr) {
-            closedir(directory);
+        if (stream != nullptr) {
+            closedir(stream);
         }
     }
-    if (count != m_namesLeftOut) {
-        m_namesLeftOut = count;
-        m_report.showNamesLeftOut(count);
+    if (count != m_skippedNames) {
+        m_skippedNames = count;
+        m_report.showSkippedNames(count);
     }
 }
 
@@ -242,7 +242,7 @@ QStringList MediumWatch::matchingFiles(const QStringList& entries) const
 {
     QStringList files;
     for (const QString& entry : entries) {
-        const QFileInfo info(concatenatePaths(m_options.folder, entry));
+        const QFileInfo info(concatenatePaths(m_options.directory, entry));
         const bool isInReach = m_options.isRecursive || !entry.contains(QLatin1Char('/'));
         if (isInReach && !isDots(entry) && info.isFile() &&
             m_filter.matchesFilters(info.fileName())) {
@@ -253,33 +253,34 @@ QStringList MediumWatch::matchingFiles(const QStringList& entries) const
     return files;
 }
 
-// Watches every folder among entries; tells whether one of them is new.
-bool MediumWatch::watchFolders(const QStringList& entries)
+// Watches every directory in entries. Returns true if one of them is new.
+bool MediumWatch::watchDirectories(const QStringList& entries)
 {
-    bool hasNewFolder = false;
+    bool hasNewDirectory = false;
     for (const QString& entry : entries) {
-        const QFileInfo info(concatenatePaths(m_options.folder, entry));
+        const QFileInfo info(concatenatePaths(m_options.directory, entry));
         if (!isDots(entry) && info.isDir() && !info.isSymLink()) {
-            hasNewFolder |= watchFolder(info.filePath());
+            hasNewDirectory |= watchDirectory(info.filePath());
         }
     }
-    return hasNewFolder;
+    return hasNewDirectory;
 }
 
-// Tells whether the folder was not watched before and is now. One that was removed and is there
-// again counts as new: its watch went with it.
-bool MediumWatch::watchFolder(const QString& folder)
+// Returns true if the directory was not watched before and is now. One that was removed and created
+// again counts as new, since its watch was removed with it.
+bool MediumWatch::watchDirectory(const QString& directory)
 {
-    // Qt has a line of its own to log for a folder that cannot be read.
-    if (QFileInfo(folder).isReadable() && m_burstWatcher->addPath(folder)) {
-        m_changeWatcher->addPath(folder);
-        m_watchedFolders.insert(folder);
+    // Qt would log a message of its own for a directory that cannot be read.
+    if (QFileInfo(directory).isReadable() && m_burstWatcher->addPath(directory)) {
+        m_changeWatcher->addPath(directory);
+        m_watchedDirectories.insert(directory);
         return true;
     }
-    const bool isKnown = m_watchedFolders.contains(folder) || m_unwatchableFolders.contains(folder);
+    const bool isKnown =
+        m_watchedDirectories.contains(directory) || m_unwatchableDirectories.contains(directory);
     if (!isKnown) {
-        m_unwatchableFolders.insert(folder);
-        m_report.complain(QStringLiteral("cannot watch %1").arg(CommandLine::printable(folder)));
+        m_unwatchableDirectories.insert(directory);
+        m_report.complain(QStringLiteral("cannot watch %1").arg(CommandLine::printable(directory)));
     }
     return false;
 }
@@ -295,12 +296,12 @@ void MediumWatch::showDifferences(const QStringList& files)
     m_files = files;
 }
 
-// The medium is searched and nothing is left to do until the next change.
+// The search has finished; nothing remains to be done until the next change.
 void MediumWatch::settle()
 {
     if (!m_isWatching) {
         m_isWatching = true;
-        m_report.showWatching(m_watchedFolders.size(), m_options.bursts, m_options.idleInMs);
+        m_report.showWatching(m_watchedDirectories.size(), m_options.bursts, m_options.idleInMs);
     }
     if (m_bursts > m_shownBursts) {
         m_shownBursts = m_bursts;
@@ -355,7 +356,7 @@ void MediumWatch::finish(ExitCode exitCode)
         m_files.clear();
     }
     m_report.showSummary({m_files.size(), missingIn(m_filesAtStart, m_files).size(),
-                          missingIn(m_files, m_filesAtStart).size(), m_bursts, m_namesLeftOut,
+                          missingIn(m_files, m_filesAtStart).size(), m_bursts, m_skippedNames,
                           m_clock.elapsed()});
     Q_EMIT finished(exitCode);
 }

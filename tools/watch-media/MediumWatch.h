@@ -32,25 +32,25 @@ enum ExitCode
 
 struct WatchOptions
 {
-    QString name;   // of the folder, as the user gave it
-    QString folder; // absolute: a search of a relative one gives no paths relative to it
+    QString name;      // of the directory, as the user gave it
+    QString directory; // absolute: a search of a relative one returns no paths relative to it
     QStringList patterns;
     bool isRecursive = false;
     int delayInMs = 500;
-    int idleInMs = 3000; // 0: idleness does not end the watch
-    int bursts = 0;      // 0: no number of bursts ends the watch
+    int idleInMs = 3000; // 0: no limit
+    int bursts = 0;      // 0: no limit
     bool isJson = false;
 };
 
 /*
- * Treats a folder as a medium that was just mounted: lists its files, then follows what changes.
+ * Treats a directory as a medium that was just mounted: lists its files, then follows changes.
  *
- * One DirectoryWatcher tells that a burst of changes is over; a second one, without delay, tells
- * that a change has come, so that a copy in progress is seen and keeps the watch alive. After a
- * burst a RecursiveFileSearchWorkerThread searches the medium in a thread pool.
+ * One DirectoryWatcher reports the end of a burst of changes; a second one, without a delay,
+ * reports each change, so that a copy in progress is shown and restarts the idle timer. After a
+ * burst, a RecursiveFileSearchWorkerThread searches the medium in a thread pool.
  *
- * The watches of a folder go with its file system, and of a medium that is mounted over it they
- * notice nothing. The kernel's table of mounts tells of both: the watches are made anew then.
+ * The watches of a directory disappear with its file system, and do not notice a medium that is
+ * mounted over it. The kernel's mount table reports both; the watches are then created again.
  */
 class MediumWatch : public QObject
 {
@@ -59,35 +59,35 @@ class MediumWatch : public QObject
 public:
     explicit MediumWatch(const WatchOptions& options);
 
-    // Begins; tells whether the folder can be watched. Needs a running event loop from here on.
+    // Returns false if the directory cannot be watched. Requires a running event loop.
     bool start();
 
 Q_SIGNALS:
     void finished(int exitCode);
 
 private:
-    // Which folder a path leads to.
+    // The identity of the directory at a path.
     struct Place
     {
         dev_t device = 0;
         ino_t inode = 0;
-        bool isMedium = false; // something is mounted there
+        bool isMedium = false; // a file system is mounted there
     };
 
-    static Place placeOf(const QString& folder);
+    static Place placeOf(const QString& directory);
     void makeWatchers();
     void watchMounts();
     bool hasNewMedium();
     void noteMounts();
-    void countNamesLeftOut();
+    void countSkippedNames();
     void listMedium(const QFileInfoList& entries);
     void noteChange();
     void noteEndOfBurst();
     void search();
     void evaluate(const QStringList& entries);
     QStringList matchingFiles(const QStringList& entries) const;
-    bool watchFolders(const QStringList& entries);
-    bool watchFolder(const QString& folder);
+    bool watchDirectories(const QStringList& entries);
+    bool watchDirectory(const QString& directory);
     void showDifferences(const QStringList& files);
     void settle();
     void startIdleTimer(int durationInMs);
@@ -109,21 +109,21 @@ private:
     QTimer m_idleTimer;
     QTimer m_statusTimer;
     QElapsedTimer m_clock;
-    QSet<QString> m_watchedFolders;
-    QSet<QString> m_unwatchableFolders;
+    QSet<QString> m_watchedDirectories;
+    QSet<QString> m_unwatchableDirectories;
     QStringList m_filesAtStart;
     QStringList m_files; // sorted
     bool m_isWatching = false;
     bool m_isSearching = false;
     bool m_mustSearchAgain = false;
     bool m_mustList = false; // the next search finds the files of another medium
-    int m_namesLeftOut = 0;
+    int m_skippedNames = 0;
     int m_bursts = 0;
     int m_shownBursts = 0;
     int m_changes = 0; // since the last burst
     int m_newInBurst = 0;
     int m_goneInBurst = 0;
-    // The last member, so that a search that still runs is waited for first.
+    // The last member, so that its destructor, which waits for a running search, runs first.
     QThreadPool m_threadPool;
 };
 

@@ -34,8 +34,10 @@ void WatchReport::showMedium(const QStringList& patterns, const QStringList& fil
     showFiles("  ", QStringLiteral("file"), files);
 }
 
-void WatchReport::showWatching(int folders, int bursts, int idleInMs)
+void WatchReport::showWatching(int directories, int bursts, int idleInMs)
 {
+    const QString watched = directories == 1 ? QStringLiteral("1 directory")
+                                             : QStringLiteral("%1 directories").arg(directories);
     QStringList conditions;
     if (bursts > 0) {
         conditions.append(count(bursts, "burst"));
@@ -44,8 +46,8 @@ void WatchReport::showWatching(int folders, int bursts, int idleInMs)
         conditions.append(seconds(idleInMs) + QStringLiteral(" without a change"));
     }
     show(QStringLiteral("Watching %1; ends after %2")
-             .arg(count(folders, "folder"), conditions.join(QStringLiteral(" or "))),
-         QStringLiteral("watching"), {{QStringLiteral("folders"), folders}});
+             .arg(watched, conditions.join(QStringLiteral(" or "))),
+         QStringLiteral("watching"), {{QStringLiteral("folders"), directories}});
 }
 
 void WatchReport::showNew(const QStringList& files)
@@ -82,13 +84,13 @@ void WatchReport::showMediumMounted()
     show(QStringLiteral("medium mounted"), QStringLiteral("mediumMounted"));
 }
 
-void WatchReport::showNamesLeftOut(int count)
+void WatchReport::showSkippedNames(int count)
 {
     if (m_isJson) {
         show(QString(), QStringLiteral("namesLeftOut"), {{QStringLiteral("count"), count}});
         return;
     }
-    complain(QStringLiteral("left out: %1 that cannot be read as UTF-8")
+    complain(QStringLiteral("skipped: %1 that cannot be decoded as UTF-8")
                  .arg(WatchReport::count(count, "name")));
 }
 
@@ -100,15 +102,15 @@ void WatchReport::showSummary(const Summary& summary)
                        .arg(summary.newFiles)
                        .arg(summary.goneFiles)
                        .arg(count(summary.bursts, "burst"));
-    if (summary.namesLeftOut > 0) {
-        line += QStringLiteral(", %1 left out").arg(count(summary.namesLeftOut, "name"));
+    if (summary.skippedNames > 0) {
+        line += QStringLiteral(", %1 skipped").arg(count(summary.skippedNames, "name"));
     }
     show(line + QStringLiteral(", ") + seconds(summary.milliseconds), QStringLiteral("summary"),
          {{QStringLiteral("files"), summary.files},
           {QStringLiteral("new"), summary.newFiles},
           {QStringLiteral("gone"), summary.goneFiles},
           {QStringLiteral("bursts"), summary.bursts},
-          {QStringLiteral("namesLeftOut"), summary.namesLeftOut},
+          {QStringLiteral("namesLeftOut"), summary.skippedNames},
           {QStringLiteral("milliseconds"), summary.milliseconds}});
 }
 
@@ -130,7 +132,7 @@ void WatchReport::show(const QString& line, const QString& event, QJsonObject me
 
 void WatchReport::showFiles(const char* mark, const QString& event, const QStringList& files)
 {
-    // Nobody reads hundreds of lines that rush by; a pipe gets them all.
+    // A terminal shows only the first files; a pipe gets all of them.
     constexpr int mostOnTerminal = 10;
 
     const int shown = isLive() ? qMin(files.size(), mostOnTerminal) : files.size();

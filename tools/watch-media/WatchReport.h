@@ -7,7 +7,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// What the program says: lines for people, or a JSON object per line for scripts.
+// Prints lines of text, or one JSON object per line.
 class WatchReport
 {
 public:
@@ -19,22 +19,22 @@ public:
         int newFiles;
         int goneFiles;
         int bursts;
-        int namesLeftOut;
+        int skippedNames;
         qint64 milliseconds;
     };
 
-    // Whether there is a line that can be redrawn, and that line.
+    // The status line, on a terminal only.
     bool isLive() const { return m_display.isLive() && !m_isJson; }
     void showStatus(const QString& text);
 
     void showMedium(const QStringList& patterns, const QStringList& files);
-    void showWatching(int folders, int bursts, int idleInMs);
+    void showWatching(int directories, int bursts, int idleInMs);
     void showNew(const QStringList& files);
     void showGone(const QStringList& files);
     void showBurst(int number, int newFiles, int goneFiles, int files);
     void showMediumRemoved();
     void showMediumMounted();
-    void showNamesLeftOut(int count);
+    void showSkippedNames(int count);
     void showSummary(const Summary& summary);
 
     void complain(const QString& trouble);
@@ -48,7 +48,7 @@ private:
     void showFiles(const char* mark, const QString& event, const QStringList& files);
 
     ProgressDisplay m_display;
-    const QString m_name; // of the folder
+    const QString m_name; // of the directory
     const bool m_isJson;
 };
 

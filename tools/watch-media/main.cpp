@@ -1,5 +1,5 @@
-// Lists the files on a medium and follows what is copied there: MediaWatcher, DirectoryWatcher and
-// RecursiveFileSearchWorkerThread at work in one event loop.
+// Lists the files on a medium and follows changes, with MediaWatcher, DirectoryWatcher and
+// RecursiveFileSearchWorkerThread in one event loop.
 #include "MediumWatch.h"
 
 #include "common/CommandLine.h"
@@ -15,8 +15,8 @@ const QCommandLineOption& patternOption()
 {
     static const QCommandLineOption option(
         {QStringLiteral("p"), QStringLiteral("pattern")},
-        QStringLiteral("Only files whose name fits the wildcard PATTERN, in any case; may be given "
-                       "several times. Without it every file counts."),
+        QStringLiteral("Only files whose name matches the wildcard PATTERN, ignoring case; may be "
+                       "given several times. The default is every file."),
         QStringLiteral("PATTERN"));
     return option;
 }
@@ -25,7 +25,7 @@ const QCommandLineOption& recursiveOption()
 {
     static const QCommandLineOption option(
         {QStringLiteral("r"), QStringLiteral("recursive")},
-        QStringLiteral("The sub-folders too, also those that come later."));
+        QStringLiteral("Include subdirectories, also those that are created later."));
     return option;
 }
 
@@ -33,7 +33,8 @@ const QCommandLineOption& delayOption()
 {
     static const QCommandLineOption option(
         QStringLiteral("delay"),
-        QStringLiteral("A burst of changes is over after MS milliseconds without one (500)."),
+        QStringLiteral(
+            "A burst of changes ends after MS milliseconds without a change (default: 500)."),
         QStringLiteral("MS"), QStringLiteral("500"));
     return option;
 }
@@ -42,7 +43,8 @@ const QCommandLineOption& idleOption()
 {
     static const QCommandLineOption option(
         QStringLiteral("idle"),
-        QStringLiteral("End after MS milliseconds without a burst (3000; with --bursts: never)."),
+        QStringLiteral(
+            "Exit after MS milliseconds without a burst (default: 3000; with --bursts: never)."),
         QStringLiteral("MS"), QStringLiteral("3000"));
     return option;
 }
@@ -50,15 +52,15 @@ const QCommandLineOption& idleOption()
 const QCommandLineOption& burstsOption()
 {
     static const QCommandLineOption option(QStringLiteral("bursts"),
-                                           QStringLiteral("End after N bursts of changes."),
+                                           QStringLiteral("Exit after N bursts of changes."),
                                            QStringLiteral("N"), QStringLiteral("0"));
     return option;
 }
 
 const QCommandLineOption& jsonOption()
 {
-    static const QCommandLineOption option(
-        QStringLiteral("json"), QStringLiteral("Print one JSON object per line, for scripts."));
+    static const QCommandLineOption option(QStringLiteral("json"),
+                                           QStringLiteral("Print one JSON object per line."));
     return option;
 }
 
@@ -67,30 +69,30 @@ QString helpText(const QCommandLineParser& parser)
     return parser.helpText() +
            QStringLiteral("\n"
                           "Exit codes:\n"
-                          "  0  ended by itself, or by Ctrl-C, SIGTERM or SIGHUP\n"
+                          "  0  normal exit, also after Ctrl-C, SIGTERM or SIGHUP\n"
                           "  2  wrong usage\n"
-                          "  3  FOLDER is missing, is no folder, or cannot be watched\n"
-                          "  4  FOLDER was taken away\n"
+                          "  3  DIRECTORY is missing, is not a directory, or cannot be watched\n"
+                          "  4  DIRECTORY was removed\n"
                           "  5  the output could not be written\n"
                           "\n"
-                          "Example: a tree is copied in while the program watches.\n"
+                          "Example: copy a directory tree while the program watches.\n"
                           "  mkdir /tmp/medium\n"
                           "  watch-media --recursive --pattern '*.h' /tmp/medium &\n"
                           "  cp -r /usr/include/linux /tmp/medium; wait");
 }
 
-// Reads the number of an option; complains and gives false when it is none.
+// Reads the number of an option. Prints an error and returns false if it is not a number.
 bool readNumber(const QCommandLineParser& parser, const QCommandLineOption& option, int& number)
 {
     if (!parser.isSet(option) || CommandLine::readPositive(parser.value(option), number)) {
         return true;
     }
-    CommandLine::complainOfUsage(QStringLiteral("--%1 needs a number from 1 upwards, not '%2'")
+    CommandLine::complainOfUsage(QStringLiteral("--%1 requires a number from 1 up, not '%2'")
                                      .arg(option.names().constLast(), parser.value(option)));
     return false;
 }
 
-// Reads everything but the folder.
+// Reads all options, but not the directory.
 bool readOptions(const QCommandLineParser& parser, WatchOptions& options)
 {
     options.isJson = parser.isSet(jsonOption());
@@ -107,16 +109,16 @@ bool readOptions(const QCommandLineParser& parser, WatchOptions& options)
            readNumber(parser, burstsOption(), options.bursts);
 }
 
-// Complains and gives false when there is no such folder.
-bool checkFolder(const QString& folder)
+// Prints an error and returns false if there is no such directory.
+bool checkDirectory(const QString& directory)
 {
-    const QFileInfo info(folder);
+    const QFileInfo info(directory);
     if (info.isDir()) {
         return true;
     }
-    CommandLine::complain((info.exists() ? QStringLiteral("%1 is not a folder")
-                                         : QStringLiteral("no such folder: %1"))
-                              .arg(CommandLine::printable(folder)));
+    CommandLine::complain((info.exists() ? QStringLiteral("%1 is not a directory")
+                                         : QStringLiteral("no such directory: %1"))
+                              .arg(CommandLine::printable(directory)));
     return false;
 }
 
@@ -131,13 +133,14 @@ int run()
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "\nLists the files in FOLDER as on a medium that was just mounted, then shows "
-        "what comes\nand goes. Changes are reported in bursts; hidden files are left "
-        "out. A\nmedium may be unmounted, and another one mounted, at any time."));
+        "\nLists the files in DIRECTORY as on a medium that was just mounted, then shows which "
+        "files\nappear and disappear. Changes are reported in bursts; hidden files are omitted. "
+        "The medium\nmay be unmounted, and another one mounted, at any time."));
     parser.addOptions({patternOption(), recursiveOption(), delayOption(), idleOption(),
                        burstsOption(), jsonOption(), CommandLine::helpOption(),
                        CommandLine::versionOption()});
-    parser.addPositionalArgument(QStringLiteral("FOLDER"), QStringLiteral("The folder to watch."));
+    parser.addPositionalArgument(QStringLiteral("DIRECTORY"),
+                                 QStringLiteral("The directory to watch."));
 
     if (!parser.parse(QCoreApplication::arguments())) {
         CommandLine::complainOfUsage(parser.errorText());
@@ -156,12 +159,12 @@ int run()
         return WrongUsage;
     }
     if (parser.positionalArguments().size() != 1) {
-        CommandLine::complainOfUsage(QStringLiteral("exactly one FOLDER is needed"));
+        CommandLine::complainOfUsage(QStringLiteral("exactly one DIRECTORY is required"));
         return WrongUsage;
     }
     options.name = parser.positionalArguments().constFirst();
-    options.folder = QDir::cleanPath(QDir().absoluteFilePath(options.name));
-    return checkFolder(options.name) ? watch(options) : NoMedium;
+    options.directory = QDir::cleanPath(QDir().absoluteFilePath(options.name));
+    return checkDirectory(options.name) ? watch(options) : NoMedium;
 }
 
 } // namespace
