@@ -24,9 +24,6 @@ using Changes = QVector<Change>;
 // own; nothing when there can be no copy.
 std::optional<QByteArray> preview(const QByteArray& text);
 
-// Cleans the file up; tells whether it holds what is expected then.
-bool perform(const QString& filePath, const QByteArray& expected);
-
 // The lines that differ. A clean-up adds no lines; at a zero byte it ends.
 Changes changes(const QByteArray& before, const QByteArray& after);
 

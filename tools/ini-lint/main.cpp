@@ -9,6 +9,7 @@
 
 #include "common/CommandLine.h"
 #include "common/LibraryMessages.h"
+#include "common/WholeFile.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -28,22 +29,23 @@ QString helpText(const QCommandLineParser& parser)
                      .arg(QLatin1String(rule.summary));
     }
     return parser.helpText() + QStringLiteral("\nRules:\n") + rules +
-           QStringLiteral("\n"
-                          "A comment in a file omits findings, too: '; ini-lint: ignore RULE...' "
-                          "those of\n"
-                          "the next line, '; ini-lint: ignore-file RULE...' those of the file.\n"
-                          "\n"
-                          "Exit codes:\n"
-                          "  0  nothing was found; with --clean: every FILE is clean now\n"
-                          "  1  something was found; with --clean --dry-run: some lines would "
-                          "change\n"
-                          "  2  wrong usage, or a FILE cannot be read or written, or the output not "
-                           "written\n"
-                          "\n"
-                          "Examples:\n"
-                          "  ini-lint --ignore semicolon /orvalis/*.ini\n"
-                          "  ini-lint --pattern '*.conf' --pattern '*.ini' /etc\n"
-                          "  ini-lint --clean --dry-run settings.ini");
+           QStringLiteral(
+               "\n"
+               "A comment in a file omits findings, too: '; ini-lint: ignore RULE...' "
+               "those of\n"
+               "the next line, '; ini-lint: ignore-file RULE...' those of the file.\n"
+               "\n"
+               "Exit codes:\n"
+               "  0  nothing was found; with --clean: every FILE is clean now\n"
+               "  1  something was found; with --clean --dry-run: some lines would "
+               "change\n"
+               "  2  wrong usage, or a FILE cannot be read or written, or the output not "
+               "written\n"
+               "\n"
+               "Examples:\n"
+               "  ini-lint --ignore semicolon /orvalis/*.ini\n"
+               "  ini-lint --pattern '*.conf' --pattern '*.ini' /etc\n"
+               "  ini-lint --clean --dry-run settings.ini");
 }
 
 void clean(const QString& filePath, const QByteArray& text, const Options& options,
@@ -62,9 +64,10 @@ void clean(const QString& filePath, const QByteArray& text, const Options& optio
                           QStringLiteral("only a file can be cleaned up"));
         return;
     }
-    if (mustWrite && !CleanUp::perform(filePath, *cleaned)) {
-        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up: it, or its "
-                                                   "folder, cannot be written"));
+    // Not by a clean-up of the file itself, which would lose its owner and mode.
+    const QString trouble = mustWrite ? WholeFile::replace(filePath, *cleaned) : QString();
+    if (!trouble.isEmpty()) {
+        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up: ") + trouble);
         return;
     }
     report.addChanges(InputFiles::shownName(filePath), text, *cleaned, mustWrite);
