@@ -13,9 +13,6 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QSaveFile>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 namespace {
 
 // Some hundred bytes are usual; something else of that name need not be read to its end.
@@ -64,18 +61,6 @@ bool areSound(const QJsonArray& records)
     }
     const QJsonArray imported = indicator.asJsonArray();
     return isSound(imported.at(0).toObject()) && isSound(imported.at(1).toObject());
-}
-
-// The new name of a file is on the disk only when its folder is. Not every file system can do that.
-void syncFolderOf(const QString& path)
-{
-    const QString folder = QFileInfo(QFileInfo(path).canonicalFilePath()).path();
-    const int descriptor =
-        open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        fsync(descriptor);
-        close(descriptor);
-    }
 }
 
 } // namespace
@@ -134,13 +119,8 @@ ExitCode PeakFile::read(DragIndicator& indicator) const
 QString PeakFile::save(const DragIndicator& indicator) const
 {
     const QByteArray json = QJsonDocument(indicator.asJsonArray()).toJson();
-    // That also syncs the content.
     const QString trouble = WholeFile::replace(m_path, json);
-    if (!trouble.isEmpty()) {
-        return writeError(trouble);
-    }
-    syncFolderOf(m_path);
-    return QString();
+    return trouble.isEmpty() ? QString() : writeError(trouble);
 }
 
 ExitCode PeakFile::refuse(const QString& reason) const
