@@ -114,6 +114,7 @@ private Q_SLOTS:
     void eachReplacementIsFlushed();
     void directoryOfTheRealFileIsFlushed();
     void replacementByAnotherManagerIsFlushed();
+    void replacementIsSeenThoughTheInodeIsUsedAgain();
     void flushKeepsNobodyWaiting();
     void syncDuringAFlushFlushesToo();
     void directoryOfARemovedMarkerIsFlushed();
@@ -262,6 +263,26 @@ void tst_DurableWrites::replacementByAnotherManagerIsFlushed()
     QCOMPARE(flushes.directories(), QStringList());
     writer.sync();
     QCOMPARE(flushes.directories(), QStringList(folder()));
+}
+
+// A file system may give the next file but one the number of the first.
+void tst_DurableWrites::replacementIsSeenThoughTheInodeIsUsedAgain()
+{
+    writeFile(QStringLiteral("settings.ini"), "[Net]\nPort=80\n");
+    IniFileManager writer(file(), nullptr);
+    IniFileManager other(file(), nullptr);
+    FlushLog flushes;
+    for (int round = 0; round < 10; ++round) {
+        setPort(writer, 1000 + round);
+        writer.sync();
+        setPort(writer, 2000 + round);
+        other.sync();
+        setPort(other, 3000 + round);
+        other.sync();
+        const int before = flushes.directories().size();
+        writer.sync();
+        QCOMPARE(flushes.directories().size(), before + 1);
+    }
 }
 
 void tst_DurableWrites::flushKeepsNobodyWaiting()
