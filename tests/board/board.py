@@ -173,7 +173,9 @@ class Machine:
         word = "end-" + secrets.token_hex(8)
         self._send(
             f"cat >/run/command <<'{word}'\n{command}\n{word}\n"
-            f"sh /run/command </dev/null 2>&1; printf '\\n%s %d\\n' {word} $?\n"
+            # Through a pipe: programs show a terminal other things.
+            "{ sh /run/command </dev/null 2>&1; echo $? >/run/code; } | cat; "
+            f"printf '\\n%s %d\\n' {word} $(cat /run/code)\n"
         )
         end = b"\n" + word.encode() + b" "
         while end not in self._received or b"\n" not in self._received.split(end)[1]:
@@ -199,24 +201,25 @@ class Machine:
 
     def interact(self, terminal):
         """Connects a terminal with a shell on the machine, until that shell ends; returns its exit code."""
-        word = "end-" + secrets.token_hex(8)
+        # Begins with a character that nobody types.
+        end = b"\x1e" + secrets.token_hex(8).encode()
         self._send(
             # One line: a further one would be input of that shell.
             "stty sane; cd /root; setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
-            f"stty -echo -onlcr -isig; printf '%s %d\\n' {word} $code\n"
+            f"stty -echo -onlcr -isig; printf '\\036%s%d\\n' {end[1:].decode()} $code\n"
         )
-        end = word.encode() + b" "
         before = termios.tcgetattr(terminal)
         tty.setraw(terminal)
         try:
-            while end not in self._received or b"\n" not in self._received.split(end)[1]:
+            while end not in self._received or not self._received.endswith(b"\n"):
                 for source in select.select([self._console, terminal], [], [])[0]:
                     if source == terminal:
                         self._console.sendall(os.read(terminal, 4096))
                         continue
                     size = len(self._received)
                     self._receive(time.monotonic() + self.timeout)
-                    os.write(terminal, self._received[size:].split(end)[0])
+                    if end[:1] not in self._received[:size]:
+                        os.write(terminal, self._received[size:].split(end[:1])[0])
         finally:
             termios.tcsetattr(terminal, termios.TCSADRAIN, before)
         return int(self._received.split(end)[1])
