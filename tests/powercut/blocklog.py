@@ -35,20 +35,23 @@ class BlockLog:
 
 
 class Disk:
-    """Part of a disk, from its byte start on, on the way through a log."""
+    """Part of a disk, from its byte start on, on the way through a log. Its content is kept by sector."""
 
-    def __init__(self, log, image, start):
+    def __init__(self, log, start, size):
         self._log = log
         self._start = start
-        self._flushed = bytearray(image)  # what no power cut can take away
+        self._size = size
+        self._flushed = {}  # what no power cut can take away, where it differs from the image
         self._unflushed = []
         self._next = 0
 
-    def _apply(self, image, entry):
+    def _apply(self, sectors, entry):
         place = entry.position - self._start
-        if entry.flags & DISCARD or place < 0 or place >= len(image):
+        if entry.flags & DISCARD or place < 0 or place >= self._size:
             return
-        image[place:place + entry.size] = self._log.data(entry)
+        data = self._log.data(entry)
+        for offset in range(0, entry.size, SECTOR):
+            sectors[place + offset] = data[offset:offset + SECTOR]
 
     def advance(self, index):
         """Goes on to the time after the entry index."""
@@ -61,10 +64,13 @@ class Disk:
                 self._unflushed.clear()
         self._next = max(self._next, index + 1)
 
-    def after_cut(self, survives):
-        """The part when the power is cut; survives tells of each write that was not flushed whether it does."""
-        image = bytearray(self._flushed)
+    def write_after_cut(self, file, start, survives):
+        """Writes the part into a file that has the image at start already, as it is when the power is cut;
+        survives tells of each write that was not flushed whether it does."""
+        sectors = dict(self._flushed)
         for entry in self._unflushed:
             if survives():
-                self._apply(image, entry)
-        return image
+                self._apply(sectors, entry)
+        for place, data in sectors.items():
+            file.seek(start + place)
+            file.write(data)
