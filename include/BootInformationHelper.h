@@ -58,7 +58,7 @@ public:
     BootMode getCurrentBootMode() const;
 
     /*!
-     * \brief Removes the marker of the firmware update.
+     * \brief Removes the marker of the firmware update, so that a power cut does not bring it back.
      *
      * Warns "Unable to delete firmware update marker, file does not exist!" or "Error on removing
      * firmware update marker!".
@@ -66,7 +66,8 @@ public:
     void deleteFirmwareUpdateMarker() const;
 
     /*!
-     * \brief Removes the marker of the reboot; says nothing when there is none.
+     * \brief Removes the marker of the reboot, so that a power cut does not bring it back; says
+     * nothing when there is none.
      *
      * Warns "Unable to remove file:" with the path when it cannot be removed.
      */

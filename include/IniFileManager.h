@@ -27,7 +27,8 @@
  *   every other call. Warnings are made while the mutex is held: a message handler may call back
  *   into the same object, but must not wait for another thread that uses it. Pending writes are
  *   also flushed by the event loop of the thread that made the object, which is safe beside all
- *   calls. cleanUp() and the list sm_CleanUpFunctions are not synchronized.
+ *   calls and durable as sync() is. cleanUp() and the list sm_CleanUpFunctions are not
+ * synchronized.
  * - **Ownership:** the object owns all that it uses; it cannot be copied.
  * - **Errors:** nothing throws. A missing file is a warning, and the object stays usable; each
  *   function says what else it logs. Every warning but those of the constructor and of cleanUp()
@@ -53,7 +54,7 @@ public:
      */
     IniFileManager(const QString& filePath, const char* codecName);
 
-    /*! \brief Writes what is still pending, as QSettings does. */
+    /*! \brief Writes what is still pending, as QSettings does, durably as sync() does. */
     ~IniFileManager();
 
     /*!
@@ -63,6 +64,11 @@ public:
      * which that cannot be told (of another host, or empty) when it is half a minute old. Where
      * QSettings may not write, the changes stay pending. With QSettings of Qt 5.15 a disk that
      * becomes full just then leaves an empty file, which the next sync with a change replaces.
+     *
+     * What was written is durable then: no power cut after the return brings the old file back, as
+     * far as the file system and the disk can promise that. When nothing was replaced, nothing is
+     * flushed. Other calls on the object do not wait for the flush of the directory. A failure of
+     * it is silent.
      */
     void sync();
 
@@ -79,9 +85,9 @@ public:
      * \brief Rewrites the file at \a filePath so that QSettings reads it as its author meant it.
      *
      * Runs every function of sm_CleanUpFunctions over the whole text and replaces the file
-     * atomically, also when nothing changed. Carriage returns and a byte order mark are dropped,
-     * and so is everything from the first zero byte on. Call it before a manager is opened on the
-     * file, never while one writes.
+     * atomically and durably, also when nothing changed. Carriage returns and a byte order mark are
+     * dropped, and so is everything from the first zero byte on. Call it before a manager is opened
+     * on the file, never while one writes.
      *
      * Warns "Can not open file:" with the path, and leaves the file as it was, when it cannot be
      * opened for reading or writing; warns "Function pointer is Null." for each null in the list.

@@ -3,6 +3,7 @@
 #include "KernelCommandLineDefinition.h"
 #include "KernelCommandLineParser.h"
 #include "PlatformFunctions.h"
+#include "common/DirectoryFlush.h"
 #include "common/Log.h"
 
 #include <QtCore/QFile>
@@ -10,7 +11,8 @@
 namespace {
 
 const QString firstBootMarkerName = QStringLiteral("orvalis-first-boot");
-const QString firmwareUpdateMarkerPath = QStringLiteral("/orvalis/etc/") + firstBootMarkerName;
+const QString firmwareUpdateMarkerDirectory = QStringLiteral("/orvalis/etc/");
+const QString firmwareUpdateMarkerPath = firmwareUpdateMarkerDirectory + firstBootMarkerName;
 const QString rebootMarkerPath = QStringLiteral("/orvalis-reboot");
 
 } // namespace
@@ -58,7 +60,9 @@ void BootInformationHelper::deleteFirmwareUpdateMarker() const
     if (!QFile::remove(firmwareUpdateMarkerPath)) {
         MISCTOOLS_LOG(BootInformationHelper).warning()
             << "Error on removing firmware update marker!";
+        return;
     }
+    flushDirectory(firmwareUpdateMarkerDirectory);
 }
 
 void BootInformationHelper::deleteOrvalisRebootMarker() const
@@ -69,5 +73,7 @@ void BootInformationHelper::deleteOrvalisRebootMarker() const
     if (!QFile::remove(rebootMarkerPath)) {
         MISCTOOLS_LOG(BootInformationHelper).warning()
             << "Unable to remove file:" << rebootMarkerPath;
+        return;
     }
+    flushDirectory(QStringLiteral("/"));
 }

@@ -1,18 +1,48 @@
 #include "IniFileManager.h"
 
+#include "common/DirectoryFlush.h"
 #include "common/Log.h"
 
 #include <QtCore/QEvent>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QMutexLocker>
 #include <QtCore/QRegularExpression>
 
 #include <mutex>
+#include <optional>
+
+#include <sys/stat.h>
 
 namespace {
 
 constexpr char keyIsEmpty[] = "Key is empty!";
 constexpr char groupIsEmpty[] = "Group is empty!";
+
+// Which file a path stands for; all zeros for none. A file that replaces another one has an inode
+// and a change time of its own.
+struct FileIdentity
+{
+    dev_t device = 0;
+    ino_t inode = 0;
+    timespec changeTime = {};
+
+    static FileIdentity of(const QString& path)
+    {
+        struct stat status = {};
+        if (stat(QFile::encodeName(path).constData(), &status) != 0) {
+            return {};
+        }
+        return {status.st_dev, status.st_ino, status.st_ctim};
+    }
+
+    bool operator==(const FileIdentity& other) const
+    {
+        return device == other.device && inode == other.inode &&
+               changeTime.tv_sec == other.changeTime.tv_sec &&
+               changeTime.tv_nsec == other.changeTime.tv_nsec;
+    }
+};
 
 /*
  * Guards what QSettings keeps per object and does not lock itself: the group that is entered, the
@@ -24,24 +54,58 @@ constexpr char groupIsEmpty[] = "Group is empty!";
  * layout. As that object's event filter it also covers the flush that QSettings posts to its own
  * event loop: unguarded, a write that falls between the flush and the clearing of the note would
  * stay unwritten.
+ *
+ * It also makes what QSettings writes durable. QSettings does not tell whether it replaced the
+ * file, so the file is compared with the one that was last known to be durable. That holds also for
+ * a file that another manager on the path replaced, with values that were written here, and has not
+ * flushed yet; a manager that only reads never flushes. The guard is not held meanwhile: others
+ * read and write on, and only a sync() that has to promise the same waits for the disk, too.
  */
 class SettingsGuard : public QObject
 {
 public:
-    explicit SettingsGuard(QSettings* settings) : QObject(settings)
+    explicit SettingsGuard(QSettings* settings)
+        : QObject(settings), m_filePath(settings->fileName())
     {
         settings->installEventFilter(this);
     }
 
-    static std::mutex& of(const QSettings& settings)
+    // The settings have just written what was pending.
+    ~SettingsGuard() override
     {
-        return static_cast<SettingsGuard*>(settings.children().constFirst())->m_mutex;
+        if (unflushedFile()) {
+            flush();
+        }
+    }
+
+    Q_DISABLE_COPY(SettingsGuard)
+
+    static std::mutex& of(const QSettings& settings) { return guardOf(settings).m_mutex; }
+
+    // To be called under the guard, before a value is written or removed.
+    static void noteWrite(const QSettings& settings)
+    {
+        SettingsGuard& guard = guardOf(settings);
+        if (!guard.m_durableFile) {
+            guard.m_durableFile = FileIdentity::of(guard.m_filePath);
+        }
     }
 
     static void sync(QSettings& settings)
     {
-        const std::lock_guard<std::mutex> locker(of(settings));
-        settings.sync();
+        SettingsGuard& guard = guardOf(settings);
+        std::optional<FileIdentity> file;
+        {
+            const std::lock_guard<std::mutex> locker(guard.m_mutex);
+            settings.sync();
+            file = guard.unflushedFile();
+        }
+        if (!file) {
+            return;
+        }
+        guard.flush();
+        const std::lock_guard<std::mutex> locker(guard.m_mutex);
+        guard.m_durableFile = file;
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override
@@ -55,7 +119,27 @@ public:
     }
 
 private:
+    static SettingsGuard& guardOf(const QSettings& settings)
+    {
+        return *static_cast<SettingsGuard*>(settings.children().constFirst());
+    }
+
+    // The file that is there now, when it is not known to be durable.
+    std::optional<FileIdentity> unflushedFile() const
+    {
+        if (!m_durableFile) {
+            return std::nullopt;
+        }
+        const FileIdentity file = FileIdentity::of(m_filePath);
+        return file == *m_durableFile ? std::nullopt : std::make_optional(file);
+    }
+
+    // Of a symbolic link, the real file is replaced.
+    void flush() const { flushDirectory(QFileInfo(m_filePath).canonicalPath()); }
+
     std::mutex m_mutex;
+    const QString m_filePath;
+    std::optional<FileIdentity> m_durableFile; // none until something is written
 };
 
 // Enters a group of the settings for the life of the object.
@@ -231,6 +315,7 @@ void IniFileManager::setGeneralValue(const QString& key, const QVariant& value)
         return;
     }
     const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
+    SettingsGuard::noteWrite(m_settings);
     m_settings.setValue(key, value);
 }
 
@@ -241,6 +326,7 @@ void IniFileManager::removeGeneralValue(const QString& key)
         return;
     }
     const std::lock_guard<std::mutex> settingsLocker(SettingsGuard::of(m_settings));
+    SettingsGuard::noteWrite(m_settings);
     m_settings.remove(key);
 }
 
@@ -307,6 +393,7 @@ void IniFileManager::setValue(const QString& group, const QString& key, const QV
         return;
     }
     const GroupScope scope(m_settings, group);
+    SettingsGuard::noteWrite(m_settings);
     m_settings.setValue(key, value);
 }
 
@@ -320,6 +407,7 @@ void IniFileManager::removeValue(const QString& group, const QString& key)
         return;
     }
     const GroupScope scope(m_settings, group);
+    SettingsGuard::noteWrite(m_settings);
     m_settings.remove(key);
 }
 

@@ -1,9 +1,11 @@
 #include "IniFileManager.h"
 
+#include "common/DirectoryFlush.h"
 #include "common/FileReading.h"
 #include "common/Log.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 
 namespace {
@@ -56,7 +58,9 @@ void IniFileManager::cleanUp(const QString& filePath)
     if (!isWhole || target.write(utf8) != utf8.size()) {
         target.cancelWriting();
     }
-    target.commit();
+    if (target.commit()) {
+        flushDirectory(QFileInfo(filePath).canonicalPath());
+    }
 }
 
 void IniFileManager::cleanUpComments(QString& text)

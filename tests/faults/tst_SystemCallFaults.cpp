@@ -8,6 +8,7 @@
 #include <QtCore/QMap>
 #include <QtCore/QRegularExpression>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 
@@ -67,6 +68,12 @@ private Q_SLOTS:
     void failedForkIsAFailedStart_data();
     void failedForkIsAFailedStart();
     void flushOfTheEventLoopIsOneSync();
+    void flushOfTheDirectoryMayFail_data();
+    void flushOfTheDirectoryMayFail();
+    void flushOfTheDirectoryIsRepeated_data() { addOperations(Operations::writing()); }
+    void flushOfTheDirectoryIsRepeated();
+    void fileThatIsNotReplacedIsNotFlushed_data() { addOperations(Operations::writing()); }
+    void fileThatIsNotReplacedIsNotFlushed();
     void killedAtACall_data() { addOperations(Operations::writing()); }
     void killedAtACall();
     void cleanupTestCase();
@@ -82,6 +89,7 @@ private:
     QString outcomeOf(const Operation& operation, const Fault& fault, Outcome& outcome);
     QString outcomeWithoutLoss(const Operation& operation, const Fault& fault);
     QString outcomeOfKill(const Operation& operation, const Fault& fault, Outcome& outcome);
+    QVector<int> callsOfDirectoryFlush(const QVector<QByteArray>& calls);
     QString files() const { return path("files"); }
 
     QMap<QString, int> m_faults; // how many an operation had
@@ -191,6 +199,17 @@ QString tst_SystemCallFaults::outcomeOfKill(const Operation& operation, const Fa
     Outcome second = Operations::run(operation, files(), Fault(), messages());
     const QString problem = problemOfUse(operation, second);
     return problem.isEmpty() ? problem : QStringLiteral("done again: ") + problem;
+}
+
+// Which calls open and flush the directory. Files are flushed by another call, fdatasync.
+QVector<int> tst_SystemCallFaults::callsOfDirectoryFlush(const QVector<QByteArray>& calls)
+{
+    const int flush = calls.indexOf("fsync");
+    const int opening = flush < 0 ? -1 : calls.lastIndexOf("openat", flush);
+    if (calls.count("fsync") != 1 || opening < 0) {
+        QTest::qFail("not one flush of a directory", __FILE__, __LINE__);
+    }
+    return {opening, flush};
 }
 
 void tst_SystemCallFaults::nothingFails()
@@ -373,6 +392,73 @@ void tst_SystemCallFaults::flushOfTheEventLoopIsOneSync()
     QCOMPARE(readFile(path(QStringLiteral("settings.ini"))), QByteArray("[Net]\nPort=8080\n"));
     QVERIFY(!ofSync.isEmpty());
     QCOMPARE(ofEventLoop, ofSync);
+}
+
+void tst_SystemCallFaults::flushOfTheDirectoryMayFail_data()
+{
+    addErrors(false);
+}
+
+// Nobody is told, and nothing is different: the file is replaced, there is no message, and no
+// descriptor stays open.
+void tst_SystemCallFaults::flushOfTheDirectoryMayFail()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    MISCTOOLS_NEED_FAULTS();
+    QFETCH(Operation, operation);
+    QFETCH(int, error);
+    Outcome whole;
+    QCOMPARE(outcomeOf(operation, Fault(), whole), QString());
+    Fault fault;
+    fault.error = error;
+    for (const Fault::Kind kind : {Fault::Once, Fault::Lasting}) {
+        fault.kind = kind;
+        for (const int call : callsOfDirectoryFlush(whole.run.calls)) {
+            fault.call = call;
+            QCOMPARE(outcomeWithoutLoss(operation, fault), QString());
+        }
+    }
+}
+
+void tst_SystemCallFaults::flushOfTheDirectoryIsRepeated()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    MISCTOOLS_NEED_FAULTS();
+    QFETCH(Operation, operation);
+    prepare(operation);
+    const QVector<QByteArray> calls =
+        Operations::run(operation, files(), Fault(), messages()).run.calls;
+    Fault fault;
+    fault.kind = Fault::Once;
+    fault.error = EINTR;
+    for (const int call : callsOfDirectoryFlush(calls)) {
+        fault.call = call;
+        prepare(operation);
+        QVector<QByteArray> repeated = calls;
+        repeated.insert(call, calls.at(call));
+        QCOMPARE(Operations::run(operation, files(), fault, messages()).run.calls, repeated);
+    }
+}
+
+void tst_SystemCallFaults::fileThatIsNotReplacedIsNotFlushed()
+{
+    MISCTOOLS_NEED_DEVICE_ROOT();
+    MISCTOOLS_NEED_FAULTS();
+    QFETCH(Operation, operation);
+    prepare(operation);
+    const QVector<QByteArray> calls =
+        Operations::run(operation, files(), Fault(), messages()).run.calls;
+    QCOMPARE(calls.count("fsync"), 1);
+    Fault fault;
+    fault.kind = Fault::Once;
+    fault.error = EIO;
+    // A file that is new gets its name by a link.
+    fault.call = std::max(calls.lastIndexOf("rename"), calls.lastIndexOf("linkat"));
+    QVERIFY(fault.call >= 0);
+    prepare(operation);
+    const FaultyRun run = Operations::run(operation, files(), fault, messages()).run;
+    QCOMPARE(run.failedCalls.size(), 1);
+    QCOMPARE(run.calls.count("fsync"), 0);
 }
 
 void tst_SystemCallFaults::killedAtACall()

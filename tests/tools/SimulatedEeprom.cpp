@@ -1,10 +1,12 @@
 // Loaded before a program, makes a file named "eeprom" behave as the one that the kernel shows for
-// an EEPROM. The environment says what happens, and when:
+// an EEPROM
+// (addresses beyond its end cannot be reached). The environment says what else happens, and when:
 //   EEPROM_LOG      a file that gets a line "OFFSET SIZE" for each write
 //   EEPROM_FAILS, EEPROM_SIGNALS, EEPROM_PROTECTS
 //                   offset of the write that fails, that SIGTERM comes with, that changes nothing
 #include <dlfcn.h>
 #include <linux/magic.h>
+#include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
@@ -13,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -20,6 +23,12 @@ template <typename Function>
 Function* original(const char* name)
 {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+bool isEeprom(const char* path)
+{
+    const char* name = std::strrchr(path, '/');
+    return std::strcmp(name == nullptr ? path : name + 1, "eeprom") == 0;
 }
 
 bool isAt(const char* variable, off_t offset)
@@ -42,11 +51,24 @@ extern "C" __attribute__((visibility("default"))) int statfs(const char* path,
                                                              struct statfs* result)
 {
     const int status = original<int(const char*, struct statfs*)>("statfs")(path, result);
-    const char* name = std::strrchr(path, '/');
-    if (std::strcmp(name == nullptr ? path : name + 1, "eeprom") == 0) {
+    if (isEeprom(path)) {
         result->f_type = SYSFS_MAGIC;
     }
     return status;
+}
+
+extern "C" __attribute__((visibility("default"))) off64_t lseek64(int file, off64_t offset,
+                                                                  int from)
+{
+    char path[4096] = "";
+    struct stat64 status = {};
+    const std::string link = "/proc/self/fd/" + std::to_string(file);
+    if (readlink(link.c_str(), path, sizeof path - 1) > 0 && isEeprom(path) && from == SEEK_SET &&
+        fstat64(file, &status) == 0 && offset > status.st_size) {
+        errno = EINVAL;
+        return -1;
+    }
+    return original<off64_t(int, off64_t, int)>("lseek64")(file, offset, from);
 }
 
 extern "C" __attribute__((visibility("default"))) ssize_t pwrite(int file, const void* bytes,

@@ -560,6 +560,8 @@ void tst_DeviceReport::eepromFailures_data()
         EepromImage("Type=4711\n").flipBit(EepromImage::headerEnd, 0).bytes();
     QTest::newRow("missing") << QByteArray() << QByteArray("is missing");
     QTest::newRow("empty") << QByteArray("") << QByteArray("contains no valid hardware record");
+    QTest::newRow("erased") << QByteArray(256, '\xFF')
+                            << QByteArray("seems to be erased and was never written");
     QTest::newRow("damaged") << damaged << QByteArray("contains no valid hardware record");
 }
 

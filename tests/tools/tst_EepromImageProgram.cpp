@@ -47,6 +47,8 @@ private Q_SLOTS:
     void namesEachKindOfDamage_data();
     void namesEachKindOfDamage();
     void namesAnUnreachableStartAddress();
+    void unreachableStartAddressOfAnEeprom_data();
+    void unreachableStartAddressOfAnEeprom();
     void namesAnUnusableTemporaryFolder_data();
     void namesAnUnusableTemporaryFolder();
     void noticesEveryFlippedBit();
@@ -78,6 +80,7 @@ private Q_SLOTS:
 
 private:
     // The text in the file "board.ini" is written into the simulated EEPROM.
+    ProgramResult runOnEeprom(const QStringList& environment, const QStringList& arguments) const;
     ProgramResult createInEeprom(const QStringList& environment) const;
     QByteArray shell(const QString& script) const;
     // In the row's folder, so that plain file names do.
@@ -284,7 +287,8 @@ void tst_EepromImageProgram::namesAnUnreachableStartAddress()
     QVERIFY(shell.waitForFinished());
     QCOMPARE(shell.readAllStandardError(),
              QByteArray("eeprom-image: /dev/stdin: the start address of the block cannot be "
-                        "reached: the file is a pipe or a device that cannot be positioned\n"));
+                        "reached: it is beyond the end of the EEPROM, or the file is a pipe or a "
+                        "device that cannot be positioned\n"));
     QCOMPARE(shell.readAllStandardOutput(), QByteArray());
     QCOMPARE(shell.exitCode(), 13);
 }
@@ -580,18 +584,64 @@ void tst_EepromImageProgram::readErrorsOfTheTextAreNoticed()
     QVERIFY(!QFile::exists(path(QStringLiteral("image"))));
 }
 
-ProgramResult tst_EepromImageProgram::createInEeprom(const QStringList& environment) const
+ProgramResult tst_EepromImageProgram::runOnEeprom(const QStringList& environment,
+                                                  const QStringList& arguments) const
 {
     // Before a sanitizer's runtime nothing may be loaded, unless it is told so.
     const QStringList always{QStringLiteral("LD_PRELOAD=" SIMULATED_EEPROM),
                              QStringLiteral("ASAN_OPTIONS=verify_asan_link_order=0"),
                              QStringLiteral("EEPROM_LOG=") + path(QStringLiteral("log"))};
     return ProgramRun(QStringLiteral("env"),
-                      always + environment +
-                          QStringList{QStringLiteral(EEPROM_IMAGE_PROGRAM), "create", "board.ini",
-                                      "eeprom"},
+                      always + environment + QStringList{QStringLiteral(EEPROM_IMAGE_PROGRAM)} +
+                          arguments,
                       folder())
         .finish();
+}
+
+ProgramResult tst_EepromImageProgram::createInEeprom(const QStringList& environment) const
+{
+    return runOnEeprom(environment, {"create", "board.ini", "eeprom"});
+}
+
+void tst_EepromImageProgram::unreachableStartAddressOfAnEeprom_data()
+{
+    QTest::addColumn<QByteArray>("image");
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("meaning");
+
+    const QByteArray erased(256, '\xFF');
+    QTest::newRow("erased, show") << erased << "show" << 14
+                                  << "the header gives no length, all its bits are set: the EEPROM "
+                                     "seems to be erased and was never written";
+    for (const char* command : {"verify", "dump", "extract"}) {
+        QTest::addRow("erased, %s", command)
+            << erased << command << 14
+            << "the header gives no length, all bits at 28 are set: the EEPROM seems to be erased "
+               "and was never written";
+    }
+    const QByteArray damaged = EepromImage(boardText).startAddress(0x4000).bytes().left(256);
+    QTest::newRow("damaged, show")
+        << damaged << "show" << 13
+        << "the start address of the block cannot be reached: it is beyond the end of the EEPROM, "
+           "or the file is a pipe or a device that cannot be positioned";
+    QTest::newRow("damaged, verify")
+        << damaged << "verify" << 13
+        << "the start address at 24 is 16384, which cannot be reached: "
+           "the header is damaged";
+}
+
+// A file of sysfs refuses addresses beyond its end, where other files do not.
+void tst_EepromImageProgram::unreachableStartAddressOfAnEeprom()
+{
+    QFETCH(QByteArray, image);
+    QFETCH(QString, command);
+    QFETCH(int, exitCode);
+    QFETCH(QString, meaning);
+    writeFile(QStringLiteral("eeprom"), image);
+    const ProgramResult result = runOnEeprom({}, {command, "eeprom"});
+    QCOMPARE(result.errors, QStringLiteral("eeprom-image: eeprom: %1\n").arg(meaning));
+    QCOMPARE(result.exitCode, exitCode);
 }
 
 void tst_EepromImageProgram::eepromIsWrittenPageByPage_data()

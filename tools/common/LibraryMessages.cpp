@@ -55,3 +55,10 @@ bool LibraryMessages::anyContains(const QString& text)
 {
     return !state().texts.filter(text).isEmpty();
 }
+
+bool LibraryMessages::tellOfErasedEeprom()
+{
+    return anyStartsWith(QStringLiteral("Seek to start addr 4294967295 failed")) ||
+           anyStartsWith(QStringLiteral("Max. number of bytes for INI file exceeded "
+                                        "(bytesToRead field = 4294967295 ,"));
+}

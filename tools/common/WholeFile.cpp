@@ -1,7 +1,9 @@
 #include "WholeFile.h"
 
 #include "CommandLine.h"
+#include "src/common/DirectoryFlush.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 #include <QtCore/QSet>
 #include <QtCore/QStringList>
@@ -59,6 +61,7 @@ QString WholeFile::replace(const QString& path, const QByteArray& bytes)
     if (file.write(bytes) != bytes.size() || !file.flush() || !file.commit()) {
         return file.errorString();
     }
+    flushDirectory(QFileInfo(path).canonicalPath());
     if (!isOwnerKept) {
         sayOnce(path, QStringLiteral("owner, group and mode could not all be kept"));
     }

@@ -129,7 +129,10 @@ ReportSection hardware(const QString& eepromPath)
         } else {
             section.addMissing(
                 eeprom, label,
-                reasonIn(eepromPath, QStringLiteral("contains no valid hardware record")));
+                reasonIn(eepromPath,
+                         LibraryMessages::tellOfErasedEeprom()
+                             ? QStringLiteral("seems to be erased and was never written")
+                             : QStringLiteral("contains no valid hardware record")));
         }
         for (const NamedValue& field : fields) {
             section.addHidden(field.member);

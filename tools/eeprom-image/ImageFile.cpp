@@ -46,7 +46,9 @@ void ImageFile::read(const QString& filePath)
     }
     m_isRead = true;
     m_header = file.read(headerSize);
-    if (hasHeader() && file.seek(startAddress())) {
+    // A file of sysfs refuses addresses beyond its end.
+    m_isStartReached = hasHeader() && file.seek(startAddress());
+    if (m_isStartReached) {
         m_block = file.read(qMin<qint64>(length(), maxBlockSize));
     }
     judge(file.error() == QFileDevice::NoError ? QString() : file.errorString());
@@ -61,6 +63,12 @@ void ImageFile::judge(const QString& readError)
                         .arg(m_header.size())
                         .arg(range(headerAddress, headerSize)) +
                     because(readError));
+    } else if (!m_isStartReached && startAddress() != 0xFFFFFFFF) {
+        condemn(ExitCode::StartAddressUnreachable,
+                QStringLiteral("the start address at %1 is %2, which cannot be reached: the header "
+                               "is damaged")
+                    .arg(startAddressField)
+                    .arg(startAddress()));
     } else if (length() == 0xFFFFFFFF) {
         condemn(ExitCode::LengthOverLimit,
                 QStringLiteral("the header gives no length, all bits at %1 are set: the EEPROM "

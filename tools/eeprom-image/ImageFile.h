@@ -51,6 +51,7 @@ private:
     ExitCode m_verdict = ExitCode::Done;
     QString m_trouble;
     bool m_isRead = false;
+    bool m_isStartReached = false;
     QByteArray m_header;
     QByteArray m_block;
 };

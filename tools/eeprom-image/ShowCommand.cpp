@@ -29,12 +29,8 @@ constexpr Failure failures[] = {
     {"Number of INI header bytes is", ExitCode::HeaderShort,
      "the header is cut short: the image ends before byte 36"},
     {"Seek to start addr", ExitCode::StartAddressUnreachable,
-     "the start address of the block cannot be reached: the file is a pipe or a device that "
-     "cannot be positioned"},
-    {"Max. number of bytes for INI file exceeded (bytesToRead field = 4294967295 ,",
-     ExitCode::LengthOverLimit,
-     "the header gives no length, all its bits are set: the EEPROM seems to be erased and was "
-     "never written"},
+     "the start address of the block cannot be reached: it is beyond the end of the EEPROM, or "
+     "the file is a pipe or a device that cannot be positioned"},
     {"Max. number of bytes for INI file exceeded", ExitCode::LengthOverLimit,
      "the header gives the block a length over the limit of 65535 bytes: the header is damaged"},
     {"Number of INI file bytes is", ExitCode::BlockShort,
@@ -130,6 +126,11 @@ ExitCode showRecord(const QString& filePath, bool isJson)
     HardwareInfo info;
     HardwareInfoReader reader(nullptr);
     const bool isRead = reader.readHardwareInfoFromSysFs(TemporaryPath::pattern(), filePath, info);
+    if (LibraryMessages::tellOfErasedEeprom()) {
+        return refuseImage(filePath, ExitCode::LengthOverLimit,
+                           QStringLiteral("the header gives no length, all its bits are set: the "
+                                          "EEPROM seems to be erased and was never written"));
+    }
     if (const Failure* failure = findFailure()) {
         return refuseImage(filePath, failure->exitCode, QString::fromLatin1(failure->meaning));
     }

@@ -33,12 +33,6 @@ std::optional<QByteArray> CleanUp::preview(const QByteArray& text)
     return contentOf(copy);
 }
 
-bool CleanUp::perform(const QString& filePath, const QByteArray& expected)
-{
-    IniFileManager::cleanUp(filePath);
-    return contentOf(filePath) == expected;
-}
-
 CleanUp::Changes CleanUp::changes(const QByteArray& before, const QByteArray& after)
 {
     const QList<QByteArray> oldLines = before.split('\n');

@@ -24,9 +24,6 @@ using Changes = QVector<Change>;
 // nothing if there cannot be a copy.
 std::optional<QByteArray> preview(const QByteArray& text);
 
-// Cleans the file up. Returns true if it then has the expected content.
-bool perform(const QString& filePath, const QByteArray& expected);
-
 // Returns the lines that differ. A clean-up adds no lines; it removes those after a zero byte.
 Changes changes(const QByteArray& before, const QByteArray& after);
 

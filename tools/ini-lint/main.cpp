@@ -9,6 +9,7 @@
 
 #include "common/CommandLine.h"
 #include "common/LibraryMessages.h"
+#include "common/WholeFile.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -64,9 +65,10 @@ void clean(const QString& filePath, const QByteArray& text, const Options& optio
                           QStringLiteral("only a regular file can be cleaned up"));
         return;
     }
-    if (mustWrite && !CleanUp::perform(filePath, *cleaned)) {
-        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up: it or its "
-                                                   "directory is not writable"));
+    // Not by a clean-up of the file itself, which would lose its owner and mode.
+    const QString trouble = mustWrite ? WholeFile::replace(filePath, *cleaned) : QString();
+    if (!trouble.isEmpty()) {
+        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up: ") + trouble);
         return;
     }
     report.addChanges(InputFiles::shownName(filePath), text, *cleaned, mustWrite);

@@ -13,9 +13,6 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QSaveFile>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 namespace {
 
 // A valid file has some hundred bytes; any other file need not be read to its end.
@@ -64,19 +61,6 @@ bool areValid(const QJsonArray& records)
     }
     const QJsonArray imported = indicator.asJsonArray();
     return isValid(imported.at(0).toObject()) && isValid(imported.at(1).toObject());
-}
-
-// A rename is on the disk only after the directory has been synced, which not every file system
-// supports.
-void syncDirectoryOf(const QString& path)
-{
-    const QString directory = QFileInfo(QFileInfo(path).canonicalFilePath()).path();
-    const int descriptor =
-        open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        fsync(descriptor);
-        close(descriptor);
-    }
 }
 
 } // namespace
@@ -135,13 +119,8 @@ ExitCode PeakFile::read(DragIndicator& indicator) const
 QString PeakFile::save(const DragIndicator& indicator) const
 {
     const QByteArray json = QJsonDocument(indicator.asJsonArray()).toJson();
-    // replace() also syncs the content.
     const QString trouble = WholeFile::replace(m_path, json);
-    if (!trouble.isEmpty()) {
-        return writeError(trouble);
-    }
-    syncDirectoryOf(m_path);
-    return QString();
+    return trouble.isEmpty() ? QString() : writeError(trouble);
 }
 
 ExitCode PeakFile::refuse(const QString& reason) const

@@ -1,0 +1,310 @@
+"""Drives emulated machines: QEMU, the commands on their console, and the socket through which QEMU is asked.
+
+Machine is any machine whose system is that of initramfs.py; Board is the one of script/board.
+
+    python3 tests/board/board.py [--cmdline WORDS] [--eeprom FILE]... [--with FILE]... [COMMAND...]
+"""
+
+import argparse
+import collections
+import json
+import os
+import pathlib
+import secrets
+import select
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import termios
+import time
+import tty
+
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+PARTS = PROJECT / "build/machine"
+QEMU = PARTS / "qemu"
+READY = b"machine: ready\n"
+# A line that is longer does not pass through the terminal of the machine.
+LONGEST_LINE = 4000
+
+Result = collections.namedtuple("Result", "code output")
+
+
+class MachineError(Exception):
+    """The machine or QEMU did something else than it was to do."""
+
+
+class Machine:
+    """An emulated machine; it ends with this object's process at the latest, and nothing of it stays.
+
+    architecture is QEMU's name of it ("arm", "x86_64"), arguments are QEMU's, which need name neither console
+    nor display. console_port is the number of the serial port that the kernel has as its console. Everything
+    that comes over the console is written into the file log. Waits end after timeout seconds.
+
+        with Machine("x86_64", ["-kernel", kernel, "-initrd", initramfs, "-append", "console=ttyS0"]) as machine:
+            machine.wait_until_ready()
+            code, output = machine.run("uname -a")
+            machine.qmp("device_add", driver="usb-storage", id="stick", drive="stick-node")
+    """
+
+    def __init__(self, architecture, arguments, console_port=0, log=None, timeout=300):
+        self.timeout = timeout
+        self._log = open(log or os.devnull, "ab", buffering=0)
+        self._received = b""
+        self._console, console = socket.socketpair()
+        self._monitor, monitor = socket.socketpair()
+        command = [
+            # QEMU is in namespaces of its own, and in a session of its own; it ends when this process does.
+            *["setpriv", "--pdeathsig", "KILL", "unshare", "--user", "--map-root-user", "--pid", "--fork"],
+            *["--kill-child", "--", str(QEMU / f"usr/bin/qemu-system-{architecture}")],
+            *["-L", str(QEMU / "usr/share/qemu"), "-L", str(QEMU / "usr/share/seabios")],
+            *["-nodefaults", "-display", "none", "-nic", "none"],
+            *["-chardev", f"socket,id=console,fd={console.fileno()}"],
+            *["-chardev", f"socket,id=monitor,fd={monitor.fileno()}", "-mon", "chardev=monitor,mode=control"],
+            *["-serial", "null"] * console_port,
+            *["-serial", "chardev:console"],
+            *map(str, arguments),
+        ]
+        libraries = [str(QEMU / "usr/lib"), str(QEMU / "lib")]
+        libraries = [f"{path}/{name}" for path in libraries for name in os.listdir(path) if name.endswith("-gnu")]
+        self._process = subprocess.Popen(
+            command,
+            stdin=subprocess.DEVNULL,
+            stdout=self._log,
+            stderr=self._log,
+            start_new_session=True,
+            pass_fds=(console.fileno(), monitor.fileno()),
+            env={**os.environ, "LD_LIBRARY_PATH": ":".join(libraries)},
+        )
+        console.close()
+        monitor.close()
+        self._answers = self._monitor.makefile("rb")
+        self._events = []
+        self._monitor.settimeout(self.timeout)
+        self._answer()  # the greeting
+        self.qmp("qmp_capabilities")
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.stop()
+
+    def stop(self):
+        """Takes the power away: what the machine has not written is lost."""
+        self._process.kill()
+        self._process.wait()
+        # QEMU ends a little later, and its end of the console with it: the disks are its own until then.
+        try:
+            while self._console.recv(65536):
+                pass
+        except ConnectionError:
+            pass
+        self._answers.close()
+        self._console.close()
+        self._monitor.close()
+        self._log.close()
+
+    # --- QEMU
+
+    def _answer(self):
+        line = self._answers.readline()
+        if not line:
+            raise MachineError(f"QEMU has ended with code {self._process.wait()}")
+        return json.loads(line)
+
+    def qmp(self, command, **arguments):
+        """Has QEMU execute a command of its QMP; underscores in the names of arguments stand for dashes."""
+        named = {name.replace("_", "-"): value for name, value in arguments.items()}
+        self._monitor.sendall(json.dumps({"execute": command, "arguments": named}).encode())
+        while True:
+            answer = self._answer()
+            if "return" in answer:
+                return answer["return"]
+            if "error" in answer:
+                raise MachineError(f"{command}: {answer['error']['desc']}")
+            self._events.append(answer)
+
+    def wait_for_event(self, name):
+        """Waits for an event of QEMU, such as DEVICE_DELETED, and forgets it and those before it."""
+        while True:
+            event = self._events.pop(0) if self._events else self._answer()
+            if event.get("event") == name:
+                return
+
+    # --- the console
+
+    def _receive(self, deadline):
+        wait = deadline - time.monotonic()
+        if wait <= 0 or not select.select([self._console], [], [], wait)[0]:
+            raise MachineError(f"the machine did not answer in time; the last that it said: {self._tail()}")
+        data = self._console.recv(65536)
+        if not data:
+            raise MachineError(f"QEMU has ended with code {self._process.wait()}; at last: {self._tail()}")
+        self._log.write(data)
+        self._received += data
+
+    def _tail(self):
+        return self._received[-2000:].decode(errors="replace")
+
+    def _take(self, end):
+        """What was received up to a text, which is dropped."""
+        taken, self._received = self._received[:end[0]], self._received[end[1]:]
+        return taken
+
+    def wait_until_ready(self, timeout=None):
+        """Waits until the machine takes commands, after the power came or a restart began."""
+        deadline = time.monotonic() + (timeout or self.timeout)
+        while READY not in self._received:
+            self._receive(deadline)
+        start = self._received.index(READY)
+        self._take((start, start + len(READY)))
+
+    def _send(self, text):
+        if any(len(line.encode()) > LONGEST_LINE for line in text.split("\n")):
+            raise MachineError(f"a line of the command is longer than {LONGEST_LINE} bytes")
+        self._console.sendall(text.encode())
+
+    def run(self, command, timeout=None):
+        """Runs a script of the machine's shell; returns its exit code and what it printed, on either stream."""
+        deadline = time.monotonic() + (timeout or self.timeout)
+        word = "end-" + secrets.token_hex(8)
+        self._send(
+            f"cat >/run/command <<'{word}'\n{command}\n{word}\n"
+            # Through a pipe: programs show a terminal other things.
+            "{ sh /run/command </dev/null 2>&1; echo $? >/run/code; } | cat; "
+            f"printf '\\n%s %d\\n' {word} $(cat /run/code)\n"
+        )
+        end = b"\n" + word.encode() + b" "
+        while end not in self._received or b"\n" not in self._received.split(end)[1]:
+            self._receive(deadline)
+            if READY in self._received:
+                raise MachineError(f"the machine restarted during: {command}")
+        start = self._received.index(end)
+        stop = self._received.index(b"\n", start + len(end))
+        code = int(self._received[start + len(end):stop])
+        return Result(code, self._take((start, stop + 1)).decode(errors="replace"))
+
+    def check(self, command, timeout=None):
+        """Runs a script that has to succeed; returns what it printed."""
+        code, output = self.run(command, timeout)
+        if code != 0:
+            raise MachineError(f"exit code {code}: {command}\n{output}")
+        return output
+
+    def restart(self, command="reboot"):
+        """Restarts the machine from within, as a user would; it has its disks again afterwards."""
+        self._send(f"{command} >/dev/null 2>&1 </dev/null\n")
+        self.wait_until_ready()
+
+    def interact(self, terminal):
+        """Connects a terminal with a shell on the machine, until that shell ends; returns its exit code."""
+        # Begins with a character that nobody types.
+        end = b"\x1e" + secrets.token_hex(8).encode()
+        self._send(
+            # One line: a further one would be input of that shell.
+            "stty sane; cd /root; setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
+            f"stty -echo -onlcr -isig; printf '\\036%s%d\\n' {end[1:].decode()} $code\n"
+        )
+        before = termios.tcgetattr(terminal)
+        tty.setraw(terminal)
+        try:
+            while end not in self._received or not self._received.endswith(b"\n"):
+                for source in select.select([self._console, terminal], [], [])[0]:
+                    if source == terminal:
+                        self._console.sendall(os.read(terminal, 4096))
+                        continue
+                    size = len(self._received)
+                    self._receive(time.monotonic() + self.timeout)
+                    if end[:1] not in self._received[:size]:
+                        os.write(terminal, self._received[size:].split(end[:1])[0])
+        finally:
+            termios.tcsetattr(terminal, termios.TCSADRAIN, before)
+        return int(self._received.split(end)[1])
+
+
+class Board(Machine):
+    """The emulated board, with an SD card and EEPROMs that are files of the caller; 1970 begins at its start.
+
+    cmdline has further words of the kernel's command line, at its end.
+    """
+
+    # Type of the chip by its size in bytes; the first one is at address 0x50 of the bus.
+    EEPROMS = {256: "24c02", 4096: "24c32", 65536: "24c512"}
+
+    def __init__(self, card, eeproms=(), cmdline="", log=None, timeout=300):
+        (kernel,) = (PARTS / "armhf/kernel/boot").glob("vmlinuz-*")
+        (tree,) = (PARTS / "armhf/kernel").rglob("imx6q-sabrelite.dtb")
+        words = ["console=ttymxc1,115200", "panic=-1", "quiet", "root=/dev/mmcblk3"]
+        arguments = ["-M", "sabrelite", "-m", "512", "-kernel", kernel, "-dtb", tree]
+        arguments += ["-initrd", PARTS / "board/initramfs"]
+        arguments += ["-drive", f"if=none,id=card,format=raw,cache=writeback,file={card}"]
+        arguments += ["-device", "sd-card,drive=card"]
+        types = []
+        for number, eeprom in enumerate(eeproms):
+            size = os.path.getsize(eeprom)
+            types.append(self.EEPROMS[size])
+            arguments += ["-blockdev", f"driver=file,node-name=eeprom{number},filename={eeprom}"]
+            arguments += ["-device", f"at24c-eeprom,bus=i2c-bus.1,address={0x50 + number},"
+                          f"drive=eeprom{number},rom-size={size}"]
+        if types:
+            words.append("board.eeproms=" + ",".join(types))
+        arguments += ["-append", " ".join([*words, cmdline]).strip()]
+        super().__init__("arm", arguments, console_port=1, log=log, timeout=timeout)
+
+    def set_clock(self):
+        """Gives the board the time of this machine."""
+        self.check(f"date -u -s @{int(time.time())}")
+
+
+def make_eeprom(path, size=4096):
+    """Makes an erased EEPROM."""
+    pathlib.Path(path).write_bytes(b"\xff" * size)
+    return path
+
+
+def make_card(path, files=()):
+    """Makes an SD card with today's packages, and with further files in /root."""
+    shutil.copyfile(PARTS / "board/root.img", path)
+    for file in files:
+        name = pathlib.Path(file).name
+        debugfs = ["debugfs", "-w", "-R", f'write "{file}" "/root/{name}"', str(path)]
+        answer = subprocess.run(debugfs, check=True, capture_output=True, text=True).stderr
+        if len(answer.splitlines()) > 1:  # one line is its version
+            raise MachineError(f"{file} cannot be copied onto the SD card: {answer}")
+    return path
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--cmdline", default="")
+    parser.add_argument("--eeprom", action="append", default=[])
+    parser.add_argument("--with", action="append", default=[], dest="files")
+    parser.add_argument("command", nargs="*")
+    arguments = parser.parse_args()
+    command = " ".join(arguments.command)
+    if not command and not sys.stdin.isatty():
+        command = sys.stdin.read()
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
+    with tempfile.TemporaryDirectory() as directory:
+        log = f"{directory}/console.log"
+        try:
+            card = make_card(f"{directory}/card.img", arguments.files)
+            eeproms = arguments.eeprom or [make_eeprom(f"{directory}/eeprom.img")]
+            with Board(card, eeproms, arguments.cmdline, log) as board:
+                board.wait_until_ready()
+                board.set_clock()
+                if not command:
+                    return board.interact(sys.stdin.fileno())
+                code, output = board.run(command, timeout=24 * 3600)
+                sys.stdout.write(output)
+                return code
+        except (MachineError, OSError, subprocess.CalledProcessError) as error:
+            print(f"script/board: {error}", file=sys.stderr)
+            return 125
+
+
+if __name__ == "__main__":
+    sys.exit(main())
