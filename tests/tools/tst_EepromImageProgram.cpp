@@ -506,19 +506,25 @@ void tst_EepromImageProgram::keepsOwnerAndMode()
 
 void tst_EepromImageProgram::saysWhenTheOwnerIsLost()
 {
-    if (geteuid() != 0) {
-        MISCTOOLS_SKIP("only root has files of two owners");
-    }
     writeFile(QStringLiteral("board.ini"), boardText);
     const QByteArray image = writeFile(QStringLiteral("eeprom"), "old").toLocal8Bit();
     QCOMPARE(chmod(image.constData(), 0666), 0);
     QCOMPARE(chmod(folder().toLocal8Bit().constData(), 0777), 0);
-    const ProgramResult result =
-        ProgramRun(QStringLiteral("setpriv"),
-                   {"--reuid=4711", "--regid=815", "--clear-groups",
-                    QStringLiteral(EEPROM_IMAGE_PROGRAM), "create", "board.ini", "eeprom"},
-                   folder())
-            .finish();
+    // In a user namespace without a mapping nobody can be given a file, not even by its owner.
+    const QStringList otherUser =
+        geteuid() == 0 ? QStringList{"setpriv", "--reuid=4711", "--regid=815", "--clear-groups"}
+                       : QStringList{"unshare", "--user"};
+    if (ProgramRun(otherUser.constFirst(), otherUser.mid(1) << "true", folder())
+            .finish()
+            .exitCode != 0) {
+        MISCTOOLS_SKIP("this user cannot have a user namespace");
+    }
+    const ProgramResult result = ProgramRun(otherUser.constFirst(),
+                                            otherUser.mid(1) << EEPROM_IMAGE_PROGRAM << "create"
+                                                             << "board.ini"
+                                                             << "eeprom",
+                                            folder())
+                                     .finish();
     QCOMPARE(result.errors,
              QStringLiteral("eeprom-image: eeprom: owner, group and mode could not all be kept\n"));
     QCOMPARE(result.exitCode, 0);
@@ -540,15 +546,14 @@ void tst_EepromImageProgram::othersThanFilesAreNotReplaced()
     QFETCH(int, type);
     writeFile(QStringLiteral("board.ini"), boardText);
     const QByteArray target = path(QStringLiteral("target")).toLocal8Bit();
-    // The device is one that is always full, as /dev/full.
-    if (mknod(target.constData(), mode_t(type) | 0600, makedev(1, 7)) != 0) {
-        MISCTOOLS_SKIP("this user cannot make a device node");
-    }
+    // The device is one that is always full, /dev/full; only root can create another node for it.
+    const bool isNode = mknod(target.constData(), mode_t(type) | 0600, makedev(1, 7)) == 0;
+    QVERIFY(isNode || QFile::link(QStringLiteral("/dev/full"), path(QStringLiteral("target"))));
     verifyResult(run({"create", "board.ini", "target"}), 4, QString(),
                  QStringLiteral("eeprom-image: target: it is no regular file and is not replaced\n"
                                 "eeprom-image: to write into a device, give --in-place\n"));
     struct stat status = {};
-    QCOMPARE(lstat(target.constData(), &status), 0);
+    QCOMPARE(stat(target.constData(), &status), 0);
     QCOMPARE(int(status.st_mode & S_IFMT), type);
 }
 
