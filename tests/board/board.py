@@ -228,31 +228,50 @@ class Machine:
 class Board(Machine):
     """The emulated board, with an SD card and EEPROMs that are files of the caller; 1970 begins at its start.
 
-    cmdline has further words of the kernel's command line, at its end.
+    The first EEPROM is at address 0x50 of the bus. One that is None has 256 bytes, which are zero when the power
+    comes: QEMU takes files of whole sectors alone. cmdline has further words of the kernel's command line.
     """
 
-    # Type of the chip by its size in bytes; the first one is at address 0x50 of the bus.
-    EEPROMS = {256: "24c02", 4096: "24c32", 65536: "24c512"}
+    # The chip and its page by its size in bytes.
+    EEPROMS = {256: ("atmel,24c02", 8), 4096: ("atmel,24c32", 32), 65536: ("atmel,24c512", 128)}
 
     def __init__(self, card, eeproms=(), cmdline="", log=None, timeout=300):
         (kernel,) = (PARTS / "armhf/kernel/boot").glob("vmlinuz-*")
         (tree,) = (PARTS / "armhf/kernel").rglob("imx6q-sabrelite.dtb")
+        tree = shutil.copyfile(tree, f"{card}.dtb")
         words = ["console=ttymxc1,115200", "panic=-1", "quiet", "root=/dev/mmcblk3"]
         arguments = ["-M", "sabrelite", "-m", "512", "-kernel", kernel, "-dtb", tree]
         arguments += ["-initrd", PARTS / "board/initramfs"]
         arguments += ["-drive", f"if=none,id=card,format=raw,cache=writeback,file={card}"]
         arguments += ["-device", "sd-card,drive=card"]
-        types = []
-        for number, eeprom in enumerate(eeproms):
-            size = os.path.getsize(eeprom)
-            types.append(self.EEPROMS[size])
-            arguments += ["-blockdev", f"driver=file,node-name=eeprom{number},filename={eeprom}"]
-            arguments += ["-device", f"at24c-eeprom,bus=i2c-bus.1,address={0x50 + number},"
-                          f"drive=eeprom{number},rom-size={size}"]
-        if types:
-            words.append("board.eeproms=" + ",".join(types))
+        for address, eeprom in enumerate(eeproms, start=0x50):
+            size = 256
+            drive = ""
+            if eeprom is not None:
+                size = os.path.getsize(eeprom)
+                drive = f",drive=eeprom{address}"
+                arguments += ["-blockdev", f"driver=file,node-name=eeprom{address},filename={eeprom}"]
+            if size not in self.EEPROMS:
+                raise MachineError(f"{eeprom} has {size} bytes, which no EEPROM here has")
+            arguments += ["-device", f"at24c-eeprom,bus=i2c-bus.1,address={address},rom-size={size}{drive}"]
+            self._describe_eeprom(tree, address, *self.EEPROMS[size])
         arguments += ["-append", " ".join([*words, cmdline]).strip()]
         super().__init__("arm", arguments, console_port=1, log=log, timeout=timeout)
+
+    @staticmethod
+    def _describe_eeprom(tree, address, chip, page):
+        """Writes an EEPROM into the device tree, from which the kernel's driver knows it."""
+
+        def put(kind, key, value):
+            subprocess.run(["fdtput", "-t", kind, tree, node, key, str(value)], check=True)
+
+        alias = ["fdtget", tree, "/aliases", "i2c1"]
+        bus = subprocess.run(alias, check=True, capture_output=True, text=True).stdout.strip()
+        node = f"{bus}/eeprom@{address:x}"
+        subprocess.run(["fdtput", "-c", tree, node], check=True)
+        put("s", "compatible", chip)
+        put("u", "reg", address)
+        put("u", "pagesize", page)
 
     def set_clock(self):
         """Gives the board the time of this machine."""

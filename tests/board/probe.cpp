@@ -85,9 +85,9 @@ int settings(const QStringList& arguments)
     return 0;
 }
 
-// Follows the folder of a medium for some seconds, says what comes, and whether descriptors stay. MediaWatcher
-// and the worker search anew whenever the folder changes; so they do once when the file "mounted" appears
-// below /run, as the application is told of a medium.
+// Follows the folder of a medium until there is the file /run/end; says what comes, and whether descriptors
+// stay. MediaWatcher and the worker search when the folder changes, and when the file /run/mounted appears,
+// which stands for what tells an application of a mount; it watches the folder anew then.
 class Medium : public QObject
 {
 public:
@@ -123,8 +123,6 @@ public:
                 });
     }
 
-    void unwatch() { m_directories.reset(); }
-
 private:
     QString m_folder;
     MediaWatcher m_media;
@@ -140,7 +138,6 @@ int medium(const QStringList& arguments)
         medium.watch();
         QTimer timer;
         bool wasMounted = false;
-        // What tells an application of a mount: udev, or a service of the device.
         QObject::connect(&timer, &QTimer::timeout, [&] {
             if (QFile::exists(QStringLiteral("/run/end"))) {
                 QCoreApplication::quit();
@@ -148,7 +145,6 @@ int medium(const QStringList& arguments)
             const bool isMounted = QFile::exists(mounted);
             if (isMounted != wasMounted) {
                 wasMounted = isMounted;
-                medium.unwatch();
                 say(isMounted ? QStringLiteral("mounted") : QStringLiteral("gone"));
                 if (isMounted) {
                     medium.watch();
