@@ -97,7 +97,7 @@ class Bench:
 
     def pull(self, name):
         self.machine.qmp("device_del", id=f"usb-{name}")
-        self.machine.wait_for_event("DEVICE_DELETED")
+        self.machine.wait_for_event("DEVICE_DELETED", device=f"usb-{name}")
         self.machine.qmp("blockdev-del", node_name=name)
         self.wait_for("[ ! -b /dev/sd? ]")
 
@@ -220,7 +220,7 @@ def boot_read_only(bench):
     bench.output("mount -o remount,rw / && touch /orvalis-reboot /orvalis/etc/orvalis-first-boot && "
                  "mount -o remount,ro /")
     bench.expect(MODE + " --delete-update-marker --delete-reboot-marker",
-                 'Error on removing firmware update marker!\nUnable to remove file:  "/orvalis-reboot"\n'
+                 'Error on removing firmware update marker!\nUnable to remove file: "/orvalis-reboot"\n'
                  "firmware update")
     bench.expect(PRODUCT_WITH_HARD_RESET + MODE, "firmware update")
 
@@ -246,16 +246,16 @@ def media(bench):
                      "echo x >/mnt/4.csv; echo x >/mnt/5.txt; sync")
         expect_lines(("probe", "directory watcher: /mnt", 1), ("probe", "media watcher: 4 files", 1),
                      ("probe", "worker: 4 files", 1), ("watch", "+ 4.csv", 1), ("watch", "+ 2026/3.csv", 1))
-        # Nothing holds the medium.
+        # Nothing holds the medium; its end is a change of the folder.
         bench.output("umount /mnt && rm /run/mounted")
-        expect_lines(("probe", "gone", 1), ("watch", "medium removed", 1))
+        expect_lines(("probe", "gone", 1), ("probe", "directory watcher: /mnt", 2), ("watch", "medium removed", 1))
         bench.output("mount -t vfat /dev/sda /mnt && touch /run/mounted")
         expect_lines(("probe", "mounted", 2), ("probe", "media watcher: 4 files", 2), ("watch", "medium mounted", 2),
                      ("watch", "/mnt: 4 files (*.csv)", 1))
         # Without warning: the programs are told when the system unmounts it.
         bench.pull("stick")
         bench.output("! ls /mnt/2026 || true; umount /mnt && rm /run/mounted")
-        expect_lines(("probe", "gone", 2), ("watch", "medium removed", 2))
+        expect_lines(("probe", "gone", 2), ("probe", "directory watcher: /mnt", 3), ("watch", "medium removed", 2))
         bench.plug_in("other-stick")
         bench.output("mkdosfs /dev/sda && mount -t vfat /dev/sda /mnt && touch /mnt/other.csv && touch /run/mounted")
         expect_lines(("probe", "mounted", 3), ("probe", "media watcher: 1 files", 1), ("probe", "worker: 1 files", 1),
@@ -306,8 +306,26 @@ def settings_two_processes(bench):
     bench.expect("ls /root | grep u.ini", "u.ini")
 
 
+def settings_pulled_stick(bench):
+    """a file on a stick that is pulled: every write ends in an I/O error, and the last file is on the stick"""
+    bench.plug_in("settings-stick")
+    bench.output("mke2fs /dev/sda && mount -t ext4 -o errors=remount-ro /dev/sda /mnt && touch /mnt/y.ini")
+    bench.expect("/root/board-probe settings /mnt/y.ini a 3", "3 of 3 in the file")
+    bench.output("sync")
+    bench.pull("settings-stick")
+    bench.expect_words("/root/board-probe settings /mnt/y.ini b 3", "0 of 3 in the file")
+    bench.expect_words("dmesg | tail -n 50", "I/O error")
+    bench.output("umount /mnt")
+    bench.plug_in("settings-stick")
+    bench.output("mount -t ext4 /dev/sda /mnt")
+    bench.expect("/root/board-probe settings /mnt/y.ini b 3", "3 of 3 in the file")
+    bench.expect("grep -c = /mnt/y.ini", "6")
+    bench.output("umount /mnt")
+    bench.pull("settings-stick")
+
+
 def settings_remount(bench):
-    """a file system that turned read-only after an error (errors=remount-ro) keeps the file as it was"""
+    """a file system that turned read-only after an error of its own (errors=remount-ro) keeps the file"""
     bench.output("mount -o remount,rw /; rm -f /root/w.ini; touch /root/w.ini; sync")
     bench.expect("/root/board-probe settings /root/w.ini a 3", "3 of 3 in the file")
     bench.output("cp /root/w.ini /tmp/before.ini; sync; echo test >/sys/fs/ext4/mmcblk3/trigger_fs_error; "
@@ -320,8 +338,9 @@ def settings_remount(bench):
 
 def texts_of_the_kernel(bench):
     """the text matcher reads files of /proc and /sys, which have no size"""
+    memory = bench.output("awk '/^MemTotal/ { print $2 }' /proc/meminfo").strip()
     for path, expression, words in (
-        ("/proc/meminfo", r"MemTotal: *(\d+)", '1 matches, the last one "50'),
+        ("/proc/meminfo", r"MemTotal: *(\d+)", f'1 matches, the last one "{memory}", no error'),
         ("/proc/cmdline", r"orvalismode=(\w+)", '1 matches, the last one "factoryreset", no error'),
         ("/sys/class/net/lo/address", r"^(\S+)", '1 matches, the last one "00:00:00:00:00:00", no error'),
         ("/sys/none", r"x", "0 matches, the last one \"\", File doesn't exists: /sys/none"),
@@ -375,8 +394,8 @@ def start_up(bench):
 STARTS = [
     ("log_buf_len=4M orvalismode=factoryreset splash",
      [boot_factory_reset, boot_product_code, eeprom_erased, eeprom_create, eeprom_small, eeprom_bus,
-      texts_of_the_kernel, kernel_log, process_out_of_memory, start_up, media, settings_full_disk, settings_1970,
-      settings_two_processes, boot_markers]),
+      texts_of_the_kernel, kernel_log, process_out_of_memory, start_up, media, settings_pulled_stick,
+      settings_full_disk, settings_1970, settings_two_processes, boot_markers]),
     ("ro orvalismode=factoryreset",
      [eeprom_after_power_off, boot_last_word, boot_read_only, eeprom_flipped_bit, settings_remount]),
 ]

@@ -127,11 +127,11 @@ class Machine:
                 raise MachineError(f"{command}: {answer['error']['desc']}")
             self._events.append(answer)
 
-    def wait_for_event(self, name):
-        """Waits for an event of QEMU, such as DEVICE_DELETED, and forgets it and those before it."""
+    def wait_for_event(self, name, **data):
+        """Waits for an event of QEMU with these data among its own; forgets it and those before it."""
         while True:
             event = self._events.pop(0) if self._events else self._answer()
-            if event.get("event") == name:
+            if event.get("event") == name and data.items() <= event["data"].items():
                 return
 
     # --- the console

@@ -1,5 +1,5 @@
-// Uses the library's classes on a board, one per command, and prints what they answer, a line for each event.
-// What the library logs is on standard error, as Qt writes it.
+// Uses the library's classes on a board, one per command, and prints what they answer, a line for
+// each event. What the library logs is on standard error, as Qt writes it.
 
 #include <BootInformationHelper.h>
 #include <DirectoryWatcher.h>
@@ -30,7 +30,8 @@ void say(const QString& line)
 int openDescriptors()
 {
     // The listing itself has one.
-    return int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System).size()) - 1;
+    return int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System).size()) -
+           1;
 }
 
 int boot(const QStringList& arguments)
@@ -59,8 +60,8 @@ int boot(const QStringList& arguments)
     return 0;
 }
 
-// Sets a number under a key so many times, with a sync() after each; says how many of the values a new reader
-// of the file finds afterwards.
+// Sets a number under a key so many times, with a sync() after each; says how many of the values a
+// new reader of the file finds afterwards.
 int settings(const QStringList& arguments)
 {
     const QString& path = arguments.at(0);
@@ -85,9 +86,10 @@ int settings(const QStringList& arguments)
     return 0;
 }
 
-// Follows the folder of a medium until there is the file /run/end; says what comes, and whether descriptors
-// stay. MediaWatcher and the worker search when the folder changes, and when the file /run/mounted appears,
-// which stands for what tells an application of a mount; it watches the folder anew then.
+// Follows the folder of a medium until there is the file /run/end; says what comes, and whether
+// descriptors stay. MediaWatcher and the worker search when the folder changes, and when the file
+// /run/mounted appears, which stands for what tells an application of a mount; it watches the
+// folder anew then.
 class Medium : public QObject
 {
 public:
@@ -168,9 +170,10 @@ int text(const QStringList& arguments)
     clock.start();
     TextFileParser parser(arguments.at(0));
     const QStringList matches = parser.multiMatch(QRegularExpression(arguments.at(1)));
-    say(QStringLiteral("%1 matches, the last one \"%2\", %3").arg(matches.size()).arg(
-        matches.isEmpty() ? QString() : matches.last(),
-        parser.hasError() ? parser.getLastError() : QStringLiteral("no error")));
+    say(QStringLiteral("%1 matches, the last one \"%2\", %3")
+            .arg(matches.size())
+            .arg(matches.isEmpty() ? QString() : matches.last(),
+                 parser.hasError() ? parser.getLastError() : QStringLiteral("no error")));
     std::fprintf(stderr, "%lld ms\n", static_cast<long long>(clock.elapsed()));
     return 0;
 }
@@ -181,10 +184,11 @@ int process(const QStringList& arguments)
     QProcessHandler handler;
     handler.setWaitForFinishedTimeout(arguments.at(0).toInt());
     const int exitCode = handler.startProcess(arguments.at(1), arguments.mid(2));
-    say(QStringLiteral("exit code %1, %2, %3 characters").arg(exitCode)
-        .arg(handler.getLastExitStatus() == QProcess::CrashExit ? QStringLiteral("crashed")
-                                                                : QStringLiteral("ended"))
-        .arg(handler.getStandardOutput().size()));
+    say(QStringLiteral("exit code %1, %2, %3 characters")
+            .arg(exitCode)
+            .arg(handler.getLastExitStatus() == QProcess::CrashExit ? QStringLiteral("crashed")
+                                                                    : QStringLiteral("ended"))
+            .arg(handler.getStandardOutput().size()));
     return 0;
 }
 

@@ -57,7 +57,8 @@ extern "C" __attribute__((visibility("default"))) int statfs(const char* path,
     return status;
 }
 
-extern "C" __attribute__((visibility("default"))) off64_t lseek64(int file, off64_t offset, int from)
+extern "C" __attribute__((visibility("default"))) off64_t lseek64(int file, off64_t offset,
+                                                                  int from)
 {
     char path[4096] = "";
     struct stat64 status = {};

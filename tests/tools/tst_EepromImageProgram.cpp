@@ -625,9 +625,10 @@ void tst_EepromImageProgram::unreachableStartAddressOfAnEeprom_data()
         << damaged << "show" << 13
         << "the start address of the block cannot be reached: it is beyond the end of the EEPROM, "
            "or the file is a pipe or a device that cannot be positioned";
-    QTest::newRow("damaged, verify") << damaged << "verify" << 13
-                                     << "the start address at 24 is 16384, which cannot be reached: "
-                                        "the header is damaged";
+    QTest::newRow("damaged, verify")
+        << damaged << "verify" << 13
+        << "the start address at 24 is 16384, which cannot be reached: "
+           "the header is damaged";
 }
 
 // A file of sysfs refuses addresses beyond its end, where other files do not.

@@ -18,8 +18,9 @@ int count();
 bool anyStartsWith(const QString& text);
 bool anyContains(const QString& text);
 
-// Whether they say that the bytes of an EEPROM's header are those of an erased one. In a file of sysfs the
-// start address, all bits set, cannot be reached; in other files the length is over the limit.
+// Whether they say that the bytes of an EEPROM's header are those of an erased one. In a file of
+// sysfs the start address, all bits set, cannot be reached; in other files the length is over the
+// limit.
 bool tellOfErasedEeprom();
 
 } // namespace LibraryMessages
