@@ -200,29 +200,39 @@ class Machine:
         self.wait_until_ready()
 
     def interact(self, terminal):
-        """Connects a terminal with a shell on the machine, until that shell ends; returns its exit code."""
+        """Connects a terminal with a shell on the machine until that shell ends; returns its exit code.
+
+        After a restart of the machine there is a new shell.
+        """
         # Begins with a character that nobody types.
         end = b"\x1e" + secrets.token_hex(8).encode()
-        self._send(
-            # One line: a further one would be input of that shell.
-            "stty sane; cd /root; setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
-            f"stty -echo -onlcr -isig; printf '\\036%s%d\\n' {end[1:].decode()} $code\n"
-        )
         before = termios.tcgetattr(terminal)
         tty.setraw(terminal)
         try:
-            while end not in self._received or not self._received.endswith(b"\n"):
-                for source in select.select([self._console, terminal], [], [])[0]:
-                    if source == terminal:
-                        self._console.sendall(os.read(terminal, 4096))
-                        continue
-                    size = len(self._received)
-                    self._receive(time.monotonic() + self.timeout)
-                    if end[:1] not in self._received[:size]:
-                        os.write(terminal, self._received[size:].split(end[:1])[0])
+            while True:
+                self._received = b""
+                self._send(
+                    # One line: a further one would be input of that shell.
+                    "stty sane; cd /root; setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
+                    f"stty -echo -onlcr -isig; printf '\\036%s%d\\n' {end[1:].decode()} $code\n"
+                )
+                while READY not in self._received:
+                    self._copy(terminal, end[:1])
+                    if end in self._received and self._received.endswith(b"\n"):
+                        return int(self._received.split(end)[1])
         finally:
             termios.tcsetattr(terminal, termios.TCSADRAIN, before)
-        return int(self._received.split(end)[1])
+
+    def _copy(self, terminal, end):
+        """Copies what comes from either side to the other one; nothing from the machine after a text that ends it."""
+        for source in select.select([self._console, terminal], [], [])[0]:
+            if source == terminal:
+                self._console.sendall(os.read(terminal, 4096))
+                continue
+            size = len(self._received)
+            self._receive(time.monotonic() + self.timeout)
+            if end not in self._received[:size]:
+                os.write(terminal, self._received[size:].split(end)[0])
 
 
 class Board(Machine):
