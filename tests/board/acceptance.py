@@ -279,11 +279,13 @@ def settings_full_disk(bench):
     bench.expect("/root/board-probe settings /root/s.ini a 3", "3 of 3 in the file")
     bench.output("cp /root/s.ini /tmp/before.ini; dd if=/dev/zero of=/root/fill bs=1M 2>/dev/null; "
                  "cat /dev/zero >>/root/fill 2>/dev/null; sync")
-    bench.expect_words("df / | tail -n 1", "100%")
-    bench.expect("/root/board-probe settings /root/s.ini b 3", "0 of 3 in the file")
-    bench.output("cmp /root/s.ini /tmp/before.ini")
-    bench.expect("ls -A /root | grep s.ini", "s.ini")
-    bench.output("rm /root/fill; sync")
+    try:
+        bench.expect_words("df / | tail -n 1", "100%")
+        bench.expect("/root/board-probe settings /root/s.ini b 3", "0 of 3 in the file")
+        bench.output("cmp /root/s.ini /tmp/before.ini")
+        bench.expect("ls -A /root | grep s.ini", "s.ini")
+    finally:
+        bench.output("rm /root/fill; sync")
     bench.expect("/root/board-probe settings /root/s.ini b 3", "3 of 3 in the file")
 
 
@@ -409,11 +411,9 @@ def run_case(bench, case, cmdline, output):
     reason = None
     try:
         case(bench)
-    except Failure as failure:
-        reason = str(failure)
-    except (MachineError, OSError, ValueError) as error:
+    except (Failure, MachineError, OSError, ValueError) as error:
         reason = str(error)
-        # Those after it have a board that answers.
+        # Those after it have a board that answers, and nothing mounted or plugged in.
         bench.power_off()
         bench.power_on(cmdline)
     verdict = "passed" if reason is None else "FAILED"
