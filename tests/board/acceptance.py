@@ -2,8 +2,9 @@
 
     python3 tests/board/acceptance.py OUTPUT-DIRECTORY [CASE...]
 
-A start of the board takes up to half a minute, so that many cases share one (see STARTS). A case that fails leaves what it saw in OUTPUT-DIRECTORY/CASE.log, beside the
-console of the board, console.log. Without CASEs all of them run.
+A start of the board takes up to half a minute, so that many cases share one (see STARTS). A case that
+fails leaves what it saw in OUTPUT-DIRECTORY/CASE.log, beside the console of the board, console.log. Without
+CASEs all of them run.
 """
 
 import pathlib
@@ -13,6 +14,7 @@ import sys
 import tempfile
 import time
 
+sys.dont_write_bytecode = True
 import board
 from board import PROJECT, MachineError
 
@@ -34,8 +36,8 @@ class Bench:
     def __init__(self, directory, output):
         self._directory = pathlib.Path(directory)
         self._output = pathlib.Path(output)
-        self.card = board.make_card(self._path("card.img"), [PROGRAMS / "board-probe", PROGRAMS / "board-start",
-                                                           PROGRAMS / "board-start-qt", SAMPLE])
+        programs = [PROGRAMS / name for name in ("board-probe", "board-start", "board-start-qt")]
+        self.card = board.make_card(self._path("card.img"), [*programs, SAMPLE])
         self.small_eeprom = board.make_eeprom(self._path("eeprom.img"), 4096)
         self.large_eeprom = board.make_eeprom(self._path("large-eeprom.img"), 65536)
         self.machine = None
@@ -84,8 +86,8 @@ class Bench:
 
     def wait_for(self, command, seconds=120):
         """Has the board wait until a command succeeds."""
-        self.output(f"for i in $(seq {seconds * 5}); do {{ {command}; }} >/dev/null 2>&1 && exit 0; sleep 0.2; done; "
-                    f"exit 1")
+        self.output(f"for i in $(seq {seconds * 5}); do\n"
+                    f"    {{ {command}; }} >/dev/null 2>&1 && exit 0\n    sleep 0.2\ndone\nexit 1")
 
     def plug_in(self, name):
         path = self._path(name)
@@ -129,17 +131,19 @@ def eeprom_create(bench):
     """eeprom-image create writes into the kernel's file; the record can be read again"""
     for eeprom in (EEPROMS[0], EEPROMS[2]):
         bench.expect_words(f"eeprom-image create /root/sample-board.ini {eeprom}", "287 bytes written")
-        bench.expect_words(f"eeprom-image show --json {eeprom}", '"typeName": "Sample board"', '"type": "4711"')
+        bench.expect_words(f"eeprom-image show --json {eeprom}",
+                           '"typeName": "Sample board"', '"type": "4711"')
         bench.output(f"eeprom-image verify {eeprom}")
         bench.expect(f"eeprom-image extract {eeprom} | cmp - /root/sample-board.ini", "")
-        bench.expect_words(f"device-report --eeprom {eeprom}", "board type name:                 Sample board", code=1)
+        bench.expect_words(f"device-report --eeprom {eeprom}",
+                           "board type name:                 Sample board", code=1)
 
 
 def eeprom_small(bench):
     """an image that is too large for 256 bytes changes nothing; a smaller one fits"""
     eeprom = EEPROMS[1]
-    bench.expect_words(f"eeprom-image create /root/sample-board.ini {eeprom}", "room for 256 bytes", "nothing was written",
-                       code=4)
+    bench.expect_words(f"eeprom-image create /root/sample-board.ini {eeprom}",
+                       "room for 256 bytes", "nothing was written", code=4)
     bench.expect_words(f"eeprom-image verify {eeprom}", ERASED, code=14)
     bench.output("printf 'Type=1\\nTypeName=Small\\nVersion=2\\n' >/tmp/small.ini")
     bench.output(f"eeprom-image create /tmp/small.ini {eeprom}")
@@ -150,8 +154,9 @@ def eeprom_bus(bench):
     """the library asks the bus for header and block alone: 16 and 251 bytes"""
     trace = "/sys/kernel/tracing"
     for program in (f"eeprom-image show {EEPROMS[0]}", f"device-report --eeprom {EEPROMS[0]}"):
-        bench.run(f"mount -t tracefs tracefs {trace}; echo >{trace}/trace; echo 1 >{trace}/events/i2c/enable; "
-                  f"{program} >/dev/null; echo 0 >{trace}/events/i2c/enable")
+        bench.run(f"mount -t tracefs tracefs {trace}; echo >{trace}/trace; "
+                  f"echo 1 >{trace}/events/i2c/enable; {program} >/dev/null; "
+                  f"echo 0 >{trace}/events/i2c/enable")
         events = bench.output(f"cat {trace}/trace")
         read = sum(map(int, re.findall(r"i2c_reply: i2c-1 #\d+ a=050 .* l=(\d+) ", events)))
         bench.check(read == 16 + 251, f"{read} bytes came over the bus instead of 267: {program}")
@@ -171,7 +176,8 @@ def eeprom_flipped_bit(bench):
     bench.power_on("ro orvalismode=factoryreset")
     bench.expect_words(f"eeprom-image show {EEPROMS[0]}", "the checksum is wrong", code=16)
     bench.expect_words(f"eeprom-image verify {EEPROMS[0]}", "the checksum is wrong", code=16)
-    bench.expect_words(f"device-report --eeprom {EEPROMS[0]}", "does not hold a valid hardware record", code=1)
+    bench.expect_words(f"device-report --eeprom {EEPROMS[0]}",
+                       "does not hold a valid hardware record", code=1)
 
 
 # --- boot mode
@@ -248,25 +254,29 @@ def media(bench):
                      ("probe", "worker: 4 files", 1), ("watch", "+ 4.csv", 1), ("watch", "+ 2026/3.csv", 1))
         # Nothing holds the medium; its end is a change of the folder.
         bench.output("umount /mnt && rm /run/mounted")
-        expect_lines(("probe", "gone", 1), ("probe", "directory watcher: /mnt", 2), ("watch", "medium removed", 1))
+        expect_lines(("probe", "gone", 1), ("probe", "directory watcher: /mnt", 2),
+                     ("watch", "medium removed", 1))
         # The watch has gone with the medium: what happens in the folder below it is not reported.
         bench.output("touch /mnt/x; rm /mnt/x; sleep 2; mount -t vfat /dev/sda /mnt && touch /run/mounted")
-        expect_lines(("probe", "mounted", 2), ("probe", "media watcher: 4 files", 2), ("watch", "medium mounted", 2),
-                     ("watch", "/mnt: 4 files (*.csv)", 1))
+        expect_lines(("probe", "mounted", 2), ("probe", "media watcher: 4 files", 2),
+                     ("watch", "medium mounted", 2), ("watch", "/mnt: 4 files (*.csv)", 1))
         # Without warning: the programs are told when the system unmounts it.
         bench.pull("stick")
         bench.output("! ls /mnt/2026 || true; umount /mnt && rm /run/mounted")
-        expect_lines(("probe", "gone", 2), ("probe", "directory watcher: /mnt", 3), ("watch", "medium removed", 2))
+        expect_lines(("probe", "gone", 2), ("probe", "directory watcher: /mnt", 3),
+                     ("watch", "medium removed", 2))
         bench.plug_in("other-stick")
-        bench.output("mkdosfs /dev/sda && mount -t vfat /dev/sda /mnt && touch /mnt/other.csv && touch /run/mounted")
-        expect_lines(("probe", "mounted", 3), ("probe", "media watcher: 1 files", 1), ("probe", "worker: 1 files", 1),
-                     ("watch", "medium mounted", 3), ("watch", "  other.csv", 1))
+        bench.output("mkdosfs /dev/sda && mount -t vfat /dev/sda /mnt && touch /mnt/other.csv /run/mounted")
+        expect_lines(("probe", "mounted", 3), ("probe", "media watcher: 1 files", 1),
+                     ("probe", "worker: 1 files", 1), ("watch", "medium mounted", 3),
+                     ("watch", "  other.csv", 1))
         bench.output("umount /mnt")
         bench.pull("other-stick")
         bench.output("touch /run/end; killall watch-media")
         bench.wait_for("! pidof board-probe && ! pidof watch-media", 30)
         expect_lines(("probe", "descriptors: 0 more than before", 1))
-        bench.check("- " not in bench.output("cat /tmp/watch.log"), "files of an unmounted medium count as gone")
+        bench.check("\n- " not in bench.output("cat /tmp/watch.log"),
+                    "files of an unmounted medium count as gone")
     finally:
         bench.run("cat /tmp/probe.log; echo; cat /tmp/watch.log; dmesg | tail -n 20")
 
@@ -303,7 +313,8 @@ def settings_1970(bench):
 
 def settings_two_processes(bench):
     """two processes that write one file lose nothing of each other"""
-    bench.output("rm -f /root/u.ini; touch /root/u.ini; /root/board-probe settings /root/u.ini a 50 >/tmp/a & "
+    bench.output("rm -f /root/u.ini; touch /root/u.ini; "
+                 "/root/board-probe settings /root/u.ini a 50 >/tmp/a & "
                  "/root/board-probe settings /root/u.ini b 50 >/tmp/b; wait")
     bench.expect("grep -c = /root/u.ini", "100")
     bench.expect("ls /root | grep u.ini", "u.ini")
@@ -356,20 +367,25 @@ def texts_of_the_kernel(bench):
 def kernel_log(bench):
     """a kernel log of two megabytes, from the program dmesg and out of a file"""
     word = "a-message-of-the-test-" * 40
-    bench.output(f"i=0; while [ $i -lt 2500 ]; do i=$((i+1)); echo \"line $i {word}\" >/dev/kmsg; done", timeout=600)
+    bench.output(f"for i in $(seq 2500); do echo \"line $i {word}\" >/dev/kmsg; done", timeout=600)
     size = int(bench.output("dmesg >/tmp/log; wc -c </tmp/log").strip())
     bench.check(size > 2_000_000, f"the kernel's log has {size} bytes alone")
-    bench.expect_words("/root/board-probe process 60000 cat /tmp/log", f"exit code 0, ended, {size} characters")
-    bench.expect_words("/root/board-probe text /tmp/log 'line (\\d+) a-message'", '2500 matches, the last one "2500"')
-    bench.expect_words("run-and-grep -e 'line (2\\d99) a-message' -- dmesg", "2099", "2199", "2299", "2399", "2499")
+    bench.expect_words("/root/board-probe process 60000 cat /tmp/log",
+                       f"exit code 0, ended, {size} characters")
+    bench.expect_words("/root/board-probe text /tmp/log 'line (\\d+) a-message'",
+                       '2500 matches, the last one "2500"')
+    bench.expect_words("run-and-grep -e 'line (2\\d99) a-message' -- dmesg",
+                       "2099", "2199", "2299", "2399", "2499")
     bench.output("rm /tmp/log")
 
 
 def process_out_of_memory(bench):
     """a child that the kernel kills for its memory is a crash; a time-out is not"""
-    bench.expect("/root/board-probe process 120000 /root/board-probe memory", "exit code 9, crashed, 0 characters")
+    bench.expect("/root/board-probe process 120000 /root/board-probe memory",
+                 "exit code 9, crashed, 0 characters")
     bench.expect_words("dmesg | tail -n 50", "Out of memory: Killed process")
-    bench.expect_words("/root/board-probe process 500 sleep 5", "Timeout from command", "exit code -1, ended, 0 characters")
+    bench.expect_words("/root/board-probe process 500 sleep 5",
+                       "Timeout from command", "exit code -1, ended, 0 characters")
     bench.expect("pidof sleep", "", code=1)
 
 
@@ -430,7 +446,8 @@ def print_measured(measured):
     for program, meaning in (("board-start-qt", "Qt Core alone"), ("board-start", "with the library")):
         seconds = measured["seconds"][program]
         memory = measured["memory"][program]
-        print(f"| {meaning} | {seconds * 1000:.0f} ms | {memory['Rss']:,} KiB | {memory['Private_Dirty']} KiB |")
+        print(f"| {meaning} | {seconds * 1000:.0f} ms | {memory['Rss']:,} KiB "
+              f"| {memory['Private_Dirty']} KiB |")
 
 
 def main():

@@ -43,7 +43,8 @@ class Machine:
     nor display. console_port is the number of the serial port that the kernel has as its console. Everything
     that comes over the console is written into the file log. Waits end after timeout seconds.
 
-        with Machine("x86_64", ["-kernel", kernel, "-initrd", initramfs, "-append", "console=ttyS0"]) as machine:
+        options = ["-kernel", kernel, "-initrd", initramfs, "-append", "console=ttyS0"]
+        with Machine("x86_64", options) as machine:
             machine.wait_until_ready()
             code, output = machine.run("uname -a")
             machine.qmp("device_add", driver="usb-storage", id="stick", drive="stick-node")
@@ -67,8 +68,7 @@ class Machine:
             *["-serial", "chardev:console"],
             *map(str, arguments),
         ]
-        libraries = [str(QEMU / "usr/lib"), str(QEMU / "lib")]
-        libraries = [f"{path}/{name}" for path in libraries for name in os.listdir(path) if name.endswith("-gnu")]
+        libraries = [str(path) for place in ("usr/lib", "lib") for path in (QEMU / place).glob("*-gnu")]
         self._process = subprocess.Popen(
             command,
             stdin=subprocess.DEVNULL,
@@ -168,7 +168,7 @@ class Machine:
         self._console.sendall(text.encode())
 
     def run(self, command, timeout=None):
-        """Runs a script of the machine's shell; returns its exit code and what it printed, on either stream."""
+        """Runs a script of the machine's shell; returns its exit code and what both streams have."""
         deadline = time.monotonic() + (timeout or self.timeout)
         word = "end-" + secrets.token_hex(8)
         self._send(
@@ -213,7 +213,8 @@ class Machine:
                 self._received = b""
                 self._send(
                     # One line: a further one would be input of that shell.
-                    "stty sane; cd /root; setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
+                    "stty sane; cd /root; "
+                    "setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
                     f"stty -echo -onlcr -isig; printf '\\036%s%d\\n' {end[1:].decode()} $code\n"
                 )
                 while READY not in self._received:
@@ -224,7 +225,7 @@ class Machine:
             termios.tcsetattr(terminal, termios.TCSADRAIN, before)
 
     def _copy(self, terminal, end):
-        """Copies what comes from either side to the other one; nothing from the machine after a text that ends it."""
+        """Copies what comes from either side to the other one, but of the machine nothing after end."""
         for source in select.select([self._console, terminal], [], [])[0]:
             if source == terminal:
                 self._console.sendall(os.read(terminal, 4096))
@@ -238,8 +239,8 @@ class Machine:
 class Board(Machine):
     """The emulated board, with an SD card and EEPROMs that are files of the caller; 1970 begins at its start.
 
-    The first EEPROM is at address 0x50 of the bus. One that is None has 256 bytes, which are zero when the power
-    comes: QEMU takes files of whole sectors alone. cmdline has further words of the kernel's command line.
+    The first EEPROM is at address 0x50 of the bus. One that is None has 256 bytes, which are zero when the
+    power comes: QEMU takes files of whole sectors alone. cmdline ends the kernel's command line.
     """
 
     # The chip and its page by its size in bytes.
