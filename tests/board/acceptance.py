@@ -20,6 +20,7 @@ from board import PROJECT, MachineError
 
 PROGRAMS = PROJECT / "build/armhf/bin"
 SAMPLE = PROJECT / "examples/sample-board.ini"
+SESSION = PROJECT / "examples/board-session.txt"
 ERASED = "the EEPROM seems to be erased and was never written"
 PRODUCT_WITH_HARD_RESET = "MISCTOOLS_PRODUCT_CODE=640917 "
 # 4 KiB, 256 bytes, 64 KiB
@@ -115,11 +116,26 @@ class Bench:
             raise Failure(reason)
 
 
+def session(bench):
+    """the session of docs/testing-on-the-target.md prints what is shown there"""
+    before = "cd /root; "
+    for part in SESSION.read_text().split("board:~# ")[1:]:
+        command, _, shown = part.partition("\n")
+        if command == "reboot":
+            bench.machine.restart()
+        elif re.fullmatch(r"\w+=\S+", command):
+            before += command + "; "
+        elif command != "exit":
+            printed = bench.run(before + command).output
+            bench.check(printed.rstrip("\n") == shown.rstrip("\n"), f"it prints something else: {command}")
+
+
 # --- EEPROM
 
 def eeprom_erased(bench):
     """of 256 bytes, 4 KiB and 64 KiB: every program says that it is erased"""
-    bench.output(f"head -c 256 /dev/zero | tr '\\0' '\\377' | dd bs=8 of={EEPROMS[1]}")
+    for eeprom, size in ((EEPROMS[0], 4096), (EEPROMS[1], 256)):
+        bench.output(f"head -c {size} /dev/zero | tr '\\0' '\\377' | dd bs=8 of={eeprom}")
     for eeprom in EEPROMS:
         for command in ("show", "verify", "dump", "extract"):
             bench.expect_words(f"eeprom-image {command} {eeprom}", ERASED, code=14)
@@ -412,7 +428,7 @@ def start_up(bench):
 # before it have done.
 STARTS = [
     ("log_buf_len=4M orvalismode=factoryreset splash",
-     [boot_factory_reset, boot_product_code, eeprom_erased, eeprom_create, eeprom_small, eeprom_bus,
+     [session, boot_factory_reset, boot_product_code, eeprom_erased, eeprom_create, eeprom_small, eeprom_bus,
       texts_of_the_kernel, kernel_log, process_out_of_memory, start_up, media, settings_pulled_stick,
       settings_full_disk, settings_1970, settings_two_processes, boot_markers]),
     ("ro orvalismode=factoryreset",
