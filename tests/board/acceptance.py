@@ -282,7 +282,10 @@ def media(bench):
         expect_lines(("probe", "gone", 2), ("probe", "directory watcher: /mnt", 3),
                      ("watch", "medium removed", 2))
         bench.plug_in("other-stick")
-        bench.output("mkdosfs /dev/sda && mount -t vfat /dev/sda /mnt && touch /mnt/other.csv /run/mounted")
+        # Filled elsewhere: watch-media lists it at once.
+        bench.output("mkdosfs /dev/sda && mkdir /run/stick && mount -t vfat /dev/sda /run/stick && "
+                     "touch /run/stick/other.csv && umount /run/stick && "
+                     "mount -t vfat /dev/sda /mnt && touch /run/mounted")
         expect_lines(("probe", "mounted", 3), ("probe", "media watcher: 1 files", 1),
                      ("probe", "worker: 1 files", 1), ("watch", "medium mounted", 3),
                      ("watch", "  other.csv", 1))
