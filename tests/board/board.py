@@ -43,7 +43,8 @@ class Machine:
     nor display. console_port is the number of the serial port that the kernel has as its console. Everything
     that comes over the console is written into the file log. Waits end after timeout seconds.
 
-        with Machine("x86_64", ["-kernel", kernel, "-initrd", initramfs, "-append", "console=ttyS0"]) as machine:
+        options = ["-kernel", kernel, "-initrd", initramfs, "-append", "console=ttyS0"]
+        with Machine("x86_64", options) as machine:
             machine.wait_until_ready()
             code, output = machine.run("uname -a")
             machine.qmp("device_add", driver="usb-storage", id="stick", drive="stick-node")
@@ -67,8 +68,7 @@ class Machine:
             *["-serial", "chardev:console"],
             *map(str, arguments),
         ]
-        libraries = [str(QEMU / "usr/lib"), str(QEMU / "lib")]
-        libraries = [f"{path}/{name}" for path in libraries for name in os.listdir(path) if name.endswith("-gnu")]
+        libraries = [str(path) for place in ("usr/lib", "lib") for path in (QEMU / place).glob("*-gnu")]
         self._process = subprocess.Popen(
             command,
             stdin=subprocess.DEVNULL,
@@ -127,11 +127,11 @@ class Machine:
                 raise MachineError(f"{command}: {answer['error']['desc']}")
             self._events.append(answer)
 
-    def wait_for_event(self, name):
-        """Waits for an event of QEMU, such as DEVICE_DELETED, and forgets it and those before it."""
+    def wait_for_event(self, name, **data):
+        """Waits for an event of QEMU with these data among its own; forgets it and those before it."""
         while True:
             event = self._events.pop(0) if self._events else self._answer()
-            if event.get("event") == name:
+            if event.get("event") == name and data.items() <= event["data"].items():
                 return
 
     # --- the console
@@ -168,7 +168,7 @@ class Machine:
         self._console.sendall(text.encode())
 
     def run(self, command, timeout=None):
-        """Runs a script of the machine's shell; returns its exit code and what it printed, on either stream."""
+        """Runs a script of the machine's shell; returns its exit code and what both streams have."""
         deadline = time.monotonic() + (timeout or self.timeout)
         word = "end-" + secrets.token_hex(8)
         self._send(
@@ -200,59 +200,89 @@ class Machine:
         self.wait_until_ready()
 
     def interact(self, terminal):
-        """Connects a terminal with a shell on the machine, until that shell ends; returns its exit code."""
+        """Connects a terminal with a shell on the machine until that shell ends; returns its exit code.
+
+        After a restart of the machine there is a new shell.
+        """
         # Begins with a character that nobody types.
         end = b"\x1e" + secrets.token_hex(8).encode()
-        self._send(
-            # One line: a further one would be input of that shell.
-            "stty sane; cd /root; setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
-            f"stty -echo -onlcr -isig; printf '\\036%s%d\\n' {end[1:].decode()} $code\n"
-        )
         before = termios.tcgetattr(terminal)
         tty.setraw(terminal)
         try:
-            while end not in self._received or not self._received.endswith(b"\n"):
-                for source in select.select([self._console, terminal], [], [])[0]:
-                    if source == terminal:
-                        self._console.sendall(os.read(terminal, 4096))
-                        continue
-                    size = len(self._received)
-                    self._receive(time.monotonic() + self.timeout)
-                    if end[:1] not in self._received[:size]:
-                        os.write(terminal, self._received[size:].split(end[:1])[0])
+            while True:
+                self._received = b""
+                self._send(
+                    # One line: a further one would be input of that shell.
+                    "stty sane; cd /root; "
+                    "setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
+                    f"stty -echo -onlcr -isig; printf '\\036%s%d\\n' {end[1:].decode()} $code\n"
+                )
+                while READY not in self._received:
+                    self._copy(terminal, end[:1])
+                    if end in self._received and self._received.endswith(b"\n"):
+                        return int(self._received.split(end)[1])
         finally:
             termios.tcsetattr(terminal, termios.TCSADRAIN, before)
-        return int(self._received.split(end)[1])
+
+    def _copy(self, terminal, end):
+        """Copies what comes from either side to the other one, but of the machine nothing after end."""
+        for source in select.select([self._console, terminal], [], [])[0]:
+            if source == terminal:
+                self._console.sendall(os.read(terminal, 4096))
+                continue
+            size = len(self._received)
+            self._receive(time.monotonic() + self.timeout)
+            if end not in self._received[:size]:
+                os.write(terminal, self._received[size:].split(end)[0])
 
 
 class Board(Machine):
     """The emulated board, with an SD card and EEPROMs that are files of the caller; 1970 begins at its start.
 
-    cmdline has further words of the kernel's command line, at its end.
+    The first EEPROM is at address 0x50 of the bus. One that is None has 256 bytes, which are zero when the
+    power comes: QEMU takes files of whole sectors alone. cmdline ends the kernel's command line.
     """
 
-    # Type of the chip by its size in bytes; the first one is at address 0x50 of the bus.
-    EEPROMS = {256: "24c02", 4096: "24c32", 65536: "24c512"}
+    # The chip and its page by its size in bytes.
+    EEPROMS = {256: ("atmel,24c02", 8), 4096: ("atmel,24c32", 32), 65536: ("atmel,24c512", 128)}
 
     def __init__(self, card, eeproms=(), cmdline="", log=None, timeout=300):
         (kernel,) = (PARTS / "armhf/kernel/boot").glob("vmlinuz-*")
         (tree,) = (PARTS / "armhf/kernel").rglob("imx6q-sabrelite.dtb")
+        tree = shutil.copyfile(tree, f"{card}.dtb")
         words = ["console=ttymxc1,115200", "panic=-1", "quiet", "root=/dev/mmcblk3"]
         arguments = ["-M", "sabrelite", "-m", "512", "-kernel", kernel, "-dtb", tree]
         arguments += ["-initrd", PARTS / "board/initramfs"]
         arguments += ["-drive", f"if=none,id=card,format=raw,cache=writeback,file={card}"]
         arguments += ["-device", "sd-card,drive=card"]
-        types = []
-        for number, eeprom in enumerate(eeproms):
-            size = os.path.getsize(eeprom)
-            types.append(self.EEPROMS[size])
-            arguments += ["-blockdev", f"driver=file,node-name=eeprom{number},filename={eeprom}"]
-            arguments += ["-device", f"at24c-eeprom,bus=i2c-bus.1,address={0x50 + number},"
-                          f"drive=eeprom{number},rom-size={size}"]
-        if types:
-            words.append("board.eeproms=" + ",".join(types))
+        for address, eeprom in enumerate(eeproms, start=0x50):
+            size = 256
+            drive = ""
+            if eeprom is not None:
+                size = os.path.getsize(eeprom)
+                drive = f",drive=eeprom{address}"
+                arguments += ["-blockdev", f"driver=file,node-name=eeprom{address},filename={eeprom}"]
+            if size not in self.EEPROMS:
+                raise MachineError(f"{eeprom} has {size} bytes, which no EEPROM here has")
+            arguments += ["-device", f"at24c-eeprom,bus=i2c-bus.1,address={address},rom-size={size}{drive}"]
+            self._describe_eeprom(tree, address, *self.EEPROMS[size])
         arguments += ["-append", " ".join([*words, cmdline]).strip()]
         super().__init__("arm", arguments, console_port=1, log=log, timeout=timeout)
+
+    @staticmethod
+    def _describe_eeprom(tree, address, chip, page):
+        """Writes an EEPROM into the device tree, from which the kernel's driver knows it."""
+
+        def put(kind, key, value):
+            subprocess.run(["fdtput", "-t", kind, tree, node, key, str(value)], check=True)
+
+        alias = ["fdtget", tree, "/aliases", "i2c1"]
+        bus = subprocess.run(alias, check=True, capture_output=True, text=True).stdout.strip()
+        node = f"{bus}/eeprom@{address:x}"
+        subprocess.run(["fdtput", "-c", tree, node], check=True)
+        put("s", "compatible", chip)
+        put("u", "reg", address)
+        put("u", "pagesize", page)
 
     def set_clock(self):
         """Gives the board the time of this machine."""

@@ -1,4 +1,4 @@
-"""Writes the initramfs of an emulated machine: busybox, kernel modules, and the script that starts with them."""
+"""Writes the initramfs of an emulated machine: busybox, kernel modules, and the first script."""
 
 import gzip
 import os

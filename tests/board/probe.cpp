@@ -86,9 +86,10 @@ int settings(const QStringList& arguments)
     return 0;
 }
 
-// Follows the folder of a medium for some seconds, says what comes, and whether descriptors stay.
-// MediaWatcher and the worker search anew whenever the folder changes; so they do once when the
-// file "mounted" appears below /run, as the application is told of a medium.
+// Follows the directory of a medium until the file /run/end exists; prints events, and whether
+// descriptors leak. MediaWatcher and the worker search when the directory changes, and when the
+// file /run/mounted appears, which stands for the application's notification of a mount: it then
+// watches the directory anew.
 class Medium : public QObject
 {
 public:
@@ -124,8 +125,6 @@ public:
                 });
     }
 
-    void unwatch() { m_directories.reset(); }
-
 private:
     QString m_folder;
     MediaWatcher m_media;
@@ -141,7 +140,6 @@ int medium(const QStringList& arguments)
         medium.watch();
         QTimer timer;
         bool wasMounted = false;
-        // What tells an application of a mount: udev, or a service of the device.
         QObject::connect(&timer, &QTimer::timeout, [&] {
             if (QFile::exists(QStringLiteral("/run/end"))) {
                 QCoreApplication::quit();
@@ -149,7 +147,6 @@ int medium(const QStringList& arguments)
             const bool isMounted = QFile::exists(mounted);
             if (isMounted != wasMounted) {
                 wasMounted = isMounted;
-                medium.unwatch();
                 say(isMounted ? QStringLiteral("mounted") : QStringLiteral("gone"));
                 if (isMounted) {
                     medium.watch();
