@@ -102,7 +102,7 @@ def measure_times(programs, is_quick, directory):
         print(f'script/bench: {program}', flush=True)
         run([BUILD / f'bin/tst_bench_{program}', '-median', '1' if is_quick else '5',
              '-o', 'times.csv,csv', '-o', '-,txt'],
-             cwd=directory, env={**os.environ, 'TMPDIR': str(directory)})
+            cwd=directory, env={**os.environ, 'TMPDIR': str(directory)})
         for function, tag, value in re.findall(r'^"(\w+)","(.*)","WalltimeMilliseconds",([^,]+)',
                                                (directory / 'times.csv').read_text(), re.MULTILINE):
             row = Row.parse(program, function, tag)
