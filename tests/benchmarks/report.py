@@ -101,7 +101,8 @@ def measure_times(programs, is_quick, directory):
             continue
         print(f'script/bench: {program}', flush=True)
         run([BUILD / f'bin/tst_bench_{program}', '-median', '1' if is_quick else '5',
-             '-o', 'times.csv,csv', '-o', '-,txt'], cwd=directory, env={**os.environ, 'TMPDIR': str(directory)})
+             '-o', 'times.csv,csv', '-o', '-,txt'],
+            cwd=directory, env={**os.environ, 'TMPDIR': str(directory)})
         for function, tag, value in re.findall(r'^"(\w+)","(.*)","WalltimeMilliseconds",([^,]+)',
                                                (directory / 'times.csv').read_text(), re.MULTILINE):
             row = Row.parse(program, function, tag)
@@ -110,7 +111,7 @@ def measure_times(programs, is_quick, directory):
 
 
 def times_table(times, targets):
-    """The two largest sizes of each operation, compared with peers, and with a smaller size that has a target."""
+    """The two largest sizes of each operation, compared with peers and with a smaller size with a target."""
     table = [['class', 'operation', SUBJECT, 'peer', 'takes', 'ratio', 'target', 'met']]
     subjects = {row: time for row, time in times.items() if row.contender == SUBJECT}
     by_operation = {(row.program, row.operation()): time for row, time in subjects.items()}
@@ -184,7 +185,8 @@ class Counter:
         # Qt Test lists the files next to its output, which affects its heap and the cost of allocations.
         directory = self.directory / f'{row.program}-{row.function}'
         directory.mkdir()
-        self.run(path, '-callgrind', '-o', 'count.csv,csv', '-o', '-,txt', row.argument(), directory=directory)
+        self.run(path, '-callgrind', '-o', 'count.csv,csv', '-o', '-,txt', row.argument(),
+                 directory=directory)
         return float(re.search('"InstructionReads",([^,]+)', (directory / 'count.csv').read_text())[1])
 
     def system_calls(self, path, row):

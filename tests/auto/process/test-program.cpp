@@ -149,7 +149,7 @@ int waitForFile(const std::string& go, const std::string& done)
 
 int main(int argc, char* argv[])
 {
-    // The program ends soon after a test that was killed.
+    // The program ends shortly after a test that was killed.
     alarm(60);
     const Arguments arguments(argv, argv + argc);
     const std::string command = argc > 1 ? arguments[1] : std::string();
