@@ -12,7 +12,7 @@ namespace {
 // Bold red, magenta or cyan, as in compiler messages.
 QString shownSeverity(Severity severity)
 {
-    const QString name = Severities::name(severity);
+    QString name = Severities::name(severity);
     if (!CommandLine::isColored()) {
         return name;
     }
