@@ -12,12 +12,12 @@ namespace {
 // Bold red, magenta or cyan, as in compiler messages.
 QString shownSeverity(Severity severity)
 {
-    QString name = Severities::name(severity);
     if (!CommandLine::isColored()) {
-        return name;
+        return Severities::name(severity);
     }
     const int color = severity == Severity::Error ? 31 : severity == Severity::Warning ? 35 : 36;
-    return QStringLiteral("\x1b[1;%1m%2\x1b[0m").arg(QString::number(color), name);
+    return QStringLiteral("\x1b[1;%1m%2\x1b[0m")
+        .arg(QString::number(color), Severities::name(severity));
 }
 
 // The format of compiler messages.
