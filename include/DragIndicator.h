@@ -40,8 +40,8 @@ public:
     {
         QDateTime minValueDate;   /*!< When minValue was last lowered, or first set. */
         QDateTime maxValueDate;   /*!< When maxValue was last raised, or first set. */
-        double minValue = 0.0;    /*!< The minimum; undefined until initialized is true. */
-        double maxValue = 0.0;    /*!< The maximum; undefined until initialized is true. */
+        double minValue = 0.0;    /*!< The minimum; meaningless until initialized is true. */
+        double maxValue = 0.0;    /*!< The maximum; meaningless until initialized is true. */
         bool initialized = false; /*!< True once the record has a value. */
     };
 

@@ -29,7 +29,8 @@
  * - **Limits:** the file is held in memory, as bytes while it is read and then as a QString; a file
  *   of 2 GiB or more counts as empty, as with QIODevice::readAll(). The number of steps of a search
  *   is limited for each position where a match may start, not for the whole text: a bad expression
- *   may take minutes on a long text. Begin it with "(*LIMIT_MATCH=10000)" to stop earlier.
+ *   may take minutes on a long text. Begin the expression with "(*LIMIT_MATCH=10000)" for a
+ *   lower limit.
  *
  * \sa \ref programs, \ref gotchas, \ref security
  * \since 1.0

@@ -982,8 +982,9 @@ void tst_IniLint::refusesWhatItCannotUse()
 void tst_IniLint::helpNamesEveryExitCode()
 {
     const ProgramResult result = run({"--help"});
-    for (const char* line : {"\n  0  no findings", "\n  1  there are findings",
-                             "\n  2  wrong usage, or a FILE or the output cannot be read or written"}) {
+    for (const char* line :
+         {"\n  0  no findings", "\n  1  there are findings",
+          "\n  2  wrong usage, or a FILE or the output cannot be read or written"}) {
         QVERIFY2(result.output.contains(QLatin1String(line)), line);
     }
     QCOMPARE(result.errors, QString());
