@@ -1,6 +1,5 @@
-// Loaded before a program, makes a file named "eeprom" behave as the one that the kernel shows for
-// an EEPROM
-// (addresses beyond its end cannot be reached). The environment says what else happens, and when:
+// Preloaded into a program, makes a file named "eeprom" behave like the kernel's file of an EEPROM:
+// seeking beyond its end fails. Environment variables add events:
 //   EEPROM_LOG      a file that gets a line "OFFSET SIZE" for each write
 //   EEPROM_FAILS, EEPROM_SIGNALS, EEPROM_PROTECTS
 //                   offset of the write that fails, that SIGTERM comes with, that changes nothing
@@ -31,13 +30,13 @@ bool isEeprom(const char* path)
     return std::strcmp(name == nullptr ? path : name + 1, "eeprom") == 0;
 }
 
-bool isAt(const char* variable, off_t offset)
+bool isAt(const char* variable, off64_t offset)
 {
     const char* value = std::getenv(variable);
     return value != nullptr && std::strtol(value, nullptr, 10) == offset;
 }
 
-void log(off_t offset, size_t size)
+void log(off64_t offset, size_t size)
 {
     if (FILE* file = std::fopen(std::getenv("EEPROM_LOG"), "a")) {
         std::fprintf(file, "%ld %zu\n", long(offset), size);
@@ -47,10 +46,10 @@ void log(off_t offset, size_t size)
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) int statfs(const char* path,
-                                                             struct statfs* result)
+extern "C" __attribute__((visibility("default"))) int statfs64(const char* path,
+                                                               struct statfs64* result)
 {
-    const int status = original<int(const char*, struct statfs*)>("statfs")(path, result);
+    const int status = original<int(const char*, struct statfs64*)>("statfs64")(path, result);
     if (isEeprom(path)) {
         result->f_type = SYSFS_MAGIC;
     }
@@ -71,8 +70,8 @@ extern "C" __attribute__((visibility("default"))) off64_t lseek64(int file, off6
     return original<off64_t(int, off64_t, int)>("lseek64")(file, offset, from);
 }
 
-extern "C" __attribute__((visibility("default"))) ssize_t pwrite(int file, const void* bytes,
-                                                                 size_t size, off_t offset)
+extern "C" __attribute__((visibility("default"))) ssize_t pwrite64(int file, const void* bytes,
+                                                                   size_t size, off64_t offset)
 {
     log(offset, size);
     if (isAt("EEPROM_SIGNALS", offset)) {
@@ -85,5 +84,6 @@ extern "C" __attribute__((visibility("default"))) ssize_t pwrite(int file, const
     if (isAt("EEPROM_PROTECTS", offset)) {
         return ssize_t(size);
     }
-    return original<ssize_t(int, const void*, size_t, off_t)>("pwrite")(file, bytes, size, offset);
+    return original<ssize_t(int, const void*, size_t, off64_t)>("pwrite64")(file, bytes, size,
+                                                                            offset);
 }
