@@ -134,8 +134,8 @@ def session(bench):
 
 def eeprom_erased(bench):
     """of 256 bytes, 4 KiB and 64 KiB: every program says that it is erased"""
-    for eeprom, size in ((EEPROMS[0], 4096), (EEPROMS[1], 256)):
-        bench.output(f"head -c {size} /dev/zero | tr '\\0' '\\377' | dd bs=8 of={eeprom}")
+    for eeprom, size, page in ((EEPROMS[0], 4096, 32), (EEPROMS[1], 256, 8)):
+        bench.output(f"head -c {size} /dev/zero | tr '\\0' '\\377' | dd bs={page} of={eeprom}")
     for eeprom in EEPROMS:
         for command in ("show", "verify", "dump", "extract"):
             bench.expect_words(f"eeprom-image {command} {eeprom}", ERASED, code=14)

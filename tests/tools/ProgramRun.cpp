@@ -1,6 +1,7 @@
 #include "ProgramRun.h"
 
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QFileInfo>
 #include <QtTest/QtTest>
 
 #include <csignal>
@@ -17,6 +18,16 @@ void verifyResult(const ProgramResult& result, int exitCode, const QString& outp
     QCOMPARE(result.errors, errors);
     QCOMPARE(result.output, output);
     QCOMPARE(result.exitCode, exitCode);
+}
+
+QStringList preloadOf(const QString& libraryPath)
+{
+    const QFileInfo library(libraryPath);
+    return {QStringLiteral("LD_LIBRARY_PATH=%1:%2")
+                .arg(library.path(), qEnvironmentVariable("LD_LIBRARY_PATH")),
+            QStringLiteral("LD_PRELOAD=") + library.fileName(),
+            // The runtime of a sanitizer must be loaded first unless it is told otherwise.
+            QStringLiteral("ASAN_OPTIONS=verify_asan_link_order=0")};
 }
 
 ProgramRun::ProgramRun(const QString& program, const QStringList& arguments, const QString& folder,

@@ -17,6 +17,10 @@ struct ProgramResult
 void verifyResult(const ProgramResult& result, int exitCode, const QString& output,
                   const QString& errors = QString());
 
+// Variables, as env takes them, that preload a library. Paths in LD_PRELOAD end at a space, so it
+// holds the name of the file alone.
+QStringList preloadOf(const QString& libraryPath);
+
 // A run of a program in a folder, which also takes its temporary files unless told otherwise.
 class ProgramRun
 {

@@ -31,14 +31,12 @@ void tst_DurableSaves::run()
     QVERIFY(QFile::copy(QStringLiteral(SAMPLE_BOARD), path(QStringLiteral("board.ini"))));
     writeFile(QStringLiteral("data/commas.ini"), "a=1,2\n");
     writeFile(QStringLiteral("data/clean.ini"), "a=1\n");
-    // Before a sanitizer's runtime nothing may be loaded, unless it is told so.
-    ProgramRun programRun(QStringLiteral("env"),
-                          QStringList{QStringLiteral("LD_PRELOAD=" FLUSH_RECORDER),
-                                      QStringLiteral("ASAN_OPTIONS=verify_asan_link_order=0"),
-                                      QStringLiteral("FLUSH_LOG=") + path(QStringLiteral("log")),
-                                      program} +
-                              arguments,
-                          folder(), path(QStringLiteral("temporary")));
+    ProgramRun programRun(
+        QStringLiteral("env"),
+        preloadOf(QStringLiteral(FLUSH_RECORDER)) +
+            QStringList{QStringLiteral("FLUSH_LOG=") + path(QStringLiteral("log")), program} +
+            arguments,
+        folder(), path(QStringLiteral("temporary")));
     programRun.write("1\n2\n");
     const ProgramResult result = programRun.finish();
     QVERIFY2(result.exitCode == exitCode, qPrintable(result.output + result.errors));

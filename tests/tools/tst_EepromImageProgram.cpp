@@ -592,12 +592,10 @@ void tst_EepromImageProgram::readErrorsOfTheTextAreNoticed()
 ProgramResult tst_EepromImageProgram::runOnEeprom(const QStringList& environment,
                                                   const QStringList& arguments) const
 {
-    // Before a sanitizer's runtime nothing may be loaded, unless it is told so.
-    const QStringList always{QStringLiteral("LD_PRELOAD=" SIMULATED_EEPROM),
-                             QStringLiteral("ASAN_OPTIONS=verify_asan_link_order=0"),
-                             QStringLiteral("EEPROM_LOG=") + path(QStringLiteral("log"))};
     return ProgramRun(QStringLiteral("env"),
-                      always + environment + QStringList{QStringLiteral(EEPROM_IMAGE_PROGRAM)} +
+                      preloadOf(QStringLiteral(SIMULATED_EEPROM)) +
+                          QStringList{QStringLiteral("EEPROM_LOG=") + path(QStringLiteral("log"))} +
+                          environment + QStringList{QStringLiteral(EEPROM_IMAGE_PROGRAM)} +
                           arguments,
                       folder())
         .finish();
