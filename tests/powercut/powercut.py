@@ -71,9 +71,9 @@ ON_OTHERS = [name for name, kind in FILE_SYSTEMS.items() if kind.is_mounted]
 # journal alone.
 Variant = collections.namedtuple("Variant", "void options library tools cuts cuts_of_others")
 VARIANTS = {
-    "as it is": Variant("", "", 60, 24, 160, 10),
-    "directories": Variant("directories", "", 30, 12, 30, 3),
-    "all": Variant("all", ",commit=1", 90, 24, 30, 3),
+    "as it is": Variant("", "", 60, 24, 160, 8),
+    "directories": Variant("directories", "", 30, 12, 30, 2),
+    "all": Variant("all", ",commit=1", 90, 24, 30, 2),
 }
 WAYS = ["in order", "harsh"]
 LOSSES = ["older", "missing", "empty", "damaged", "no file system"]
