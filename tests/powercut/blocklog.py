@@ -71,6 +71,9 @@ class Disk:
         for entry in self._unflushed:
             if survives():
                 self._apply(sectors, entry)
-        for place, data in sectors.items():
-            file.seek(start + place)
-            file.write(data)
+        end = None
+        for place in sorted(sectors):
+            if place != end:
+                file.seek(start + place)
+            file.write(sectors[place])
+            end = place + SECTOR

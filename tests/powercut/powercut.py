@@ -54,8 +54,8 @@ NAMES = {
     "peak-meter": "`peak-meter --file`",
     "run-and-grep": "`run-and-grep --output`",
 }
-# What makes one, its size, what mounts it, and what is saved there. Others than ext4 cannot be read without the
-# kernel: a machine mounts them after each cut.
+# What makes one, its size, what mounts it, and what is saved there. Others than ext4 cannot be read
+# without the kernel: a machine mounts them after each cut.
 Kind = collections.namedtuple("Kind", "make size mount operations is_mounted")
 MAKE_EXT4 = ["mke2fs", "-q", "-t", "ext4", "-b", "4096", "-J", "size=4"]
 FILE_SYSTEMS = {
@@ -66,14 +66,14 @@ FILE_SYSTEMS = {
 }
 ON_EXT4 = [name for name, kind in FILE_SYSTEMS.items() if not kind.is_mounted]
 ON_OTHERS = [name for name, kind in FILE_SYSTEMS.items() if kind.is_mounted]
-# What FlushVoid.cpp is told, further options of ext4, how often files are saved by library and programs, and cuts
-# for each way to cut, on ext4 and on others. Where nothing is flushed, what is half done gets to the disk by the
-# journal alone.
+# What FlushVoid.cpp is told, further options of ext4, how often files are saved by library and programs,
+# and cuts for each way to cut, on ext4 and on others. Where nothing is flushed, what is half done gets to
+# the disk by the journal alone.
 Variant = collections.namedtuple("Variant", "void options library tools cuts cuts_of_others")
 VARIANTS = {
-    "as it is": Variant("", "", 60, 24, 160, 10),
-    "directories": Variant("directories", "", 30, 12, 30, 3),
-    "all": Variant("all", ",commit=1", 90, 24, 30, 3),
+    "as it is": Variant("", "", 60, 24, 160, 8),
+    "directories": Variant("directories", "", 30, 12, 30, 2),
+    "all": Variant("all", ",commit=1", 90, 24, 30, 2),
 }
 WAYS = ["in order", "harsh"]
 LOSSES = ["older", "missing", "empty", "damaged", "no file system"]
@@ -101,7 +101,7 @@ def make_system(path):
         tree = pathlib.Path(directory) / "tree"
         shutil.copytree(PARTS / "system", tree, symlinks=True)
         shutil.copytree("tests/board/system", tree, dirs_exist_ok=True)
-        for name in ("dev", "proc", "sys", "run", "tmp", "mnt", "root", "data", "sbin", "usr/bin", "usr/sbin"):
+        for name in "dev proc sys run tmp mnt root data sbin usr/bin usr/sbin".split():
             (tree / name).mkdir(parents=True, exist_ok=True)
         for applet in run(tree / "bin/busybox", "--list-full").stdout.split():
             if not (tree / applet).exists():
@@ -145,7 +145,8 @@ def machine(directory, disks, log, more=()):
     arguments = ["-M", "q35", "-accel", "tcg", "-m", "512"]
     arguments += ["-kernel", kernel, "-initrd", directory / "initramfs"]
     arguments += ["-append", "console=ttyS0 panic=-1 quiet root=/dev/vda ro"]
-    arguments += ["-blockdev", f"driver=file,node-name=system,filename={directory / 'system.img'},read-only=on"]
+    system = directory / "system.img"
+    arguments += ["-blockdev", f"driver=file,node-name=system,filename={system},read-only=on"]
     arguments += ["-device", "virtio-blk-pci,drive=system"]
     return board.Machine("x86_64", [*arguments, *disks, *more], log=log)
 
@@ -190,7 +191,9 @@ def record(directory):
                 void = f"LD_PRELOAD=libFlushVoid.so FLUSH_VOID={settings.void}" if settings.void else ""
                 guest.check(f"{void} powercut-writer {operation} {count} /data {disk}1")
             guest.check("umount /data")
-            print(f"recorded: {file_system}, flushes {variant}: {time.monotonic() - started:.0f} s", flush=True)
+            seconds = time.monotonic() - started
+            void = settings.void or "none"
+            print(f"recorded: {file_system}, void flushes: {void}: {seconds:.0f} s", flush=True)
         guest.qmp("quit")
     return jobs
 
@@ -238,7 +241,8 @@ class FileSystem:
         """Content of a file, None for none; and sizes of all in its directory by name."""
         self._content.unlink(missing_ok=True)
         commands = f"dump {path} {self._content}\nls -p {pathlib.PurePath(path).parent}\n"
-        listing = subprocess.run(["debugfs", "-f", "-", self.path], input=commands, capture_output=True, text=True)
+        command = ["debugfs", "-f", "-", self.path]
+        listing = subprocess.run(command, input=commands, capture_output=True, text=True)
         sizes = {name: int(size or 0) for name, size in
                  re.findall(r"^/\d+/\d+/\d+/\d+/([^/]+)/(\d*)/", listing.stdout, re.MULTILINE)}
         if pathlib.PurePath(path).name not in sizes:
@@ -281,8 +285,8 @@ class Cuts:
         return flushes / (len(self.states) - 1)
 
     def __iter__(self):
-        """For each cut its entry, the number of the state that was acknowledged, and a function that writes what is
-        on the disk into a file that holds the image."""
+        """For each cut its entry, the number of the state that was acknowledged, and a function that writes
+        what is on the disk into a file that holds the image."""
         disk = Disk(self._log, FILES_START, FILE_SYSTEMS[self._job.file_system].size)
         is_harsh = self._job.way == "harsh"
         for cut in self.entries:
@@ -325,8 +329,8 @@ def judge(job):
 
 
 def judge_mounted(directory, jobs):
-    """Judges the cuts of jobs on other file systems: a machine mounts them, one after the other, as parts of one
-    large disk."""
+    """Judges the cuts of jobs on other file systems: a machine mounts them, one after the other, as parts of
+    one large disk."""
     tasks, arguments = [], []
     for number, name in enumerate(ON_OTHERS):
         path = directory / f"cuts-{number}.img"
@@ -377,8 +381,8 @@ def time_of_start(guest):
 
 
 def start_times(directory, locks):
-    """How long a sync takes in each file system with a lock, on a machine that has just started; the last one is
-    that with an empty lock, which is waited for."""
+    """How long a sync takes in each file system with a lock, on a machine that has just started; the last one
+    is that with an empty lock, which is waited for."""
     images = [lock.image for lock in locks if lock.image][:LOCKS]
     arguments = []
     for number, image in enumerate(images):
@@ -444,10 +448,9 @@ def tables(results):
 
 
 def flush_table(results):
-    def flushes(operation, file_system, variant):
-        return next(f"{result.flushes:.1f}" for result in results if (result.job.operation, result.job.file_system,
-                                                                  result.job.variant) ==
-                    (operation, file_system, variant))
+    def flushes(*job):
+        return next(f"{result.flushes:.1f}" for result in results
+                    if (result.job.operation, result.job.file_system, result.job.variant) == job)
 
     names = [name for name in FILE_SYSTEMS if name != "ext4, noauto_da_alloc"]
     lines = ["| | " + " | ".join(names) + " |", "|---" * (len(names) + 1) + "|"]
@@ -515,8 +518,8 @@ def main():
              f"{sum(lock.size == 0 for lock in locks)} of them empty. With {len(times) - 1} of "
              f"them, the start of a program and its first sync after the next boot took "
              f"{max(times[:-1], default=0):.1f} s at most; with an empty one, made for comparison, "
-             f"{times[-1] if times else 0:.0f} s. No cut left more than {max(result.temporary for result in own)} "
-             "temporary files.")
+             f"{times[-1] if times else 0:.0f} s. No cut left more than "
+             f"{max(result.temporary for result in own)} temporary files.")
     print(f"\n{text}\n")
     if arguments.update_docs:
         update_document(text)
