@@ -4,72 +4,80 @@
 #include "MiscToolsGlobal.h"
 
 /*!
- * \brief Tells how the device has just booted, and removes the markers that say so.
+ * \brief Returns how the device has booted, and removes the boot markers.
+ *
+ * Use it at the start of an application to distinguish a normal boot from a factory reset, a hard
+ * reset and the first boot after a firmware update. For other arguments of the kernel use
+ * KernelCommandLineParser. The markers are two files: /orvalis-reboot exists after a reboot,
+ * /orvalis/etc/orvalis-first-boot at the first boot after a firmware update.
  *
  * \snippet BootInformationHelper.cpp mode
  *
- * Two files are the markers: /orvalis-reboot is there after a reboot,
- * /orvalis/etc/orvalis-first-boot on the first boot after a firmware update.
- *
  * \par Contract
- * - **Threads:** an object holds nothing and may be shared; a marker that somebody else removes
- *   between the look and the removal is reported as one that could not be removed.
- * - **Ownership:** nothing is kept; every question looks anew.
- * - **Errors:** nothing throws; only the removal of a marker warns.
+ * - **Threads:** thread-safe, as objects have no state. If someone else removes a marker at the
+ * same time, its removal may be reported as failed.
+ * - **Ownership:** nothing is cached; every call checks the files again.
+ * - **Durability:** when the removal of a marker has returned, a power cut no longer brings it
+ * back.
+ * - **Errors:** nothing throws.
+ * - **Log messages:** only for a marker that cannot be removed; see
+ *   \ref log-messages-bootinformationhelper "log messages of BootInformationHelper".
  * - **Units and formats:** the product code comes from the platform function
  *   DeviceManifestManager::getProductCode().
  *
+ * \sa \ref boot, KernelCommandLineParser
  * \since 1.0
  */
 class MISCTOOLS_EXPORT BootInformationHelper
 {
 public:
-    /*! \brief How the device booted. */
+    /*! \brief The boot modes. */
     enum BootMode : int
     {
-        BootModeNormal = 0,         /*!< None of the others. */
-        BootModeFirmwareUpdate = 1, /*!< For the first time after a firmware update. */
-        BootModeFactoryReset = 2,   /*!< The command line asks for a factory reset. */
-        BootModeHardReset = 3       /*!< After a hard reset. */
+        BootModeNormal = 0,         /*!< None of the following. */
+        BootModeFirmwareUpdate = 1, /*!< First boot after a firmware update. */
+        BootModeFactoryReset = 2,   /*!< The command line requests a factory reset. */
+        BootModeHardReset = 3       /*!< Boot after a hard reset. */
     };
 
     BootInformationHelper();
     virtual ~BootInformationHelper();
 
     /*!
-     * \brief Whether the device comes from a hard reset.
+     * \brief Returns true if the device booted after a hard reset.
      *
-     * That is so when the reboot marker is missing, on the product "640917" alone. The platform is
-     * asked for the product code only where the marker is missing.
+     * This is the case if the reboot marker is missing, on the product "640917" only. The platform
+     * function for the product code is called only if the marker is missing.
      */
     bool isHardReset() const;
 
     /*!
-     * \brief Whether the kernel command line says orvalismode=factoryreset.
+     * \brief Returns true if the kernel command line contains orvalismode=factoryreset.
      *
-     * The line's last word keeps the line feed that ends the line (see KernelCommandLineParser). As
-     * the last word, "orvalismode=factoryreset" therefore asks for nothing; a boot loader must
-     * let another word follow. A missing or unreadable command line is warned of and asks for
-     * nothing.
+     * The last word includes the line feed at the end of the line (see KernelCommandLineParser), so
+     * "orvalismode=factoryreset" is not recognized as the last word; a boot loader must append
+     * another word. A missing or unreadable command line logs a warning and returns false.
      */
     bool isFactoryReset() const;
 
-    /*! \brief A hard reset first, then a firmware update, then a factory reset, else normal. */
+    /*!
+     * \brief Returns the boot mode: hard reset before firmware update before factory reset, normal
+     * if none applies.
+     */
     BootMode getCurrentBootMode() const;
 
     /*!
-     * \brief Removes the marker of the firmware update, so that a power cut does not bring it back.
+     * \brief Removes the marker of the firmware update.
      *
-     * Warns "Unable to delete firmware update marker, file does not exist!" or "Error on removing
-     * firmware update marker!".
+     * Logs "Unable to delete firmware update marker, file does not exist!" or "Error on removing
+     * firmware update marker!" if it fails.
      */
     void deleteFirmwareUpdateMarker() const;
 
     /*!
-     * \brief Removes the marker of the reboot, so that a power cut does not bring it back; says
-     * nothing when there is none.
+     * \brief Removes the marker of the reboot; does nothing if there is none.
      *
-     * Warns "Unable to remove file:" with the path when it cannot be removed.
+     * Logs "Unable to remove file:" with the path if the marker cannot be removed.
      */
     void deleteOrvalisRebootMarker() const;
 };
