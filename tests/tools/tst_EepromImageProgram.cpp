@@ -1,8 +1,10 @@
 #include "EepromImage.h"
 #include "ProgramRun.h"
+#include "Terminal.h"
 #include "TestCase.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
@@ -74,6 +76,7 @@ private Q_SLOTS:
     void troubleWhileWritingTellsTheState();
     void deviceIsWrittenInPlace();
     void imageLargerThanTheEepromIsRefused();
+    void progressIsShownOnATerminalNowAndThen();
     void showsJson();
     void extractsTheText();
     void extractRefusesDamage();
@@ -755,6 +758,22 @@ void tst_EepromImageProgram::imageLargerThanTheEepromIsRefused()
                      .arg(size - 1)
                      .arg(size));
     QCOMPARE(readFile(eeprom), QByteArray(size - 1, 'x'));
+}
+
+void tst_EepromImageProgram::progressIsShownOnATerminalNowAndThen()
+{
+    const QString board = writeFile("board.ini", boardText);
+    const QString eeprom = writeFile("eeprom", QByteArray(65536, 'x'));
+    QElapsedTimer clock;
+    clock.start();
+    Terminal terminal(80, Terminal::StandardError);
+    const QByteArray written =
+        terminal.run(QStringLiteral(EEPROM_IMAGE_PROGRAM),
+                     {"create", "--in-place", "--size", "65536", board, eeprom});
+    QVERIFY2(written.contains("\rwriting /"), written.constData());
+    // There are 8,192 pages.
+    QVERIFY(written.count("\rwriting /") <= 1 + clock.elapsed() / 100);
+    QCOMPARE(Terminal::screenAfter(written), QList<QByteArray>{QByteArray()});
 }
 
 void tst_EepromImageProgram::showsJson()

@@ -4,6 +4,7 @@
 #include "common/EndSignals.h"
 #include "common/ProgressDisplay.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QtEndian>
@@ -23,6 +24,7 @@ namespace {
 // size costs only time.
 constexpr quint32 smallestPage = 8;
 constexpr quint32 largestPage = 4096;
+constexpr int progressIntervalInMs = 100;
 
 class InPlaceWriter
 {
@@ -51,6 +53,7 @@ private:
     ExitCode m_exitCode = ExitCode::Done;
     const EndSignals m_signals;
     ProgressDisplay m_display{stderr};
+    QElapsedTimer m_sinceShown;
 };
 
 ExitCode InPlaceWriter::run()
@@ -164,6 +167,11 @@ bool InPlaceWriter::isInterrupted(const QString& state)
 
 void InPlaceWriter::showProgress(const char* activity, qint64 position)
 {
+    // A line for each page would take a serial console longer than the page takes the EEPROM.
+    if (m_sinceShown.isValid() && m_sinceShown.elapsed() < progressIntervalInMs) {
+        return;
+    }
+    m_sinceShown.start();
     m_display.showStatus(QStringLiteral("%1 %2: byte %3 of %4")
                              .arg(QLatin1String(activity), m_name)
                              .arg(position)
