@@ -23,8 +23,8 @@
  *   \ref log-messages-kernelcommandlineparser "log messages of KernelCommandLineParser".
  * - **Units and formats:** a key matches the beginning of an argument: the key "orvalismode" also
  *   finds "orvalismodex=1". If an argument is given twice, only the first one counts. The trailing
- *   line feed of the file is part of the last argument: if the line ends with "mode=x", the value
- *   of "mode" is "x" and a line feed.
+ *   line feed of the file is part of the last argument: if that is "mode=x", the value of "mode"
+ *   is "x" and a line feed.
  *
  * \sa \ref boot, \ref gotchas
  * \since 1.0

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What the scripts share. Sourced by bash, with the project's folder as the current one.
+# What the scripts share. Sourced by bash, with the project's directory as the current one.
 
 # print_usage FILE: the comment that a script begins with.
 print_usage() { sed -n '2,/^[^#]/{/^[^#]/d;s/^# \{0,1\}//;p}' "$1"; }
@@ -85,7 +85,7 @@ require_temporary_folder()
     fi
     [ -z "$probe" ] || rm -rf "$probe"
     [ -z "$trouble" ] ||
-        fail_with_verdict "$trouble; have another folder used: TMPDIR=FOLDER $verdict_name"
+        fail_with_verdict "$trouble; set another directory: TMPDIR=DIRECTORY $verdict_name"
 }
 
 # --- the presets of CMakePresets.json, which CMake reads from 3.21 on: for an older one they are read here
@@ -159,7 +159,7 @@ configure_preset()
     fi
     echo "CMake $(cmake_version) reads no presets (3.21 and later do); it gets the values of \"$preset\":"
     echo "    -G $value ${options[*]}"
-    # Further options may name another build folder.
+    # Further options may name another build directory.
     [[ " $* " == *" -B "* ]] || options+=(-B "build/$preset")
     cmake -S . -G "$value" "${options[@]}" "$@"
 }

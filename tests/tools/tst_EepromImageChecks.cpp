@@ -69,7 +69,7 @@ void tst_EepromImageChecks::verifySaysWhereEverythingStands()
     writeFile(QStringLiteral("eeprom"), image);
     const ProgramResult result = run(QStringLiteral("verify"), QStringLiteral("eeprom"));
     QCOMPARE(result.errors, QString());
-    QCOMPARE(result.output, QStringLiteral("eeprom: the image is sound\n"
+    QCOMPARE(result.output, QStringLiteral("eeprom: the image is valid\n"
                                            "  header    16 bytes, 20 to 35 (0x14 to 0x23)\n"
                                            "  block     %1\n"
                                            "  checksum  0x%2\n")
@@ -115,13 +115,14 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
                           "(0xffffffff to 0x10000001e), are there");
     QTest::newRow("wrong checksum")
         << Image(boardText).checksum(1).bytes() << eeprom << 16
-        << QStringLiteral("the checksum is wrong: 0x0001 stands at 32, but 0x%1 is that of the "
+        << QStringLiteral("the checksum is wrong: 0x0001 is stored at 32, but 0x%1 is that of the "
                           "block's 32 bytes, 36 to 67 (0x24 to 0x43)")
                .arg(Image::crc(boardText), 4, 16, QLatin1Char('0'));
     QTest::newRow("empty, but not the checksum")
         << Image(QByteArray()).checksum(1).bytes() << eeprom << 16
-        << QStringLiteral("the checksum is wrong: 0x0001 stands at 32, but 0x0000 is that of the "
-                          "block's 0 bytes");
+        << QStringLiteral(
+               "the checksum is wrong: 0x0001 is stored at 32, but 0x0000 is that of the "
+               "block's 0 bytes");
     QTest::newRow("zeros") << QByteArray(256, '\0') << eeprom << 17
                            << QStringLiteral("the block is empty, the length at 28 is 0: the image "
                                              "holds no record (an EEPROM full of zeros looks like "

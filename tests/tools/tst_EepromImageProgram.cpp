@@ -21,7 +21,7 @@ const QByteArray boardText = "Type=4711\n"
                              "CompatibilityIndex=3\n"
                              "LP-ID=LP-000815\n"
                              "Comment=Made up\n";
-const QString boardRecord = QStringLiteral("eeprom: the image is sound\n"
+const QString boardRecord = QStringLiteral("eeprom: the image is valid\n"
                                            "  Type                 4711\n"
                                            "  Type name            Sample board\n"
                                            "  Version              2.1\n"
@@ -197,7 +197,7 @@ void tst_EepromImageProgram::showsSoundImages_data()
         << EepromImage(boardText).startAddress(0x4000).size(0x8000).bytes() << boardRecord;
     QTest::newRow("keys missing, values empty")
         << EepromImage("Type=\nTypeName=a,b\nVersion=2\n").bytes()
-        << QStringLiteral("eeprom: the image is sound\n"
+        << QStringLiteral("eeprom: the image is valid\n"
                           "  Type                 (empty: no value, or a comma outside of quotes)\n"
                           "  Type name            (empty: no value, or a comma outside of quotes)\n"
                           "  Version              2\n"
@@ -206,15 +206,15 @@ void tst_EepromImageProgram::showsSoundImages_data()
                           "  Comment              (none)\n");
     QTest::newRow("keys in a section")
         << EepromImage("Comment=here\n[Board]\n" + boardText).bytes()
-        << QStringLiteral("eeprom: the image is sound\n"
+        << QStringLiteral("eeprom: the image is valid\n"
                           "  Type                 (missing)\n"
                           "  Type name            (missing)\n"
                           "  Version              (missing)\n"
                           "  Compatibility index  (missing)\n"
                           "  LP-ID                (missing)\n"
                           "  Comment              here\n"
-                          "None of the keys was found: they must stand before any [section], and "
-                          "the temporary folder must have room.\n");
+                          "None of the keys was found: they must be before any [section], and "
+                          "the temporary directory must not be full.\n");
     QByteArray strangeText = boardText;
     strangeText.replace("Made up", "\\x1b[2J \xE9");
     QString strangeRecord = boardRecord;
@@ -245,7 +245,7 @@ void tst_EepromImageProgram::namesEachKindOfDamage_data()
                              << QStringLiteral("there is no such file");
     QTest::newRow("folder")
         << QByteArray() << QStringLiteral(".") << 11
-        << QStringLiteral("the file cannot be opened: it may not be read, or it is a folder");
+        << QStringLiteral("the file cannot be opened: permission is denied, or it is a directory");
     using Image = EepromImage;
     const QByteArray sound = Image(boardText).bytes();
     row("empty file", "", 12, "the header is cut short: the image ends before byte 36");
@@ -309,7 +309,7 @@ void tst_EepromImageProgram::namesAnUnusableTemporaryFolder()
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
     verifyResult(
         run({QStringLiteral("show"), QStringLiteral("eeprom")}, temporaryFolder), 18, QString(),
-        QStringLiteral("eeprom-image: eeprom: the block is sound, but no temporary file could "
+        QStringLiteral("eeprom-image: eeprom: the block is valid, but no temporary file could "
                        "be made to parse it\n"));
 }
 

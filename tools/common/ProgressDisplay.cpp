@@ -37,7 +37,7 @@ void ProgressDisplay::showStatus(const QString& text)
         return;
     }
     const QString fitting = text.left(columns());
-    // Blanks cover what is left of a longer line.
+    // Spaces overwrite the rest of a longer line.
     redraw(fitting.leftJustified(m_statusWidth));
     m_statusWidth = fitting.size();
 }

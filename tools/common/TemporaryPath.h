@@ -5,7 +5,7 @@
 
 namespace TemporaryPath {
 
-// The path of a temporary file or folder of this program, whose XXXXXX QTemporaryFile and
+// The path of a temporary file or directory of this program, whose XXXXXX QTemporaryFile and
 // QTemporaryDir replace.
 QString pattern();
 

@@ -56,8 +56,8 @@ QString WholeFile::replace(const QString& path, const QByteArray& bytes)
         return file.errorString();
     }
     const bool isOwnerKept = !old || keepOwner(file.handle(), *old);
-    // A commit alone passes over a flush that fails, as on a full disk, and puts what was written
-    // so far in the file's place.
+    // commit() alone ignores a failed flush, as on a full disk, and replaces the file with what was
+    // written so far.
     if (file.write(bytes) != bytes.size() || !file.flush() || !file.commit()) {
         return file.errorString();
     }

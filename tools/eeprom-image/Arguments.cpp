@@ -50,7 +50,7 @@ Every command knows:
   -v, --version     show the version
 
 Exit codes:
-   0  done; the image is sound
+   0  done; the image is valid
    1  wrong usage
    5  the output could not be written
 create:
@@ -68,8 +68,8 @@ show, verify, dump and extract:
   15  the block is cut short
   16  the checksum is wrong
   17  the block is empty
-  18  the block is sound but could not be parsed (show alone)
-  19  any other failure (show alone)
+  18  the block is valid but could not be parsed (show only)
+  19  any other failure (show only)
 )";
 
 } // namespace

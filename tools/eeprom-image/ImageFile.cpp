@@ -88,13 +88,14 @@ void ImageFile::judge(const QString& readError)
                         .arg(range(startAddress(), length())) +
                     because(readError));
     } else if (calculatedChecksum() != storedChecksum()) {
-        condemn(ExitCode::ChecksumWrong,
-                QStringLiteral("the checksum is wrong: 0x%1 stands at %2, but 0x%3 is that of the "
-                               "block's %4")
-                    .arg(storedChecksum(), 4, 16, QLatin1Char('0'))
-                    .arg(checksumField)
-                    .arg(*calculatedChecksum(), 4, 16, QLatin1Char('0'))
-                    .arg(range(startAddress(), length())));
+        condemn(
+            ExitCode::ChecksumWrong,
+            QStringLiteral("the checksum is wrong: 0x%1 is stored at %2, but 0x%3 is that of the "
+                           "block's %4")
+                .arg(storedChecksum(), 4, 16, QLatin1Char('0'))
+                .arg(checksumField)
+                .arg(*calculatedChecksum(), 4, 16, QLatin1Char('0'))
+                .arg(range(startAddress(), length())));
     } else if (length() == 0) {
         condemn(
             ExitCode::BlockEmpty,

@@ -17,7 +17,7 @@ class ImageFile
 public:
     explicit ImageFile(const QString& filePath);
 
-    // The verdict: ExitCode::Done for a sound image, and else what is wrong and where.
+    // The verdict: ExitCode::Done for a valid image, otherwise what is wrong and where.
     ExitCode verdict() const { return m_verdict; }
     QString trouble() const { return m_trouble; }
 

@@ -25,7 +25,7 @@ struct Failure
 constexpr Failure failures[] = {
     {"Can't find eeprom binary file", ExitCode::NoSuchImage, "there is no such file"},
     {"Can't open eeprom binary file", ExitCode::CannotOpenImage,
-     "the file cannot be opened: it may not be read, or it is a folder"},
+     "the file cannot be opened: permission is denied, or it is a directory"},
     {"Number of INI header bytes is", ExitCode::HeaderShort,
      "the header is cut short: the image ends before byte 36"},
     {"Seek to start addr", ExitCode::StartAddressUnreachable,
@@ -41,9 +41,9 @@ constexpr Failure failures[] = {
      "the block is empty, its length is 0: the image holds no record (an EEPROM full of zeros "
      "looks like this)"},
     {"Can't open temporary file", ExitCode::CannotParseBlock,
-     "the block is sound, but no temporary file could be made to parse it"},
+     "the block is valid, but no temporary file could be made to parse it"},
     {"Can't create 'IniFileManager' object!", ExitCode::CannotParseBlock,
-     "the block is sound, but there is not enough memory to parse it"},
+     "the block is valid, but there is not enough memory to parse it"},
 };
 
 struct Field
@@ -105,8 +105,8 @@ void printRecord(const HardwareInfo& info)
     }
     if (!isAnyFound) {
         CommandLine::print(
-            QStringLiteral("None of the keys was found: they must stand before any [section], "
-                           "and the temporary folder must have room."));
+            QStringLiteral("None of the keys was found: they must be before any [section], "
+                           "and the temporary directory must not be full."));
     }
 }
 
@@ -142,7 +142,7 @@ ExitCode showRecord(const QString& filePath, bool isJson)
         printJson(filePath, info);
         return ExitCode::Done;
     }
-    CommandLine::print(QStringLiteral("%1: the image is sound").arg(filePath));
+    CommandLine::print(QStringLiteral("%1: the image is valid").arg(filePath));
     printRecord(info);
     return ExitCode::Done;
 }

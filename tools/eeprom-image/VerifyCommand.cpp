@@ -11,7 +11,7 @@ namespace {
 
 void printLayout(const QString& filePath, const ImageFile& image)
 {
-    CommandLine::print(QStringLiteral("%1: the image is sound").arg(filePath));
+    CommandLine::print(QStringLiteral("%1: the image is valid").arg(filePath));
     CommandLine::print(QStringLiteral("  header    ") +
                        ImageFile::range(ImageFormat::headerAddress, ImageFormat::headerSize));
     CommandLine::print(QStringLiteral("  block     ") +

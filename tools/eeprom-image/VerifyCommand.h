@@ -5,7 +5,7 @@
 
 #include <QtCore/QStringList>
 
-// Says whether an image is sound, or what is wrong with it and where; see the help.
+// Reports whether an image is valid, or what is wrong with it and where; see the help.
 ExitCode verifyImage(const QStringList& arguments);
 
 #endif
