@@ -16,8 +16,7 @@ int main()
     file.close();
 
     //! [digest]
-    // Carriage returns do not count: a text has the same digest with the line endings of any
-    // system.
+    // Carriage returns do not count: a text has the same digest with any line endings.
     const QByteArray digest =
         HashGenerator::createHashFromFile(file.fileName(), QCryptographicHash::Sha256);
     std::printf("sha256 %s\n", digest.toHex().constData()); // a digest is bytes, not text
