@@ -38,6 +38,19 @@ bool isChild(const QString& process)
     return stat.mid(stat.lastIndexOf(')') + 2).split(' ').value(1).toLong() == getpid();
 }
 
+// A joined thread may remain in /proc for a moment.
+long countThreads()
+{
+    constexpr int longWhileInMs = 100;
+
+    long threads = entries("/proc/self/task").size();
+    for (int i = 0; threads > 1 && i < longWhileInMs; ++i) {
+        usleep(1000);
+        threads = entries("/proc/self/task").size();
+    }
+    return threads;
+}
+
 long countChildren()
 {
     long children = 0;
@@ -71,7 +84,7 @@ ProcessUsage ProcessUsage::now()
 {
     ProcessUsage usage;
     usage.descriptors = entries("/proc/self/fd").size();
-    usage.threads = entries("/proc/self/task").size();
+    usage.threads = countThreads();
     usage.children = countChildren();
     usage.inotifyWatches = countInotifyWatches();
     usage.heapInKiB = readHeapInKiB();

@@ -794,7 +794,8 @@ void tst_EepromImageProgram::showsJson()
 
 void tst_EepromImageProgram::extractsTheText()
 {
-    const QByteArray text = boardText + QByteArray("; \0\xff and no line feed at the end", 35);
+    constexpr char lastLine[] = "; \0\xff and no line feed at the end";
+    const QByteArray text = boardText + QByteArray(lastLine, sizeof lastLine - 1);
     writeFile(QStringLiteral("eeprom"), EepromImage(text).startAddress(100).size(4096).bytes());
     QCOMPARE(shell(QStringLiteral("\"$0\" extract eeprom >text")), QByteArray("0"));
     QCOMPARE(readFile(path(QStringLiteral("text"))), text);
