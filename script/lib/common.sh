@@ -74,14 +74,14 @@ fail_with_verdict()
 # --- where temporary files go
 
 # Builds, tests and the demonstration write files there, and some of these are programs.
-require_temporary_folder()
+require_temporary_directory()
 {
-    local folder=${TMPDIR:-/tmp} probe trouble=
-    if ! probe=$(mktemp -d "$folder/misctools.XXXXXX" 2>/dev/null) ||
+    local directory=${TMPDIR:-/tmp} probe trouble=
+    if ! probe=$(mktemp -d "$directory/misctools.XXXXXX" 2>/dev/null) ||
         ! printf '#!/bin/sh\n' >"$probe/program" 2>/dev/null; then
-        trouble="no file can be written in $folder"
+        trouble="no file can be written in $directory"
     elif ! chmod +x "$probe/program" || ! "$probe/program" 2>/dev/null; then
-        trouble="no program can be started in $folder, which may be mounted noexec"
+        trouble="no program can be started in $directory, which may be mounted noexec"
     fi
     [ -z "$probe" ] || rm -rf "$probe"
     [ -z "$trouble" ] ||
@@ -102,7 +102,7 @@ cmake_reads_presets()
 # object, and the value of a text. The file has a line for each.
 preset_values()
 {
-    PROJECT_FOLDER=$PWD awk -v kind="$1" -v preset="$2" -v key="$3" '
+    PROJECT_DIRECTORY=$PWD awk -v kind="$1" -v preset="$2" -v key="$3" '
         function value_of(line) {
             sub(/^[^:]*: "/, "", line)
             sub(/",?$/, "", line)
@@ -133,7 +133,7 @@ preset_values()
         END {
             for (name = preset; name in parents || name in values; name = parents[name])
                 all = values[name] all
-            all = replaced(all, "${sourceDir}", ENVIRON["PROJECT_FOLDER"])
+            all = replaced(all, "${sourceDir}", ENVIRON["PROJECT_DIRECTORY"])
             printf "%s", replaced(all, "${presetName}", preset)
         }' CMakePresets.json
 }

@@ -268,11 +268,11 @@ def media(bench):
                      "echo x >/mnt/4.csv; echo x >/mnt/5.txt; sync")
         expect_lines(("probe", "directory watcher: /mnt", 1), ("probe", "media watcher: 4 files", 1),
                      ("probe", "worker: 4 files", 1), ("watch", "+ 4.csv", 1), ("watch", "+ 2026/3.csv", 1))
-        # Nothing holds the medium; its end is a change of the folder.
+        # Nothing holds the medium; its end is a change of the directory.
         bench.output("umount /mnt && rm /run/mounted")
         expect_lines(("probe", "gone", 1), ("probe", "directory watcher: /mnt", 2),
                      ("watch", "medium removed", 1))
-        # The watch has gone with the medium: what happens in the folder below it is not reported.
+        # The watch has gone with the medium: what happens in the directory below it is not reported.
         bench.output("touch /mnt/x; rm /mnt/x; sleep 2; mount -t vfat /dev/sda /mnt && touch /run/mounted")
         expect_lines(("probe", "mounted", 2), ("probe", "media watcher: 4 files", 2),
                      ("watch", "medium mounted", 2), ("watch", "/mnt: 4 files (*.csv)", 1))

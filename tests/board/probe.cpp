@@ -93,7 +93,7 @@ int settings(const QStringList& arguments)
 class Medium : public QObject
 {
 public:
-    explicit Medium(const QString& folder) : m_folder(folder), m_media(nullptr)
+    explicit Medium(const QString& directory) : m_directory(directory), m_media(nullptr)
     {
         m_media.setRecursive(true);
         m_media.setFileMatchPatternList({QStringLiteral("*.csv")});
@@ -104,8 +104,8 @@ public:
 
     void search()
     {
-        m_media.mediumMounted(m_folder);
-        auto* worker = new RecursiveFileSearchWorkerThread(m_folder, {QStringLiteral("*.csv")});
+        m_media.mediumMounted(m_directory);
+        auto* worker = new RecursiveFileSearchWorkerThread(m_directory, {QStringLiteral("*.csv")});
         connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, this,
                 [](const QStringList& files) {
                     say(QStringLiteral("worker: %1 files").arg(files.size()));
@@ -115,7 +115,7 @@ public:
 
     void watch()
     {
-        m_directories.reset(new DirectoryWatcher(m_folder));
+        m_directories.reset(new DirectoryWatcher(m_directory));
         m_directories->setDelayInMs(500);
         connect(m_directories.data(), &DirectoryWatcher::directoryChanged, this,
                 [this](QStringList changed) {
@@ -126,7 +126,7 @@ public:
     }
 
 private:
-    QString m_folder;
+    QString m_directory;
     MediaWatcher m_media;
     QScopedPointer<DirectoryWatcher> m_directories;
 };

@@ -19,7 +19,7 @@
 
 namespace {
 
-const QString root = QStringLiteral(PROJECT_FOLDER);
+const QString root = QStringLiteral(PROJECT_DIRECTORY);
 const QString net = "Net";
 const QString key = "key";
 
@@ -314,10 +314,10 @@ void tst_Gotchas::specialFilesBecomeRegularFiles()
 void tst_Gotchas::filterExcludesDotEntries()
 {
     QFileInfoList entries;
-    searchFilesOnPathRecursive(folder(), {}, entries);
+    searchFilesOnPathRecursive(directory(), {}, entries);
     QCOMPARE(entries.size(), 2);
     entries.clear();
-    searchFilesOnPathRecursive(folder(), {}, QDir::AllEntries | QDir::NoDotAndDotDot, entries);
+    searchFilesOnPathRecursive(directory(), {}, QDir::AllEntries | QDir::NoDotAndDotDot, entries);
     QVERIFY(entries.isEmpty());
 }
 
@@ -356,7 +356,7 @@ void tst_Gotchas::watchesRunOut()
     for (int i = 0; i < 5; ++i) {
         QVERIFY(QDir().mkdir(path(QString::number(i))));
     }
-    const ChildResult result = runLimited("watches", folder());
+    const ChildResult result = runLimited("watches", directory());
     MISCTOOLS_NEED_LIMITS(result);
     QCOMPARE(result.exitCode, 2);
     const QByteArray message = "inotify_add_watch(" + path("3").toUtf8() + ") failed:";
@@ -370,7 +370,7 @@ void tst_Gotchas::watchesRunOut()
 void tst_Gotchas::watchersBeyondTheLimitPollEverySecond()
 {
     QVERIFY(QDir().mkdir(path("inbox")));
-    const ChildResult result = runLimited("instances", folder());
+    const ChildResult result = runLimited("instances", directory());
     MISCTOOLS_NEED_LIMITS(result);
     QVERIFY2(result.output.isEmpty(), result.output.constData());
     QCOMPARE(result.exitCode, 0);

@@ -71,15 +71,15 @@ namespace {
 
 int openDescriptors()
 {
-    DIR* const folder = opendir("/proc/self/fd");
-    if (!folder) {
+    DIR* const directory = opendir("/proc/self/fd");
+    if (!directory) {
         return -1;
     }
     int count = 0;
-    while (readdir(folder)) {
+    while (readdir(directory)) {
         ++count;
     }
-    closedir(folder);
+    closedir(directory);
     return count;
 }
 

@@ -39,14 +39,14 @@ QByteArray readFile(const QString& filePath)
     return file.open(QIODevice::ReadOnly) ? QByteArray("").append(file.readAll()) : QByteArray();
 }
 
-QString iniPath(const QString& folder)
+QString iniPath(const QString& directory)
 {
-    return folder + "/settings.ini";
+    return directory + "/settings.ini";
 }
 
-QString dataPath(const QString& folder)
+QString dataPath(const QString& directory)
 {
-    return folder + "/data";
+    return directory + "/data";
 }
 
 bool matches(const QString& text, const QString& pattern)
@@ -88,12 +88,12 @@ QString firstStranger(const QStringList& texts, const QString& pattern)
     return QString();
 }
 
-// What lies in the folder beside the files that belong there. A temporary file may stay when it
+// What lies in the directory beside the files that belong there. A temporary file may stay when it
 // cannot be removed.
-QString problemOfLeftovers(const QString& folder, const QString& files, const Outcome& outcome)
+QString problemOfLeftovers(const QString& directory, const QString& files, const Outcome& outcome)
 {
-    const QStringList names = QDir(folder).entryList(QDir::AllEntries | QDir::Hidden |
-                                                     QDir::System | QDir::NoDotAndDotDot);
+    const QStringList names = QDir(directory).entryList(QDir::AllEntries | QDir::Hidden |
+                                                        QDir::System | QDir::NoDotAndDotDot);
     const QString left = outcome.hasFailed("unlink")
                              ? QStringLiteral("|.*\\.[A-Za-z]{6}|settings\\.ini\\.lock")
                              : QString();
@@ -139,42 +139,42 @@ QByteArray cleanedKeys()
     return manyKeys().replace("%23", "#").replace(',', ' ');
 }
 
-void prepareCleanUp(const QString& folder)
+void prepareCleanUp(const QString& directory)
 {
-    writeFile(iniPath(folder), manyKeys());
+    writeFile(iniPath(directory), manyKeys());
 }
 
-QStringList useCleanUp(const QString& folder)
+QStringList useCleanUp(const QString& directory)
 {
-    IniFileManager::cleanUp(iniPath(folder));
+    IniFileManager::cleanUp(iniPath(directory));
     return QStringList();
 }
 
 // With functions of the application the text is worked on as a whole.
-QStringList useCleanUpOfApplication(const QString& folder)
+QStringList useCleanUpOfApplication(const QString& directory)
 {
     IniFileManager::sm_CleanUpFunctions.append([](QString&) {});
-    return useCleanUp(folder);
+    return useCleanUp(directory);
 }
 
-bool isCleanUpWhole(const QString& folder)
+bool isCleanUpWhole(const QString& directory)
 {
-    const QByteArray text = readFile(iniPath(folder));
+    const QByteArray text = readFile(iniPath(directory));
     return text == manyKeys() || text == cleanedKeys();
 }
 
-QString problemOfCleanUp(const QString& folder, const Outcome& outcome)
+QString problemOfCleanUp(const QString& directory, const Outcome& outcome)
 {
-    const bool isNew = readFile(iniPath(folder)) == cleanedKeys();
+    const bool isNew = readFile(iniPath(directory)) == cleanedKeys();
     const bool hasMessage = !ofLibrary(outcome.messages).isEmpty();
     return firstProblem(
-        {problemUnless(isCleanUpWhole(folder), "the file is neither the old nor the new one"),
+        {problemUnless(isCleanUpWhole(directory), "the file is neither the old nor the new one"),
          problemUnless(isNew || outcome.hasFault(), "the file is not cleaned up"),
          problemUnless(!isNew || !hasMessage, "a message, though the file is cleaned up"),
          problemUnless(outcome.messages.size() <= 1, "more than one message"),
          problemOfMessages(outcome, QStringLiteral("IniFileManager: Can not open file: \"%1\"")
-                                        .arg(QRegularExpression::escape(iniPath(folder)))),
-         problemOfLeftovers(folder, "settings\\.ini", outcome)});
+                                        .arg(QRegularExpression::escape(iniPath(directory)))),
+         problemOfLeftovers(directory, "settings\\.ini", outcome)});
 }
 
 // Set and sync
@@ -183,25 +183,25 @@ const QByteArray oldSettings = "[Net]\nName=a\nPort=80\n";
 const QByteArray newSettings = "[Net]\nName=a\nPort=8080\n";
 const QByteArray firstSettings = "[Net]\nPort=8080\n";
 
-QStringList useSetAndSync(const QString& folder)
+QStringList useSetAndSync(const QString& directory)
 {
-    IniFileManager manager(iniPath(folder), nullptr);
+    IniFileManager manager(iniPath(directory), nullptr);
     manager.setValue("Net", "Port", 8080);
     manager.sync();
     return QStringList();
 }
 
 // Nothing is not the same as an empty file.
-bool isEither(const QString& folder, const QByteArray& before, const QByteArray& after)
+bool isEither(const QString& directory, const QByteArray& before, const QByteArray& after)
 {
-    const QByteArray text = readFile(iniPath(folder));
+    const QByteArray text = readFile(iniPath(directory));
     return text == after || (text == before && text.isNull() == before.isNull());
 }
 
-QString problemOfSettings(const QString& folder, const Outcome& outcome, const QByteArray& before,
-                          const QByteArray& after)
+QString problemOfSettings(const QString& directory, const Outcome& outcome,
+                          const QByteArray& before, const QByteArray& after)
 {
-    const QByteArray text = readFile(iniPath(folder));
+    const QByteArray text = readFile(iniPath(directory));
     // QSettings of Qt 5.15 takes a file that it cannot find or read for an empty one, and does not
     // notice when the last bytes of the new one cannot be written.
     const bool isLossOfQt =
@@ -210,37 +210,37 @@ QString problemOfSettings(const QString& folder, const Outcome& outcome, const Q
                                     outcome.hasFailed("statx"))) ||
          (text.isEmpty() && outcome.hasFailed("write")));
     return firstProblem(
-        {problemUnless(isEither(folder, before, after) || isLossOfQt,
+        {problemUnless(isEither(directory, before, after) || isLossOfQt,
                        "the file is neither the old nor the new one"),
          problemUnless(text == after || outcome.hasFault(), "the setting is not in the file"),
          problemOfMessages(outcome, QStringLiteral("IniFileManager: Can't find specified ini-file: "
                                                    "\"%1\"")
-                                        .arg(QRegularExpression::escape(iniPath(folder)))),
-         problemOfLeftovers(folder, "settings\\.ini", outcome)});
+                                        .arg(QRegularExpression::escape(iniPath(directory)))),
+         problemOfLeftovers(directory, "settings\\.ini", outcome)});
 }
 
 // Hardware
 
 const QStringList boardRecord = {"4711", "Sample board", "2.1", "3", "815", "Made up"};
 
-void prepareHardware(const QString& folder)
+void prepareHardware(const QString& directory)
 {
-    writeFile(dataPath(folder), EepromImage("Type=4711\nTypeName=Sample board\nVersion=2.1\n"
-                                            "CompatibilityIndex=3\nLP-ID=815\nComment=Made up\n")
-                                    .bytes());
+    writeFile(dataPath(directory), EepromImage("Type=4711\nTypeName=Sample board\nVersion=2.1\n"
+                                               "CompatibilityIndex=3\nLP-ID=815\nComment=Made up\n")
+                                       .bytes());
 }
 
-QStringList useHardware(const QString& folder)
+QStringList useHardware(const QString& directory)
 {
     HardwareInfo info;
     info.setType("untouched");
     const bool isRead = HardwareInfoReader(nullptr).readHardwareInfoFromSysFs(
-        folder + "/hwinfo.XXXXXX", dataPath(folder), info);
+        directory + "/hwinfo.XXXXXX", dataPath(directory), info);
     return {QString::number(isRead), info.type(), info.typeName(), info.hwVersion(),
             info.hwCompIndex(),      info.lpId(), info.Comment()};
 }
 
-QString problemOfHardware(const QString& folder, const Outcome& outcome)
+QString problemOfHardware(const QString& directory, const Outcome& outcome)
 {
     const bool isRead = outcome.results.value(0) == "1";
     const QStringList record = outcome.results.mid(1);
@@ -251,7 +251,7 @@ QString problemOfHardware(const QString& folder, const Outcome& outcome)
     }
     const QStringList untouched = {"untouched", QString(), QString(),
                                    QString(),   QString(), QString()};
-    const QString image = QRegularExpression::escape(dataPath(folder));
+    const QString image = QRegularExpression::escape(dataPath(directory));
     const QString ofReader =
         QStringLiteral(
             "HardwareInfoReader: (Can't (find|open) eeprom binary file \"%1\" \\."
@@ -273,21 +273,21 @@ QString problemOfHardware(const QString& folder, const Outcome& outcome)
                        "not the right number of messages"),
          problemUnless(record == boardRecord || outcome.hasFault(), "the record is not read"),
          problemOfMessages(outcome, isRead ? ofParse : ofReader),
-         problemOfLeftovers(folder, "data", outcome)});
+         problemOfLeftovers(directory, "data", outcome)});
 }
 
 // Hash
 
 const QByteArray hashedData = QByteArray(100000, 'a');
 
-QStringList useHash(const QString& folder)
+QStringList useHash(const QString& directory)
 {
     const QByteArray hash =
-        HashGenerator::createHashFromFile(dataPath(folder), QCryptographicHash::Sha256);
+        HashGenerator::createHashFromFile(dataPath(directory), QCryptographicHash::Sha256);
     return {QString::fromLatin1(hash.toHex())};
 }
 
-QString problemOfHash(const QString& folder, const Outcome& outcome)
+QString problemOfHash(const QString& directory, const Outcome& outcome)
 {
     const auto hashOf = [](const QByteArray& data) {
         return QString::fromLatin1(
@@ -304,19 +304,19 @@ QString problemOfHash(const QString& folder, const Outcome& outcome)
                        "not the right number of messages"),
          problemOfMessages(outcome, QStringLiteral("HashGenerator: (Can't find file: \"%1\" !"
                                                    "|Can't open file: \"%1\" \\( \".+\" \\)!)")
-                                        .arg(QRegularExpression::escape(dataPath(folder))))});
+                                        .arg(QRegularExpression::escape(dataPath(directory))))});
 }
 
 // Match
 
-QStringList useMatch(const QString& folder)
+QStringList useMatch(const QString& directory)
 {
-    TextFileParser parser(dataPath(folder));
+    TextFileParser parser(dataPath(directory));
     return QStringList(parser.getLastError())
            << parser.multiMatch(QRegularExpression("[abc]=(\\d)"));
 }
 
-QString problemOfMatch(const QString& folder, const Outcome& outcome)
+QString problemOfMatch(const QString& directory, const Outcome& outcome)
 {
     const QString error = outcome.results.value(0);
     const QStringList found = outcome.results.mid(1);
@@ -334,7 +334,7 @@ QString problemOfMatch(const QString& folder, const Outcome& outcome)
                        "the messages are not those of the error"),
          problemUnless(matches(error, QStringLiteral("(File doesn't exists: %1"
                                                      "|Can't open file %1 IO Error: .+)?")
-                                          .arg(QRegularExpression::escape(dataPath(folder)))),
+                                          .arg(QRegularExpression::escape(dataPath(directory)))),
                        "an unknown error")});
 }
 
@@ -376,24 +376,24 @@ QString problemOfMarker(const QString& marker, const Outcome& outcome, const QSt
 
 // Search
 
-void prepareSearch(const QString& folder)
+void prepareSearch(const QString& directory)
 {
-    writeFile(folder + "/a.txt", "1");
-    writeFile(folder + "/b/c.txt", "1");
-    writeFile(folder + "/b/d/e.txt", "1");
-    QFile::link(folder, folder + "/link");
+    writeFile(directory + "/a.txt", "1");
+    writeFile(directory + "/b/c.txt", "1");
+    writeFile(directory + "/b/d/e.txt", "1");
+    QFile::link(directory, directory + "/link");
 }
 
-QStringList useSearch(const QString& folder)
+QStringList useSearch(const QString& directory)
 {
     QStringList found;
-    searchFilesOnPathRecursive(folder, {"*"}, found);
+    searchFilesOnPathRecursive(directory, {"*"}, found);
     return found;
 }
 
-QString problemOfSearch(const QString& folder, const Outcome& outcome)
+QString problemOfSearch(const QString& directory, const Outcome& outcome)
 {
-    const QStringList all = useSearch(folder);
+    const QStringList all = useSearch(directory);
     const QSet<QString> known(all.begin(), all.end());
     const QSet<QString> found(outcome.results.begin(), outcome.results.end());
     return firstProblem(
@@ -405,12 +405,12 @@ QString problemOfSearch(const QString& folder, const Outcome& outcome)
 
 // Programs
 
-QStringList useProgram(const QString& folder)
+QStringList useProgram(const QString& directory)
 {
     QProcessHandler handler;
     handler.setWaitForStartedTimeout(2000);
     handler.setWaitForFinishedTimeout(2000);
-    handler.setWorkingDirectory(folder);
+    handler.setWorkingDirectory(directory);
     const int exitCode = handler.startProcess("/bin/sh", {"-c", "echo a; exit 3"});
     return {QString::number(exitCode), handler.getStandardOutput(), handler.getStandardError()};
 }
@@ -475,18 +475,20 @@ QVector<Operation> Operations::writing()
     return cleaningUp() +
            QVector<Operation>{
                {"set and sync",
-                [](const QString& folder) { writeFile(iniPath(folder), oldSettings); },
+                [](const QString& directory) { writeFile(iniPath(directory), oldSettings); },
                 &useSetAndSync,
-                [](const QString& folder, const Outcome& outcome) {
-                    return problemOfSettings(folder, outcome, oldSettings, newSettings);
+                [](const QString& directory, const Outcome& outcome) {
+                    return problemOfSettings(directory, outcome, oldSettings, newSettings);
                 },
-                [](const QString& folder) { return isEither(folder, oldSettings, newSettings); }},
+                [](const QString& directory) {
+                    return isEither(directory, oldSettings, newSettings);
+                }},
                {"set and sync of a new file", [](const QString&) {}, &useSetAndSync,
-                [](const QString& folder, const Outcome& outcome) {
-                    return problemOfSettings(folder, outcome, QByteArray(), firstSettings);
+                [](const QString& directory, const Outcome& outcome) {
+                    return problemOfSettings(directory, outcome, QByteArray(), firstSettings);
                 },
-                [](const QString& folder) {
-                    return isEither(folder, QByteArray(), firstSettings);
+                [](const QString& directory) {
+                    return isEither(directory, QByteArray(), firstSettings);
                 }}};
 }
 
@@ -495,11 +497,12 @@ QVector<Operation> Operations::transferring()
     return writing() +
            QVector<Operation>{
                {"hardware", &prepareHardware, &useHardware, &problemOfHardware},
-               {"hash", [](const QString& folder) { writeFile(dataPath(folder), hashedData); },
+               {"hash",
+                [](const QString& directory) { writeFile(dataPath(directory), hashedData); },
                 &useHash, &problemOfHash},
                {"match",
-                [](const QString& folder) {
-                    writeFile(dataPath(folder), "a=1\nb=2\n" + hashedData + "\nc=3\n");
+                [](const QString& directory) {
+                    writeFile(dataPath(directory), "a=1\nb=2\n" + hashedData + "\nc=3\n");
                 },
                 &useMatch, &problemOfMatch},
                {"command line",
@@ -545,12 +548,12 @@ QVector<Operation> Operations::all()
            };
 }
 
-Outcome Operations::run(const Operation& operation, const QString& folder, const Fault& fault,
+Outcome Operations::run(const Operation& operation, const QString& directory, const Fault& fault,
                         MessageRecorder& messages)
 {
     Outcome outcome;
-    outcome.run = FaultyProcess::run(fault, [&operation, &folder, &messages] {
-        const QStringList results = operation.use(folder);
+    outcome.run = FaultyProcess::run(fault, [&operation, &directory, &messages] {
+        const QStringList results = operation.use(directory);
         QStringList texts;
         const QVector<Message> taken = messages.take();
         for (const Message& message : taken) {

@@ -20,20 +20,20 @@ struct Outcome
     bool hasFailed(const char* call) const { return run.failedCalls.contains(call); }
 };
 
-// A use of the library on files in a folder.
+// A use of the library on files in a directory.
 struct Operation
 {
     const char* name;
-    void (*prepare)(const QString& folder);
-    QStringList (*use)(const QString& folder);
+    void (*prepare)(const QString& directory);
+    QStringList (*use)(const QString& directory);
 
     // What the outcome, and the files that are there now, have that they must not; empty when all
     // is as it should be.
-    QString (*problem)(const QString& folder, const Outcome& outcome);
+    QString (*problem)(const QString& directory, const Outcome& outcome);
 
     // Whether the file that it writes is the old one or the new one, byte for byte; a null pointer
     // where it writes none.
-    bool (*isOldOrNew)(const QString& folder) = nullptr;
+    bool (*isOldOrNew)(const QString& directory) = nullptr;
 };
 
 namespace Operations {
@@ -51,7 +51,7 @@ QVector<Operation> transferring();
 QVector<Operation> all();
 
 // Lets a copy of this process, with the fault, do the operation.
-Outcome run(const Operation& operation, const QString& folder, const Fault& fault,
+Outcome run(const Operation& operation, const QString& directory, const Fault& fault,
             MessageRecorder& messages);
 
 } // namespace Operations

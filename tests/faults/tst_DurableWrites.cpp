@@ -166,7 +166,7 @@ void tst_DurableWrites::replacedFileIsFlushed()
     writeFile(QStringLiteral("settings.ini"), "[General]\nName=a\n[Net]\nPort=80\n");
     const FlushLog flushes;
     use(file());
-    QCOMPARE(flushes.directories(), QStringList(folder()));
+    QCOMPARE(flushes.directories(), QStringList(directory()));
 }
 
 void tst_DurableWrites::unchangedFileIsNotFlushed_data()
@@ -233,8 +233,8 @@ void tst_DurableWrites::eachReplacementIsFlushed()
 
 void tst_DurableWrites::directoryOfTheRealFileIsFlushed()
 {
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("real")));
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("links")));
+    QVERIFY(QDir(directory()).mkpath(QStringLiteral("real")));
+    QVERIFY(QDir(directory()).mkpath(QStringLiteral("links")));
     const QString real = writeFile(QStringLiteral("real/settings.ini"), "[Net]\nPort=80\n");
     const QString link = path(QStringLiteral("links/link.ini"));
     QVERIFY(QFile::link(real, link));
@@ -264,7 +264,7 @@ void tst_DurableWrites::replacementByAnotherManagerIsFlushed()
     // Does not change the file, nor what has to be flushed.
     writer.removeValue(QStringLiteral("Net"), QStringLiteral("none"));
     writer.sync();
-    QCOMPARE(flushes.directories(), QStringList(folder()));
+    QCOMPARE(flushes.directories(), QStringList(directory()));
 }
 
 // A file system may give the next file but one the number of the first.

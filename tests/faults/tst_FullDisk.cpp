@@ -14,20 +14,20 @@ constexpr int pageSize = 4096;
 class TinyDisk
 {
 public:
-    explicit TinyDisk(const QString& folder) : m_folder(QFile::encodeName(folder))
+    explicit TinyDisk(const QString& directory) : m_directory(QFile::encodeName(directory))
     {
-        QDir().mkpath(folder);
-        if (mount("none", m_folder.constData(), "tmpfs", 0, "size=64k,nr_inodes=16") != 0) {
+        QDir().mkpath(directory);
+        if (mount("none", m_directory.constData(), "tmpfs", 0, "size=64k,nr_inodes=16") != 0) {
             qFatal("cannot mount a disk of memory");
         }
     }
 
-    ~TinyDisk() { umount2(m_folder.constData(), MNT_DETACH); }
+    ~TinyDisk() { umount2(m_directory.constData(), MNT_DETACH); }
 
     Q_DISABLE_COPY(TinyDisk)
 
 private:
-    const QByteArray m_folder;
+    const QByteArray m_directory;
 };
 
 } // namespace

@@ -59,43 +59,43 @@ private:
     QString lock() const { return path("settings.ini.lock"); }
     QStringList entries() const
     {
-        return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        return QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 };
 
 void tst_RefusedFiles::withoutPermission_data()
 {
     QTest::addColumn<int>("filePermissions");
-    QTest::addColumn<int>("folderPermissions");
+    QTest::addColumn<int>("directoryPermissions");
     QTest::newRow("read-only file") << 0x4444 << 0x7777;
-    QTest::newRow("read-only folder") << 0x6666 << 0x5555;
-    QTest::newRow("read-only file and folder") << 0x4444 << 0x5555;
+    QTest::newRow("read-only directory") << 0x6666 << 0x5555;
+    QTest::newRow("read-only file and directory") << 0x4444 << 0x5555;
     QTest::newRow("unreadable file") << 0x2222 << 0x7777;
-    QTest::newRow("unreadable folder") << 0x6666 << 0x3333;
+    QTest::newRow("unreadable directory") << 0x6666 << 0x3333;
     QTest::newRow("file that may not be touched") << 0x0000 << 0x7777;
 }
 
 void tst_RefusedFiles::withoutPermission()
 {
     QFETCH(int, filePermissions);
-    QFETCH(int, folderPermissions);
+    QFETCH(int, directoryPermissions);
     writeFile("settings.ini", oldSettings);
     QVERIFY(QFile::setPermissions(file(), QFileDevice::Permissions(filePermissions)));
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(folderPermissions)));
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::Permissions(directoryPermissions)));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([this] {
         QElapsedTimer timer;
         timer.start();
         setAndSync(file());
         return timer.elapsed() < 5000 ? 0 : 1;
     });
-    // First of all, so that the folder can be removed.
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7700)));
+    // First of all, so that the directory can be removed.
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::Permissions(0x7700)));
     QVERIFY(QFile::setPermissions(file(), QFileDevice::Permissions(0x6600)));
     QVERIFY(result.exited);
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.output, QByteArray());
-    // A folder that may be written, though not read, is no obstacle.
-    const bool isWritten = qstrcmp(QTest::currentDataTag(), "unreadable folder") == 0;
+    // A directory that may be written, though not read, is no obstacle.
+    const bool isWritten = qstrcmp(QTest::currentDataTag(), "unreadable directory") == 0;
     QCOMPARE(readFile(file()), isWritten ? newSettings : oldSettings);
     QCOMPARE(entries(), QStringList(QStringLiteral("settings.ini")));
 }

@@ -110,7 +110,7 @@ QString Fuzz::toText(const QByteArray& bytes)
     return text;
 }
 
-QString Fuzz::folder()
+QString Fuzz::directory()
 {
     static const QTemporaryDir directory;
     if (!directory.isValid()) {
@@ -121,7 +121,7 @@ QString Fuzz::folder()
 
 QString Fuzz::path(const QString& name)
 {
-    return folder() + QLatin1Char('/') + name;
+    return directory() + QLatin1Char('/') + name;
 }
 
 QString Fuzz::writeFile(const QString& name, const QByteArray& content)

@@ -34,7 +34,7 @@ QByteArray takeLine(QByteArray& bytes);
 QString toText(const QByteArray& bytes);
 
 // The directory of the process, which is in TMPDIR, and a path in it.
-QString folder();
+QString directory();
 QString path(const QString& name);
 
 QString writeFile(const QString& name, const QByteArray& content);

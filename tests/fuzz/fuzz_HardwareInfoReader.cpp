@@ -120,7 +120,7 @@ QStringList libraryRead(HardwareInfoReader& reader, const QString& filePath)
 // The messages without the names of temporary files.
 QStringList takeMessages()
 {
-    static const QRegularExpression blockFile(QRegularExpression::escape(Fuzz::folder()) +
+    static const QRegularExpression blockFile(QRegularExpression::escape(Fuzz::directory()) +
                                               "/(hw\\.[A-Za-z]{6}|block\\d+)");
     return Fuzz::takeMessages().replaceInStrings(blockFile, Fuzz::fileName);
 }

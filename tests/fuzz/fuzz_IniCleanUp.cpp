@@ -19,7 +19,7 @@ void verifyCleanUp(const char* what, const QByteArray& content, const QByteArray
     Fuzz::verifySame(what, Fuzz::readFile(filePath), expected);
     Fuzz::verifySame("messages", Fuzz::takeMessages(), QStringList());
     Fuzz::removeFile(filePath);
-    Fuzz::verify(QDir(Fuzz::folder()).isEmpty(), "a file remained");
+    Fuzz::verify(QDir(Fuzz::directory()).isEmpty(), "a file remained");
 }
 
 } // namespace

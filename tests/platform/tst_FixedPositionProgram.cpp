@@ -25,7 +25,7 @@ void tst_FixedPositionProgram::signalsConnectByPointer()
     QVERIFY(connect(&directories, &DirectoryWatcher::directoryChanged, this, [] {}));
     MediaWatcher media(nullptr);
     QVERIFY(connect(&media, &MediaWatcher::filesFound, this, [] {}));
-    RecursiveFileSearchWorkerThread worker(folder(), QStringList());
+    RecursiveFileSearchWorkerThread worker(directory(), QStringList());
     bool isFinished = false;
     QVERIFY(connect(&worker, &RecursiveFileSearchWorkerThread::searchFinished, this,
                     [&isFinished] { isFinished = true; }));

@@ -153,7 +153,7 @@ Interface readHeader(QString text)
 Interface publicInterface()
 {
     Interface interface;
-    QDirIterator headers(QStringLiteral(INCLUDE_FOLDER), {"*.h"});
+    QDirIterator headers(QStringLiteral(INCLUDE_DIRECTORY), {"*.h"});
     while (headers.hasNext()) {
         QFile header(headers.next());
         if (!header.open(QIODevice::ReadOnly)) {

@@ -95,7 +95,7 @@ bool touch(const QString& path)
 void makeTree(const QString& root)
 {
     for (int i = 0; i < subdirectories; ++i) {
-        const QString directory = QStringLiteral("%1/folder%2").arg(root).arg(i);
+        const QString directory = QStringLiteral("%1/directory%2").arg(root).arg(i);
         require(QDir().mkpath(directory), "a directory of the tree cannot be created");
         for (int j = 0; j < filesPerDirectory; ++j) {
             require(touch(QStringLiteral("%1/file%2.txt").arg(directory).arg(j)),
@@ -123,10 +123,10 @@ void watchDirectories(const QString& root)
     DirectoryWatcher watcher(root);
     watcher.setDelayInMs(1);
     for (int i = 0; i < subdirectories; ++i) {
-        require(watcher.addPath(QStringLiteral("%1/folder%2").arg(root).arg(i)),
+        require(watcher.addPath(QStringLiteral("%1/directory%2").arg(root).arg(i)),
                 "a directory cannot be watched");
     }
-    const QString file = root + "/folder0/new.tmp";
+    const QString file = root + "/directory0/new.tmp";
     const char* const trouble = "a change was not noticed";
     awaitSignal(
         &watcher, &DirectoryWatcher::directoryChanged, [&] { touch(file); }, trouble);
@@ -154,7 +154,7 @@ void searchMedium(const QString& root)
 {
     int found = 0;
     MediaWatcher watcher(nullptr);
-    watcher.setFileMatchPatternList({"*.txt", "folder*"});
+    watcher.setFileMatchPatternList({"*.txt", "directory*"});
     QObject::connect(&watcher, &MediaWatcher::filesFound,
                      [&found](const QFileInfoList& files) { found = files.size(); });
     watcher.mediumMounted(root);

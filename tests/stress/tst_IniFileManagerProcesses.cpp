@@ -93,7 +93,7 @@ void tst_IniFileManagerProcesses::noKeyIsLost()
     }
     QCOMPARE(values.size() + lost, 1 + processCount * roundCount);
     QVERIFY(lost < roundCount); // only occasionally
-    QCOMPARE(QDir(folder()).entryList(QDir::Files), QStringList(QStringLiteral("shared.ini")));
+    QCOMPARE(QDir(directory()).entryList(QDir::Files), QStringList(QStringLiteral("shared.ini")));
 }
 
 int main(int argc, char* argv[])

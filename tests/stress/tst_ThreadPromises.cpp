@@ -79,7 +79,7 @@ int all(int calls)
 QString tst_ThreadPromises::addDirectory(int number) const
 {
     const QString name = QString::number(number);
-    QDir(folder()).mkdir(name);
+    QDir(directory()).mkdir(name);
     writeFile(name + "/file" + name, name.toLatin1());
     return path(name);
 }
@@ -196,7 +196,7 @@ void tst_ThreadPromises::searchesMayBeCalledFromAnyThread()
         QStringList paths;
         searchFilesOnPathRecursive(path(QString::number(number)), {"file*"}, paths);
         QFileInfoList files;
-        searchFilesOnPathRecursive(folder(), {name}, QDir::Files, files);
+        searchFilesOnPathRecursive(directory(), {name}, QDir::Files, files);
         return paths == QStringList(name) && files.size() == 1 &&
                files.constFirst().fileName() == name;
     };

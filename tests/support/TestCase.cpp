@@ -40,8 +40,8 @@ int TestCase::stressRounds(int quickRounds, int fullRounds)
 
 void TestCase::init()
 {
-    m_folder.reset(new QTemporaryDir);
-    QVERIFY2(m_folder->isValid(), qPrintable(m_folder->errorString()));
+    m_directory.reset(new QTemporaryDir);
+    QVERIFY2(m_directory->isValid(), qPrintable(m_directory->errorString()));
     m_recorder.reset(new MessageRecorder);
 }
 
@@ -49,6 +49,6 @@ void TestCase::cleanup()
 {
     const QStringList problems = m_recorder->takeProblems();
     m_recorder.reset();
-    m_folder.reset();
+    m_directory.reset();
     QVERIFY2(problems.isEmpty(), qPrintable(problems.join("\n   ")));
 }

@@ -23,8 +23,8 @@ protected:
     MessageRecorder& messages() { return *m_recorder; }
 
     // The row's directory, and the path of a file in it.
-    QString folder() const { return m_folder->path(); }
-    QString path(const QString& name) const { return m_folder->filePath(name); }
+    QString directory() const { return m_directory->path(); }
+    QString path(const QString& name) const { return m_directory->filePath(name); }
 
     // Writes a file into the row's directory; returns its path.
     QString writeFile(const QString& name, const QByteArray& content) const;
@@ -50,7 +50,7 @@ private Q_SLOTS:
     void cleanup();
 
 private:
-    QScopedPointer<QTemporaryDir> m_folder;
+    QScopedPointer<QTemporaryDir> m_directory;
     QScopedPointer<MessageRecorder> m_recorder;
 };
 

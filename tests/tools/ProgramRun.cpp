@@ -30,14 +30,14 @@ QStringList preloadOf(const QString& libraryPath)
             QStringLiteral("ASAN_OPTIONS=verify_asan_link_order=0")};
 }
 
-ProgramRun::ProgramRun(const QString& program, const QStringList& arguments, const QString& folder,
-                       const QString& temporaryFolder)
+ProgramRun::ProgramRun(const QString& program, const QStringList& arguments,
+                       const QString& directory, const QString& temporaryDirectory)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    environment.insert(QStringLiteral("TMPDIR"), temporaryFolder);
+    environment.insert(QStringLiteral("TMPDIR"), temporaryDirectory);
     m_process.setProcessEnvironment(environment);
-    m_process.setWorkingDirectory(folder);
+    m_process.setWorkingDirectory(directory);
     m_process.start(program, arguments);
 }
 

@@ -21,16 +21,16 @@ void verifyResult(const ProgramResult& result, int exitCode, const QString& outp
 // holds the name of the file alone.
 QStringList preloadOf(const QString& libraryPath);
 
-// A run of a program in a folder, which also takes its temporary files unless told otherwise.
+// A run of a program in a directory, which also takes its temporary files unless told otherwise.
 class ProgramRun
 {
 public:
-    ProgramRun(const QString& program, const QStringList& arguments, const QString& folder)
-        : ProgramRun(program, arguments, folder, folder)
+    ProgramRun(const QString& program, const QStringList& arguments, const QString& directory)
+        : ProgramRun(program, arguments, directory, directory)
     {
     }
-    ProgramRun(const QString& program, const QStringList& arguments, const QString& folder,
-               const QString& temporaryFolder);
+    ProgramRun(const QString& program, const QStringList& arguments, const QString& directory,
+               const QString& temporaryDirectory);
 
     // Gives the program input on its standard input.
     void write(const QByteArray& input);

@@ -112,8 +112,8 @@ QStringList device()
                      info.lastModified().toString(Qt::ISODateWithMs) + QLatin1Char(' ') +
                      QString::fromLatin1(content));
     };
-    for (const QString& folder : {QStringLiteral("/orvalis"), QStringLiteral("/etc/rauc")}) {
-        QDirIterator iterator(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+    for (const QString& directory : {QStringLiteral("/orvalis"), QStringLiteral("/etc/rauc")}) {
+        QDirIterator iterator(directory, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
                               QDirIterator::Subdirectories);
         while (iterator.hasNext()) {
             iterator.next();

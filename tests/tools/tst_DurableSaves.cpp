@@ -20,14 +20,14 @@ private:
     QStringList flushes() const;
 };
 
-// The row's program, in the row's folder.
+// The row's program, in the row's directory.
 void tst_DurableSaves::run()
 {
     QFETCH(QString, program);
     QFETCH(QStringList, arguments);
     QFETCH(int, exitCode);
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("data")));
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("temporary")));
+    QVERIFY(QDir(directory()).mkpath(QStringLiteral("data")));
+    QVERIFY(QDir(directory()).mkpath(QStringLiteral("temporary")));
     QVERIFY(QFile::copy(QStringLiteral(SAMPLE_BOARD), path(QStringLiteral("board.ini"))));
     writeFile(QStringLiteral("data/commas.ini"), "a=1,2\n");
     writeFile(QStringLiteral("data/clean.ini"), "a=1\n");
@@ -36,7 +36,7 @@ void tst_DurableSaves::run()
         preloadOf(QStringLiteral(FLUSH_RECORDER)) +
             QStringList{QStringLiteral("FLUSH_LOG=") + path(QStringLiteral("log")), program} +
             arguments,
-        folder(), path(QStringLiteral("temporary")));
+        directory(), path(QStringLiteral("temporary")));
     programRun.write("1\n2\n");
     const ProgramResult result = programRun.finish();
     QVERIFY2(result.exitCode == exitCode, qPrintable(result.output + result.errors));

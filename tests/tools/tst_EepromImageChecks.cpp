@@ -32,7 +32,7 @@ private Q_SLOTS:
 private:
     ProgramResult run(const QStringList& arguments) const
     {
-        return ProgramRun(QStringLiteral(EEPROM_IMAGE_PROGRAM), arguments, folder()).finish();
+        return ProgramRun(QStringLiteral(EEPROM_IMAGE_PROGRAM), arguments, directory()).finish();
     }
     ProgramResult run(const QString& command, const QString& file) const
     {
@@ -80,7 +80,7 @@ void tst_EepromImageChecks::verifySaysWhereEverythingStands()
 
 void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
 {
-    QTest::addColumn<QByteArray>("image"); // null: no file, or a folder
+    QTest::addColumn<QByteArray>("image"); // null: no file, or a directory
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("trouble");
@@ -89,9 +89,9 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
     const QString eeprom = QStringLiteral("eeprom");
     QTest::newRow("no file") << QByteArray() << eeprom << 10
                              << QStringLiteral("there is no such file");
-    QTest::newRow("folder") << QByteArray() << QStringLiteral(".") << 11
-                            << QStringLiteral(
-                                   "the file cannot be opened (file to open is a directory)");
+    QTest::newRow("directory") << QByteArray() << QStringLiteral(".") << 11
+                               << QStringLiteral(
+                                      "the file cannot be opened (file to open is a directory)");
     QTest::newRow("empty file") << QByteArray("") << eeprom << 12
                                 << QStringLiteral("the header is cut short: 0 of its 16 bytes, 20 "
                                                   "to 35 (0x14 to 0x23), are there");
@@ -165,7 +165,8 @@ void tst_EepromImageChecks::pipesCannotBePositioned()
 {
     for (const char* command : {"verify", "dump"}) {
         ProgramRun program(QStringLiteral(EEPROM_IMAGE_PROGRAM),
-                           {QString::fromLatin1(command), QStringLiteral("/dev/stdin")}, folder());
+                           {QString::fromLatin1(command), QStringLiteral("/dev/stdin")},
+                           directory());
         program.write(EepromImage(boardText).bytes());
         const ProgramResult result = program.finish();
         QCOMPARE(result.errors,

@@ -51,8 +51,8 @@ private Q_SLOTS:
     void namesAnUnreachableStartAddress();
     void unreachableStartAddressOfAnEeprom_data();
     void unreachableStartAddressOfAnEeprom();
-    void namesAnUnusableTemporaryFolder_data();
-    void namesAnUnusableTemporaryFolder();
+    void namesAnUnusableTemporaryDirectory_data();
+    void namesAnUnusableTemporaryDirectory();
     void noticesEveryFlippedBit();
     void verboseShowsWhatTheLibraryLogs();
     void showLeavesNothingBehind();
@@ -86,12 +86,12 @@ private:
     ProgramResult runOnEeprom(const QStringList& environment, const QStringList& arguments) const;
     ProgramResult createInEeprom(const QStringList& environment) const;
     QByteArray shell(const QString& script) const;
-    // In the row's folder, so that plain file names do.
-    ProgramResult run(const QStringList& arguments) const { return run(arguments, folder()); }
-    ProgramResult run(const QStringList& arguments, const QString& temporaryFolder) const
+    // In the row's directory, so that plain file names do.
+    ProgramResult run(const QStringList& arguments) const { return run(arguments, directory()); }
+    ProgramResult run(const QStringList& arguments, const QString& temporaryDirectory) const
     {
-        return ProgramRun(QStringLiteral(EEPROM_IMAGE_PROGRAM), arguments, folder(),
-                          temporaryFolder)
+        return ProgramRun(QStringLiteral(EEPROM_IMAGE_PROGRAM), arguments, directory(),
+                          temporaryDirectory)
             .finish();
     }
     void verifyShown(const QByteArray& image, int exitCode, const QString& output,
@@ -231,7 +231,7 @@ void tst_EepromImageProgram::showsSoundImages()
 
 void tst_EepromImageProgram::namesEachKindOfDamage_data()
 {
-    QTest::addColumn<QByteArray>("image"); // null: no file, or a folder
+    QTest::addColumn<QByteArray>("image"); // null: no file, or a directory
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("meaning");
@@ -243,7 +243,7 @@ void tst_EepromImageProgram::namesEachKindOfDamage_data()
     };
     QTest::newRow("no file") << QByteArray() << QStringLiteral("eeprom") << 10
                              << QStringLiteral("there is no such file");
-    QTest::newRow("folder")
+    QTest::newRow("directory")
         << QByteArray() << QStringLiteral(".") << 11
         << QStringLiteral("the file cannot be opened: permission is denied, or it is a directory");
     using Image = EepromImage;
@@ -283,7 +283,7 @@ void tst_EepromImageProgram::namesAnUnreachableStartAddress()
     // A pipe that the program inherits, as in "... | eeprom-image show /dev/stdin".
     writeFile(QStringLiteral("header"), EepromImage(boardText).bytes().mid(20, 16));
     QProcess shell;
-    shell.setWorkingDirectory(folder());
+    shell.setWorkingDirectory(directory());
     shell.start(QStringLiteral("/bin/sh"),
                 {QStringLiteral("-c"), QStringLiteral("cat header | \"$0\" show /dev/stdin"),
                  QStringLiteral(EEPROM_IMAGE_PROGRAM)});
@@ -296,19 +296,19 @@ void tst_EepromImageProgram::namesAnUnreachableStartAddress()
     QCOMPARE(shell.exitCode(), 13);
 }
 
-void tst_EepromImageProgram::namesAnUnusableTemporaryFolder_data()
+void tst_EepromImageProgram::namesAnUnusableTemporaryDirectory_data()
 {
-    QTest::addColumn<QString>("temporaryFolder");
+    QTest::addColumn<QString>("temporaryDirectory");
     QTest::newRow("missing") << QStringLiteral("/none");
     QTest::newRow("not even root can make a file there") << QStringLiteral("/proc");
 }
 
-void tst_EepromImageProgram::namesAnUnusableTemporaryFolder()
+void tst_EepromImageProgram::namesAnUnusableTemporaryDirectory()
 {
-    QFETCH(QString, temporaryFolder);
+    QFETCH(QString, temporaryDirectory);
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
     verifyResult(
-        run({QStringLiteral("show"), QStringLiteral("eeprom")}, temporaryFolder), 18, QString(),
+        run({QStringLiteral("show"), QStringLiteral("eeprom")}, temporaryDirectory), 18, QString(),
         QStringLiteral("eeprom-image: eeprom: the block is valid, but no temporary file could "
                        "be made to parse it\n"));
 }
@@ -341,13 +341,13 @@ void tst_EepromImageProgram::verboseShowsWhatTheLibraryLogs()
 
 void tst_EepromImageProgram::showLeavesNothingBehind()
 {
-    QVERIFY(QDir(folder()).mkdir(QStringLiteral("tmp")));
+    QVERIFY(QDir(directory()).mkdir(QStringLiteral("tmp")));
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
     verifyResult(
         run({QStringLiteral("show"), QStringLiteral("eeprom")}, path(QStringLiteral("tmp"))), 0,
         boardRecord, QString());
     QVERIFY(QDir(path(QStringLiteral("tmp"))).isEmpty());
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList({QStringLiteral("eeprom"), QStringLiteral("tmp")}));
 }
 
@@ -454,13 +454,13 @@ void tst_EepromImageProgram::failedCreateKeepsTheOldImage_data()
     QTest::addColumn<QString>("error");
     QTest::newRow("no text") << QStringList({QStringLiteral("none.ini"), QStringLiteral("eeprom")})
                              << 2 << QStringLiteral("none.ini: No such file or directory");
-    QTest::newRow("text is a folder")
+    QTest::newRow("text is a directory")
         << QStringList({QStringLiteral("."), QStringLiteral("eeprom")}) << 2
         << QStringLiteral(".: file to open is a directory");
-    QTest::newRow("image in no folder")
+    QTest::newRow("image in no directory")
         << QStringList({QStringLiteral("board.ini"), QStringLiteral("none/eeprom")}) << 4
         << QStringLiteral("none/eeprom: No such file or directory");
-    QTest::newRow("image is a folder")
+    QTest::newRow("image is a directory")
         << QStringList({QStringLiteral("board.ini"), QStringLiteral(".")}) << 4
         << QStringLiteral(".: Filename refers to a directory");
 }
@@ -482,7 +482,8 @@ QByteArray tst_EepromImageProgram::shell(const QString& script) const
 {
     const ProgramResult result =
         ProgramRun(QStringLiteral("sh"),
-                   {QStringLiteral("-c"), script, QStringLiteral(EEPROM_IMAGE_PROGRAM)}, folder())
+                   {QStringLiteral("-c"), script, QStringLiteral(EEPROM_IMAGE_PROGRAM)},
+                   directory())
             .finish();
     return (result.output + result.errors + QString::number(result.exitCode)).toUtf8();
 }
@@ -512,12 +513,12 @@ void tst_EepromImageProgram::saysWhenTheOwnerIsLost()
     writeFile(QStringLiteral("board.ini"), boardText);
     const QByteArray image = writeFile(QStringLiteral("eeprom"), "old").toLocal8Bit();
     QCOMPARE(chmod(image.constData(), 0666), 0);
-    QCOMPARE(chmod(folder().toLocal8Bit().constData(), 0777), 0);
+    QCOMPARE(chmod(directory().toLocal8Bit().constData(), 0777), 0);
     // In a user namespace without a mapping nobody can be given a file, not even by its owner.
     const QStringList otherUser =
         geteuid() == 0 ? QStringList{"setpriv", "--reuid=4711", "--regid=815", "--clear-groups"}
                        : QStringList{"unshare", "--user"};
-    if (ProgramRun(otherUser.constFirst(), otherUser.mid(1) << "true", folder())
+    if (ProgramRun(otherUser.constFirst(), otherUser.mid(1) << "true", directory())
             .finish()
             .exitCode != 0) {
         MISCTOOLS_SKIP("this user cannot have a user namespace");
@@ -526,7 +527,7 @@ void tst_EepromImageProgram::saysWhenTheOwnerIsLost()
                                             otherUser.mid(1) << EEPROM_IMAGE_PROGRAM << "create"
                                                              << "board.ini"
                                                              << "eeprom",
-                                            folder())
+                                            directory())
                                      .finish();
     QCOMPARE(result.errors,
              QStringLiteral("eeprom-image: eeprom: owner, group and mode could not all be kept\n"));
@@ -600,7 +601,7 @@ ProgramResult tst_EepromImageProgram::runOnEeprom(const QStringList& environment
                           QStringList{QStringLiteral("EEPROM_LOG=") + path(QStringLiteral("log"))} +
                           environment + QStringList{QStringLiteral(EEPROM_IMAGE_PROGRAM)} +
                           arguments,
-                      folder())
+                      directory())
         .finish();
 }
 
@@ -664,7 +665,7 @@ void tst_EepromImageProgram::eepromIsWrittenPageByPage()
     QFETCH(QByteArray, property);
     QFETCH(int, pageSize);
     writeFile(QStringLiteral("board.ini"), boardText);
-    QVERIFY(QDir(folder()).mkdir(QStringLiteral("of_node")));
+    QVERIFY(QDir(directory()).mkdir(QStringLiteral("of_node")));
     if (!property.isNull()) {
         writeFile(QStringLiteral("of_node/pagesize"), property);
     }

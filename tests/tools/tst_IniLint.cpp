@@ -73,7 +73,7 @@ private Q_SLOTS:
 private:
     ProgramResult run(const QStringList& arguments) const
     {
-        return ProgramRun(program, arguments, folder()).finish();
+        return ProgramRun(program, arguments, directory()).finish();
     }
     void verifyRun(const QStringList& arguments, int exitCode, const QString& output,
                    const QString& errors = QString()) const
@@ -85,15 +85,15 @@ private:
     {
         const QString output = "output.diff";
         ProgramRun("sh", {"-c", "\"$0\" --clean --dry-run \"$1\" >\"$2\"", program, name, output},
-                   folder())
+                   directory())
             .finish();
         const QByteArray diff = readFile(path(output));
         QFile::remove(path(output));
         return diff;
     }
-    QStringList filesInTheFolder() const
+    QStringList filesInTheDirectory() const
     {
-        return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        return QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 };
 
@@ -347,7 +347,7 @@ void tst_IniLint::findings()
     }
     verifyRun({"--all", "--level=note", file}, 1, expected);
     QCOMPARE(readFile(path(file)), text);
-    QCOMPARE(filesInTheFolder(), QStringList(file));
+    QCOMPARE(filesInTheDirectory(), QStringList(file));
 }
 
 void tst_IniLint::nothingToFind_data()
@@ -541,7 +541,7 @@ void tst_IniLint::listsIgnoreFindings()
     QFETCH(QStringList, left);
 
     for (const char* name : {"a/one.ini", "b c/two.ini"}) {
-        QVERIFY(QDir(folder()).mkpath(QFileInfo(QLatin1String(name)).path()));
+        QVERIFY(QDir(directory()).mkpath(QFileInfo(QLatin1String(name)).path()));
         writeFile(QLatin1String(name), "a=off\nb=1;2\n");
     }
     writeFile("list.txt", list);
@@ -581,16 +581,16 @@ void tst_IniLint::standardInput()
 {
     const QString finding = QStringLiteral("<stdin>:1:4: error: the value ends at the semicolon: "
                                            "'1'; quote the value to keep it whole [semicolon]\n");
-    ProgramRun lint(program, {"-"}, folder());
+    ProgramRun lint(program, {"-"}, directory());
     lint.write("a=1;2\n");
     verifyResult(lint.finish(), 1, finding);
 
-    ProgramRun dryRun(program, {"--clean", "--dry-run", "-"}, folder());
+    ProgramRun dryRun(program, {"--clean", "--dry-run", "-"}, directory());
     dryRun.write("a=1,2\n");
     verifyResult(dryRun.finish(), 1, "--- <stdin>\n+++ <stdin>\n@@ -1,1 +1,1 @@\n-a=1,2\n+a=1 2\n");
 
     writeFile("-", "a=1,2\n"); // which is not meant
-    ProgramRun clean(program, {"--clean", "-"}, folder());
+    ProgramRun clean(program, {"--clean", "-"}, directory());
     clean.write("a=1,2\n");
     verifyResult(clean.finish(), 2, QString(),
                  "ini-lint: <stdin>: only a regular file can be cleaned up\n");
@@ -599,7 +599,7 @@ void tst_IniLint::standardInput()
 
 void tst_IniLint::directories()
 {
-    QVERIFY(QDir(folder()).mkpath("d/b/.c"));
+    QVERIFY(QDir(directory()).mkpath("d/b/.c"));
     for (const char* name : {"d/z.ini", "d/b/y.ini", "d/b/.c/.x.ini", "d/b/w.conf", "d/ini"}) {
         writeFile(QLatin1String(name), "a=1;2\n");
     }
@@ -631,14 +631,14 @@ void tst_IniLint::unreadableDirectories()
     const QStringList unprivileged =
         geteuid() == 0 ? QStringList{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}
                        : QStringList{"env"};
-    QVERIFY(QDir(folder()).mkpath("d/closed"));
+    QVERIFY(QDir(directory()).mkpath("d/closed"));
     writeFile("d/a.ini", "a=1;2\n");
     writeFile("d/closed/b.ini", "a=1;2\n");
-    QCOMPARE(chmod(qPrintable(folder()), 0755), 0);
+    QCOMPARE(chmod(qPrintable(directory()), 0755), 0);
     QCOMPARE(chmod(qPrintable(path(QStringLiteral("d/closed"))), 0), 0);
     const ProgramResult result =
         ProgramRun(unprivileged.constFirst(), unprivileged.mid(1) + QStringList{program, "d"},
-                   folder())
+                   directory())
             .finish();
     QCOMPARE(chmod(qPrintable(path(QStringLiteral("d/closed"))), 0755), 0);
     QCOMPARE(result.output.count(QLatin1Char('\n')), 1);
@@ -767,7 +767,7 @@ void tst_IniLint::dryRunPrintsADiff()
     QCOMPARE(cleanUpDiff(file), diff);
     verifyRun({"--clean", "--dry-run", file}, hunks.isEmpty() ? 0 : 1, QString::fromUtf8(diff));
     QCOMPARE(readFile(path(file)), text);
-    QCOMPARE(filesInTheFolder(), QStringList(file));
+    QCOMPARE(filesInTheDirectory(), QStringList(file));
 }
 
 // What patch makes of a file is what a clean-up makes of it.
@@ -790,7 +790,7 @@ void tst_IniLint::patchAcceptsTheDiff()
         writeFile(patched, text);
         writeFile("changes.diff", cleanUpDiff(patched));
         const ProgramResult result =
-            ProgramRun("patch", {"--strip=0", "--input=changes.diff"}, folder()).finish();
+            ProgramRun("patch", {"--strip=0", "--input=changes.diff"}, directory()).finish();
         QVERIFY2(result.exitCode == 0, qPrintable(result.output + result.errors));
         QVERIFY(QFile::exists(path(patched)));
         QCOMPARE(readFile(path(patched)), readFile(path(QStringLiteral("cleaned.ini"))));
@@ -805,7 +805,7 @@ void tst_IniLint::cleanDoesWhatTheDryRunShows()
     verifyRun({"--clean", file}, 0, changes);
     QCOMPARE(readFile(path(file)), QByteArray("a=1 2\n#b\n"));
     verifyRun({"--clean", file}, 0, QString());
-    QCOMPARE(filesInTheFolder(), QStringList(file));
+    QCOMPARE(filesInTheDirectory(), QStringList(file));
 }
 
 void tst_IniLint::cleanKeepsOwnerAndMode()
@@ -840,7 +840,7 @@ void tst_IniLint::cleanSaysWhatItCannotDo()
 {
     verifyRun({"--clean", "none.ini"}, 2, QString(),
               "ini-lint: none.ini: No such file or directory\n");
-    ProgramRun pipe(program, {"--clean", "/dev/stdin"}, folder());
+    ProgramRun pipe(program, {"--clean", "/dev/stdin"}, directory());
     pipe.write("a=1,2\n");
     const ProgramResult result = pipe.finish();
     QCOMPARE(result.errors, "ini-lint: /dev/stdin: only a regular file can be cleaned up\n");
@@ -858,7 +858,7 @@ void tst_IniLint::cleanSaysWhatItCannotDo()
 
     writeFile(file, "a=1,2\n");
     const ProgramResult without =
-        ProgramRun("env", {"TMPDIR=/none", program, "--clean", file}, folder()).finish();
+        ProgramRun("env", {"TMPDIR=/none", program, "--clean", file}, directory()).finish();
     QCOMPARE(
         without.errors,
         QStringLiteral(
@@ -889,7 +889,7 @@ void tst_IniLint::fullDisk()
 {
     writeFile(file, "a=off\n");
     const ProgramResult result =
-        ProgramRun("sh", {"-c", "\"$0\" \"$1\" >/dev/full", program, file}, folder()).finish();
+        ProgramRun("sh", {"-c", "\"$0\" \"$1\" >/dev/full", program, file}, directory()).finish();
     QCOMPARE(result.errors, "ini-lint: cannot write standard output: No space left on device\n");
     QCOMPARE(result.exitCode, 2);
 }

@@ -355,7 +355,7 @@ void tst_IniRules::errorsAreTrueAndNothingIsMissed()
     for (int round = 0; round < rounds(1500); ++round) {
         const QByteArray text = randomText(random);
         const QStringList contradictions =
-            LintTruth(text, IniRules::check(text, nullptr), folder()).contradictions();
+            LintTruth(text, IniRules::check(text, nullptr), directory()).contradictions();
         if (!contradictions.isEmpty()) {
             QFAIL(qPrintable(QString::fromLatin1(text.toPercentEncoding(" =[];")) +
                              QLatin1Char('\n') + contradictions.join(QLatin1Char('\n'))));
@@ -405,7 +405,7 @@ void tst_IniRules::truthNoticesLies()
     if (!rule.isEmpty()) {
         findings.append({2, 1, 2, Severity::Error, rule, message});
     }
-    QCOMPARE(!LintTruth(text, findings, folder()).contradictions().isEmpty(), isLie);
+    QCOMPARE(!LintTruth(text, findings, directory()).contradictions().isEmpty(), isLie);
 }
 
 QTEST_GUILESS_MAIN(tst_IniRules)

@@ -95,7 +95,7 @@ private:
 // The dates, which are others every time, are left out of the output.
 ProgramResult tst_PeakMeter::run(const QStringList& arguments, const QByteArray& input) const
 {
-    ProgramRun programRun(program, arguments, folder());
+    ProgramRun programRun(program, arguments, directory());
     programRun.write(input);
     ProgramResult result = programRun.finish();
     result.output = withoutDates(result.output);
@@ -225,13 +225,13 @@ void tst_PeakMeter::takesValues()
     QCOMPARE(result.errors, errors);
     QCOMPARE(result.output, output);
     QCOMPARE(result.exitCode, exitCode);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
 }
 
 void tst_PeakMeter::everyLineShowsAtOnce()
 {
-    ProgramRun programRun(program, withFile, folder());
+    ProgramRun programRun(program, withFile, directory());
     for (int value = 1; value <= 5; ++value) {
         // The input stays open; a number may come in two pieces.
         programRun.write("10");
@@ -257,7 +257,7 @@ void tst_PeakMeter::manyExtremesNeedFewSystemCalls()
     // What the shell's ended children did counts as its own.
     const ProgramResult result =
         ProgramRun("sh", {"-c", "unset TZ; \"$0\" <input && grep syscw /proc/$$/io", program},
-                   folder())
+                   directory())
             .finish();
     struct rusage after = {};
     getrusage(RUSAGE_CHILDREN, &after);
@@ -339,7 +339,7 @@ void tst_PeakMeter::goesOnFromTheFile()
     QCOMPARE(run(withFile, "0\n").exitCode, 0);
     QCOMPARE(readFile(peaks()), kept);
     QCOMPARE(QFileInfo(peaks()).lastModified(), written);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList("peaks.json"));
 }
 
@@ -428,15 +428,15 @@ void tst_PeakMeter::leavesADamagedFileAlone()
         QCOMPARE(result.exitCode, 3);
     }
     QCOMPARE(readFile(peaks()), content);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList("peaks.json"));
 }
 
-// The folder goes while values come; what is known by then is said nevertheless.
+// The directory goes while values come; what is known by then is said nevertheless.
 void tst_PeakMeter::saysWhenItCannotSave()
 {
     QVERIFY(QDir().mkpath(path("medium")));
-    ProgramRun programRun(program, {"-f", "medium/peaks.json"}, folder());
+    ProgramRun programRun(program, {"-f", "medium/peaks.json"}, directory());
     programRun.write("1\n");
     QVERIFY(programRun.waitForOutput("line 1"));
     QVERIFY(QDir(path("medium")).removeRecursively());
@@ -456,7 +456,7 @@ void tst_PeakMeter::keepsTheFileWhenTheDiskIsFull()
     QCOMPARE(run(withFile, "1\n").exitCode, 0);
     const QByteArray kept = readFile(peaks());
     const QString limited = "trap '' XFSZ; ulimit -f 0; exec \"$0\" \"$@\"";
-    ProgramRun programRun("/bin/sh", QStringList{"-c", limited, program} + withFile, folder());
+    ProgramRun programRun("/bin/sh", QStringList{"-c", limited, program} + withFile, directory());
     programRun.write("2\n");
     const ProgramResult result = programRun.finish();
     QVERIFY2(result.errors.startsWith("peak-meter: cannot write peaks.json: "),
@@ -467,7 +467,7 @@ void tst_PeakMeter::keepsTheFileWhenTheDiskIsFull()
 
 void tst_PeakMeter::oneRunAtATime()
 {
-    ProgramRun first(program, withFile, folder());
+    ProgramRun first(program, withFile, directory());
     first.write("1\n");
     QVERIFY(first.waitForOutput("line 1"));
     const ProgramResult second = run(withFile, "2\n");
@@ -501,7 +501,7 @@ void tst_PeakMeter::aKilledRunLosesNothingThatItShowed()
     for (int i = 0; i < runs; ++i) {
         const int first = i * valuesPerRun + 1;
         const int last = first + valuesPerRun - 1;
-        ProgramRun programRun(program, withFile, folder());
+        ProgramRun programRun(program, withFile, directory());
         programRun.write(QByteArray::number(first) + '\n');
         QVERIFY(programRun.waitForOutput(QStringLiteral("maximum %1\n").arg(first)));
         QByteArray input;
@@ -548,7 +548,7 @@ void tst_PeakMeter::signalsEndItInGoodOrder()
 {
     QFETCH(int, signalNumber);
 
-    ProgramRun programRun(program, withFile, folder());
+    ProgramRun programRun(program, withFile, directory());
     programRun.write("1\n2\n");
     QVERIFY(programRun.waitForOutput("line 2"));
     programRun.send(signalNumber);
@@ -557,7 +557,7 @@ void tst_PeakMeter::signalsEndItInGoodOrder()
     QCOMPARE(result.errors, QString());
     QVERIFY2(withoutDates(result.output).endsWith(ever("1", "2")), qPrintable(result.output));
     QCOMPARE(result.exitCode, 0);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList("peaks.json"));
 }
 
@@ -665,12 +665,12 @@ void tst_PeakMeter::refusesWhatItCannotUse_data()
         << "peak-meter: values come from standard input, not from an argument: '5'\n" + hint;
     QTest::newRow("reset of nothing")
         << QStringList{"--reset"} << 2 << "peak-meter: --reset requires --file\n" + hint;
-    QTest::newRow("folder") << QStringList{"--file", "."} << 3
-                            << "peak-meter: cannot restore from .: it is not a regular file\n";
-    QTest::newRow("missing folder")
+    QTest::newRow("directory") << QStringList{"--file", "."} << 3
+                               << "peak-meter: cannot restore from .: it is not a regular file\n";
+    QTest::newRow("missing directory")
         << QStringList{"--file", "none/peaks.json"} << 4
         << "peak-meter: cannot write none/peaks.json: No such file or directory\n";
-    QTest::newRow("reset in a missing folder")
+    QTest::newRow("reset in a missing directory")
         << QStringList{"--reset", "--file", "none/peaks.json"} << 4
         << "peak-meter: cannot write none/peaks.json: No such file or directory\n";
 }
@@ -682,13 +682,13 @@ void tst_PeakMeter::refusesWhatItCannotUse()
     QFETCH(int, exitCode);
     QFETCH(QString, errors);
 
-    ProgramRun programRun(program, arguments, folder());
+    ProgramRun programRun(program, arguments, directory());
     QVERIFY(!programRun.waitForOutput("never"));
     const ProgramResult result = programRun.finish();
     QCOMPARE(result.errors, errors);
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, exitCode);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
 }
 
@@ -699,8 +699,8 @@ void tst_PeakMeter::saysWhenThereIsNoInput_data()
 
     QTest::newRow("closed") << "<&-"
                             << "it is closed";
-    QTest::newRow("folder") << "</"
-                            << "Is a directory";
+    QTest::newRow("directory") << "</"
+                               << "Is a directory";
 }
 
 void tst_PeakMeter::saysWhenThereIsNoInput()
@@ -709,7 +709,7 @@ void tst_PeakMeter::saysWhenThereIsNoInput()
     QFETCH(QString, reason);
 
     const ProgramResult result =
-        ProgramRun("sh", {"-c", "exec \"$0\" " + redirection, program}, folder()).finish();
+        ProgramRun("sh", {"-c", "exec \"$0\" " + redirection, program}, directory()).finish();
     QCOMPARE(result.errors,
              QStringLiteral("peak-meter: cannot read standard input: %1\n").arg(reason));
     QCOMPARE(result.exitCode, 5);

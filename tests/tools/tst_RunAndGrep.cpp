@@ -36,7 +36,7 @@ private Q_SLOTS:
     void keepsTheOutput();
     void keepsTheOldFileWhenTheCommandFails();
     void leavesNothingBehind();
-    void needsNoFolderForTemporaryFiles();
+    void needsNoDirectoryForTemporaryFiles();
     void signalsReachWhatTheCommandHasStarted_data();
     void signalsReachWhatTheCommandHasStarted();
     void timeoutReachesWhatTheCommandHasStarted();
@@ -61,7 +61,7 @@ private:
     static void verifyNothingRuns(const QList<int>& pids);
     ProgramResult run(const QStringList& arguments) const
     {
-        return ProgramRun(program, arguments, folder()).finish();
+        return ProgramRun(program, arguments, directory()).finish();
     }
     void verifyRun(const QStringList& arguments, int exitCode, const QString& output,
                    const QString& errors) const
@@ -162,7 +162,7 @@ void tst_RunAndGrep::keepsTheOutput()
     verifyRun({"--output", "kept", "-e", "none", "--", "echo", QString::fromUtf8("\xc3\xa9")}, 1,
               QString(), "run-and-grep: echo exited with code 0\n");
     QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("\xc3\xa9\n"));
-    QCOMPARE(QDir(folder()).entryList(QDir::Files | QDir::Hidden), QStringList("kept"));
+    QCOMPARE(QDir(directory()).entryList(QDir::Files | QDir::Hidden), QStringList("kept"));
 }
 
 void tst_RunAndGrep::keepsTheOldFileWhenTheCommandFails()
@@ -176,17 +176,17 @@ void tst_RunAndGrep::keepsTheOldFileWhenTheCommandFails()
 
 void tst_RunAndGrep::leavesNothingBehind()
 {
-    // The row's folder takes the temporary files as well.
-    const ProgramResult result = run({"-e", ".", "--", "ls", folder()});
+    // The row's directory takes the temporary files as well.
+    const ProgramResult result = run({"-e", ".", "--", "ls", directory()});
     QCOMPARE(result.exitCode, 1);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
 }
 
-void tst_RunAndGrep::needsNoFolderForTemporaryFiles()
+void tst_RunAndGrep::needsNoDirectoryForTemporaryFiles()
 {
     const ProgramResult result =
-        ProgramRun(program, {"-e", "a", "--", "echo", "a"}, folder(), "/none").finish();
+        ProgramRun(program, {"-e", "a", "--", "echo", "a"}, directory(), "/none").finish();
     QCOMPARE(result.output, QStringLiteral("a\n"));
     QCOMPARE(result.exitCode, 0);
 }
@@ -235,7 +235,7 @@ void tst_RunAndGrep::signalsReachWhatTheCommandHasStarted()
     QFETCH(int, number);
     QFETCH(QByteArray, beforeWaiting);
     writeSpawner(beforeWaiting);
-    ProgramRun run(program, {"-e", "a", "--", "sh", "spawn"}, folder());
+    ProgramRun run(program, {"-e", "a", "--", "sh", "spawn"}, directory());
     QTRY_COMPARE(spawned().size(), 2);
     run.send(number);
     verifyResult(run.finish(), 128 + number, QString(),
@@ -254,7 +254,7 @@ void tst_RunAndGrep::timeoutReachesWhatTheCommandHasStarted()
 void tst_RunAndGrep::killedRunTakesTheCommandAlong()
 {
     writeFile("wait", "mkfifo never; echo $$ >pids; read x <never");
-    ProgramRun run(program, {"-e", "a", "--", "sh", "wait"}, folder());
+    ProgramRun run(program, {"-e", "a", "--", "sh", "wait"}, directory());
     QTRY_COMPARE(spawned().size(), 1);
     run.send(SIGKILL);
     run.finish();
@@ -279,7 +279,7 @@ void tst_RunAndGrep::passesTheExitCodeOn()
 
 void tst_RunAndGrep::dashIsStandardInput()
 {
-    ProgramRun run(program, {"-e", "b.*", "-"}, folder());
+    ProgramRun run(program, {"-e", "b.*", "-"}, directory());
     run.write("a\nb1\n");
     verifyResult(run.finish(), 0, "b1\n");
 }
@@ -399,9 +399,9 @@ void tst_RunAndGrep::refusesWhatItCannotUse_data()
         << "run-and-grep: invalid expression 'a(b': missing closing parenthesis at character 3\n";
     QTest::newRow("missing file") << QStringList{"-e", "a", "none"} << 5
                                   << "run-and-grep: cannot read none: no such file\n";
-    QTest::newRow("folder") << QStringList{"-e", "a", "."} << 5
-                            << "run-and-grep: cannot read .: file to open is a directory\n";
-    QTest::newRow("output in a missing folder")
+    QTest::newRow("directory") << QStringList{"-e", "a", "."} << 5
+                               << "run-and-grep: cannot read .: file to open is a directory\n";
+    QTest::newRow("output in a missing directory")
         << QStringList{"-e", "a", "--output", "none/kept", "--", "echo", "a"} << 5
         << "run-and-grep: cannot write none/kept: No such file or directory\n";
 }
@@ -414,7 +414,7 @@ void tst_RunAndGrep::refusesWhatItCannotUse()
 
     writeFile("text", "a\n");
     verifyRun(arguments, exitCode, QString(), errors);
-    QCOMPARE(QDir(folder()).entryList(QDir::Files), QStringList(QStringLiteral("text")));
+    QCOMPARE(QDir(directory()).entryList(QDir::Files), QStringList(QStringLiteral("text")));
 }
 
 void tst_RunAndGrep::helpNamesEveryExitCode()

@@ -9,8 +9,8 @@
 
 namespace {
 
-const QString tools = QStringLiteral(PROJECT_FOLDER "/tools");
-const QString completion = QStringLiteral(COMPLETION_FOLDER "/misctools.");
+const QString tools = QStringLiteral(PROJECT_DIRECTORY "/tools");
+const QString completion = QStringLiteral(COMPLETION_DIRECTORY "/misctools.");
 
 // What the expression's first group matches in a text's lines.
 QStringList linesOf(const QString& text, const QString& expression)
@@ -110,12 +110,12 @@ void tst_ToolPages::eachProgram()
 QString tst_ToolPages::page(const QString& program)
 {
     return QString::fromUtf8(
-        readFile(QStringLiteral(PROJECT_FOLDER "/docs/man/%1.1").arg(program)));
+        readFile(QStringLiteral(PROJECT_DIRECTORY "/docs/man/%1.1").arg(program)));
 }
 
 QString tst_ToolPages::help(const QString& program) const
 {
-    return ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program, {"--help"}, folder())
+    return ProgramRun(QStringLiteral(PROGRAM_DIRECTORY "/") + program, {"--help"}, directory())
         .finish()
         .output;
 }
@@ -129,13 +129,13 @@ QStringList tst_ToolPages::completed(const QStringList& words) const
                        "printf '%s\\n' \"${COMPREPLY[@]}\"");
     const ProgramResult result =
         ProgramRun("bash", QStringList{"--norc", "-c", script, completion + "bash"} + words,
-                   folder())
+                   directory())
             .finish();
     if (result.exitCode != 0 || !result.errors.isEmpty()) {
         qWarning("%s", qPrintable(result.errors));
     }
     QStringList lines = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    lines.removeDuplicates(); // a command that two folders have
+    lines.removeDuplicates(); // a command that two directories have
     lines.sort();
     return lines;
 }
@@ -143,7 +143,7 @@ QStringList tst_ToolPages::completed(const QStringList& words) const
 void tst_ToolPages::everyProgramHasAPage()
 {
     QCOMPARE(programs().size(), 6);
-    QStringList pages = QDir(QStringLiteral(PROJECT_FOLDER "/docs/man")).entryList(QDir::Files);
+    QStringList pages = QDir(QStringLiteral(PROJECT_DIRECTORY "/docs/man")).entryList(QDir::Files);
     pages.replaceInStrings(QRegularExpression("\\.1$"), QString());
     QCOMPARE(pages, programs());
 }
@@ -195,7 +195,7 @@ void tst_ToolPages::helpAndCompletionAgree()
 // The lines that a shell writes, sorted; what it complains of is a warning, which fails the test.
 QStringList tst_ToolPages::outputOf(const QString& shell, const QStringList& arguments) const
 {
-    const ProgramResult result = ProgramRun(shell, arguments, folder()).finish();
+    const ProgramResult result = ProgramRun(shell, arguments, directory()).finish();
     if (result.exitCode != 0 || !result.errors.isEmpty()) {
         qWarning("%s: %s", qPrintable(shell), qPrintable(result.errors));
     }
@@ -311,8 +311,8 @@ void tst_ToolPages::commandsOfTheImageProgram()
     for (const QString& option : offered) {
         const bool hasValue = QStringList{"--start", "--size", "--fill"}.contains(option);
         const ProgramResult result =
-            ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program,
-                       {command, hasValue ? option + "=1" : option}, folder())
+            ProgramRun(QStringLiteral(PROGRAM_DIRECTORY "/") + program,
+                       {command, hasValue ? option + "=1" : option}, directory())
                 .finish();
         QVERIFY2(result.errors.contains("file name(s), not 0"), qPrintable(result.errors));
     }
@@ -352,7 +352,7 @@ void tst_ToolPages::completesValues_data()
         << QStringList{"eeprom-image", "dump", "f"} << QStringList{"file.ini"};
     QTest::newRow("file of an option")
         << QStringList{"peak-meter", "-f", "f"} << QStringList{"file.ini"};
-    QTest::newRow("folders alone") << QStringList{"watch-media", "f"} << QStringList{"folder"};
+    QTest::newRow("directories alone") << QStringList{"watch-media", "f"} << QStringList{"files"};
     QTest::newRow("no guess for a number")
         << QStringList{"watch-media", "--delay", "f"} << QStringList();
     QTest::newRow("program behind the dashes")
@@ -368,9 +368,9 @@ void tst_ToolPages::completesValues()
     QFETCH(QStringList, expected);
 
     writeFile("file.ini", "");
-    QVERIFY(QDir(folder()).mkdir("folder"));
+    QVERIFY(QDir(directory()).mkdir("files"));
     if (words.contains("f") && !expected.isEmpty() && words.constFirst() != "watch-media") {
-        expected.append("folder");
+        expected.append("files");
     }
     QCOMPARE(completed(words), expected);
 }
@@ -384,8 +384,8 @@ void tst_ToolPages::versionIsThatOfTheLibrary()
 {
     QFETCH(QString, program);
     for (const char* option : {"--version", "-v"}) {
-        const ProgramResult result = ProgramRun(QStringLiteral(PROGRAM_FOLDER "/") + program,
-                                                {QString::fromLatin1(option)}, folder())
+        const ProgramResult result = ProgramRun(QStringLiteral(PROGRAM_DIRECTORY "/") + program,
+                                                {QString::fromLatin1(option)}, directory())
                                          .finish();
         QCOMPARE(result.output, program + QStringLiteral(" " PROJECT_VERSION "\n"));
         QCOMPARE(result.errors, QString());
@@ -405,8 +405,8 @@ void tst_ToolPages::lostOutputIsAFailure()
     for (const char* option : {"--help", "--version"}) {
         const ProgramResult result = ProgramRun("sh",
                                                 {"-c", script.arg(QLatin1String(option)),
-                                                 QStringLiteral(PROGRAM_FOLDER "/") + program},
-                                                folder())
+                                                 QStringLiteral(PROGRAM_DIRECTORY "/") + program},
+                                                directory())
                                          .finish();
         QCOMPARE(result.errors,
                  program + ": cannot write standard output: No space left on device\n");
@@ -441,7 +441,8 @@ void tst_ToolPages::closedPipeEndsQuietly()
     const QString script = trap + QStringLiteral("mkfifo pipe; exec 3<>pipe 4>pipe 3<&-\n"
                                                  "\"$0\" --help >&4; exit $?");
     const ProgramResult result =
-        ProgramRun("sh", {"-c", script, QStringLiteral(PROGRAM_FOLDER "/") + program}, folder())
+        ProgramRun("sh", {"-c", script, QStringLiteral(PROGRAM_DIRECTORY "/") + program},
+                   directory())
             .finish();
     QCOMPARE(result.errors, QString());
     QCOMPARE(result.exitCode, exitCode);
@@ -461,8 +462,8 @@ void tst_ToolPages::pagesAreSound()
     const ProgramResult result =
         ProgramRun("groff",
                    {"-ww", "-mdoc", "-Tutf8", "-z",
-                    QStringLiteral(PROJECT_FOLDER "/docs/man/%1.1").arg(program)},
-                   folder())
+                    QStringLiteral(PROJECT_DIRECTORY "/docs/man/%1.1").arg(program)},
+                   directory())
             .finish();
     QCOMPARE(result.errors, QString());
     QCOMPARE(result.exitCode, 0);

@@ -45,8 +45,8 @@ private Q_SLOTS:
     void showsATreeThatAppears();
     void showsATreeThatIsCopiedIn();
     void showsWhatGoes();
-    void watchesLaterFolders();
-    void ownFolderAloneIsWatchedWithoutRecursive();
+    void watchesLaterDirectories();
+    void ownDirectoryAloneIsWatchedWithoutRecursive();
     void aCopyInProgressKeepsTheWatchAlive();
     void endsAfterTheBursts();
     void endsWhenTheMediumIsTakenAway();
@@ -82,11 +82,11 @@ void tst_WatchMedia::makeMedium() const
     makeFile("A.MP3");
     makeFile("c.txt");
     makeFile("sub/d.mp3");
-    makeFile("folder.mp3/e.ogg");
+    makeFile("directory.mp3/e.ogg");
     makeFile(".hidden.mp3");
 }
 
-// With the row's medium as the folder, by the name that it has in the row's folder.
+// With the row's medium as the directory, by the name that it has in the row's directory.
 QStringList tst_WatchMedia::arguments(const QStringList& options) const
 {
     return options + QStringList("medium");
@@ -97,24 +97,25 @@ void tst_WatchMedia::listsTheMedium_data()
     QTest::addColumn<QStringList>("options");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("top folder") << QStringList{"--pattern", "*.mp3"}
-                                << "medium: 2 files (*.mp3)\n"
-                                   "  A.MP3\n"
-                                   "  b.mp3\n"
-                                   "Watching 1 directory; ends after 0.1 s without a change\n"
-                                   "Summary: 2 files, 0 new since the start, 0 gone, 0 bursts\n";
-    QTest::newRow("all folders") << QStringList{"--pattern", "*.mp3", "--recursive"}
-                                 << "medium: 3 files (*.mp3)\n"
-                                    "  A.MP3\n"
-                                    "  b.mp3\n"
-                                    "  sub/d.mp3\n"
-                                    "Watching 3 directories; ends after 0.1 s without a change\n"
-                                    "Summary: 3 files, 0 new since the start, 0 gone, 0 bursts\n";
+    QTest::newRow("top directory") << QStringList{"--pattern", "*.mp3"}
+                                   << "medium: 2 files (*.mp3)\n"
+                                      "  A.MP3\n"
+                                      "  b.mp3\n"
+                                      "Watching 1 directory; ends after 0.1 s without a change\n"
+                                      "Summary: 2 files, 0 new since the start, 0 gone, 0 bursts\n";
+    QTest::newRow("all directories")
+        << QStringList{"--pattern", "*.mp3", "--recursive"}
+        << "medium: 3 files (*.mp3)\n"
+           "  A.MP3\n"
+           "  b.mp3\n"
+           "  sub/d.mp3\n"
+           "Watching 3 directories; ends after 0.1 s without a change\n"
+           "Summary: 3 files, 0 new since the start, 0 gone, 0 bursts\n";
     QTest::newRow("several patterns, short options")
         << QStringList{"-r", "-p", "*.ogg", "-p", "c*"}
         << "medium: 2 files (*.ogg c*)\n"
            "  c.txt\n"
-           "  folder.mp3/e.ogg\n"
+           "  directory.mp3/e.ogg\n"
            "Watching 3 directories; ends after 0.1 s without a change\n"
            "Summary: 2 files, 0 new since the start, 0 gone, 0 bursts\n";
     QTest::newRow("no pattern") << QStringList()
@@ -137,7 +138,8 @@ void tst_WatchMedia::listsTheMedium()
 
     makeMedium();
     const ProgramResult result =
-        ProgramRun(program, arguments(options + QStringList{"--idle", "100"}), folder()).finish();
+        ProgramRun(program, arguments(options + QStringList{"--idle", "100"}), directory())
+            .finish();
     QCOMPARE(result.errors, QString());
     QCOMPARE(withoutTime(result.output), expected);
     QCOMPARE(result.exitCode, 0);
@@ -153,7 +155,7 @@ void tst_WatchMedia::showsATreeThatAppears()
 
     ProgramRun run(
         program, arguments({"--recursive", "--pattern", "*.mp3", "--delay", "50", "--bursts", "1"}),
-        folder());
+        directory());
     QVERIFY(run.waitForOutput("Watching"));
     QVERIFY(QDir().rename(path("tree"), medium("tree")));
     const ProgramResult result = run.finish();
@@ -174,8 +176,10 @@ void tst_WatchMedia::showsATreeThatIsCopiedIn()
     constexpr int files = 400;
 
     QDir().mkpath(path("medium"));
-    // The pauses end bursts all the time, so that folders are found while they are being filled.
-    ProgramRun run(program, arguments({"--recursive", "--delay", "1", "--idle", "700"}), folder());
+    // The pauses end bursts all the time, so that directories are found while they are being
+    // filled.
+    ProgramRun run(program, arguments({"--recursive", "--delay", "1", "--idle", "700"}),
+                   directory());
     QVERIFY(run.waitForOutput("Watching"));
     QStringList expected;
     for (int i = 0; i < files; ++i) {
@@ -198,7 +202,7 @@ void tst_WatchMedia::showsATreeThatIsCopiedIn()
 void tst_WatchMedia::showsWhatGoes()
 {
     makeMedium();
-    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "2"}), folder());
+    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "2"}), directory());
     QVERIFY(run.waitForOutput("Watching"));
     QVERIFY(QFile::remove(medium("b.mp3")));
     QVERIFY(run.waitForOutput("Burst 1"));
@@ -216,16 +220,17 @@ void tst_WatchMedia::showsWhatGoes()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_WatchMedia::watchesLaterFolders()
+void tst_WatchMedia::watchesLaterDirectories()
 {
     makeFile("a");
-    ProgramRun run(program, arguments({"--recursive", "--delay", "50", "--bursts", "5"}), folder());
+    ProgramRun run(program, arguments({"--recursive", "--delay", "50", "--bursts", "5"}),
+                   directory());
     QVERIFY(run.waitForOutput("Watching 1 directory;"));
     QVERIFY(QDir().mkpath(medium("later")));
     QVERIFY(run.waitForOutput("Burst 1: 0 new, 0 gone, now 1 file\n"));
     makeFile("later/b");
     QVERIFY(run.waitForOutput("+ later/b\nBurst 2: 1 new, 0 gone, now 2 files\n"));
-    // The folder goes, and one of the same name comes.
+    // The directory goes, and one of the same name comes.
     QVERIFY(QDir(medium("later")).removeRecursively());
     QVERIFY(run.waitForOutput("- later/b\nBurst 3: 0 new, 1 gone, now 1 file\n"));
     QVERIFY(QDir().mkpath(medium("later")));
@@ -235,10 +240,10 @@ void tst_WatchMedia::watchesLaterFolders()
     QCOMPARE(run.finish().exitCode, 0);
 }
 
-void tst_WatchMedia::ownFolderAloneIsWatchedWithoutRecursive()
+void tst_WatchMedia::ownDirectoryAloneIsWatchedWithoutRecursive()
 {
     makeMedium();
-    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), folder());
+    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), directory());
     QVERIFY(run.waitForOutput("Watching 1 directory;"));
     makeFile("sub/new");
     makeFile("new");
@@ -254,7 +259,7 @@ void tst_WatchMedia::aCopyInProgressKeepsTheWatchAlive()
     constexpr int copyInMs = 1500; // longer than the idle time of the run
 
     QDir().mkpath(path("medium"));
-    ProgramRun run(program, arguments({"--delay", "1000", "--idle", "800"}), folder());
+    ProgramRun run(program, arguments({"--delay", "1000", "--idle", "800"}), directory());
     QVERIFY(run.waitForOutput("Watching 1 directory; ends after 0.8 s"));
     QElapsedTimer clock;
     clock.start();
@@ -275,7 +280,7 @@ void tst_WatchMedia::endsAfterTheBursts()
 {
     makeFile("a");
     ProgramRun run(program, arguments({"--delay", "50", "--idle", "20000", "--bursts", "1"}),
-                   folder());
+                   directory());
     QVERIFY(run.waitForOutput("ends after 1 burst or 20.0 s without a change\n"));
     makeFile("b");
     const ProgramResult result = run.finish();
@@ -286,7 +291,7 @@ void tst_WatchMedia::endsAfterTheBursts()
 void tst_WatchMedia::endsWhenTheMediumIsTakenAway()
 {
     makeMedium();
-    ProgramRun run(program, arguments({"--delay", "50"}), folder());
+    ProgramRun run(program, arguments({"--delay", "50"}), directory());
     QVERIFY(run.waitForOutput("Watching"));
     QVERIFY(QDir(path("medium")).removeRecursively());
     const ProgramResult result = run.finish();
@@ -300,7 +305,7 @@ void tst_WatchMedia::endsWhenTheMediumIsTakenAway()
 void tst_WatchMedia::pipesGetNoControlCharacters()
 {
     makeFile("two\nlines");
-    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), folder());
+    ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), directory());
     QVERIFY(run.waitForOutput("Watching"));
     makeFile(QString::fromUtf8("red \x1b[31m \xc3\xa9"));
     const QString output = run.finish().output;
@@ -351,7 +356,7 @@ void tst_WatchMedia::mediaComeAndGo()
     MISCTOOLS_NEED_DEVICE_ROOT();
     makeFile("below");
     const QByteArray medium = path("medium").toLocal8Bit();
-    ProgramRun run(program, arguments({"--bursts", "99", "--delay", "50"}), folder());
+    ProgramRun run(program, arguments({"--bursts", "99", "--delay", "50"}), directory());
     QVERIFY(run.waitForOutput("Watching"));
 
     for (const char* name : {"first", "second"}) {
@@ -391,7 +396,7 @@ void tst_WatchMedia::mediaComeAndGo()
     QCOMPARE(result.exitCode, 0);
 }
 
-// Between two looks of the program: the folder seems to be the same one, but its watch is lost.
+// Between two looks of the program: the directory seems to be the same one, but its watch is lost.
 void tst_WatchMedia::mediumMountedAgainAtOnceIsWatched()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
@@ -399,7 +404,7 @@ void tst_WatchMedia::mediumMountedAgainAtOnceIsWatched()
     const QByteArray medium = path("medium").toLocal8Bit();
     QCOMPARE(mount("tmpfs", medium.constData(), "tmpfs", 0, nullptr), 0);
     makeFile("old");
-    ProgramRun run(program, arguments({"--bursts", "99", "--delay", "50"}), folder());
+    ProgramRun run(program, arguments({"--bursts", "99", "--delay", "50"}), directory());
     QVERIFY(run.waitForOutput("Watching"));
     run.send(SIGSTOP);
     QCOMPARE(umount(medium.constData()), 0);
@@ -418,7 +423,7 @@ void tst_WatchMedia::mediumMountedAgainAtOnceIsWatched()
 void tst_WatchMedia::printsJson()
 {
     makeFile("a");
-    ProgramRun run(program, arguments({"--json", "--bursts", "2", "--delay", "50"}), folder());
+    ProgramRun run(program, arguments({"--json", "--bursts", "2", "--delay", "50"}), directory());
     QVERIFY(run.waitForOutput("watching"));
     makeFile("b\"\n");
     QVERIFY(run.waitForOutput("burst"));
@@ -432,9 +437,9 @@ void tst_WatchMedia::printsJson()
     QVERIFY(!objects.isEmpty());
     QVERIFY(objects.last().take("milliseconds").toInt(-1) > 0);
     const QList<QJsonObject> expected = {
-        {{"event", "medium"}, {"folder", "medium"}, {"files", 1}},
+        {{"event", "medium"}, {"name", "medium"}, {"files", 1}},
         {{"event", "file"}, {"name", "a"}},
-        {{"event", "watching"}, {"folders", 1}},
+        {{"event", "watching"}, {"directories", 1}},
         {{"event", "new"}, {"name", "b\"\n"}},
         {{"event", "burst"}, {"number", 1}, {"new", 1}, {"gone", 0}, {"files", 2}},
         {{"event", "gone"}, {"name", "a"}},
@@ -444,7 +449,7 @@ void tst_WatchMedia::printsJson()
          {"new", 1},
          {"gone", 1},
          {"bursts", 2},
-         {"namesLeftOut", 0}}};
+         {"namesSkipped", 0}}};
     QVERIFY2(objects == expected, qPrintable(result.output));
 }
 
@@ -460,7 +465,7 @@ void tst_WatchMedia::signalsEndWithASummary()
 {
     QFETCH(int, number);
     makeFile("a");
-    ProgramRun run(program, arguments({"--bursts", "1"}), folder());
+    ProgramRun run(program, arguments({"--bursts", "1"}), directory());
     QVERIFY(run.waitForOutput("Watching"));
     run.send(number);
     const ProgramResult result = run.finish();
@@ -476,22 +481,22 @@ void tst_WatchMedia::namesThatAreNoUtf8AreCounted()
     makeFile("a");
     QList<QByteArray> names{"medium/\xe9.txt", "medium/\xff", "medium/.\xff"};
     for (QByteArray& name : names) {
-        name.prepend(folder().toLocal8Bit() + '/');
+        name.prepend(directory().toLocal8Bit() + '/');
         const int file = open(name.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
         if (file < 0) {
             MISCTOOLS_SKIP("this file system takes no such names");
         }
         close(file);
     }
-    ProgramResult result = ProgramRun(program, arguments({"--idle", "100"}), folder()).finish();
+    ProgramResult result = ProgramRun(program, arguments({"--idle", "100"}), directory()).finish();
     QCOMPARE(result.errors, "watch-media: skipped: 2 names that cannot be decoded as UTF-8\n");
     QVERIFY2(withoutTime(result.output)
                  .endsWith(QStringLiteral("\nSummary: 1 file, 0 new since the start, 0 gone, "
                                           "0 bursts, 2 names skipped\n")),
              qPrintable(result.output));
-    result = ProgramRun(program, arguments({"--idle", "100", "--json"}), folder()).finish();
+    result = ProgramRun(program, arguments({"--idle", "100", "--json"}), directory()).finish();
     QCOMPARE(result.errors, QString());
-    QVERIFY2(result.output.contains("{\"count\":2,\"event\":\"namesLeftOut\"}\n"),
+    QVERIFY2(result.output.contains("{\"count\":2,\"event\":\"namesSkipped\"}\n"),
              qPrintable(result.output));
     // Qt cannot remove them.
     for (const QByteArray& name : qAsConst(names)) {
@@ -505,10 +510,10 @@ void tst_WatchMedia::refusesWhatItCannotUse_data()
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("errors");
 
-    QTest::newRow("no folder") << QStringList() << 2
-                               << "watch-media: exactly one DIRECTORY is required\n" + hint;
-    QTest::newRow("two folders") << QStringList{"medium", "medium"} << 2
-                                 << "watch-media: exactly one DIRECTORY is required\n" + hint;
+    QTest::newRow("no directory") << QStringList() << 2
+                                  << "watch-media: exactly one DIRECTORY is required\n" + hint;
+    QTest::newRow("two directories") << QStringList{"medium", "medium"} << 2
+                                     << "watch-media: exactly one DIRECTORY is required\n" + hint;
     QTest::newRow("unknown option")
         << QStringList{"--foo", "medium"} << 2 << "watch-media: Unknown option 'foo'.\n" + hint;
     QTest::newRow("option without its value")
@@ -523,7 +528,7 @@ void tst_WatchMedia::refusesWhatItCannotUse_data()
     QTest::newRow("bursts in words")
         << QStringList{"--bursts", "two", "medium"} << 2
         << "watch-media: --bursts requires a number from 1 up, not 'two'\n" + hint;
-    QTest::newRow("missing folder")
+    QTest::newRow("missing directory")
         << QStringList{"none"} << 3 << "watch-media: no such directory: none\n";
     QTest::newRow("empty name") << QStringList{""} << 3 << "watch-media: no such directory: \n";
     QTest::newRow("file") << QStringList{"medium/a"} << 3
@@ -537,7 +542,7 @@ void tst_WatchMedia::refusesWhatItCannotUse()
     QFETCH(QString, errors);
 
     makeFile("a");
-    const ProgramResult result = ProgramRun(program, commandLine, folder()).finish();
+    const ProgramResult result = ProgramRun(program, commandLine, directory()).finish();
     QCOMPARE(result.errors, errors);
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, exitCode);
@@ -545,7 +550,7 @@ void tst_WatchMedia::refusesWhatItCannotUse()
 
 void tst_WatchMedia::helpNamesEveryExitCode()
 {
-    const ProgramResult result = ProgramRun(program, {"--help"}, folder()).finish();
+    const ProgramResult result = ProgramRun(program, {"--help"}, directory()).finish();
     QCOMPARE(result.errors, QString());
     QVERIFY2(result.output.contains(QStringLiteral(
                  "\nExit codes:\n"

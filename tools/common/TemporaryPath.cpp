@@ -6,7 +6,7 @@
 // must not be written to.
 QString TemporaryPath::pattern()
 {
-    const QString folder = qEnvironmentVariable("TMPDIR");
-    return (folder.isEmpty() ? QStringLiteral("/tmp") : folder) + QLatin1Char('/') +
+    const QString directory = qEnvironmentVariable("TMPDIR");
+    return (directory.isEmpty() ? QStringLiteral("/tmp") : directory) + QLatin1Char('/') +
            CommandLine::programName() + QStringLiteral(".XXXXXX");
 }

@@ -32,7 +32,7 @@ create  writes IMAGE, which holds the text of INI-FILE as its block, a header th
                     the image stay
 
 show    prints the record of IMAGE, which may be the file that the kernel shows for the EEPROM
-        of this machine. Only the folder for temporary files must be writable.
+        of this machine. Only the directory for temporary files must be writable.
   --json            print one JSON object; what is missing or empty is null
   --verbose         show on standard error what the library logs
 

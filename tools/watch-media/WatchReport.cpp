@@ -30,7 +30,7 @@ void WatchReport::showMedium(const QStringList& patterns, const QStringList& fil
              .arg(CommandLine::printable(m_name), count(files.size(), "file"),
                   CommandLine::printable(patterns.join(QLatin1Char(' ')))),
          QStringLiteral("medium"),
-         {{QStringLiteral("folder"), m_name}, {QStringLiteral("files"), files.size()}});
+         {{QStringLiteral("name"), m_name}, {QStringLiteral("files"), files.size()}});
     showFiles("  ", QStringLiteral("file"), files);
 }
 
@@ -47,7 +47,7 @@ void WatchReport::showWatching(int directories, int bursts, int idleInMs)
     }
     show(QStringLiteral("Watching %1; ends after %2")
              .arg(watched, conditions.join(QStringLiteral(" or "))),
-         QStringLiteral("watching"), {{QStringLiteral("folders"), directories}});
+         QStringLiteral("watching"), {{QStringLiteral("directories"), directories}});
 }
 
 void WatchReport::showNew(const QStringList& files)
@@ -87,7 +87,7 @@ void WatchReport::showMediumMounted()
 void WatchReport::showSkippedNames(int count)
 {
     if (m_isJson) {
-        show(QString(), QStringLiteral("namesLeftOut"), {{QStringLiteral("count"), count}});
+        show(QString(), QStringLiteral("namesSkipped"), {{QStringLiteral("count"), count}});
         return;
     }
     complain(QStringLiteral("skipped: %1 that cannot be decoded as UTF-8")
@@ -110,7 +110,7 @@ void WatchReport::showSummary(const Summary& summary)
           {QStringLiteral("new"), summary.newFiles},
           {QStringLiteral("gone"), summary.goneFiles},
           {QStringLiteral("bursts"), summary.bursts},
-          {QStringLiteral("namesLeftOut"), summary.skippedNames},
+          {QStringLiteral("namesSkipped"), summary.skippedNames},
           {QStringLiteral("milliseconds"), summary.milliseconds}});
 }
 

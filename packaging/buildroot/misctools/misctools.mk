@@ -6,7 +6,7 @@
 
 MISCTOOLS_VERSION = 1.0.0
 MISCTOOLS_SOURCE = misctools-$(MISCTOOLS_VERSION).tar.xz
-# The folder that holds the archive that script/package made.
+# The directory that holds the archive that script/package made.
 MISCTOOLS_SITE = $(MISCTOOLS_PKGDIR)
 MISCTOOLS_SITE_METHOD = file
 MISCTOOLS_INSTALL_STAGING = YES

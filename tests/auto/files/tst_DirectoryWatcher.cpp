@@ -401,10 +401,10 @@ void tst_DirectoryWatcher::destructionDiscardsTheBurst()
 {
     QFETCH(bool, isNoticed);
 
-    std::unique_ptr<DirectoryWatcher> watcher(new DirectoryWatcher(folder()));
+    std::unique_ptr<DirectoryWatcher> watcher(new DirectoryWatcher(directory()));
     watcher->setDelayInMs(shortDelayInMs);
     QSignalSpy changes(watcher.get(), &DirectoryWatcher::directoryChanged);
-    DirectoryWatcher other(folder());
+    DirectoryWatcher other(directory());
     other.setDelayInMs(2 * shortDelayInMs);
     QSignalSpy otherChanges(&other, &DirectoryWatcher::directoryChanged);
     writeFile("file", "");
@@ -445,7 +445,7 @@ void tst_DirectoryWatcher::changesAreReported()
 
     const QString watched = makeDirectory("watched");
     const QString file = writeFile("watched/file", "");
-    makeDirectory("watched/folder");
+    makeDirectory("watched/directory");
     DirectoryWatcher watcher(watched);
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
@@ -463,7 +463,7 @@ void tst_DirectoryWatcher::changesAreReported()
         makeDirectory("watched/new");
         break;
     case 4:
-        QVERIFY(QDir().rmdir(path("watched/folder")));
+        QVERIFY(QDir().rmdir(path("watched/directory")));
         break;
     case 5:
         QVERIFY(QFile::setPermissions(file, QFile::ReadOwner));
@@ -536,7 +536,7 @@ void tst_DirectoryWatcher::subdirectoriesAreNotWatched()
 {
     makeDirectory("below");
     const QString other = makeDirectory("other");
-    DirectoryWatcher watcher({folder(), other});
+    DirectoryWatcher watcher({directory(), other});
     watcher.setDelayInMs(longDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     writeFile("below/file", "");
@@ -569,8 +569,8 @@ void tst_DirectoryWatcher::addPathReturnsWhetherPathIsWatched_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("isAdded");
-    QTest::newRow("directory") << "folder" << true;
-    QTest::newRow("directory, trailing slash") << "folder/" << true;
+    QTest::newRow("directory") << "directory" << true;
+    QTest::newRow("directory, trailing slash") << "directory/" << true;
     QTest::newRow("file") << "file" << true;
     QTest::newRow("linked directory") << "link" << true;
     QTest::newRow("missing") << "missing" << false;
@@ -581,7 +581,7 @@ void tst_DirectoryWatcher::addPathReturnsWhetherPathIsWatched()
     QFETCH(QString, name);
     QFETCH(bool, isAdded);
 
-    const QString target = makeDirectory("folder");
+    const QString target = makeDirectory("directory");
     writeFile("file", "");
     QVERIFY(QFile::link(target, path("link")));
     DirectoryWatcher watcher{QStringList()};
@@ -592,7 +592,7 @@ void tst_DirectoryWatcher::addPathReturnsWhetherPathIsWatched()
 
 void tst_DirectoryWatcher::pathBelowAFileIsLoggedByQt()
 {
-    const QString below = writeFile("file", "") + "/folder";
+    const QString below = writeFile("file", "") + "/directory";
     DirectoryWatcher watcher{QStringList()};
     // The reason is in the system's language.
     messages().expect(
@@ -654,7 +654,7 @@ void tst_DirectoryWatcher::emptyListLogsNothing()
     DirectoryWatcher watcher{QStringList()};
     QCOMPARE(resources().watches, watchesBefore);
 
-    QVERIFY(watcher.addPath(folder()));
+    QVERIFY(watcher.addPath(directory()));
     watcher.setDelayInMs(shortDelayInMs);
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
     writeFile("file", "");
@@ -674,7 +674,7 @@ void tst_DirectoryWatcher::emptyPathsAreLoggedByQt()
 
 void tst_DirectoryWatcher::noDescriptorOrWatchIsLeaked()
 {
-    const QStringList paths = {makeDirectory("a"), makeDirectory("b"), folder()};
+    const QStringList paths = {makeDirectory("a"), makeDirectory("b"), directory()};
     const Resources before = resources();
     {
         const DirectoryWatcher watcher(paths);

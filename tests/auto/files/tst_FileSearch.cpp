@@ -82,8 +82,8 @@ private:
 void addSmallTree(const Tree& tree)
 {
     tree.addFile(".hidden.txt");
-    tree.addDirectory(".hiddenfolder");
-    tree.addFile(".hiddenfolder/inner.txt");
+    tree.addDirectory(".hiddendirectory");
+    tree.addFile(".hiddendirectory/inner.txt");
     tree.addFile("UPPER.TXT");
     tree.addFile("lower.txt");
     tree.addFile("data.bin");
@@ -93,7 +93,7 @@ void addSmallTree(const Tree& tree)
     tree.addDirectory("sub/deeper.txt");
     tree.addFile("sub/deeper.txt/deepest.txt");
     tree.addLink("link.txt", "lower.txt");
-    tree.addLink("linkedfolder", "sub");
+    tree.addLink("linkeddirectory", "sub");
     tree.addLink("broken.txt", "nowhere");
     tree.addPipe("pipe.txt");
 }
@@ -103,7 +103,7 @@ void addLargeTree(const Tree& tree)
 {
     addSmallTree(tree);
     for (int i = 0; i < 12; ++i) {
-        const QByteArray directory = "folder" + QByteArray::number(i * 7 % 12);
+        const QByteArray directory = "directory" + QByteArray::number(i * 7 % 12);
         tree.addDirectory(directory);
         tree.addDirectory(directory + "/inner");
         tree.addFile(directory + "/.hidden");
@@ -300,11 +300,11 @@ private Q_SLOTS:
 
 void tst_FileSearch::noFilterListsEveryDecodableEntry()
 {
-    const Tree tree(folder());
+    const Tree tree(directory());
     addLargeTree(tree);
 
     QStringList expected;
-    readDirectory(QFile::encodeName(folder()), expected);
+    readDirectory(QFile::encodeName(directory()), expected);
     QVERIFY(expected.size() > 400);
     QVERIFY(expected.contains(path("line\nfeed.txt")));
     QVERIFY(expected.contains(path(QFile::decodeName("gr\xc3\xbc\xc3\x9f.txt"))));
@@ -312,10 +312,10 @@ void tst_FileSearch::noFilterListsEveryDecodableEntry()
     QVERIFY(expected.contains(path(".")));
     QVERIFY(expected.contains(path("linkedpipe")));
 
-    QCOMPARE(searched(folder(), {}), expected);
-    QCOMPARE(searched(folder(), {}, QDir::NoFilter), expected);
-    QCOMPARE(searched(folder(), {QStringLiteral("*")}), expected);
-    QCOMPARE(searchedRelatively(folder(), {}), relativeTo(folder(), expected));
+    QCOMPARE(searched(directory(), {}), expected);
+    QCOMPARE(searched(directory(), {}, QDir::NoFilter), expected);
+    QCOMPARE(searched(directory(), {QStringLiteral("*")}), expected);
+    QCOMPARE(searchedRelatively(directory(), {}), relativeTo(directory(), expected));
 }
 
 void tst_FileSearch::entryTypes_data()
@@ -341,7 +341,7 @@ void tst_FileSearch::entryTypes_data()
         "data.bin sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
     row("NoFilter with a duplicate pattern", QDir::NoFilter, "*.bin *.bin", "data.bin");
     row("NoFilter finds a linked directory, not its content", QDir::NoFilter, "linked* deep.txt",
-        "linkedfolder sub/deep.txt");
+        "linkeddirectory sub/deep.txt");
     row("NoFilter with a character set", QDir::NoFilter, "[ul]*.txt",
         "UPPER.TXT lower.txt link.txt");
     row("NoFilter with a pattern for hidden entries", QDir::NoFilter, ".hidden*", "");
@@ -351,7 +351,7 @@ void tst_FileSearch::entryTypes_data()
     row("Files and case", QDir::Files | QDir::CaseSensitive, "*.txt",
         "lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
     row("Files, including hidden", QDir::Files | QDir::Hidden, "*.txt",
-        ".hidden.txt .hiddenfolder/inner.txt UPPER.TXT lower.txt link.txt sub/deep.txt "
+        ".hidden.txt .hiddendirectory/inner.txt UPPER.TXT lower.txt link.txt sub/deep.txt "
         "sub/deeper.txt/deepest.txt");
     row("Files without links", QDir::Files | QDir::NoSymLinks, "l*.txt", "lower.txt");
     row("Files and special files", QDir::Files | QDir::System, "*.txt",
@@ -360,16 +360,16 @@ void tst_FileSearch::entryTypes_data()
     row("Files without a pattern", QDir::Files, "",
         "UPPER.TXT lower.txt data.bin link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
     row("Dirs without dot entries", QDir::Dirs | QDir::NoDotAndDotDot, "",
-        "empty sub sub/deeper.txt linkedfolder");
+        "empty sub sub/deeper.txt linkeddirectory");
     row("Dirs with dot entries", QDir::Dirs | QDir::NoDotDot, "",
-        "empty sub sub/deeper.txt linkedfolder . empty/. sub/. sub/deeper.txt/.");
+        "empty sub sub/deeper.txt linkeddirectory . empty/. sub/. sub/deeper.txt/.");
     row("Dirs, including hidden", QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, "",
-        ".hiddenfolder empty sub sub/deeper.txt linkedfolder");
+        ".hiddendirectory empty sub sub/deeper.txt linkeddirectory");
     row("Dirs and a pattern", filesAndDirectories, "deep*",
         "sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
     row("AllDirs ignores patterns and enters hidden directories",
         QDir::AllDirs | QDir::Files | QDir::NoDotAndDotDot, "inner.txt",
-        "empty linkedfolder sub sub/deeper.txt .hiddenfolder/inner.txt");
+        "empty linkeddirectory sub sub/deeper.txt .hiddendirectory/inner.txt");
     row("no entry type", QDir::Filters(), "", "");
 }
 
@@ -378,16 +378,16 @@ void tst_FileSearch::entryTypes()
     QFETCH(QDir::Filters, filters);
     QFETCH(QStringList, patterns);
     QFETCH(QStringList, expected);
-    const Tree tree(folder());
+    const Tree tree(directory());
     addSmallTree(tree);
 
     QStringList expectedPaths;
     for (const QString& name : qAsConst(expected)) {
         expectedPaths.append(path(name));
     }
-    QCOMPARE(sorted(searched(folder(), patterns, filters)), sorted(expectedPaths));
+    QCOMPARE(sorted(searched(directory(), patterns, filters)), sorted(expectedPaths));
     if (filters == QDir::NoFilter) {
-        QCOMPARE(sorted(searched(folder(), patterns)), sorted(expectedPaths));
+        QCOMPARE(sorted(searched(directory(), patterns)), sorted(expectedPaths));
     }
 }
 
@@ -421,13 +421,13 @@ void tst_FileSearch::largeTreeMatchesQDirIterator()
 {
     QFETCH(QDir::Filters, filters);
     QFETCH(QStringList, patterns);
-    const Tree tree(folder());
+    const Tree tree(directory());
     addLargeTree(tree);
 
-    QCOMPARE(searched(folder(), patterns, filters), iterated(folder(), patterns, filters));
-    const QStringList expected = iterated(folder(), patterns, QDir::NoFilter);
-    QCOMPARE(searched(folder(), patterns), expected);
-    QCOMPARE(searchedRelatively(folder(), patterns), relativeTo(folder(), expected));
+    QCOMPARE(searched(directory(), patterns, filters), iterated(directory(), patterns, filters));
+    const QStringList expected = iterated(directory(), patterns, QDir::NoFilter);
+    QCOMPARE(searched(directory(), patterns), expected);
+    QCOMPARE(searchedRelatively(directory(), patterns), relativeTo(directory(), expected));
 }
 
 void tst_FileSearch::randomTreesMatchQDirIterator()
@@ -436,7 +436,7 @@ void tst_FileSearch::randomTreesMatchQDirIterator()
                                 "..i", "\xe4j", "\xc3\xbck", "l.", "m\\n", "o*.txt"};
     const QStringList patterns = words("* *.txt ?.* .* [a-e]* . .. *k");
     const int nameCount = int(std::end(names) - std::begin(names));
-    const Tree tree(folder());
+    const Tree tree(directory());
     int found = 0;
 
     const quint32 count = quint32(rounds(300));
@@ -501,11 +501,11 @@ void tst_FileSearch::deepTreesNeedLittleStack()
     descriptors.rlim_cur = qMax(descriptors.rlim_cur, rlim_t(levels + 100));
     QCOMPARE(setrlimit(RLIMIT_NOFILE, &descriptors), 0);
 
-    QVERIFY(QDir(folder()).mkpath(QStringLiteral("d/").repeated(levels)));
+    QVERIFY(QDir(directory()).mkpath(QStringLiteral("d/").repeated(levels)));
     QThreadPool pool;
     pool.setStackSize(qMax(smallStackSize, uint(sysconf(_SC_THREAD_STACK_MIN))));
     RecursiveFileSearchWorkerThread* const worker =
-        new RecursiveFileSearchWorkerThread(folder(), QStringList()); // owned by the pool
+        new RecursiveFileSearchWorkerThread(directory(), QStringList()); // owned by the pool
     QStringList found;
     connect(
         worker, &RecursiveFileSearchWorkerThread::searchFinished, this,
@@ -520,23 +520,23 @@ void tst_FileSearch::deepTreesNeedLittleStack()
 void tst_FileSearch::longPathsAreSearched()
 {
     const QString level = QLatin1Char('/') + QString(200, QLatin1Char('d'));
-    QString directory = folder();
+    QString deepest = directory();
     QStringList expected;
-    while (directory.size() + level.size() + 2 < 4096) {
-        directory += level;
-        QVERIFY(QDir().mkpath(directory));
-        QFile file(directory + "/f");
+    while (deepest.size() + level.size() + 2 < 4096) {
+        deepest += level;
+        QVERIFY(QDir().mkpath(deepest));
+        QFile file(deepest + "/f");
         QVERIFY(file.open(QIODevice::WriteOnly));
         expected.append(file.fileName());
     }
     QVERIFY(expected.constLast().size() > 3800);
     const QStringList patterns("f");
-    QCOMPARE(sorted(searched(folder(), patterns)), sorted(expected));
-    QCOMPARE(sorted(searchedRelatively(folder(), patterns)),
-             sorted(relativeTo(folder(), expected)));
+    QCOMPARE(sorted(searched(directory(), patterns)), sorted(expected));
+    QCOMPARE(sorted(searchedRelatively(directory(), patterns)),
+             sorted(relativeTo(directory(), expected)));
     // The same search, starting there.
-    QCOMPARE(searched(directory, patterns), QStringList(expected.constLast()));
-    QCOMPARE(searchedRelatively(directory, patterns), patterns);
+    QCOMPARE(searched(deepest, patterns), QStringList(expected.constLast()));
+    QCOMPARE(searchedRelatively(deepest, patterns), patterns);
 }
 
 // The program's destructor searches after Qt has destroyed its globals.
@@ -546,7 +546,7 @@ void tst_FileSearch::searchAtProgramExit()
     writeFile("two", QByteArray());
     QProcess program;
     program.setProcessChannelMode(QProcess::MergedChannels);
-    program.start(QStringLiteral(SEARCH_AT_EXIT_PROGRAM), {folder()});
+    program.start(QStringLiteral(SEARCH_AT_EXIT_PROGRAM), {directory()});
     QVERIFY(program.waitForFinished());
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(program.exitCode(), 0);
@@ -564,15 +564,15 @@ void tst_FileSearch::otherLocaleEncodings_data()
 void tst_FileSearch::otherLocaleEncodings()
 {
     QFETCH(QByteArray, codec);
-    const Tree tree(folder());
+    const Tree tree(directory());
     addLargeTree(tree);
     QTextCodec* const usual = QTextCodec::codecForLocale();
     QTextCodec* const other = QTextCodec::codecForName(codec);
     QVERIFY(other != nullptr);
 
     QTextCodec::setCodecForLocale(other);
-    const QStringList expected = relativeTo(folder(), iterated(folder(), {}, QDir::NoFilter));
-    const QStringList found = searchedRelatively(folder(), {});
+    const QStringList expected = relativeTo(directory(), iterated(directory(), {}, QDir::NoFilter));
+    const QStringList found = searchedRelatively(directory(), {});
     QTextCodec::setCodecForLocale(usual);
     QCOMPARE(found, expected);
     QVERIFY(found.size() > 400);
@@ -580,16 +580,16 @@ void tst_FileSearch::otherLocaleEncodings()
 
 void tst_FileSearch::unreadableDirectories()
 {
-    const Tree tree(folder());
+    const Tree tree(directory());
     addLargeTree(tree);
     tree.setMode("", 0755); // only its owner may enter a temporary directory
     tree.addDirectory("listable");
     tree.addFile("listable/seen.txt");
-    tree.setMode("folder3", 0);
-    tree.setMode("folder4/inner", 0311);
+    tree.setMode("directory3", 0);
+    tree.setMode("directory4/inner", 0311);
     tree.setMode("listable", 0444);
 
-    const QString root = folder();
+    const QString root = directory();
     const ChildResult child = ChildProcess::runAsOrdinaryUser([&root] {
         const QStringList patternsOfRows[] = {{}, {"*.txt"}};
         const QDir::Filters filtersOfRows[] = {QDir::NoFilter, QDir::Files,
@@ -607,21 +607,21 @@ void tst_FileSearch::unreadableDirectories()
             return 2;
         }
         // The directories are found, but not their content.
-        if (!found.contains("folder3") || !found.contains("folder4/inner")) {
+        if (!found.contains("directory3") || !found.contains("directory4/inner")) {
             return 3;
         }
         for (const QString& entry : found) {
-            if (entry.startsWith(QLatin1String("folder3/")) ||
-                entry.startsWith(QLatin1String("folder4/inner/"))) {
+            if (entry.startsWith(QLatin1String("directory3/")) ||
+                entry.startsWith(QLatin1String("directory4/inner/"))) {
                 return 4;
             }
         }
         if (found.size() < 300) {
             return 5;
         }
-        return searchedRelatively(root + "/folder3", {}).isEmpty() ? 0 : 6;
+        return searchedRelatively(root + "/directory3", {}).isEmpty() ? 0 : 6;
     });
-    for (const char* name : {"folder3", "folder4/inner", "listable"}) {
+    for (const char* name : {"directory3", "directory4/inner", "listable"}) {
         tree.setMode(name, 0755); // so that they can be removed
     }
     QCOMPARE(child.output, QByteArray());
@@ -643,8 +643,8 @@ void tst_FileSearch::startPaths_data()
     const QStringList sub = words("deep.txt deeper.txt deeper.txt/deepest.txt");
     const QStringList top = words("sub/deep.txt sub/deeper.txt sub/deeper.txt/deepest.txt");
     const QStringList subFromTop = top;
-    const QStringList linkedFromTop = words("linkedfolder/deep.txt linkedfolder/deeper.txt "
-                                            "linkedfolder/deeper.txt/deepest.txt");
+    const QStringList linkedFromTop = words("linkeddirectory/deep.txt linkeddirectory/deeper.txt "
+                                            "linkeddirectory/deeper.txt/deepest.txt");
     const QStringList topFromEmpty =
         words("../sub/deep.txt ../sub/deeper.txt ../sub/deeper.txt/deepest.txt");
     const QStringList subFromEmpty = topFromEmpty;
@@ -654,17 +654,17 @@ void tst_FileSearch::startPaths_data()
     row("absolute, several trailing slashes", "", "%1/sub///", sub);
     row("absolute, double slash", "", "%1//sub", sub);
     row("absolute, with dot components", "", "%1/./empty/../sub", sub);
-    row("absolute, linked", "", "%1/linkedfolder", sub);
-    row("absolute, linked and back", "", "%1/linkedfolder/..", top);
+    row("absolute, linked", "", "%1/linkeddirectory", sub);
+    row("absolute, linked and back", "", "%1/linkeddirectory/..", top);
     row("absolute, above the current directory", "sub/deeper.txt", "%1/sub", sub);
     // QDir keeps a relative path relative to the current directory.
     row("relative", "", "sub", subFromTop);
     row("relative, trailing slash", "", "sub/", subFromTop);
     row("relative, with dot components", "", "./sub", subFromTop);
     row("relative, down and up again", "", "sub/../sub", subFromTop);
-    row("relative, linked", "", "linkedfolder", linkedFromTop);
-    row("relative, linked, trailing slash", "", "linkedfolder/", linkedFromTop);
-    row("relative, linked and back", "", "linkedfolder/..", top);
+    row("relative, linked", "", "linkeddirectory", linkedFromTop);
+    row("relative, linked, trailing slash", "", "linkeddirectory/", linkedFromTop);
+    row("relative, linked and back", "", "linkeddirectory/..", top);
     row("current directory", "sub", ".", sub);
     row("current directory, trailing slash", "sub", "./", sub);
     row("parent directory", "empty", "..", topFromEmpty);
@@ -680,10 +680,10 @@ void tst_FileSearch::startPaths()
     QFETCH(QString, current);
     QFETCH(QString, start);
     QFETCH(QStringList, expected);
-    const Tree tree(folder());
+    const Tree tree(directory());
     addSmallTree(tree);
     const CurrentDirectory currentDirectory(path(current));
-    const QString startPath = start.contains(QLatin1Char('%')) ? start.arg(folder()) : start;
+    const QString startPath = start.contains(QLatin1Char('%')) ? start.arg(directory()) : start;
 
     QCOMPARE(sorted(searchedRelatively(startPath, {QStringLiteral("deep*")})), expected);
     for (const QStringList& patterns : {QStringList(), words("*.txt"), words(". ..")}) {
@@ -696,11 +696,11 @@ void tst_FileSearch::startPaths()
 void tst_FileSearch::entriesOfAnEmptyDirectory()
 {
     const QStringList dots = {path("."), path("..")};
-    QCOMPARE(sorted(searched(folder(), {})), dots);
-    QCOMPARE(sorted(searched(folder(), {QStringLiteral("*")})), dots);
-    QCOMPARE(sorted(searchedRelatively(folder(), {})), words(". ../"));
-    QCOMPARE(sorted(searched(folder(), {QStringLiteral("*.*")})), dots);
-    QCOMPARE(searched(folder(), {QStringLiteral("*.txt")}), QStringList());
+    QCOMPARE(sorted(searched(directory(), {})), dots);
+    QCOMPARE(sorted(searched(directory(), {QStringLiteral("*")})), dots);
+    QCOMPARE(sorted(searchedRelatively(directory(), {})), words(". ../"));
+    QCOMPARE(sorted(searched(directory(), {QStringLiteral("*.*")})), dots);
+    QCOMPARE(searched(directory(), {QStringLiteral("*.txt")}), QStringList());
 }
 
 void tst_FileSearch::namesThatCannotBeEncoded()
@@ -708,7 +708,7 @@ void tst_FileSearch::namesThatCannotBeEncoded()
     // Encoding replaces or drops half of a surrogate pair.
     const QString half(QChar(0xd800));
     const QString start = path(half + QLatin1Char('b'));
-    const Tree tree(folder());
+    const Tree tree(directory());
     tree.addDirectory("?b");
     tree.addFile("?b/file.txt");
     QCOMPARE(iterated(start, {}, QDir::NoFilter).size(), 3);
@@ -728,7 +728,7 @@ void tst_FileSearch::unsearchablePathsHaveNoEntries_data()
     QTest::newRow("file") << "lower.txt";
     QTest::newRow("broken link") << "broken.txt";
     QTest::newRow("pipe") << "pipe.txt";
-    QTest::newRow("directory below a file") << "lower.txt/folder";
+    QTest::newRow("directory below a file") << "lower.txt/directory";
     QTest::newRow("name too long") << QString(300, QLatin1Char('a'));
     QTest::newRow("NUL after a directory") << QStringLiteral("sub") + QChar(QChar::Null);
     QTest::newRow("NUL in a directory's name")
@@ -738,7 +738,7 @@ void tst_FileSearch::unsearchablePathsHaveNoEntries_data()
 void tst_FileSearch::unsearchablePathsHaveNoEntries()
 {
     QFETCH(QString, name);
-    const Tree tree(folder());
+    const Tree tree(directory());
     addSmallTree(tree);
 
     QCOMPARE(searched(path(name), {}, QDir::AllEntries | QDir::System), QStringList());
@@ -754,14 +754,14 @@ void tst_FileSearch::resultsAreAppended()
     const QString found = path("a.txt");
 
     QFileInfoList entries = {earlier};
-    searchFilesOnPathRecursive(folder(), patterns, QDir::Files, entries);
-    searchFilesOnPathRecursive(folder(), patterns, entries);
+    searchFilesOnPathRecursive(directory(), patterns, QDir::Files, entries);
+    searchFilesOnPathRecursive(directory(), patterns, entries);
     searchFilesOnPathRecursive(path("missing"), patterns, entries);
     QCOMPARE(filePaths(entries), QStringList({earlier.filePath(), found, found}));
 
     QStringList names = {"earlier"};
-    searchFilesOnPathRecursive(folder(), patterns, names);
-    searchFilesOnPathRecursive(folder(), patterns, names);
+    searchFilesOnPathRecursive(directory(), patterns, names);
+    searchFilesOnPathRecursive(directory(), patterns, names);
     searchFilesOnPathRecursive(path("missing"), patterns, names);
     QCOMPARE(names, words("earlier a.txt a.txt"));
 }

@@ -99,8 +99,8 @@ private:
 // Created in an order that is neither sorted nor reversed.
 void tst_MediaWatcher::addMedium()
 {
-    QVERIFY(QDir(folder()).mkpath("Music/live"));
-    QVERIFY(QDir(folder()).mkpath("empty"));
+    QVERIFY(QDir(directory()).mkpath("Music/live"));
+    QVERIFY(QDir(directory()).mkpath("empty"));
     for (const char* name : {"delta.mp3", "Alpha.mp3", "charlie.MP3", "Bravo.txt", "echo.txt",
                              ".hidden.mp3", "Music/b.mp3", "Music/C.mp3", "Music/a.mp3",
                              "Music/live/d.mp3", "Music/live/cover.png"}) {
@@ -169,7 +169,7 @@ void tst_MediaWatcher::methods()
     MediaWatcher watcher(nullptr);
     watcher.setFileMatchPatternList({"*.mp3"});
     Findings findings(watcher);
-    QVERIFY(QMetaObject::invokeMethod(&watcher, "mediumMounted", Q_ARG(QString, folder())));
+    QVERIFY(QMetaObject::invokeMethod(&watcher, "mediumMounted", Q_ARG(QString, directory())));
     QCOMPARE(findings.take(), QVector<QStringList>({inDirectory(words("a.mp3"))}));
 }
 
@@ -248,7 +248,7 @@ void tst_MediaWatcher::listIsDeliveredToOtherThreads()
                                         SLOT(receive(QFileInfoList)), connectionType)
                               : connect(&watcher, &MediaWatcher::filesFound, &receiver,
                                         &Receiver::receive, connectionType));
-    watcher.mediumMounted(folder());
+    watcher.mediumMounted(directory());
     QCOMPARE(receiver.paths, QStringList()); // its event loop is not running yet
     thread.start();
     const bool hasEnded = thread.wait(10000);
@@ -264,7 +264,7 @@ void tst_MediaWatcher::topDirectoryIsSorted()
     addMedium();
     MediaWatcher watcher(nullptr);
     Findings findings(watcher);
-    watcher.mediumMounted(folder());
+    watcher.mediumMounted(directory());
     QCOMPARE(
         findings.take(),
         QVector<QStringList>({inDirectory(words(". .. Alpha.mp3 Bravo.txt charlie.MP3 delta.mp3 "
@@ -281,7 +281,7 @@ void tst_MediaWatcher::namesAreSortedByCodeUnit()
     MediaWatcher watcher(nullptr);
     watcher.setFileMatchPatternList(words("*.mp3"));
     Findings findings(watcher);
-    watcher.mediumMounted(folder());
+    watcher.mediumMounted(directory());
     QStringList expected = words("10.mp3 9.mp3 _a.mp3 a?b.mp3 a-b.mp3 B.mp3 z.mp3");
     expected.replaceInStrings("?", " ");
     expected.append(umlaut); // sorts after every ASCII letter
@@ -296,7 +296,7 @@ void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
     }
     const QStringList patterns("*.mp3");
     QStringList expected;
-    QDirIterator iterator(folder(), patterns, QDir::AllEntries, QDirIterator::Subdirectories);
+    QDirIterator iterator(directory(), patterns, QDir::AllEntries, QDirIterator::Subdirectories);
     while (iterator.hasNext()) {
         expected.append(iterator.next());
     }
@@ -309,7 +309,7 @@ void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
     watcher.setRecursive(true);
     watcher.setFileMatchPatternList(patterns);
     Findings findings(watcher);
-    watcher.mediumMounted(folder());
+    watcher.mediumMounted(directory());
     QCOMPARE(findings.take(), QVector<QStringList>({expected}));
 }
 
@@ -343,13 +343,13 @@ void tst_MediaWatcher::filesAreFound()
     MediaWatcher watcher(nullptr);
     watcher.setFileMatchPatternList(patterns);
     Findings findings(watcher);
-    watcher.mediumMounted(folder());
+    watcher.mediumMounted(directory());
     QCOMPARE(findings.take(), ofTopDirectory.isEmpty()
                                   ? QVector<QStringList>()
                                   : QVector<QStringList>({inDirectory(ofTopDirectory)}));
 
     watcher.setRecursive(true);
-    watcher.mediumMounted(folder());
+    watcher.mediumMounted(directory());
     QVector<QStringList> found = findings.take();
     for (QStringList& paths : found) {
         paths.sort(Qt::CaseInsensitive);
@@ -388,7 +388,7 @@ void tst_MediaWatcher::mountPathIsUsedAsGiven()
     watcher.setRecursive(recursive);
     watcher.setFileMatchPatternList({"[dc]*.mp3"});
     Findings findings(watcher);
-    watcher.mediumMounted(folder() + mountPath);
+    watcher.mediumMounted(directory() + mountPath);
     QStringList paths;
     const QVector<QStringList> taken = findings.take();
     for (const QStringList& names : taken) {
@@ -397,10 +397,10 @@ void tst_MediaWatcher::mountPathIsUsedAsGiven()
     paths.sort();
     QStringList expected;
     if (mountPath == "/link/..") {
-        expected.append(folder() + "/link/../C.mp3");
+        expected.append(directory() + "/link/../C.mp3");
     }
     if (!found.isEmpty()) {
-        expected.append(folder() + found);
+        expected.append(directory() + found);
     }
     QCOMPARE(paths, expected);
 }
@@ -429,7 +429,7 @@ void tst_MediaWatcher::emptyMediumListsDotEntries()
     watcher.setRecursive(recursive);
     watcher.setFileMatchPatternList(patterns);
     Findings findings(watcher);
-    watcher.mediumMounted(folder());
+    watcher.mediumMounted(directory());
     QVector<QStringList> found = findings.take();
     QCOMPARE(found.size(), hasDots ? 1 : 0);
     if (hasDots) {
@@ -443,7 +443,7 @@ void tst_MediaWatcher::noMatchEmitsNoSignal_data()
     QTest::addColumn<QString>("name");
     QTest::newRow("missing") << "missing";
     QTest::newRow("file") << "file";
-    QTest::newRow("below a file") << "file/folder";
+    QTest::newRow("below a file") << "file/directory";
 }
 
 void tst_MediaWatcher::noMatchEmitsNoSignal()
@@ -462,14 +462,14 @@ void tst_MediaWatcher::noMatchEmitsNoSignal()
 
 void tst_MediaWatcher::settingsAreReplaced()
 {
-    QVERIFY(QDir(folder()).mkdir("sub"));
+    QVERIFY(QDir(directory()).mkdir("sub"));
     for (const char* name : {"a.mp3", "b.txt", "sub/c.mp3"}) {
         writeFile(QString::fromLatin1(name), "");
     }
     MediaWatcher watcher(nullptr);
     Findings findings(watcher);
     const auto found = [&] {
-        watcher.mediumMounted(folder());
+        watcher.mediumMounted(directory());
         QStringList paths = findings.take().value(0);
         paths.sort();
         return paths;
@@ -497,7 +497,7 @@ void tst_MediaWatcher::signalIsEmittedDuringTheCall()
     watcher.setFileMatchPatternList(words("*.mp3"));
     Findings findings(watcher);
     for (int i = 0; i < 3; ++i) { // each call searches again and starts with an empty list
-        watcher.mediumMounted(folder());
+        watcher.mediumMounted(directory());
         QCOMPARE(findings.take(), QVector<QStringList>({inDirectory(words("a.mp3"))}));
     }
 }

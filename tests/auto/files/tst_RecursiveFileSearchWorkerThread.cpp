@@ -53,8 +53,8 @@ private:
 
 void tst_RecursiveFileSearchWorkerThread::addTree()
 {
-    QVERIFY(QDir(folder()).mkpath("sub/deeper.csv"));
-    QVERIFY(QDir(folder()).mkpath("empty"));
+    QVERIFY(QDir(directory()).mkpath("sub/deeper.csv"));
+    QVERIFY(QDir(directory()).mkpath("empty"));
     QVERIFY(QFile::link("sub/deeper.csv", path("link")));
     for (const char* name :
          {"b.csv", "A.CSV", "c.txt", ".hidden.csv", "sub/d.csv", "sub/deeper.csv/e.csv"}) {
@@ -78,7 +78,7 @@ void tst_RecursiveFileSearchWorkerThread::metaObject()
 
 void tst_RecursiveFileSearchWorkerThread::freshWorker()
 {
-    const RecursiveFileSearchWorkerThread worker(folder(), {});
+    const RecursiveFileSearchWorkerThread worker(directory(), {});
     QCOMPARE(worker.metaObject(), &RecursiveFileSearchWorkerThread::staticMetaObject);
     QVERIFY(worker.autoDelete());
     QVERIFY(worker.parent() == nullptr);
@@ -132,10 +132,10 @@ void tst_RecursiveFileSearchWorkerThread::resultIsInFileSystemOrder()
     }
     const QStringList patterns("*.csv");
     QStringList expected;
-    searchFilesOnPathRecursive(folder(), patterns, expected);
+    searchFilesOnPathRecursive(directory(), patterns, expected);
     QVERIFY(expected != sorted(expected));
 
-    RecursiveFileSearchWorkerThread worker(folder(), patterns);
+    RecursiveFileSearchWorkerThread worker(directory(), patterns);
     QSignalSpy finished(&worker, &RecursiveFileSearchWorkerThread::searchFinished);
     worker.run();
     QCOMPARE(finished.first().first().toStringList(), expected);
@@ -143,7 +143,7 @@ void tst_RecursiveFileSearchWorkerThread::resultIsInFileSystemOrder()
 
 void tst_RecursiveFileSearchWorkerThread::everyRunSearchesAgain()
 {
-    RecursiveFileSearchWorkerThread worker(folder(), {"*.csv"});
+    RecursiveFileSearchWorkerThread worker(directory(), {"*.csv"});
     QSignalSpy finished(&worker, &RecursiveFileSearchWorkerThread::searchFinished);
     worker.run();
     writeFile("a.csv", "");
@@ -159,7 +159,7 @@ void tst_RecursiveFileSearchWorkerThread::everyRunSearchesAgain()
 void tst_RecursiveFileSearchWorkerThread::argumentsAreCopied()
 {
     writeFile("a.csv", "");
-    QString searchPath = folder();
+    QString searchPath = directory();
     QStringList patterns("*.csv");
     RecursiveFileSearchWorkerThread worker(searchPath, patterns);
     searchPath.clear();
@@ -172,7 +172,7 @@ void tst_RecursiveFileSearchWorkerThread::argumentsAreCopied()
 void tst_RecursiveFileSearchWorkerThread::poolDeletesTheWorker()
 {
     addTree();
-    auto* const worker = new RecursiveFileSearchWorkerThread(folder(), {"?.csv"});
+    auto* const worker = new RecursiveFileSearchWorkerThread(directory(), {"?.csv"});
     const QPointer<RecursiveFileSearchWorkerThread> guard(worker);
     QStringList result;
     int resultCount = 0;
@@ -204,7 +204,7 @@ void tst_RecursiveFileSearchWorkerThread::poolDeletesTheWorker()
 
 void tst_RecursiveFileSearchWorkerThread::poolKeepsTheWorkerWithoutAutoDelete()
 {
-    RecursiveFileSearchWorkerThread worker(folder(), {"*.csv"});
+    RecursiveFileSearchWorkerThread worker(directory(), {"*.csv"});
     worker.setAutoDelete(false);
     QVERIFY(!worker.autoDelete());
     QSignalSpy destroyed(&worker, &QObject::destroyed);
@@ -232,7 +232,7 @@ void tst_RecursiveFileSearchWorkerThread::manyWorkersAtOnce()
     QThreadPool pool;
     pool.setMaxThreadCount(8);
     for (int i = 0; i < workerCount; ++i) {
-        auto* const worker = new RecursiveFileSearchWorkerThread(folder(), {"?.csv"});
+        auto* const worker = new RecursiveFileSearchWorkerThread(directory(), {"?.csv"});
         connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, &receiver,
                 [&right](const QStringList& paths) {
                     if (sorted(paths) == words("A.CSV b.csv sub/d.csv sub/deeper.csv/e.csv")) {
@@ -246,7 +246,7 @@ void tst_RecursiveFileSearchWorkerThread::manyWorkersAtOnce()
 
 void tst_RecursiveFileSearchWorkerThread::workerMayBeDeletedAsQRunnable()
 {
-    auto* const worker = new RecursiveFileSearchWorkerThread(folder(), {});
+    auto* const worker = new RecursiveFileSearchWorkerThread(directory(), {});
     const QPointer<RecursiveFileSearchWorkerThread> guard(worker);
     QSignalSpy destroyed(worker, &QObject::destroyed);
     std::unique_ptr<QRunnable> task(worker);

@@ -135,7 +135,7 @@ private Q_SLOTS:
 
     void missingFile_data();
     void missingFile();
-    void directory();
+    void directoryIsNotAFile();
     void unreadableFile();
     void fileInAnInaccessibleDirectory();
     void relativeFileName();
@@ -387,11 +387,12 @@ void tst_TextFileParser::missingFile()
     QCOMPARE(parser.getLastError(), error);
 }
 
-void tst_TextFileParser::directory()
+void tst_TextFileParser::directoryIsNotAFile()
 {
-    const QString error = "Can't open file " + folder() + " IO Error: file to open is a directory";
+    const QString error =
+        "Can't open file " + directory() + " IO Error: file to open is a directory";
     expectError(error);
-    TextFileParser parser(folder());
+    TextFileParser parser(directory());
     QVERIFY(parser.hasError());
     QCOMPARE(parser.getLastError(), error);
     QVERIFY(contentOf(parser).isNull());
@@ -402,7 +403,8 @@ void tst_TextFileParser::unreadableFile()
 {
     const QString filePath = writeFile("file", "secret");
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::WriteOwner));
-    QVERIFY(QFile::setPermissions(folder(), QFile::permissions(folder()) | QFileDevice::ExeOther));
+    QVERIFY(QFile::setPermissions(directory(),
+                                  QFile::permissions(directory()) | QFileDevice::ExeOther));
 
     const QString error = "Can't open file " + filePath + " IO Error: Permission denied";
     const ChildResult result = ChildProcess::runAsOrdinaryUser([&] {
@@ -421,13 +423,13 @@ void tst_TextFileParser::fileInAnInaccessibleDirectory()
 {
     const QString filePath = writeFile("file", "secret");
     const QString error = "File doesn't exists: " + filePath;
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([&] {
         const TextFileParser parser(filePath);
         return parser.hasError() && parser.getLastError() == error ? 0 : 1;
     });
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                QFileDevice::ExeOwner));
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                   QFileDevice::ExeOwner));
     QVERIFY(result.exited);
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.output, '"' + error.toUtf8() + "\"\n");
@@ -436,9 +438,9 @@ void tst_TextFileParser::fileInAnInaccessibleDirectory()
 void tst_TextFileParser::relativeFileName()
 {
     writeFile("file", "content");
-    QVERIFY(QDir(folder()).mkdir("sub"));
+    QVERIFY(QDir(directory()).mkdir("sub"));
     const QString before = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(folder()));
+    QVERIFY(QDir::setCurrent(directory()));
     TextFileParser file("./sub/../file");
     const QString error = QStringLiteral("Can't open file ./sub/ IO Error: file to open is a "
                                          "directory");

@@ -111,7 +111,7 @@ void tst_WildcardFilter::patternsMatchWholeNames_data()
     row("star matches nothing", "a*b", text("ab"), true);
     row("star matches a hidden name", "*", text(".hidden"), true);
     row("star matches the directory itself", "*", text("."), true);
-    row("star matches a slash", "*", text("folder/file"), true);
+    row("star matches a slash", "*", text("directory/file"), true);
     row("question mark matches one character", "?.txt", text("a.txt"), true);
     row("question mark does not match zero characters", "?.txt", text(".txt"), false);
     row("question mark does not match two characters", "?.txt", text("ab.txt"), false);

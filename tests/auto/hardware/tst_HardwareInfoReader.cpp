@@ -111,7 +111,7 @@ private:
 
 void tst_HardwareInfoReader::verifyRead(const QString& image, const QStringList& record)
 {
-    QDir(folder()).mkdir("tmp");
+    QDir(directory()).mkdir("tmp");
     HardwareInfo info = usedRecord();
     HardwareInfoReader reader(nullptr);
     QVERIFY(reader.readHardwareInfoFromSysFs(fileTemplate(), image, info));
@@ -155,7 +155,7 @@ void tst_HardwareInfoReader::expectMissingKeys(const QStringList& keys)
         messages().expectWarning(
             "IniFileManager",
             QStringLiteral("\"Ini-File (%1/tmp/%2):\" Key \"%3\" not found in Group \"\" !")
-                .arg(folder(), temporaryFiles().first(), key));
+                .arg(directory(), temporaryFiles().first(), key));
     }
 }
 
@@ -424,8 +424,8 @@ void tst_HardwareInfoReader::imageWithoutReadPermission()
     const QString image = writeImage(EepromImage(boardText).bytes());
     QVERIFY(QFile::setPermissions(image, QFileDevice::Permissions()));
     // The user may enter the directory, so the image is known to exist.
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                QFileDevice::ExeOwner | QFileDevice::ExeOther));
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                   QFileDevice::ExeOwner | QFileDevice::ExeOther));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([this, &image] {
         HardwareInfo info = usedRecord();
         const bool isRead =
@@ -616,7 +616,7 @@ void tst_HardwareInfoReader::readersOnSeveralThreads()
 {
     constexpr int threadCount = 4;
     constexpr int readsPerThread = 25;
-    QDir(folder()).mkdir("tmp");
+    QDir(directory()).mkdir("tmp");
     QAtomicInt goodReads;
     std::vector<std::unique_ptr<QThread>> threads;
     for (int i = 0; i < threadCount; ++i) {

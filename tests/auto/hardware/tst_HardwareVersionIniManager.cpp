@@ -63,7 +63,7 @@ private Q_SLOTS:
 
 private:
     QString fileTemplate() const { return path("hwinfo.XXXXXX"); }
-    QStringList filesInDirectory() const { return QDir(folder()).entryList(QDir::Files); }
+    QStringList filesInDirectory() const { return QDir(directory()).entryList(QDir::Files); }
     void expectNotFound(const QString& group, const QString& key);
     void expectNoManagerAtEachRead();
     void verifyAllEmpty(const HardwareVersionIniManager& manager);
@@ -312,7 +312,7 @@ void tst_HardwareVersionIniManager::unusableTemplate()
     const HardwareVersionIniManager manager(boardText, path(templateName));
     expectNoManagerAtEachRead();
     verifyAllEmpty(manager);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList("file"));
     QCOMPARE(readFile(file), QByteArray("content"));
 }
@@ -363,7 +363,7 @@ void tst_HardwareVersionIniManager::fullDisk()
     const QRegularExpression expected(
         QStringLiteral("^\"Ini-File \\(%1/hwinfo\\.[A-Za-z]{6}\\):\" Key \"Type\" not found in "
                        "Group \"\" !\n$")
-            .arg(QRegularExpression::escape(folder())));
+            .arg(QRegularExpression::escape(directory())));
     QVERIFY2(expected.match(output).hasMatch(), result.output.constData());
 }
 

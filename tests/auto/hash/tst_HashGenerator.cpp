@@ -102,7 +102,7 @@ private Q_SLOTS:
     void missingFile();
     void danglingLink();
     void linkToFile();
-    void directory();
+    void directoryHasNoHash();
     void unreadableFile();
     void filesWithoutPermission_data();
     void filesWithoutPermission();
@@ -277,15 +277,15 @@ void tst_HashGenerator::linkToFile()
              QCryptographicHash::hash("a\n", QCryptographicHash::Md5));
 }
 
-void tst_HashGenerator::directory()
+void tst_HashGenerator::directoryHasNoHash()
 {
     messages()
         .expectWarning(
             "HashGenerator",
             QStringLiteral("Can't open file: \"%1\" ( \"file to open is a directory\" )!")
-                .arg(folder()))
+                .arg(directory()))
         .function(signature);
-    QVERIFY(HashGenerator::createHashFromFile(folder(), QCryptographicHash::Md5).isNull());
+    QVERIFY(HashGenerator::createHashFromFile(directory(), QCryptographicHash::Md5).isNull());
 }
 
 void tst_HashGenerator::unreadableFile()
@@ -301,7 +301,7 @@ void tst_HashGenerator::unreadableFile()
 
 void tst_HashGenerator::filesWithoutPermission_data()
 {
-    QTest::addColumn<bool>("isFolderOpen");
+    QTest::addColumn<bool>("isDirectoryOpen");
     QTest::addColumn<QString>("warning");
 
     QTest::newRow("file") << true << "Can't open file: \"%1\" ( \"Permission denied\" )!";
@@ -310,18 +310,19 @@ void tst_HashGenerator::filesWithoutPermission_data()
 
 void tst_HashGenerator::filesWithoutPermission()
 {
-    QFETCH(bool, isFolderOpen);
+    QFETCH(bool, isDirectoryOpen);
     QFETCH(QString, warning);
 
     const QString filePath = writeFile("file", "content");
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::Permissions()));
     // An ordinary user who runs this test owns the directory, so it must deny access to the owner.
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(isFolderOpen ? 0x7755 : 0)));
+    QVERIFY(
+        QFile::setPermissions(directory(), QFileDevice::Permissions(isDirectoryOpen ? 0x7755 : 0)));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([&filePath] {
         return HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5).isNull() ? 0
                                                                                              : 1;
     });
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7700)));
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::Permissions(0x7700)));
     QVERIFY(result.exited);
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(QString::fromLocal8Bit(result.output), warning.arg(filePath) + QLatin1Char('\n'));

@@ -147,7 +147,7 @@ void tst_IniFileManager::existingPathOpensWithoutWarning_data()
     QTest::addColumn<QString>("name");
     QTest::newRow("file") << "settings.ini";
     QTest::newRow("empty file") << "empty.ini";
-    QTest::newRow("directory") << "folder.ini";
+    QTest::newRow("directory") << "directory.ini";
     QTest::newRow("link to a file") << "link.ini";
 }
 
@@ -156,7 +156,7 @@ void tst_IniFileManager::existingPathOpensWithoutWarning()
     QFETCH(QString, name);
     writeIni("key=1\n");
     writeFile("empty.ini", QByteArray());
-    QVERIFY(QDir().mkdir(path("folder.ini")));
+    QVERIFY(QDir().mkdir(path("directory.ini")));
     QVERIFY(QFile::link(iniFile(), path("link.ini")));
 
     IniFileManager manager(path(name), nullptr);
@@ -183,7 +183,7 @@ void tst_IniFileManager::unreadableFileReadsAsEmpty()
     const QByteArray content = "key=1\n[Net]\nPort=80\n";
     writeIni(content);
     QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions()));
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7777)));
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::Permissions(0x7777)));
 
     const ChildResult result = ChildProcess::runAsOrdinaryUser([this] {
         IniFileManager manager(iniFile(), nullptr);
@@ -382,11 +382,11 @@ void tst_IniFileManager::logInfoNamesTheAbsolutePath()
     QFETCH(QString, constructionPath);
     writeIni(QByteArray());
     const QString workingDirectory = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(folder()));
+    QVERIFY(QDir::setCurrent(directory()));
     QString logInfo;
     {
         const IniFileManager manager(constructionPath.contains(QLatin1Char('%'))
-                                         ? constructionPath.arg(folder())
+                                         ? constructionPath.arg(directory())
                                          : constructionPath,
                                      nullptr);
         logInfo = manager.getGeneralLogInfo();

@@ -264,7 +264,7 @@ void tst_IniFileManagerCleanUp::unchangedFileIsReplacedAtomically()
     QVERIFY(inodeOf(iniFile()) != before);
     QCOMPARE(readFile(iniFile()), QByteArray("k=1\n"));
     // No temporary file remains.
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              words("settings.ini"));
 }
 
@@ -296,14 +296,14 @@ void tst_IniFileManagerCleanUp::missingFileIsNotCreated_data()
     QTest::newRow("missing file") << "none.ini";
     QTest::newRow("missing directory") << "none/none.ini";
     QTest::newRow("dangling link") << "link.ini";
-    QTest::newRow("directory") << "folder.ini";
+    QTest::newRow("directory") << "directory.ini";
 }
 
 void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
 {
     QFETCH(QString, name);
     QVERIFY(QFile::link(path("nowhere"), path("link.ini")));
-    QVERIFY(QDir().mkdir(path("folder.ini")));
+    QVERIFY(QDir().mkdir(path("directory.ini")));
     const CleanUpFunctionsGuard guard({&recordText});
     seenTexts.clear();
 
@@ -314,10 +314,10 @@ void tst_IniFileManagerCleanUp::missingFileIsNotCreated()
     IniFileManager::cleanUp(path(name));
 
     QCOMPARE(seenTexts, QStringList());
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
-                                      QDir::NoDotAndDotDot),
-             words("folder.ini link.ini"));
-    QVERIFY(QDir(path("folder.ini")).isEmpty());
+    QCOMPARE(QDir(directory())
+                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+             words("directory.ini link.ini"));
+    QVERIFY(QDir(path("directory.ini")).isEmpty());
 }
 
 void tst_IniFileManagerCleanUp::emptyPathWarns()
@@ -359,7 +359,7 @@ void tst_IniFileManagerCleanUp::withoutPermission()
     writeIni(content);
     const ino64_t before = inodeOf(iniFile());
     QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions(filePermissions)));
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(directoryPermissions)));
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::Permissions(directoryPermissions)));
 
     const ChildResult result = ChildProcess::runAsOrdinaryUser([this] {
         IniFileManager::cleanUp(iniFile());
@@ -367,7 +367,7 @@ void tst_IniFileManagerCleanUp::withoutPermission()
     });
 
     // Before any check, so that the directory can be removed.
-    QVERIFY(QFile::setPermissions(folder(), QFileDevice::Permissions(0x7700)));
+    QVERIFY(QFile::setPermissions(directory(), QFileDevice::Permissions(0x7700)));
     QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions(0x6600)));
     QVERIFY(result.exited);
     QCOMPARE(result.exitCode, 0);
@@ -375,7 +375,7 @@ void tst_IniFileManagerCleanUp::withoutPermission()
              QStringLiteral("Can not open file: \"%1\"\n").arg(iniFile()));
     QCOMPARE(readFile(iniFile()), content);
     QCOMPARE(inodeOf(iniFile()), before);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              words("settings.ini"));
 }
 
@@ -411,7 +411,7 @@ void tst_IniFileManagerCleanUp::failedReplacementLogsNothing()
     QVERIFY(result.exited);
     QCOMPARE(result.output, QByteArray());
     QCOMPARE(readFile(iniFile()), content);
-    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              words("settings.ini"));
 }
 

@@ -447,7 +447,7 @@ void tst_QProcessHandler::missingWorkingDirectory()
         QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), -1);
         QCOMPARE(handler.getLastExitStatus(), 0);
     }
-    QVERIFY(QDir(folder()).mkdir("missing"));
+    QVERIFY(QDir(directory()).mkdir("missing"));
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
     QCOMPARE(handler.getStandardOutput(), path(QStringLiteral("missing")));
 }
@@ -666,11 +666,11 @@ void tst_QProcessHandler::standardInputStaysOpen()
 void tst_QProcessHandler::settingsPersist()
 {
     QProcessHandler handler;
-    handler.setWorkingDirectory(folder());
+    handler.setWorkingDirectory(directory());
     handler.setStandardInputFile(writeFile("input", QByteArray(100000, 'i')));
     for (int i = 0; i < 3; ++i) {
         QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
-        QCOMPARE(handler.getStandardOutput(), folder());
+        QCOMPARE(handler.getStandardOutput(), directory());
         QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("echo")}), 0);
         QCOMPARE(handler.getStandardOutput(), QString(100000, QLatin1Char('i')));
     }
@@ -688,7 +688,7 @@ void tst_QProcessHandler::settingsPersist()
 void tst_QProcessHandler::settingsCanBeReset()
 {
     QProcessHandler handler;
-    handler.setWorkingDirectory(folder());
+    handler.setWorkingDirectory(directory());
     handler.setWorkingDirectory(QString());
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("cwd")}), 0);
     QCOMPARE(handler.getStandardOutput(), QDir::currentPath());

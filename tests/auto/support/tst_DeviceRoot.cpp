@@ -106,9 +106,9 @@ private:
 
 void tst_DeviceRoot::prepare()
 {
-    m_currentDirectory = folder();
+    m_currentDirectory = directory();
     m_environment = QProcessEnvironment::systemEnvironment();
-    QVERIFY(QDir(folder()).mkpath("tree"));
+    QVERIFY(QDir(directory()).mkpath("tree"));
 }
 
 bool tst_DeviceRoot::isAvailable()
@@ -159,7 +159,7 @@ ChildResult tst_DeviceRoot::runAsOrdinaryUser(const QByteArray& command)
     if (!QFile::exists(launcher) && !QFile::copy(m_launcher, launcher)) {
         qFatal("cannot copy the launcher");
     }
-    const QByteArray place = QFile::encodeName(folder());
+    const QByteArray place = QFile::encodeName(directory());
     chmod(place.constData(), 0755);
     const QByteArray whole = "cd '" + place + "' && LAUNCHER=./launcher && " + command;
     return ChildProcess::runAsOrdinaryUser([&whole] {
@@ -248,7 +248,7 @@ void tst_DeviceRoot::machineIsNotChanged()
     const QByteArray commandLine = readFile("/proc/cmdline");
     const QByteArray mounts = readFile("/proc/self/mounts");
 
-    const Result result = runShell("touch /orvalis/new /etc/rauc && mkdir /folder && echo in");
+    const Result result = runShell("touch /orvalis/new /etc/rauc && mkdir /directory && echo in");
     QCOMPARE(result.output, QByteArray("in\n"));
 
     QCOMPARE(machine(), before);
@@ -264,7 +264,7 @@ void tst_DeviceRoot::twoDeviceRootsAreIndependent()
     QScopedPointer<QProcess> processes[2];
     for (int i = 0; i < 2; ++i) {
         writeFile(names.at(i), QByteArray());
-        QVERIFY(QDir(folder()).mkpath("tree-" + names.at(i)));
+        QVERIFY(QDir(directory()).mkpath("tree-" + names.at(i)));
         writeFile(QStringLiteral("tree-%1/orvalis-reboot").arg(names.at(i)),
                   names.at(i).toLatin1());
         processes[i].reset(new QProcess);
@@ -389,7 +389,7 @@ void tst_DeviceRoot::workingDirectoryIsKept()
 {
     NEED_NAMESPACES();
     QFETCH(QString, directoryPath);
-    m_currentDirectory = directoryPath.isNull() ? folder() : directoryPath;
+    m_currentDirectory = directoryPath.isNull() ? directory() : directoryPath;
     const Result result = runShell("pwd");
     QCOMPARE(result.errors, QByteArray());
     QCOMPARE(result.output, QFile::encodeName(m_currentDirectory) + '\n');
@@ -399,7 +399,7 @@ void tst_DeviceRoot::linksInTheTreeAreKept()
 {
     NEED_NAMESPACES();
     QVERIFY(QFile::link("/nothing", path("tree/orvalis-reboot")));
-    QVERIFY(QDir(folder()).mkpath("tree/orvalis/etc"));
+    QVERIFY(QDir(directory()).mkpath("tree/orvalis/etc"));
     QVERIFY(QFile::link("/etc/passwd", path("tree/orvalis/etc/orvalis-first-boot")));
     const Result result =
         runShell("readlink /orvalis-reboot; readlink /orvalis/etc/orvalis-first-boot");
@@ -409,7 +409,7 @@ void tst_DeviceRoot::linksInTheTreeAreKept()
 void tst_DeviceRoot::relativeTree()
 {
     NEED_NAMESPACES();
-    QVERIFY(QDir(folder()).mkpath("a  tree/-odd"));
+    QVERIFY(QDir(directory()).mkpath("a  tree/-odd"));
     writeFile("a  tree/-odd/orvalis-reboot", "odd");
     m_currentDirectory = path("a  tree");
     const Result result = runProgram(m_launcher, {"-odd", "cat", "/orvalis-reboot"});
@@ -439,7 +439,7 @@ void tst_DeviceRoot::unusableTree()
 void tst_DeviceRoot::usage()
 {
     prepare();
-    const Result result = runProgram(m_launcher, {folder()});
+    const Result result = runProgram(m_launcher, {directory()});
     QVERIFY(result.errors.contains("script/device-root TREE PROGRAM [ARGUMENT...]"));
     QCOMPARE(result.output, QByteArray());
     QCOMPARE(result.exitCode, 125);
@@ -478,7 +478,7 @@ void tst_DeviceRoot::unreadableTree()
     NEED_NAMESPACES();
     QFETCH(QString, file);
     if (file.isEmpty()) {
-        QVERIFY(QDir(folder()).mkpath("tree/proc/cmdline"));
+        QVERIFY(QDir(directory()).mkpath("tree/proc/cmdline"));
     } else {
         QVERIFY(QFile::setPermissions(writeTreeFile(file, "x"), QFileDevice::Permissions()));
     }
@@ -502,7 +502,7 @@ void tst_DeviceRoot::withoutNamespaces()
     const Result result =
         runShell("echo \"$1,${MISCTOOLS_DEVICE_ROOT-none}\"; pwd; exit 7", {"it runs"});
     // The program runs without a device root, and one line explains why.
-    QCOMPARE(result.output, "it runs,none\n" + QFile::encodeName(folder()) + '\n');
+    QCOMPARE(result.output, "it runs,none\n" + QFile::encodeName(directory()) + '\n');
     QCOMPARE(result.exitCode, 7);
     QVERIFY2(result.errors.startsWith("device root: not available here; to allow it: "),
              result.errors.constData());
@@ -532,7 +532,8 @@ void tst_DeviceRoot::testsAreSkippedWithoutNamespaces()
     prepare();
     m_environment.insert("CI", QString()); // an empty value counts as unset
     forbidNamespaces();
-    const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
+    const Result result =
+        runProgram(m_launcher, {directory(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
     QCOMPARE(result.exitCode, 0);
     QVERIFY2(result.output.contains("needs the device's fixed paths; run it through "
                                     "script/device-root, where namespaces are allowed"),
@@ -557,7 +558,8 @@ void tst_DeviceRoot::skipFailsInContinuousIntegration()
     prepare();
     m_environment.insert("CI", value);
     forbidNamespaces();
-    const Result result = runProgram(m_launcher, {folder(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
+    const Result result =
+        runProgram(m_launcher, {directory(), QStringLiteral(MISCTOOLS_DEVICE_TEST)});
     QVERIFY(result.exitCode > 0);
     QVERIFY2(result.output.contains("must not be skipped where CI is set: needs the device's "
                                     "fixed paths"),
@@ -570,7 +572,7 @@ void tst_DeviceRoot::variableAloneIsNotADeviceRoot()
 {
     // A leftover variable must not let a test remove the files of a real device.
     const QString commandLine = writeFile("cmdline", "quiet\n");
-    qputenv("MISCTOOLS_DEVICE_ROOT", QFile::encodeName(folder()));
+    qputenv("MISCTOOLS_DEVICE_ROOT", QFile::encodeName(directory()));
     const ChildResult entered = ChildProcess::run([] { return DeviceRoot::isEntered() ? 1 : 0; });
     const ChildResult changed = ChildProcess::run([] {
         DeviceRoot::setCommandLine("changed");

@@ -103,7 +103,7 @@ void tst_TestSupport::everyRowHasAFreshDirectory_data()
 
 void tst_TestSupport::everyRowHasAFreshDirectory()
 {
-    QVERIFY(QDir(folder()).isEmpty());
+    QVERIFY(QDir(directory()).isEmpty());
     QCOMPARE(readFile(writeFile(QStringLiteral("left-over"), "content")), QByteArray("content"));
 }
 
