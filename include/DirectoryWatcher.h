@@ -63,9 +63,9 @@ Q_SIGNALS:
     /*!
      * \brief A burst has ended: \a changedDirectories changed, in the order of their changes.
      *
-     * A directory that changed several times is listed several times. Changes that are noticed
-     * while this signal is delivered are lost: the burst that they begin ends with an empty list,
-     * and receivers that have not been called yet see the list as these changes left it.
+     * A directory that changed several times is listed several times. Changes that are detected
+     * while this signal is delivered are lost: the burst that they begin reports an empty list, and
+     * receivers that have not been called yet see only these changes in the list.
      */
     void directoryChanged(const QStringList& changedDirectories);
 
