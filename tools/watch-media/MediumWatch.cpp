@@ -280,7 +280,8 @@ bool MediumWatch::watchDirectory(const QString& directory)
         m_watchedDirectories.contains(directory) || m_unwatchableDirectories.contains(directory);
     if (!isKnown) {
         m_unwatchableDirectories.insert(directory);
-        m_report.complain(QStringLiteral("cannot watch %1").arg(CommandLine::printable(directory)));
+        m_report.printError(
+            QStringLiteral("cannot watch %1").arg(CommandLine::printable(directory)));
     }
     return false;
 }
@@ -352,7 +353,8 @@ void MediumWatch::finish(ExitCode exitCode)
 {
     m_statusTimer.stop();
     if (exitCode == MediumGone) {
-        m_report.complain(QStringLiteral("%1 is gone").arg(CommandLine::printable(m_options.name)));
+        m_report.printError(
+            QStringLiteral("%1 is gone").arg(CommandLine::printable(m_options.name)));
         m_files.clear();
     }
     m_report.showSummary({m_files.size(), missingIn(m_filesAtStart, m_files).size(),
