@@ -14,8 +14,8 @@
  *
  * Use it to react once to many changes, for example after a thousand files were copied into a
  * directory. Every change restarts a delay; when the delay passes without another change, one
- * signal reports all changes of the burst. Do not use it to observe the content of files or a whole
- * directory tree: changes of content and of subdirectories are not reported.
+ * signal reports all changes of the burst. Do not use it to observe the content of files or an
+ * entire directory tree: changes of content and of subdirectories are not reported.
  *
  * \snippet DirectoryWatcher.cpp watch
  *

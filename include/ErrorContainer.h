@@ -16,8 +16,8 @@
  * \brief The result of an operation: an error code and a message.
  *
  * Use it as a return value or signal argument where a bool is not enough. It can be stored in a
- * QVariant and passed through queued signals. Do not use it to translate error codes: it makes no
- * message from a code.
+ * QVariant and passed through queued signals. Do not use it to translate error codes: it has no
+ * messages for codes.
  *
  * \snippet ErrorContainer.cpp return
  *

@@ -28,20 +28,20 @@ refuse()
 
 verdict=
 verdict_details=
-# end_with_verdict NAME: makes "NAME: PASSED (DETAILS)" the script's last line, or FAILED with the exit code
+# end_with_verdict NAME: the script's last line becomes "NAME: PASSED (DETAILS)", or FAILED with the exit code
 # and the stage that failed. A script sets $verdict_details, $stage, and $verdict if it is neither of these;
-# $remove_in_the_end lists its temporary files.
+# $remove_on_exit lists its temporary files.
 end_with_verdict()
 {
     verdict_name=$1
     stage=
-    remove_in_the_end=()
+    remove_on_exit=()
     trap 'print_verdict $?' EXIT
 }
 
 print_verdict()
 {
-    rm -rf "${remove_in_the_end[@]}"
+    rm -rf "${remove_on_exit[@]}"
     if [ "$1" -eq 0 ]; then
         verdict=${verdict:-PASSED}
     elif [ "$verdict" != FAILED ]; then
@@ -49,14 +49,14 @@ print_verdict()
         verdict_details="${stage:+$stage, }exit code $1"
     fi
     if [ -n "${MISCTOOLS_VERDICT_FILE:-}" ]; then
-        leave_verdict
+        save_verdict
     else
         echo "$verdict_name: $verdict${verdict_details:+ ($verdict_details)}"
     fi
 }
 
 # Writes the verdict to the file in MISCTOOLS_VERDICT_FILE for script/check, which prints the last line.
-leave_verdict()
+save_verdict()
 {
     if [ -n "${MISCTOOLS_VERDICT_FILE:-}" ]; then
         printf '%s\n' "$verdict" "$verdict_details" >"$MISCTOOLS_VERDICT_FILE"
@@ -157,7 +157,7 @@ configure_preset()
         echo "There is no preset \"$preset\" in CMakePresets.json." >&2
         return 1
     fi
-    echo "CMake $(cmake_version) does not support presets (3.21 and later do); using the values of \"$preset\":"
+    echo "CMake $(cmake_version) cannot read these presets (3.21 and later can); using the values of \"$preset\":"
     echo "    -G $value ${options[*]}"
     # The options may set another build directory.
     [[ " $* " == *" -B "* ]] || options+=(-B "build/$preset")
@@ -208,7 +208,7 @@ run_tests()
     if [ -z "$counts" ]; then
         verdict='NO TEST WAS RUN'
         verdict_details=
-        leave_verdict
+        save_verdict
         return "$status"
     fi
     tests_run=$((tests_run + ${counts#* }))
@@ -232,6 +232,6 @@ run_tests()
         verdict=PASSED
         verdict_details="$tests_run tests, $tests_skipped skipped"
     fi
-    leave_verdict
+    save_verdict
     return "$status"
 }

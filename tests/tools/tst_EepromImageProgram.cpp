@@ -311,7 +311,7 @@ void tst_EepromImageProgram::namesAnUnusableTemporaryDirectory()
     verifyResult(
         run({QStringLiteral("show"), QStringLiteral("eeprom")}, temporaryDirectory), 18, QString(),
         QStringLiteral("eeprom-image: eeprom: the block is valid, but no temporary file could "
-                       "be made to parse it\n"));
+                       "be created to parse it\n"));
 }
 
 void tst_EepromImageProgram::noticesEveryFlippedBit()

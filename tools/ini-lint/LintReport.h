@@ -19,7 +19,7 @@ enum class ReportFormat
     Sarif
 };
 
-// Prints the results: findings at once, everything else at the end.
+// Prints the results: findings immediately, everything else at the end.
 class LintReport
 {
 public:

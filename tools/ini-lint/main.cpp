@@ -119,7 +119,7 @@ ExitCode run()
     parser.setApplicationDescription(
         QStringLiteral("\nReports where QSettings reads INI files differently from what they seem\n"
                        "to say, as FILE:LINE:COLUMN: SEVERITY: MESSAGE [RULE].\n"
-                       "An error means that another value is read than the file says, or none; a\n"
+                       "An error means that QSettings reads a different value, or none; a\n"
                        "warning, that the result may be unexpected; a note, that the value is as\n"
                        "expected, but there is more to know."));
     parser.addOptions(Options::all());

@@ -222,7 +222,7 @@ ExitCode grepFile(const Job& job)
                 isInput ? QStringLiteral("standard input") : job.file);
 }
 
-// Searches a text in a file in memory, which cannot be left behind.
+// Searches a text in an in-memory file, which disappears with the process.
 ExitCode grepText(const Job& job, const QByteArray& text)
 {
     QFile file;

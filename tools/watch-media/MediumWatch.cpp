@@ -93,7 +93,7 @@ bool MediumWatch::hasNewMedium()
 {
     const Place now = placeOf(m_options.directory);
     const bool isOther = now.device != m_place.device || now.inode != m_place.inode;
-    // If the same medium was unmounted and mounted again at once, its watch is lost.
+    // If the same medium was unmounted and mounted again, its watch is lost.
     const bool hasLostWatch = !isOther && m_burstWatcher->addPath(m_options.directory);
     if (!isOther && !hasLostWatch) {
         return false;
@@ -270,7 +270,7 @@ bool MediumWatch::watchDirectories(const QStringList& entries)
 // again counts as new, since its watch was removed with it.
 bool MediumWatch::watchDirectory(const QString& directory)
 {
-    // Qt would log a message of its own for a directory that cannot be read.
+    // Qt would also log a message for a directory that cannot be read.
     if (QFileInfo(directory).isReadable() && m_burstWatcher->addPath(directory)) {
         m_changeWatcher->addPath(directory);
         m_watchedDirectories.insert(directory);
