@@ -1,5 +1,4 @@
-# Shared by the toolchain files: Debian's cross compiler and the sysroot that script/cross-sysroot
-# creates for it.
+# Shared by the toolchain files: Debian's cross compiler, and the sysroot from script/cross-sysroot.
 set(CMAKE_SYSTEM_NAME Linux)
 get_filename_component(CMAKE_SYSROOT
   ${CMAKE_CURRENT_LIST_DIR}/../build/cross/${misctools_architecture}/sysroot ABSOLUTE)

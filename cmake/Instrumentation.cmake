@@ -36,8 +36,8 @@ endif()
 # Such a build is for tests only: its files need the tool's runtime and export symbols of it.
 set(MISCTOOLS_INSTRUMENTED OFF)
 # For generator expressions: 1 in release builds.
-set(misctools_is_shipped "$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>")
+set(misctools_is_release "$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>")
 if(MISCTOOLS_SANITIZE OR MISCTOOLS_COVERAGE OR MISCTOOLS_FUZZ)
   set(MISCTOOLS_INSTRUMENTED ON)
-  set(misctools_is_shipped 0)
+  set(misctools_is_release 0)
 endif()

@@ -29,8 +29,8 @@ int main()
     const BootInformationHelper boot;
     std::printf("booted: %s\n", nameOf(boot.getCurrentBootMode()));
 
-    // Only the application removes the markers. While the first one is there, later boots count as
-    // firmware updates, too; while the second one is there, no boot counts as a hard reset.
+    // Only the application removes the markers. While the first one exists, later boots count as
+    // firmware updates, too; while the second one exists, no boot counts as a hard reset.
     boot.deleteFirmwareUpdateMarker();
     boot.deleteOrvalisRebootMarker();
     std::printf("from now on: %s\n", nameOf(boot.getCurrentBootMode()));

@@ -25,7 +25,7 @@ int main(int argc, char* argv[])
 
     //! [watch]
     DirectoryWatcher watcher(stick.path());
-    // The signal comes when nothing has changed for this time, so that it reports a whole burst.
+    // The signal is emitted when nothing has changed for this time: it reports a burst of changes.
     watcher.setDelayInMs(200);
     QObject::connect(&watcher, &DirectoryWatcher::directoryChanged, &application,
                      [](const QStringList& directories) {
@@ -38,6 +38,6 @@ int main(int argc, char* argv[])
     // Two changes, one signal.
     createFile(stick.filePath(QStringLiteral("a.csv")));
     createFile(stick.filePath(QStringLiteral("b.csv")));
-    // The watcher notices changes, and measures its delay, in the event loop.
+    // The watcher detects changes, and measures its delay, in the event loop.
     return QCoreApplication::exec();
 }

@@ -1,4 +1,4 @@
-// Writes an export into a file whose name holds the device's index and the time.
+// Writes an export to a file whose name contains the device index and the time.
 
 #include <ExportFileNameCreator.h>
 

@@ -15,7 +15,7 @@ int main()
     std::printf("parts list %s\n", qPrintable(id.getPartsListSales()));
     //! [parts]
 
-    // An ID is valid as a whole or not at all: the parts of this one are empty.
+    // All parts of an invalid ID are empty.
     const HardwareIdentification tooShort(QStringLiteral("12345"));
     std::printf("valid: %s, product group <%s>\n", tooShort.isHardwareIDValid() ? "yes" : "no",
                 qPrintable(tooShort.getProductGroupNumber()));

@@ -18,7 +18,7 @@ void print(const HardwareInfo& board)
 int main()
 {
     //! [record]
-    HardwareInfo board; // all six texts are empty
+    HardwareInfo board; // all six strings are empty
     board.setType(QStringLiteral("4711"));
     board.setTypeName(QStringLiteral("Sample board"));
     board.setHwVersion(QStringLiteral("2.1"));

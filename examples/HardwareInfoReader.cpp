@@ -8,7 +8,7 @@
 
 int main()
 {
-    // On a device the kernel shows the EEPROM as /sys/bus/i2c/devices/0-0050/eeprom or similar.
+    // On a device, the EEPROM's file is /sys/bus/i2c/devices/0-0050/eeprom or similar.
     const QString image = QStringLiteral("eeprom.bin");
     //! [read]
     HardwareInfo board;
@@ -22,7 +22,7 @@ int main()
                 qPrintable(board.type()), qPrintable(board.hwVersion()), qPrintable(board.lpId()));
     //! [read]
 
-    // After a failure the record is unchanged: it never mixes the texts of two boards.
+    // After a failure the record is unchanged: it never mixes the values of two boards.
     const QString missing = QStringLiteral("missing.bin");
     if (!reader.readHardwareInfoFromSysFs(temporary, missing, board)) {
         std::printf("no record, still %s\n", qPrintable(board.typeName()));

@@ -15,7 +15,7 @@ int main()
                           "Version=2.1\n"
                           "CompatibilityIndex=3\n"
                           "LP-ID=LP-000815\n");
-    // The class writes the text into a temporary file, which exists as long as the object does.
+    // The class writes the text to a temporary file, which exists as long as the object does.
     const QString temporary = QDir::temp().filePath(QStringLiteral("hwinfo.XXXXXX"));
     const HardwareVersionIniManager record(text, temporary);
     std::printf("%s, type %s, version %s\n", qPrintable(record.getTypeName()),

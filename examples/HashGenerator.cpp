@@ -16,7 +16,7 @@ int main()
     file.close();
 
     //! [digest]
-    // Carriage returns do not count: a text has the same digest with any line endings.
+    // Carriage returns are ignored: a text has the same digest with any line endings.
     const QByteArray digest =
         HashGenerator::createHashFromFile(file.fileName(), QCryptographicHash::Sha256);
     std::printf("sha256 %s\n", digest.toHex().constData()); // a digest is bytes, not text

@@ -27,7 +27,7 @@ int main()
         std::printf("%d: %s, up to %d\n", place, qPrintable(name), limit);
     }
 
-    // Every manager of the process reads the new value at once; the file has it after sync().
+    // Every manager of the process reads the new value immediately; the file has it after sync().
     sensors.setValue(QStringLiteral("Net"), QStringLiteral("Port"), 8080);
     sensors.sync();
     const IniFileManager reader(path, "UTF-8");

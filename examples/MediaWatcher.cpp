@@ -25,8 +25,8 @@ int main()
             std::printf("found %s\n", qPrintable(file.fileName()));
         }
     });
-    // The watcher does not notice by itself that a medium was mounted: the application says so.
-    // The signal comes before this call returns.
+    // The watcher does not detect mounts: the application calls its slot.
+    // The signal is emitted before this call returns.
     media.mediumMounted(mountPoint);
     //! [search]
 

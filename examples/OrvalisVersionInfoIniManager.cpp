@@ -1,4 +1,4 @@
-// Reads which application runs on the device, from /orvalis/etc/OrvalisVersionInfo.ini.
+// Reads the application's version and product code from /orvalis/etc/OrvalisVersionInfo.ini.
 
 #include <OrvalisVersionInfoIniManager.h>
 

@@ -1,4 +1,4 @@
-// Makes an identifier from a recorder's URL: the same one for the same URL, on every device.
+// Creates an identifier from a recorder's URL: the same one for the same URL, on every device.
 
 #include <RecorderUrlHashHandling.h>
 
@@ -12,12 +12,12 @@ int main()
     std::printf("id %s\n", qPrintable(id));
     //! [identifier]
 
-    // Nothing is put between the parts of a URL, so these have the same hash as the whole.
+    // Parts of a URL are concatenated without separators, so they have the hash of the entire URL.
     const QByteArray ofParts =
         RecorderUrlHashHandling::createUrlHash("http://10.0.0.5", "/trend/", "1");
     std::printf("of its parts: %s\n", ofParts == hash ? "the same" : "another");
 
-    // Only a hash of 16 bytes has an identifier; the text is null for any other length.
+    // Only a hash of 16 bytes has an identifier; for any other length, the string is null.
     const QString none = RecorderUrlHashHandling::buildUUIDFromByteArray("12345");
     std::printf("of 5 bytes: %s\n", none.isNull() ? "none" : "an identifier");
     return 0;

@@ -1,4 +1,4 @@
-// Searches a directory in a thread pool, so that the application's own thread does not wait.
+// Searches a directory in a thread pool, so that the application's thread is not blocked.
 
 #include <RecursiveFileSearchWorkerThread.h>
 

@@ -1,4 +1,4 @@
-// Reads which software runs on the device, from /orvalis/VersionFile.ini.
+// Reads the device's software version from /orvalis/VersionFile.ini.
 
 #include <VersionFileIniManager.h>
 

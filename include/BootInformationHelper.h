@@ -17,8 +17,7 @@
  * - **Threads:** thread-safe, as objects have no state. If someone else removes a marker at the
  * same time, its removal may be reported as failed.
  * - **Ownership:** nothing is cached; every call checks the files again.
- * - **Durability:** when the removal of a marker has returned, a power cut no longer brings it
- * back.
+ * - **Durability:** a removed marker does not reappear after a power cut.
  * - **Errors:** nothing throws.
  * - **Log messages:** only for a marker that cannot be removed; see
  *   \ref log-messages-bootinformationhelper "log messages of BootInformationHelper".
@@ -54,9 +53,9 @@ public:
     /*!
      * \brief Returns true if the kernel command line contains orvalismode=factoryreset.
      *
-     * The last word includes the line feed at the end of the line (see KernelCommandLineParser), so
-     * "orvalismode=factoryreset" is not recognized as the last word; a boot loader must append
-     * another word. A missing or unreadable command line logs a warning and returns false.
+     * The last argument includes the trailing line feed (see KernelCommandLineParser), so
+     * "orvalismode=factoryreset" is not recognized as the last argument; the boot loader must
+     * append another one. A missing or unreadable command line logs a warning and returns false.
      */
     bool isFactoryReset() const;
 

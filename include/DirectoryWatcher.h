@@ -14,8 +14,8 @@
  *
  * Use it to react once to many changes, for example after a thousand files were copied into a
  * directory. Every change restarts a delay; when the delay passes without another change, one
- * signal reports all changes of the burst. Do not use it to observe the content of files or a whole
- * directory tree: changes of content and of subdirectories are not reported.
+ * signal reports all changes of the burst. Do not use it to observe the content of files or an
+ * entire directory tree: changes of content and of subdirectories are not reported.
  *
  * \snippet DirectoryWatcher.cpp watch
  *
@@ -63,9 +63,9 @@ Q_SIGNALS:
     /*!
      * \brief A burst has ended: \a changedDirectories changed, in the order of their changes.
      *
-     * A directory that changed several times is listed several times. Changes that are noticed
-     * while this signal is delivered are lost: the burst that they begin ends with an empty list,
-     * and receivers that have not been called yet see the list as these changes left it.
+     * A directory that changed several times is listed several times. Changes that are detected
+     * while this signal is delivered are lost: the burst that they begin reports an empty list, and
+     * receivers that have not been called yet see only these changes in the list.
      */
     void directoryChanged(const QStringList& changedDirectories);
 

@@ -132,7 +132,8 @@ public:
      *
      * A date that does not begin with a digit is parsed in the older text form (Fri Mar 1 12:30:05
      * 2024). Each error logs a warning, in the order of reading. "Resetting drag indicator due to
-     * errors on importing json data!" comes last; despite this text, what could be read is kept.
+     * errors on importing json data!" is logged last; despite this text, what could be read is
+     * kept.
      */
     bool fromJsonArray(const QJsonArray& jsonArray);
 

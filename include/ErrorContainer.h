@@ -15,9 +15,9 @@
 /*!
  * \brief The result of an operation: an error code and a message.
  *
- * Use it as a return value or signal argument where a bool says too little. It can be stored in a
- * QVariant and passed through queued signals. Do not use it to translate error codes: it makes no
- * message from a code.
+ * Use it as a return value or signal argument where a bool is not enough. It can be stored in a
+ * QVariant and passed through queued signals. Do not use it to translate error codes: it has no
+ * messages for codes.
  *
  * \snippet ErrorContainer.cpp return
  *

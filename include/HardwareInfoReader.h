@@ -45,8 +45,8 @@ public:
     /*!
      * \brief Reads the image at \a eepromFilePath into \a hwInfo.
      *
-     * \param tempFileTemplate template for the temporary file that holds the INI text while it is
-     *                         read, as for QTemporaryFile::setFileTemplate()
+     * \param tempFileTemplate template for the temporary file with the INI text, as for
+     *                         QTemporaryFile::setFileTemplate()
      * \param eepromFilePath   path of the image
      * \param hwInfo           the record; unchanged if the function returns false
      *

@@ -18,8 +18,7 @@
  *
  * Use it to compare text files: carriage returns are ignored, so that a text has the same digest
  * with any line endings. Do not use it to compare with the digests of other programs unless the
- * file has no carriage returns, nor for files that do not fit in memory: the file is read as a
- * whole.
+ * file has no carriage returns, nor for files that do not fit in memory.
  *
  * \snippet HashGenerator.cpp digest
  *

@@ -29,16 +29,16 @@
  *   wait for it. Warnings are logged while the mutex is held: a message handler may call back into
  *   the same object, but must not wait for another thread that uses it. The event loop of the
  *   thread that created the object flushes pending writes, too.
- * - **Durability:** when sync(), the flush of the event loop, the destructor or cleanUp() is done,
- * a power cut no longer brings the previous file back.
+ * - **Durability:** after sync(), the flush of the event loop, the destructor or cleanUp(), a power
+ *   cut does not restore the previous file.
  * - **Ownership:** the object owns everything that it uses; it cannot be copied.
  * - **Errors:** nothing throws. A missing file is a warning, and the object remains usable.
- * - **Log messages:** stated with each function; see
+ * - **Log messages:** documented with each function; see
  *   \ref log-messages-inifilemanager "log messages of IniFileManager". All warnings except those of
  *   the constructor and of cleanUp() begin with getGeneralLogInfo().
  * - **Units and formats:** QSettings::IniFormat: a value with an unquoted comma is a list, ';'
  *   starts a comment, keys and groups are case-sensitive. Managers and QSettings objects on the
- * same path in one process share their unsynced writes.
+ *   same path in one process share their unsynced writes.
  *
  * \sa \ref ini-files, \ref threads, \ref gotchas
  * \since 1.0
@@ -62,17 +62,17 @@ public:
     ~IniFileManager();
 
     /*!
-     * \brief Writes pending changes and reads the changes of others. Does not lock the object.
+     * \brief Writes pending changes and reads those of other processes. Does not lock the object.
      *
-     * Waits while another process writes. A lock file whose owner is dead is removed at once; one
-     * whose owner is unknown (from another host, or empty) is removed when it is half a minute old.
+     * Waits while another process writes. A lock file whose owner no longer runs is removed
+     * immediately; one whose owner is unknown (from another host, or empty) after 30 seconds.
      * If QSettings cannot write, the changes remain pending. With Qt 5.15, a disk that becomes full
      * during the write leaves an empty file, which the next sync with a change replaces.
      *
-     * Written changes are durable when the function returns: a later power cut does not bring the
-     * old file back, as far as file system and disk keep their promises. If the file was not
-     * replaced, nothing is flushed. Other calls on the object do not wait for the flush of the
-     * directory. A failed flush of the directory is not reported.
+     * Written changes are durable when the function returns: a later power cut does not restore the
+     * old file, provided that file system and disk honor flushes. If the file was not replaced,
+     * nothing is flushed. Other calls on the object do not wait for the flush of the directory. A
+     * failed flush of the directory is not reported.
      */
     void sync();
 
@@ -82,15 +82,16 @@ public:
     /*! \brief Returns the number of top-level groups. */
     int getCount() const;
 
-    /*! \brief Returns the beginning of every warning: "Ini-File (<path>):". Does not lock the
-     * object.
+    /*!
+     * \brief Returns the beginning of every warning: "Ini-File (<path>):". Does not lock the
+     *        object.
      */
     QString getGeneralLogInfo() const;
 
     /*!
      * \brief Rewrites the file at \a filePath so that QSettings reads it as its author intended.
      *
-     * Applies every function of sm_CleanUpFunctions to the whole text and replaces the file
+     * Applies every function of sm_CleanUpFunctions to the entire text and replaces the file
      * atomically and durably, even if nothing changed. Removes carriage returns, a byte order mark,
      * and everything from the first zero byte on. Call it before a manager is opened on the file,
      * never while a manager writes to it.
@@ -223,8 +224,8 @@ public:
      *
      * \param filter a regular expression, which is inserted unchanged between "^" and ".*": in an
      *               alternation, the anchor applies to the first branch only. An empty filter
-     * matches every group, an invalid one none. A group whose match exceeds the match limit is
-     *               omitted; this is not reported.
+     *               matches every group, an invalid one none. A group whose match exceeds the match
+     *               limit is omitted; this is not reported.
      */
     QStringList getGroups(const QString& filter) const;
 

@@ -36,15 +36,15 @@ public:
     KernelCommandLineParser();
     virtual ~KernelCommandLineParser();
 
-    /*! \brief Returns the whole first argument that begins with \a key; empty if there is none. */
+    /*! \brief Returns the entire first argument that begins with \a key; empty if there is none. */
     QString findKey(const QString& key) const;
 
     /*! \brief Returns true if an argument begins with \a key. */
     bool contains(const QString& key) const;
 
     /*!
-     * \brief Returns what follows \a key, without a leading "=", in the first argument that begins
-     *        with \a key.
+     * \brief Returns the text after \a key, without a leading "=", in the first argument that
+     * begins with \a key.
      *
      * Empty if there is no such argument or if nothing follows.
      */

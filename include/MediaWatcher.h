@@ -12,8 +12,8 @@
 /*!
  * \brief Finds files on a medium that was just mounted.
  *
- * Use it for small media: connect its slot to whatever reports a mount. It does not detect mounts
- * itself, and it searches in the calling thread. For a large medium, use
+ * Use it for small media: connect its slot to the signal that reports a mount. It does not detect
+ * mounts itself, and it searches in the calling thread. For a large medium, use
  * RecursiveFileSearchWorkerThread in a thread pool instead.
  *
  * \snippet MediaWatcher.cpp search

@@ -10,7 +10,7 @@
 /*!
  * \brief Matches regular expressions against the text of a file.
  *
- * Use it for text files that fit in memory and have no parser of their own; for INI files use
+ * Use it for text files that fit in memory and have no dedicated parser; for INI files use
  * IniFileManager instead. Do not use it for binary files: the text ends at the first zero byte. For
  * expressions or files from an untrusted source, observe the limits below.
  *
@@ -18,7 +18,7 @@
  *
  * \par Contract
  * - **Threads:** reentrant; one object must not be used in two threads at a time.
- * - **Ownership:** the constructor reads the whole file and closes it; later changes to the file
+ * - **Ownership:** the constructor reads the entire file and closes it; later changes to the file
  *   are not seen. Copies are independent.
  * - **Errors:** nothing throws. Each error sets hasError() and replaces getLastError(); only
  *   clearLastError() resets them. The object remains usable: without a file, the text is empty.

@@ -45,8 +45,8 @@ public:
      */
     QString getMainVersion() const;
     /*!
-     * \brief Returns what is before the first dot of the main version; in the old format, before
-     *        the last dot but one.
+     * \brief Returns the part of the main version before its first dot; in the old format, before
+     *        its second-to-last dot.
      */
     QString getBaseNumber() const;
     /*! \brief Returns the number after the base number. */

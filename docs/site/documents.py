@@ -1,4 +1,4 @@
-"""The Markdown of the project's documents: their links, names of headings, and blocks of code."""
+"""Parsing of the project's Markdown documents: links, names of headings, and code blocks."""
 
 import collections
 import glob
@@ -31,13 +31,13 @@ def name_of(path):
 
 
 def anchor(text):
-    """The name that a code host gives to a heading."""
+    """The anchor that a code host generates for a heading."""
     text = re.sub(r'[`*]', '', LINK.sub(r'\1', text)).strip().lower()
     return re.sub(r'[^\w\- ]', '', text).replace(' ', '-')
 
 
 def parts(path):
-    """Each line of a document with its number and whether it is code of a block."""
+    """Each line of a document, its number, and whether it is part of a code block."""
     fenced = False
     may_begin = True
     indented = False
@@ -54,7 +54,7 @@ def parts(path):
 
 
 def blocks(path):
-    """The blocks of code of a document, in their order."""
+    """The code blocks of a document, in order."""
     found = []
     open_block = None
     for number, line, is_code in parts(path):

@@ -1,8 +1,8 @@
 SUMMARY = "Utilities for the application software of an embedded Linux device"
-# The project comes without a license text: whoever builds an image answers for it.
+# No license has been chosen yet: all rights are reserved.
 LICENSE = "CLOSED"
 
-# The archive that script/package makes, beside this recipe in misctools-1.0.0/ or files/.
+# The source archive from script/package, in misctools-1.0.0/ or files/ next to this recipe.
 SRC_URI = "file://misctools-${PV}.tar.xz"
 
 DEPENDS = "qtbase"

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
-# Packages that are unpacked, not installed: worlds of packages beside the machine's own. Sourced by bash.
+# Downloading packages that are unpacked, not installed, independently of the machine's. Sourced by bash.
 
-# debian_mirror: where this machine's main packages come from; fails where its configuration names none.
+# debian_mirror: prints the source of this machine's main packages; fails if apt's configuration has none.
 debian_mirror()
 {
     local mirror
@@ -19,8 +19,8 @@ debian_mirror()
     echo "$mirror"
 }
 
-# apt_root ROOT ARCHITECTURE SUITE...: makes a world of packages in the directory ROOT, in which nothing is
-# installed. The apt commands that follow use it. Downloaded packages are in ROOT/cache/archives.
+# apt_root ROOT ARCHITECTURE SUITE...: creates a configuration of apt in the directory ROOT, in which nothing
+# is installed. Later apt commands use it. Downloaded packages are in ROOT/cache/archives.
 apt_root()
 {
     local root=$1 mirror suite
@@ -30,9 +30,9 @@ apt_root()
     for suite in "${@:3}"; do
         echo "deb $mirror $suite main"
     done >"$root/etc/sources.list"
-    # The newest emulator counts, wherever it is from.
+    # Prefer the newest emulator of all suites.
     printf '%s\n' 'Package: qemu-* seabios' 'Pin: version *' 'Pin-Priority: 500' >"$root/etc/preferences"
-    # This machine's way to its mirror, proxies for example, but none of its hooks.
+    # This machine's network settings, such as proxies, but not its hooks.
     apt-config dump | grep '^Acquire::' >"$root/apt.conf"
     cat >>"$root/apt.conf" <<END
 APT::Architecture "$2";

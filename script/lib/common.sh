@@ -1,10 +1,10 @@
 # shellcheck shell=bash
-# What the scripts share. Sourced by bash, with the project's directory as the current one.
+# Functions that the scripts share. Sourced by bash in the project's directory.
 
-# print_usage FILE: the comment that a script begins with.
+# print_usage FILE: prints the comment at the beginning of a script.
 print_usage() { sed -n '2,/^[^#]/{/^[^#]/d;s/^# \{0,1\}//;p}' "$1"; }
 
-# answer_help FILE ARGUMENT...: shows that comment, and ends, where an argument asks for it.
+# answer_help FILE ARGUMENT...: prints that comment and exits if an argument is --help or -h.
 answer_help()
 {
     local file=$1 argument
@@ -17,31 +17,31 @@ answer_help()
     done
 }
 
-# refuse NAME WORDS...: the script NAME cannot do what its arguments say.
+# refuse NAME MESSAGE...: reports invalid arguments of the script NAME and exits.
 refuse()
 {
     echo "$1: ${*:2} (see $1 --help)" >&2
     exit 2
 }
 
-# --- the last line of what a script prints
+# --- the last line of a script's output
 
 verdict=
 verdict_details=
-# end_with_verdict NAME: from here on the script's last line is "NAME: PASSED (DETAILS)", or FAILED with
-# the exit code and the stage that it failed in. A script sets $verdict_details, $stage, and $verdict
-# where another word fits better; $remove_in_the_end has what it does not leave behind.
+# end_with_verdict NAME: the script's last line becomes "NAME: PASSED (DETAILS)", or FAILED with the exit code
+# and the stage that failed. A script sets $verdict_details, $stage, and $verdict if it is neither of these;
+# $remove_on_exit lists its temporary files.
 end_with_verdict()
 {
     verdict_name=$1
     stage=
-    remove_in_the_end=()
+    remove_on_exit=()
     trap 'print_verdict $?' EXIT
 }
 
 print_verdict()
 {
-    rm -rf "${remove_in_the_end[@]}"
+    rm -rf "${remove_on_exit[@]}"
     if [ "$1" -eq 0 ]; then
         verdict=${verdict:-PASSED}
     elif [ "$verdict" != FAILED ]; then
@@ -49,21 +49,21 @@ print_verdict()
         verdict_details="${stage:+$stage, }exit code $1"
     fi
     if [ -n "${MISCTOOLS_VERDICT_FILE:-}" ]; then
-        leave_verdict
+        save_verdict
     else
         echo "$verdict_name: $verdict${verdict_details:+ ($verdict_details)}"
     fi
 }
 
-# For script/check, which has the last line: it names a file in MISCTOOLS_VERDICT_FILE.
-leave_verdict()
+# Writes the verdict to the file in MISCTOOLS_VERDICT_FILE for script/check, which prints the last line.
+save_verdict()
 {
     if [ -n "${MISCTOOLS_VERDICT_FILE:-}" ]; then
         printf '%s\n' "$verdict" "$verdict_details" >"$MISCTOOLS_VERDICT_FILE"
     fi
 }
 
-# fail_with_verdict WORDS...
+# fail_with_verdict DETAILS...
 fail_with_verdict()
 {
     verdict=FAILED
@@ -71,24 +71,24 @@ fail_with_verdict()
     exit 1
 }
 
-# --- where temporary files go
+# --- temporary files
 
-# Builds, tests and the demonstration write files there, and some of these are programs.
+# Builds, tests and the demonstration create files there, including programs.
 require_temporary_directory()
 {
-    local directory=${TMPDIR:-/tmp} probe trouble=
+    local directory=${TMPDIR:-/tmp} probe error=
     if ! probe=$(mktemp -d "$directory/misctools.XXXXXX" 2>/dev/null) ||
         ! printf '#!/bin/sh\n' >"$probe/program" 2>/dev/null; then
-        trouble="no file can be written in $directory"
+        error="no file can be written in $directory"
     elif ! chmod +x "$probe/program" || ! "$probe/program" 2>/dev/null; then
-        trouble="no program can be started in $directory, which may be mounted noexec"
+        error="no program can be started in $directory, which may be mounted noexec"
     fi
     [ -z "$probe" ] || rm -rf "$probe"
-    [ -z "$trouble" ] ||
-        fail_with_verdict "$trouble; set another directory: TMPDIR=DIRECTORY $verdict_name"
+    [ -z "$error" ] ||
+        fail_with_verdict "$error; set another directory: TMPDIR=DIRECTORY $verdict_name"
 }
 
-# --- the presets of CMakePresets.json, which CMake reads from 3.21 on: for an older one they are read here
+# --- the presets of CMakePresets.json: CMake reads them from 3.21 on; for older versions, these functions do
 
 cmake_version() { cmake --version | sed -n '1s/.*version \([0-9.]*\).*/\1/p'; }
 
@@ -97,9 +97,9 @@ cmake_reads_presets()
     [ "$(printf '%s\n' 3.21 "$(cmake_version)" | sort --version-sort | head -n 1)" = 3.21 ]
 }
 
-# preset_values KIND PRESET KEY: the members KEY of a preset of that kind ("configurePresets",
-# "testPresets") and of those that it inherits from, theirs first: "NAME=VALUE" for each member of an
-# object, and the value of a text. The file has a line for each.
+# preset_values KIND PRESET KEY: prints the members KEY of the presets from which a preset of that kind
+# ("configurePresets", "testPresets") inherits, then its own: "NAME=VALUE" for each member of an object, the
+# value of a string. Each must be on a separate line of the file.
 preset_values()
 {
     PROJECT_DIRECTORY=$PWD awk -v kind="$1" -v preset="$2" -v key="$3" '
@@ -157,9 +157,9 @@ configure_preset()
         echo "There is no preset \"$preset\" in CMakePresets.json." >&2
         return 1
     fi
-    echo "CMake $(cmake_version) reads no presets (3.21 and later do); it gets the values of \"$preset\":"
+    echo "CMake $(cmake_version) cannot read these presets (3.21 and later can); using the values of \"$preset\":"
     echo "    -G $value ${options[*]}"
-    # Further options may name another build directory.
+    # The options may set another build directory.
     [[ " $* " == *" -B "* ]] || options+=(-B "build/$preset")
     cmake -S . -G "$value" "${options[@]}" "$@"
 }
@@ -173,8 +173,7 @@ build_preset()
     cmake --build "${what[@]}" --parallel "$(nproc)" "$@"
 }
 
-# test_preset PRESET [OPTION...]: runs ctest in build/PRESET; $test_launcher may hold a command that is to
-# start it.
+# test_preset PRESET [OPTION...]: runs ctest in build/PRESET, with the command in $test_launcher, if any.
 test_launcher=()
 test_preset()
 {
@@ -192,36 +191,36 @@ test_preset()
     )
 }
 
-# run_tests PRESET [OPTION...]: does the same, says what was skipped and why, and makes a verdict of that
-# and of earlier runs.
+# run_tests PRESET [OPTION...]: does the same, prints which tests were skipped and why, and sets the verdict
+# for this and earlier runs.
 tests_run=0
 tests_skipped=0
 run_tests()
 {
     local status=0 output=build/$1/script-test.log log=build/$1/Testing/Temporary/LastTest.log
     local counts reasons
-    # The times of labels add up times of tests that ran side by side.
+    # Times by label would be sums of the times of tests that ran in parallel.
     test_preset "$@" --output-on-failure --no-label-summary 2>&1 | tee "$output" || status=$?
 
-    # CTest's own words: "97% tests passed, 1 tests failed out of 30".
+    # CTest's summary: "97% tests passed, 1 tests failed out of 30".
     counts=$(sed -nE 's/^[0-9]+% tests passed, ([0-9]+) tests? failed out of ([0-9]+)$/\1 \2/p' \
         "$output" | tail -n 1)
     if [ -z "$counts" ]; then
         verdict='NO TEST WAS RUN'
         verdict_details=
-        leave_verdict
+        save_verdict
         return "$status"
     fi
     tests_run=$((tests_run + ${counts#* }))
     tests_skipped=$((tests_skipped +
         $(grep -cE '^ *[0-9]+/[0-9]+ Test +#[0-9]+: .*\*\*\*Skipped ' "$output" || true)))
 
-    # CTest names the tests that skipped something; why they did is in its log alone.
+    # CTest prints the names of tests that skipped something; the reasons are only in its log.
     reasons=$(
         sed -nE 's/^SKIP   : (\w+)::.*\) (.*)$/\1: \2/p' "$log" | sort | uniq -c
         grep '^device root: not available' "$log" | sort -u || true
     )
-    [ -z "$reasons" ] || printf '\nSkipped, how often and why:\n%s\n' "$reasons"
+    [ -z "$reasons" ] || printf '\nSkips and their reasons:\n%s\n' "$reasons"
 
     if [ "$status" -ne 0 ]; then
         verdict=FAILED
@@ -233,6 +232,6 @@ run_tests()
         verdict=PASSED
         verdict_details="$tests_run tests, $tests_skipped skipped"
     fi
-    leave_verdict
+    save_verdict
     return "$status"
 }

@@ -26,7 +26,7 @@ bool BootInformationHelper::isHardReset() const
     if (QFile::exists(rebootMarkerPath)) {
         return false;
     }
-    // The only product that can tell.
+    // The only product that can detect a hard reset.
     return DeviceManifestManager::getProductCode() == QLatin1String("640917");
 }
 

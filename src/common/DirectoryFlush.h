@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 // Writes a directory's entries to the disk. QSaveFile flushes the new file before it renames it, so
-// no power cut leaves half a file; but which file a name stands for is on the disk only after this.
-// Not every file system can do that: a failure is nobody's business.
+// a power cut leaves no incomplete file; but the renaming itself is durable only after this. Errors
+// are ignored, since not every file system supports it.
 inline void flushDirectory(const QString& path)
 {
     const QByteArray encodedPath = QFile::encodeName(path);

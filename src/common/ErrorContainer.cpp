@@ -72,7 +72,7 @@ int ErrorContainer::getErrorCodeFunctionNotImplemented()
 
 void ErrorContainer::registerTypes()
 {
-    // Qt caches the type's number: later calls are cheap and thread-safe.
+    // Qt caches the type's ID: later calls are cheap and thread-safe.
     qRegisterMetaType<ErrorContainer>();
 }
 

@@ -21,7 +21,7 @@ QDir::Filters resolved(QDir::Filters filters)
 }
 
 // Computes entries' paths relative to the directory that is searched. QDir::relativeFilePath()
-// takes longer than finding the entry; usually the result is what follows the directory's path.
+// takes longer than finding the entry; usually the result is the rest after the directory's path.
 class RelativePaths
 {
 public:

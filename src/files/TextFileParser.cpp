@@ -36,7 +36,7 @@ bool findMatches(const QString& text, const QRegularExpression& expression, Text
     return matches.isValid();
 }
 
-// Returns the first group of a match, or the whole match if no group took part.
+// Returns the first group of a match, or the entire match if no group took part.
 QString resultOf(const QRegularExpressionMatch& match)
 {
     // lastCapturedIndex() ignores groups after the last one that took part in the match.

@@ -118,7 +118,7 @@ bool HardwareInfoReader::readHardwareInfoFromSysFs(const QString& tempFileTempla
             << fileItem << eepromFilePath << ")!";
         return false;
     }
-    // Only the low half of the field is the checksum; the high half may hold anything.
+    // Only the low half of the field is the checksum; the high half may have any value.
     if (checksumXModemCRC(iniData.constData(), bytesToRead) != quint16(checksum & 0xFFFF)) {
         MISCTOOLS_LOG(HardwareInfoReader).warning()
             << "Invalid checksum for INI block in eeprom binary file" << eepromFilePath << ".";

@@ -19,8 +19,8 @@ namespace {
 constexpr char keyIsEmpty[] = "Key is empty!";
 constexpr char groupIsEmpty[] = "Group is empty!";
 
-// Which file a path stands for; all zeros for none. A file that replaces another one has an inode
-// and a change time of its own.
+// The identity of the file at a path; all zeros if there is none. Inode or change time differ after
+// the file has been replaced.
 struct FileIdentity
 {
     dev_t device = 0;
@@ -45,21 +45,21 @@ struct FileIdentity
 };
 
 /*
- * Guards what QSettings keeps per object and does not lock itself: the group that is entered, the
- * note that changes are pending, and the status, which every reading may set. It is not the
- * manager's mutex, as getGroups() and sync() must not wait for that one; it is held for one
- * QSettings operation at a time and never while a message is made.
+ * Guards the per-object state that QSettings does not lock: the current group, the flag for pending
+ * changes, and the status, which every read may set. The manager's mutex cannot serve, since
+ * getGroups() and sync() must not wait for it. The guard is held for one QSettings operation at a
+ * time and never while a message is logged.
  *
- * It lives as the only child of the settings object, as the manager's fields are a published
- * layout. As that object's event filter it also covers the flush that QSettings posts to its own
- * event loop: unguarded, a write that falls between the flush and the clearing of the note would
- * stay unwritten.
+ * It is the only child of the settings object, since the manager's layout is part of the binary
+ * interface. As that object's event filter, it also covers the flush that QSettings posts to its
+ * event loop: without the guard, a write between the flush and the reset of the flag would remain
+ * unwritten.
  *
- * It also makes what QSettings writes durable. QSettings does not tell whether it replaced the
- * file, so the file is compared with the one that was last known to be durable. That holds also for
- * a file that another manager on the path replaced, with values that were written here, and has not
- * flushed yet; a manager that only reads never flushes. The guard is not held meanwhile: others
- * read and write on, and only a sync() that has to promise the same waits for the disk, too.
+ * It also makes the writes of QSettings durable. QSettings does not report whether it replaced the
+ * file, so the file is compared with the last one that is known to be durable. This includes a file
+ * with values of this manager that another manager on the path has written but not flushed; a
+ * manager that only reads never flushes. The guard is not held during a flush: other threads
+ * continue to read and write, and only a sync() that must guarantee the same waits for the disk.
  */
 class SettingsGuard : public QObject
 {
@@ -70,7 +70,7 @@ public:
         settings->installEventFilter(this);
     }
 
-    // The settings have just written what was pending.
+    // The settings have just written pending changes.
     ~SettingsGuard() override
     {
         if (unflushedFile()) {
@@ -82,7 +82,7 @@ public:
 
     static std::mutex& of(const QSettings& settings) { return guardOf(settings).m_mutex; }
 
-    // To be called under the guard, before a value is written or removed.
+    // Must be called with the guard held, before a value is written or removed.
     static void noteWrite(const QSettings& settings)
     {
         SettingsGuard& guard = guardOf(settings);
@@ -113,7 +113,7 @@ public:
         if (event->type() != QEvent::UpdateRequest) {
             return false;
         }
-        // What QSettings does at this event: in INI format a flush is a sync.
+        // Like QSettings itself: in INI format, a flush is a sync.
         sync(*static_cast<QSettings*>(watched));
         return true;
     }
@@ -124,7 +124,7 @@ private:
         return *static_cast<SettingsGuard*>(settings.children().constFirst());
     }
 
-    // The file that is there now, when it is not known to be durable.
+    // Returns the current file unless it is known to be durable.
     std::optional<FileIdentity> unflushedFile() const
     {
         if (!m_durableFile) {
@@ -134,15 +134,15 @@ private:
         return file == *m_durableFile ? std::nullopt : std::make_optional(file);
     }
 
-    // Of a symbolic link, the real file is replaced.
+    // QSettings replaces the target of a symbolic link.
     void flush() const { flushDirectory(QFileInfo(m_filePath).canonicalPath()); }
 
     std::mutex m_mutex;
     const QString m_filePath;
-    std::optional<FileIdentity> m_durableFile; // none until something is written
+    std::optional<FileIdentity> m_durableFile; // none until the first write
 };
 
-// Enters a group of the settings for the life of the object.
+// Enters a group of the settings for the object's lifetime.
 class GroupScope
 {
 public:
@@ -164,9 +164,8 @@ private:
 const QChar separator = QLatin1Char('/');
 
 /*
- * Reads the value under a whole path, "group/key"; tells whether there is one. QSettings gives an
- * invalid value that is stored like any other, so a miss is told by a default that nobody can
- * store.
+ * Reads the value under a full path, "group/key". Returns false if there is none. Since the file
+ * may contain an invalid value, a missing one is detected by a default that cannot be stored.
  */
 bool readPath(const QSettings& settings, const QString& path, QVariant& value)
 {
@@ -181,15 +180,15 @@ bool readPath(const QSettings& settings, const QString& path, QVariant& value)
 }
 
 /*
- * Reads a value as a listing of the group's keys would find it, and does to the settings what that
- * listing does: QSettings parses a section when it is first touched, and where two sections hold
- * one key, the one that is parsed last wins.
+ * Reads a value with the same result and side effects as listing the group's keys first: QSettings
+ * parses a section on its first access, and if two sections contain a key, the one that is parsed
+ * last counts.
  */
 bool readKey(QSettings& settings, const QString& group, const QString& key, QVariant& value)
 {
     if (!group.isEmpty() && !group.contains(separator) && !key.contains(separator)) {
-        // Asking for the key that sorts before all others of the group parses the section that a
-        // listing would parse, and no other. After that none is left that could hold the key.
+        // Looking up the key that sorts before all others of the group parses the section that a
+        // listing would parse, and no other. No unparsed section can then contain the key.
         const std::lock_guard<std::mutex> locker(SettingsGuard::of(settings));
         const QString prefix = group + separator;
         if (!settings.contains(prefix + QChar(QChar::Null))) {
@@ -208,9 +207,9 @@ bool readParsedKey(const QSettings& settings, const QString& group, const QStrin
     return readPath(settings, group + separator + key, value);
 }
 
-// The functions from here on warn through log, in the name of the function that calls them.
+// The functions from here on log warnings with the context of their caller.
 
-// Whether the name of a key or group is there; warns otherwise.
+// Returns true if the name of a key or group is not empty; warns otherwise.
 bool isGiven(const QString& name, const char* warning, const IniFileManager& file,
              const QMessageLogger& log)
 {
@@ -221,7 +220,7 @@ bool isGiven(const QString& name, const char* warning, const IniFileManager& fil
     return true;
 }
 
-// The value as a number; defaultValue, and a warning, when it is none.
+// Returns the value as a number; warns and returns defaultValue if it is not one.
 int toInteger(const QVariant& value, int defaultValue, const IniFileManager& file,
               const QMessageLogger& log)
 {
@@ -242,7 +241,7 @@ auto positionsIn(const IniFileManager& file)
     };
 }
 
-// Returns the place in groups of the first one whose Position is externalIndex; -1 when there is
+// Returns the index in groups of the first one whose Position is externalIndex; -1 if there is
 // none.
 template <typename PositionOf>
 int findPosition(const QStringList& groups, int externalIndex, PositionOf positionOf)
@@ -255,7 +254,7 @@ int findPosition(const QStringList& groups, int externalIndex, PositionOf positi
     return -1;
 }
 
-// The same for the indexed getters, which warn when there is none.
+// The same for the indexed getters; warns if there is none.
 int findIndexedGroup(const IniFileManager& file, const QStringList& groups, int externalIndex,
                      const QMessageLogger& log)
 {

@@ -12,9 +12,9 @@ namespace {
 
 constexpr char canNotOpenFile[] = "Can not open file:";
 
-// Reads the text of the file at path; false, with a warning, when it cannot be opened. isWhole
-// tells whether it was read to its end. The file is closed afterwards, as replacing it needs a
-// descriptor.
+// Reads the text of the file at path. Warns and returns false if it cannot be opened. isWhole is
+// set to false if it could not be read to its end. Closes the file, so that replacing it needs no
+// additional descriptor.
 bool readText(const QString& path, const QMessageLogger& log, QString& text, bool& isWhole)
 {
     QFile file(path);
@@ -53,8 +53,8 @@ void IniFileManager::cleanUp(const QString& filePath)
         return;
     }
     const QByteArray utf8 = text.toUtf8();
-    // Committing would replace the file by a part of its text: one that could not be read to its
-    // end, or not be written, as on a full disk.
+    // If the old text could not be read to its end, or the new one not written, as on a full disk,
+    // committing would truncate the file.
     if (!isWhole || target.write(utf8) != utf8.size()) {
         target.cancelWriting();
     }

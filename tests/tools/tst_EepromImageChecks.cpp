@@ -93,40 +93,41 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
                                << QStringLiteral(
                                       "the file cannot be opened (file to open is a directory)");
     QTest::newRow("empty file") << QByteArray("") << eeprom << 12
-                                << QStringLiteral("the header is cut short: 0 of its 16 bytes, 20 "
-                                                  "to 35 (0x14 to 0x23), are there");
+                                << QStringLiteral("the header is truncated: 0 of its 16 bytes, 20 "
+                                                  "to 35 (0x14 to 0x23), are present");
     QTest::newRow("header short") << Image(boardText).bytes().left(35) << eeprom << 12
-                                  << QStringLiteral("the header is cut short: 15 of its 16 bytes, "
-                                                    "20 to 35 (0x14 to 0x23), are there");
+                                  << QStringLiteral("the header is truncated: 15 of its 16 bytes, "
+                                                    "20 to 35 (0x14 to 0x23), are present");
     QTest::newRow("over the limit")
         << Image(boardText).bytesToRead(65536).bytes() << eeprom << 14
-        << QStringLiteral(
-               "the length at 28 is 65536, over the limit of 65535 bytes: the header is damaged");
+        << QStringLiteral("the length at 28 is 65536, more than the limit of 65535 bytes: the "
+                          "header is damaged");
     QTest::newRow("erased") << QByteArray(256, '\xFF') << eeprom << 14
                             << QStringLiteral(
-                                   "the header gives no length, all bits at 28 are set: "
+                                   "the header has no length, all bits at 28 are set: "
                                    "the EEPROM seems to be erased and was never written");
     QTest::newRow("block short") << Image(boardText).bytes().left(40) << eeprom << 15
-                                 << QStringLiteral("the block is cut short: 4 of its 32 bytes, 36 "
-                                                   "to 67 (0x24 to 0x43), are there");
+                                 << QStringLiteral("the block is truncated: 4 of its 32 bytes, 36 "
+                                                   "to 67 (0x24 to 0x43), are present");
     QTest::newRow("block out of reach")
         << Image(boardText).writtenStartAddress(0xFFFFFFFF).bytes() << eeprom << 15
-        << QStringLiteral("the block is cut short: 0 of its 32 bytes, 4294967295 to 4294967326 "
-                          "(0xffffffff to 0x10000001e), are there");
+        << QStringLiteral("the block is truncated: 0 of its 32 bytes, 4294967295 to 4294967326 "
+                          "(0xffffffff to 0x10000001e), are present");
     QTest::newRow("wrong checksum")
         << Image(boardText).checksum(1).bytes() << eeprom << 16
-        << QStringLiteral("the checksum is wrong: 0x0001 is stored at 32, but 0x%1 is that of the "
-                          "block's 32 bytes, 36 to 67 (0x24 to 0x43)")
+        << QStringLiteral("the checksum is wrong: 0x0001 is stored at 32, but 0x%1 is calculated "
+                          "from the block's 32 bytes, 36 to 67 (0x24 to 0x43)")
                .arg(Image::crc(boardText), 4, 16, QLatin1Char('0'));
     QTest::newRow("empty, but not the checksum")
         << Image(QByteArray()).checksum(1).bytes() << eeprom << 16
         << QStringLiteral(
-               "the checksum is wrong: 0x0001 is stored at 32, but 0x0000 is that of the "
+               "the checksum is wrong: 0x0001 is stored at 32, but 0x0000 is calculated from the "
                "block's 0 bytes");
     QTest::newRow("zeros") << QByteArray(256, '\0') << eeprom << 17
-                           << QStringLiteral("the block is empty, the length at 28 is 0: the image "
-                                             "holds no record (an EEPROM full of zeros looks like "
-                                             "this)");
+                           << QStringLiteral(
+                                  "the block is empty, the length at 28 is 0: the image "
+                                  "contains no record (an EEPROM full of zeros looks like "
+                                  "this)");
 }
 
 void tst_EepromImageChecks::damageIsNamedWithItsPlace()
@@ -155,8 +156,8 @@ void tst_EepromImageChecks::readErrorsAreNamed()
 {
     const ProgramResult result = run(QStringLiteral("verify"), QStringLiteral("/proc/self/mem"));
     QCOMPARE(result.errors,
-             QStringLiteral("eeprom-image: /proc/self/mem: the header is cut short: 0 of its 16 "
-                            "bytes, 20 to 35 (0x14 to 0x23), are there (Input/output error)\n"));
+             QStringLiteral("eeprom-image: /proc/self/mem: the header is truncated: 0 of its 16 "
+                            "bytes, 20 to 35 (0x14 to 0x23), are present (Input/output error)\n"));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 12);
 }
@@ -171,7 +172,7 @@ void tst_EepromImageChecks::pipesCannotBePositioned()
         const ProgramResult result = program.finish();
         QCOMPARE(result.errors,
                  QStringLiteral("eeprom-image: /dev/stdin: no address can be reached: the file is "
-                                "a pipe or a device that cannot be positioned\n"));
+                                "a pipe or a device that is not seekable\n"));
         QCOMPARE(result.output, QString());
         QCOMPARE(result.exitCode, 13);
     }
@@ -232,7 +233,7 @@ void tst_EepromImageChecks::dumpExplainsASoundImage()
 
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
     const ProgramResult sound = run(QStringLiteral("dump"), QStringLiteral("eeprom"));
-    QVERIFY2(sound.output.contains(QStringLiteral("0x%1 stored, 0x%1 calculated: right\n")
+    QVERIFY2(sound.output.contains(QStringLiteral("0x%1 stored, 0x%1 calculated: correct\n")
                                        .arg(EepromImage::crc(boardText), 4, 16, QLatin1Char('0'))),
              qPrintable(sound.output));
     QCOMPARE(sound.errors, QString());
@@ -247,13 +248,13 @@ void tst_EepromImageChecks::dumpShowsWhatIsThere_data()
     QTest::newRow("header short") << EepromImage(boardText).bytes().left(31)
                                   << QStringLiteral(
                                          "  0018  24  24 00 00 00  start address  36 (0x24)\n"
-                                         "  001c  28  20 00 00     length         not there\n"
-                                         "  0020  32               checksum       not there\n"
-                                         "  0022  34               unused         not there\n");
+                                         "  001c  28  20 00 00     length         missing\n"
+                                         "  0020  32               checksum       missing\n"
+                                         "  0022  34               unused         missing\n");
     QTest::newRow("block short")
         << EepromImage(boardText).checksum(1).bytes().left(40)
-        << QStringLiteral("  0020  32  01 00        checksum       0x0001 stored, none calculated: "
-                          "the block is not whole\n"
+        << QStringLiteral("  0020  32  01 00        checksum       0x0001 stored, not calculated: "
+                          "the block is incomplete\n"
                           "  0022  34  00 00        unused         not evaluated\n"
                           "Block, 4 bytes, 36 to 39 (0x24 to 0x27)\n"
                           "  0024  54 79 70 65                                      |Type|\n");
@@ -265,7 +266,7 @@ void tst_EepromImageChecks::dumpShowsWhatIsThere_data()
         << EepromImage(boardText).writtenStartAddress(0xFFFFFF00).bytes()
         << QStringLiteral("Block, 0 bytes\n");
     QTest::newRow("zeros") << QByteArray(64, '\0')
-                           << QStringLiteral("0x0000 stored, 0x0000 calculated: right\n");
+                           << QStringLiteral("0x0000 stored, 0x0000 calculated: correct\n");
 }
 
 void tst_EepromImageChecks::dumpShowsWhatIsThere()
@@ -290,7 +291,7 @@ void tst_EepromImageChecks::usage()
     QFETCH(QString, command);
     const ProgramResult without = run({command});
     QCOMPARE(without.errors,
-             QStringLiteral("eeprom-image: this command needs 1 file name(s), not 0\n"
+             QStringLiteral("eeprom-image: this command requires 1 file name(s), not 0\n"
                             "eeprom-image: try --help\n"));
     QCOMPARE(without.exitCode, 1);
     const ProgramResult option = run({command, QStringLiteral("--verbose"), QStringLiteral("a")});

@@ -135,11 +135,11 @@ void tst_EepromImageProgram::usage_data()
                             << QStringLiteral("eeprom-image: %1\n").arg(QLatin1String(error)) +
                                    hint;
     };
-    row("nothing", "", "a command is needed: create, show, verify, dump or extract");
+    row("nothing", "", "a command is required: create, show, verify, dump or extract");
     row("unknown command", "erase", "unknown command 'erase'");
-    row("show without a file", "show", "this command needs 1 file name(s), not 0");
-    row("show with two files", "show a b", "this command needs 1 file name(s), not 2");
-    row("create without an image", "create a", "this command needs 2 file name(s), not 1");
+    row("show without a file", "show", "this command requires 1 file name(s), not 0");
+    row("show with two files", "show a b", "this command requires 1 file name(s), not 2");
+    row("create without an image", "create a", "this command requires 2 file name(s), not 1");
     row("option of the other command", "show --start 36 a", "Unknown option 'start'.");
     row("unknown option", "create --big a b", "Unknown option 'big'.");
     row("option without its value", "create a b --start", "Missing value after '--start'.");
@@ -198,8 +198,8 @@ void tst_EepromImageProgram::showsSoundImages_data()
     QTest::newRow("keys missing, values empty")
         << EepromImage("Type=\nTypeName=a,b\nVersion=2\n").bytes()
         << QStringLiteral("eeprom: the image is valid\n"
-                          "  Type                 (empty: no value, or a comma outside of quotes)\n"
-                          "  Type name            (empty: no value, or a comma outside of quotes)\n"
+                          "  Type                 (empty: no value, or a comma outside quotes)\n"
+                          "  Type name            (empty: no value, or a comma outside quotes)\n"
                           "  Version              2\n"
                           "  Compatibility index  (missing)\n"
                           "  LP-ID                (missing)\n"
@@ -248,20 +248,21 @@ void tst_EepromImageProgram::namesEachKindOfDamage_data()
         << QStringLiteral("the file cannot be opened: permission is denied, or it is a directory");
     using Image = EepromImage;
     const QByteArray sound = Image(boardText).bytes();
-    row("empty file", "", 12, "the header is cut short: the image ends before byte 36");
+    row("empty file", "", 12, "the header is truncated: the image ends before byte 36");
     row("header short", sound.left(35), 12,
-        "the header is cut short: the image ends before byte 36");
+        "the header is truncated: the image ends before byte 36");
     row("length over the limit", Image(boardText).bytesToRead(65536).bytes(), 14,
-        "the header gives the block a length over the limit of 65535 bytes: the header is damaged");
+        "the length in the header exceeds the limit of 65535 bytes: the header is damaged");
     row("erased", QByteArray(256, '\xFF'), 14,
-        "the header gives no length, all its bits are set: the EEPROM seems to be erased and was "
+        "the header has no length, all its bits are set: the EEPROM seems to be erased and was "
         "never written");
     row("block short", sound.left(sound.size() - 1), 15,
-        "the block is cut short: the image ends before it, or the header is damaged");
+        "the block is truncated: the image ends before it, or the header is damaged");
     row("wrong checksum", Image(boardText).checksum(1).bytes(), 16,
         "the checksum is wrong: the block or the header was changed or damaged");
     row("zeros", QByteArray(256, '\0'), 17,
-        "the block is empty, its length is 0: the image holds no record (an EEPROM full of zeros "
+        "the block is empty, its length is 0: the image contains no record (an EEPROM full of "
+        "zeros "
         "looks like this)");
 }
 
@@ -291,7 +292,7 @@ void tst_EepromImageProgram::namesAnUnreachableStartAddress()
     QCOMPARE(shell.readAllStandardError(),
              QByteArray("eeprom-image: /dev/stdin: the start address of the block cannot be "
                         "reached: it is beyond the end of the EEPROM, or the file is a pipe or a "
-                        "device that cannot be positioned\n"));
+                        "device that is not seekable\n"));
     QCOMPARE(shell.readAllStandardOutput(), QByteArray());
     QCOMPARE(shell.exitCode(), 13);
 }
@@ -310,7 +311,7 @@ void tst_EepromImageProgram::namesAnUnusableTemporaryDirectory()
     verifyResult(
         run({QStringLiteral("show"), QStringLiteral("eeprom")}, temporaryDirectory), 18, QString(),
         QStringLiteral("eeprom-image: eeprom: the block is valid, but no temporary file could "
-                       "be made to parse it\n"));
+                       "be created to parse it\n"));
 }
 
 void tst_EepromImageProgram::noticesEveryFlippedBit()
@@ -414,8 +415,8 @@ void tst_EepromImageProgram::refusesLayouts_data()
                             << QString::fromLatin1(reason);
     };
     const char overlap[] = "the block would overlap the header (bytes 20 to 35); to write it "
-                           "nevertheless, give --allow-overlap";
-    const char ownChecksum[] = "the block would cover its own checksum (bytes 32 and 33)";
+                           "nevertheless, use --allow-overlap";
+    const char ownChecksum[] = "the block would overlap its own checksum (bytes 32 and 33)";
     row("text too long", "", 65536,
         "the text is longer than the 65535 bytes that a block may have");
     row("over the header's first byte", "--start 10", 11, overlap);
@@ -553,9 +554,10 @@ void tst_EepromImageProgram::othersThanFilesAreNotReplaced()
     // The device is one that is always full, /dev/full; only root can create another node for it.
     const bool isNode = mknod(target.constData(), mode_t(type) | 0600, makedev(1, 7)) == 0;
     QVERIFY(isNode || QFile::link(QStringLiteral("/dev/full"), path(QStringLiteral("target"))));
-    verifyResult(run({"create", "board.ini", "target"}), 4, QString(),
-                 QStringLiteral("eeprom-image: target: it is no regular file and is not replaced\n"
-                                "eeprom-image: to write into a device, give --in-place\n"));
+    verifyResult(
+        run({"create", "board.ini", "target"}), 4, QString(),
+        QStringLiteral("eeprom-image: target: it is not a regular file and is not replaced\n"
+                       "eeprom-image: to write into a device, use --in-place\n"));
     struct stat status = {};
     QCOMPARE(stat(target.constData(), &status), 0);
     QCOMPARE(int(status.st_mode & S_IFMT), type);
@@ -619,19 +621,19 @@ void tst_EepromImageProgram::unreachableStartAddressOfAnEeprom_data()
 
     const QByteArray erased(256, '\xFF');
     QTest::newRow("erased, show") << erased << "show" << 14
-                                  << "the header gives no length, all its bits are set: the EEPROM "
+                                  << "the header has no length, all its bits are set: the EEPROM "
                                      "seems to be erased and was never written";
     for (const char* command : {"verify", "dump", "extract"}) {
         QTest::addRow("erased, %s", command)
             << erased << command << 14
-            << "the header gives no length, all bits at 28 are set: the EEPROM seems to be erased "
+            << "the header has no length, all bits at 28 are set: the EEPROM seems to be erased "
                "and was never written";
     }
     const QByteArray damaged = EepromImage(boardText).startAddress(0x4000).bytes().left(256);
     QTest::newRow("damaged, show")
         << damaged << "show" << 13
         << "the start address of the block cannot be reached: it is beyond the end of the EEPROM, "
-           "or the file is a pipe or a device that cannot be positioned";
+           "or the file is a pipe or a device that is not seekable";
     QTest::newRow("damaged, verify")
         << damaged << "verify" << 13
         << "the start address at 24 is 16384, which cannot be reached: "
@@ -699,7 +701,7 @@ void tst_EepromImageProgram::troubleWhileWritingTellsTheState_data()
     QTest::addColumn<int>("written");
     const int size = EepromImage(boardText).bytes().size();
     const QString state =
-        QStringLiteral("bytes 0 to 47 are new, bytes 48 to %1 still the old ones: write the image "
+        QStringLiteral("bytes 0 to 47 are new, bytes 48 to %1 are old: write the image "
                        "again")
             .arg(size - 1);
     QTest::newRow("signal") << "EEPROM_SIGNALS=40" << 7 << "interrupted; " + state << 48;
@@ -708,8 +710,8 @@ void tst_EepromImageProgram::troubleWhileWritingTellsTheState_data()
         << "EEPROM_FAILS=0" << 4 << "Remote I/O error; nothing was written" << 0;
     QTest::newRow("protected")
         << "EEPROM_PROTECTS=48" << 6
-        << "the image was written, but byte 48 reads back otherwise: is the part protected against "
-           "writing?"
+        << "the image was written, but byte 48 differs when read back: is the device "
+           "write-protected?"
         << 48;
 }
 

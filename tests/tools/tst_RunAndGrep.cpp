@@ -295,7 +295,7 @@ void tst_RunAndGrep::outputReplacesOnlyFiles()
     const QString pipe = path("pipe");
     QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
     verifyRun({"--output", "pipe", "-e", "a", "--", "echo", "a"}, 5, QString(),
-              QStringLiteral("run-and-grep: cannot write pipe: it is no regular file and is not "
+              QStringLiteral("run-and-grep: cannot write pipe: it is not a regular file and is not "
                              "replaced\n"));
     struct stat status = {};
     QCOMPARE(lstat(qPrintable(pipe), &status), 0);

@@ -37,11 +37,11 @@ void BusyDisplay::print(const QString& line)
     m_display.showEvent(line);
 }
 
-void BusyDisplay::complain(const QString& trouble)
+void BusyDisplay::printError(const QString& error)
 {
     const std::lock_guard<std::mutex> locker(m_mutex);
     m_display.clearStatus();
-    CommandLine::complain(trouble);
+    CommandLine::printError(error);
 }
 
 void BusyDisplay::redraw()

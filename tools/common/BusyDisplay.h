@@ -11,9 +11,9 @@
 #include <thread>
 
 /*
- * Shows on standard error, when that is a terminal, what keeps a program busy that cannot say so
- * itself meanwhile: a thread of its own redraws the line. Work that is soon done shows nothing, and
- * so does any in a pipe. Until the display ends, the program prints through it alone.
+ * Shows the activity of a program that is blocked, on standard error if that is a terminal; a
+ * separate thread redraws the line. Work that finishes quickly shows nothing. While the object
+ * exists, the program must print through it only.
  */
 class BusyDisplay
 {
@@ -23,16 +23,16 @@ public:
 
     void setActivity(const QString& activity);
 
-    // A line for standard output, and trouble for standard error.
+    // Print a line on standard output, and an error on standard error.
     void print(const QString& line);
-    void complain(const QString& trouble);
+    void printError(const QString& error);
 
 private:
     Q_DISABLE_COPY(BusyDisplay)
 
     void redraw();
 
-    std::mutex m_mutex; // guards what follows, up to the thread
+    std::mutex m_mutex; // guards the members from here up to m_thread
     std::condition_variable m_isOver;
     ProgressDisplay m_display{stderr};
     QString m_activity;

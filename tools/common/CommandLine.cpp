@@ -11,10 +11,10 @@
 
 namespace {
 
-// The first error of standard output: later ones only follow from it.
+// The first error of standard output; later ones are its consequences.
 int outputError = 0;
 
-void noteOutputError()
+void recordOutputError()
 {
     if (outputError == 0 && std::ferror(stdout) != 0) {
         outputError = errno;
@@ -75,13 +75,13 @@ void CommandLine::print(const QString& line)
 void CommandLine::write(const QByteArray& bytes)
 {
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
-    noteOutputError();
+    recordOutputError();
 }
 
 void CommandLine::flush()
 {
     std::fflush(stdout);
-    noteOutputError();
+    recordOutputError();
 }
 
 bool CommandLine::isColored()
@@ -102,21 +102,21 @@ int CommandLine::end(int exitCode, int lostOutput)
     if (outputError == 0 || outputError == EPIPE) {
         return exitCode;
     }
-    complain(QStringLiteral("cannot write standard output: %1").arg(qt_error_string(outputError)));
+    printError(
+        QStringLiteral("cannot write standard output: %1").arg(qt_error_string(outputError)));
     return lostOutput;
 }
 
-void CommandLine::complain(const QString& trouble)
+void CommandLine::printError(const QString& error)
 {
-    flush(); // what came first stands first where both go to one place
-    std::fputs((programName() + QStringLiteral(": %1\n").arg(trouble)).toUtf8().constData(),
-               stderr);
+    flush(); // keeps the order if both streams have the same target
+    std::fputs((programName() + QStringLiteral(": %1\n").arg(error)).toUtf8().constData(), stderr);
 }
 
-void CommandLine::complainOfUsage(const QString& trouble)
+void CommandLine::printUsageError(const QString& error)
 {
-    complain(trouble);
-    complain(QStringLiteral("try --help"));
+    printError(error);
+    printError(QStringLiteral("try --help"));
 }
 
 bool CommandLine::readPositive(const QString& text, int& number)

@@ -4,22 +4,22 @@
 #include <csignal>
 
 /*
- * Ctrl-C, SIGTERM and SIGHUP of a program that ends in good order: from the construction on they
- * wait until the program looks. One that was ignored when the program started, as the shell does
- * for a job in the background, stays ignored. Threads and programs started later inherit the mask.
+ * Blocks Ctrl-C, SIGTERM and SIGHUP, so that the program can poll for them and exit in an orderly
+ * way. A signal that was ignored when the program started, as in a background job, remains ignored.
+ * Threads and programs that are started later inherit the mask.
  */
 class EndSignals
 {
 public:
     EndSignals();
 
-    // The number of a signal that came, or 0; does not wait.
+    // Returns the number of a pending signal, or 0; does not wait.
     int take() const;
 
-    // They work as usual again.
+    // Unblocks the signals.
     void release() const;
 
-    // A new descriptor that is readable when a signal came, for QSocketNotifier.
+    // Returns a new descriptor that is readable if a signal is pending, for QSocketNotifier.
     int openDescriptor() const;
 
 private:

@@ -25,7 +25,7 @@ void handle(QtMsgType /*type*/, const QMessageLogContext& context, const QString
 {
     state().texts.append(text);
     if (state().areShown) {
-        CommandLine::complain(
+        CommandLine::printError(
             QStringLiteral("log: %1: %2")
                 .arg(QLatin1String(context.file != nullptr ? context.file : "Qt"), text));
     }
@@ -33,7 +33,7 @@ void handle(QtMsgType /*type*/, const QMessageLogContext& context, const QString
 
 } // namespace
 
-void LibraryMessages::take(bool areShown)
+void LibraryMessages::capture(bool areShown)
 {
     state().areShown = areShown;
     qInstallMessageHandler(&handle);
@@ -56,7 +56,7 @@ bool LibraryMessages::anyContains(const QString& text)
     return !state().texts.filter(text).isEmpty();
 }
 
-bool LibraryMessages::tellOfErasedEeprom()
+bool LibraryMessages::indicateErasedEeprom()
 {
     return anyStartsWith(QStringLiteral("Seek to start addr 4294967295 failed")) ||
            anyStartsWith(QStringLiteral("Max. number of bytes for INI file exceeded "

@@ -4,24 +4,23 @@
 #include <QtCore/QString>
 
 /*
- * The log messages of the library and of Qt. The programs say in their own words what went wrong;
- * as they are, messages come to the terminal only on request. The library tells the kind of some
- * failures in its messages alone, and their texts are fixed.
+ * Captures the log messages of the library and of Qt. The programs print their own error messages;
+ * log messages are printed only on request. The kind of some failures is known only from the
+ * library's messages, whose texts are fixed.
  */
 namespace LibraryMessages {
 
-// Takes all messages from here on; areShown passes them on to standard error.
-void take(bool areShown);
+// Captures all later messages; areShown also prints them on standard error.
+void capture(bool areShown);
 
-// How many there were, and whether any of them begins with, or holds, this text.
+// The number of messages, and whether any of them begins with, or contains, a text.
 int count();
 bool anyStartsWith(const QString& text);
 bool anyContains(const QString& text);
 
-// Whether they say that the bytes of an EEPROM's header are those of an erased one. In a file of
-// sysfs the start address, all bits set, cannot be reached; in other files the length is over the
-// limit.
-bool tellOfErasedEeprom();
+// Whether the messages indicate an erased EEPROM, whose header has all bits set. In a sysfs file,
+// the start address cannot be reached; in other files, the length exceeds the limit.
+bool indicateErasedEeprom();
 
 } // namespace LibraryMessages
 

@@ -15,7 +15,7 @@ bool ProgressDisplay::isLive() const
     return m_isLive;
 }
 
-// One column stays free: a full line would make some terminals begin the next.
+// The last column remains free: some terminals wrap a full line.
 int ProgressDisplay::columns() const
 {
     constexpr int usualColumns = 80;

@@ -6,28 +6,28 @@
 #include <cstdio>
 
 /*
- * Standard output, or standard error, as a place for progress. On a terminal the last line is
- * redrawn in place; it needs no more of the terminal than a carriage return, which a serial console
- * has too. In a pipe or a file there are only the lines that stay.
+ * Shows progress on standard output or standard error. On a terminal, the last line is redrawn in
+ * place, with nothing but carriage returns, which serial consoles support. A pipe or a file gets
+ * the permanent lines only.
  */
 class ProgressDisplay
 {
 public:
     explicit ProgressDisplay(FILE* stream = stdout);
 
-    // Whether there is a line that can be redrawn.
+    // Whether the last line can be redrawn.
     bool isLive() const;
 
-    // How many characters of the redrawn line can be seen.
+    // The number of visible characters of the redrawn line.
     int columns() const;
 
-    // A line that stays, on standard output in any case.
+    // Prints a permanent line, always on standard output.
     void showEvent(const QString& line);
 
-    // Redraws the last line; nothing in a pipe.
+    // Redraws the last line; does nothing in a pipe.
     void showStatus(const QString& text);
 
-    // Takes the redrawn line away.
+    // Erases the redrawn line.
     void clearStatus();
 
 private:

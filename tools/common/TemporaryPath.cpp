@@ -2,8 +2,7 @@
 
 #include "CommandLine.h"
 
-// Not by QDir::tempPath(): for a TMPDIR that is none it gives the root of the file system, which
-// must not be written to.
+// Does not use QDir::tempPath(), which returns the root directory if TMPDIR does not exist.
 QString TemporaryPath::pattern()
 {
     const QString directory = qEnvironmentVariable("TMPDIR");

@@ -5,8 +5,8 @@
 
 namespace TemporaryPath {
 
-// The path of a temporary file or directory of this program, whose XXXXXX QTemporaryFile and
-// QTemporaryDir replace.
+// Returns the template for a temporary file or directory of this program, as for QTemporaryFile
+// and QTemporaryDir.
 QString pattern();
 
 } // namespace TemporaryPath

@@ -6,13 +6,12 @@
 
 namespace WholeFile {
 
-// Puts a file of these bytes at path, in place of one that is there: all of it, or none, and so
-// that a power cut afterwards does not undo it. Owner, group and mode of the old one stay; where
-// the system does not allow it, the program says so. Whatever is there and is no regular file is
-// refused. Returns what went wrong, an empty text if nothing did.
+// Writes a file, atomically and durably. If it replaces a file, owner, group and mode are kept; a
+// message says so if the system does not allow that. Refuses to replace anything but a regular
+// file. Returns an error message, or an empty string on success.
 QString replace(const QString& path, const QByteArray& bytes);
 
-// Whether path stands for standard output: "-", "/dev/stdout" and the like.
+// Whether path means standard output: "-", "/dev/stdout" and the like.
 bool isStandardOutput(const QString& path);
 
 } // namespace WholeFile

@@ -130,7 +130,7 @@ ReportSection hardware(const QString& eepromPath)
             section.addMissing(
                 eeprom, label,
                 reasonIn(eepromPath,
-                         LibraryMessages::tellOfErasedEeprom()
+                         LibraryMessages::indicateErasedEeprom()
                              ? QStringLiteral("seems to be erased and was never written")
                              : QStringLiteral("contains no valid hardware record")));
         }

@@ -20,7 +20,7 @@ enum ExitCode
 
 int usageError(const QString& reason)
 {
-    CommandLine::complainOfUsage(reason);
+    CommandLine::printUsageError(reason);
     return WrongUsage;
 }
 
@@ -81,7 +81,7 @@ int run(const QStringList& arguments)
         }
     }
 
-    LibraryMessages::take(parser.isSet(verbose));
+    LibraryMessages::capture(parser.isSet(verbose));
     const Report report = DeviceReport::make(parser.value(eeprom), parser.value(hardwareId));
     CommandLine::write(parser.isSet(json) ? report.toJson() : report.toText());
     return report.isComplete() ? Complete : SomethingMissing;

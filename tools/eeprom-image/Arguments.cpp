@@ -7,7 +7,7 @@
 namespace {
 
 constexpr char help[] =
-    R"(Writes, reads and checks EEPROM images that hold the hardware record of a board.
+    R"(Writes, reads and checks EEPROM images with the hardware record of a board.
 
 Usage:
   eeprom-image create [--start ADDRESS] [--size BYTES] [--fill BYTE] [--allow-overlap]
@@ -18,54 +18,55 @@ Usage:
   eeprom-image extract IMAGE
   eeprom-image --help | --version
 
-create  writes IMAGE, which holds the text of INI-FILE as its block, a header that points at the
-        block, and the checksum. Numbers are decimal, or hexadecimal after 0x. INI-FILE may be -
-        for standard input, IMAGE - for standard output. A file is replaced as a whole and keeps
-        its owner and mode; into an EEPROM of this machine, in /sys, the image is written page by
-        page and read back. Whatever else is no regular file is refused.
-  --start ADDRESS   where the block starts; 36, right after the header, when not given
-  --size BYTES      the size of the image; as small as can be when not given
-  --fill BYTE       what stands where nothing else does; 0xFF when not given
-  --allow-overlap   write even a block that overlaps the header; the header's bytes win. A block
-                    over its own checksum (bytes 32 and 33) is refused all the same.
+create  writes IMAGE, with the text of INI-FILE as its block, a header that points to the block,
+        and the checksum. Numbers are decimal, or hexadecimal after 0x. INI-FILE may be - for
+        standard input, IMAGE - for standard output. A file is replaced completely and keeps its
+        owner and mode. An EEPROM of this machine, in /sys, is written page by page and read
+        back. Any other existing file that is not a regular file is refused.
+  --start ADDRESS   the start address of the block (default: 36, directly after the header)
+  --size BYTES      the size of the image (default: the smallest possible size)
+  --fill BYTE       the value of unused bytes (default: 0xFF)
+  --allow-overlap   write even a block that overlaps the header; the header's bytes take
+                    precedence. A block that overlaps its own checksum (bytes 32 and 33) is still
+                    refused.
   --in-place        write into the file or device IMAGE as into an EEPROM: bytes after the end of
-                    the image stay
+                    the image are unchanged
 
-show    prints the record of IMAGE, which may be the file that the kernel shows for the EEPROM
+show    prints the record of IMAGE, which may be the file that the kernel provides for the EEPROM
         of this machine. Only the directory for temporary files must be writable.
-  --json            print one JSON object; what is missing or empty is null
-  --verbose         show on standard error what the library logs
+  --json            print one JSON object; a missing or empty value is null
+  --verbose         print the library's log messages on standard error
 
-verify  checks header, length and checksum of IMAGE without parsing its block; says where they
-        stand, or what is wrong and at which bytes. It writes nothing anywhere.
+verify  checks header, length and checksum of IMAGE without parsing the block. It prints where
+        they are, or what is wrong and at which bytes, and writes no files.
 
-dump    prints the header of IMAGE field by field, the checksum stored and the one calculated, and
-        the bytes of the block, as many as are there. A damaged image is printed, too; what is
-        wrong with it follows on standard error.
+dump    prints the fields of the header, the stored and the calculated checksum, and the bytes of
+        the block as far as they exist. A damaged image is printed, too; standard error says what
+        is wrong with it.
 
 extract prints the INI text of IMAGE, byte for byte, if the image is valid.
 
-Every command knows:
+Options of every command:
   -h, --help        show this help
   -v, --version     show the version
 
 Exit codes:
-   0  done; the image is valid
+   0  success; the image is valid
    1  wrong usage
    5  the output could not be written
 create:
    2  INI-FILE cannot be read
    3  the layout is refused: block too long, image too small or too large, header overlapped
    4  IMAGE cannot be written
-   6  IMAGE was written in place, but reads back otherwise
+   6  IMAGE was written in place, but the data read back differs
    7  interrupted while writing in place; a message says which bytes are new
 show, verify, dump and extract:
-  10  there is no such image
+  10  the image does not exist
   11  the image cannot be opened
-  12  the header is cut short
+  12  the header is truncated
   13  the start address cannot be reached
-  14  the length is over the limit of 65535 bytes
-  15  the block is cut short
+  14  the length exceeds the limit of 65535 bytes
+  15  the block is truncated
   16  the checksum is wrong
   17  the block is empty
   18  the block is valid but could not be parsed (show only)
@@ -88,13 +89,13 @@ ExitCode printVersion()
 
 ExitCode refuseUsage(const QString& reason)
 {
-    CommandLine::complainOfUsage(reason);
+    CommandLine::printUsageError(reason);
     return ExitCode::WrongUsage;
 }
 
-ExitCode refuseImage(const QString& filePath, ExitCode exitCode, const QString& trouble)
+ExitCode refuseImage(const QString& filePath, ExitCode exitCode, const QString& error)
 {
-    CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, trouble));
+    CommandLine::printError(QStringLiteral("%1: %2").arg(filePath, error));
     return exitCode;
 }
 
@@ -113,7 +114,7 @@ std::optional<ExitCode> parseArguments(QCommandLineParser& parser, const QString
         return printVersion();
     }
     if (parser.positionalArguments().size() != fileCount) {
-        return refuseUsage(QStringLiteral("this command needs %1 file name(s), not %2")
+        return refuseUsage(QStringLiteral("this command requires %1 file name(s), not %2")
                                .arg(fileCount)
                                .arg(parser.positionalArguments().size()));
     }

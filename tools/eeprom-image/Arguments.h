@@ -14,12 +14,12 @@ ExitCode printHelp();
 ExitCode printVersion();
 ExitCode refuseUsage(const QString& reason);
 
-// Says what is wrong with an image; gives exitCode.
-ExitCode refuseImage(const QString& filePath, ExitCode exitCode, const QString& trouble);
+// Prints what is wrong with an image and returns exitCode.
+ExitCode refuseImage(const QString& filePath, ExitCode exitCode, const QString& error);
 
 /*
- * Parses a command's arguments, the first of which is the program's name. Gives an exit code when
- * the program is done: help was asked for, or the arguments are wrong.
+ * Parses a command's arguments, the first of which is the program's name. Returns an exit code if
+ * the program must exit: help or the version was requested, or the arguments are invalid.
  */
 std::optional<ExitCode> parseArguments(QCommandLineParser& parser, const QStringList& arguments,
                                        int fileCount);

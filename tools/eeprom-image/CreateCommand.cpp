@@ -18,7 +18,7 @@ using namespace ImageFormat;
 
 namespace {
 
-// Far above any EEPROM; a slip of the finger must not fill the disk.
+// Much larger than any EEPROM, so that a typing error cannot fill the disk.
 constexpr qint64 maxImageSize = qint64(16) * 1024 * 1024;
 
 struct Layout
@@ -49,7 +49,7 @@ std::optional<qint64> parseNumber(const QString& text, qint64 max)
     return number;
 }
 
-// Gives the exit code when an option's number is none, or out of its range.
+// Returns an exit code if an option's value is not a number or is out of range.
 std::optional<ExitCode> parseLayout(const QCommandLineParser& parser, const Options& options,
                                     Layout& layout)
 {
@@ -85,10 +85,10 @@ std::optional<QByteArray> readText(const QString& filePath)
     QFile file(filePath);
     const bool isOpen = filePath == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
                                                        : file.open(QIODevice::ReadOnly);
-    // One byte over the limit is enough to know that it is exceeded.
+    // One more byte than the limit shows whether it is exceeded.
     const QByteArray text = isOpen ? file.read(maxBlockSize + 1) : QByteArray();
     if (!isOpen || file.error() != QFileDevice::NoError) {
-        CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
+        CommandLine::printError(QStringLiteral("%1: %2").arg(filePath, file.errorString()));
         return std::nullopt;
     }
     return text;
@@ -104,7 +104,7 @@ bool blockOverlaps(const Layout& layout, const QByteArray& block, qint64 begin, 
     return layout.start < end && layout.start + block.size() > begin && !block.isEmpty();
 }
 
-// Why there cannot be such an image; empty when there can.
+// Returns why such an image is impossible; empty if it is possible.
 QString objection(const Layout& layout, const QByteArray& block)
 {
     if (block.size() > maxBlockSize) {
@@ -112,11 +112,11 @@ QString objection(const Layout& layout, const QByteArray& block)
             .arg(maxBlockSize);
     }
     if (blockOverlaps(layout, block, checksumField, checksumField + checksumSize)) {
-        return QStringLiteral("the block would cover its own checksum (bytes 32 and 33)");
+        return QStringLiteral("the block would overlap its own checksum (bytes 32 and 33)");
     }
     if (!layout.mayOverlap && blockOverlaps(layout, block, headerAddress, headerEnd)) {
         return QStringLiteral("the block would overlap the header (bytes 20 to 35); to write it "
-                              "nevertheless, give --allow-overlap");
+                              "nevertheless, use --allow-overlap");
     }
     const qint64 needed = smallestSize(layout, block);
     const qint64 size = layout.size.value_or(needed);
@@ -152,22 +152,22 @@ QByteArray buildImage(const Layout& layout, const QByteArray& block)
     putWord(startAddressField, quint32(layout.start));
     putWord(lengthField, quint32(block.size()));
     putWord(checksumField, 0);
-    // Of the bytes as they lie in the image: the header may have replaced some of the text.
+    // Of the bytes in the image: the header may have overwritten some of the text.
     putWord(checksumField, checksumOf(image.mid(int(layout.start), block.size())));
     return image;
 }
 
-// All or nothing: an image of that name is replaced only when the new one is written whole.
+// Replaces an existing image only after the new one has been written completely.
 ExitCode replaceImage(const QString& filePath, const QByteArray& image)
 {
-    const QString trouble = WholeFile::replace(filePath, image);
-    if (trouble.isEmpty()) {
+    const QString error = WholeFile::replace(filePath, image);
+    if (error.isEmpty()) {
         return ExitCode::Done;
     }
-    CommandLine::complain(QStringLiteral("%1: %2").arg(filePath, trouble));
+    CommandLine::printError(QStringLiteral("%1: %2").arg(filePath, error));
     const QFileInfo target(filePath);
     if (target.exists() && !target.isFile() && !target.isDir()) {
-        CommandLine::complain(QStringLiteral("to write into a device, give --in-place"));
+        CommandLine::printError(QStringLiteral("to write into a device, use --in-place"));
     }
     return ExitCode::CannotWriteImage;
 }
@@ -208,7 +208,7 @@ ExitCode createImage(const QStringList& arguments)
     }
     const QString reason = objection(layout, *block);
     if (!reason.isEmpty()) {
-        CommandLine::complain(QStringLiteral("%1: %2").arg(files.at(1), reason));
+        CommandLine::printError(QStringLiteral("%1: %2").arg(files.at(1), reason));
         return ExitCode::LayoutRefused;
     }
     const QByteArray image = buildImage(layout, *block);

@@ -23,31 +23,31 @@ QString checksum(quint16 value)
     return QStringLiteral("0x%1").arg(value, 4, 16, QLatin1Char('0'));
 }
 
-// The stored checksum beside the one that the block gives.
+// Compares the stored checksum with that of the block.
 QString checksumVerdict(const ImageFile& image)
 {
     const auto calculated = image.calculatedChecksum();
     const QString stored = checksum(image.storedChecksum()) + QStringLiteral(" stored, ");
     if (!calculated) {
-        return stored + QStringLiteral("none calculated: the block is not whole");
+        return stored + QStringLiteral("not calculated: the block is incomplete");
     }
     return stored + checksum(*calculated) + QStringLiteral(" calculated: ") +
-           (*calculated == image.storedChecksum() ? QStringLiteral("right")
+           (*calculated == image.storedChecksum() ? QStringLiteral("correct")
                                                   : QStringLiteral("wrong"));
 }
 
-// A line of the header; of a field that is cut short nobody knows the meaning.
+// Prints a line for a header field; a truncated field has no meaning.
 void printField(const ImageFile& image, qint64 address, int size, const char* name,
                 const QString& meaning)
 {
     const QByteArray bytes = image.field(address, size);
-    // The offset as in the lines of the block, and as the help and the messages count.
+    // The address in hexadecimal, as for the block, and in decimal, as in messages.
     CommandLine::print(QStringLiteral("  %1  %2  %3  %4  %5")
                            .arg(address, 4, 16, QLatin1Char('0'))
                            .arg(address)
                            .arg(QString::fromLatin1(bytes.toHex(' ')), -11)
                            .arg(QLatin1String(name), -13)
-                           .arg(bytes.size() == size ? meaning : QStringLiteral("not there")));
+                           .arg(bytes.size() == size ? meaning : QStringLiteral("missing")));
 }
 
 void printHeader(const ImageFile& image)
@@ -61,7 +61,7 @@ void printHeader(const ImageFile& image)
     printField(image, unusedField, int(headerEnd - unusedField), "unused", notEvaluated);
 }
 
-// What stands for a byte of text at the end of a line.
+// Returns the character that represents a byte at the end of a line.
 char shownCharacter(char byte)
 {
     return byte >= ' ' && byte <= '~' ? byte : '.';
@@ -104,5 +104,5 @@ ExitCode dumpImage(const QStringList& arguments)
     }
     return image.verdict() == ExitCode::Done
                ? ExitCode::Done
-               : refuseImage(filePath, image.verdict(), image.trouble());
+               : refuseImage(filePath, image.verdict(), image.error());
 }

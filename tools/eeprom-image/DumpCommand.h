@@ -5,7 +5,7 @@
 
 #include <QtCore/QStringList>
 
-// Prints the bytes of an image with what they mean, sound or not; see the help.
+// Prints the bytes of an image and their meaning, even if it is damaged; see the help.
 ExitCode dumpImage(const QStringList& arguments);
 
 #endif

@@ -1,7 +1,7 @@
 #ifndef TOOLS_EEPROMIMAGE_EXITCODE_H
 #define TOOLS_EEPROMIMAGE_EXITCODE_H
 
-// What the program tells a script; the numbers stand in its help and must not change.
+// Scripts rely on these numbers, which --help documents: they must not change.
 enum class ExitCode
 {
     Done = 0,
@@ -10,7 +10,7 @@ enum class ExitCode
     LayoutRefused = 3,
     CannotWriteImage = 4,
     OutputLost = 5,
-    ReadsBackOtherwise = 6,
+    ReadBackDiffers = 6,
     Interrupted = 7,
     NoSuchImage = 10,
     CannotOpenImage = 11,

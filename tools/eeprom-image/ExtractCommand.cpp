@@ -15,7 +15,7 @@ ExitCode extractText(const QStringList& arguments)
     const QString filePath = parser.positionalArguments().constFirst();
     const ImageFile image(filePath);
     if (image.verdict() != ExitCode::Done) {
-        return refuseImage(filePath, image.verdict(), image.trouble());
+        return refuseImage(filePath, image.verdict(), image.error());
     }
     CommandLine::write(image.block());
     return ExitCode::Done;

@@ -11,7 +11,7 @@ using namespace ImageFormat;
 
 namespace {
 
-// The system's reason at the end of a sentence.
+// Formats a reason from the system for the end of a message.
 QString because(const QString& error)
 {
     return error.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(error);
@@ -26,27 +26,27 @@ ImageFile::ImageFile(const QString& filePath)
 
 void ImageFile::read(const QString& filePath)
 {
-    LibraryMessages::take(false); // Qt has a line of its own for what cannot be positioned
+    LibraryMessages::capture(false); // Qt logs a message for a file that is not seekable
     QFile file(filePath);
     if (!file.exists()) {
-        condemn(ExitCode::NoSuchImage, QStringLiteral("there is no such file"));
+        setVerdict(ExitCode::NoSuchImage, QStringLiteral("there is no such file"));
         return;
     }
     // Unbuffered: a buffer would read ahead, which takes seconds on the EEPROM's bus.
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        condemn(ExitCode::CannotOpenImage,
-                QStringLiteral("the file cannot be opened") + because(file.errorString()));
+        setVerdict(ExitCode::CannotOpenImage,
+                   QStringLiteral("the file cannot be opened") + because(file.errorString()));
         return;
     }
     if (!file.seek(headerAddress)) {
-        condemn(ExitCode::StartAddressUnreachable,
-                QStringLiteral("no address can be reached: the file is a pipe or a device that "
-                               "cannot be positioned"));
+        setVerdict(ExitCode::StartAddressUnreachable,
+                   QStringLiteral("no address can be reached: the file is a pipe or a device that "
+                                  "is not seekable"));
         return;
     }
     m_isRead = true;
     m_header = file.read(headerSize);
-    // A file of sysfs refuses addresses beyond its end.
+    // Seeking beyond the end of a sysfs file fails.
     m_isStartReached = hasHeader() && file.seek(startAddress());
     if (m_isStartReached) {
         m_block = file.read(qMin<qint64>(length(), maxBlockSize));
@@ -54,61 +54,63 @@ void ImageFile::read(const QString& filePath)
     judge(file.error() == QFileDevice::NoError ? QString() : file.errorString());
 }
 
-// In the order in which the library checks an image.
+// Checks the image in the same order as the library.
 void ImageFile::judge(const QString& readError)
 {
     if (!hasHeader()) {
-        condemn(ExitCode::HeaderShort,
-                QStringLiteral("the header is cut short: %1 of its %2, are there")
-                        .arg(m_header.size())
-                        .arg(range(headerAddress, headerSize)) +
-                    because(readError));
+        setVerdict(ExitCode::HeaderShort,
+                   QStringLiteral("the header is truncated: %1 of its %2, are present")
+                           .arg(m_header.size())
+                           .arg(range(headerAddress, headerSize)) +
+                       because(readError));
     } else if (!m_isStartReached && startAddress() != 0xFFFFFFFF) {
-        condemn(ExitCode::StartAddressUnreachable,
-                QStringLiteral("the start address at %1 is %2, which cannot be reached: the header "
-                               "is damaged")
-                    .arg(startAddressField)
-                    .arg(startAddress()));
+        setVerdict(
+            ExitCode::StartAddressUnreachable,
+            QStringLiteral("the start address at %1 is %2, which cannot be reached: the header "
+                           "is damaged")
+                .arg(startAddressField)
+                .arg(startAddress()));
     } else if (length() == 0xFFFFFFFF) {
-        condemn(ExitCode::LengthOverLimit,
-                QStringLiteral("the header gives no length, all bits at %1 are set: the EEPROM "
-                               "seems to be erased and was never written")
-                    .arg(lengthField));
+        setVerdict(ExitCode::LengthOverLimit,
+                   QStringLiteral("the header has no length, all bits at %1 are set: the EEPROM "
+                                  "seems to be erased and was never written")
+                       .arg(lengthField));
     } else if (length() > maxBlockSize) {
-        condemn(ExitCode::LengthOverLimit,
-                QStringLiteral("the length at %1 is %2, over the limit of %3 bytes: the header is "
-                               "damaged")
-                    .arg(lengthField)
-                    .arg(length())
-                    .arg(maxBlockSize));
+        setVerdict(
+            ExitCode::LengthOverLimit,
+            QStringLiteral("the length at %1 is %2, more than the limit of %3 bytes: the header is "
+                           "damaged")
+                .arg(lengthField)
+                .arg(length())
+                .arg(maxBlockSize));
     } else if (m_block.size() < qint64(length())) {
-        condemn(ExitCode::BlockShort,
-                QStringLiteral("the block is cut short: %1 of its %2, are there")
-                        .arg(m_block.size())
-                        .arg(range(startAddress(), length())) +
-                    because(readError));
+        setVerdict(ExitCode::BlockShort,
+                   QStringLiteral("the block is truncated: %1 of its %2, are present")
+                           .arg(m_block.size())
+                           .arg(range(startAddress(), length())) +
+                       because(readError));
     } else if (calculatedChecksum() != storedChecksum()) {
-        condemn(
+        setVerdict(
             ExitCode::ChecksumWrong,
-            QStringLiteral("the checksum is wrong: 0x%1 is stored at %2, but 0x%3 is that of the "
-                           "block's %4")
+            QStringLiteral("the checksum is wrong: 0x%1 is stored at %2, but 0x%3 is calculated "
+                           "from the block's %4")
                 .arg(storedChecksum(), 4, 16, QLatin1Char('0'))
                 .arg(checksumField)
                 .arg(*calculatedChecksum(), 4, 16, QLatin1Char('0'))
                 .arg(range(startAddress(), length())));
     } else if (length() == 0) {
-        condemn(
-            ExitCode::BlockEmpty,
-            QStringLiteral("the block is empty, the length at %1 is 0: the image holds no record "
-                           "(an EEPROM full of zeros looks like this)")
-                .arg(lengthField));
+        setVerdict(ExitCode::BlockEmpty,
+                   QStringLiteral(
+                       "the block is empty, the length at %1 is 0: the image contains no record "
+                       "(an EEPROM full of zeros looks like this)")
+                       .arg(lengthField));
     }
 }
 
-void ImageFile::condemn(ExitCode verdict, const QString& trouble)
+void ImageFile::setVerdict(ExitCode verdict, const QString& error)
 {
     m_verdict = verdict;
-    m_trouble = trouble;
+    m_error = error;
 }
 
 QByteArray ImageFile::field(qint64 address, int size) const

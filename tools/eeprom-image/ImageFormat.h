@@ -3,7 +3,7 @@
 
 #include <QtCore/QtGlobal>
 
-// Where an image holds what; addresses and sizes in bytes, numbers little-endian.
+// The layout of an image; addresses and sizes in bytes, numbers little-endian.
 namespace ImageFormat {
 
 constexpr qint64 headerAddress = 20;

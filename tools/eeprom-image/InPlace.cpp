@@ -20,8 +20,8 @@
 
 namespace {
 
-// A page of the smallest parts. The kernel splits what crosses the pages of the part, so a small
-// size costs only time.
+// The page size of the smallest EEPROMs. The kernel splits a write that crosses a page boundary, so
+// a size that is too small only costs time.
 constexpr quint32 smallestPage = 8;
 constexpr quint32 largestPage = 4096;
 constexpr int progressIntervalInMs = 100;
@@ -44,7 +44,7 @@ private:
     qint64 pageSize() const;
     void showProgress(const char* activity, qint64 position);
     QString stateAfter(qint64 position) const;
-    bool fail(ExitCode exitCode, const QString& trouble);
+    bool fail(ExitCode exitCode, const QString& error);
 
     const QString m_name;
     QFile m_file;
@@ -71,7 +71,7 @@ bool InPlaceWriter::open()
     if (stat(path.constData(), &m_status) != 0) {
         return fail(ExitCode::CannotWriteImage, qt_error_string(errno));
     }
-    // Others, such as a pipe, cannot be read back.
+    // Other files, such as pipes, cannot be read back.
     if (!S_ISREG(m_status.st_mode) && !S_ISBLK(m_status.st_mode) && !S_ISCHR(m_status.st_mode)) {
         return fail(ExitCode::CannotWriteImage,
                     QStringLiteral("only a file or a device can be written in place"));
@@ -79,7 +79,7 @@ bool InPlaceWriter::open()
     if (!m_file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
         return fail(ExitCode::CannotWriteImage, m_file.errorString());
     }
-    // Of a device that has no size the first failing write tells.
+    // If a device does not report its size, the first failing write shows that it is full.
     const off_t size =
         S_ISREG(m_status.st_mode) ? m_status.st_size : lseek(m_file.handle(), 0, SEEK_END);
     if ((S_ISREG(m_status.st_mode) || size > 0) && size < m_image.size()) {
@@ -92,7 +92,8 @@ bool InPlaceWriter::open()
     return true;
 }
 
-// What the driver says of an EEPROM; of other devices what their driver likes best.
+// Returns the page size from the device tree of an EEPROM; the preferred block size of other
+// devices.
 qint64 InPlaceWriter::pageSize() const
 {
     if (!S_ISREG(m_status.st_mode)) {
@@ -123,11 +124,11 @@ bool InPlaceWriter::writePages()
                             QStringLiteral("; ") + stateAfter(position));
         }
     }
-    // Sysfs has nothing to be synchronized.
+    // Files in sysfs cannot be synchronized.
     if (fsync(m_file.handle()) != 0 && errno != EINVAL) {
         return fail(ExitCode::CannotWriteImage, qt_error_string(errno));
     }
-    // What is read back shall come from the device.
+    // Read back from the device, not from the page cache.
     posix_fadvise(m_file.handle(), 0, 0, POSIX_FADV_DONTNEED);
     return true;
 }
@@ -150,9 +151,9 @@ bool InPlaceWriter::readBack()
             expected.cbegin();
         if (same < expected.size()) {
             return fail(
-                ExitCode::ReadsBackOtherwise,
-                QStringLiteral("the image was written, but byte %1 reads back otherwise: is "
-                               "the part protected against writing?")
+                ExitCode::ReadBackDiffers,
+                QStringLiteral("the image was written, but byte %1 differs when read back: is the "
+                               "device write-protected?")
                     .arg(position + same));
         }
     }
@@ -167,7 +168,7 @@ bool InPlaceWriter::isInterrupted(const QString& state)
 
 void InPlaceWriter::showProgress(const char* activity, qint64 position)
 {
-    // A line for each page would take a serial console longer than the page takes the EEPROM.
+    // Printing a line for each page on a serial console would take longer than writing the page.
     if (m_sinceShown.isValid() && m_sinceShown.elapsed() < progressIntervalInMs) {
         return;
     }
@@ -183,19 +184,18 @@ QString InPlaceWriter::stateAfter(qint64 position) const
     if (position == 0) {
         return QStringLiteral("nothing was written");
     }
-    return QStringLiteral(
-               "bytes 0 to %1 are new, bytes %2 to %3 still the old ones: write the image "
-               "again")
+    return QStringLiteral("bytes 0 to %1 are new, bytes %2 to %3 are old: write the image "
+                          "again")
         .arg(position - 1)
         .arg(position)
         .arg(m_image.size() - 1);
 }
 
-// For the end of a step: false.
-bool InPlaceWriter::fail(ExitCode exitCode, const QString& trouble)
+// Prints an error, sets the exit code and returns false.
+bool InPlaceWriter::fail(ExitCode exitCode, const QString& error)
 {
     m_display.clearStatus();
-    CommandLine::complain(QStringLiteral("%1: %2").arg(m_name, trouble));
+    CommandLine::printError(QStringLiteral("%1: %2").arg(m_name, error));
     m_exitCode = exitCode;
     return false;
 }

@@ -6,15 +6,15 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
-// Images written into something that is there: an EEPROM, a device, or a file of fixed size.
+// Writes images into something that exists: an EEPROM, a device, or a file of fixed size.
 namespace InPlace {
 
-// Whether this is the file that the kernel shows for an EEPROM, into which one can only write.
+// Returns true for the kernel's file of an EEPROM, which can be written but not replaced.
 bool isEeprom(const QString& filePath);
 
 /*
- * Writes the image from address 0 on, page by page, and reads it back. Bytes after its end stay.
- * Complains of what goes wrong, and says which bytes are the new ones.
+ * Writes the image at address 0, page by page, and reads it back. Bytes after its end are
+ * unchanged. An error message says which bytes are new.
  */
 ExitCode write(const QString& filePath, const QByteArray& image);
 

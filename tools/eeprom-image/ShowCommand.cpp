@@ -13,8 +13,7 @@
 
 namespace {
 
-// How the library's message begins, and what it means to the person at the bench. The first that
-// fits counts.
+// The beginning of a library message, and its meaning for the user. The first match counts.
 struct Failure
 {
     const char* message;
@@ -27,21 +26,21 @@ constexpr Failure failures[] = {
     {"Can't open eeprom binary file", ExitCode::CannotOpenImage,
      "the file cannot be opened: permission is denied, or it is a directory"},
     {"Number of INI header bytes is", ExitCode::HeaderShort,
-     "the header is cut short: the image ends before byte 36"},
+     "the header is truncated: the image ends before byte 36"},
     {"Seek to start addr", ExitCode::StartAddressUnreachable,
      "the start address of the block cannot be reached: it is beyond the end of the EEPROM, or "
-     "the file is a pipe or a device that cannot be positioned"},
+     "the file is a pipe or a device that is not seekable"},
     {"Max. number of bytes for INI file exceeded", ExitCode::LengthOverLimit,
-     "the header gives the block a length over the limit of 65535 bytes: the header is damaged"},
+     "the length in the header exceeds the limit of 65535 bytes: the header is damaged"},
     {"Number of INI file bytes is", ExitCode::BlockShort,
-     "the block is cut short: the image ends before it, or the header is damaged"},
+     "the block is truncated: the image ends before it, or the header is damaged"},
     {"Invalid checksum for INI block", ExitCode::ChecksumWrong,
      "the checksum is wrong: the block or the header was changed or damaged"},
     {"Error on writing to temporary file", ExitCode::BlockEmpty,
-     "the block is empty, its length is 0: the image holds no record (an EEPROM full of zeros "
+     "the block is empty, its length is 0: the image contains no record (an EEPROM full of zeros "
      "looks like this)"},
     {"Can't open temporary file", ExitCode::CannotParseBlock,
-     "the block is valid, but no temporary file could be made to parse it"},
+     "the block is valid, but no temporary file could be created to parse it"},
     {"Can't create 'IniFileManager' object!", ExitCode::CannotParseBlock,
      "the block is valid, but there is not enough memory to parse it"},
 };
@@ -52,7 +51,7 @@ struct Field
     const char* member; // of the JSON object, as device-report names it
     const char* key;
     QString (HardwareInfo::*value)() const;
-    bool isOptional; // the library does not tell a missing one from an empty one
+    bool isOptional; // the library does not distinguish a missing one from an empty one
 };
 
 constexpr Field fields[] = {
@@ -91,7 +90,7 @@ QString shownValue(const Field& field, const HardwareInfo& info)
         return QStringLiteral("(missing)");
     }
     return field.isOptional ? QStringLiteral("(none)")
-                            : QStringLiteral("(empty: no value, or a comma outside of quotes)");
+                            : QStringLiteral("(empty: no value, or a comma outside quotes)");
 }
 
 void printRecord(const HardwareInfo& info)
@@ -126,9 +125,9 @@ ExitCode showRecord(const QString& filePath, bool isJson)
     HardwareInfo info;
     HardwareInfoReader reader(nullptr);
     const bool isRead = reader.readHardwareInfoFromSysFs(TemporaryPath::pattern(), filePath, info);
-    if (LibraryMessages::tellOfErasedEeprom()) {
+    if (LibraryMessages::indicateErasedEeprom()) {
         return refuseImage(filePath, ExitCode::LengthOverLimit,
-                           QStringLiteral("the header gives no length, all its bits are set: the "
+                           QStringLiteral("the header has no length, all its bits are set: the "
                                           "EEPROM seems to be erased and was never written"));
     }
     if (const Failure* failure = findFailure()) {
@@ -158,6 +157,6 @@ ExitCode showImage(const QStringList& arguments)
     if (const auto exitCode = parseArguments(parser, arguments, 1)) {
         return *exitCode;
     }
-    LibraryMessages::take(parser.isSet(verbose));
+    LibraryMessages::capture(parser.isSet(verbose));
     return showRecord(parser.positionalArguments().constFirst(), parser.isSet(json));
 }

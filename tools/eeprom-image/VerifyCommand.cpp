@@ -34,5 +34,5 @@ ExitCode verifyImage(const QStringList& arguments)
         printLayout(filePath, image);
         return ExitCode::Done;
     }
-    return refuseImage(filePath, image.verdict(), image.trouble());
+    return refuseImage(filePath, image.verdict(), image.error());
 }

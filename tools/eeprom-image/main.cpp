@@ -29,7 +29,7 @@ ExitCode run(QStringList arguments)
 {
     if (arguments.size() < 2) {
         return refuseUsage(
-            QStringLiteral("a command is needed: create, show, verify, dump or extract"));
+            QStringLiteral("a command is required: create, show, verify, dump or extract"));
     }
     const QString name = arguments.takeAt(1);
     const auto* const command =

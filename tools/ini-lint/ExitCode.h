@@ -6,7 +6,7 @@ enum ExitCode
 {
     NothingFound = 0,
     SomethingFound = 1,
-    Trouble = 2 // wrong usage, or a file that cannot be read or written
+    Failed = 2 // wrong usage, or a file that cannot be read or written
 };
 
 #endif

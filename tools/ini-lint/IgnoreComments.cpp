@@ -10,7 +10,7 @@
 
 namespace {
 
-const int wholeFile = 0;
+const int entireFile = 0;
 
 // Returns the end of the line that begins at a position.
 int endOfLine(const QByteArray& text, int begin)
@@ -71,7 +71,7 @@ void IgnoreComments::addComment(const QByteArray& comment, const Extent& extent,
         }
     }
     if (isForFile) {
-        m_rules.append({wholeFile, words});
+        m_rules.append({entireFile, words});
     } else {
         m_pendingRules += words;
     }
@@ -88,7 +88,7 @@ Findings IgnoreComments::apply(const Findings& findings) const
 bool IgnoreComments::isIgnored(const Finding& finding) const
 {
     return std::any_of(m_rules.cbegin(), m_rules.cend(), [&finding](const Rules& rules) {
-        return (rules.line == wholeFile || rules.line == finding.firstLine) &&
+        return (rules.line == entireFile || rules.line == finding.firstLine) &&
                rules.names.contains(finding.rule);
     });
 }

@@ -23,7 +23,7 @@ public:
 private:
     struct Rules
     {
-        int line; // 0: the whole file
+        int line; // 0: the entire file
         QStringList names;
     };
 

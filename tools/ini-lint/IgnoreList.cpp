@@ -33,9 +33,9 @@ QString IgnoreList::read(const QString& listPath)
     }
     const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
     for (int i = 0; i < lines.size(); ++i) {
-        const QString trouble = addLine(lines.at(i).trimmed());
-        if (!trouble.isEmpty()) {
-            return QStringLiteral("%1:%2: %3").arg(listPath, QString::number(i + 1), trouble);
+        const QString error = addLine(lines.at(i).trimmed());
+        if (!error.isEmpty()) {
+            return QStringLiteral("%1:%2: %3").arg(listPath, QString::number(i + 1), error);
         }
     }
     return QString();

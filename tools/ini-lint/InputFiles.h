@@ -11,7 +11,7 @@ namespace InputFiles {
 struct Input
 {
     QString path;
-    QString trouble;
+    QString error;
 };
 
 // Whether an argument means standard input, and the name of a file in the results.

@@ -49,9 +49,9 @@ void JsonReport::addChanges(const QString& file, const CleanUp::Changes& changes
                                {QStringLiteral("done"), isDone}});
 }
 
-void JsonReport::addTrouble(const QString& file, const QString& trouble)
+void JsonReport::addError(const QString& file, const QString& error)
 {
-    m_files.append(QJsonObject{{fileMember, file}, {QStringLiteral("trouble"), trouble}});
+    m_files.append(QJsonObject{{fileMember, file}, {QStringLiteral("trouble"), error}});
 }
 
 QJsonObject JsonReport::document() const

@@ -14,7 +14,7 @@ class JsonReport
 public:
     void addFindings(const QString& file, const Findings& findings);
     void addChanges(const QString& file, const CleanUp::Changes& changes, bool isDone);
-    void addTrouble(const QString& file, const QString& trouble);
+    void addError(const QString& file, const QString& error);
 
     QJsonObject document() const;
 

@@ -72,12 +72,12 @@ void LintReport::addChanges(const QString& file, const QByteArray& before, const
     m_diff += UnifiedDiff::ofCleanUp(QFile::encodeName(file), before, after);
 }
 
-void LintReport::addTrouble(const QString& file, const QString& trouble)
+void LintReport::addError(const QString& file, const QString& error)
 {
-    m_hasTrouble = true;
-    m_json.addTrouble(file, trouble);
-    m_sarif.addTrouble(file, trouble);
-    m_display->complain(QStringLiteral("%1: %2").arg(CommandLine::printable(file), trouble));
+    m_hasError = true;
+    m_json.addError(file, error);
+    m_sarif.addError(file, error);
+    m_display->printError(QStringLiteral("%1: %2").arg(CommandLine::printable(file), error));
 }
 
 void LintReport::finish()

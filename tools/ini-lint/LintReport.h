@@ -19,7 +19,7 @@ enum class ReportFormat
     Sarif
 };
 
-// Prints the results: findings at once, everything else at the end.
+// Prints the results: findings immediately, everything else at the end.
 class LintReport
 {
 public:
@@ -32,17 +32,17 @@ public:
     // isDone: the file has been changed; otherwise this is a dry run.
     void addChanges(const QString& file, const QByteArray& before, const QByteArray& after,
                     bool isDone);
-    void addTrouble(const QString& file, const QString& trouble);
+    void addError(const QString& file, const QString& error);
 
     void finish();
 
-    bool hasTrouble() const { return m_hasTrouble; }
+    bool hasError() const { return m_hasError; }
     bool isEmpty() const { return m_isEmpty; }
 
 private:
     std::optional<BusyDisplay> m_display; // until finish()
     const ReportFormat m_format;
-    bool m_hasTrouble = false;
+    bool m_hasError = false;
     bool m_isEmpty = true; // no findings and no changes
     JsonReport m_json;
     SarifReport m_sarif;

@@ -94,8 +94,8 @@ QString Options::read(const QCommandLineParser& parser)
             return QStringLiteral("--%1 cannot be used with --clean").arg(name);
         }
     }
-    const QString trouble = readFormat(parser);
-    return trouble.isEmpty() ? readFilter(parser) : trouble;
+    const QString error = readFormat(parser);
+    return error.isEmpty() ? readFilter(parser) : error;
 }
 
 QString Options::readFormat(const QCommandLineParser& parser)
@@ -129,9 +129,9 @@ QString Options::readFilter(const QCommandLineParser& parser)
     }
     const QStringList lists = parser.values(ignoreListName);
     for (const QString& list : lists) {
-        QString trouble = filter.ignoreList.read(list);
-        if (!trouble.isEmpty()) {
-            return trouble;
+        QString error = filter.ignoreList.read(list);
+        if (!error.isEmpty()) {
+            return error;
         }
     }
     filter.areRepeatsShown = parser.isSet(allName);

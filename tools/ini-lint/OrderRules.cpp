@@ -38,7 +38,7 @@ QHash<QString, QSet<QString>> holdersOf(const QVector<IniEntry>& entries)
  * parses the section with the last name that does not sort after the path. A look-up of a path with
  * a slash never parses the top level.
  */
-bool isFoundAtOnce(const QString& path, const Prefixes& prefixes, const QSet<QString>& holders)
+bool isFoundImmediately(const QString& path, const Prefixes& prefixes, const QSet<QString>& holders)
 {
     if (!path.contains(QLatin1Char('/'))) {
         return holders.contains(QString());
@@ -78,7 +78,7 @@ void OrderRules::check(const IniReading& reading, FindingCollector& findings)
             continue;
         }
         paths.insert(path);
-        if (!isFoundAtOnce(path, prefixes, holders.value(path))) {
+        if (!isFoundImmediately(path, prefixes, holders.value(path))) {
             findings.add(entry.extent, Severity::Error, "read-order",
                          QStringLiteral("a look-up of %1 fails until its section has been read for "
                                         "another reason, such as listing the keys")

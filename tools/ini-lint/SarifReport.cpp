@@ -67,11 +67,11 @@ void SarifReport::addFindings(const QString& file, const Findings& findings)
     }
 }
 
-void SarifReport::addTrouble(const QString& file, const QString& trouble)
+void SarifReport::addError(const QString& file, const QString& error)
 {
     m_notifications.append(
         QJsonObject{{QStringLiteral("level"), QStringLiteral("error")},
-                    {QStringLiteral("message"), messageJson(trouble)},
+                    {QStringLiteral("message"), messageJson(error)},
                     {QStringLiteral("locations"), locationJson(artifactJson(file))}});
 }
 

@@ -12,7 +12,7 @@ class SarifReport
 {
 public:
     void addFindings(const QString& file, const Findings& findings);
-    void addTrouble(const QString& file, const QString& trouble);
+    void addError(const QString& file, const QString& error);
 
     QJsonObject document() const;
 

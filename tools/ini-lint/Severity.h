@@ -10,7 +10,7 @@ enum class Severity
 {
     Note,    // QSettings reads what the file seems to say, but there is more to know
     Warning, // what QSettings reads may be unexpected
-    Error    // QSettings reads another value than the file says, or none
+    Error    // QSettings reads a different value, or none
 };
 
 namespace Severities {

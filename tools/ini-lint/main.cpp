@@ -54,21 +54,21 @@ void clean(const QString& filePath, const QByteArray& text, const Options& optio
 {
     const std::optional<QByteArray> cleaned = CleanUp::preview(text);
     if (!cleaned) {
-        report.addTrouble(filePath, QStringLiteral("cannot create a copy in the directory for "
-                                                   "temporary files"));
+        report.addError(filePath, QStringLiteral("cannot create a copy in the directory for "
+                                                 "temporary files"));
         return;
     }
     const bool mustWrite = *cleaned != text && !options.isDryRun;
     // A pipe has been read to its end, and must not be replaced by a file.
     if (mustWrite && (InputFiles::isStandardInput(filePath) || !QFileInfo(filePath).isFile())) {
-        report.addTrouble(InputFiles::shownName(filePath),
-                          QStringLiteral("only a regular file can be cleaned up"));
+        report.addError(InputFiles::shownName(filePath),
+                        QStringLiteral("only a regular file can be cleaned up"));
         return;
     }
     // Not by a clean-up of the file itself, which would lose its owner and mode.
-    const QString trouble = mustWrite ? WholeFile::replace(filePath, *cleaned) : QString();
-    if (!trouble.isEmpty()) {
-        report.addTrouble(filePath, QStringLiteral("the file cannot be cleaned up: ") + trouble);
+    const QString error = mustWrite ? WholeFile::replace(filePath, *cleaned) : QString();
+    if (!error.isEmpty()) {
+        report.addError(filePath, QStringLiteral("the file cannot be cleaned up: ") + error);
         return;
     }
     report.addChanges(InputFiles::shownName(filePath), text, *cleaned, mustWrite);
@@ -83,7 +83,7 @@ void lint(const QString& filePath, const Options& options, LintReport& report)
                             : file.open(QIODevice::ReadOnly);
     const QByteArray text = isOpen ? file.readAll() : QByteArray();
     if (!isOpen || file.error() != QFileDevice::NoError) {
-        report.addTrouble(shownName, file.errorString());
+        report.addError(shownName, file.errorString());
     } else if (options.mustClean) {
         file.close();
         clean(filePath, text, options, report);
@@ -99,15 +99,15 @@ ExitCode lintAll(const Options& options)
     const QVector<InputFiles::Input> files = InputFiles::find(options.paths, options.patterns);
     for (int i = 0; i < files.size(); ++i) {
         report.begin(InputFiles::shownName(files.at(i).path), i + 1, files.size());
-        if (files.at(i).trouble.isEmpty()) {
+        if (files.at(i).error.isEmpty()) {
             lint(files.at(i).path, options, report);
         } else {
-            report.addTrouble(files.at(i).path, files.at(i).trouble);
+            report.addError(files.at(i).path, files.at(i).error);
         }
     }
     report.finish();
-    if (report.hasTrouble()) {
-        return Trouble;
+    if (report.hasError()) {
+        return Failed;
     }
     const bool isCleaned = options.mustClean && !options.isDryRun;
     return report.isEmpty() || isCleaned ? NothingFound : SomethingFound;
@@ -119,7 +119,7 @@ ExitCode run()
     parser.setApplicationDescription(
         QStringLiteral("\nReports where QSettings reads INI files differently from what they seem\n"
                        "to say, as FILE:LINE:COLUMN: SEVERITY: MESSAGE [RULE].\n"
-                       "An error means that another value is read than the file says, or none; a\n"
+                       "An error means that QSettings reads a different value, or none; a\n"
                        "warning, that the result may be unexpected; a note, that the value is as\n"
                        "expected, but there is more to know."));
     parser.addOptions(Options::all());
@@ -131,8 +131,8 @@ ExitCode run()
         QStringLiteral("FILE..."));
 
     if (!parser.parse(QCoreApplication::arguments())) {
-        CommandLine::complainOfUsage(parser.errorText());
-        return Trouble;
+        CommandLine::printUsageError(parser.errorText());
+        return Failed;
     }
     if (parser.isSet(CommandLine::helpOption())) {
         CommandLine::print(helpText(parser));
@@ -143,12 +143,12 @@ ExitCode run()
         return NothingFound;
     }
     Options options;
-    const QString trouble = options.read(parser);
-    if (!trouble.isEmpty()) {
-        CommandLine::complainOfUsage(trouble);
-        return Trouble;
+    const QString error = options.read(parser);
+    if (!error.isEmpty()) {
+        CommandLine::printUsageError(error);
+        return Failed;
     }
-    LibraryMessages::take(false);
+    LibraryMessages::capture(false);
     return lintAll(options);
 }
 
@@ -157,5 +157,5 @@ ExitCode run()
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
-    return CommandLine::end(run(), Trouble);
+    return CommandLine::end(run(), Failed);
 }

@@ -9,7 +9,7 @@ enum ExitCode
     WrongUsage = 2,
     NotRestored = 3,
     NotSaved = 4,
-    InputTrouble = 5,
+    InputError = 5,
     OutputLost = 6
 };
 

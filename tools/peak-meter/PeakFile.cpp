@@ -84,7 +84,7 @@ ExitCode PeakFile::restore(DragIndicator& indicator)
     // Report a write error now, not after the first hour of a measurement.
     QSaveFile file(m_path);
     if (!file.open(QIODevice::WriteOnly)) {
-        CommandLine::complain(writeError(file.errorString()));
+        CommandLine::printError(writeError(file.errorString()));
         return NotSaved;
     }
     return AllTaken;
@@ -119,13 +119,13 @@ ExitCode PeakFile::read(DragIndicator& indicator) const
 QString PeakFile::save(const DragIndicator& indicator) const
 {
     const QByteArray json = QJsonDocument(indicator.asJsonArray()).toJson();
-    const QString trouble = WholeFile::replace(m_path, json);
-    return trouble.isEmpty() ? QString() : writeError(trouble);
+    const QString error = WholeFile::replace(m_path, json);
+    return error.isEmpty() ? QString() : writeError(error);
 }
 
 ExitCode PeakFile::refuse(const QString& reason) const
 {
-    CommandLine::complain(QStringLiteral("cannot restore from %1: %2").arg(m_name, reason));
+    CommandLine::printError(QStringLiteral("cannot restore from %1: %2").arg(m_name, reason));
     return NotRestored;
 }
 

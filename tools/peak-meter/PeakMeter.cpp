@@ -112,8 +112,8 @@ void PeakMeter::readInput()
         if (errno == EAGAIN || errno == EINTR) {
             return;
         }
-        complain(QStringLiteral("cannot read standard input: %1").arg(qt_error_string(errno)));
-        m_hasInputTrouble = true;
+        printError(QStringLiteral("cannot read standard input: %1").arg(qt_error_string(errno)));
+        m_hasInputError = true;
     }
     takeLines(m_splitter.takeRest());
     finish();
@@ -150,7 +150,7 @@ void PeakMeter::takeLine(const LineSplitter::Line& line)
 void PeakMeter::refuseLine(const QString& reason)
 {
     ++m_refusedLines;
-    complain(QStringLiteral("line %1: %2").arg(QString::number(m_lines), reason));
+    printError(QStringLiteral("line %1: %2").arg(QString::number(m_lines), reason));
 }
 
 void PeakMeter::takeValue(double value)
@@ -187,10 +187,10 @@ QString PeakMeter::newsLine(double value, bool isMinimum, bool isMaximum) const
 }
 
 // On a terminal, the message must not follow the range on the same line.
-void PeakMeter::complain(const QString& trouble)
+void PeakMeter::printError(const QString& error)
 {
     m_display.clearStatus();
-    CommandLine::complain(trouble);
+    CommandLine::printError(error);
 }
 
 void PeakMeter::acknowledgeSoon()
@@ -232,7 +232,7 @@ bool PeakMeter::save()
     }
     const QString error = m_file->save(m_indicator);
     if (!error.isEmpty()) {
-        complain(error);
+        printError(error);
         return false;
     }
     m_mustSave = false;
@@ -324,8 +324,8 @@ void PeakMeter::finish()
     if (!acknowledge()) {
         return;
     }
-    if (m_hasInputTrouble) {
-        leave(InputTrouble);
+    if (m_hasInputError) {
+        leave(InputError);
     } else {
         leave(m_refusedLines > 0 ? LinesRefused : AllTaken);
     }

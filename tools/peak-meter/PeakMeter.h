@@ -50,7 +50,7 @@ private:
     void takeValue(double value);
     void refuseLine(const QString& reason);
     QString newsLine(double value, bool isMinimum, bool isMaximum) const;
-    void complain(const QString& trouble);
+    void printError(const QString& error);
     void acknowledgeSoon();
     bool acknowledge();
     bool save();
@@ -77,7 +77,7 @@ private:
     const bool m_isJson;
     const bool m_isTyped;
     bool m_mustSave = false;
-    bool m_hasInputTrouble = false;
+    bool m_hasInputError = false;
     qint64 m_lines = 0;
     qint64 m_values = 0;
     qint64 m_refusedLines = 0;

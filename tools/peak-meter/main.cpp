@@ -77,19 +77,19 @@ QString helpText(const QCommandLineParser& parser)
 // Prints an error and returns false if the options are inconsistent.
 bool checkOptions(const QCommandLineParser& parser)
 {
-    QString trouble;
+    QString error;
     if (!parser.positionalArguments().isEmpty()) {
-        trouble = QStringLiteral("values come from standard input, not from an argument: '%1'")
-                      .arg(CommandLine::printable(parser.positionalArguments().constFirst()));
+        error = QStringLiteral("values come from standard input, not from an argument: '%1'")
+                    .arg(CommandLine::printable(parser.positionalArguments().constFirst()));
     } else if (parser.isSet(fileOption()) && parser.value(fileOption()).isEmpty()) {
-        trouble = QStringLiteral("--file requires a name");
+        error = QStringLiteral("--file requires a name");
     } else if (parser.isSet(resetOption()) && !parser.isSet(fileOption())) {
-        trouble = QStringLiteral("--reset requires --file");
+        error = QStringLiteral("--reset requires --file");
     }
-    if (!trouble.isEmpty()) {
-        CommandLine::complainOfUsage(trouble);
+    if (!error.isEmpty()) {
+        CommandLine::printUsageError(error);
     }
-    return trouble.isEmpty();
+    return error.isEmpty();
 }
 
 int measure(const QCommandLineParser& parser)
@@ -114,7 +114,7 @@ int run(bool hasInput)
                        CommandLine::helpOption(), CommandLine::versionOption()});
 
     if (!parser.parse(QCoreApplication::arguments())) {
-        CommandLine::complainOfUsage(parser.errorText());
+        CommandLine::printUsageError(parser.errorText());
         return WrongUsage;
     }
     if (parser.isSet(CommandLine::helpOption())) {
@@ -129,10 +129,10 @@ int run(bool hasInput)
         return WrongUsage;
     }
     if (!hasInput) {
-        CommandLine::complain(QStringLiteral("cannot read standard input: it is closed"));
-        return InputTrouble;
+        CommandLine::printError(QStringLiteral("cannot read standard input: it is closed"));
+        return InputError;
     }
-    LibraryMessages::take(parser.isSet(CommandLine::verboseOption()));
+    LibraryMessages::capture(parser.isSet(CommandLine::verboseOption()));
     return measure(parser);
 }
 

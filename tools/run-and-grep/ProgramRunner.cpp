@@ -64,7 +64,7 @@ void ProgramRunner::setupChildProcess()
     m_signals.release();
 }
 
-// Stops the whole process group: the program may have exited before its children.
+// Stops the entire process group: the program may have exited before its children.
 void ProgramRunner::stop(int signalNumber)
 {
     const pid_t group = pid_t(processId());

@@ -29,7 +29,7 @@ enum ExitCode
     WrongUsage = 2,
     NotRun = 3,
     Crashed = 4,
-    FileTrouble = 5
+    FileError = 5
 };
 
 // Shells add the number of the signal to this exit code.
@@ -132,15 +132,15 @@ bool readExpressions(const QCommandLineParser& parser, Job& job)
     for (const QString& pattern : patterns) {
         const QRegularExpression expression(pattern, QRegularExpression::MultilineOption);
         if (!expression.isValid()) {
-            CommandLine::complain(QStringLiteral("invalid expression '%1': %2 at character %3")
-                                      .arg(pattern, expression.errorString())
-                                      .arg(expression.patternErrorOffset()));
+            CommandLine::printError(QStringLiteral("invalid expression '%1': %2 at character %3")
+                                        .arg(pattern, expression.errorString())
+                                        .arg(expression.patternErrorOffset()));
             return false;
         }
         job.expressions.append(expression);
     }
     if (job.expressions.isEmpty()) {
-        CommandLine::complainOfUsage(QStringLiteral("an expression is required: -e EXPRESSION"));
+        CommandLine::printUsageError(QStringLiteral("an expression is required: -e EXPRESSION"));
     }
     return !job.expressions.isEmpty();
 }
@@ -150,7 +150,7 @@ bool readTimeout(const QCommandLineParser& parser, Job& job)
     const QString text = parser.value(timeoutOption());
     const bool isNumber = CommandLine::readPositive(text, job.timeoutInMs);
     if (!isNumber) {
-        CommandLine::complainOfUsage(
+        CommandLine::printUsageError(
             QStringLiteral("--timeout requires a number from 1 up, not '%1'").arg(text));
     }
     return isNumber;
@@ -162,13 +162,13 @@ bool readFile(const QCommandLineParser& parser, Job& job)
     const QStringList arguments = parser.positionalArguments();
     const bool hasCommand = !job.command.isEmpty();
     if (arguments.size() != (hasCommand ? 0 : 1)) {
-        CommandLine::complainOfUsage(
+        CommandLine::printUsageError(
             QStringLiteral("requires either '-- PROGRAM [ARGUMENTS]' or exactly one FILE"));
         return false;
     }
     if (!hasCommand && (parser.isSet(outputOption()) || parser.isSet(timeoutOption()) ||
                         parser.isSet(exitCodeOption()))) {
-        CommandLine::complainOfUsage(
+        CommandLine::printUsageError(
             QStringLiteral("--output, --timeout and --exit-code require a PROGRAM"));
         return false;
     }
@@ -195,8 +195,8 @@ ExitCode grep(const Job& job, const QString& path, const QString& shownPath)
             QFileInfo::exists(path)
                 ? parser.getLastError().section(QStringLiteral(" IO Error: "), -1)
                 : QStringLiteral("no such file");
-        display.complain(QStringLiteral("cannot read %1: %2").arg(name, reason));
-        return FileTrouble;
+        display.printError(QStringLiteral("cannot read %1: %2").arg(name, reason));
+        return FileError;
     }
     bool hasMatch = false;
     for (const QRegularExpression& expression : job.expressions) {
@@ -222,7 +222,7 @@ ExitCode grepFile(const Job& job)
                 isInput ? QStringLiteral("standard input") : job.file);
 }
 
-// Searches a text in a file in memory, which cannot be left behind.
+// Searches a text in an in-memory file, which disappears with the process.
 ExitCode grepText(const Job& job, const QByteArray& text)
 {
     QFile file;
@@ -230,9 +230,9 @@ ExitCode grepText(const Job& job, const QByteArray& text)
     if (descriptor < 0 ||
         !file.open(descriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle) ||
         file.write(text) != text.size() || !file.flush()) {
-        CommandLine::complain(
+        CommandLine::printError(
             QStringLiteral("cannot store the output: %1").arg(qt_error_string(errno)));
-        return FileTrouble;
+        return FileError;
     }
     return grep(job, QStringLiteral("/proc/self/fd/%1").arg(descriptor),
                 QStringLiteral("the output"));
@@ -248,11 +248,11 @@ bool keepOutput(const Job& job, const QByteArray& output)
         CommandLine::write(output);
         return true;
     }
-    const QString trouble = WholeFile::replace(job.file, output);
-    if (!trouble.isEmpty()) {
-        CommandLine::complain(QStringLiteral("cannot write %1: %2").arg(job.file, trouble));
+    const QString error = WholeFile::replace(job.file, output);
+    if (!error.isEmpty()) {
+        CommandLine::printError(QStringLiteral("cannot write %1: %2").arg(job.file, error));
     }
-    return trouble.isEmpty();
+    return error.isEmpty();
 }
 
 ProgramRunner::End runCommand(const Job& job, ProgramRunner& runner)
@@ -264,13 +264,13 @@ ProgramRunner::End runCommand(const Job& job, ProgramRunner& runner)
     return runner.run(program, job.command.mid(1), job.timeoutInMs);
 }
 
-void complainOfNotStarted(const QString& program)
+void printStartError(const QString& program)
 {
     const bool exists =
         QFileInfo::exists(program) || !QStandardPaths::findExecutable(program).isEmpty();
-    CommandLine::complain(QStringLiteral("cannot start %1: %2")
-                              .arg(program, exists ? QStringLiteral("not an executable program")
-                                                   : QStringLiteral("no such program")));
+    CommandLine::printError(QStringLiteral("cannot start %1: %2")
+                                .arg(program, exists ? QStringLiteral("not an executable program")
+                                                     : QStringLiteral("no such program")));
 }
 
 int runAndGrep(const Job& job)
@@ -279,15 +279,15 @@ int runAndGrep(const Job& job)
     ProgramRunner runner;
     switch (runCommand(job, runner)) {
     case ProgramRunner::NotStarted:
-        complainOfNotStarted(program);
+        printStartError(program);
         return NotRun;
     case ProgramRunner::TimedOut:
-        CommandLine::complain(QStringLiteral("%1 did not exit within %2 ms and was stopped")
-                                  .arg(program)
-                                  .arg(job.timeoutInMs));
+        CommandLine::printError(QStringLiteral("%1 did not exit within %2 ms and was stopped")
+                                    .arg(program)
+                                    .arg(job.timeoutInMs));
         return NotRun;
     case ProgramRunner::Interrupted:
-        CommandLine::complain(QStringLiteral("interrupted; %1 was stopped").arg(program));
+        CommandLine::printError(QStringLiteral("interrupted; %1 was stopped").arg(program));
         return firstSignalCode + runner.signalNumber();
     case ProgramRunner::ByItself:
         break;
@@ -295,15 +295,15 @@ int runAndGrep(const Job& job)
 
     const QByteArray output = runner.takeOutput();
     if (!keepOutput(job, output)) {
-        return FileTrouble;
+        return FileError;
     }
     const ExitCode exitCode = grepText(job, output);
     if (runner.hasCrashed()) {
-        CommandLine::complain(
+        CommandLine::printError(
             QStringLiteral("%1 crashed with signal %2").arg(program).arg(runner.exitCode()));
         return Crashed;
     }
-    CommandLine::complain(
+    CommandLine::printError(
         QStringLiteral("%1 exited with code %2").arg(program).arg(runner.exitCode()));
     return job.mustPassExitCode ? runner.exitCode() : exitCode;
 }
@@ -329,7 +329,7 @@ int run()
         arguments = arguments.mid(0, separator);
     }
     if (!parser.parse(arguments)) {
-        CommandLine::complainOfUsage(parser.errorText());
+        CommandLine::printUsageError(parser.errorText());
         return WrongUsage;
     }
     if (parser.isSet(CommandLine::helpOption())) {
@@ -345,7 +345,7 @@ int run()
     }
     job.isFirstOnly = parser.isSet(firstOption());
     job.mustPassExitCode = parser.isSet(exitCodeOption());
-    LibraryMessages::take(parser.isSet(CommandLine::verboseOption()));
+    LibraryMessages::capture(parser.isSet(CommandLine::verboseOption()));
     return job.command.isEmpty() ? grepFile(job) : runAndGrep(job);
 }
 
@@ -354,5 +354,5 @@ int run()
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
-    return CommandLine::end(run(), FileTrouble);
+    return CommandLine::end(run(), FileError);
 }

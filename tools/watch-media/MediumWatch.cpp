@@ -93,7 +93,7 @@ bool MediumWatch::hasNewMedium()
 {
     const Place now = placeOf(m_options.directory);
     const bool isOther = now.device != m_place.device || now.inode != m_place.inode;
-    // If the same medium was unmounted and mounted again at once, its watch is lost.
+    // If the same medium was unmounted and mounted again, its watch is lost.
     const bool hasLostWatch = !isOther && m_burstWatcher->addPath(m_options.directory);
     if (!isOther && !hasLostWatch) {
         return false;
@@ -270,7 +270,7 @@ bool MediumWatch::watchDirectories(const QStringList& entries)
 // again counts as new, since its watch was removed with it.
 bool MediumWatch::watchDirectory(const QString& directory)
 {
-    // Qt would log a message of its own for a directory that cannot be read.
+    // Qt would also log a message for a directory that cannot be read.
     if (QFileInfo(directory).isReadable() && m_burstWatcher->addPath(directory)) {
         m_changeWatcher->addPath(directory);
         m_watchedDirectories.insert(directory);
@@ -280,7 +280,8 @@ bool MediumWatch::watchDirectory(const QString& directory)
         m_watchedDirectories.contains(directory) || m_unwatchableDirectories.contains(directory);
     if (!isKnown) {
         m_unwatchableDirectories.insert(directory);
-        m_report.complain(QStringLiteral("cannot watch %1").arg(CommandLine::printable(directory)));
+        m_report.printError(
+            QStringLiteral("cannot watch %1").arg(CommandLine::printable(directory)));
     }
     return false;
 }
@@ -352,7 +353,8 @@ void MediumWatch::finish(ExitCode exitCode)
 {
     m_statusTimer.stop();
     if (exitCode == MediumGone) {
-        m_report.complain(QStringLiteral("%1 is gone").arg(CommandLine::printable(m_options.name)));
+        m_report.printError(
+            QStringLiteral("%1 is gone").arg(CommandLine::printable(m_options.name)));
         m_files.clear();
     }
     m_report.showSummary({m_files.size(), missingIn(m_filesAtStart, m_files).size(),

@@ -90,8 +90,8 @@ void WatchReport::showSkippedNames(int count)
         show(QString(), QStringLiteral("namesSkipped"), {{QStringLiteral("count"), count}});
         return;
     }
-    complain(QStringLiteral("skipped: %1 that cannot be decoded as UTF-8")
-                 .arg(WatchReport::count(count, "name")));
+    printError(QStringLiteral("skipped: %1 that cannot be decoded as UTF-8")
+                   .arg(WatchReport::count(count, "name")));
 }
 
 void WatchReport::showSummary(const Summary& summary)
@@ -114,10 +114,10 @@ void WatchReport::showSummary(const Summary& summary)
           {QStringLiteral("milliseconds"), summary.milliseconds}});
 }
 
-void WatchReport::complain(const QString& trouble)
+void WatchReport::printError(const QString& error)
 {
     m_display.clearStatus();
-    CommandLine::complain(trouble);
+    CommandLine::printError(error);
 }
 
 void WatchReport::show(const QString& line, const QString& event, QJsonObject members)

@@ -37,7 +37,7 @@ public:
     void showSkippedNames(int count);
     void showSummary(const Summary& summary);
 
-    void complain(const QString& trouble);
+    void printError(const QString& error);
 
     // "1 file", "2 files"; "0.4 s".
     static QString count(int number, const char* what);

@@ -87,7 +87,7 @@ bool readNumber(const QCommandLineParser& parser, const QCommandLineOption& opti
     if (!parser.isSet(option) || CommandLine::readPositive(parser.value(option), number)) {
         return true;
     }
-    CommandLine::complainOfUsage(QStringLiteral("--%1 requires a number from 1 up, not '%2'")
+    CommandLine::printUsageError(QStringLiteral("--%1 requires a number from 1 up, not '%2'")
                                      .arg(option.names().constLast(), parser.value(option)));
     return false;
 }
@@ -116,9 +116,9 @@ bool checkDirectory(const QString& directory)
     if (info.isDir()) {
         return true;
     }
-    CommandLine::complain((info.exists() ? QStringLiteral("%1 is not a directory")
-                                         : QStringLiteral("no such directory: %1"))
-                              .arg(CommandLine::printable(directory)));
+    CommandLine::printError((info.exists() ? QStringLiteral("%1 is not a directory")
+                                           : QStringLiteral("no such directory: %1"))
+                                .arg(CommandLine::printable(directory)));
     return false;
 }
 
@@ -143,7 +143,7 @@ int run()
                                  QStringLiteral("The directory to watch."));
 
     if (!parser.parse(QCoreApplication::arguments())) {
-        CommandLine::complainOfUsage(parser.errorText());
+        CommandLine::printUsageError(parser.errorText());
         return WrongUsage;
     }
     if (parser.isSet(CommandLine::helpOption())) {
@@ -159,7 +159,7 @@ int run()
         return WrongUsage;
     }
     if (parser.positionalArguments().size() != 1) {
-        CommandLine::complainOfUsage(QStringLiteral("exactly one DIRECTORY is required"));
+        CommandLine::printUsageError(QStringLiteral("exactly one DIRECTORY is required"));
         return WrongUsage;
     }
     options.name = parser.positionalArguments().constFirst();
