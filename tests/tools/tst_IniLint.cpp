@@ -674,7 +674,7 @@ void tst_IniLint::findingsAsJson()
             {"line": 2, "column": 4, "severity": "error", "rule": "semicolon", "repeats": 0,
              "message": "the value ends at the semicolon: '1'; quote the value to keep it whole"}]},
         {"file": "b.ini", "findings": []},
-        {"file": "none.ini", "trouble": "No such file or directory"}]})"));
+        {"file": "none.ini", "error": "No such file or directory"}]})"));
     QCOMPARE(result.errors, QStringLiteral("ini-lint: none.ini: No such file or directory\n"));
     QCOMPARE(result.exitCode, 2);
     QCOMPARE(run({"--format", "json", "a.ini"}).exitCode, 1);

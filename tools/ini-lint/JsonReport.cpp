@@ -51,7 +51,7 @@ void JsonReport::addChanges(const QString& file, const CleanUp::Changes& changes
 
 void JsonReport::addError(const QString& file, const QString& error)
 {
-    m_files.append(QJsonObject{{fileMember, file}, {QStringLiteral("trouble"), error}});
+    m_files.append(QJsonObject{{fileMember, file}, {QStringLiteral("error"), error}});
 }
 
 QJsonObject JsonReport::document() const
