@@ -204,7 +204,7 @@ class Machine:
 
         A restart of the machine starts a new shell.
         """
-        # Begins with a character that nobody types.
+        # Begins with a control character that is not typed by accident.
         end = b"\x1e" + secrets.token_hex(8).encode()
         before = termios.tcgetattr(terminal)
         tty.setraw(terminal)

@@ -274,7 +274,7 @@ void tst_IniLint::findings_data()
         "2:3: error: \'@String(x)' is read as the text in the parentheses [at-sign]\n"
         "3:3: error: \'@Variant(x)' is read as a stored object [at-sign]\n"
         "4:3: error: \'@DateTime(x)' is read as a stored object [at-sign]\n");
-    row("word that is not read as a boolean", "a=Off\n",
+    row("boolean word that is read as true", "a=Off\n",
         "1:3: warning: as a boolean, 'Off' is true: only '0', 'false' and an empty value are false "
         "[boolean-word]\n");
     row("large number", "a=4294967301\n",
