@@ -518,7 +518,7 @@ def main():
     text = tables(results)
     text += (f"\n\nOf the {cuts_of_sync} cuts of `sync()` on ext4, {len(locks)} left a lock file; "
              f"{sum(lock.size == 0 for lock in locks)} of these were empty. With {len(times) - 1} of "
-             f"them, the start of a program and its first sync after the next boot took "
+             f"the lock files, the start of a program and its first sync after the next boot took "
              f"{max(times[:-1], default=0):.1f} s at most; with an empty one, created for comparison, "
              f"{times[-1] if times else 0:.0f} s. Temporary files after a cut, at most: "
              f"{max(result.temporary for result in own)}.")
