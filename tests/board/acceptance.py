@@ -1,10 +1,10 @@
-"""The cases of script/check board: a board is started, and the library and its programs are used on it.
+"""The cases of script/check board, which use the library and its programs on an emulated board.
 
     python3 tests/board/acceptance.py OUTPUT-DIRECTORY [CASE...]
 
-A start of the board takes up to half a minute, so that many cases share one (see STARTS). A case that
-fails leaves what it saw in OUTPUT-DIRECTORY/CASE.log, beside the console of the board, console.log. Without
-CASEs all of them run.
+A boot takes up to half a minute; many cases share one (see BOOTS). For a failed case,
+OUTPUT-DIRECTORY/CASE.log lists its commands and their output; console.log is the output of the console.
+Without CASE, all of them run.
 """
 
 import pathlib
@@ -28,11 +28,11 @@ EEPROMS = [f"/sys/bus/i2c/devices/1-00{address}/eeprom" for address in (50, 51, 
 
 
 class Failure(Exception):
-    """Something is otherwise than it should be."""
+    """A case has failed."""
 
 
 class Bench:
-    """The board with its parts, and the log of the case that runs."""
+    """The board, its storage, and the log of the current case."""
 
     def __init__(self, directory, output):
         self._directory = pathlib.Path(directory)
@@ -65,28 +65,28 @@ class Bench:
         return result
 
     def output(self, command, code=0, timeout=None):
-        """What a command prints that has to end with this exit code."""
+        """Runs a command that must return this exit code; returns its output."""
         result = self.run(command, timeout)
         if result.code != code:
             raise Failure(f"exit code {result.code} instead of {code}: {command}")
         return result.output
 
     def expect(self, command, printed, code=0):
-        """A command that has to print exactly these lines."""
+        """Runs a command that must print exactly these lines."""
         output = self.output(command, code)
         if output.splitlines() != printed.splitlines():
-            raise Failure(f"it prints other lines than {printed.splitlines()}: {command}")
+            raise Failure(f"it does not print exactly {printed.splitlines()}: {command}")
 
-    def expect_words(self, command, *words, code=0):
-        """A command that has to print each of these words."""
+    def expect_texts(self, command, *texts, code=0):
+        """Runs a command that must print each of these texts; returns its output."""
         output = self.output(command, code)
-        for word in words:
-            if word not in output:
-                raise Failure(f"it does not print \"{word}\": {command}")
+        for text in texts:
+            if text not in output:
+                raise Failure(f"it does not print \"{text}\": {command}")
         return output
 
     def wait_for(self, command, seconds=120):
-        """Has the board wait until a command succeeds."""
+        """Waits until a command succeeds on the board."""
         self.output(f"for i in $(seq {seconds * 5}); do\n"
                     f"    {{ {command}; }} >/dev/null 2>&1 && exit 0\n    sleep 0.2\ndone\nexit 1")
 
@@ -117,57 +117,57 @@ class Bench:
 
 
 def session(bench):
-    """the session of docs/testing-on-the-target.md prints what is shown there"""
-    before = "cd /root; "
+    """each command in docs/testing-on-the-target.md prints what that page shows"""
+    setup = "cd /root; "
     for part in SESSION.read_text().split("board:~# ")[1:]:
         command, _, shown = part.partition("\n")
         if command == "reboot":
             bench.machine.restart()
         elif re.fullmatch(r"\w+=\S+", command):
-            before += command + "; "
+            setup += command + "; "
         elif command != "exit":
-            printed = bench.run(before + command).output
-            bench.check(printed.rstrip("\n") == shown.rstrip("\n"), f"it prints something else: {command}")
+            printed = bench.run(setup + command).output
+            bench.check(printed.rstrip("\n") == shown.rstrip("\n"), f"its output differs: {command}")
 
 
 # --- EEPROM
 
 def eeprom_erased(bench):
-    """of 256 bytes, 4 KiB and 64 KiB: every program says that it is erased"""
+    """every program reports an erased EEPROM of 256 bytes, 4 KiB and 64 KiB"""
     for eeprom, size, page in ((EEPROMS[0], 4096, 32), (EEPROMS[1], 256, 8)):
         bench.output(f"head -c {size} /dev/zero | tr '\\0' '\\377' | dd bs={page} of={eeprom}")
     for eeprom in EEPROMS:
         for command in ("show", "verify", "dump", "extract"):
-            bench.expect_words(f"eeprom-image {command} {eeprom}", ERASED, code=14)
-        bench.expect_words(f"device-report --eeprom {eeprom}",
+            bench.expect_texts(f"eeprom-image {command} {eeprom}", ERASED, code=14)
+        bench.expect_texts(f"device-report --eeprom {eeprom}",
                            f"board record:                    not known ({eeprom} seems to be erased", code=1)
 
 
 def eeprom_create(bench):
-    """eeprom-image create writes into the kernel's file; the record can be read again"""
+    """eeprom-image create writes to the kernel's file; every program reads the record"""
     for eeprom in (EEPROMS[0], EEPROMS[2]):
-        bench.expect_words(f"eeprom-image create /root/sample-board.ini {eeprom}", "287 bytes written")
-        bench.expect_words(f"eeprom-image show --json {eeprom}",
+        bench.expect_texts(f"eeprom-image create /root/sample-board.ini {eeprom}", "287 bytes written")
+        bench.expect_texts(f"eeprom-image show --json {eeprom}",
                            '"typeName": "Sample board"', '"type": "4711"')
         bench.output(f"eeprom-image verify {eeprom}")
         bench.expect(f"eeprom-image extract {eeprom} | cmp - /root/sample-board.ini", "")
-        bench.expect_words(f"device-report --eeprom {eeprom}",
+        bench.expect_texts(f"device-report --eeprom {eeprom}",
                            "board type name:                 Sample board", code=1)
 
 
 def eeprom_small(bench):
-    """an image that is too large for 256 bytes changes nothing; a smaller one fits"""
+    """an image larger than 256 bytes is not written; a smaller one is"""
     eeprom = EEPROMS[1]
-    bench.expect_words(f"eeprom-image create /root/sample-board.ini {eeprom}",
+    bench.expect_texts(f"eeprom-image create /root/sample-board.ini {eeprom}",
                        "room for 256 bytes", "nothing was written", code=4)
-    bench.expect_words(f"eeprom-image verify {eeprom}", ERASED, code=14)
+    bench.expect_texts(f"eeprom-image verify {eeprom}", ERASED, code=14)
     bench.output("printf 'Type=1\\nTypeName=Small\\nVersion=2\\n' >/tmp/small.ini")
     bench.output(f"eeprom-image create /tmp/small.ini {eeprom}")
-    bench.expect_words(f"eeprom-image show {eeprom}", "Type name            Small")
+    bench.expect_texts(f"eeprom-image show {eeprom}", "Type name            Small")
 
 
 def eeprom_bus(bench):
-    """the library asks the bus for header and block alone: 16 and 251 bytes"""
+    """the library reads only the header and the block over the bus: 16 and 251 bytes"""
     trace = "/sys/kernel/tracing"
     for program in (f"eeprom-image show {EEPROMS[0]}", f"device-report --eeprom {EEPROMS[0]}"):
         bench.run(f"mount -t tracefs tracefs {trace}; echo >{trace}/trace; "
@@ -175,24 +175,24 @@ def eeprom_bus(bench):
                   f"echo 0 >{trace}/events/i2c/enable")
         events = bench.output(f"cat {trace}/trace")
         read = sum(map(int, re.findall(r"i2c_reply: i2c-1 #\d+ a=050 .* l=(\d+) ", events)))
-        bench.check(read == 16 + 251, f"{read} bytes came over the bus instead of 267: {program}")
+        bench.check(read == 16 + 251, f"{read} bytes read over the bus instead of 267: {program}")
 
 
 def eeprom_after_power_off(bench):
-    """what was written is there after the power was off"""
+    """the records survive power-off"""
     for eeprom in (EEPROMS[0], EEPROMS[2]):
         bench.output(f"eeprom-image verify {eeprom}")
         bench.expect(f"eeprom-image extract {eeprom} | cmp - /root/sample-board.ini", "")
 
 
 def eeprom_flipped_bit(bench):
-    """a bit that changed in the part is noticed"""
+    """a flipped bit is detected"""
     bench.flip_bit(161)
     bench.power_off()
     bench.power_on("ro orvalismode=factoryreset")
-    bench.expect_words(f"eeprom-image show {EEPROMS[0]}", "the checksum is wrong", code=16)
-    bench.expect_words(f"eeprom-image verify {EEPROMS[0]}", "the checksum is wrong", code=16)
-    bench.expect_words(f"device-report --eeprom {EEPROMS[0]}",
+    bench.expect_texts(f"eeprom-image show {EEPROMS[0]}", "the checksum is wrong", code=16)
+    bench.expect_texts(f"eeprom-image verify {EEPROMS[0]}", "the checksum is wrong", code=16)
+    bench.expect_texts(f"device-report --eeprom {EEPROMS[0]}",
                        "contains no valid hardware record", code=1)
 
 
@@ -202,19 +202,19 @@ MODE = "/root/board-probe boot"
 
 
 def boot_factory_reset(bench):
-    """orvalismode=factoryreset of the kernel's real command line"""
+    """orvalismode=factoryreset on the kernel's command line is a factory reset"""
     bench.expect(MODE, "factory reset")
-    bench.expect_words("device-report", "orvalismode on the command line: factoryreset", code=1)
+    bench.expect_texts("device-report", "orvalismode on the command line: factoryreset", code=1)
 
 
 def boot_product_code(bench):
-    """without the reboot marker, one product's start is a hard reset"""
+    """without the reboot marker, the boot of one product is a hard reset"""
     bench.expect(PRODUCT_WITH_HARD_RESET + MODE, "hard reset")
     bench.expect("MISCTOOLS_PRODUCT_CODE=640918 " + MODE, "factory reset")
 
 
 def boot_markers(bench):
-    """an update marker and a reboot marker hold over a reboot, and their removal does"""
+    """the update marker and the reboot marker survive a reboot, and so does their removal"""
     bench.output("touch /orvalis/etc/orvalis-first-boot")
     bench.expect(MODE, "firmware update")
     bench.expect(PRODUCT_WITH_HARD_RESET + MODE, "hard reset")
@@ -231,14 +231,14 @@ def boot_markers(bench):
                  "Unable to delete firmware update marker, file does not exist!\nfactory reset")
 
 
-def boot_last_word(bench):
-    """orvalismode=factoryreset as the last word is no factory reset: the line feed belongs to it"""
-    bench.expect_words("cat /proc/cmdline", " ro orvalismode=factoryreset\n")
+def boot_last_parameter(bench):
+    """orvalismode=factoryreset as the last parameter is no factory reset: its value includes the line feed"""
+    bench.expect_texts("cat /proc/cmdline", " ro orvalismode=factoryreset\n")
     bench.expect(MODE, "normal")
 
 
 def boot_read_only(bench):
-    """on a read-only root file system markers stay, and the library says so"""
+    """on a read-only root file system the markers stay, and the library logs that"""
     bench.output("mount -o remount,rw / && touch /orvalis-reboot /orvalis/etc/orvalis-first-boot && "
                  "mount -o remount,ro /")
     bench.expect(MODE + " --delete-update-marker --delete-reboot-marker",
@@ -250,13 +250,13 @@ def boot_read_only(bench):
 # --- media
 
 def media(bench):
-    """sticks that come, are filled, unmounted, and pulled: every class and watch-media report it"""
+    """every class and watch-media report a stick that is mounted, filled, unmounted, pulled, replaced"""
     bench.output("/root/board-probe medium /mnt >/tmp/probe.log 2>&1 & "
                  "watch-media --bursts 99 --recursive --pattern '*.csv' /mnt >/tmp/watch.log 2>&1 & true")
     bench.wait_for("grep watching /tmp/probe.log && grep Watching /tmp/watch.log")
 
     def expect_lines(*numbers):
-        """How often probe.log and watch.log have had each of these lines by now."""
+        """Waits until each line is in probe.log or watch.log exactly this often, from the beginning."""
         for file, line, count in numbers:
             bench.wait_for(f"[ $(grep -cxF '{line}' /tmp/{file}.log) -eq {count} ]", 30)
 
@@ -268,21 +268,21 @@ def media(bench):
                      "echo x >/mnt/4.csv; echo x >/mnt/5.txt; sync")
         expect_lines(("probe", "directory watcher: /mnt", 1), ("probe", "media watcher: 4 files", 1),
                      ("probe", "worker: 4 files", 1), ("watch", "+ 4.csv", 1), ("watch", "+ 2026/3.csv", 1))
-        # Nothing holds the medium; its end is a change of the directory.
+        # No program keeps the medium busy; unmounting it is a change of the directory.
         bench.output("umount /mnt && rm /run/mounted")
-        expect_lines(("probe", "gone", 1), ("probe", "directory watcher: /mnt", 2),
+        expect_lines(("probe", "unmounted", 1), ("probe", "directory watcher: /mnt", 2),
                      ("watch", "medium removed", 1))
-        # The watch has gone with the medium: what happens in the directory below it is not reported.
+        # Unmounting removed the watch: changes in the directory of the mount point are not reported.
         bench.output("touch /mnt/x; rm /mnt/x; sleep 2; mount -t vfat /dev/sda /mnt && touch /run/mounted")
         expect_lines(("probe", "mounted", 2), ("probe", "media watcher: 4 files", 2),
                      ("watch", "medium mounted", 2), ("watch", "/mnt: 4 files (*.csv)", 1))
-        # Without warning: the programs are told when the system unmounts it.
+        # Pulled while mounted: the programs are notified when the system unmounts it.
         bench.pull("stick")
         bench.output("! ls /mnt/2026 || true; umount /mnt && rm /run/mounted")
-        expect_lines(("probe", "gone", 2), ("probe", "directory watcher: /mnt", 3),
+        expect_lines(("probe", "unmounted", 2), ("probe", "directory watcher: /mnt", 3),
                      ("watch", "medium removed", 2))
         bench.plug_in("other-stick")
-        # Filled elsewhere: watch-media lists it at once.
+        # Filled elsewhere: watch-media lists the files as soon as it is mounted.
         bench.output("mkdosfs /dev/sda && mkdir /run/stick && mount -t vfat /dev/sda /run/stick && "
                      "touch /run/stick/other.csv && umount /run/stick && "
                      "mount -t vfat /dev/sda /mnt && touch /run/mounted")
@@ -295,7 +295,7 @@ def media(bench):
         bench.wait_for("! pidof board-probe && ! pidof watch-media", 30)
         expect_lines(("probe", "descriptors: 0 more than before", 1))
         bench.check("\n- " not in bench.output("cat /tmp/watch.log"),
-                    "files of an unmounted medium count as gone")
+                    "watch-media reports files of an unmounted medium as removed")
     finally:
         bench.run("cat /tmp/probe.log; echo; cat /tmp/watch.log; dmesg | tail -n 20")
 
@@ -303,14 +303,14 @@ def media(bench):
 # --- settings
 
 def settings_full_disk(bench):
-    """a full file system keeps the file that was there; with room again the next one is written"""
+    """on a full file system the old file stays; with free space again, the next save succeeds"""
     bench.output("rm -f /root/s.ini; touch /root/s.ini")
     bench.expect("/root/board-probe settings /root/s.ini a 3", "3 of 3 in the file")
-    # A block has 1 KiB: what larger writes leave is filled by writes of one block.
+    # Writes of one block, 1 KiB, fill the space that larger writes leave free.
     bench.output("cp /root/s.ini /tmp/before.ini; dd if=/dev/zero of=/root/fill bs=1M 2>/dev/null; "
                  "for i in 1 2 3; do sync; dd if=/dev/zero of=/root/fill$i bs=1k 2>/dev/null; done; sync")
     try:
-        bench.expect_words("df / | tail -n 1", "100%")
+        bench.expect_texts("df / | tail -n 1", "100%")
         bench.expect("/root/board-probe settings /root/s.ini b 3", "0 of 3 in the file")
         bench.output("cmp /root/s.ini /tmp/before.ini")
         bench.expect("ls -A /root | grep s.ini", "s.ini")
@@ -320,7 +320,7 @@ def settings_full_disk(bench):
 
 
 def settings_1970(bench):
-    """a clock that is at 1970 and is set later hinders no writing"""
+    """saves succeed with a clock at 1970, and after it was set forward or back"""
     bench.output("date -u -s @60; rm -f /root/t.ini; touch /root/t.ini")
     bench.expect("/root/board-probe settings /root/t.ini a 3", "3 of 3 in the file")
     bench.machine.set_clock()
@@ -332,7 +332,7 @@ def settings_1970(bench):
 
 
 def settings_two_processes(bench):
-    """two processes that write one file lose nothing of each other"""
+    """two processes that write one file keep each other's keys"""
     bench.output("rm -f /root/u.ini; touch /root/u.ini; "
                  "/root/board-probe settings /root/u.ini a 50 >/tmp/a & "
                  "/root/board-probe settings /root/u.ini b 50 >/tmp/b; wait")
@@ -341,14 +341,14 @@ def settings_two_processes(bench):
 
 
 def settings_pulled_stick(bench):
-    """a file on a stick that is pulled: I/O errors make it read-only, and the last file is on the stick"""
+    """a pulled stick becomes read-only after I/O errors, and contains the last saved file"""
     bench.plug_in("settings-stick")
     bench.output("mke2fs /dev/sda && mount -t ext4 -o errors=remount-ro /dev/sda /mnt && touch /mnt/y.ini")
     bench.expect("/root/board-probe settings /mnt/y.ini a 3", "3 of 3 in the file")
     bench.output("sync")
     bench.pull("settings-stick")
-    bench.expect_words("/root/board-probe settings /mnt/y.ini b 3", "0 of 3 in the file")
-    bench.expect_words("dmesg | tail -n 50", "EXT4-fs (sda): Remounting filesystem read-only")
+    bench.expect_texts("/root/board-probe settings /mnt/y.ini b 3", "0 of 3 in the file")
+    bench.expect_texts("dmesg | tail -n 50", "EXT4-fs (sda): Remounting filesystem read-only")
     bench.output("umount /mnt")
     bench.plug_in("settings-stick")
     bench.output("mount -t ext4 /dev/sda /mnt")
@@ -359,7 +359,7 @@ def settings_pulled_stick(bench):
 
 
 def settings_remount(bench):
-    """the root file system turned read-only after an error of its own (errors=remount-ro): the file stays"""
+    """the file stays when an error makes the root file system read-only (errors=remount-ro)"""
     bench.output("mount -o remount,rw /; rm -f /root/w.ini; touch /root/w.ini; sync")
     bench.expect("/root/board-probe settings /root/w.ini a 3", "3 of 3 in the file")
     bench.output("cp /root/w.ini /tmp/before.ini; sync; echo test >/sys/fs/ext4/mmcblk3/trigger_fs_error; "
@@ -370,41 +370,41 @@ def settings_remount(bench):
 
 # --- programs and texts
 
-def texts_of_the_kernel(bench):
+def files_of_the_kernel(bench):
     """the text matcher reads files of /proc and /sys, which have no size"""
     memory = bench.output("awk '/^MemTotal/ { print $2 }' /proc/meminfo").strip()
-    for path, expression, words in (
+    for path, expression, printed in (
         ("/proc/meminfo", r"MemTotal: *(\d+)", f'1 matches, the last one "{memory}", no error'),
         ("/proc/cmdline", r"orvalismode=(\w+)", '1 matches, the last one "factoryreset", no error'),
         ("/sys/class/net/lo/address", r"^(\S+)", '1 matches, the last one "00:00:00:00:00:00", no error'),
         ("/sys/none", r"x", "0 matches, the last one \"\", File doesn't exists: /sys/none"),
     ):
-        bench.expect_words(f"/root/board-probe text {path} '{expression}'", words)
+        bench.expect_texts(f"/root/board-probe text {path} '{expression}'", printed)
     lines = bench.output("wc -l </proc/kallsyms").strip()
-    bench.expect_words("/root/board-probe text /proc/kallsyms '(?m)^.*$'", f"{lines} matches", "no error")
+    bench.expect_texts("/root/board-probe text /proc/kallsyms '(?m)^.*$'", f"{lines} matches", "no error")
 
 
 def kernel_log(bench):
-    """a kernel log of two megabytes, from the program dmesg and out of a file"""
-    word = "a-message-of-the-test-" * 40
-    bench.output(f"for i in $(seq 2500); do echo \"line $i {word}\" >/dev/kmsg; done", timeout=600)
+    """a kernel log of 2 MB is read completely, from dmesg and from a file"""
+    message = "a-message-of-the-test-" * 40
+    bench.output(f"for i in $(seq 2500); do echo \"line $i {message}\" >/dev/kmsg; done", timeout=600)
     size = int(bench.output("dmesg >/tmp/log; wc -c </tmp/log").strip())
-    bench.check(size > 2_000_000, f"the kernel's log has {size} bytes alone")
-    bench.expect_words("/root/board-probe process 60000 cat /tmp/log",
+    bench.check(size > 2_000_000, f"the kernel's log has only {size} bytes")
+    bench.expect_texts("/root/board-probe process 60000 cat /tmp/log",
                        f"exit code 0, ended, {size} characters")
-    bench.expect_words("/root/board-probe text /tmp/log 'line (\\d+) a-message'",
+    bench.expect_texts("/root/board-probe text /tmp/log 'line (\\d+) a-message'",
                        '2500 matches, the last one "2500"')
-    bench.expect_words("run-and-grep -e 'line (2\\d99) a-message' -- dmesg",
+    bench.expect_texts("run-and-grep -e 'line (2\\d99) a-message' -- dmesg",
                        "2099", "2199", "2299", "2399", "2499")
     bench.output("rm /tmp/log")
 
 
 def process_out_of_memory(bench):
-    """a child that the kernel kills for its memory is a crash; a time-out is not"""
+    """a child that the kernel kills for lack of memory is a crash; one that times out is not"""
     bench.expect("/root/board-probe process 120000 /root/board-probe memory",
                  "exit code 9, crashed, 0 characters")
-    bench.expect_words("dmesg | tail -n 50", "Out of memory: Killed process")
-    bench.expect_words("/root/board-probe process 500 sleep 5",
+    bench.expect_texts("dmesg | tail -n 50", "Out of memory: Killed process")
+    bench.expect_texts("/root/board-probe process 500 sleep 5",
                        "Timeout from command", "exit code -1, ended, 0 characters")
     bench.expect("pidof sleep", "", code=1)
 
@@ -412,7 +412,7 @@ def process_out_of_memory(bench):
 # --- start-up
 
 def start_up(bench):
-    """what the library adds to the start and the memory of a program"""
+    """the library adds little to the start time and the memory of a program"""
     seconds = {}
     for program in ("board-start-qt", "board-start") * 3:
         bench.output(f"/root/{program}")
@@ -424,19 +424,18 @@ def start_up(bench):
         memory[program] = {key: int(value) for key, value in re.findall(r"(?m)^(\w+): +(\d+) kB$", output)}
     bench.measured = {"seconds": seconds, "memory": memory}
     added = memory["board-start"]["Private_Dirty"] - memory["board-start-qt"]["Private_Dirty"]
-    bench.check(0 < added <= 64, f"the library adds {added} KiB of private memory; at most 64 are known")
-    bench.check(seconds["board-start"] < 3 * seconds["board-start-qt"], f"the start takes long: {seconds}")
+    bench.check(0 < added <= 64, f"the library adds {added} KiB of private memory; expected are 1 to 64")
+    bench.check(seconds["board-start"] < 3 * seconds["board-start-qt"], f"starting takes too long: {seconds}")
 
 
-# What each start adds to the kernel's command line, and the cases that run then. A case may need what those
-# before it have done.
-STARTS = [
+# What each boot appends to the kernel's command line, and its cases. A case may depend on those before it.
+BOOTS = [
     ("log_buf_len=4M orvalismode=factoryreset splash",
      [session, boot_factory_reset, boot_product_code, eeprom_erased, eeprom_create, eeprom_small, eeprom_bus,
-      texts_of_the_kernel, kernel_log, process_out_of_memory, start_up, media, settings_pulled_stick,
+      files_of_the_kernel, kernel_log, process_out_of_memory, start_up, media, settings_pulled_stick,
       settings_full_disk, settings_1970, settings_two_processes, boot_markers]),
     ("ro orvalismode=factoryreset",
-     [eeprom_after_power_off, boot_last_word, boot_read_only, eeprom_flipped_bit, settings_remount]),
+     [eeprom_after_power_off, boot_last_parameter, boot_read_only, eeprom_flipped_bit, settings_remount]),
 ]
 
 
@@ -449,7 +448,7 @@ def run_case(bench, case, cmdline, output):
         case(bench)
     except (Failure, MachineError, OSError, ValueError) as error:
         reason = str(error)
-        # Those after it have a board that answers, and nothing mounted or plugged in.
+        # The next case needs a board that responds, with nothing mounted or plugged in.
         bench.power_off()
         bench.power_on(cmdline)
     verdict = "passed" if reason is None else "FAILED"
@@ -462,7 +461,7 @@ def run_case(bench, case, cmdline, output):
 
 
 def print_measured(measured):
-    """The lines for docs/performance.md."""
+    """Prints the rows for the table in docs/performance.md."""
     for program, meaning in (("board-start-qt", "Qt Core alone"), ("board-start", "with the library")):
         seconds = measured["seconds"][program]
         memory = measured["memory"][program]
@@ -473,10 +472,10 @@ def print_measured(measured):
 def main():
     output = pathlib.Path(sys.argv[1])
     names = sys.argv[2:]
-    known = [case.__name__ for _, cases in STARTS for case in cases]
+    known = [case.__name__ for _, cases in BOOTS for case in cases]
     unknown = [name for name in names if name not in known]
     if unknown:
-        print(f"there is no case {unknown[0]}, but {' '.join(known)}", file=sys.stderr)
+        print(f"there is no case {unknown[0]}; the cases are {' '.join(known)}", file=sys.stderr)
         return 2
     output.mkdir(parents=True, exist_ok=True)
     for old in output.glob("*.log"):
@@ -485,7 +484,7 @@ def main():
     with tempfile.TemporaryDirectory() as directory:
         bench = Bench(directory, output)
         try:
-            for cmdline, cases in STARTS:
+            for cmdline, cases in BOOTS:
                 chosen = [case for case in cases if not names or case.__name__ in names]
                 if chosen:
                     bench.power_on(cmdline)

@@ -1,6 +1,6 @@
-"""Drives emulated machines: QEMU, the commands on their console, and the socket through which QEMU is asked.
+"""Drives emulated machines: starts QEMU, runs commands on their consoles, and controls QEMU with QMP.
 
-Machine is any machine whose system is that of initramfs.py; Board is the one of script/board.
+Machine is any machine that boots an initramfs of initramfs.py; Board is the one of script/board.
 
     python3 tests/board/board.py [--cmdline WORDS] [--eeprom FILE]... [--with FILE]... [COMMAND...]
 """
@@ -26,22 +26,22 @@ PROJECT = pathlib.Path(__file__).resolve().parents[2]
 PARTS = PROJECT / "build/machine"
 QEMU = PARTS / "qemu"
 READY = b"machine: ready\n"
-# A line that is longer does not pass through the terminal of the machine.
+# The terminal of the machine does not accept longer lines.
 LONGEST_LINE = 4000
 
 Result = collections.namedtuple("Result", "code output")
 
 
 class MachineError(Exception):
-    """The machine or QEMU did something else than it was to do."""
+    """The machine or QEMU has failed, or does not respond."""
 
 
 class Machine:
-    """An emulated machine; it ends with this object's process at the latest, and nothing of it stays.
+    """An emulated machine. QEMU is killed with this process at the latest.
 
-    architecture is QEMU's name of it ("arm", "x86_64"), arguments are QEMU's, which need name neither console
-    nor display. console_port is the number of the serial port that the kernel has as its console. Everything
-    that comes over the console is written into the file log. Waits end after timeout seconds.
+    architecture is QEMU's name for it ("arm", "x86_64"). arguments are options of QEMU other than for console
+    and display. console_port is the number of the serial port that the kernel uses as its console. The file
+    log receives the output of the console and of QEMU. A wait fails after timeout seconds.
 
         options = ["-kernel", kernel, "-initrd", initramfs, "-append", "console=ttyS0"]
         with Machine("x86_64", options) as machine:
@@ -57,7 +57,7 @@ class Machine:
         self._console, console = socket.socketpair()
         self._monitor, monitor = socket.socketpair()
         command = [
-            # QEMU is in namespaces of its own, and in a session of its own; it ends when this process does.
+            # QEMU runs in separate namespaces and in a separate session; it is killed with this process.
             *["setpriv", "--pdeathsig", "KILL", "unshare", "--user", "--map-root-user", "--pid", "--fork"],
             *["--kill-child", "--", str(QEMU / f"usr/bin/qemu-system-{architecture}")],
             *["-L", str(QEMU / "usr/share/qemu"), "-L", str(QEMU / "usr/share/seabios")],
@@ -80,10 +80,10 @@ class Machine:
         )
         console.close()
         monitor.close()
-        self._answers = self._monitor.makefile("rb")
+        self._messages = self._monitor.makefile("rb")
         self._events = []
         self._monitor.settimeout(self.timeout)
-        self._answer()  # the greeting
+        self._read_message()  # the greeting
         self.qmp("qmp_capabilities")
 
     def __enter__(self):
@@ -93,44 +93,44 @@ class Machine:
         self.stop()
 
     def stop(self):
-        """Takes the power away: what the machine has not written is lost."""
+        """Cuts the power: data that the machine has not written to its disks is lost."""
         self._process.kill()
         self._process.wait()
-        # QEMU ends a little later, and its end of the console with it: the disks are its own until then.
+        # QEMU itself terminates shortly afterwards; it uses the disks until its end of the console closes.
         try:
             while self._console.recv(65536):
                 pass
         except ConnectionError:
             pass
-        self._answers.close()
+        self._messages.close()
         self._console.close()
         self._monitor.close()
         self._log.close()
 
     # --- QEMU
 
-    def _answer(self):
-        line = self._answers.readline()
+    def _read_message(self):
+        line = self._messages.readline()
         if not line:
-            raise MachineError(f"QEMU has ended with code {self._process.wait()}")
+            raise MachineError(f"QEMU exited with code {self._process.wait()}")
         return json.loads(line)
 
     def qmp(self, command, **arguments):
-        """Has QEMU execute a command of its QMP; underscores in the names of arguments stand for dashes."""
+        """Executes a QMP command; returns its result. Underscores in argument names stand for dashes."""
         named = {name.replace("_", "-"): value for name, value in arguments.items()}
         self._monitor.sendall(json.dumps({"execute": command, "arguments": named}).encode())
         while True:
-            answer = self._answer()
-            if "return" in answer:
-                return answer["return"]
-            if "error" in answer:
-                raise MachineError(f"{command}: {answer['error']['desc']}")
-            self._events.append(answer)
+            message = self._read_message()
+            if "return" in message:
+                return message["return"]
+            if "error" in message:
+                raise MachineError(f"{command}: {message['error']['desc']}")
+            self._events.append(message)
 
     def wait_for_event(self, name, **data):
-        """Waits for an event of QEMU with these data among its own; forgets it and those before it."""
+        """Waits for a QMP event whose data include these; discards it and all earlier events."""
         while True:
-            event = self._events.pop(0) if self._events else self._answer()
+            event = self._events.pop(0) if self._events else self._read_message()
             if event.get("event") == name and data.items() <= event["data"].items():
                 return
 
@@ -139,10 +139,10 @@ class Machine:
     def _receive(self, deadline):
         wait = deadline - time.monotonic()
         if wait <= 0 or not select.select([self._console], [], [], wait)[0]:
-            raise MachineError(f"the machine did not answer in time; the last that it said: {self._tail()}")
+            raise MachineError(f"the machine did not respond in time; its last output: {self._tail()}")
         data = self._console.recv(65536)
         if not data:
-            raise MachineError(f"QEMU has ended with code {self._process.wait()}; at last: {self._tail()}")
+            raise MachineError(f"QEMU exited with code {self._process.wait()}; last output: {self._tail()}")
         self._log.write(data)
         self._received += data
 
@@ -150,12 +150,12 @@ class Machine:
         return self._received[-2000:].decode(errors="replace")
 
     def _take(self, end):
-        """What was received up to a text, which is dropped."""
+        """Removes the received data up to the end of a text with these bounds; returns what precedes it."""
         taken, self._received = self._received[:end[0]], self._received[end[1]:]
         return taken
 
     def wait_until_ready(self, timeout=None):
-        """Waits until the machine takes commands, after the power came or a restart began."""
+        """Waits until the machine accepts commands after power-on or a restart."""
         deadline = time.monotonic() + (timeout or self.timeout)
         while READY not in self._received:
             self._receive(deadline)
@@ -168,16 +168,16 @@ class Machine:
         self._console.sendall(text.encode())
 
     def run(self, command, timeout=None):
-        """Runs a script of the machine's shell; returns its exit code and what both streams have."""
+        """Runs a shell script on the machine; returns its exit code and the output of both streams."""
         deadline = time.monotonic() + (timeout or self.timeout)
-        word = "end-" + secrets.token_hex(8)
+        marker = "end-" + secrets.token_hex(8)
         self._send(
-            f"cat >/run/command <<'{word}'\n{command}\n{word}\n"
-            # Through a pipe: programs show a terminal other things.
+            f"cat >/run/command <<'{marker}'\n{command}\n{marker}\n"
+            # Through a pipe: the output of some programs differs on a terminal.
             "{ sh /run/command </dev/null 2>&1; echo $? >/run/code; } | cat; "
-            f"printf '\\n%s %d\\n' {word} $(cat /run/code)\n"
+            f"printf '\\n%s %d\\n' {marker} $(cat /run/code)\n"
         )
-        end = b"\n" + word.encode() + b" "
+        end = b"\n" + marker.encode() + b" "
         while end not in self._received or b"\n" not in self._received.split(end)[1]:
             self._receive(deadline)
             if READY in self._received:
@@ -188,23 +188,23 @@ class Machine:
         return Result(code, self._take((start, stop + 1)).decode(errors="replace"))
 
     def check(self, command, timeout=None):
-        """Runs a script that has to succeed; returns what it printed."""
+        """Runs a shell script that must succeed; returns its output."""
         code, output = self.run(command, timeout)
         if code != 0:
             raise MachineError(f"exit code {code}: {command}\n{output}")
         return output
 
     def restart(self, command="reboot"):
-        """Restarts the machine from within, as a user would; it has its disks again afterwards."""
+        """Restarts the machine from its shell, as a user would; its disks keep their content."""
         self._send(f"{command} >/dev/null 2>&1 </dev/null\n")
         self.wait_until_ready()
 
     def interact(self, terminal):
-        """Connects a terminal with a shell on the machine until that shell ends; returns its exit code.
+        """Connects a terminal with a shell on the machine until the shell exits; returns its exit code.
 
-        After a restart of the machine there is a new shell.
+        A restart of the machine starts a new shell.
         """
-        # Begins with a character that nobody types.
+        # Begins with a control character that is not typed by accident.
         end = b"\x1e" + secrets.token_hex(8).encode()
         before = termios.tcgetattr(terminal)
         tty.setraw(terminal)
@@ -212,7 +212,7 @@ class Machine:
             while True:
                 self._received = b""
                 self._send(
-                    # One line: a further one would be input of that shell.
+                    # One line: the shell would read a second one as its input.
                     "stty sane; cd /root; "
                     "setsid cttyhack sh -l -i </dev/console >/dev/console 2>&1; code=$?; "
                     f"stty -echo -onlcr -isig; printf '\\036%s%d\\n' {end[1:].decode()} $code\n"
@@ -225,7 +225,7 @@ class Machine:
             termios.tcsetattr(terminal, termios.TCSADRAIN, before)
 
     def _copy(self, terminal, end):
-        """Copies what comes from either side to the other one, but of the machine nothing after end."""
+        """Waits for data from terminal or machine and passes it on; the machine's only up to end."""
         for source in select.select([self._console, terminal], [], [])[0]:
             if source == terminal:
                 self._console.sendall(os.read(terminal, 4096))
@@ -237,20 +237,20 @@ class Machine:
 
 
 class Board(Machine):
-    """The emulated board, with an SD card and EEPROMs that are files of the caller; 1970 begins at its start.
+    """The emulated board. Its SD card and EEPROMs are files of the caller; its clock starts at 1970.
 
-    The first EEPROM is at address 0x50 of the bus. One that is None has 256 bytes, which are zero when the
-    power comes: QEMU takes files of whole sectors alone. cmdline ends the kernel's command line.
+    The EEPROMs have the bus addresses 0x50, 0x51, and so on. None is an EEPROM of 256 bytes, all zero at
+    power-on: QEMU accepts only files of complete sectors. cmdline is appended to the kernel's command line.
     """
 
-    # The chip and its page by its size in bytes.
+    # Chip and page size by size of the EEPROM in bytes.
     EEPROMS = {256: ("atmel,24c02", 8), 4096: ("atmel,24c32", 32), 65536: ("atmel,24c512", 128)}
 
     def __init__(self, card, eeproms=(), cmdline="", log=None, timeout=300):
         (kernel,) = (PARTS / "armhf/kernel/boot").glob("vmlinuz-*")
         (tree,) = (PARTS / "armhf/kernel").rglob("imx6q-sabrelite.dtb")
         tree = shutil.copyfile(tree, f"{card}.dtb")
-        words = ["console=ttymxc1,115200", "panic=-1", "quiet", "root=/dev/mmcblk3"]
+        parameters = ["console=ttymxc1,115200", "panic=-1", "quiet", "root=/dev/mmcblk3"]
         arguments = ["-M", "sabrelite", "-m", "512", "-kernel", kernel, "-dtb", tree]
         arguments += ["-initrd", PARTS / "board/initramfs"]
         arguments += ["-drive", f"if=none,id=card,format=raw,cache=writeback,file={card}"]
@@ -263,15 +263,15 @@ class Board(Machine):
                 drive = f",drive=eeprom{address}"
                 arguments += ["-blockdev", f"driver=file,node-name=eeprom{address},filename={eeprom}"]
             if size not in self.EEPROMS:
-                raise MachineError(f"{eeprom} has {size} bytes, which no EEPROM here has")
+                raise MachineError(f"{eeprom} has {size} bytes, unlike every EEPROM of the board")
             arguments += ["-device", f"at24c-eeprom,bus=i2c-bus.1,address={address},rom-size={size}{drive}"]
             self._describe_eeprom(tree, address, *self.EEPROMS[size])
-        arguments += ["-append", " ".join([*words, cmdline]).strip()]
+        arguments += ["-append", " ".join([*parameters, cmdline]).strip()]
         super().__init__("arm", arguments, console_port=1, log=log, timeout=timeout)
 
     @staticmethod
     def _describe_eeprom(tree, address, chip, page):
-        """Writes an EEPROM into the device tree, from which the kernel's driver knows it."""
+        """Adds an EEPROM to the device tree, where the kernel's driver finds it."""
 
         def put(kind, key, value):
             subprocess.run(["fdtput", "-t", kind, tree, node, key, str(value)], check=True)
@@ -285,25 +285,25 @@ class Board(Machine):
         put("u", "pagesize", page)
 
     def set_clock(self):
-        """Gives the board the time of this machine."""
+        """Sets the board's clock to the time of this machine."""
         self.check(f"date -u -s @{int(time.time())}")
 
 
 def make_eeprom(path, size=4096):
-    """Makes an erased EEPROM."""
+    """Creates an erased EEPROM."""
     pathlib.Path(path).write_bytes(b"\xff" * size)
     return path
 
 
 def make_card(path, files=()):
-    """Makes an SD card with today's packages, and with further files in /root."""
+    """Creates an SD card with the current packages, and with copies of files in /root."""
     shutil.copyfile(PARTS / "board/root.img", path)
     for file in files:
         name = pathlib.Path(file).name
         debugfs = ["debugfs", "-w", "-R", f'write "{file}" "/root/{name}"', str(path)]
-        answer = subprocess.run(debugfs, check=True, capture_output=True, text=True).stderr
-        if len(answer.splitlines()) > 1:  # one line is its version
-            raise MachineError(f"{file} cannot be copied onto the SD card: {answer}")
+        errors = subprocess.run(debugfs, check=True, capture_output=True, text=True).stderr
+        if len(errors.splitlines()) > 1:  # the first line is the version of debugfs
+            raise MachineError(f"{file} cannot be copied to the SD card: {errors}")
     return path
 
 

@@ -1,4 +1,4 @@
-"""Writes the initramfs of an emulated machine: busybox, kernel modules, and the first script."""
+"""Writes the initramfs of an emulated machine: busybox, kernel modules and the init script."""
 
 import gzip
 import os
@@ -52,7 +52,7 @@ def module_files(kernel_tree):
 
 
 def in_order(names, kernel_tree):
-    """The files of the modules and of those that they depend on, these first; none of what is built in."""
+    """The files of the modules, each after its dependencies; modules built into the kernel are omitted."""
     files = module_files(kernel_tree)
     (built_in,) = pathlib.Path(kernel_tree).rglob("modules.builtin")
     built_in = {pathlib.Path(line).stem.replace("-", "_") for line in built_in.read_text().split()}
@@ -76,7 +76,7 @@ def in_order(names, kernel_tree):
 
 
 def write(path, machine_parts, modules):
-    """Writes an initramfs of what script/machine-parts has unpacked in the directory machine_parts."""
+    """Writes an initramfs from machine_parts, a directory of script/machine-parts, with these modules."""
     parts = pathlib.Path(machine_parts)
     archive = Archive()
     for directory in ("dev", "proc", "root", "run", "sys"):

@@ -1,5 +1,5 @@
-// Uses the library's classes on a board, one per command, and prints what they answer, a line for
-// each event. What the library logs is on standard error, as Qt writes it.
+// Uses the library's classes on a board, one per command, and prints their results and events, one
+// per line. Qt writes the library's log messages to standard error.
 
 #include <BootInformationHelper.h>
 #include <DirectoryWatcher.h>
@@ -21,7 +21,7 @@
 
 namespace {
 
-void say(const QString& line)
+void print(const QString& line)
 {
     std::printf("%s\n", qPrintable(line));
     std::fflush(stdout);
@@ -29,7 +29,7 @@ void say(const QString& line)
 
 int openDescriptors()
 {
-    // The listing itself has one.
+    // The listing itself has one open.
     return int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System).size()) -
            1;
 }
@@ -45,23 +45,23 @@ int boot(const QStringList& arguments)
     }
     switch (helper.getCurrentBootMode()) {
     case BootInformationHelper::BootModeHardReset:
-        say(QStringLiteral("hard reset"));
+        print(QStringLiteral("hard reset"));
         break;
     case BootInformationHelper::BootModeFirmwareUpdate:
-        say(QStringLiteral("firmware update"));
+        print(QStringLiteral("firmware update"));
         break;
     case BootInformationHelper::BootModeFactoryReset:
-        say(QStringLiteral("factory reset"));
+        print(QStringLiteral("factory reset"));
         break;
     case BootInformationHelper::BootModeNormal:
-        say(QStringLiteral("normal"));
+        print(QStringLiteral("normal"));
         break;
     }
     return 0;
 }
 
-// Sets a number under a key so many times, with a sync() after each; says how many of the values a
-// new reader of the file finds afterwards.
+// Sets as many keys as the third argument, with a sync() after each; prints how many of them the
+// file contains afterwards.
 int settings(const QStringList& arguments)
 {
     const QString& path = arguments.at(0);
@@ -82,14 +82,12 @@ int settings(const QStringList& arguments)
         const QString line = QStringLiteral("\n%1%2=%2\n").arg(prefix).arg(number);
         found += reader.getStandardOutput().contains(line) ? 1 : 0;
     }
-    say(QStringLiteral("%1 of %2 in the file").arg(found).arg(count));
+    print(QStringLiteral("%1 of %2 in the file").arg(found).arg(count));
     return 0;
 }
 
-// Follows the directory of a medium until the file /run/end exists; prints events, and whether
-// descriptors leak. MediaWatcher and the worker search when the directory changes, and when the
-// file /run/mounted appears, which stands for the application's notification of a mount: it then
-// watches the directory anew.
+// Watches the directory of a medium and prints events. A change of the directory starts a search
+// with MediaWatcher and with the worker.
 class Medium : public QObject
 {
 public:
@@ -98,7 +96,7 @@ public:
         m_media.setRecursive(true);
         m_media.setFileMatchPatternList({QStringLiteral("*.csv")});
         connect(&m_media, &MediaWatcher::filesFound, this, [](const QFileInfoList& files) {
-            say(QStringLiteral("media watcher: %1 files").arg(files.size()));
+            print(QStringLiteral("media watcher: %1 files").arg(files.size()));
         });
     }
 
@@ -108,7 +106,7 @@ public:
         auto* worker = new RecursiveFileSearchWorkerThread(m_directory, {QStringLiteral("*.csv")});
         connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, this,
                 [](const QStringList& files) {
-                    say(QStringLiteral("worker: %1 files").arg(files.size()));
+                    print(QStringLiteral("worker: %1 files").arg(files.size()));
                 });
         QThreadPool::globalInstance()->start(worker);
     }
@@ -120,7 +118,7 @@ public:
         connect(m_directories.data(), &DirectoryWatcher::directoryChanged, this,
                 [this](QStringList changed) {
                     changed.removeDuplicates();
-                    say(QStringLiteral("directory watcher: ") + changed.join(QLatin1Char(' ')));
+                    print(QStringLiteral("directory watcher: ") + changed.join(QLatin1Char(' ')));
                     search();
                 });
     }
@@ -131,6 +129,9 @@ private:
     QScopedPointer<DirectoryWatcher> m_directories;
 };
 
+// Runs until the file /run/end exists, then prints how many descriptors leaked. The file
+// /run/mounted replaces the system's notification of a mount: when it appears, the directory is
+// watched anew and searched.
 int medium(const QStringList& arguments)
 {
     const QString mounted = QStringLiteral("/run/mounted");
@@ -147,7 +148,7 @@ int medium(const QStringList& arguments)
             const bool isMounted = QFile::exists(mounted);
             if (isMounted != wasMounted) {
                 wasMounted = isMounted;
-                say(isMounted ? QStringLiteral("mounted") : QStringLiteral("gone"));
+                print(isMounted ? QStringLiteral("mounted") : QStringLiteral("unmounted"));
                 if (isMounted) {
                     medium.watch();
                     medium.search();
@@ -155,44 +156,44 @@ int medium(const QStringList& arguments)
             }
         });
         timer.start(100);
-        say(QStringLiteral("watching"));
+        print(QStringLiteral("watching"));
         QCoreApplication::exec();
     }
     QThreadPool::globalInstance()->waitForDone();
-    say(QStringLiteral("descriptors: %1 more than before").arg(openDescriptors() - before));
+    print(QStringLiteral("descriptors: %1 more than before").arg(openDescriptors() - before));
     return 0;
 }
 
-// The matches of an expression in a file.
+// Prints how often an expression matches in a file, the last match, and the error.
 int text(const QStringList& arguments)
 {
     QElapsedTimer clock;
     clock.start();
     TextFileParser parser(arguments.at(0));
     const QStringList matches = parser.multiMatch(QRegularExpression(arguments.at(1)));
-    say(QStringLiteral("%1 matches, the last one \"%2\", %3")
-            .arg(matches.size())
-            .arg(matches.isEmpty() ? QString() : matches.last(),
-                 parser.hasError() ? parser.getLastError() : QStringLiteral("no error")));
+    print(QStringLiteral("%1 matches, the last one \"%2\", %3")
+              .arg(matches.size())
+              .arg(matches.isEmpty() ? QString() : matches.last(),
+                   parser.hasError() ? parser.getLastError() : QStringLiteral("no error")));
     std::fprintf(stderr, "%lld ms\n", static_cast<long long>(clock.elapsed()));
     return 0;
 }
 
-// Runs a program with a limit of time for its end.
+// Runs a program with a timeout in milliseconds.
 int process(const QStringList& arguments)
 {
     QProcessHandler handler;
     handler.setWaitForFinishedTimeout(arguments.at(0).toInt());
     const int exitCode = handler.startProcess(arguments.at(1), arguments.mid(2));
-    say(QStringLiteral("exit code %1, %2, %3 characters")
-            .arg(exitCode)
-            .arg(handler.getLastExitStatus() == QProcess::CrashExit ? QStringLiteral("crashed")
-                                                                    : QStringLiteral("ended"))
-            .arg(handler.getStandardOutput().size()));
+    print(QStringLiteral("exit code %1, %2, %3 characters")
+              .arg(exitCode)
+              .arg(handler.getLastExitStatus() == QProcess::CrashExit ? QStringLiteral("crashed")
+                                                                      : QStringLiteral("ended"))
+              .arg(handler.getStandardOutput().size()));
     return 0;
 }
 
-// Takes memory until there is no more.
+// Allocates memory until the kernel kills the process.
 int memory(const QStringList& /*arguments*/)
 {
     constexpr size_t piece = size_t(4) * 1024 * 1024;
@@ -225,6 +226,6 @@ int main(int argc, char* argv[])
             return command.run(arguments.mid(2));
         }
     }
-    std::fputs("board-probe: which command, with which arguments?\n", stderr);
+    std::fputs("board-probe: unknown command, or too few arguments\n", stderr);
     return 2;
 }

@@ -1,4 +1,5 @@
-// Starts, uses the library where it is linked with it, prints what the process occupies, and ends.
+// Starts, uses the library if it is linked with it, and exits. With --memory it prints what the
+// kernel reports about the memory of the process.
 
 #include <QtCore/QCoreApplication>
 

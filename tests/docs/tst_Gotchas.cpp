@@ -66,7 +66,7 @@ bool limitInotify(const char* setting, const QByteArray& value)
     return writeSetting(QByteArray("/proc/sys/user/").append(setting).constData(), value);
 }
 
-// Run where watches are limited: reports how many of four more directories are watched.
+// Runs with a limit on watches; returns how many of four more directories are watched.
 int watchFiveDirectories(const QDir& directory)
 {
     if (!limitInotify("max_inotify_watches", "3")) {
@@ -80,7 +80,7 @@ int watchFiveDirectories(const QDir& directory)
     return added;
 }
 
-// Run where a second watcher gets no inotify instance: 0 if it reports a change, but late.
+// Runs with a limit of one inotify instance; returns 0 if a second watcher reports a change late.
 int watchOneDirectoryTwice(const QDir& directory)
 {
     if (!limitInotify("max_inotify_instances", "1")) {
@@ -124,7 +124,7 @@ ChildResult runLimited(const char* part, const QString& directory)
     do {                                                                                           \
         QVERIFY2(result.exited, result.output.constData());                                        \
         if (result.exitCode == noLimits || result.output.startsWith("unshare: ")) {                \
-            MISCTOOLS_SKIP("needs user namespaces with limits of their own");                      \
+            MISCTOOLS_SKIP("needs user namespaces with separate limits");                          \
         }                                                                                          \
     } while (false)
 
@@ -148,7 +148,7 @@ private Q_SLOTS:
     void specialFilesBecomeRegularFiles();
     void filterExcludesDotEntries();
     void renamedDirectoryIsNotReported();
-    void watchesRunOut();
+    void watchesBeyondTheLimitFail();
     void watchersBeyondTheLimitPollEverySecond();
     void namedTestsExist();
 
@@ -351,7 +351,7 @@ void tst_Gotchas::renamedDirectoryIsNotReported()
 }
 
 // The system allows three watches. A directory that cannot be added uses none.
-void tst_Gotchas::watchesRunOut()
+void tst_Gotchas::watchesBeyondTheLimitFail()
 {
     for (int i = 0; i < 5; ++i) {
         QVERIFY(QDir().mkdir(path(QString::number(i))));

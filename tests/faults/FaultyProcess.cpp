@@ -26,18 +26,18 @@
 
 namespace {
 
-// Far more than any operation takes with its own time-outs.
+// Far longer than any operation, including its timeouts.
 constexpr int timeLimitInMs = 20000;
 
-// What both processes see.
+// Memory that both processes share.
 struct Shared
 {
-    std::atomic<bool> isArmed; // between the beginning and the end of the function
+    std::atomic<bool> isArmed; // while the function runs
     std::atomic<int> descriptorsLeft;
     std::atomic<int> transfers;
 };
 
-// In the child: what its reads and writes go by.
+// In the child; used by read() and write().
 Shared* sharedOfChild = nullptr;
 int shortTransfer = -1;
 
@@ -51,8 +51,8 @@ size_t sizeOfTransfer(size_t size)
 
 } // namespace
 
-// These take precedence over the system's. The kernel can be asked to fail a call, but not to do
-// less of it.
+// These replace the functions of the C library: seccomp can make a call fail, but not transfer
+// less.
 extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
 {
     using Function = ssize_t (*)(int, void*, size_t);
@@ -83,7 +83,7 @@ int openDescriptors()
     return count;
 }
 
-// A message that carries nothing but room for one descriptor.
+// A message that transfers one descriptor.
 struct DescriptorMessage
 {
     char byte = 0;
@@ -113,7 +113,7 @@ void sendDescriptor(int socket, int descriptor)
     sendmsg(socket, &message.header, 0);
 }
 
-// -1 when the other side has none to send.
+// -1 if the other side sends none.
 int receiveDescriptor(int socket)
 {
     DescriptorMessage message;
@@ -151,7 +151,7 @@ int receiveDescriptor(int socket)
     ChildProcess::leave(isWritten ? 0 : 1);
 }
 
-// The side that is asked before each call.
+// Decides about each watched call of the process.
 class Supervisor
 {
 public:
@@ -160,44 +160,45 @@ public:
     {
         seccomp_notif_sizes sizes = {};
         syscall(SYS_seccomp, SECCOMP_GET_NOTIF_SIZES, 0, &sizes);
-        m_question.resize(sizes.seccomp_notif);
-        m_answer.resize(sizes.seccomp_notif_resp);
+        m_notification.resize(sizes.seccomp_notif);
+        m_response.resize(sizes.seccomp_notif_resp);
     }
 
-    // Descriptors that the process has not closed because it was not let.
+    // How many calls of close() were made to fail.
     int failedCloses() const { return m_failedCloses; }
 
-    void answerNext(int listener)
+    void respondToNext(int listener)
     {
-        m_question.fill('\0');
-        m_answer.fill('\0');
-        auto* const question = reinterpret_cast<seccomp_notif*>(m_question.data());
-        auto* const answer = reinterpret_cast<seccomp_notif_resp*>(m_answer.data());
-        if (ioctl(listener, SECCOMP_IOCTL_NOTIF_RECV, question) != 0) {
-            return; // the process has ended meanwhile
+        m_notification.fill('\0');
+        m_response.fill('\0');
+        auto* const notification = reinterpret_cast<seccomp_notif*>(m_notification.data());
+        auto* const response = reinterpret_cast<seccomp_notif_resp*>(m_response.data());
+        if (ioctl(listener, SECCOMP_IOCTL_NOTIF_RECV, notification) != 0) {
+            return; // the process has terminated meanwhile
         }
-        const int error =
-            isForbidden(question->data) ? EPERM : decide(pid_t(question->pid), question->data.nr);
-        if (error != 0 && question->data.nr == SYS_close) {
-            empty(listener, question->id, quint32(question->data.args[0]));
+        const int error = isForbidden(notification->data)
+                              ? EPERM
+                              : decide(pid_t(notification->pid), notification->data.nr);
+        if (error != 0 && notification->data.nr == SYS_close) {
+            replaceByNull(listener, notification->id, quint32(notification->data.args[0]));
         }
         if (m_isKilled) {
-            return; // an answer might let the call pass before the signal comes
+            return; // with a response, the call might continue before the signal arrives
         }
-        answer->id = question->id;
-        answer->error = -error;
-        answer->flags = error == 0 ? SECCOMP_USER_NOTIF_FLAG_CONTINUE : 0;
-        ioctl(listener, SECCOMP_IOCTL_NOTIF_SEND, answer);
+        response->id = notification->id;
+        response->error = -error;
+        response->flags = error == 0 ? SECCOMP_USER_NOTIF_FLAG_CONTINUE : 0;
+        ioctl(listener, SECCOMP_IOCTL_NOTIF_SEND, response);
     }
 
 private:
-    // A close that fails has closed all the same. Here the number of the descriptor stays in use,
-    // but what it stood for is gone.
-    void empty(int listener, quint64 question, quint32 descriptor)
+    // A failed close() has closed the file nevertheless. Here the descriptor stays in use, but its
+    // file is replaced by /dev/null.
+    void replaceByNull(int listener, quint64 notification, quint32 descriptor)
     {
         const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
         seccomp_notif_addfd replacement = {};
-        replacement.id = question;
+        replacement.id = notification;
         replacement.flags = SECCOMP_ADDFD_FLAG_SETFD;
         replacement.srcfd = quint32(nothing);
         replacement.newfd = descriptor;
@@ -206,7 +207,7 @@ private:
         close(nothing);
     }
 
-    // Signals to anybody else: a process number may be an error code, or was never set.
+    // Whether a call signals another process: its ID may be an error code, or uninitialized.
     bool isForbidden(const seccomp_data& call)
     {
         if (call.nr != SYS_kill || call.args[1] == 0) {
@@ -218,14 +219,14 @@ private:
         return !isOwn;
     }
 
-    // Linux has closed a file before it could be interrupted, and does not say so.
+    // Linux closes a file before close() can be interrupted, and does not report EINTR.
     bool isWatchedFor(const QByteArray& name) const
     {
         return m_fault.kind != Fault::None && m_fault.kind != Fault::Short &&
                !(m_fault.error == EINTR && name == "close");
     }
 
-    // The error that the call is to fail with; 0 for none.
+    // The error with which the call must fail; 0 for none.
     int decide(pid_t process, int number)
     {
         const bool isAtStart = process != m_process;
@@ -259,14 +260,14 @@ private:
     const pid_t m_process;
     const Shared& m_shared;
     FaultyRun& m_run;
-    QByteArray m_question;
-    QByteArray m_answer;
-    QSet<pid_t> m_programs; // processes that are no copies of this one any more
+    QByteArray m_notification;
+    QByteArray m_response;
+    QSet<pid_t> m_programs; // processes after their exec
     int m_failedCloses = 0;
     bool m_isKilled = false;
 };
 
-// Until the process, and all that it started, have ended.
+// Runs until the process and all its children have terminated.
 void supervise(Supervisor& supervisor, int listener, int socket, pid_t process, FaultyRun& run)
 {
     const QDeadlineTimer deadline(timeLimitInMs);
@@ -278,7 +279,7 @@ void supervise(Supervisor& supervisor, int listener, int socket, pid_t process, 
             return;
         }
         if ((files[0].revents & POLLIN) != 0) {
-            supervisor.answerNext(listener);
+            supervisor.respondToNext(listener);
         } else if (files[0].revents != 0) {
             files[0].fd = -1;
         }
@@ -316,7 +317,7 @@ FaultyRun FaultyProcess::run(const Fault& fault, const std::function<QByteArray(
 {
     int sockets[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) {
-        qFatal("cannot make a socket for a child process");
+        qFatal("cannot create a socket for a child process");
     }
     Shared& shared = sharedMemory();
     shared.isArmed = false;

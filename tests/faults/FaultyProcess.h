@@ -6,54 +6,54 @@
 
 #include <functional>
 
-// What becomes of one call of the system, or of several.
+// What happens to one system call, or to several.
 struct Fault
 {
     enum Kind
     {
         None,
         Once,    // the call fails with the error
-        Lasting, // the call, and from then on every one of its name
-        Kill,    // the process ends instead of the call
-        Short    // the call, which reads or writes, does so with half of what it is asked for
+        Lasting, // the call and all later calls of the same name fail
+        Kill,    // the process is killed before the call
+        Short    // the call, a read or a write, transfers half of the requested bytes
     };
 
     Kind kind = None;
-    int call = 0;           // counted from 0; Short counts what reads and writes, and nothing else
-    bool isAtStart = false; // among the calls between the start of a program and its first own
+    int call = 0;           // counted from 0; Short counts only reads and writes
+    bool isAtStart = false; // among the calls between fork and exec of a started program
     int error = 0;
 };
 
-// How a process with a fault ended.
+// The result of a process with a fault.
 struct FaultyRun
 {
-    bool exited = false; // by itself, with 0
+    bool exited = false; // normally, with code 0
     bool isTimedOut = false;
     int signal = 0;
-    bool hasSignalledOthers = false; // has tried to: such a signal is held back
+    bool hasSignalledOthers = false; // has tried to: the signal is not sent
     QByteArray result;
-    int descriptorsLeft = 0; // more than before; what a failed close leaves does not count
+    int descriptorsLeft = 0; // leaked, without those of failed closes
 
     QVector<QByteArray> calls;        // their names, in order
-    QVector<QByteArray> callsAtStart; // of started programs, before the program's own
+    QVector<QByteArray> callsAtStart; // of started programs, between fork and exec
     QVector<QByteArray> failedCalls;
-    int transfers = 0; // how often it has read or written
+    int transfers = 0; // number of reads and writes
 };
 
 /*
  * Fault injection: runs a function in a forked copy of this process and makes one of its system
- * calls fail, kill the process, or transfer half the bytes. A seccomp filter has the kernel ask
- * this process before each call that deals with files and processes; the answer is to go on, an
+ * calls fail, kill the process, or transfer half the bytes. With a seccomp filter, the kernel
+ * notifies this process before each call on files and processes; the response is to continue, an
  * error, or a kill. A test runs the function without a fault to count its calls, and then once for
  * each call, so that every error path is taken, those in Qt and the C library too. Needs no
  * privileges; a run takes a millisecond.
  */
 namespace FaultyProcess {
 
-// Whether the system offers what is needed.
+// Whether the system supports fault injection.
 bool isAvailable();
 
-// The function's result is the run's.
+// Runs the function; its result is FaultyRun::result.
 FaultyRun run(const Fault& fault, const std::function<QByteArray()>& function);
 
 } // namespace FaultyProcess

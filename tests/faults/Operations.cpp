@@ -32,7 +32,7 @@ void writeFile(const QString& filePath, const QByteArray& content)
     }
 }
 
-// A null array for a file that is not there.
+// A null array for a missing file.
 QByteArray readFile(const QString& filePath)
 {
     QFile file(filePath);
@@ -54,7 +54,7 @@ bool matches(const QString& text, const QString& pattern)
     return QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(text).hasMatch();
 }
 
-// What Qt itself says of failing calls.
+// Whether a message is from Qt itself, about a failed call.
 bool isOfQt(const QString& message)
 {
     static const QString pattern =
@@ -77,8 +77,8 @@ QStringList ofLibrary(const QStringList& messages)
     return own;
 }
 
-// The first message or name that is none of the expected ones.
-QString firstStranger(const QStringList& texts, const QString& pattern)
+// The first text that does not match the pattern.
+QString firstUnexpected(const QStringList& texts, const QString& pattern)
 {
     for (const QString& text : texts) {
         if (!matches(text, pattern)) {
@@ -88,23 +88,22 @@ QString firstStranger(const QStringList& texts, const QString& pattern)
     return QString();
 }
 
-// What lies in the directory beside the files that belong there. A temporary file may stay when it
-// cannot be removed.
+// Other files in the directory than these. A temporary file may stay when it cannot be removed.
 QString problemOfLeftovers(const QString& directory, const QString& files, const Outcome& outcome)
 {
     const QStringList names = QDir(directory).entryList(QDir::AllEntries | QDir::Hidden |
                                                         QDir::System | QDir::NoDotAndDotDot);
-    const QString left = outcome.hasFailed("unlink")
-                             ? QStringLiteral("|.*\\.[A-Za-z]{6}|settings\\.ini\\.lock")
-                             : QString();
-    const QString stranger = firstStranger(names, files + left);
-    return stranger.isEmpty() ? QString() : QStringLiteral("left behind: ") + stranger;
+    const QString leftovers = outcome.hasFailed("unlink")
+                                  ? QStringLiteral("|.*\\.[A-Za-z]{6}|settings\\.ini\\.lock")
+                                  : QString();
+    const QString unexpected = firstUnexpected(names, files + leftovers);
+    return unexpected.isEmpty() ? QString() : QStringLiteral("left behind: ") + unexpected;
 }
 
 QString problemOfMessages(const Outcome& outcome, const QString& pattern)
 {
-    const QString stranger = firstStranger(ofLibrary(outcome.messages), pattern);
-    return stranger.isEmpty() ? QString() : QStringLiteral("unexpected message: ") + stranger;
+    const QString unexpected = firstUnexpected(ofLibrary(outcome.messages), pattern);
+    return unexpected.isEmpty() ? QString() : QStringLiteral("unexpected message: ") + unexpected;
 }
 
 QString firstProblem(const QStringList& problems)
@@ -124,7 +123,7 @@ QString problemUnless(bool isRight, const char* problem)
 
 // Clean-up
 
-// More than one piece of a text that is read and written bit by bit.
+// Larger than the pieces in which a clean-up reads and writes.
 QByteArray manyKeys()
 {
     QByteArray text = "[Colors]\n";
@@ -150,14 +149,14 @@ QStringList useCleanUp(const QString& directory)
     return QStringList();
 }
 
-// With functions of the application the text is worked on as a whole.
+// With functions of the application, a clean-up processes the text in one piece.
 QStringList useCleanUpOfApplication(const QString& directory)
 {
     IniFileManager::sm_CleanUpFunctions.append([](QString&) {});
     return useCleanUp(directory);
 }
 
-bool isCleanUpWhole(const QString& directory)
+bool isOldOrCleaned(const QString& directory)
 {
     const QByteArray text = readFile(iniPath(directory));
     return text == manyKeys() || text == cleanedKeys();
@@ -168,7 +167,7 @@ QString problemOfCleanUp(const QString& directory, const Outcome& outcome)
     const bool isNew = readFile(iniPath(directory)) == cleanedKeys();
     const bool hasMessage = !ofLibrary(outcome.messages).isEmpty();
     return firstProblem(
-        {problemUnless(isCleanUpWhole(directory), "the file is neither the old nor the new one"),
+        {problemUnless(isOldOrCleaned(directory), "the file is neither the old nor the new one"),
          problemUnless(isNew || outcome.hasFault(), "the file is not cleaned up"),
          problemUnless(!isNew || !hasMessage, "a message, though the file is cleaned up"),
          problemUnless(outcome.messages.size() <= 1, "more than one message"),
@@ -191,7 +190,7 @@ QStringList useSetAndSync(const QString& directory)
     return QStringList();
 }
 
-// Nothing is not the same as an empty file.
+// A missing file is not an empty file.
 bool isEither(const QString& directory, const QByteArray& before, const QByteArray& after)
 {
     const QByteArray text = readFile(iniPath(directory));
@@ -202,8 +201,8 @@ QString problemOfSettings(const QString& directory, const Outcome& outcome,
                           const QByteArray& before, const QByteArray& after)
 {
     const QByteArray text = readFile(iniPath(directory));
-    // QSettings of Qt 5.15 takes a file that it cannot find or read for an empty one, and does not
-    // notice when the last bytes of the new one cannot be written.
+    // QSettings of Qt 5.15 treats a file that it cannot find or read as empty, and does not detect
+    // that the last bytes of the new one cannot be written.
     const bool isLossOfQt =
         outcome.hasFault() &&
         ((text == firstSettings && (outcome.hasFailed("access") || outcome.hasFailed("read") ||
@@ -270,7 +269,7 @@ QString problemOfHardware(const QString& directory, const Outcome& outcome)
     return firstProblem(
         {problemUnless(isRead ? isRight : record == untouched, "the record is wrong"),
          problemUnless(isRead ? record == boardRecord || !messages.isEmpty() : messages.size() == 1,
-                       "not the right number of messages"),
+                       "wrong number of messages"),
          problemUnless(record == boardRecord || outcome.hasFault(), "the record is not read"),
          problemOfMessages(outcome, isRead ? ofParse : ofReader),
          problemOfLeftovers(directory, "data", outcome)});
@@ -295,13 +294,13 @@ QString problemOfHash(const QString& directory, const Outcome& outcome)
     };
     const QString hash = outcome.results.value(0);
     const bool isRight = hash == hashOf(hashedData);
-    // There is no message for a file that breaks off: the hash is that of what could be read.
+    // A read error in the file has no message: the hash is that of the bytes before it.
     const bool isOfLess = outcome.hasFailed("read") && hash == hashOf(QByteArray());
     return firstProblem(
         {problemUnless(isRight || isOfLess || hash.isEmpty(), "the hash is wrong"),
          problemUnless(isRight || outcome.hasFault(), "there is no hash"),
          problemUnless(outcome.messages.size() == (hash.isEmpty() ? 1 : 0),
-                       "not the right number of messages"),
+                       "wrong number of messages"),
          problemOfMessages(outcome, QStringLiteral("HashGenerator: (Can't find file: \"%1\" !"
                                                    "|Can't open file: \"%1\" \\( \".+\" \\)!)")
                                         .arg(QRegularExpression::escape(dataPath(directory))))});
@@ -321,7 +320,7 @@ QString problemOfMatch(const QString& directory, const Outcome& outcome)
     const QString error = outcome.results.value(0);
     const QStringList found = outcome.results.mid(1);
     const QStringList all = {"1", "2", "3"};
-    // As with the hash, a file that breaks off is what could be read of it.
+    // As with the hash, a read error ends the file without a message.
     const bool isOfLess = outcome.hasFailed("read") && found == all.mid(0, found.size());
     return firstProblem(
         {problemUnless(error.isEmpty() ? found == all || isOfLess : found.isEmpty(),
@@ -349,11 +348,11 @@ QString problemOfCommandLine(const QString&, const Outcome& outcome)
 {
     const QString value = outcome.results.value(0);
     const bool isRight = value == "factoryreset";
-    // A file that cannot be read is an empty one, without a message.
+    // A read error counts as an empty file, without a message.
     const int messages = isRight || outcome.hasFailed("read") ? 0 : 1;
     return firstProblem(
         {problemUnless(isRight || (value.isEmpty() && outcome.hasFault()), "the value is wrong"),
-         problemUnless(outcome.messages.size() == messages, "not the right number of messages"),
+         problemUnless(outcome.messages.size() == messages, "wrong number of messages"),
          problemOfMessages(outcome, QStringLiteral("KernelCommandLineParser: "
                                                    "(No|Can't open) kernelCommandLine file"))});
 }
@@ -364,13 +363,13 @@ const QString firmwareUpdateMarker = "/orvalis/etc/orvalis-first-boot";
 const QString rebootMarker = "/orvalis-reboot";
 
 QString problemOfMarker(const QString& marker, const Outcome& outcome, const QString& message,
-                        bool isMissSilent)
+                        bool isAccessErrorSilent)
 {
     const bool isThere = QFile::exists(marker);
-    const bool isSilent = isMissSilent && outcome.hasFailed("access");
+    const bool isSilent = isAccessErrorSilent && outcome.hasFailed("access");
     return firstProblem({problemUnless(!isThere || outcome.hasFault(), "the marker is still there"),
                          problemUnless(outcome.messages.size() == (isThere && !isSilent ? 1 : 0),
-                                       "not the right number of messages"),
+                                       "wrong number of messages"),
                          problemOfMessages(outcome, message)});
 }
 
@@ -398,9 +397,9 @@ QString problemOfSearch(const QString& directory, const Outcome& outcome)
     const QSet<QString> found(outcome.results.begin(), outcome.results.end());
     return firstProblem(
         {problemUnless(known.contains(found) && outcome.results.size() <= all.size(),
-                       "found what is not there"),
+                       "found a file that does not exist"),
          problemUnless(outcome.results == all || outcome.hasFault(), "not everything was found"),
-         problemUnless(outcome.messages.isEmpty(), "a message")});
+         problemUnless(outcome.messages.isEmpty(), "unexpected message")});
 }
 
 // Programs
@@ -431,7 +430,7 @@ QString problemOfProgramTwice(const QString&, const Outcome& outcome)
     return firstProblem(
         {problemUnless(outcome.results == QStringList({first, "3"}), "the exit codes are wrong"),
          problemUnless(outcome.messages.size() == (outcome.hasFault() ? 1 : 0),
-                       "not the right number of messages"),
+                       "wrong number of messages"),
          problemOfMessages(outcome,
                            QStringLiteral("QProcessHandler: Timeout on starting command  "
                                           "\"/bin/sh\"   \"-c exit 3\" ,  \"\"  ,  \"\""))});
@@ -449,7 +448,7 @@ QString problemOfProgram(const QString&, const Outcome& outcome)
                        "the output is wrong"),
          problemUnless(outcome.results.value(2).isEmpty(), "output of errors"),
          problemUnless(ofLibrary(outcome.messages).size() == (isRun ? 0 : 1),
-                       "not the right number of messages"),
+                       "wrong number of messages"),
          problemOfMessages(outcome,
                            QStringLiteral("QProcessHandler: Timeout (on starting|from) command  "
                                           "\"/bin/sh\"   \"-c echo a; exit 3\" ,  \"(a\\\\n)?\"  "
@@ -465,9 +464,9 @@ Operation Operations::programTwice()
 
 QVector<Operation> Operations::cleaningUp()
 {
-    return {{"clean-up", &prepareCleanUp, &useCleanUp, &problemOfCleanUp, &isCleanUpWhole},
+    return {{"clean-up", &prepareCleanUp, &useCleanUp, &problemOfCleanUp, &isOldOrCleaned},
             {"clean-up of the application", &prepareCleanUp, &useCleanUpOfApplication,
-             &problemOfCleanUp, &isCleanUpWhole}};
+             &problemOfCleanUp, &isOldOrCleaned}};
 }
 
 QVector<Operation> Operations::writing()

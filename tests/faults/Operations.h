@@ -9,7 +9,7 @@
 
 class MessageRecorder;
 
-// What came of an operation.
+// The result of an operation.
 struct Outcome
 {
     FaultyRun run;
@@ -27,12 +27,11 @@ struct Operation
     void (*prepare)(const QString& directory);
     QStringList (*use)(const QString& directory);
 
-    // What the outcome, and the files that are there now, have that they must not; empty when all
-    // is as it should be.
+    // What is wrong with the outcome and the files; empty if nothing is.
     QString (*problem)(const QString& directory, const Outcome& outcome);
 
-    // Whether the file that it writes is the old one or the new one, byte for byte; a null pointer
-    // where it writes none.
+    // Whether the written file is the old one or the new one, byte for byte; a null pointer if the
+    // operation writes none.
     bool (*isOldOrNew)(const QString& directory) = nullptr;
 };
 
@@ -41,7 +40,7 @@ namespace Operations {
 QVector<Operation> cleaningUp();
 Operation programTwice();
 
-// These and others that write a file, which is then the old one or the new one.
+// These and others that write a file.
 QVector<Operation> writing();
 
 // These and others that read or write.
@@ -50,7 +49,7 @@ QVector<Operation> transferring();
 // These and all others.
 QVector<Operation> all();
 
-// Lets a copy of this process, with the fault, do the operation.
+// Runs the operation with the fault in a copy of this process.
 Outcome run(const Operation& operation, const QString& directory, const Fault& fault,
             MessageRecorder& messages);
 

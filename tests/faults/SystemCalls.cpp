@@ -21,7 +21,7 @@ struct NamedCall
 
 #define NAMED_CALL(name) {SYS_##name, #name},
 
-// The older of these calls are missing on younger processor families.
+// Newer processor architectures lack the older calls.
 constexpr NamedCall watchedCalls[] = {
     // clang-format off
     NAMED_CALL(openat) NAMED_CALL(close) NAMED_CALL(read) NAMED_CALL(pread64) NAMED_CALL(readv)
@@ -59,13 +59,13 @@ constexpr unsigned int offsetOfArgument(int argument)
     return unsigned(offsetof(seccomp_data, args)) + 8U * unsigned(argument);
 }
 
-// Asks for the watched calls and lets all others pass.
+// Reports the watched calls and allows all others.
 QVector<sock_filter> filter()
 {
     QVector<sock_filter> program;
     program.append(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, unsigned(offsetof(seccomp_data, nr))));
 #ifdef SYS_mmap
-    // Memory that belongs to no file is none of the file system's business.
+    // Anonymous memory does not involve the file system.
     program.append(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_mmap, 0, 4));
     program.append(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetOfArgument(3)));
     program.append(BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, MAP_ANONYMOUS, 0, 1));

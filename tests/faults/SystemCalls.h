@@ -2,17 +2,17 @@
 #define TESTS_SYSTEMCALLS_H
 
 /*
- * The calls of the system that deal with files, descriptors and new processes: what can fail when a
- * disk is full or broken, a file may not be touched, or descriptors have run out.
+ * The system calls on files, descriptors and new processes, which can fail when a disk is full or
+ * broken, access to a file is denied, or descriptors run out.
  */
 namespace SystemCalls {
 
-// The name of a watched call; a null pointer for every other.
+// The name of a watched call; a null pointer for every other call.
 const char* nameOf(int number);
 
 /*
- * Has this process, and those that it starts, ask before each watched call; gives the descriptor at
- * which to answer, or -1 where the system does not offer that. It cannot be undone.
+ * Makes the kernel suspend this process and its children before each watched call, and notify a
+ * supervisor; returns the descriptor for that, or -1 if the system does not support it. Permanent.
  */
 int watch();
 

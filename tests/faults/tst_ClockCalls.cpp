@@ -4,32 +4,32 @@
 
 #include <ctime>
 
-// What it costs to ask for the local time.
+// The system calls for reading the local time.
 class tst_ClockCalls : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void zoneFileIsLookedAtUnlessNamed_data();
-    void zoneFileIsLookedAtUnlessNamed();
+    void zoneFileIsCheckedUnlessNamed_data();
+    void zoneFileIsCheckedUnlessNamed();
 };
 
-void tst_ClockCalls::zoneFileIsLookedAtUnlessNamed_data()
+void tst_ClockCalls::zoneFileIsCheckedUnlessNamed_data()
 {
     QTest::addColumn<QByteArray>("zone");
-    QTest::addColumn<bool>("isLookedAt");
+    QTest::addColumn<bool>("isChecked");
     QTest::newRow("not set") << QByteArray() << true;
-    QTest::newRow("name of the usual file") << QByteArray(":/etc/localtime") << false;
+    QTest::newRow("path of the default file") << QByteArray(":/etc/localtime") << false;
     QTest::newRow("name of a zone") << QByteArray("Europe/Berlin") << false;
     QTest::newRow("rule of a zone") << QByteArray("CET-1CEST,M3.5.0,M10.5.0/3") << false;
 }
 
-// Falling values are new extremes, for each of which the clock is read.
-void tst_ClockCalls::zoneFileIsLookedAtUnlessNamed()
+// Each falling value is a new extreme, for which the clock is read.
+void tst_ClockCalls::zoneFileIsCheckedUnlessNamed()
 {
     MISCTOOLS_NEED_FAULTS();
     QFETCH(QByteArray, zone);
-    QFETCH(bool, isLookedAt);
+    QFETCH(bool, isChecked);
 
     const auto callsFor = [&zone](int values) {
         const FaultyRun run = FaultyProcess::run(Fault(), [&zone, values] {
@@ -51,7 +51,7 @@ void tst_ClockCalls::zoneFileIsLookedAtUnlessNamed()
     const int many = callsFor(110);
     QVERIFY(few >= 0);
     QVERIFY(many >= few);
-    if (isLookedAt) {
+    if (isChecked) {
         QVERIFY2(many - few >= 100, qPrintable(QString::number(many - few)));
     } else {
         QCOMPARE(many - few, 0);

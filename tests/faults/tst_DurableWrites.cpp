@@ -35,7 +35,7 @@ public:
         return m_directories;
     }
 
-    // What is to happen before the first flush.
+    // The function is called before the first flush.
     void callBeforeFirst(const std::function<void()>& function) { m_beforeFirst = function; }
 
     void add(const QString& directory)
@@ -59,7 +59,7 @@ private:
 
 } // namespace
 
-// This takes precedence over the system's.
+// Replaces the function of the C library.
 extern "C" Q_DECL_EXPORT int fsync(int descriptor)
 {
     using Function = int (*)(int);
@@ -78,12 +78,12 @@ void setPort(IniFileManager& manager, int port)
     manager.setValue(QStringLiteral("Net"), QStringLiteral("Port"), port);
 }
 
-// Whether another thread gets this done while this one waits.
+// Whether another thread can finish this while the current one waits.
 bool isDoneElsewhere(const std::function<void()>& function)
 {
     auto promise = std::make_shared<std::promise<void>>();
     const std::future<void> done = promise->get_future();
-    // One that waits for this thread ends when this one goes on.
+    // Detached: if it waits for the current thread, it finishes after that one continues.
     std::thread([function, promise] {
         function();
         promise->set_value();
@@ -98,33 +98,33 @@ using Use = void (*)(const QString& filePath);
 Q_DECLARE_METATYPE(Use)
 
 /*
- * Which directories are flushed, and when: that of a file that was replaced, once for each time,
- * and no other. That files are durable then is for script/check powercut to show.
+ * Which directories are flushed, and when: that of a replaced file, once per replacement, and no
+ * other. script/check powercut tests that files are then durable.
  */
 class tst_DurableWrites : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void replacedFileIsFlushed_data();
-    void replacedFileIsFlushed();
-    void unchangedFileIsNotFlushed_data();
-    void unchangedFileIsNotFlushed();
-    void fileThatCannotBeMadeIsNotFlushed();
+    void directoryOfAReplacedFileIsFlushed_data();
+    void directoryOfAReplacedFileIsFlushed();
+    void directoryOfAnUnchangedFileIsNotFlushed_data();
+    void directoryOfAnUnchangedFileIsNotFlushed();
+    void failedCreationFlushesNothing();
     void eachReplacementIsFlushed();
-    void directoryOfTheRealFileIsFlushed();
+    void directoryOfALinksTargetIsFlushed();
     void replacementByAnotherManagerIsFlushed();
-    void replacementIsSeenThoughTheInodeIsUsedAgain();
-    void flushKeepsNobodyWaiting();
-    void syncDuringAFlushFlushesToo();
+    void replacementWithAReusedInodeIsFlushed();
+    void flushDoesNotBlockOtherCalls();
+    void syncDuringAFlushAlsoFlushes();
     void directoryOfARemovedMarkerIsFlushed();
-    void markerThatIsNotThereIsNotFlushed();
+    void missingMarkerFlushesNothing();
 
 private:
     QString file() const { return path(QStringLiteral("settings.ini")); }
 };
 
-void tst_DurableWrites::replacedFileIsFlushed_data()
+void tst_DurableWrites::directoryOfAReplacedFileIsFlushed_data()
 {
     QTest::addColumn<Use>("use");
     const auto add = [](const char* name, Use use) { QTest::newRow(name) << use; };
@@ -160,7 +160,7 @@ void tst_DurableWrites::replacedFileIsFlushed_data()
     add("clean-up", [](const QString& filePath) { IniFileManager::cleanUp(filePath); });
 }
 
-void tst_DurableWrites::replacedFileIsFlushed()
+void tst_DurableWrites::directoryOfAReplacedFileIsFlushed()
 {
     QFETCH(Use, use);
     writeFile(QStringLiteral("settings.ini"), "[General]\nName=a\n[Net]\nPort=80\n");
@@ -169,7 +169,7 @@ void tst_DurableWrites::replacedFileIsFlushed()
     QCOMPARE(flushes.directories(), QStringList(directory()));
 }
 
-void tst_DurableWrites::unchangedFileIsNotFlushed_data()
+void tst_DurableWrites::directoryOfAnUnchangedFileIsNotFlushed_data()
 {
     QTest::addColumn<Use>("use");
     const auto add = [](const char* name, Use use) { QTest::newRow(name) << use; };
@@ -178,7 +178,7 @@ void tst_DurableWrites::unchangedFileIsNotFlushed_data()
         QCOMPARE(manager.getValueInteger(QStringLiteral("Net"), QStringLiteral("Port"), 0), 80);
         manager.sync();
     });
-    add("only read, while others write", [](const QString& filePath) {
+    add("only read, while the file is replaced", [](const QString& filePath) {
         IniFileManager manager(filePath, nullptr);
         QFile::remove(filePath);
         QFile other(filePath);
@@ -190,7 +190,7 @@ void tst_DurableWrites::unchangedFileIsNotFlushed_data()
     });
 }
 
-void tst_DurableWrites::unchangedFileIsNotFlushed()
+void tst_DurableWrites::directoryOfAnUnchangedFileIsNotFlushed()
 {
     QFETCH(Use, use);
     writeFile(QStringLiteral("settings.ini"), "[Net]\nPort=80\n");
@@ -199,7 +199,7 @@ void tst_DurableWrites::unchangedFileIsNotFlushed()
     QCOMPARE(flushes.directories(), QStringList());
 }
 
-void tst_DurableWrites::fileThatCannotBeMadeIsNotFlushed()
+void tst_DurableWrites::failedCreationFlushesNothing()
 {
     const QString belowAFile = writeFile(QStringLiteral("file"), "") + QStringLiteral("/a.ini");
     messages().expectWarning(
@@ -231,7 +231,7 @@ void tst_DurableWrites::eachReplacementIsFlushed()
     QCOMPARE(flushes.directories().size(), 100);
 }
 
-void tst_DurableWrites::directoryOfTheRealFileIsFlushed()
+void tst_DurableWrites::directoryOfALinksTargetIsFlushed()
 {
     QVERIFY(QDir(directory()).mkpath(QStringLiteral("real")));
     QVERIFY(QDir(directory()).mkpath(QStringLiteral("links")));
@@ -250,7 +250,7 @@ void tst_DurableWrites::directoryOfTheRealFileIsFlushed()
     QCOMPARE(flushes.directories(), QStringList({path("real"), path("real")}));
 }
 
-// Managers on a path share what is not written yet, so one may write what another one promises.
+// Managers with the same path share their unwritten changes, so one may write those of another.
 void tst_DurableWrites::replacementByAnotherManagerIsFlushed()
 {
     writeFile(QStringLiteral("settings.ini"), "[Net]\nPort=80\n");
@@ -261,14 +261,14 @@ void tst_DurableWrites::replacementByAnotherManagerIsFlushed()
     other.sync();
     QCOMPARE(readFile(file()), QByteArray("[Net]\nPort=8080\n"));
     QCOMPARE(flushes.directories(), QStringList());
-    // Does not change the file, nor what has to be flushed.
+    // Changes neither the file nor what must be flushed.
     writer.removeValue(QStringLiteral("Net"), QStringLiteral("none"));
     writer.sync();
     QCOMPARE(flushes.directories(), QStringList(directory()));
 }
 
-// A file system may give the next file but one the number of the first.
-void tst_DurableWrites::replacementIsSeenThoughTheInodeIsUsedAgain()
+// A file system may reuse the inode number of the first file for the third one.
+void tst_DurableWrites::replacementWithAReusedInodeIsFlushed()
 {
     writeFile(QStringLiteral("settings.ini"), "[Net]\nPort=80\n");
     IniFileManager writer(file(), nullptr);
@@ -287,7 +287,7 @@ void tst_DurableWrites::replacementIsSeenThoughTheInodeIsUsedAgain()
     }
 }
 
-void tst_DurableWrites::flushKeepsNobodyWaiting()
+void tst_DurableWrites::flushDoesNotBlockOtherCalls()
 {
     writeFile(QStringLiteral("settings.ini"), "[Net]\nPort=80\n");
     IniFileManager manager(file(), nullptr);
@@ -310,8 +310,8 @@ void tst_DurableWrites::flushKeepsNobodyWaiting()
     QCOMPARE(flushes.directories().size(), 2);
 }
 
-// It has nothing to write, but may not return before what was written is durable.
-void tst_DurableWrites::syncDuringAFlushFlushesToo()
+// The second sync() has nothing to write, but must not return before the file is durable.
+void tst_DurableWrites::syncDuringAFlushAlsoFlushes()
 {
     writeFile(QStringLiteral("settings.ini"), "[Net]\nPort=80\n");
     IniFileManager manager(file(), nullptr);
@@ -329,13 +329,13 @@ void tst_DurableWrites::syncDuringAFlushFlushesToo()
 void tst_DurableWrites::directoryOfARemovedMarkerIsFlushed()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
-    const auto make = [](const QString& filePath) {
+    const auto create = [](const QString& filePath) {
         QFile marker(filePath);
         QVERIFY(marker.open(QIODevice::WriteOnly));
     };
     QVERIFY(QDir().mkpath(QStringLiteral("/orvalis/etc")));
-    make(QStringLiteral("/orvalis/etc/orvalis-first-boot"));
-    make(QStringLiteral("/orvalis-reboot"));
+    create(QStringLiteral("/orvalis/etc/orvalis-first-boot"));
+    create(QStringLiteral("/orvalis-reboot"));
     const FlushLog flushes;
     BootInformationHelper().deleteFirmwareUpdateMarker();
     QCOMPARE(flushes.directories(), QStringList(QStringLiteral("/orvalis/etc")));
@@ -344,7 +344,7 @@ void tst_DurableWrites::directoryOfARemovedMarkerIsFlushed()
              QStringList({QStringLiteral("/orvalis/etc"), QStringLiteral("/")}));
 }
 
-void tst_DurableWrites::markerThatIsNotThereIsNotFlushed()
+void tst_DurableWrites::missingMarkerFlushesNothing()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     messages().expectWarning(

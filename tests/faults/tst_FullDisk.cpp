@@ -10,7 +10,7 @@ namespace {
 
 constexpr int pageSize = 4096;
 
-// A disk of 64 KiB for the life of the object.
+// A disk of 64 KiB during the life of the object.
 class TinyDisk
 {
 public:
@@ -18,7 +18,7 @@ public:
     {
         QDir().mkpath(directory);
         if (mount("none", m_directory.constData(), "tmpfs", 0, "size=64k,nr_inodes=16") != 0) {
-            qFatal("cannot mount a disk of memory");
+            qFatal("cannot mount a tmpfs");
         }
     }
 
@@ -32,7 +32,7 @@ private:
 
 } // namespace
 
-// What happens to files on a disk without room for another one.
+// What happens to files on a full disk.
 class tst_FullDisk : public TestCase
 {
     Q_OBJECT
@@ -40,7 +40,7 @@ class tst_FullDisk : public TestCase
 private Q_SLOTS:
     void cleanUp_data();
     void cleanUp();
-    void cleanUpWithoutRoomForAFile();
+    void cleanUpWithoutFreeInodesKeepsTheFile();
     void setAndSync_data();
     void setAndSync();
 
@@ -54,7 +54,7 @@ private:
     }
 };
 
-// Lets so many pages of the disk stay free.
+// Fills the disk except for this many pages.
 void tst_FullDisk::fillUp(int freePages)
 {
     QFile filling(disk() + "/filling");
@@ -77,7 +77,7 @@ void tst_FullDisk::cleanUp_data()
     QTest::newRow("enough free") << 100 << 1 << true;
     QTest::newRow("one page too few") << 5 * pageSize << 4 << false;
     QTest::newRow("as many pages as needed") << 5 * pageSize << 5 << true;
-    QTest::newRow("almost the whole disk") << 12 * pageSize << 4 << false;
+    QTest::newRow("almost the entire disk") << 12 * pageSize << 4 << false;
 }
 
 void tst_FullDisk::cleanUp()
@@ -96,7 +96,7 @@ void tst_FullDisk::cleanUp()
     QCOMPARE(entries(), QStringList({QStringLiteral("filling"), QStringLiteral("settings.ini")}));
 }
 
-void tst_FullDisk::cleanUpWithoutRoomForAFile()
+void tst_FullDisk::cleanUpWithoutFreeInodesKeepsTheFile()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     const TinyDisk tinyDisk(disk());
@@ -119,8 +119,8 @@ void tst_FullDisk::setAndSync_data()
     QTest::addColumn<int>("freePages");
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("nothing free") << 0 << QByteArray("[Net]\nPort=80\n");
-    // The lock takes the last page. QSaveFile of Qt 5.15 does not notice that what it keeps back
-    // until it is closed was not written, and puts an empty file in the old one's place.
+    // The lock uses the last page. QSaveFile of Qt 5.15 does not detect that the data which it
+    // buffers until it is closed was not written, and replaces the old file by an empty one.
     QTest::newRow("one page free") << 1 << QByteArray("");
     QTest::newRow("enough free") << 2 << QByteArray("[Net]\nPort=8080\n");
 }
@@ -139,7 +139,7 @@ void tst_FullDisk::setAndSync()
     QCOMPARE(readFile(file()), content);
     QCOMPARE(entries(), QStringList({QStringLiteral("filling"), QStringLiteral("settings.ini")}));
 
-    // Nothing that was set is forgotten: it gets into the file as soon as there is room.
+    // No value is lost: the next sync with free space writes all of them.
     QVERIFY(QFile::remove(disk() + "/filling"));
     manager.setValue("Net", "Name", 1);
     manager.sync();

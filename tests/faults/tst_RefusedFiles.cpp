@@ -23,7 +23,7 @@ void setAndSync(const QString& filePath)
     manager.sync();
 }
 
-// The number of a process that was and is no more.
+// The ID of a process that has terminated.
 QByteArray deadProcess()
 {
     const pid_t process = fork();
@@ -43,7 +43,7 @@ QByteArray lockOf(const QByteArray& process, const QByteArray& program, const QB
 
 } // namespace
 
-// Settings whose file may not be written, or that somebody seems to write just now.
+// Settings whose file cannot be written, or that another process seems to be writing.
 class tst_RefusedFiles : public TestCase
 {
     Q_OBJECT
@@ -51,8 +51,8 @@ class tst_RefusedFiles : public TestCase
 private Q_SLOTS:
     void withoutPermission_data();
     void withoutPermission();
-    void leftLock_data();
-    void leftLock();
+    void leftoverLock_data();
+    void leftoverLock();
 
 private:
     QString file() const { return path("settings.ini"); }
@@ -72,7 +72,7 @@ void tst_RefusedFiles::withoutPermission_data()
     QTest::newRow("read-only file and directory") << 0x4444 << 0x5555;
     QTest::newRow("unreadable file") << 0x2222 << 0x7777;
     QTest::newRow("unreadable directory") << 0x6666 << 0x3333;
-    QTest::newRow("file that may not be touched") << 0x0000 << 0x7777;
+    QTest::newRow("file without permissions") << 0x0000 << 0x7777;
 }
 
 void tst_RefusedFiles::withoutPermission()
@@ -88,19 +88,19 @@ void tst_RefusedFiles::withoutPermission()
         setAndSync(file());
         return timer.elapsed() < 5000 ? 0 : 1;
     });
-    // First of all, so that the directory can be removed.
+    // Before all checks, so that the directory can be removed.
     QVERIFY(QFile::setPermissions(directory(), QFileDevice::Permissions(0x7700)));
     QVERIFY(QFile::setPermissions(file(), QFileDevice::Permissions(0x6600)));
     QVERIFY(result.exited);
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.output, QByteArray());
-    // A directory that may be written, though not read, is no obstacle.
+    // A directory that is writable but not readable does not prevent the save.
     const bool isWritten = qstrcmp(QTest::currentDataTag(), "unreadable directory") == 0;
     QCOMPARE(readFile(file()), isWritten ? newSettings : oldSettings);
     QCOMPARE(entries(), QStringList(QStringLiteral("settings.ini")));
 }
 
-void tst_RefusedFiles::leftLock_data()
+void tst_RefusedFiles::leftoverLock_data()
 {
     QTest::addColumn<QByteArray>("lockText");
     QTest::addColumn<int>("ageInSeconds");
@@ -114,13 +114,14 @@ void tst_RefusedFiles::leftLock_data()
     const auto row = [](const char* name, const QByteArray& text, int age, bool isWaitedFor) {
         QTest::newRow(name) << text << age << isWaitedFor;
     };
-    // Whose process is dead is no owner.
+    // A terminated process does not own its lock.
     row("dead process", lockOf(deadProcess(), "program", host, hostId), 0, false);
     row("dead process without a host", lockOf(deadProcess(), "program", "", ""), 0, false);
-    row("number that another program has now", lockOf(own, "program", host, hostId), 0, false);
-    row("before the machine started again",
-        own + "\nprogram\n" + host + '\n' + hostId + "\nanother-boot\n", 0, false);
-    // Of others nothing is known, so their locks hold for half a minute: here for its rest.
+    row("process ID that another program has now", lockOf(own, "program", host, hostId), 0, false);
+    row("before a reboot", own + "\nprogram\n" + host + '\n' + hostId + "\nanother-boot\n", 0,
+        false);
+    // The state of other owners is unknown: their locks are valid for half a minute, here for the
+    // rest of it.
     row("other host", ofOtherHost, 28, true);
     row("other host, long ago", ofOtherHost, 3600, false);
     row("other host, in the future", ofOtherHost, -3600, false);
@@ -131,7 +132,7 @@ void tst_RefusedFiles::leftLock_data()
     row("zeros, long ago", QByteArray(4096, '\0'), 3600, false);
 }
 
-void tst_RefusedFiles::leftLock()
+void tst_RefusedFiles::leftoverLock()
 {
     QFETCH(QByteArray, lockText);
     QFETCH(int, ageInSeconds);

@@ -34,8 +34,8 @@ constexpr NamedError otherErrors[] = {NAMED_ERROR(EROFS), NAMED_ERROR(ENOMEM), N
 
 #undef NAMED_ERROR
 
-// A short form is part of every run of the tests; all faults take a few minutes.
-bool isLongForm()
+// A quick run is part of all test runs; all faults take a few minutes.
+bool isFullRun()
 {
     return qEnvironmentVariable("MISCTOOLS_FAULTS") == "all";
 }
@@ -43,39 +43,39 @@ bool isLongForm()
 } // namespace
 
 /*
- * Each call of the system that an operation makes fails, or is its last one. The rows go through
- * all calls of their operation, and say in the end how many there were.
+ * Each system call of an operation fails, or the process is killed before it. A row tests all calls
+ * of its operation; the number of faults is printed at the end.
  */
 class tst_SystemCallFaults : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingFails_data() { addOperations(Operations::all()); }
-    void nothingFails();
-    void aCallFails_data() { addErrors(true); }
-    void aCallFails();
-    void aCallIsInterrupted_data() { addOperations(Operations::all()); }
-    void aCallIsInterrupted();
+    void operationsSucceedWithoutFaults_data() { addOperations(Operations::all()); }
+    void operationsSucceedWithoutFaults();
+    void failedCallIsHandled_data() { addErrors(true); }
+    void failedCallIsHandled();
+    void interruptedCallIsHandled_data() { addOperations(Operations::all()); }
+    void interruptedCallIsHandled();
     void interruptedTransferIsRepeated_data() { addOperations(Operations::transferring()); }
     void interruptedTransferIsRepeated();
     void shortTransferIsContinued_data() { addOperations(Operations::transferring()); }
     void shortTransferIsContinued();
-    void callsFailFromOneOn_data() { addErrors(isLongForm()); }
-    void callsFailFromOneOn();
-    void brokenReadKeepsTheFile_data() { addOperations(Operations::cleaningUp()); }
-    void brokenReadKeepsTheFile();
+    void lastingFailureIsHandled_data() { addErrors(isFullRun()); }
+    void lastingFailureIsHandled();
+    void failedReadKeepsTheFile_data() { addOperations(Operations::cleaningUp()); }
+    void failedReadKeepsTheFile();
     void failedForkIsAFailedStart_data();
     void failedForkIsAFailedStart();
     void flushOfTheEventLoopIsOneSync();
-    void flushOfTheDirectoryMayFail_data();
-    void flushOfTheDirectoryMayFail();
-    void flushOfTheDirectoryIsRepeated_data() { addOperations(Operations::writing()); }
-    void flushOfTheDirectoryIsRepeated();
-    void fileThatIsNotReplacedIsNotFlushed_data() { addOperations(Operations::writing()); }
-    void fileThatIsNotReplacedIsNotFlushed();
-    void killedAtACall_data() { addOperations(Operations::writing()); }
-    void killedAtACall();
+    void failedFlushOfTheDirectoryHasNoEffect_data();
+    void failedFlushOfTheDirectoryHasNoEffect();
+    void interruptedFlushOfTheDirectoryIsRepeated_data() { addOperations(Operations::writing()); }
+    void interruptedFlushOfTheDirectoryIsRepeated();
+    void failedReplacementFlushesNothing_data() { addOperations(Operations::writing()); }
+    void failedReplacementFlushesNothing();
+    void killKeepsTheOldOrTheNewFile_data() { addOperations(Operations::writing()); }
+    void killKeepsTheOldOrTheNewFile();
     void cleanupTestCase();
 
 private:
@@ -92,7 +92,7 @@ private:
     QVector<int> callsOfDirectoryFlush(const QVector<QByteArray>& calls);
     QString files() const { return path("files"); }
 
-    QMap<QString, int> m_faults; // how many an operation had
+    QMap<QString, int> m_faults; // by operation
 };
 
 void tst_SystemCallFaults::addOperations(const QVector<Operation>& operations)
@@ -116,7 +116,7 @@ void tst_SystemCallFaults::addErrors(bool isWithAllOperations)
         for (const NamedError& error : usualErrors) {
             addError(operation, error);
         }
-        if (isLongForm()) {
+        if (isFullRun()) {
             for (const NamedError& error : otherErrors) {
                 addError(operation, error);
             }
@@ -132,7 +132,7 @@ void tst_SystemCallFaults::prepare(const Operation& operation)
     operation.prepare(files());
 }
 
-// Lets an operation on fresh files have its fault; gives what is wrong with how it ended.
+// Runs an operation with the fault on new files; returns what is wrong with the outcome.
 QString tst_SystemCallFaults::outcomeOf(const Operation& operation, const Fault& fault,
                                         Outcome& outcome)
 {
@@ -141,7 +141,7 @@ QString tst_SystemCallFaults::outcomeOf(const Operation& operation, const Fault&
     return problemOfUse(operation, outcome);
 }
 
-// The same for a fault that nobody must notice.
+// The same for a fault that must have no effect.
 QString tst_SystemCallFaults::outcomeWithoutLoss(const Operation& operation, const Fault& fault)
 {
     prepare(operation);
@@ -156,18 +156,18 @@ QString tst_SystemCallFaults::problemOfUse(const Operation& operation, Outcome& 
         return "it hangs";
     }
     if (outcome.run.hasSignalledOthers) {
-        return "it sends signals to processes that are not its own";
+        return "it sends signals to other processes";
     }
     if (!outcome.run.exited) {
-        return QStringLiteral("signal %1 ended it").arg(outcome.run.signal);
+        return QStringLiteral("killed by signal %1").arg(outcome.run.signal);
     }
     if (outcome.run.descriptorsLeft != 0) {
-        return QStringLiteral("%1 descriptors more than before").arg(outcome.run.descriptorsLeft);
+        return QStringLiteral("%1 descriptors leaked").arg(outcome.run.descriptorsLeft);
     }
     return operation.problem(files(), outcome);
 }
 
-// The same for one that is killed, and then done again.
+// The same for an operation that is killed and then repeated.
 QString tst_SystemCallFaults::outcomeOfKill(const Operation& operation, const Fault& fault,
                                             Outcome& outcome)
 {
@@ -179,8 +179,8 @@ QString tst_SystemCallFaults::outcomeOfKill(const Operation& operation, const Fa
     if (!operation.isOldOrNew(files())) {
         return "the file is neither the old nor the new one";
     }
-    // What a killed process leaves: a lock, which is known to be nobody's, and a new file that had
-    // not yet replaced the old one. Nobody ever removes that.
+    // A killed process leaves a lock, whose owner is known to be dead, and a new file that had not
+    // yet replaced the old one, which is never removed.
     const QRegularExpression unfinished("^settings\\.ini\\.[A-Za-z]{6}$");
     const QStringList names = QDir(files()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     for (const QString& name : names) {
@@ -190,7 +190,7 @@ QString tst_SystemCallFaults::outcomeOfKill(const Operation& operation, const Fa
             return "left behind: " + name;
         }
     }
-    // A lock that does not yet tell whose it is gets waited for until it is half a minute old.
+    // Qt waits for a lock that does not yet name its owner until it is half a minute old.
     QFile lock(files() + "/settings.ini.lock");
     if (lock.size() == 0 && lock.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
         lock.setFileTime(QDateTime::currentDateTime().addSecs(-31),
@@ -198,10 +198,10 @@ QString tst_SystemCallFaults::outcomeOfKill(const Operation& operation, const Fa
     }
     Outcome second = Operations::run(operation, files(), Fault(), messages());
     const QString problem = problemOfUse(operation, second);
-    return problem.isEmpty() ? problem : QStringLiteral("done again: ") + problem;
+    return problem.isEmpty() ? problem : QStringLiteral("when repeated: ") + problem;
 }
 
-// Which calls open and flush the directory. Files are flushed by another call, fdatasync.
+// The calls that open and flush the directory. Files are flushed by another call, fdatasync.
 QVector<int> tst_SystemCallFaults::callsOfDirectoryFlush(const QVector<QByteArray>& calls)
 {
     const int flush = calls.indexOf("fsync");
@@ -212,7 +212,7 @@ QVector<int> tst_SystemCallFaults::callsOfDirectoryFlush(const QVector<QByteArra
     return {opening, flush};
 }
 
-void tst_SystemCallFaults::nothingFails()
+void tst_SystemCallFaults::operationsSucceedWithoutFaults()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     MISCTOOLS_NEED_FAULTS();
@@ -223,7 +223,7 @@ void tst_SystemCallFaults::nothingFails()
     QVERIFY(outcome.run.failedCalls.isEmpty());
 }
 
-// Each call of the row's operation has a fault of the kind.
+// Runs the row's operation once for each of its calls, which has a fault of the kind.
 void tst_SystemCallFaults::verifyEachCall(const Fault& kind,
                                           QString (tst_SystemCallFaults::*use)(const Operation&,
                                                                                const Fault&,
@@ -233,13 +233,13 @@ void tst_SystemCallFaults::verifyEachCall(const Fault& kind,
     MISCTOOLS_NEED_FAULTS();
     QFETCH(Operation, operation);
     prepare(operation);
-    const FaultyRun whole = Operations::run(operation, files(), Fault(), messages()).run;
+    const FaultyRun complete = Operations::run(operation, files(), Fault(), messages()).run;
 
     int faults = 0;
     Fault fault = kind;
     for (const bool isAtStart : {false, true}) {
         fault.isAtStart = isAtStart;
-        const int calls = (isAtStart ? whole.callsAtStart : whole.calls).size();
+        const int calls = (isAtStart ? complete.callsAtStart : complete.calls).size();
         for (fault.call = 0; fault.call < calls; ++fault.call) {
             Outcome outcome;
             const QString problem = (this->*use)(operation, fault, outcome);
@@ -252,13 +252,14 @@ void tst_SystemCallFaults::verifyEachCall(const Fault& kind,
             faults += outcome.hasFault() ? 1 : 0;
         }
     }
-    const int calls = whole.calls.size() - (kind.error == EINTR ? whole.calls.count("close") : 0);
-    // A program that is waited for may be quicker at times, and need fewer calls.
+    const int calls =
+        complete.calls.size() - (kind.error == EINTR ? complete.calls.count("close") : 0);
+    // The number of calls varies: waiting for a faster program needs fewer.
     QVERIFY(faults > 0 && faults >= calls * 3 / 4);
     m_faults[QString::fromLatin1(operation.name)] += faults;
 }
 
-void tst_SystemCallFaults::aCallFails()
+void tst_SystemCallFaults::failedCallIsHandled()
 {
     QFETCH(int, error);
     Fault fault;
@@ -268,7 +269,7 @@ void tst_SystemCallFaults::aCallFails()
 }
 
 // Some calls are repeated after a signal, others are not.
-void tst_SystemCallFaults::aCallIsInterrupted()
+void tst_SystemCallFaults::interruptedCallIsHandled()
 {
     Fault fault;
     fault.kind = Fault::Once;
@@ -311,7 +312,7 @@ void tst_SystemCallFaults::shortTransferIsContinued()
     }
 }
 
-void tst_SystemCallFaults::callsFailFromOneOn()
+void tst_SystemCallFaults::lastingFailureIsHandled()
 {
     QFETCH(int, error);
     Fault fault;
@@ -320,9 +321,8 @@ void tst_SystemCallFaults::callsFailFromOneOn()
     verifyEachCall(fault, &tst_SystemCallFaults::outcomeOf);
 }
 
-// What could be read of a text is no new text, however much it is. (Qt reads on after an error that
-// does not last.)
-void tst_SystemCallFaults::brokenReadKeepsTheFile()
+// A partially read text must not replace the file. (Qt continues to read after a single error.)
+void tst_SystemCallFaults::failedReadKeepsTheFile()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     MISCTOOLS_NEED_FAULTS();
@@ -352,7 +352,7 @@ void tst_SystemCallFaults::failedForkIsAFailedStart_data()
     QTest::newRow("no memory") << ENOMEM;
 }
 
-// What was never started must not be waited for, and nobody else be killed in its place.
+// The library must not wait for a program that was not started, nor kill another one instead.
 void tst_SystemCallFaults::failedForkIsAFailedStart()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
@@ -369,7 +369,7 @@ void tst_SystemCallFaults::failedForkIsAFailedStart()
     QCOMPARE(outcome.run.failedCalls, QVector<QByteArray>{"clone"});
 }
 
-// A flush of Qt's own beside the manager's would not be guarded against writes of other threads.
+// An additional flush by Qt would not be guarded against writes of other threads.
 void tst_SystemCallFaults::flushOfTheEventLoopIsOneSync()
 {
     MISCTOOLS_NEED_FAULTS();
@@ -394,33 +394,32 @@ void tst_SystemCallFaults::flushOfTheEventLoopIsOneSync()
     QCOMPARE(ofEventLoop, ofSync);
 }
 
-void tst_SystemCallFaults::flushOfTheDirectoryMayFail_data()
+void tst_SystemCallFaults::failedFlushOfTheDirectoryHasNoEffect_data()
 {
     addErrors(false);
 }
 
-// Nobody is told, and nothing is different: the file is replaced, there is no message, and no
-// descriptor stays open.
-void tst_SystemCallFaults::flushOfTheDirectoryMayFail()
+// The failure has no effect: the file is replaced, no message is logged, and no descriptor leaks.
+void tst_SystemCallFaults::failedFlushOfTheDirectoryHasNoEffect()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     MISCTOOLS_NEED_FAULTS();
     QFETCH(Operation, operation);
     QFETCH(int, error);
-    Outcome whole;
-    QCOMPARE(outcomeOf(operation, Fault(), whole), QString());
+    Outcome complete;
+    QCOMPARE(outcomeOf(operation, Fault(), complete), QString());
     Fault fault;
     fault.error = error;
     for (const Fault::Kind kind : {Fault::Once, Fault::Lasting}) {
         fault.kind = kind;
-        for (const int call : callsOfDirectoryFlush(whole.run.calls)) {
+        for (const int call : callsOfDirectoryFlush(complete.run.calls)) {
             fault.call = call;
             QCOMPARE(outcomeWithoutLoss(operation, fault), QString());
         }
     }
 }
 
-void tst_SystemCallFaults::flushOfTheDirectoryIsRepeated()
+void tst_SystemCallFaults::interruptedFlushOfTheDirectoryIsRepeated()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     MISCTOOLS_NEED_FAULTS();
@@ -440,7 +439,7 @@ void tst_SystemCallFaults::flushOfTheDirectoryIsRepeated()
     }
 }
 
-void tst_SystemCallFaults::fileThatIsNotReplacedIsNotFlushed()
+void tst_SystemCallFaults::failedReplacementFlushesNothing()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     MISCTOOLS_NEED_FAULTS();
@@ -452,7 +451,7 @@ void tst_SystemCallFaults::fileThatIsNotReplacedIsNotFlushed()
     Fault fault;
     fault.kind = Fault::Once;
     fault.error = EIO;
-    // A file that is new gets its name by a link.
+    // A new file gets its name with linkat.
     fault.call = std::max(calls.lastIndexOf("rename"), calls.lastIndexOf("linkat"));
     QVERIFY(fault.call >= 0);
     prepare(operation);
@@ -461,7 +460,7 @@ void tst_SystemCallFaults::fileThatIsNotReplacedIsNotFlushed()
     QCOMPARE(run.calls.count("fsync"), 0);
 }
 
-void tst_SystemCallFaults::killedAtACall()
+void tst_SystemCallFaults::killKeepsTheOldOrTheNewFile()
 {
     Fault fault;
     fault.kind = Fault::Kill;

@@ -117,7 +117,7 @@ class Compiler:
 
 
 def run_quietly(command, directory, environment, timeout_in_s, memory_in_bytes=resource.RLIM_INFINITY):
-    """The result of the command: PASSED, FAILED or TIMED_OUT. A test is ended at its first failure."""
+    """The result of the command: PASSED, FAILED or TIMED_OUT. A test is killed at its first failure."""
     def limits():
         resource.setrlimit(resource.RLIMIT_AS, (memory_in_bytes, memory_in_bytes))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))

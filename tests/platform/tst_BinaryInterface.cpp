@@ -75,7 +75,7 @@ QHash<QByteArray, QVector<Field>>& fields()
 }
 
 template <typename Class, typename Type>
-bool note(const char* className, const char* name, Type Class::*member)
+bool registerField(const char* className, const char* name, Type Class::*member)
 {
     // In the C++ ABI of all processors, a pointer to a data member is the member's offset.
     std::ptrdiff_t offset = -1;
@@ -89,13 +89,14 @@ bool note(const char* className, const char* name, Type Class::*member)
 template <typename Tag, auto Member>
 struct RegisteredField
 {
-    static const bool isNoted;
+    static const bool isRegistered;
 };
 
 template <typename Tag, auto Member>
-const bool RegisteredField<Tag, Member>::isNoted = note(Tag::className, Tag::fieldName, Member);
+const bool RegisteredField<Tag, Member>::isRegistered = registerField(Tag::className,
+                                                                      Tag::fieldName, Member);
 
-#define NOTE_FIELD(Class, Name)                                                                    \
+#define REGISTER_FIELD(Class, Name)                                                                \
     struct Class##_##Name                                                                          \
     {                                                                                              \
         static constexpr char className[] = #Class;                                                \
@@ -103,72 +104,72 @@ const bool RegisteredField<Tag, Member>::isNoted = note(Tag::className, Tag::fie
     };                                                                                             \
     template struct RegisteredField<Class##_##Name, &Class::Name>;
 
-NOTE_FIELD(DirectoryWatcher, m_fileSystemWatcher)
-NOTE_FIELD(DirectoryWatcher, m_delayTimer)
-NOTE_FIELD(DirectoryWatcher, m_delayInMs)
-NOTE_FIELD(DirectoryWatcher, m_changedDirectories)
-NOTE_FIELD(DragIndicator, m_instances)
-NOTE_FIELD(DragIndicator, m_textDateImported)
-NOTE_FIELD(ErrorContainer, m_errorCode)
-NOTE_FIELD(ErrorContainer, m_errorMessage)
-NOTE_FIELD(HardwareIdentification, m_isValid)
-NOTE_FIELD(HardwareIdentification, m_productGroupNumber)
-NOTE_FIELD(HardwareIdentification, m_basicTypeSupplement)
-NOTE_FIELD(HardwareIdentification, m_documentTypeCountingNumber)
-NOTE_FIELD(HardwareIdentification, m_customerVersion)
-NOTE_FIELD(HardwareIdentification, m_partsListSales)
-NOTE_FIELD(HardwareInfo, m_type)
-NOTE_FIELD(HardwareInfo, m_typeName)
-NOTE_FIELD(HardwareInfo, m_hwVersion)
-NOTE_FIELD(HardwareInfo, m_hwCompIndex)
-NOTE_FIELD(HardwareInfo, m_lpId)
-NOTE_FIELD(HardwareInfo, m_comment)
-NOTE_FIELD(HardwareInfoReader, m_headerAddress)
-NOTE_FIELD(HardwareInfoReader, m_headerSize)
-NOTE_FIELD(HardwareInfoReader, m_reservedField)
-NOTE_FIELD(HardwareInfoReader, m_startAddressField)
-NOTE_FIELD(HardwareInfoReader, m_bytesToReadField)
-NOTE_FIELD(HardwareInfoReader, m_checksumField)
-NOTE_FIELD(HardwareVersionIniManager, m_iniFileManager)
-NOTE_FIELD(HardwareVersionIniManager, m_tempFile)
-NOTE_FIELD(IniFileManager, m_settings)
-NOTE_FIELD(IniFileManager, m_mutex)
-NOTE_FIELD(KernelCommandLineParser, m_arguments)
-NOTE_FIELD(MediaWatcher, m_fileMatchPatternList)
-NOTE_FIELD(MediaWatcher, m_recursive)
-NOTE_FIELD(OrvalisVersionInfoIniManager, m_iniFileManager)
-NOTE_FIELD(QProcessHandler, m_process)
-NOTE_FIELD(QProcessHandler, m_waitForStartedTimeout)
-NOTE_FIELD(QProcessHandler, m_waitForFinishedTimeout)
-NOTE_FIELD(QProcessHandler, m_standardOutput)
-NOTE_FIELD(QProcessHandler, m_standardError)
-NOTE_FIELD(QProcessHandler, m_lastExitStatus)
-NOTE_FIELD(RaucSystemConfigIniManager, m_iniFileManager)
-NOTE_FIELD(RecursiveFileSearchWorkerThread, m_path)
-NOTE_FIELD(RecursiveFileSearchWorkerThread, m_fileMatchPatternList)
-NOTE_FIELD(TextFileParser, m_hasError)
-NOTE_FIELD(TextFileParser, m_lastError)
-NOTE_FIELD(TextFileParser, m_content)
-NOTE_FIELD(UniqueIdGenerator, m_counter)
-NOTE_FIELD(VersionFileIniManager, m_iniFileManager)
-NOTE_FIELD(VersionManager, m_mainVersion)
-NOTE_FIELD(VersionManager, m_baseNumber)
-NOTE_FIELD(VersionManager, m_majorIndex)
-NOTE_FIELD(VersionManager, m_minorIndex)
-NOTE_FIELD(VersionManager, m_testIndex)
-NOTE_FIELD(VersionManager, m_patchVersion)
-NOTE_FIELD(VersionManager, m_buildNumber)
-NOTE_FIELD(VersionManager, m_gitHash)
-NOTE_FIELD(VersionManager, m_isOldVersion)
-NOTE_FIELD(WildcardFilter, m_regExps)
+REGISTER_FIELD(DirectoryWatcher, m_fileSystemWatcher)
+REGISTER_FIELD(DirectoryWatcher, m_delayTimer)
+REGISTER_FIELD(DirectoryWatcher, m_delayInMs)
+REGISTER_FIELD(DirectoryWatcher, m_changedDirectories)
+REGISTER_FIELD(DragIndicator, m_instances)
+REGISTER_FIELD(DragIndicator, m_textDateImported)
+REGISTER_FIELD(ErrorContainer, m_errorCode)
+REGISTER_FIELD(ErrorContainer, m_errorMessage)
+REGISTER_FIELD(HardwareIdentification, m_isValid)
+REGISTER_FIELD(HardwareIdentification, m_productGroupNumber)
+REGISTER_FIELD(HardwareIdentification, m_basicTypeSupplement)
+REGISTER_FIELD(HardwareIdentification, m_documentTypeCountingNumber)
+REGISTER_FIELD(HardwareIdentification, m_customerVersion)
+REGISTER_FIELD(HardwareIdentification, m_partsListSales)
+REGISTER_FIELD(HardwareInfo, m_type)
+REGISTER_FIELD(HardwareInfo, m_typeName)
+REGISTER_FIELD(HardwareInfo, m_hwVersion)
+REGISTER_FIELD(HardwareInfo, m_hwCompIndex)
+REGISTER_FIELD(HardwareInfo, m_lpId)
+REGISTER_FIELD(HardwareInfo, m_comment)
+REGISTER_FIELD(HardwareInfoReader, m_headerAddress)
+REGISTER_FIELD(HardwareInfoReader, m_headerSize)
+REGISTER_FIELD(HardwareInfoReader, m_reservedField)
+REGISTER_FIELD(HardwareInfoReader, m_startAddressField)
+REGISTER_FIELD(HardwareInfoReader, m_bytesToReadField)
+REGISTER_FIELD(HardwareInfoReader, m_checksumField)
+REGISTER_FIELD(HardwareVersionIniManager, m_iniFileManager)
+REGISTER_FIELD(HardwareVersionIniManager, m_tempFile)
+REGISTER_FIELD(IniFileManager, m_settings)
+REGISTER_FIELD(IniFileManager, m_mutex)
+REGISTER_FIELD(KernelCommandLineParser, m_arguments)
+REGISTER_FIELD(MediaWatcher, m_fileMatchPatternList)
+REGISTER_FIELD(MediaWatcher, m_recursive)
+REGISTER_FIELD(OrvalisVersionInfoIniManager, m_iniFileManager)
+REGISTER_FIELD(QProcessHandler, m_process)
+REGISTER_FIELD(QProcessHandler, m_waitForStartedTimeout)
+REGISTER_FIELD(QProcessHandler, m_waitForFinishedTimeout)
+REGISTER_FIELD(QProcessHandler, m_standardOutput)
+REGISTER_FIELD(QProcessHandler, m_standardError)
+REGISTER_FIELD(QProcessHandler, m_lastExitStatus)
+REGISTER_FIELD(RaucSystemConfigIniManager, m_iniFileManager)
+REGISTER_FIELD(RecursiveFileSearchWorkerThread, m_path)
+REGISTER_FIELD(RecursiveFileSearchWorkerThread, m_fileMatchPatternList)
+REGISTER_FIELD(TextFileParser, m_hasError)
+REGISTER_FIELD(TextFileParser, m_lastError)
+REGISTER_FIELD(TextFileParser, m_content)
+REGISTER_FIELD(UniqueIdGenerator, m_counter)
+REGISTER_FIELD(VersionFileIniManager, m_iniFileManager)
+REGISTER_FIELD(VersionManager, m_mainVersion)
+REGISTER_FIELD(VersionManager, m_baseNumber)
+REGISTER_FIELD(VersionManager, m_majorIndex)
+REGISTER_FIELD(VersionManager, m_minorIndex)
+REGISTER_FIELD(VersionManager, m_testIndex)
+REGISTER_FIELD(VersionManager, m_patchVersion)
+REGISTER_FIELD(VersionManager, m_buildNumber)
+REGISTER_FIELD(VersionManager, m_gitHash)
+REGISTER_FIELD(VersionManager, m_isOldVersion)
+REGISTER_FIELD(WildcardFilter, m_regExps)
 
 // The record of a drag indicator is a nested class.
 using DragIndicatorInstance = DragIndicator::DragIndicatorInstance;
-NOTE_FIELD(DragIndicatorInstance, minValueDate)
-NOTE_FIELD(DragIndicatorInstance, maxValueDate)
-NOTE_FIELD(DragIndicatorInstance, minValue)
-NOTE_FIELD(DragIndicatorInstance, maxValue)
-NOTE_FIELD(DragIndicatorInstance, initialized)
+REGISTER_FIELD(DragIndicatorInstance, minValueDate)
+REGISTER_FIELD(DragIndicatorInstance, maxValueDate)
+REGISTER_FIELD(DragIndicatorInstance, minValue)
+REGISTER_FIELD(DragIndicatorInstance, maxValue)
+REGISTER_FIELD(DragIndicatorInstance, initialized)
 
 constexpr bool isWide = sizeof(void*) == 8;
 
@@ -198,7 +199,7 @@ QVector<const void*> tableEntries(const QByteArray& className)
     return entries;
 }
 
-// The words before the slots of each vtable.
+// The entries before the slots of each vtable.
 QByteArrayList tableHead(const QByteArray& className)
 {
     return {QByteArray(), "_ZTI" + mangled(className)};

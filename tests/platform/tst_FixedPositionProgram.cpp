@@ -9,7 +9,7 @@
 #endif
 
 // A position-dependent program: taking the address of a library function yields an address in the
-// program itself, which the library has to use as well.
+// program itself, which the library must use as well.
 class tst_FixedPositionProgram : public TestCase
 {
     Q_OBJECT

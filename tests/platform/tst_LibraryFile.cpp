@@ -31,7 +31,7 @@ namespace {
 const QString library = QStringLiteral(LIBRARY_FILE);
 const QString platformLibrary = QStringLiteral(PLATFORM_LIBRARY_FILE);
 
-// The lines that a tool prints about a file; none if it fails, which every caller would notice.
+// The lines that a tool prints about a file; none if the tool fails, which fails every test.
 QStringList linesOf(const QString& tool, const QStringList& arguments)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -175,12 +175,13 @@ Interface readSymbols(QStringList symbols)
     symbols.removeDuplicates();
     Interface interface;
     const QRegularExpression table("^vtable for (\\w+)$");
-    const QRegularExpression made("^(?:typeinfo for|typeinfo name for|(?:non-)?virtual thunk to) ");
+    const QRegularExpression generated(
+        "^(?:typeinfo for|typeinfo name for|(?:non-)?virtual thunk to) ");
     for (const QString& symbol : qAsConst(symbols)) {
         const QRegularExpressionMatch match = table.match(symbol);
         if (match.hasMatch()) {
             interface.classes.append(match.captured(1));
-        } else if (made.match(symbol).hasMatch()) {
+        } else if (generated.match(symbol).hasMatch()) {
             continue;
         } else if (symbol.contains(QLatin1Char('('))) {
             interface.functions.append(symbol.section(QLatin1Char('('), 0, 0));

@@ -1,5 +1,5 @@
-// Loaded before a program, makes it flush less: FLUSH_VOID=directories leaves out the flushes of
-// directories, FLUSH_VOID=all every flush.
+// Preloaded into a program, omits flushes: those of directories with FLUSH_VOID=directories, all
+// with FLUSH_VOID=all.
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,12 +11,12 @@ namespace {
 
 bool isVoid(int descriptor)
 {
-    const char* const what = std::getenv("FLUSH_VOID");
-    if (what == nullptr) {
+    const char* const omitted = std::getenv("FLUSH_VOID");
+    if (omitted == nullptr) {
         return false;
     }
     struct stat status = {};
-    return std::strcmp(what, "all") == 0 ||
+    return std::strcmp(omitted, "all") == 0 ||
            (fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode));
 }
 

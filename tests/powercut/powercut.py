@@ -1,8 +1,8 @@
-"""Cuts the power of an emulated machine while files are saved, at many points, and judges what is left.
+"""Simulates power cuts of a machine that saves files, and checks which files survive on its disks.
 
-A writer saves files on disks whose writes QEMU records, and notes on another partition of the same disk
-what was acknowledged. Each point of the record is a power cut: it shows what was on the disk, and what the
-writer had been told. See script/check powercut.
+On an emulated machine, a writer saves files, and notes on another partition of the same disk which contents
+were acknowledged. QEMU records all writes to the disks. Each point of the record is a power cut: it shows
+what was on the disk, and what had been acknowledged. See script/check powercut.
 """
 
 import argparse
@@ -38,7 +38,7 @@ NOTES_START = MIB // 2
 FILES_START = MIB
 LOG_SIZE = 4096 * MIB  # sparse
 
-# The library's, and the programs', which take longer.
+# The operations of the library, and of the programs, which take longer.
 LIBRARY = ["sync", "event-loop", "destructor", "first-save", "cleanUp", "firmware-marker", "reboot-marker"]
 TOOLS = ["eeprom-image", "ini-lint", "peak-meter", "run-and-grep"]
 NAMES = {
@@ -54,8 +54,8 @@ NAMES = {
     "peak-meter": "`peak-meter --file`",
     "run-and-grep": "`run-and-grep --output`",
 }
-# What makes one, its size, what mounts it, and what is saved there. Others than ext4 cannot be read
-# without the kernel: a machine mounts them after each cut.
+# How to create and mount a file system, its size, and the operations on it. Without the kernel, only ext4 can
+# be read: a machine mounts the others after each cut (is_mounted).
 Kind = collections.namedtuple("Kind", "make size mount operations is_mounted")
 MAKE_EXT4 = ["mke2fs", "-q", "-t", "ext4", "-b", "4096", "-J", "size=4"]
 FILE_SYSTEMS = {
@@ -66,10 +66,10 @@ FILE_SYSTEMS = {
 }
 ON_EXT4 = [name for name, kind in FILE_SYSTEMS.items() if not kind.is_mounted]
 ON_OTHERS = [name for name, kind in FILE_SYSTEMS.items() if kind.is_mounted]
-# What FlushVoid.cpp is told, further options of ext4, how often files are saved by library and programs,
-# and cuts for each way to cut, on ext4 and on others. Where nothing is flushed, what is half done gets to
-# the disk by the journal alone.
-Variant = collections.namedtuple("Variant", "void options library tools cuts cuts_of_others")
+# The value of FLUSH_VOID, further mount options of ext4, how often library and programs save files, and how
+# many cuts each way to cut gets, on ext4 and on the other file systems. Where nothing is flushed, only the
+# journal brings unfinished saves to the disk. The keys seed the choice of cuts.
+Variant = collections.namedtuple("Variant", "omitted options library tools cuts cuts_of_others")
 VARIANTS = {
     "as it is": Variant("", "", 60, 24, 160, 8),
     "directories": Variant("directories", "", 30, 12, 30, 2),
@@ -79,7 +79,7 @@ WAYS = ["in order", "harsh"]
 LOSSES = ["older", "missing", "empty", "damaged", "no file system"]
 DOCUMENT = pathlib.Path("docs/reliability.md")
 LOCKS = 6
-# A lock whose owner cannot be told is waited for half a minute.
+# Qt waits half a minute for a lock whose owner is unknown.
 LONGEST_START_IN_S = 15
 
 Job = collections.namedtuple("Job", "number file_system variant operation way image log")
@@ -96,7 +96,7 @@ def run(*command):
 
 
 def make_system(path):
-    """The disk that the machine starts from: busybox, Qt, the library and the programs of this build."""
+    """Creates the boot disk of the machine: busybox, Qt, the library and the programs of this build."""
     with tempfile.TemporaryDirectory() as directory:
         tree = pathlib.Path(directory) / "tree"
         shutil.copytree(PARTS / "system", tree, symlinks=True)
@@ -114,7 +114,8 @@ def make_system(path):
 
 
 def make_disk(path, kind):
-    """A disk with a partition for the notes and one with an empty file system."""
+    """Creates a disk with a partition for the notes and one with an empty file system; returns the latter's
+    image."""
     files = path.with_suffix(".files")
     with open(files, "wb") as file:
         file.truncate(kind.size)
@@ -130,14 +131,14 @@ def make_disk(path, kind):
 
 
 def write_image(file, start, image):
-    """Writes what an image holds beside zeros into a file."""
+    """Writes an image into a file, except for its zeros."""
     with open(image, "rb") as source:
-        place = start
+        position = start
         while chunk := source.read(65536):
             if chunk.strip(b"\0"):
-                file.seek(place)
+                file.seek(position)
                 file.write(chunk)
-            place += len(chunk)
+            position += len(chunk)
 
 
 def machine(directory, disks, log, more=()):
@@ -152,7 +153,7 @@ def machine(directory, disks, log, more=()):
 
 
 def recorded_disk(number, image, log):
-    """QEMU's arguments. What the machine flushes need not reach this machine's disk."""
+    """QEMU's arguments for a disk and the log of its writes. Flushes need not reach the disk of the host."""
     file = "driver=file,cache.no-flush=on"
     return [
         *["-blockdev", f"{file},node-name=image{number},filename={image}"],
@@ -163,7 +164,7 @@ def recorded_disk(number, image, log):
 
 
 def record(directory):
-    """Has the files saved; returns a list of jobs, what is to be judged."""
+    """Saves the files on a machine; returns the jobs, each a record to judge."""
     disks, jobs, arguments = [], [], []
     for file_system, kind in FILE_SYSTEMS.items():
         for variant in VARIANTS:
@@ -183,22 +184,22 @@ def record(directory):
             started = time.monotonic()
             disk = f"/dev/vd{chr(ord('b') + number)}"
             settings = VARIANTS[variant]
+            omitted = settings.omitted
             kind = FILE_SYSTEMS[file_system]
             options = "" if kind.is_mounted else settings.options
             guest.check(f"mount {kind.mount}{options} {disk}2 /data")
             for operation in kind.operations:
                 count = settings.library if operation in LIBRARY else settings.tools
-                void = f"LD_PRELOAD=libFlushVoid.so FLUSH_VOID={settings.void}" if settings.void else ""
-                guest.check(f"{void} powercut-writer {operation} {count} /data {disk}1")
+                preload = f"LD_PRELOAD=libFlushVoid.so FLUSH_VOID={omitted}" if omitted else ""
+                guest.check(f"{preload} powercut-writer {operation} {count} /data {disk}1")
             guest.check("umount /data")
             seconds = time.monotonic() - started
-            void = settings.void or "none"
-            print(f"recorded: {file_system}, void flushes: {void}: {seconds:.0f} s", flush=True)
+            print(f"recorded: {file_system}, omitted: {omitted or 'none'}: {seconds:.0f} s", flush=True)
         guest.qmp("quit")
     return jobs
 
 
-# --- the judgment
+# --- the losses
 
 
 def states_of(log, operation):
@@ -218,27 +219,27 @@ def states_of(log, operation):
     return states
 
 
-def cuts_of(states, count, chance):
-    """Entries after which the power is cut: half of them those of notes, when most is at stake."""
+def cuts_of(states, count, generator):
+    """Entries after which the power is cut. Half of them are notes: a save has just been acknowledged."""
     first, last = states[0].entry, states[-1].entry
     notes = [state.entry for state in states[1:]]
-    cuts = set(chance.sample(notes, min(count // 2, len(notes))))
+    cuts = set(generator.sample(notes, min(count // 2, len(notes))))
     while len(cuts) < min(count, last - first):
-        cuts.add(chance.randint(first, last))
+        cuts.add(generator.randint(first, last))
     return sorted(cuts)
 
 
 class FileSystem:
-    """A file system after a power cut, as the next start sees it."""
+    """A file system after a power cut, as the next boot sees it."""
 
     def __init__(self, path):
         self.path = path
         self._content = path.with_suffix(".content")
-        # What the kernel does with the journal when it mounts, and a check of all the rest.
-        self.is_whole = subprocess.run(["e2fsck", "-fy", self.path], capture_output=True).returncode < 4
+        # Replays the journal, as the kernel does on mounting, and checks the file system.
+        self.is_valid = subprocess.run(["e2fsck", "-fy", self.path], capture_output=True).returncode < 4
 
-    def look(self, path):
-        """Content of a file, None for none; and sizes of all in its directory by name."""
+    def read(self, path):
+        """The content of a file, None if it is missing; and the sizes of all in its directory by name."""
         self._content.unlink(missing_ok=True)
         commands = f"dump {path} {self._content}\nls -p {pathlib.PurePath(path).parent}\n"
         command = ["debugfs", "-f", "-", self.path]
@@ -251,7 +252,7 @@ class FileSystem:
 
 
 def judge_content(found, states, acknowledged):
-    """What was lost of a file; an empty text for nothing. The next state may be there already."""
+    """The kind of loss, empty for none. The file may already be in the next state."""
     state = states[acknowledged]
     allowed = [state.content]
     if acknowledged + 1 < len(states) and states[acknowledged + 1].path == state.path:
@@ -266,34 +267,34 @@ def judge_content(found, states, acknowledged):
 
 
 class Cuts:
-    """The power cuts of a job, one after the other."""
+    """The power cuts of a job."""
 
     def __init__(self, job):
         variant = VARIANTS[job.variant]
         is_mounted = FILE_SYSTEMS[job.file_system].is_mounted
         self._job = job
-        self._chance = random.Random(f"{job.file_system} {job.variant} {job.operation} {job.way}")
+        self._generator = random.Random(f"{job.file_system} {job.variant} {job.operation} {job.way}")
         self._log = BlockLog(job.log)
         self.states = states_of(self._log, job.operation)
         count = variant.cuts_of_others if is_mounted else variant.cuts
-        self.entries = cuts_of(self.states, count, self._chance)
+        self.entries = cuts_of(self.states, count, self._generator)
 
     def flushes(self):
-        """How often the disk was flushed for each save."""
+        """The number of disk flushes per save."""
         first, last = self.states[0].entry, self.states[-1].entry
         flushes = sum(bool(entry.flags & FLUSH) for entry in self._log.entries[first:last])
         return flushes / (len(self.states) - 1)
 
     def __iter__(self):
-        """For each cut its entry, the number of the state that was acknowledged, and a function that writes
-        what is on the disk into a file that holds the image."""
+        """For each cut: its entry, the number of the last acknowledged state, and a function that writes the
+        content of the disk into a file that contains the image."""
         disk = Disk(self._log, FILES_START, FILE_SYSTEMS[self._job.file_system].size)
         is_harsh = self._job.way == "harsh"
         for cut in self.entries:
             disk.advance(cut)
             acknowledged = max(i for i, state in enumerate(self.states) if state.entry <= cut)
             yield cut, acknowledged, lambda file, start: disk.write_after_cut(
-                file, start, lambda: not is_harsh or self._chance.random() < 0.5)
+                file, start, lambda: not is_harsh or self._generator.random() < 0.5)
 
 
 def is_temporary(name):
@@ -312,10 +313,10 @@ def judge(job):
                 file.write(image)
                 write(file, 0)
             files = FileSystem(path)
-            if not files.is_whole:
+            if not files.is_valid:
                 losses["no file system"] += 1
                 continue
-            found, sizes = files.look(cuts.states[acknowledged].path)
+            found, sizes = files.read(cuts.states[acknowledged].path)
             loss = judge_content(found, cuts.states, acknowledged)
             if loss:
                 losses[loss] += 1
@@ -329,8 +330,8 @@ def judge(job):
 
 
 def judge_mounted(directory, jobs):
-    """Judges the cuts of jobs on other file systems: a machine mounts them, one after the other, as parts of
-    one large disk."""
+    """Judges the cuts of jobs on other file systems: a machine mounts these one by one, as parts of a large
+    disk."""
     tasks, arguments = [], []
     for number, name in enumerate(ON_OTHERS):
         path = directory / f"cuts-{number}.img"
@@ -340,30 +341,30 @@ def judge_mounted(directory, jobs):
         start = 0
         with open(path, "wb") as file:
             for job in (job for job in jobs if job.file_system == name):
-                cuts, places = Cuts(job), []
+                cuts, images = Cuts(job), []
                 for _, acknowledged, write in cuts:
                     write_image(file, start, job.image)
                     write(file, start)
-                    places.append((start, acknowledged))
+                    images.append((start, acknowledged))
                     start += size
-                tasks.append((job, cuts, places, f"/dev/vd{chr(ord('b') + number)}"))
+                tasks.append((job, cuts, images, f"/dev/vd{chr(ord('b') + number)}"))
             file.truncate(start)
     with machine(directory, arguments, directory / "console-3.log") as guest:
         guest.wait_until_ready()
         return [judge_by_mounting(guest, *task) for task in tasks]
 
 
-def judge_by_mounting(guest, job, cuts, places, device):
+def judge_by_mounting(guest, job, cuts, images, device):
     losses, temporary = collections.Counter(), 0
-    for start, acknowledged in places:
+    for start, acknowledged in images:
         path = pathlib.PurePath(cuts.states[acknowledged].path)
-        answer = guest.check(
+        output = guest.check(
             f"losetup -o {start} /dev/loop0 {device}\n"
             f"if mount {FILE_SYSTEMS[job.file_system].mount} /dev/loop0 /data 2>/dev/null; then\n"
             f"if [ -e /data{path} ]; then echo content $(base64 -w 0 /data{path}); else echo none; fi\n"
-            f"ls /data{path.parent} 2>/dev/null\numount /data\nelse echo trouble; fi\nlosetup -d /dev/loop0")
-        first, *names = answer.split("\n")
-        if first == "trouble":
+            f"ls /data{path.parent} 2>/dev/null\numount /data\nelse echo damaged; fi\nlosetup -d /dev/loop0")
+        first, *names = output.split("\n")
+        if first == "damaged":
             losses["no file system"] += 1
             continue
         found = base64.b64decode(first.removeprefix("content")) if first.startswith("content") else None
@@ -371,7 +372,7 @@ def judge_by_mounting(guest, job, cuts, places, device):
         if loss:
             losses[loss] += 1
         temporary = max(temporary, sum(map(is_temporary, names)))
-    return Result(job, len(places), losses, temporary, [], cuts.flushes())
+    return Result(job, len(images), losses, temporary, [], cuts.flushes())
 
 
 def time_of_start(guest):
@@ -381,14 +382,14 @@ def time_of_start(guest):
 
 
 def start_times(directory, locks):
-    """How long a sync takes in each file system with a lock, on a machine that has just started; the last one
-    is that with an empty lock, which is waited for."""
+    """The time of a sync in each file system with a lock, on a machine that has just booted. The last time is
+    that with an empty lock, for which Qt waits."""
     images = [lock.image for lock in locks if lock.image][:LOCKS]
     arguments = []
     for number, image in enumerate(images):
         arguments += ["-blockdev", f"driver=file,node-name=disk{number},filename={image}"]
         arguments += ["-device", f"virtio-blk-pci,drive=disk{number}"]
-    # No later than the cut, so that no lock is taken for its age.
+    # The clock is not after the cuts: otherwise Qt removes a lock for its age.
     clock = time.strftime("%Y-%m-%dT%H:%M:%S", time.gmtime((directory / "system.img").stat().st_mtime))
     times = []
     with machine(directory, arguments, directory / "console-2.log", ["-rtc", f"base={clock}"]) as guest:
@@ -412,8 +413,8 @@ def cell(cuts, losses):
 
 
 def table(results, operations, columns):
-    """columns: titles, and what a job has to be to count there."""
-    lines = ["| lost of the cuts | " + " | ".join(columns) + " |", "|---" * (len(columns) + 1) + "|"]
+    """columns: the title of each column, and a function that selects its jobs."""
+    lines = ["| cuts with losses | " + " | ".join(columns) + " |", "|---" * (len(columns) + 1) + "|"]
     for operation in [*operations, None]:
         cells = [NAMES[operation] if operation else "all"]
         for fits in columns.values():
@@ -440,10 +441,10 @@ def tables(results):
     on_others = FILE_SYSTEMS[ON_OTHERS[0]].operations
     return "\n\n".join([
         table(results, LIBRARY + TOOLS, own(ON_EXT4)),
-        "The controls:", table(results, LIBRARY + TOOLS, controls(ON_EXT4)),
-        "Other file systems, which the kernel of a machine mounts after each cut:",
+        "Controls:", table(results, LIBRARY + TOOLS, controls(ON_EXT4)),
+        "Other file systems, which an emulated machine mounts after each cut:",
         table(results, on_others, own(ON_OTHERS)), table(results, on_others, controls(ON_OTHERS)),
-        "Flushes of the disk for each save, with the flush of the directory and without it:",
+        "Flushes of the disk per save, with and without the flush of the directory:",
         flush_table(results)])
 
 
@@ -462,7 +463,7 @@ def flush_table(results):
 
 
 def lost(results, variant):
-    """Which part of the cuts lost something."""
+    """The share of the cuts that lost something."""
     chosen = [result for result in results if result.job.variant == variant]
     return sum(sum(result.losses.values()) for result in chosen) / sum(result.cuts for result in chosen)
 
@@ -473,17 +474,18 @@ def problems(results, times):
         found.append(f"{100 * lost(results, 'as it is'):.1f} % of the cuts lost something")
     for operation in LIBRARY + TOOLS:
         if not lost([result for result in results if result.job.operation == operation], "directories"):
-            found.append(f"blind: nothing is lost of {operation} with directories not flushed")
+            found.append(f"ineffective control: no loss of {operation} with directories not flushed")
     if lost(results, "all") <= lost(results, "directories"):
-        found.append("blind: with nothing flushed no more is lost than with directories not flushed")
+        found.append("ineffective control: no more losses with nothing flushed than with "
+                     "directories not flushed")
     if not any(result.losses["empty"] for result in results if result.job.variant == "all"):
-        found.append("blind: with nothing flushed no file is empty")
+        found.append("ineffective control: no empty file with nothing flushed")
     if max(result.temporary for result in results if result.job.variant == "as it is") > 1:
-        found.append("more than one temporary file stays")
+        found.append("a cut left more than one temporary file")
     if len(times) < 2 or max(times[:-1]) > LONGEST_START_IN_S:
-        found.append(f"a lock that stayed delays the next start: {times}")
+        found.append(f"a leftover lock delays the next start: {times}")
     elif times[-1] < LONGEST_START_IN_S:
-        found.append("blind: a lock that must delay the next start does not")
+        found.append("ineffective control: an empty lock does not delay the next start")
     return found
 
 
@@ -514,19 +516,19 @@ def main():
                        if result.job.operation == "sync" and result.job.file_system in ON_EXT4)
     times = start_times(directory, locks)
     text = tables(results)
-    text += (f"\n\nA lock stayed in {len(locks)} of the {cuts_of_sync} cuts of `sync()` on ext4, "
-             f"{sum(lock.size == 0 for lock in locks)} of them empty. With {len(times) - 1} of "
-             f"them, the start of a program and its first sync after the next boot took "
-             f"{max(times[:-1], default=0):.1f} s at most; with an empty one, made for comparison, "
-             f"{times[-1] if times else 0:.0f} s. No cut left more than "
-             f"{max(result.temporary for result in own)} temporary files.")
+    text += (f"\n\nOf the {cuts_of_sync} cuts of `sync()` on ext4, {len(locks)} left a lock file; "
+             f"{sum(lock.size == 0 for lock in locks)} of these were empty. With {len(times) - 1} of "
+             f"the lock files, the start of a program and its first sync after the next boot took "
+             f"{max(times[:-1], default=0):.1f} s at most; with an empty one, created for comparison, "
+             f"{times[-1] if times else 0:.0f} s. Temporary files after a cut, at most: "
+             f"{max(result.temporary for result in own)}.")
     print(f"\n{text}\n")
     if arguments.update_docs:
         update_document(text)
-    trouble = problems(results, times)
-    for problem in trouble:
+    found = problems(results, times)
+    for problem in found:
         print(f"script/check powercut: {problem}")
-    return 1 if trouble else 0
+    return 1 if found else 0
 
 
 if __name__ == "__main__":

@@ -1,12 +1,11 @@
-// Saves a file in one way, again and again, each time with another content, for script/check
+// Saves a file repeatedly with one operation, each time with new content, for script/check
 // powercut.
 //
 //     powercut-writer OPERATION GENERATIONS DIRECTORY NOTES|-
 //     powercut-writer --times GENERATIONS DIRECTORY
 //
-// After each call has returned it notes, on the block device NOTES and past all caches, which
-// content was acknowledged. With --times it prints what each operation of the library takes
-// instead.
+// After each call it notes on the block device NOTES, bypassing all caches, which content was
+// acknowledged. --times measures operations of the library instead.
 #include "BootInformationHelper.h"
 #include "IniFileManager.h"
 
@@ -34,13 +33,13 @@ namespace {
 
 constexpr size_t noteSize = 4096;
 
-[[noreturn]] void fail(const QString& trouble)
+[[noreturn]] void fail(const QString& reason)
 {
-    std::fprintf(stderr, "powercut-writer: %s\n", qPrintable(trouble));
+    std::fprintf(stderr, "powercut-writer: %s\n", qPrintable(reason));
     std::exit(1);
 }
 
-// Past what may have been loaded to make flushes void: only those under test are to be.
+// Bypasses FlushVoid.cpp, which must omit only the flushes under test.
 void flushReally(const QString& path)
 {
     const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
@@ -50,7 +49,7 @@ void flushReally(const QString& path)
     close(descriptor);
 }
 
-// A file that is there after a power cut, whole.
+// Writes a file that survives a power cut.
 void writeDurably(const QString& directory, const QString& name, const QByteArray& content)
 {
     const QString path = directory + QLatin1Char('/') + name;
@@ -79,7 +78,7 @@ public:
         }
     }
 
-    // The next state of the operation's file was acknowledged: what it holds now.
+    // Notes the file's content as the operation's last acknowledged state.
     void acknowledge(const QString& operation, int generation, const QString& path)
     {
         if (m_descriptor < 0) {
@@ -107,7 +106,6 @@ private:
 
 Notes notes;
 
-// The directory and the number of generations.
 struct Work
 {
     QString operation;
@@ -158,7 +156,7 @@ void destructor(const Work& work)
     }
 }
 
-// QSettings makes the directory, too.
+// QSettings creates the directory, too.
 void firstSave(const Work& work)
 {
     for (int generation = 1; generation <= work.generations; ++generation) {
@@ -189,7 +187,7 @@ void cleanUp(const Work& work)
     }
 }
 
-// Two generations for each marker: that it is there, and that it is removed.
+// Two generations for each marker: created, and removed.
 void removeMarkers(const Work& work, const QString& path,
                    void (BootInformationHelper::*remove)() const)
 {
@@ -202,7 +200,7 @@ void removeMarkers(const Work& work, const QString& path,
     }
 }
 
-// The markers are at fixed paths: the directory takes the place of the root.
+// The markers have fixed paths: the directory becomes the root.
 void enter(const QString& directory)
 {
     if (chroot(QFile::encodeName(directory).constData()) != 0 || chdir("/") != 0) {
@@ -257,7 +255,7 @@ void eepromImage(const Work& work)
     }
 }
 
-// Two generations for each file: as it is written, and cleaned up.
+// Two generations for each file: written, and cleaned up.
 void iniLint(const Work& work)
 {
     for (int generation = 1; generation <= work.generations; generation += 2) {
@@ -317,7 +315,7 @@ void write(const char* name, const char* generations, const char* directory)
                        QByteArray(generations).toInt()};
     if (operation == std::end(operations) || work.generations < 1 ||
         !QDir().mkpath(work.directory)) {
-        fail(QStringLiteral("no such operation, number or directory"));
+        fail(QStringLiteral("invalid operation, number of generations or directory"));
     }
     flushReally(parent);
     flushReally(work.directory);
@@ -325,7 +323,7 @@ void write(const char* name, const char* generations, const char* directory)
     operation->write(work);
 }
 
-// The median of a call, in microseconds.
+// Prints the median and the 90th percentile of a call's duration.
 template <typename Call>
 void measure(const char* name, int calls, Call call)
 {

@@ -1,5 +1,5 @@
-// Loaded before a program, appends the path of each directory that it flushes as a line to the file
-// that FLUSH_LOG names.
+// Preloaded into a program, appends a line to the file FLUSH_LOG for each directory that the
+// program flushes: its path.
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
-// Checks the findings of ini-lint in all files of directories against what QSettings reads, and
-// prints how many there are of each rule and severity.
+// Compares the findings of ini-lint in all files of directories with what QSettings reads, and
+// prints the number of findings by rule and severity.
 #include "LintTruth.h"
 
 #include "ini-lint/FindingFilter.h"
@@ -25,7 +25,7 @@ struct Count
 struct Corpus
 {
     QMap<QString, Count> rules;        // by rule and severity
-    QMap<QString, QVector<int>> shown; // how many findings a file has, by what its name ends in
+    QMap<QString, QVector<int>> shown; // numbers of findings of the files, by suffix
     int contradictions = 0;
 };
 
@@ -100,7 +100,7 @@ int main(int argc, char* argv[])
     const QStringList names = {"*.ini", "*.conf", "*.desktop", "*.service"};
     const QTemporaryDir copies;
     if (argc < 2 || !copies.isValid()) {
-        std::fputs("usage: ini-corpus DIRECTORY...; TMPDIR takes copies\n", stderr);
+        std::fputs("usage: ini-corpus DIRECTORY...; copies are created in TMPDIR\n", stderr);
         return 2;
     }
     qInstallMessageHandler(&ignoreMessages);

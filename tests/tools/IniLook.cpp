@@ -5,7 +5,7 @@
 
 namespace {
 
-// The characters that bytes look like: UTF-8 if they are that.
+// Decodes bytes as UTF-8 if they are valid UTF-8, otherwise as Latin-1.
 QString decoded(const QString& bytes)
 {
     const QByteArray text = bytes.toLatin1();
@@ -17,7 +17,7 @@ QString decoded(const QString& bytes)
 
 const QByteArray byteOrderMark = "\xEF\xBB\xBF"; // of UTF-8
 
-// UTF-16 becomes UTF-8, and a mark that nobody sees goes.
+// Converts UTF-16 to UTF-8 and removes a byte order mark, which editors do not show.
 QByteArray plain(const QByteArray& text)
 {
     if (text.startsWith(byteOrderMark)) {
@@ -27,7 +27,7 @@ QByteArray plain(const QByteArray& text)
     return marked != nullptr ? marked->toUnicode(text).toUtf8() : text;
 }
 
-// Without spaces and tabs around it.
+// Without leading and trailing spaces and tabs.
 QString trimmed(const QString& text)
 {
     static const QRegularExpression outer(QStringLiteral("^[ \\t]+|[ \\t]+$"));
@@ -42,7 +42,7 @@ QString withoutQuotes(const QString& value)
     return isQuoted ? value.mid(1, value.size() - 2) : value;
 }
 
-// With what ends them.
+// The lines with their line endings.
 QList<QByteArray> linesOf(const QByteArray& text)
 {
     QList<QByteArray> lines = {QByteArray()};

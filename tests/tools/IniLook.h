@@ -7,8 +7,8 @@
 #include <QtCore/QVector>
 
 /*
- * An INI text as people see it in an editor: each line is a comment, a section, a key with a value,
- * or none of these; a pair of quotes around a value is no part of it. Knows nothing of QSettings.
+ * An INI text as it looks in an editor: each line is a comment, a section, a key with a value, or
+ * none of these; a pair of quotes around a value is not part of it. Independent of QSettings.
  */
 class IniLook
 {
@@ -24,11 +24,11 @@ public:
     struct Line
     {
         Kind kind;
-        QString section; // that the line is in, or begins
-        QString name;    // of an entry's key; of another line all of it
+        QString section; // that contains the line or begins with it
+        QString name;    // the key of an entry; the entire line if it is of the kind Other
         QString value;
 
-        // The name for a look-up. [General] is known to be the top level.
+        // The path for a look-up, for which [General] is the top level.
         QString path() const;
     };
 
@@ -38,16 +38,16 @@ public:
     int count() const { return m_lines.size(); }
     const Line& line(int number) const { return m_lines.at(number - 1); }
 
-    // The text with one more line after a line.
+    // The text with a line added after a line.
     QByteArray withLineAfter(int number, const QByteArray& added) const;
-    // The text with an empty line in a line's place; a byte order mark stays.
+    // The text with a line replaced by an empty one; a byte order mark stays.
     QByteArray withoutLine(int number) const;
 
 private:
-    // Of each byte a character.
+    // bytes has one character for each byte.
     void addLine(const QString& bytes);
 
-    QList<QByteArray> m_bytes; // of the lines, as they are in the file
+    QList<QByteArray> m_bytes; // of each line in the file
     QVector<Line> m_lines;
     QString m_section;
 };

@@ -12,8 +12,8 @@ namespace {
 
 const QString notFound = QStringLiteral("(not found)");
 
-// A path that QSettings takes for another one.
-bool isAskable(const QString& path)
+// Whether QSettings looks up the path as it is; it normalizes others.
+bool isNormalized(const QString& path)
 {
     const QLatin1Char slash('/');
     return !path.isEmpty() && !path.startsWith(slash) && !path.endsWith(slash) &&
@@ -36,7 +36,7 @@ LintTruth::LintTruth(const QByteArray& text, const Findings& findings, const QSt
 {
 }
 
-// QSettings keeps what it has read of a file, so each copy has a name of its own.
+// QSettings caches what it has read from a file, so each copy has a different name.
 QString LintTruth::writeCopy(const QByteArray& text) const
 {
     static int copies = 0;
@@ -52,7 +52,7 @@ LintTruth::Reading LintTruth::readAll(const QString& filePath)
     const QSettings settings(filePath, QSettings::IniFormat);
     Reading result;
     for (const QString& key : settings.allKeys()) {
-        if (isAskable(key)) {
+        if (isNormalized(key)) {
             result.values.insert(key, settings.value(key));
         }
     }
@@ -99,13 +99,13 @@ bool LintTruth::isTrue(const Finding& error) const
     const int line = error.firstLine;
     if (error.rule == QStringLiteral("multi-line")) {
         const QRegularExpressionMatch match = lastLine.match(error.message);
-        return isLinesPartLost(line, match.hasMatch() ? match.captured(1).toInt() : m_look.count());
+        return isAnyLineLost(line, match.hasMatch() ? match.captured(1).toInt() : m_look.count());
     }
     if (error.message.contains(QStringLiteral("UTF-16"))) {
-        return isLinesPartLost(1, m_look.count());
+        return isAnyLineLost(1, m_look.count());
     }
     if (error.rule == QStringLiteral("read-order")) {
-        return isOrderFelt(m_look.line(line).path());
+        return dependsOnOrder(m_look.line(line).path());
     }
     if (error.rule == QStringLiteral("no-equals")) {
         return isOtherLineSkipped(line);
@@ -116,12 +116,12 @@ bool LintTruth::isTrue(const Finding& error) const
     case IniLook::Section:
         return isSectionLost(line);
     default:
-        // Such as "[a]b": whatever it means, it is not read as that.
+        // Such as "[a]b": its text must not be read as a key.
         return !m_reading.values.contains(m_look.line(line).path());
     }
 }
 
-// Whether an entry has the value that it seems to have.
+// Whether an entry has the value that it appears to have.
 bool LintTruth::isLineRead(int number) const
 {
     const IniLook::Line& line = m_look.line(number);
@@ -129,7 +129,7 @@ bool LintTruth::isLineRead(int number) const
     return value != m_reading.values.cend() && value->toString() == line.value;
 }
 
-bool LintTruth::isLinesPartLost(int first, int last) const
+bool LintTruth::isAnyLineLost(int first, int last) const
 {
     for (int number = first; number <= qMin(last, m_look.count()); ++number) {
         const IniLook::Kind kind = m_look.line(number).kind;
@@ -141,11 +141,11 @@ bool LintTruth::isLinesPartLost(int first, int last) const
     return false;
 }
 
-// Whether a key in the next line would not be in the section in which it seems to be.
+// Whether a key in the next line would not be in the section in which it appears to be.
 bool LintTruth::isSectionLost(int number) const
 {
     IniLook::Line probe = m_look.line(number);
-    probe.name = QStringLiteral("a key that tries it");
+    probe.name = QStringLiteral("a probe key");
     const QByteArray text = m_look.withLineAfter(number, probe.name.toLatin1() + "=1");
     return !readCopy(text).values.contains(probe.path());
 }
@@ -164,20 +164,20 @@ bool LintTruth::isOtherLineSkipped(int number) const
 }
 
 // Whether the value of a path depends on what was looked up before.
-bool LintTruth::isOrderFelt(const QString& path) const
+bool LintTruth::dependsOnOrder(const QString& path) const
 {
     const QString copy = writeCopy(m_text);
-    QSet<QString> answers = {m_reading.values.value(path, notFound).toString()};
+    QSet<QString> values = {m_reading.values.value(path, notFound).toString()};
     {
         const QSettings settings(copy, QSettings::IniFormat);
         for (int i = 0; i < 2; ++i) {
-            answers.insert(settings.contains(path) ? settings.value(path).toString() : notFound);
+            values.insert(settings.contains(path) ? settings.value(path).toString() : notFound);
         }
         (void)settings.allKeys();
-        answers.insert(settings.value(path).toString());
+        values.insert(settings.value(path).toString());
     }
     QFile::remove(copy);
-    return answers.size() > 1;
+    return values.size() > 1;
 }
 
 QStringList LintTruth::surprises() const
@@ -189,7 +189,7 @@ QStringList LintTruth::surprises() const
         if (line.kind == IniLook::Other) {
             result.append(QStringLiteral("line %1: is skipped").arg(number));
         } else if (line.kind == IniLook::Entry) {
-            const QString value = isAskable(line.path()) ? firstLookUp(line.path()) : notFound;
+            const QString value = isNormalized(line.path()) ? firstLookUp(line.path()) : notFound;
             paths.insert(line.path());
             if (value != line.value) {
                 result.append(QStringLiteral("line %1: '%2' is read as '%3'")
@@ -197,7 +197,7 @@ QStringList LintTruth::surprises() const
             }
         }
     }
-    // A key that is commented out with '#' is read as another key, which nobody looks up.
+    // A key that is commented out with '#' is read as another key, which no program looks up.
     static const QRegularExpression comment(QStringLiteral("(^|/)(\u00EF\u00BB\u00BF)?[ \\t]*#"));
     for (const QString& path : m_reading.values.keys()) {
         if (!paths.contains(path) && !path.contains(comment)) {

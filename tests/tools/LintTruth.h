@@ -9,20 +9,20 @@
 #include <QtCore/QVariantMap>
 
 /*
- * Compares the findings in a text with what QSettings reads: each error must be a place that is
- * read otherwise than it looks, and in a text without errors and warnings there must be none.
+ * Compares the findings in a text with what QSettings reads: each error must mark a place that is
+ * read differently than it looks; a text without errors and warnings must have no such place.
  */
 class LintTruth
 {
 public:
-    // Copies of the text are made in a directory.
+    // Creates copies of the text in a directory.
     LintTruth(const QByteArray& text, const Findings& findings, const QString& directory);
 
-    // What contradicts QSettings; "line 3: [rule] ...".
+    // Where findings and QSettings contradict each other, such as "line 3: [rule] ...".
     QStringList contradictions() const;
 
 private:
-    // What the text is read as by a program that lists all keys first.
+    // What a program reads that lists all keys first.
     struct Reading
     {
         QVariantMap values;
@@ -34,12 +34,12 @@ private:
 
     bool isTrue(const Finding& error) const;
     bool isLineRead(int number) const;
-    bool isLinesPartLost(int first, int last) const;
+    bool isAnyLineLost(int first, int last) const;
     bool isSectionLost(int number) const;
     bool isOtherLineSkipped(int number) const;
-    bool isOrderFelt(const QString& path) const;
+    bool dependsOnOrder(const QString& path) const;
 
-    // What differs although nothing was found.
+    // What QSettings reads differently than it looks, in a text without findings.
     QStringList surprises() const;
     QString firstLookUp(const QString& path) const;
 

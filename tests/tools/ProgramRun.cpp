@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int longWhileInMs = 30000;
+constexpr int timeoutInMs = 30000;
 
 } // namespace
 
@@ -26,7 +26,7 @@ QStringList preloadOf(const QString& libraryPath)
     return {QStringLiteral("LD_LIBRARY_PATH=%1:%2")
                 .arg(library.path(), qEnvironmentVariable("LD_LIBRARY_PATH")),
             QStringLiteral("LD_PRELOAD=") + library.fileName(),
-            // The runtime of a sanitizer must be loaded first unless it is told otherwise.
+            // By default, the runtime of a sanitizer insists on being loaded first.
             QStringLiteral("ASAN_OPTIONS=verify_asan_link_order=0")};
 }
 
@@ -51,7 +51,7 @@ void ProgramRun::ForegroundProcess::setupChildProcess()
 void ProgramRun::write(const QByteArray& input)
 {
     m_process.write(input);
-    while (m_process.bytesToWrite() > 0 && m_process.waitForBytesWritten(longWhileInMs)) {
+    while (m_process.bytesToWrite() > 0 && m_process.waitForBytesWritten(timeoutInMs)) {
     }
 }
 
@@ -64,8 +64,8 @@ bool ProgramRun::waitForOutput(const QString& text, int times)
 {
     QElapsedTimer clock;
     clock.start();
-    while (m_output.count(text.toUtf8()) < times && clock.elapsed() < longWhileInMs) {
-        const bool hasMore = m_process.waitForReadyRead(longWhileInMs);
+    while (m_output.count(text.toUtf8()) < times && clock.elapsed() < timeoutInMs) {
+        const bool hasMore = m_process.waitForReadyRead(timeoutInMs);
         m_output += m_process.readAllStandardOutput();
         if (!hasMore) {
             break;
@@ -84,7 +84,7 @@ ProgramResult ProgramRun::finish()
     ProgramResult result;
     m_process.closeWriteChannel();
     const bool isFinished =
-        m_process.state() == QProcess::NotRunning || m_process.waitForFinished(longWhileInMs);
+        m_process.state() == QProcess::NotRunning || m_process.waitForFinished(timeoutInMs);
     if (isFinished && m_process.error() != QProcess::FailedToStart &&
         m_process.exitStatus() == QProcess::NormalExit) {
         result.exitCode = m_process.exitCode();

@@ -5,23 +5,23 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// What a run of a program leaves behind.
+// The result of running a program.
 struct ProgramResult
 {
-    int exitCode = -1; // also of one that did not end by itself
+    int exitCode = -1; // of a program that did not exit by itself, too
     QString output;
     QString errors;
 };
 
-// Fails the test unless the run ended like that; the errors first, as they say most.
+// Fails the test unless the result is this one. Compares the errors first: they explain most.
 void verifyResult(const ProgramResult& result, int exitCode, const QString& output,
                   const QString& errors = QString());
 
-// Variables, as env takes them, that preload a library. Paths in LD_PRELOAD end at a space, so it
-// holds the name of the file alone.
+// Arguments for env that preload a library. A path in LD_PRELOAD ends at a space, so LD_PRELOAD is
+// only the name of the file.
 QStringList preloadOf(const QString& libraryPath);
 
-// A run of a program in a directory, which also takes its temporary files unless told otherwise.
+// A run of a program in a directory, which is also the default for its temporary files.
 class ProgramRun
 {
 public:
@@ -32,17 +32,18 @@ public:
     ProgramRun(const QString& program, const QStringList& arguments, const QString& directory,
                const QString& temporaryDirectory);
 
-    // Gives the program input on its standard input.
+    // Writes to the standard input of the program.
     void write(const QByteArray& input);
     void send(int signalNumber);
-    // Waits until the program has written text on its standard output, so many times.
+    // Waits until the program has written text to its standard output that many times.
     bool waitForOutput(const QString& text, int times = 1);
     bool isRunning() const;
-    // Ends the input and waits for the end.
+    // Closes the input and waits until the program exits.
     ProgramResult finish();
 
 private:
-    // Takes signals as in the foreground: nohup and shells make what they start ignore some.
+    // Resets ignored signals: nohup and shells start background processes with some of them
+    // ignored.
     class ForegroundProcess : public QProcess
     {
     protected:

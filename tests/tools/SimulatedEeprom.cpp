@@ -1,8 +1,9 @@
 // Preloaded into a program, makes a file named "eeprom" behave like the kernel's file of an EEPROM:
-// seeking beyond its end fails. Environment variables add events:
-//   EEPROM_LOG      a file that gets a line "OFFSET SIZE" for each write
-//   EEPROM_FAILS, EEPROM_SIGNALS, EEPROM_PROTECTS
-//                   offset of the write that fails, that SIGTERM comes with, that changes nothing
+// seeking beyond its end fails. Environment variables:
+//   EEPROM_LOG       a file to which each write appends a line "OFFSET SIZE"
+//   EEPROM_FAILS     offset of a write that fails
+//   EEPROM_SIGNALS   offset of a write during which SIGTERM arrives
+//   EEPROM_PROTECTS  offset of a write that has no effect
 #include <dlfcn.h>
 #include <linux/magic.h>
 #include <sys/stat.h>

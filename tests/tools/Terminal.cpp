@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int longWhileInMs = 30000;
+constexpr int timeoutInMs = 30000;
 constexpr int pollIntervalInMs = 20;
 
 class TerminalProcess : public QProcess
@@ -29,7 +29,7 @@ private:
     int m_descriptor;
 };
 
-// As the program wrote it: the terminal makes no "\r\n" of a "\n".
+// The terminal passes bytes unchanged; otherwise it would convert "\n" to "\r\n".
 void setRaw(int terminal)
 {
     termios settings = {};
@@ -46,7 +46,7 @@ Terminal::Terminal(int columns, Stream stream)
     , m_line(-1)
 {
     if (m_screen < 0 || grantpt(m_screen) != 0 || unlockpt(m_screen) != 0) {
-        qFatal("there is no terminal to be had");
+        qFatal("no pseudo-terminal is available");
     }
     m_line = open(ptsname(m_screen), O_RDWR | O_NOCTTY | O_CLOEXEC);
     winsize size = {};
@@ -58,7 +58,7 @@ Terminal::Terminal(int columns, Stream stream)
 
 Terminal::~Terminal()
 {
-    // Of a test that failed half-way.
+    // After a test that failed early.
     if (!m_process.isNull()) {
         finish();
     }
@@ -83,7 +83,7 @@ void Terminal::start(const QString& program, const QStringList& arguments)
 void Terminal::write(const QByteArray& input)
 {
     m_process->write(input);
-    m_process->waitForBytesWritten(longWhileInMs);
+    m_process->waitForBytesWritten(timeoutInMs);
 }
 
 bool Terminal::waitForText(const QByteArray& text)
@@ -91,7 +91,7 @@ bool Terminal::waitForText(const QByteArray& text)
     QElapsedTimer clock;
     clock.start();
     while (!m_written.contains(text) && m_process->state() != QProcess::NotRunning &&
-           clock.elapsed() < longWhileInMs) {
+           clock.elapsed() < timeoutInMs) {
         m_process->waitForFinished(pollIntervalInMs);
         m_written += readAll();
     }
@@ -103,9 +103,9 @@ QByteArray Terminal::finish()
     m_process->closeWriteChannel();
     QElapsedTimer clock;
     clock.start();
-    // Read all the time: a terminal that nobody reads stops its program.
+    // Reads continuously: a program blocks when its terminal is not read.
     while (!m_process->waitForFinished(pollIntervalInMs) &&
-           m_process->state() != QProcess::NotRunning && clock.elapsed() < longWhileInMs) {
+           m_process->state() != QProcess::NotRunning && clock.elapsed() < timeoutInMs) {
         m_written += readAll();
     }
     m_process.reset();

@@ -9,7 +9,7 @@
 
 class QProcess;
 
-// A terminal of its own that a program writes to; what the program reads does not come from there.
+// A pseudo-terminal that shows the output of a program. The program's input does not come from it.
 class Terminal
 {
 public:
@@ -23,18 +23,18 @@ public:
     explicit Terminal(int columns, Stream stream = StandardOutput);
     ~Terminal();
 
-    // Runs program to its end; gives all that reached the terminal, as it was written.
+    // Runs program until it exits; returns all bytes that it wrote to the terminal.
     QByteArray run(const QString& program, const QStringList& arguments);
 
-    // The same step by step: begins a program, gives it input, waits until it has written text.
+    // The same in steps: starts a program, writes to its input, waits until it has written text.
     void start(const QString& program, const QStringList& arguments);
     void write(const QByteArray& input);
     bool waitForText(const QByteArray& text);
-    // Ends the input; gives all that was written.
+    // Closes the input; returns all bytes that the program wrote.
     QByteArray finish();
 
-    // What a person sees in the end, as the lines of the screen without trailing blanks. A carriage
-    // return goes back to the begin of the line, whose characters stay until others cover them.
+    // The lines of the screen without trailing spaces. Characters after a carriage return overwrite
+    // those of the line.
     static QList<QByteArray> screenAfter(const QByteArray& written);
 
 private:

@@ -24,7 +24,7 @@ struct Result
     QByteArray errors;
 };
 
-// Standard output goes to outputPath where one is given.
+// Redirects standard output to outputPath if that is not empty.
 Result runReport(const QStringList& arguments, const QString& outputPath = QString())
 {
     QProcess process;
@@ -37,13 +37,13 @@ Result runReport(const QStringList& arguments, const QString& outputPath = QStri
     }
     process.start(QStringLiteral(DEVICE_REPORT_PROGRAM), arguments);
     if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
-        qFatal("the report does not end well");
+        qFatal("device-report did not exit normally");
     }
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
-// Where a value breaks the schema, by the keywords that ours uses; a keyword that is unknown here
-// breaks it, too.
+// Where a value violates the schema. Knows the keywords that our schema uses; an unknown keyword is
+// a violation, too.
 QStringList violations(const QJsonValue& value, const QJsonObject& schema, const QJsonObject& root,
                        const QString& place)
 {
@@ -101,7 +101,7 @@ QJsonObject toObject(const QByteArray& json)
     return QJsonDocument::fromJson(json).object();
 }
 
-// Every file of the device with its content and time.
+// Every file of the device with its modification time and content.
 QStringList device()
 {
     QStringList files;
@@ -126,7 +126,7 @@ QStringList device()
 
 } // namespace
 
-// The program, run as its user would run it.
+// The program device-report.
 class tst_DeviceReport : public TestCase
 {
     Q_OBJECT
@@ -134,36 +134,36 @@ class tst_DeviceReport : public TestCase
 private Q_SLOTS:
     void completeDeviceAsText();
     void completeDeviceAsJson();
-    void jsonFitsTheSchema_data();
-    void jsonFitsTheSchema();
+    void jsonMatchesTheSchema_data();
+    void jsonMatchesTheSchema();
     void emptyDeviceAsText();
     void emptyDeviceAsJson();
-    void fileMissing_data();
-    void fileMissing();
-    void valueMissing_data();
-    void valueMissing();
-    void commandLineMissing();
+    void missingFileIsReported_data();
+    void missingFileIsReported();
+    void missingValueIsReported_data();
+    void missingValueIsReported();
+    void missingCommandLineIsReported();
     void versionParts_data();
     void versionParts();
     void bootModes_data();
     void bootModes();
-    void eepromFailures_data();
-    void eepromFailures();
-    void boardWithoutFields();
-    void hardwareIdInvalid();
+    void invalidEepromIsReported_data();
+    void invalidEepromIsReported();
+    void missingBoardFieldIsReported();
+    void invalidHardwareIdIsReported();
     void controlCharactersAreEscaped();
-    void verboseShowsTheLibrarysMessages();
+    void verboseShowsLogMessages();
     void deviceIsNotChanged();
-    void fullDisk();
-    void wrongUsage_data();
-    void wrongUsage();
-    void help();
+    void fullDiskIsReported();
+    void invalidUsageIsRefused_data();
+    void invalidUsageIsRefused();
+    void helpListsOptionsAndExitCodes();
 
 private:
-    // Puts the sample device at the device's paths.
+    // Copies the files of the sample device to the device's paths.
     void copySampleDevice();
     QString writeBoard();
-    // The report's text without the name of the export file, which changes every second.
+    // The report with a fixed name for the export file, whose name changes every second.
     QByteArray withoutFileName(const QByteArray& text);
 };
 
@@ -292,14 +292,14 @@ void tst_DeviceReport::completeDeviceAsJson()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_DeviceReport::jsonFitsTheSchema_data()
+void tst_DeviceReport::jsonMatchesTheSchema_data()
 {
     QTest::addColumn<bool>("isComplete");
     QTest::newRow("complete device") << true;
     QTest::newRow("empty device") << false;
 }
 
-void tst_DeviceReport::jsonFitsTheSchema()
+void tst_DeviceReport::jsonMatchesTheSchema()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(bool, isComplete);
@@ -313,7 +313,7 @@ void tst_DeviceReport::jsonFitsTheSchema()
     QJsonObject report = toObject(runReport(arguments).output);
     QCOMPARE(violations(report, schema, schema, QStringLiteral("report")), QStringList());
 
-    // The schema is one that notices what is missing, new or of another type.
+    // The schema rejects missing and additional members and other types.
     QJsonObject boot = report.value(QStringLiteral("boot")).toObject();
     boot.insert(QStringLiteral("rebootMarker"), 1);
     boot.insert(QStringLiteral("new"), 1);
@@ -383,7 +383,7 @@ void tst_DeviceReport::emptyDeviceAsJson()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_DeviceReport::fileMissing_data()
+void tst_DeviceReport::missingFileIsReported_data()
 {
     QTest::addColumn<QString>("filePath");
     QTest::addColumn<QStringList>("members");
@@ -397,12 +397,12 @@ void tst_DeviceReport::fileMissing_data()
                                                         QStringLiteral("application.creationDate")};
     QTest::newRow("system configuration")
         << systemConfig << QStringList{QStringLiteral("export.deviceIndex")};
-    // A marker is rightly absent.
+    // A missing marker is normal.
     QTest::newRow("firmware update marker") << firmwareMarker << QStringList();
     QTest::newRow("reboot marker") << rebootMarker << QStringList();
 }
 
-void tst_DeviceReport::fileMissing()
+void tst_DeviceReport::missingFileIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QString, filePath);
@@ -421,7 +421,7 @@ void tst_DeviceReport::fileMissing()
     QCOMPARE(result.exitCode, members.isEmpty() ? 0 : 1);
 }
 
-void tst_DeviceReport::valueMissing_data()
+void tst_DeviceReport::missingValueIsReported_data()
 {
     QTest::addColumn<QString>("filePath");
     QTest::addColumn<QByteArray>("content");
@@ -438,13 +438,13 @@ void tst_DeviceReport::valueMissing_data()
         << QByteArray("creation date:                   not known "
                       "(/orvalis/etc/OrvalisVersionInfo.ini has no CreationDate in "
                       "[%General])\n");
-    QTest::newRow("device index is no number")
+    QTest::newRow("device index is not a number")
         << systemConfig << QByteArray("[system]\ncompatible=7a\n")
         << QByteArray("device index:                    not known (/etc/rauc/system.conf has no "
                       "number under compatible in [system])\n");
 }
 
-void tst_DeviceReport::valueMissing()
+void tst_DeviceReport::missingValueIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QString, filePath);
@@ -459,7 +459,7 @@ void tst_DeviceReport::valueMissing()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_DeviceReport::commandLineMissing()
+void tst_DeviceReport::missingCommandLineIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     copySampleDevice();
@@ -486,7 +486,7 @@ void tst_DeviceReport::versionParts_data()
                                                      "patch version 4, build number 5");
     QTest::newRow("too few dots") << QByteArray("1.2") << QByteArray();
     QTest::newRow("letters") << QByteArray("a.b.c") << QByteArray();
-    QTest::newRow("dots alone") << QByteArray("....") << QByteArray();
+    QTest::newRow("dots only") << QByteArray("....") << QByteArray();
 }
 
 void tst_DeviceReport::versionParts()
@@ -521,11 +521,12 @@ void tst_DeviceReport::bootModes_data()
     QTest::newRow("factory reset")
         << QStringList{firmwareMarker} << QByteArray("orvalismode=factoryreset quiet\n")
         << QByteArray("factory reset") << QByteArray("factoryreset");
-    QTest::newRow("factory reset as last word")
+    QTest::newRow("factory reset as the last parameter")
         << QStringList{firmwareMarker} << QByteArray("orvalismode=factoryreset\n")
         << QByteArray("normal") << QByteArray("factoryreset\\x0a");
-    QTest::newRow("bare argument") << QStringList{firmwareMarker} << QByteArray("orvalismode quiet")
-                                   << QByteArray("normal") << QByteArray("empty");
+    QTest::newRow("parameter without a value")
+        << QStringList{firmwareMarker} << QByteArray("orvalismode quiet") << QByteArray("normal")
+        << QByteArray("empty");
     QTest::newRow("hard reset") << QStringList{rebootMarker} << QByteArray("quiet\n")
                                 << QByteArray("hard reset") << QByteArray("none");
 }
@@ -551,9 +552,9 @@ void tst_DeviceReport::bootModes()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_DeviceReport::eepromFailures_data()
+void tst_DeviceReport::invalidEepromIsReported_data()
 {
-    QTest::addColumn<QByteArray>("image"); // null: there is no file
+    QTest::addColumn<QByteArray>("image"); // null: no file
     QTest::addColumn<QByteArray>("reason");
 
     const QByteArray damaged =
@@ -565,7 +566,7 @@ void tst_DeviceReport::eepromFailures_data()
     QTest::newRow("damaged") << damaged << QByteArray("contains no valid hardware record");
 }
 
-void tst_DeviceReport::eepromFailures()
+void tst_DeviceReport::invalidEepromIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, image);
@@ -584,7 +585,7 @@ void tst_DeviceReport::eepromFailures()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_DeviceReport::boardWithoutFields()
+void tst_DeviceReport::missingBoardFieldIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     copySampleDevice();
@@ -603,7 +604,7 @@ void tst_DeviceReport::boardWithoutFields()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_DeviceReport::hardwareIdInvalid()
+void tst_DeviceReport::invalidHardwareIdIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     copySampleDevice();
@@ -628,7 +629,7 @@ void tst_DeviceReport::controlCharactersAreEscaped()
     QVERIFY(!result.output.contains('\x1b'));
 }
 
-void tst_DeviceReport::verboseShowsTheLibrarysMessages()
+void tst_DeviceReport::verboseShowsLogMessages()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     copySampleDevice();
@@ -667,7 +668,7 @@ void tst_DeviceReport::deviceIsNotChanged()
     QCOMPARE(readFile(board), image);
 }
 
-void tst_DeviceReport::fullDisk()
+void tst_DeviceReport::fullDiskIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     copySampleDevice();
@@ -677,7 +678,7 @@ void tst_DeviceReport::fullDisk()
     QCOMPARE(result.exitCode, 3);
 }
 
-void tst_DeviceReport::wrongUsage_data()
+void tst_DeviceReport::invalidUsageIsRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("error");
@@ -694,7 +695,7 @@ void tst_DeviceReport::wrongUsage_data()
                                        << QByteArray("--hardware-id must not be empty");
 }
 
-void tst_DeviceReport::wrongUsage()
+void tst_DeviceReport::invalidUsageIsRefused()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, error);
@@ -705,16 +706,16 @@ void tst_DeviceReport::wrongUsage()
     QCOMPARE(result.exitCode, 2);
 }
 
-void tst_DeviceReport::help()
+void tst_DeviceReport::helpListsOptionsAndExitCodes()
 {
     const Result result = runReport({QStringLiteral("--help")});
-    for (const char* word : {"--eeprom <PATH>", "--hardware-id <ID>", "--json", "--verbose",
+    for (const char* text : {"--eeprom <PATH>", "--hardware-id <ID>", "--json", "--verbose",
                              "\nExit codes:\n"
                              "  0  everything is known\n"
                              "  1  something is missing; the report says what and why\n"
                              "  2  wrong usage\n"
                              "  3  the report could not be written\n"}) {
-        QVERIFY2(result.output.contains(word), word);
+        QVERIFY2(result.output.contains(text), text);
     }
     QCOMPARE(result.errors, QByteArray());
     QCOMPARE(result.exitCode, 0);

@@ -4,23 +4,23 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 
-// A file that a program replaces is durable when the program ends: its directory is flushed.
+// Each program that replaces a file makes that durable: it flushes the file's directory.
 class tst_DurableSaves : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void savedFileIsFlushed_data();
-    void savedFileIsFlushed();
-    void fileThatIsNotSavedIsNotFlushed_data();
-    void fileThatIsNotSavedIsNotFlushed();
+    void directoryOfASavedFileIsFlushed_data();
+    void directoryOfASavedFileIsFlushed();
+    void nothingIsFlushedWithoutASave_data();
+    void nothingIsFlushedWithoutASave();
 
 private:
     void run();
     QStringList flushes() const;
 };
 
-// The row's program, in the row's directory.
+// Runs the row's program in the row's directory.
 void tst_DurableSaves::run()
 {
     QFETCH(QString, program);
@@ -42,7 +42,7 @@ void tst_DurableSaves::run()
     QVERIFY2(result.exitCode == exitCode, qPrintable(result.output + result.errors));
 }
 
-// Without those of temporary files.
+// The flushed directories, without those of temporary files.
 QStringList tst_DurableSaves::flushes() const
 {
     QStringList directories;
@@ -56,7 +56,7 @@ QStringList tst_DurableSaves::flushes() const
     return directories;
 }
 
-void tst_DurableSaves::savedFileIsFlushed_data()
+void tst_DurableSaves::directoryOfASavedFileIsFlushed_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QStringList>("arguments");
@@ -72,13 +72,13 @@ void tst_DurableSaves::savedFileIsFlushed_data()
         << QStringList{"--output", "data/kept", "-e", "a", "--", "echo", "a"} << 0;
 }
 
-void tst_DurableSaves::savedFileIsFlushed()
+void tst_DurableSaves::directoryOfASavedFileIsFlushed()
 {
     run();
     QCOMPARE(flushes(), QStringList(path(QStringLiteral("data"))));
 }
 
-void tst_DurableSaves::fileThatIsNotSavedIsNotFlushed_data()
+void tst_DurableSaves::nothingIsFlushedWithoutASave_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QStringList>("arguments");
@@ -91,7 +91,7 @@ void tst_DurableSaves::fileThatIsNotSavedIsNotFlushed_data()
                              << QStringList{"--clean", "--dry-run", "data/commas.ini"} << 1;
 }
 
-void tst_DurableSaves::fileThatIsNotSavedIsNotFlushed()
+void tst_DurableSaves::nothingIsFlushedWithoutASave()
 {
     run();
     QCOMPARE(flushes(), QStringList());

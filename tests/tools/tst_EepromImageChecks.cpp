@@ -10,24 +10,24 @@ const QByteArray boardText = "Type=4711\nTypeName=Sample board\n";
 
 } // namespace
 
-// The commands of the program that look at an image's bytes: verify and dump.
+// The commands of eeprom-image that examine the bytes of an image: verify and dump.
 class tst_EepromImageChecks : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void verifySaysWhereEverythingStands_data();
-    void verifySaysWhereEverythingStands();
-    void damageIsNamedWithItsPlace_data();
-    void damageIsNamedWithItsPlace();
-    void readErrorsAreNamed();
-    void pipesCannotBePositioned();
-    void verifyJudgesAsTheLibrary();
-    void dumpExplainsASoundImage();
-    void dumpShowsWhatIsThere_data();
-    void dumpShowsWhatIsThere();
-    void usage_data();
-    void usage();
+    void verifyPrintsPositions_data();
+    void verifyPrintsPositions();
+    void damageIsReportedWithItsPosition_data();
+    void damageIsReportedWithItsPosition();
+    void readErrorsAreReported();
+    void pipesAreRefused();
+    void verifyAgreesWithTheLibrary();
+    void dumpPrintsHeaderAndBlock();
+    void dumpPrintsInvalidImages_data();
+    void dumpPrintsInvalidImages();
+    void invalidUsageIsRefused_data();
+    void invalidUsageIsRefused();
 
 private:
     ProgramResult run(const QStringList& arguments) const
@@ -40,28 +40,28 @@ private:
     }
 };
 
-void tst_EepromImageChecks::verifySaysWhereEverythingStands_data()
+void tst_EepromImageChecks::verifyPrintsPositions_data()
 {
     QTest::addColumn<QByteArray>("image");
     QTest::addColumn<QString>("block");
 
-    QTest::newRow("right behind the header")
+    QTest::newRow("directly after the header")
         << EepromImage(boardText).bytes() << QStringLiteral("32 bytes, 36 to 67 (0x24 to 0x43)");
-    QTest::newRow("far behind, image larger")
+    QTest::newRow("far after the header, larger image")
         << EepromImage(boardText).startAddress(0x1000).size(0x2000).bytes()
         << QStringLiteral("32 bytes, 4096 to 4127 (0x1000 to 0x101f)");
     QTest::newRow("one byte") << EepromImage(";").bytes()
                               << QStringLiteral("1 byte, 36 to 36 (0x24 to 0x24)");
     QTest::newRow("before the header") << EepromImage("Type=4711\n").startAddress(0).bytes()
                                        << QStringLiteral("10 bytes, 0 to 9 (0x0 to 0x9)");
-    QTest::newRow("what is not evaluated does not count")
+    QTest::newRow("fields that are not evaluated")
         << EepromImage(boardText).reserved(1).upperChecksumBits(0xABCD).bytes()
         << QStringLiteral("32 bytes, 36 to 67 (0x24 to 0x43)");
     QTest::newRow("largest block") << EepromImage(QByteArray(65535, ';')).bytes()
                                    << QStringLiteral("65535 bytes, 36 to 65570 (0x24 to 0x10022)");
 }
 
-void tst_EepromImageChecks::verifySaysWhereEverythingStands()
+void tst_EepromImageChecks::verifyPrintsPositions()
 {
     QFETCH(QByteArray, image);
     QFETCH(QString, block);
@@ -78,12 +78,12 @@ void tst_EepromImageChecks::verifySaysWhereEverythingStands()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
+void tst_EepromImageChecks::damageIsReportedWithItsPosition_data()
 {
     QTest::addColumn<QByteArray>("image"); // null: no file, or a directory
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("trouble");
+    QTest::addColumn<QString>("error");
 
     using Image = EepromImage;
     const QString eeprom = QStringLiteral("eeprom");
@@ -95,10 +95,11 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
     QTest::newRow("empty file") << QByteArray("") << eeprom << 12
                                 << QStringLiteral("the header is truncated: 0 of its 16 bytes, 20 "
                                                   "to 35 (0x14 to 0x23), are present");
-    QTest::newRow("header short") << Image(boardText).bytes().left(35) << eeprom << 12
-                                  << QStringLiteral("the header is truncated: 15 of its 16 bytes, "
-                                                    "20 to 35 (0x14 to 0x23), are present");
-    QTest::newRow("over the limit")
+    QTest::newRow("truncated header")
+        << Image(boardText).bytes().left(35) << eeprom << 12
+        << QStringLiteral("the header is truncated: 15 of its 16 bytes, "
+                          "20 to 35 (0x14 to 0x23), are present");
+    QTest::newRow("length over the limit")
         << Image(boardText).bytesToRead(65536).bytes() << eeprom << 14
         << QStringLiteral("the length at 28 is 65536, more than the limit of 65535 bytes: the "
                           "header is damaged");
@@ -106,10 +107,11 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
                             << QStringLiteral(
                                    "the header has no length, all bits at 28 are set: "
                                    "the EEPROM seems to be erased and was never written");
-    QTest::newRow("block short") << Image(boardText).bytes().left(40) << eeprom << 15
-                                 << QStringLiteral("the block is truncated: 4 of its 32 bytes, 36 "
-                                                   "to 67 (0x24 to 0x43), are present");
-    QTest::newRow("block out of reach")
+    QTest::newRow("truncated block")
+        << Image(boardText).bytes().left(40) << eeprom << 15
+        << QStringLiteral("the block is truncated: 4 of its 32 bytes, 36 "
+                          "to 67 (0x24 to 0x43), are present");
+    QTest::newRow("block beyond the end")
         << Image(boardText).writtenStartAddress(0xFFFFFFFF).bytes() << eeprom << 15
         << QStringLiteral("the block is truncated: 0 of its 32 bytes, 4294967295 to 4294967326 "
                           "(0xffffffff to 0x10000001e), are present");
@@ -118,7 +120,7 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
         << QStringLiteral("the checksum is wrong: 0x0001 is stored at 32, but 0x%1 is calculated "
                           "from the block's 32 bytes, 36 to 67 (0x24 to 0x43)")
                .arg(Image::crc(boardText), 4, 16, QLatin1Char('0'));
-    QTest::newRow("empty, but not the checksum")
+    QTest::newRow("empty block with a checksum")
         << Image(QByteArray()).checksum(1).bytes() << eeprom << 16
         << QStringLiteral(
                "the checksum is wrong: 0x0001 is stored at 32, but 0x0000 is calculated from the "
@@ -130,17 +132,17 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace_data()
                                   "this)");
 }
 
-void tst_EepromImageChecks::damageIsNamedWithItsPlace()
+void tst_EepromImageChecks::damageIsReportedWithItsPosition()
 {
     QFETCH(QByteArray, image);
     QFETCH(QString, name);
     QFETCH(int, exitCode);
-    QFETCH(QString, trouble);
+    QFETCH(QString, error);
 
     if (!image.isNull()) {
         writeFile(name, image);
     }
-    const QString errors = QStringLiteral("eeprom-image: %1: %2\n").arg(name, trouble);
+    const QString errors = QStringLiteral("eeprom-image: %1: %2\n").arg(name, error);
     const ProgramResult verified = run(QStringLiteral("verify"), name);
     QCOMPARE(verified.errors, errors);
     QCOMPARE(verified.output, QString());
@@ -151,8 +153,8 @@ void tst_EepromImageChecks::damageIsNamedWithItsPlace()
     QCOMPARE(dumped.exitCode, exitCode);
 }
 
-// Nothing can be read at the begin of a process's memory, where nothing is mapped.
-void tst_EepromImageChecks::readErrorsAreNamed()
+// The start of a process's memory cannot be read: it is not mapped.
+void tst_EepromImageChecks::readErrorsAreReported()
 {
     const ProgramResult result = run(QStringLiteral("verify"), QStringLiteral("/proc/self/mem"));
     QCOMPARE(result.errors,
@@ -162,7 +164,7 @@ void tst_EepromImageChecks::readErrorsAreNamed()
     QCOMPARE(result.exitCode, 12);
 }
 
-void tst_EepromImageChecks::pipesCannotBePositioned()
+void tst_EepromImageChecks::pipesAreRefused()
 {
     for (const char* command : {"verify", "dump"}) {
         ProgramRun program(QStringLiteral(EEPROM_IMAGE_PROGRAM),
@@ -178,14 +180,14 @@ void tst_EepromImageChecks::pipesCannotBePositioned()
     }
 }
 
-// The verdict is that of the command that lets the library read the image.
-void tst_EepromImageChecks::verifyJudgesAsTheLibrary()
+// The exit code is that of show, for which the library reads the image.
+void tst_EepromImageChecks::verifyAgreesWithTheLibrary()
 {
     QRandomGenerator random(4711);
-    QSet<int> verdicts;
+    QSet<int> exitCodes;
     for (int round = 0; round < rounds(150); ++round) {
         QByteArray image = EepromImage(boardText).startAddress(36 + random.bounded(8U)).bytes();
-        // One byte of the header in two images, bytes anywhere in others, and ends cut off.
+        // Changes a byte of the header, changes any byte, or truncates the image.
         if (random.bounded(2) == 0) {
             const char values[] = {'\0', '\1', '\x24', '\xFF'};
             image[20 + random.bounded(16)] = values[random.bounded(4)];
@@ -200,12 +202,12 @@ void tst_EepromImageChecks::verifyJudgesAsTheLibrary()
         const int shown = run(QStringLiteral("show"), QStringLiteral("eeprom")).exitCode;
         const int verified = run(QStringLiteral("verify"), QStringLiteral("eeprom")).exitCode;
         QVERIFY2(verified == shown, image.toHex(' ').constData());
-        verdicts.insert(verified);
+        exitCodes.insert(verified);
     }
-    QVERIFY(verdicts.size() > 2);
+    QVERIFY(exitCodes.size() > 2);
 }
 
-void tst_EepromImageChecks::dumpExplainsASoundImage()
+void tst_EepromImageChecks::dumpPrintsHeaderAndBlock()
 {
     writeFile(QStringLiteral("eeprom"), EepromImage("Type=1\nComment=a\x01\xE4\n")
                                             .startAddress(0x40)
@@ -232,26 +234,26 @@ void tst_EepromImageChecks::dumpExplainsASoundImage()
     QCOMPARE(result.exitCode, 16);
 
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
-    const ProgramResult sound = run(QStringLiteral("dump"), QStringLiteral("eeprom"));
-    QVERIFY2(sound.output.contains(QStringLiteral("0x%1 stored, 0x%1 calculated: correct\n")
+    const ProgramResult valid = run(QStringLiteral("dump"), QStringLiteral("eeprom"));
+    QVERIFY2(valid.output.contains(QStringLiteral("0x%1 stored, 0x%1 calculated: correct\n")
                                        .arg(EepromImage::crc(boardText), 4, 16, QLatin1Char('0'))),
-             qPrintable(sound.output));
-    QCOMPARE(sound.errors, QString());
-    QCOMPARE(sound.exitCode, 0);
+             qPrintable(valid.output));
+    QCOMPARE(valid.errors, QString());
+    QCOMPARE(valid.exitCode, 0);
 }
 
-void tst_EepromImageChecks::dumpShowsWhatIsThere_data()
+void tst_EepromImageChecks::dumpPrintsInvalidImages_data()
 {
     QTest::addColumn<QByteArray>("image");
-    QTest::addColumn<QString>("lines"); // that are among the output's
+    QTest::addColumn<QString>("lines"); // of the output
 
-    QTest::newRow("header short") << EepromImage(boardText).bytes().left(31)
-                                  << QStringLiteral(
-                                         "  0018  24  24 00 00 00  start address  36 (0x24)\n"
-                                         "  001c  28  20 00 00     length         missing\n"
-                                         "  0020  32               checksum       missing\n"
-                                         "  0022  34               unused         missing\n");
-    QTest::newRow("block short")
+    QTest::newRow("truncated header")
+        << EepromImage(boardText).bytes().left(31)
+        << QStringLiteral("  0018  24  24 00 00 00  start address  36 (0x24)\n"
+                          "  001c  28  20 00 00     length         missing\n"
+                          "  0020  32               checksum       missing\n"
+                          "  0022  34               unused         missing\n");
+    QTest::newRow("truncated block")
         << EepromImage(boardText).checksum(1).bytes().left(40)
         << QStringLiteral("  0020  32  01 00        checksum       0x0001 stored, not calculated: "
                           "the block is incomplete\n"
@@ -262,14 +264,14 @@ void tst_EepromImageChecks::dumpShowsWhatIsThere_data()
         << EepromImage("Type").bytesToRead(65536).bytes()
         << QStringLiteral("Block, 4 bytes, 36 to 39 (0x24 to 0x27)\n"
                           "  0024  54 79 70 65                                      |Type|\n");
-    QTest::newRow("block out of reach")
+    QTest::newRow("block beyond the end")
         << EepromImage(boardText).writtenStartAddress(0xFFFFFF00).bytes()
         << QStringLiteral("Block, 0 bytes\n");
     QTest::newRow("zeros") << QByteArray(64, '\0')
                            << QStringLiteral("0x0000 stored, 0x0000 calculated: correct\n");
 }
 
-void tst_EepromImageChecks::dumpShowsWhatIsThere()
+void tst_EepromImageChecks::dumpPrintsInvalidImages()
 {
     QFETCH(QByteArray, image);
     QFETCH(QString, lines);
@@ -279,14 +281,14 @@ void tst_EepromImageChecks::dumpShowsWhatIsThere()
     QVERIFY2(result.output.contains(lines), qPrintable(result.output));
 }
 
-void tst_EepromImageChecks::usage_data()
+void tst_EepromImageChecks::invalidUsageIsRefused_data()
 {
     QTest::addColumn<QString>("command");
     QTest::newRow("verify") << QStringLiteral("verify");
     QTest::newRow("dump") << QStringLiteral("dump");
 }
 
-void tst_EepromImageChecks::usage()
+void tst_EepromImageChecks::invalidUsageIsRefused()
 {
     QFETCH(QString, command);
     const ProgramResult without = run({command});

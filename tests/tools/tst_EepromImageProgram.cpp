@@ -33,60 +33,61 @@ const QString hint = QStringLiteral("eeprom-image: try --help\n");
 
 } // namespace
 
-// The program at the bench: what it says of each image, and the images that it writes.
+// The program eeprom-image: what it reports about images, and the images that it writes.
 class tst_EepromImageProgram : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void sampleBoardIsWrittenAndShown();
-    void usage_data();
-    void usage();
+    void invalidUsageIsRefused_data();
+    void invalidUsageIsRefused();
     void helpAndVersion();
-    void everyExitCodeStandsInTheHelp();
-    void showsSoundImages_data();
-    void showsSoundImages();
-    void namesEachKindOfDamage_data();
-    void namesEachKindOfDamage();
-    void namesAnUnreachableStartAddress();
-    void unreachableStartAddressOfAnEeprom_data();
-    void unreachableStartAddressOfAnEeprom();
-    void namesAnUnusableTemporaryDirectory_data();
-    void namesAnUnusableTemporaryDirectory();
-    void noticesEveryFlippedBit();
-    void verboseShowsWhatTheLibraryLogs();
-    void showLeavesNothingBehind();
-    void createsTheLayoutAskedFor_data();
-    void createsTheLayoutAskedFor();
-    void refusesLayouts_data();
-    void refusesLayouts();
+    void helpListsEveryExitCode();
+    void showsValidImages_data();
+    void showsValidImages();
+    void reportsEachKindOfDamage_data();
+    void reportsEachKindOfDamage();
+    void reportsAnUnreachableStartAddress();
+    void reportsAnUnreachableStartAddressOfAnEeprom_data();
+    void reportsAnUnreachableStartAddressOfAnEeprom();
+    void reportsAnUnusableTemporaryDirectory_data();
+    void reportsAnUnusableTemporaryDirectory();
+    void detectsEveryFlippedBit();
+    void verboseShowsLogMessages();
+    void showLeavesNoTemporaryFile();
+    void createsTheRequestedLayout_data();
+    void createsTheRequestedLayout();
+    void invalidLayoutIsRefused_data();
+    void invalidLayoutIsRefused();
     void failedCreateKeepsTheOldImage_data();
     void failedCreateKeepsTheOldImage();
     void keepsOwnerAndMode();
-    void saysWhenTheOwnerIsLost();
-    void othersThanFilesAreNotReplaced_data();
-    void othersThanFilesAreNotReplaced();
-    void imageOnStandardOutput_data();
-    void imageOnStandardOutput();
-    void textFromStandardInput();
-    void readErrorsOfTheTextAreNoticed();
+    void reportsALostOwner();
+    void specialFilesAreNotReplaced_data();
+    void specialFilesAreNotReplaced();
+    void writesTheImageToStandardOutput_data();
+    void writesTheImageToStandardOutput();
+    void readsTheTextFromStandardInput();
+    void readErrorOfTheTextIsReported();
     void eepromIsWrittenPageByPage_data();
     void eepromIsWrittenPageByPage();
-    void troubleWhileWritingTellsTheState_data();
-    void troubleWhileWritingTellsTheState();
+    void failedWriteReportsWhatWasWritten_data();
+    void failedWriteReportsWhatWasWritten();
     void deviceIsWrittenInPlace();
     void imageLargerThanTheEepromIsRefused();
-    void progressIsShownOnATerminalNowAndThen();
+    void progressIsDrawnTenTimesASecondAtMost();
     void showsJson();
     void extractsTheText();
-    void extractRefusesDamage();
+    void extractRefusesADamagedImage();
 
 private:
-    // The text in the file "board.ini" is written into the simulated EEPROM.
+    // Run the program with the simulated EEPROM; the second one writes the text of "board.ini" to
+    // it.
     ProgramResult runOnEeprom(const QStringList& environment, const QStringList& arguments) const;
     ProgramResult createInEeprom(const QStringList& environment) const;
     QByteArray shell(const QString& script) const;
-    // In the row's directory, so that plain file names do.
+    // In the row's directory, so file names need no path.
     ProgramResult run(const QStringList& arguments) const { return run(arguments, directory()); }
     ProgramResult run(const QStringList& arguments, const QString& temporaryDirectory) const
     {
@@ -126,7 +127,7 @@ void tst_EepromImageProgram::sampleBoardIsWrittenAndShown()
     verifyShown(image, 0, record, QString());
 }
 
-void tst_EepromImageProgram::usage_data()
+void tst_EepromImageProgram::invalidUsageIsRefused_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<QString>("error");
@@ -135,7 +136,7 @@ void tst_EepromImageProgram::usage_data()
                             << QStringLiteral("eeprom-image: %1\n").arg(QLatin1String(error)) +
                                    hint;
     };
-    row("nothing", "", "a command is required: create, show, verify, dump or extract");
+    row("no arguments", "", "a command is required: create, show, verify, dump or extract");
     row("unknown command", "erase", "unknown command 'erase'");
     row("show without a file", "show", "this command requires 1 file name(s), not 0");
     row("show with two files", "show a b", "this command requires 1 file name(s), not 2");
@@ -143,18 +144,18 @@ void tst_EepromImageProgram::usage_data()
     row("option of the other command", "show --start 36 a", "Unknown option 'start'.");
     row("unknown option", "create --big a b", "Unknown option 'big'.");
     row("option without its value", "create a b --start", "Missing value after '--start'.");
-    row("no number", "create --start here a b",
+    row("not a number", "create --start here a b",
         "--start must be a number from 0 to 4294967295, not 'here'");
     row("negative number", "create --start=-1 a b",
         "--start must be a number from 0 to 4294967295, not '-1'");
     row("number too large", "create --start 0x100000000 a b",
         "--start must be a number from 0 to 4294967295, not '0x100000000'");
-    row("hexadecimal without its mark", "create --size 1F a b",
+    row("hexadecimal without 0x", "create --size 1F a b",
         "--size must be a number from 0 to 4294967295, not '1F'");
-    row("no byte", "create --fill 256 a b", "--fill must be a number from 0 to 255, not '256'");
+    row("not a byte", "create --fill 256 a b", "--fill must be a number from 0 to 255, not '256'");
 }
 
-void tst_EepromImageProgram::usage()
+void tst_EepromImageProgram::invalidUsageIsRefused()
 {
     QFETCH(QString, arguments);
     QFETCH(QString, error);
@@ -176,7 +177,7 @@ void tst_EepromImageProgram::helpAndVersion()
     verifyResult(run({QStringLiteral("show"), QStringLiteral("--version")}), 0, version, QString());
 }
 
-void tst_EepromImageProgram::everyExitCodeStandsInTheHelp()
+void tst_EepromImageProgram::helpListsEveryExitCode()
 {
     const QStringList lines = run({QStringLiteral("--help")}).output.split(QLatin1Char('\n'));
     for (const int exitCode : {0, 1, 2, 3, 4, 5, 6, 7, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19}) {
@@ -187,13 +188,13 @@ void tst_EepromImageProgram::everyExitCodeStandsInTheHelp()
     }
 }
 
-void tst_EepromImageProgram::showsSoundImages_data()
+void tst_EepromImageProgram::showsValidImages_data()
 {
     QTest::addColumn<QByteArray>("image");
     QTest::addColumn<QString>("record");
 
     QTest::newRow("all fields") << EepromImage(boardText).bytes() << boardRecord;
-    QTest::newRow("block far behind the header")
+    QTest::newRow("block far after the header")
         << EepromImage(boardText).startAddress(0x4000).size(0x8000).bytes() << boardRecord;
     QTest::newRow("keys missing, values empty")
         << EepromImage("Type=\nTypeName=a,b\nVersion=2\n").bytes()
@@ -222,14 +223,14 @@ void tst_EepromImageProgram::showsSoundImages_data()
     QTest::newRow("control characters") << EepromImage(strangeText).bytes() << strangeRecord;
 }
 
-void tst_EepromImageProgram::showsSoundImages()
+void tst_EepromImageProgram::showsValidImages()
 {
     QFETCH(QByteArray, image);
     QFETCH(QString, record);
     verifyShown(image, 0, record, QString());
 }
 
-void tst_EepromImageProgram::namesEachKindOfDamage_data()
+void tst_EepromImageProgram::reportsEachKindOfDamage_data()
 {
     QTest::addColumn<QByteArray>("image"); // null: no file, or a directory
     QTest::addColumn<QString>("name");
@@ -247,16 +248,16 @@ void tst_EepromImageProgram::namesEachKindOfDamage_data()
         << QByteArray() << QStringLiteral(".") << 11
         << QStringLiteral("the file cannot be opened: permission is denied, or it is a directory");
     using Image = EepromImage;
-    const QByteArray sound = Image(boardText).bytes();
+    const QByteArray valid = Image(boardText).bytes();
     row("empty file", "", 12, "the header is truncated: the image ends before byte 36");
-    row("header short", sound.left(35), 12,
+    row("truncated header", valid.left(35), 12,
         "the header is truncated: the image ends before byte 36");
     row("length over the limit", Image(boardText).bytesToRead(65536).bytes(), 14,
         "the length in the header exceeds the limit of 65535 bytes: the header is damaged");
     row("erased", QByteArray(256, '\xFF'), 14,
         "the header has no length, all its bits are set: the EEPROM seems to be erased and was "
         "never written");
-    row("block short", sound.left(sound.size() - 1), 15,
+    row("truncated block", valid.left(valid.size() - 1), 15,
         "the block is truncated: the image ends before it, or the header is damaged");
     row("wrong checksum", Image(boardText).checksum(1).bytes(), 16,
         "the checksum is wrong: the block or the header was changed or damaged");
@@ -266,7 +267,7 @@ void tst_EepromImageProgram::namesEachKindOfDamage_data()
         "looks like this)");
 }
 
-void tst_EepromImageProgram::namesEachKindOfDamage()
+void tst_EepromImageProgram::reportsEachKindOfDamage()
 {
     QFETCH(QByteArray, image);
     QFETCH(QString, name);
@@ -279,7 +280,7 @@ void tst_EepromImageProgram::namesEachKindOfDamage()
                  QStringLiteral("eeprom-image: %1: %2\n").arg(name, meaning));
 }
 
-void tst_EepromImageProgram::namesAnUnreachableStartAddress()
+void tst_EepromImageProgram::reportsAnUnreachableStartAddress()
 {
     // A pipe that the program inherits, as in "... | eeprom-image show /dev/stdin".
     writeFile(QStringLiteral("header"), EepromImage(boardText).bytes().mid(20, 16));
@@ -297,14 +298,14 @@ void tst_EepromImageProgram::namesAnUnreachableStartAddress()
     QCOMPARE(shell.exitCode(), 13);
 }
 
-void tst_EepromImageProgram::namesAnUnusableTemporaryDirectory_data()
+void tst_EepromImageProgram::reportsAnUnusableTemporaryDirectory_data()
 {
     QTest::addColumn<QString>("temporaryDirectory");
     QTest::newRow("missing") << QStringLiteral("/none");
-    QTest::newRow("not even root can make a file there") << QStringLiteral("/proc");
+    QTest::newRow("no file can be created, not even by root") << QStringLiteral("/proc");
 }
 
-void tst_EepromImageProgram::namesAnUnusableTemporaryDirectory()
+void tst_EepromImageProgram::reportsAnUnusableTemporaryDirectory()
 {
     QFETCH(QString, temporaryDirectory);
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
@@ -314,7 +315,7 @@ void tst_EepromImageProgram::namesAnUnusableTemporaryDirectory()
                        "be created to parse it\n"));
 }
 
-void tst_EepromImageProgram::noticesEveryFlippedBit()
+void tst_EepromImageProgram::detectsEveryFlippedBit()
 {
     const QByteArray block = "Type=B\n";
     const int step = isEmulated() ? 9 : 1;
@@ -327,7 +328,7 @@ void tst_EepromImageProgram::noticesEveryFlippedBit()
     }
 }
 
-void tst_EepromImageProgram::verboseShowsWhatTheLibraryLogs()
+void tst_EepromImageProgram::verboseShowsLogMessages()
 {
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).checksum(1).bytes());
     verifyResult(
@@ -340,7 +341,7 @@ void tst_EepromImageProgram::verboseShowsWhatTheLibraryLogs()
                        "changed or damaged\n"));
 }
 
-void tst_EepromImageProgram::showLeavesNothingBehind()
+void tst_EepromImageProgram::showLeavesNoTemporaryFile()
 {
     QVERIFY(QDir(directory()).mkdir(QStringLiteral("tmp")));
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).bytes());
@@ -352,7 +353,7 @@ void tst_EepromImageProgram::showLeavesNothingBehind()
              QStringList({QStringLiteral("eeprom"), QStringLiteral("tmp")}));
 }
 
-void tst_EepromImageProgram::createsTheLayoutAskedFor_data()
+void tst_EepromImageProgram::createsTheRequestedLayout_data()
 {
     QTest::addColumn<QString>("options");
     QTest::addColumn<QByteArray>("text");
@@ -384,7 +385,7 @@ void tst_EepromImageProgram::createsTheLayoutAskedFor_data()
     row("--size 70000", longest, Image(longest).size(70000), "36 (0x24)");
 }
 
-void tst_EepromImageProgram::createsTheLayoutAskedFor()
+void tst_EepromImageProgram::createsTheRequestedLayout()
 {
     QFETCH(QString, options);
     QFETCH(QByteArray, text);
@@ -405,7 +406,7 @@ void tst_EepromImageProgram::createsTheLayoutAskedFor()
     QCOMPARE(readFile(path(QStringLiteral("eeprom"))), image);
 }
 
-void tst_EepromImageProgram::refusesLayouts_data()
+void tst_EepromImageProgram::invalidLayoutIsRefused_data()
 {
     QTest::addColumn<QString>("options");
     QTest::addColumn<int>("textSize");
@@ -431,11 +432,11 @@ void tst_EepromImageProgram::refusesLayouts_data()
         "an image of 35 bytes is too small; this one needs 36");
     row("image too large", "--size 16777217", 10,
         "an image of 16777217 bytes is too large; the limit is 16777216");
-    row("block too far away", "--start 0xFFFFFFFF", 10,
+    row("start address too large", "--start 0xFFFFFFFF", 10,
         "an image of 4294967305 bytes is too large; the limit is 16777216");
 }
 
-void tst_EepromImageProgram::refusesLayouts()
+void tst_EepromImageProgram::invalidLayoutIsRefused()
 {
     QFETCH(QString, options);
     QFETCH(int, textSize);
@@ -458,7 +459,7 @@ void tst_EepromImageProgram::failedCreateKeepsTheOldImage_data()
     QTest::newRow("text is a directory")
         << QStringList({QStringLiteral("."), QStringLiteral("eeprom")}) << 2
         << QStringLiteral(".: file to open is a directory");
-    QTest::newRow("image in no directory")
+    QTest::newRow("image in a missing directory")
         << QStringList({QStringLiteral("board.ini"), QStringLiteral("none/eeprom")}) << 4
         << QStringLiteral("none/eeprom: No such file or directory");
     QTest::newRow("image is a directory")
@@ -478,7 +479,7 @@ void tst_EepromImageProgram::failedCreateKeepsTheOldImage()
     QCOMPARE(readFile(old), QByteArray("the old image"));
 }
 
-// The exit code follows on standard error.
+// Returns standard output, standard error and the exit code.
 QByteArray tst_EepromImageProgram::shell(const QString& script) const
 {
     const ProgramResult result =
@@ -493,7 +494,7 @@ void tst_EepromImageProgram::keepsOwnerAndMode()
 {
     writeFile(QStringLiteral("board.ini"), boardText);
     const QByteArray image = writeFile(QStringLiteral("eeprom"), "old").toLocal8Bit();
-    // Another owner than the one who runs this, where that is possible.
+    // Only root can change the owner.
     const uid_t owner = geteuid() == 0 ? 4711 : geteuid();
     const gid_t group = geteuid() == 0 ? 815 : getegid();
     QCOMPARE(chown(image.constData(), owner, group), 0);
@@ -509,13 +510,13 @@ void tst_EepromImageProgram::keepsOwnerAndMode()
     QVERIFY(readFile(QString::fromLocal8Bit(image)) != "old");
 }
 
-void tst_EepromImageProgram::saysWhenTheOwnerIsLost()
+void tst_EepromImageProgram::reportsALostOwner()
 {
     writeFile(QStringLiteral("board.ini"), boardText);
     const QByteArray image = writeFile(QStringLiteral("eeprom"), "old").toLocal8Bit();
     QCOMPARE(chmod(image.constData(), 0666), 0);
     QCOMPARE(chmod(directory().toLocal8Bit().constData(), 0777), 0);
-    // In a user namespace without a mapping nobody can be given a file, not even by its owner.
+    // In a user namespace without a mapping not even the owner can change a file's owner.
     const QStringList otherUser =
         geteuid() == 0 ? QStringList{"setpriv", "--reuid=4711", "--regid=815", "--clear-groups"}
                        : QStringList{"unshare", "--user"};
@@ -535,23 +536,23 @@ void tst_EepromImageProgram::saysWhenTheOwnerIsLost()
     QCOMPARE(result.exitCode, 0);
     struct stat status = {};
     QCOMPARE(stat(image.constData(), &status), 0);
-    // The rights of the old group are not given to another one.
+    // The old group's permissions are not granted to the new group.
     QCOMPARE(status.st_mode & 07777, mode_t(0606));
 }
 
-void tst_EepromImageProgram::othersThanFilesAreNotReplaced_data()
+void tst_EepromImageProgram::specialFilesAreNotReplaced_data()
 {
     QTest::addColumn<int>("type");
     QTest::newRow("pipe") << int(S_IFIFO);
     QTest::newRow("device") << int(S_IFCHR);
 }
 
-void tst_EepromImageProgram::othersThanFilesAreNotReplaced()
+void tst_EepromImageProgram::specialFilesAreNotReplaced()
 {
     QFETCH(int, type);
     writeFile(QStringLiteral("board.ini"), boardText);
     const QByteArray target = path(QStringLiteral("target")).toLocal8Bit();
-    // The device is one that is always full, /dev/full; only root can create another node for it.
+    // The device is /dev/full; only root can create another node for it.
     const bool isNode = mknod(target.constData(), mode_t(type) | 0600, makedev(1, 7)) == 0;
     QVERIFY(isNode || QFile::link(QStringLiteral("/dev/full"), path(QStringLiteral("target"))));
     verifyResult(
@@ -563,14 +564,14 @@ void tst_EepromImageProgram::othersThanFilesAreNotReplaced()
     QCOMPARE(int(status.st_mode & S_IFMT), type);
 }
 
-void tst_EepromImageProgram::imageOnStandardOutput_data()
+void tst_EepromImageProgram::writesTheImageToStandardOutput_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("dash") << QStringLiteral("-");
     QTest::newRow("path") << QStringLiteral("/dev/stdout");
 }
 
-void tst_EepromImageProgram::imageOnStandardOutput()
+void tst_EepromImageProgram::writesTheImageToStandardOutput()
 {
     QFETCH(QString, name);
     writeFile(QStringLiteral("board.ini"), boardText);
@@ -580,7 +581,7 @@ void tst_EepromImageProgram::imageOnStandardOutput()
              QByteArray("eeprom-image: cannot write standard output: No space left on device\n5"));
 }
 
-void tst_EepromImageProgram::textFromStandardInput()
+void tst_EepromImageProgram::readsTheTextFromStandardInput()
 {
     writeFile(QStringLiteral("board.ini"), boardText);
     const QByteArray result = shell(QStringLiteral("\"$0\" create - image <board.ini"));
@@ -588,7 +589,7 @@ void tst_EepromImageProgram::textFromStandardInput()
     QCOMPARE(readFile(path(QStringLiteral("image"))), EepromImage(boardText).bytes());
 }
 
-void tst_EepromImageProgram::readErrorsOfTheTextAreNoticed()
+void tst_EepromImageProgram::readErrorOfTheTextIsReported()
 {
     verifyResult(run({"create", "/proc/self/mem", "image"}), 2, QString(),
                  QStringLiteral("eeprom-image: /proc/self/mem: Input/output error\n"));
@@ -612,7 +613,7 @@ ProgramResult tst_EepromImageProgram::createInEeprom(const QStringList& environm
     return runOnEeprom(environment, {"create", "board.ini", "eeprom"});
 }
 
-void tst_EepromImageProgram::unreachableStartAddressOfAnEeprom_data()
+void tst_EepromImageProgram::reportsAnUnreachableStartAddressOfAnEeprom_data()
 {
     QTest::addColumn<QByteArray>("image");
     QTest::addColumn<QString>("command");
@@ -640,8 +641,8 @@ void tst_EepromImageProgram::unreachableStartAddressOfAnEeprom_data()
            "the header is damaged";
 }
 
-// A file of sysfs refuses addresses beyond its end, where other files do not.
-void tst_EepromImageProgram::unreachableStartAddressOfAnEeprom()
+// A file of sysfs rejects addresses beyond its end, unlike other files.
+void tst_EepromImageProgram::reportsAnUnreachableStartAddressOfAnEeprom()
 {
     QFETCH(QByteArray, image);
     QFETCH(QString, command);
@@ -657,9 +658,9 @@ void tst_EepromImageProgram::eepromIsWrittenPageByPage_data()
 {
     QTest::addColumn<QByteArray>("property"); // of the driver
     QTest::addColumn<int>("pageSize");
-    QTest::newRow("driver does not say") << QByteArray() << 8;
-    QTest::newRow("size of the driver") << QByteArray("\0\0\0\x20", 4) << 32;
-    QTest::newRow("size that cannot be") << QByteArray("\x20\0\0\0", 4) << 8;
+    QTest::newRow("driver without a page size") << QByteArray() << 8;
+    QTest::newRow("page size of the driver") << QByteArray("\0\0\0\x20", 4) << 32;
+    QTest::newRow("invalid page size of the driver") << QByteArray("\x20\0\0\0", 4) << 8;
 }
 
 void tst_EepromImageProgram::eepromIsWrittenPageByPage()
@@ -693,7 +694,7 @@ void tst_EepromImageProgram::eepromIsWrittenPageByPage()
     QCOMPARE(readFile(path(QStringLiteral("log"))), writes);
 }
 
-void tst_EepromImageProgram::troubleWhileWritingTellsTheState_data()
+void tst_EepromImageProgram::failedWriteReportsWhatWasWritten_data()
 {
     QTest::addColumn<QString>("environment");
     QTest::addColumn<int>("exitCode");
@@ -715,7 +716,7 @@ void tst_EepromImageProgram::troubleWhileWritingTellsTheState_data()
         << 48;
 }
 
-void tst_EepromImageProgram::troubleWhileWritingTellsTheState()
+void tst_EepromImageProgram::failedWriteReportsWhatWasWritten()
 {
     QFETCH(QString, environment);
     QFETCH(int, exitCode);
@@ -734,7 +735,7 @@ void tst_EepromImageProgram::troubleWhileWritingTellsTheState()
 void tst_EepromImageProgram::deviceIsWrittenInPlace()
 {
     writeFile(QStringLiteral("board.ini"), boardText);
-    // A disk image that others have open or linked stays the same file.
+    // A disk image that is open or linked elsewhere stays the same file.
     const QString device = writeFile(QStringLiteral("device"), QByteArray(4096, 'x'));
     QVERIFY(link(device.toLocal8Bit().constData(),
                  path(QStringLiteral("other")).toLocal8Bit().constData()) == 0);
@@ -763,7 +764,7 @@ void tst_EepromImageProgram::imageLargerThanTheEepromIsRefused()
     QCOMPARE(readFile(eeprom), QByteArray(size - 1, 'x'));
 }
 
-void tst_EepromImageProgram::progressIsShownOnATerminalNowAndThen()
+void tst_EepromImageProgram::progressIsDrawnTenTimesASecondAtMost()
 {
     const QString board = writeFile("board.ini", boardText);
     const QString eeprom = writeFile("eeprom", QByteArray(65536, 'x'));
@@ -804,7 +805,7 @@ void tst_EepromImageProgram::extractsTheText()
     QCOMPARE(readFile(path(QStringLiteral("text"))), text);
 }
 
-void tst_EepromImageProgram::extractRefusesDamage()
+void tst_EepromImageProgram::extractRefusesADamagedImage()
 {
     writeFile(QStringLiteral("eeprom"), EepromImage(boardText).checksum(1).bytes());
     const ProgramResult result = run({"extract", "eeprom"});

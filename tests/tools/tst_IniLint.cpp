@@ -25,8 +25,8 @@ QByteArray toJson(const char* text)
 
 } // namespace
 
-// The program that says what QSettings reads otherwise than it looks; that it is so shows
-// tst_IniRules.
+// The program that finds what QSettings reads differently than it looks. tst_IniRules compares its
+// findings with QSettings.
 class tst_IniLint : public TestCase
 {
     Q_OBJECT
@@ -34,41 +34,41 @@ class tst_IniLint : public TestCase
 private Q_SLOTS:
     void findings_data();
     void findings();
-    void nothingToFind_data();
-    void nothingToFind();
+    void unambiguousTextHasNoFindings_data();
+    void unambiguousTextHasNoFindings();
     void codecs_data();
     void codecs();
     void rulesCanBeIgnored();
-    void levels();
+    void levelHidesLowerSeverities();
     void repeatsAreCounted();
     void commentsIgnoreFindings_data();
     void commentsIgnoreFindings();
     void listsIgnoreFindings_data();
     void listsIgnoreFindings();
-    void refusesBrokenLists_data();
-    void refusesBrokenLists();
+    void invalidListsAreRefused_data();
+    void invalidListsAreRefused();
     void severalFiles();
     void standardInput();
     void directories();
-    void unreadableDirectories();
+    void unreadableDirectoryIsReported();
     void findingsAsJson();
     void findingsAsSarif();
     void dryRunPrintsADiff_data();
     void dryRunPrintsADiff();
     void patchAcceptsTheDiff_data();
     void patchAcceptsTheDiff();
-    void cleanDoesWhatTheDryRunShows();
+    void cleanMakesTheChangesOfTheDryRun();
     void cleanKeepsOwnerAndMode();
-    void cleanFilesAreNotWritten();
-    void cleanSaysWhatItCannotDo();
+    void fileWithoutChangesIsNotWritten();
+    void failedCleanUpIsReported();
     void changesAsJson();
-    void fullDisk();
-    void terminalsShowTheFileThatIsWaitedFor();
+    void fullDiskIsReported();
+    void terminalShowsTheFileBeingRead();
     void severitiesAreColoredOnATerminal_data();
     void severitiesAreColoredOnATerminal();
-    void refusesWhatItCannotUse_data();
-    void refusesWhatItCannotUse();
-    void helpNamesEveryExitCode();
+    void invalidArgumentsAreRefused_data();
+    void invalidArgumentsAreRefused();
+    void helpListsEveryExitCode();
 
 private:
     ProgramResult run(const QStringList& arguments) const
@@ -80,7 +80,7 @@ private:
     {
         verifyResult(run(arguments), exitCode, output, errors);
     }
-    // Byte by byte.
+    // As bytes: a diff need not be UTF-8.
     QByteArray cleanUpDiff(const QString& name) const
     {
         const QString output = "output.diff";
@@ -114,7 +114,7 @@ void tst_IniLint::findings_data()
     row("semicolon right after the equals sign", "a=;b\n",
         "1:3: error: the value ends at the semicolon: ''; quote the value to keep it whole "
         "[semicolon]\n");
-    row("semicolon that looks like a comment's", "a=1 ; b\nb=\t;\n",
+    row("semicolon that looks like a comment", "a=1 ; b\nb=\t;\n",
         "1:5: warning: the value ends at the semicolon: '1'; quote the value to keep it whole "
         "[semicolon]\n"
         "2:4: warning: the value ends at the semicolon: ''; quote the value to keep it whole "
@@ -129,7 +129,7 @@ void tst_IniLint::findings_data()
         "[name-escape]\n");
     row("hash after a value", "a=1 # one\n",
         "1:5: warning: '#' does not start a comment; the value is '1 # one' [hash-comment]\n");
-    row("hash before words that include a key", "# it\"s\na=1\n",
+    row("hash before a text that includes a key", "# it\"s\na=1\n",
         "1:1: error: the quote is not closed: everything up to the end of the file belongs to this "
         "line [multi-line]\n");
     row("hash before a path that includes a key", "# C:\\\na=1\n#b=\\\n[s]\n",
@@ -140,20 +140,20 @@ void tst_IniLint::findings_data()
         "3:1: note: '#' does not start a comment: the line is read as the key '#b' [hash-comment]\n"
         "3:1: error: everything up to line 4 belongs to this line: a quote or a backslash includes "
         "the line ending [multi-line]\n");
-    row("key again", "[s]\na=1\na=2\na=2\n",
+    row("duplicate key", "[s]\na=1\na=2\na=2\n",
         "2:1: error: 's/a' is a duplicate: the value in line 4 counts, not this one "
         "[duplicate-key]\n"
         "3:1: note: 's/a' is a duplicate: the value in line 4 counts, not this one "
         "[duplicate-key]\n");
-    row("key again in the section's second part", "[s]\na=1\n[t]\na=1\n[s]\na=2\n",
+    row("duplicate key in the section's second part", "[s]\na=1\n[t]\na=1\n[s]\na=2\n",
         "2:1: error: 's/a' is a duplicate: the value in line 6 counts, not this one "
         "[duplicate-key]\n");
-    row("key again by another spelling", "[s]\na%20b=1\na b=2\n",
+    row("duplicate key in another spelling", "[s]\na%20b=1\na b=2\n",
         "2:1: warning: 'a%20b' is read as 'a b': '%' begins a character code "
         "[name-escape]\n"
         "2:1: error: 's/a b' is a duplicate: the value in line 3 counts, not this one "
         "[duplicate-key]\n");
-    row("key again in another section", "[s/t]\na=1\n[s]\nt/a=2\n",
+    row("duplicate key in another section", "[s/t]\na=1\n[s]\nt/a=2\n",
         "1:1: warning: 's/t' is nested: it is listed as the group 's' [nested-name]\n"
         "4:1: warning: 't/a' is nested: it is read as the key 'a' in the group 's/t' "
         "[nested-name]\n"
@@ -176,7 +176,7 @@ void tst_IniLint::findings_data()
     row("general section", "[general]\na=1\n",
         "1:1: warning: [general] is not a group but the top level of the file; the group 'General' "
         "is spelled [%General] [general-section]\n");
-    row("group of the name General", "[%General]\na=1\n",
+    row("group named General", "[%General]\na=1\n",
         "1:1: warning: '%General' is read as 'General': '%' distinguishes it from the file's top "
         "level "
         "[name-escape]\n");
@@ -197,9 +197,9 @@ void tst_IniLint::findings_data()
     row("key begins with a slash", "/a=1\n",
         "1:1: error: the key '/a' cannot be looked up: a part of its name is empty "
         "[unreachable]\n");
-    row("section without its end", "[a\nb=1\n",
+    row("section without a closing bracket", "[a\nb=1\n",
         "1:1: error: the section has no ']'; its name is read as 'a' [section-end]\n");
-    row("something after a section", "[a] b=1\n",
+    row("text after a section", "[a] b=1\n",
         "1:1: error: what follows the ']' is skipped: 'b=1' [section-end]\n");
     row("percent sign in a key", "%41=1\n",
         "1:1: error: '%41' is read as 'A': '%' begins a character code [name-escape]\n");
@@ -214,7 +214,7 @@ void tst_IniLint::findings_data()
         "1:13: error: the escape '\\d' makes the value 'C:\\x09empata'; write '\\\\' for a "
         "backslash "
         "[escape]\n");
-    row("numbers of characters", "a=\\x41bc,\\101\n",
+    row("character codes", "a=\\x41bc,\\101\n",
         "1:3: error: the escape '\\x41bc' makes the value '\xE4\x86\xBC', 'A'; write '\\\\' for a "
         "backslash "
         "[escape]\n"
@@ -253,28 +253,28 @@ void tst_IniLint::findings_data()
         "1:4: error: the trailing backslash is dropped; the value is 'b' [escape]\n");
     row("backslash at the end of the file", "a=b\\",
         "1:4: error: the trailing backslash is dropped; the value is 'b' [escape]\n");
-    row("quote without its end", "a=\"b\n[s]\nc=1\n",
+    row("quote that is not closed", "a=\"b\n[s]\nc=1\n",
         "1:1: error: the quote is not closed: everything up to the end of the file belongs to this "
         "line [multi-line]\n");
     row("section with a quote", "[a\"b\nc\"]\n",
         "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
         "the line ending [multi-line]\n");
-    row("words with a quote", "a\"b\nc\"\n",
+    row("quote without an equals sign", "a\"b\nc\"\n",
         "1:1: error: everything up to line 2 belongs to this line: a quote or a backslash includes "
         "the line ending [multi-line]\n"
         "1:1: error: there is no '='; the line is skipped, and QSettings reports a format error: "
         "'a\"b\\x0ac\"' [no-equals]\n");
-    row("mark of another type", "a=@Size(1 2)\nb=@@c\nc=@Invalid()\n",
+    row("at sign of another type", "a=@Size(1 2)\nb=@@c\nc=@Invalid()\n",
         "1:3: error: \'@Size(1 2)' is read as a point, a size or a rectangle [at-sign]\n"
         "2:3: error: \'@@c' is read as the text without its first '@' [at-sign]\n"
         "3:3: error: \'@Invalid()' is read as no value at all [at-sign]\n");
-    row("mark of bytes, text or an object",
+    row("at sign of bytes, text or an object",
         "a=@ByteArray(x)\nb=@String(x)\nc=@Variant(x)\nd=@DateTime(x)\n",
         "1:3: error: \'@ByteArray(x)' is read as the bytes in the parentheses [at-sign]\n"
         "2:3: error: \'@String(x)' is read as the text in the parentheses [at-sign]\n"
         "3:3: error: \'@Variant(x)' is read as a stored object [at-sign]\n"
         "4:3: error: \'@DateTime(x)' is read as a stored object [at-sign]\n");
-    row("word that is no boolean", "a=Off\n",
+    row("boolean word that is read as true", "a=Off\n",
         "1:3: warning: as a boolean, 'Off' is true: only '0', 'false' and an empty value are false "
         "[boolean-word]\n");
     row("large number", "a=4294967301\n",
@@ -287,7 +287,7 @@ void tst_IniLint::findings_data()
     row("byte order mark before a section", "\xEF\xBB\xBF[a]\nb=1\n",
         "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
         "error [byte-order-mark]\n");
-    row("byte order mark before words",
+    row("byte order mark before a text",
         "\xEF\xBB\xBF"
         "a\n",
         "1:1: note: a byte order mark counts as a line without '='; QSettings reports a format "
@@ -310,7 +310,7 @@ void tst_IniLint::findings_data()
          "'" +
          QByteArray(60, 'x') + "...' [no-equals]\n")
             .constData());
-    row("carriage returns alone end lines", "a=1\rb=1,2\rc=3\r",
+    row("carriage returns as line endings", "a=1\rb=1,2\rc=3\r",
         "2:4: error: the comma makes the value a list of 2 strings, which is empty when read as "
         "one string; quote the value to keep the comma [comma-list]\n");
     row("column in characters of UTF-8", "; \xC3\xA4\nb=\"\xC3\xA4\",\n",
@@ -321,7 +321,7 @@ void tst_IniLint::findings_data()
     row("column in bytes of Latin-1", "; \xE4\nb=\"\xE4\x84\",\n",
         "2:7: error: the comma makes the value a list of 2 strings, which is empty when read as "
         "one string; quote the value to keep the comma [comma-list]\n");
-    row("comment that asks for something else",
+    row("invalid ini-lint comment",
         "; ini-lint: ignore\n# ini-lint: ignore-line case\n;ini-lint:\n",
         "1:1: warning: this must be 'ini-lint: ignore RULE...' or 'ini-lint: ignore-file RULE...' "
         "[ignore-comment]\n"
@@ -350,14 +350,13 @@ void tst_IniLint::findings()
     QCOMPARE(filesInTheDirectory(), QStringList(file));
 }
 
-void tst_IniLint::nothingToFind_data()
+void tst_IniLint::unambiguousTextHasNoFindings_data()
 {
     QTest::addColumn<QByteArray>("text");
 
     QTest::newRow("empty") << QByteArray("");
     QTest::newRow("comments") << QByteArray("; one, two; three\n\n  ; four = \"\n");
-    QTest::newRow("quotes that keep a value whole")
-        << QByteArray("a=\"1, 2\"\nb=\"1; 2\"\nc = \" 3 \" \n");
+    QTest::newRow("quoted values") << QByteArray("a=\"1, 2\"\nb=\"1; 2\"\nc = \" 3 \" \n");
     QTest::newRow("comments after a hash") << QByteArray(
         "# one\n#\n  # it's one; two\n# [s]\n# \"three\n# four\"\n# C:\\\n\n# five\\");
     QTest::newRow("comment after a section") << QByteArray("[s] # one\na=1\n[t];two\na=1\n");
@@ -367,11 +366,11 @@ void tst_IniLint::nothingToFind_data()
     QTest::newRow("color") << QByteArray("a=#ff0000\nb = #ff0000\n");
     QTest::newRow("address") << QByteArray("a=@home\n");
     QTest::newRow("largest number") << QByteArray("a=2147483647\nb=-2147483648\n");
-    QTest::newRow("no number") << QByteArray("a=99999999999999999999\n");
+    QTest::newRow("number over 64 bits") << QByteArray("a=99999999999999999999\n");
     QTest::newRow("carriage returns") << QByteArray("[s]\r\na=1\r\n");
 }
 
-void tst_IniLint::nothingToFind()
+void tst_IniLint::unambiguousTextHasNoFindings()
 {
     QFETCH(QByteArray, text);
     writeFile(file, text);
@@ -432,7 +431,7 @@ void tst_IniLint::rulesCanBeIgnored()
               0, QString());
 }
 
-void tst_IniLint::levels()
+void tst_IniLint::levelHidesLowerSeverities()
 {
     writeFile(file, "#a=1\nb=off\nc=1;2\n");
     const QString note =
@@ -455,16 +454,16 @@ void tst_IniLint::repeatsAreCounted()
     writeFile(file, "a=1;2\nb=1 ;\nc=1;\nd=off\ne=;\n");
     const QString text = QStringLiteral(
         "the value ends at the semicolon: '%1'; quote the value to keep it whole%2 [semicolon]\n");
-    const QString word =
+    const QString boolean =
         QStringLiteral("file.ini:4:3: warning: as a boolean, 'off' is true: only '0', 'false' and "
                        "an empty value are false [boolean-word]\n");
     // A warning does not hide an error of the same rule.
     verifyRun({file}, 1,
               "file.ini:1:4: error: " + text.arg("1", " (and 2 more in this file)") +
-                  "file.ini:2:5: warning: " + text.arg("1", "") + word);
+                  "file.ini:2:5: warning: " + text.arg("1", "") + boolean);
     verifyRun({"--all", file}, 1,
               "file.ini:1:4: error: " + text.arg("1", "") + "file.ini:2:5: warning: " +
-                  text.arg("1", "") + "file.ini:3:4: error: " + text.arg("1", "") + word +
+                  text.arg("1", "") + "file.ini:3:4: error: " + text.arg("1", "") + boolean +
                   "file.ini:5:3: error: " + text.arg("", ""));
 }
 
@@ -491,12 +490,12 @@ void tst_IniLint::commentsIgnoreFindings_data()
     QTest::newRow("value of several lines")
         << QByteArray("; ini-lint: ignore escape multi-line\na=\"\\q\n\\q\"\nb=\\q\n")
         << QStringList{"4:3"};
-    QTest::newRow("whole file") << QByteArray(
-                                       "a=1;2\n; ini-lint: ignore-file semicolon\nb=1;2\nc=1,2\n")
-                                << QStringList{"4:4"};
+    QTest::newRow("entire file") << QByteArray(
+                                        "a=1;2\n; ini-lint: ignore-file semicolon\nb=1;2\nc=1,2\n")
+                                 << QStringList{"4:4"};
     QTest::newRow("no comment") << QByteArray("a=1 ini-lint: ignore semicolon\nb=1;2\n")
                                 << QStringList{"2:4"};
-    QTest::newRow("comment that is not for it")
+    QTest::newRow("comment without the program's name")
         << QByteArray("; ignore semicolon\na=1;2\n") << QStringList{"2:4"};
 }
 
@@ -518,7 +517,7 @@ void tst_IniLint::commentsIgnoreFindings()
 void tst_IniLint::listsIgnoreFindings_data()
 {
     QTest::addColumn<QByteArray>("list");
-    QTest::addColumn<QStringList>("left"); // of the rules of two files
+    QTest::addColumn<QStringList>("remaining"); // files and rules
 
     const QStringList a = {"a/one.ini boolean-word", "a/one.ini semicolon"};
     const QStringList b = {"b c/two.ini boolean-word", "b c/two.ini semicolon"};
@@ -530,7 +529,7 @@ void tst_IniLint::listsIgnoreFindings_data()
     QTest::newRow("part of a name") << QByteArray("* ne.ini") << a + b;
     QTest::newRow("file by its path") << QByteArray("* a/one.ini") << b;
     QTest::newRow("directory") << QByteArray("* b c/*\r\n") << a;
-    QTest::newRow("no directories in a star") << QByteArray("* /*\n") << a + b;
+    QTest::newRow("pattern that begins with a slash") << QByteArray("* /*\n") << a + b;
     QTest::newRow("rules of files")
         << QByteArray("semicolon one.ini\nboolean-word t*.ini\n") << QStringList{a.at(0), b.at(1)};
 }
@@ -538,7 +537,7 @@ void tst_IniLint::listsIgnoreFindings_data()
 void tst_IniLint::listsIgnoreFindings()
 {
     QFETCH(QByteArray, list);
-    QFETCH(QStringList, left);
+    QFETCH(QStringList, remaining);
 
     for (const char* name : {"a/one.ini", "b c/two.ini"}) {
         QVERIFY(QDir(directory()).mkpath(QFileInfo(QLatin1String(name)).path()));
@@ -551,11 +550,11 @@ void tst_IniLint::listsIgnoreFindings()
         const QString rule = line.section(QLatin1Char('['), -1).chopped(1);
         line = line.section(QLatin1Char(':'), 0, 0) + QLatin1Char(' ') + rule;
     }
-    QCOMPARE(found, left);
+    QCOMPARE(found, remaining);
     QCOMPARE(result.errors, QString());
 }
 
-void tst_IniLint::refusesBrokenLists_data()
+void tst_IniLint::invalidListsAreRefused_data()
 {
     QTest::addColumn<QByteArray>("list");
     QTest::addColumn<QString>("error");
@@ -565,7 +564,7 @@ void tst_IniLint::refusesBrokenLists_data()
                                   << "list.txt:1: unknown rule 'colon'";
 }
 
-void tst_IniLint::refusesBrokenLists()
+void tst_IniLint::invalidListsAreRefused()
 {
     QFETCH(QByteArray, list);
     QFETCH(QString, error);
@@ -589,7 +588,7 @@ void tst_IniLint::standardInput()
     dryRun.write("a=1,2\n");
     verifyResult(dryRun.finish(), 1, "--- <stdin>\n+++ <stdin>\n@@ -1,1 +1,1 @@\n-a=1,2\n+a=1 2\n");
 
-    writeFile("-", "a=1,2\n"); // which is not meant
+    writeFile("-", "a=1,2\n"); // must not be read
     ProgramRun clean(program, {"--clean", "-"}, directory());
     clean.write("a=1,2\n");
     verifyResult(clean.finish(), 2, QString(),
@@ -625,9 +624,9 @@ void tst_IniLint::directories()
               QStringLiteral("ini-lint: d: no file in this directory matches '*.none', 'x'\n"));
 }
 
-void tst_IniLint::unreadableDirectories()
+void tst_IniLint::unreadableDirectoryIsReported()
 {
-    // Root may read everything; the program runs as somebody else then.
+    // Root can read every directory: for root, the program runs as another user.
     const QStringList unprivileged =
         geteuid() == 0 ? QStringList{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}
                        : QStringList{"env"};
@@ -657,7 +656,7 @@ void tst_IniLint::severalFiles()
         QStringLiteral("b\\x0a.ini:1:3: warning: as a boolean, 'no' is true: only '0', 'false' "
                        "and an empty value are false [boolean-word]\n");
     verifyRun({"a.ini", "b\n.ini"}, 1, a + b);
-    // What cannot be read does not stop the rest.
+    // A missing file does not stop the check of the others.
     verifyRun({"none.ini", "a.ini", "b\n.ini"}, 2, a + b,
               "ini-lint: none.ini: No such file or directory\n");
 }
@@ -733,9 +732,9 @@ void tst_IniLint::dryRunPrintsADiff_data()
     };
     row("commas and comments", "a=1\nb=1, 2\n%23c=3\n",
         "@@ -1,3 +1,3 @@\n a=1\n-b=1, 2\n-%23c=3\n+b=1  2\n+#c=3\n");
-    row("commas in quotes, too", "a=\"1,2\"\n", "@@ -1,1 +1,1 @@\n-a=\"1,2\"\n+a=\"1 2\"\n");
+    row("commas in quotes", "a=\"1,2\"\n", "@@ -1,1 +1,1 @@\n-a=\"1,2\"\n+a=\"1 2\"\n");
     row("carriage returns", "a=1\r\nb=2\n", "@@ -1,2 +1,2 @@\n-a=1\r\n+a=1\n b=2\n");
-    row("bytes that are no UTF-8", "a=\xE4\n", "@@ -1,1 +1,1 @@\n-a=\xE4\n+a=\xEF\xBF\xBD\n");
+    row("bytes that are not UTF-8", "a=\xE4\n", "@@ -1,1 +1,1 @@\n-a=\xE4\n+a=\xEF\xBF\xBD\n");
     row("zero byte", QByteArray("a=1\nb\0=2\nc=3", 12),
         QByteArray("@@ -1,3 +1,2 @@\n a=1\n-b\0=2\n-c=3\n\\ No newline at end of file\n+b\n"
                    "\\ No newline at end of file\n",
@@ -744,16 +743,16 @@ void tst_IniLint::dryRunPrintsADiff_data()
         QByteArray("@@ -1,2 +0,0 @@\n-\0a=1\n-b=2\n", 27));
     row("byte order mark", "\xEF\xBB\xBF[a]\nb=\xC3\xA4\n",
         "@@ -1,2 +1,2 @@\n-\xEF\xBB\xBF[a]\n+[a]\n b=\xC3\xA4\n");
-    row("no line feed at the end", "a=1,2",
+    row("no trailing line feed", "a=1,2",
         "@@ -1,1 +1,1 @@\n-a=1,2\n\\ No newline at end of file\n"
         "+a=1 2\n\\ No newline at end of file\n");
-    row("lines around a change", "a\nb\nc\nd\n,\ne\nf\ng\nh\n",
+    row("context of a change", "a\nb\nc\nd\n,\ne\nf\ng\nh\n",
         "@@ -2,7 +2,7 @@\n b\n c\n d\n-,\n+ \n e\n f\n g\n");
-    row("changes that share lines", ",\na\nb\nc\nd\ne\nf\n,\n",
+    row("changes that share context", ",\na\nb\nc\nd\ne\nf\n,\n",
         "@@ -1,8 +1,8 @@\n-,\n+ \n a\n b\n c\n d\n e\n f\n-,\n+ \n");
-    row("changes that share no lines", ",\na\nb\nc\nd\ne\nf\ng\n,\n",
+    row("changes that share no context", ",\na\nb\nc\nd\ne\nf\ng\n,\n",
         "@@ -1,4 +1,4 @@\n-,\n+ \n a\n b\n c\n@@ -6,4 +6,4 @@\n e\n f\n g\n-,\n+ \n");
-    row("nothing", "a=1\n;b\n", "");
+    row("no change", "a=1\n;b\n", "");
     row("empty", "", "");
 }
 
@@ -770,7 +769,7 @@ void tst_IniLint::dryRunPrintsADiff()
     QCOMPARE(filesInTheDirectory(), QStringList(file));
 }
 
-// What patch makes of a file is what a clean-up makes of it.
+// With the diff, patch creates the same file as a clean-up.
 void tst_IniLint::patchAcceptsTheDiff_data()
 {
     dryRunPrintsADiff_data();
@@ -797,7 +796,7 @@ void tst_IniLint::patchAcceptsTheDiff()
     }
 }
 
-void tst_IniLint::cleanDoesWhatTheDryRunShows()
+void tst_IniLint::cleanMakesTheChangesOfTheDryRun()
 {
     writeFile(file, "a=1,2\r\n%23b\n");
     const QString changes = run({"--clean", "--dry-run", file}).output;
@@ -811,7 +810,7 @@ void tst_IniLint::cleanDoesWhatTheDryRunShows()
 void tst_IniLint::cleanKeepsOwnerAndMode()
 {
     const QByteArray ini = QFile::encodeName(writeFile(file, "a=1,2\n"));
-    // Another owner than the one who runs this, where that is possible.
+    // Only root can change the owner.
     const uid_t owner = geteuid() == 0 ? 4711 : geteuid();
     const gid_t group = geteuid() == 0 ? 815 : getegid();
     QCOMPARE(chown(ini.constData(), owner, group), 0);
@@ -825,7 +824,7 @@ void tst_IniLint::cleanKeepsOwnerAndMode()
     QCOMPARE(readFile(path(file)), QByteArray("a=1 2\n"));
 }
 
-void tst_IniLint::cleanFilesAreNotWritten()
+void tst_IniLint::fileWithoutChangesIsNotWritten()
 {
     writeFile(file, "a=1\n");
     struct stat before = {};
@@ -833,10 +832,10 @@ void tst_IniLint::cleanFilesAreNotWritten()
     QCOMPARE(stat(qPrintable(path(file)), &before), 0);
     verifyRun({"--clean", file}, 0, QString());
     QCOMPARE(stat(qPrintable(path(file)), &after), 0);
-    QCOMPARE(after.st_ino, before.st_ino); // a file that is written is a new one
+    QCOMPARE(after.st_ino, before.st_ino); // a save replaces the file
 }
 
-void tst_IniLint::cleanSaysWhatItCannotDo()
+void tst_IniLint::failedCleanUpIsReported()
 {
     verifyRun({"--clean", "none.ini"}, 2, QString(),
               "ini-lint: none.ini: No such file or directory\n");
@@ -847,7 +846,7 @@ void tst_IniLint::cleanSaysWhatItCannotDo()
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 2);
 
-    // There are commas in it, and nobody can make a file beside it.
+    // It contains commas, and no file can be created in its directory.
     const ProgramResult ofKernel = run({"--clean", "/proc/mounts"});
     const QRegularExpression refusal("^ini-lint: /proc/mounts: the file cannot be cleaned up: "
                                      "(Operation not permitted|Permission denied|No such "
@@ -885,7 +884,7 @@ void tst_IniLint::changesAsJson()
     QCOMPARE(cleaned.exitCode, 0);
 }
 
-void tst_IniLint::fullDisk()
+void tst_IniLint::fullDiskIsReported()
 {
     writeFile(file, "a=off\n");
     const ProgramResult result =
@@ -894,9 +893,9 @@ void tst_IniLint::fullDisk()
     QCOMPARE(result.exitCode, 2);
 }
 
-void tst_IniLint::terminalsShowTheFileThatIsWaitedFor()
+void tst_IniLint::terminalShowsTheFileBeingRead()
 {
-    // Nobody writes into the pipe yet: the program waits for it as for a file of any size.
+    // The pipe has no writer yet: the program waits as for a slow file.
     const QString pipe = path("pipe.ini");
     QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
     const QString before = writeFile(file, "a=off\n");
@@ -909,7 +908,7 @@ void tst_IniLint::terminalsShowTheFileThatIsWaitedFor()
     writer.write("a=1\n");
     writer.close();
     const QByteArray written = terminal.finish();
-    // In the end the line is gone.
+    // The status line is erased.
     QCOMPARE(Terminal::screenAfter(written), QList<QByteArray>{QByteArray()});
     for (const QByteArray& line : written.split('\r')) {
         QVERIFY2(line.size() < 60, line.constData());
@@ -921,8 +920,8 @@ void tst_IniLint::severitiesAreColoredOnATerminal_data()
     QTest::addColumn<QStringList>("environment"); // arguments of env
     QTest::addColumn<bool>("isColored");
 
-    const QStringList usual = {"-u", "NO_COLOR", "TERM=linux"};
-    QTest::newRow("a terminal") << usual << true;
+    const QStringList colored = {"-u", "NO_COLOR", "TERM=linux"};
+    QTest::newRow("a terminal") << colored << true;
     QTest::newRow("NO_COLOR") << QStringList{"TERM=linux", "NO_COLOR=1"} << false;
     QTest::newRow("NO_COLOR is empty") << QStringList{"TERM=linux", "NO_COLOR="} << true;
     QTest::newRow("a terminal without colors")
@@ -942,7 +941,7 @@ void tst_IniLint::severitiesAreColoredOnATerminal()
     QVERIFY2(written.contains(":2:3: " + warning + ": "), written.constData());
 }
 
-void tst_IniLint::refusesWhatItCannotUse_data()
+void tst_IniLint::invalidArgumentsAreRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("error");
@@ -954,32 +953,34 @@ void tst_IniLint::refusesWhatItCannotUse_data()
     QTest::newRow("unknown codec") << QStringList{"--codec", "none", "a"} << "unknown codec 'none'";
     QTest::newRow("empty codec") << QStringList{"--codec=", "a"} << "unknown codec ''";
     QTest::newRow("unknown rule") << QStringList{"--ignore", "all", "a"} << "unknown rule 'all'";
-    QTest::newRow("dry run of nothing")
+    QTest::newRow("dry run without a clean-up")
         << QStringList{"--dry-run", "a"} << "--dry-run requires --clean";
     QTest::newRow("unknown level") << QStringList{"--level", "all", "a"}
                                    << "--level must be note, warning or error, not 'all'";
     QTest::newRow("clean-up with a codec")
         << QStringList{"--clean", "--codec", "UTF-8", "a"} << "--codec cannot be used with --clean";
-    QTest::newRow("clean-up without a rule") << QStringList{"--clean", "--ignore", "escape", "a"}
-                                             << "--ignore cannot be used with --clean";
-    QTest::newRow("clean-up with a list") << QStringList{"--clean", "--ignore-list", "b", "a"}
-                                          << "--ignore-list cannot be used with --clean";
-    QTest::newRow("clean-up of a level")
+    QTest::newRow("clean-up with an ignored rule")
+        << QStringList{"--clean", "--ignore", "escape", "a"}
+        << "--ignore cannot be used with --clean";
+    QTest::newRow("clean-up with an ignore list")
+        << QStringList{"--clean", "--ignore-list", "b", "a"}
+        << "--ignore-list cannot be used with --clean";
+    QTest::newRow("clean-up with a level")
         << QStringList{"--clean", "--level", "note", "a"} << "--level cannot be used with --clean";
-    QTest::newRow("clean-up with repeats")
+    QTest::newRow("clean-up with all findings")
         << QStringList{"--clean", "--all", "a"} << "--all cannot be used with --clean";
     QTest::newRow("clean-up as SARIF") << QStringList{"--clean", "--format=sarif", "a"}
                                        << "--format=sarif cannot be used with --clean";
 }
 
-void tst_IniLint::refusesWhatItCannotUse()
+void tst_IniLint::invalidArgumentsAreRefused()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, error);
     verifyRun(arguments, 2, QString(), QStringLiteral("ini-lint: %1\n").arg(error) + hint);
 }
 
-void tst_IniLint::helpNamesEveryExitCode()
+void tst_IniLint::helpListsEveryExitCode()
 {
     const ProgramResult result = run({"--help"});
     for (const char* line :

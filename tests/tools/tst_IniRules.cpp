@@ -26,7 +26,7 @@ QVector<Finding> findingsOf(const Findings& findings, int line, const char* rule
     return result;
 }
 
-// The entries that count when everything is read: QSettings reads sections by their names.
+// The entries that QSettings uses when it reads everything: it reads the sections sorted by name.
 QMap<QString, const IniEntry*> entriesByPath(const IniReading& reading)
 {
     QVector<const IniEntry*> entries;
@@ -43,7 +43,7 @@ QMap<QString, const IniEntry*> entriesByPath(const IniReading& reading)
     return result;
 }
 
-// Made of what means something in an INI file.
+// A random text of pieces that have a meaning in INI files.
 QByteArray randomText(QRandomGenerator& random)
 {
     static const QByteArray pieces[] = {"a",           "b",          "A",
@@ -83,26 +83,26 @@ bool isList(const QVariant& value)
 
 } // namespace
 
-// What the program says of INI texts, held against what QSettings reads out of them.
+// Compares the findings in INI texts with what QSettings reads from them.
 class tst_IniRules : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsAsQSettings_data();
-    void readsAsQSettings();
-    void namesAreWrittenAsByQSettings();
-    void rulesStandInTheirOrder();
-    void marksOfStoredObjects_data();
-    void marksOfStoredObjects();
-    void commaMakesATextEmpty();
+    void readsLikeQSettings_data();
+    void readsLikeQSettings();
+    void namesAreWrittenLikeQSettings();
+    void rulesAreSorted();
+    void convertedValuesAreFound_data();
+    void convertedValuesAreFound();
+    void listReadAsAStringIsEmpty();
     void generalIsTheTopLevel();
-    void wordsAndNumbers();
-    void sectionReadFirstLosesItsDuplicate();
+    void booleanWordsAndLargeNumbersAreFound();
+    void duplicateKeyDependsOnTheOrderOfReading();
     void nestedSectionsHideKeys();
-    void errorsAreTrueAndNothingIsMissed();
-    void truthNoticesLies_data();
-    void truthNoticesLies();
+    void findingsAgreeWithQSettings();
+    void lintTruthDetectsContradictions_data();
+    void lintTruthDetectsContradictions();
 
 private:
     void verifyText(const QByteArray& text, const char* codec, int number);
@@ -114,7 +114,7 @@ private:
     int m_copies = 0;
 };
 
-void tst_IniRules::readsAsQSettings_data()
+void tst_IniRules::readsLikeQSettings_data()
 {
     QTest::addColumn<QByteArray>("codec");
     QTest::newRow("no codec") << QByteArray();
@@ -129,7 +129,7 @@ void tst_IniRules::verifyEntries(const QSettings& settings, const IniReading& re
     for (const IniEntry* entry : entries) {
         const QString path = entry->path();
         if (NameRules::isUnreachable(path)) {
-            // Who asks for it is answered for another one.
+            // A look-up of this path finds another one.
             const QString other = path.split(slash, Qt::SkipEmptyParts).join(slash);
             QVERIFY(other != path || path.isEmpty());
             QVERIFY(other.isEmpty() || settings.contains(path) == entries.contains(other));
@@ -143,14 +143,15 @@ void tst_IniRules::verifyEntries(const QSettings& settings, const IniReading& re
         QCOMPARE(isList(value), entry->value.isList());
         QCOMPARE(!findingsOf(findings, entry->extent.first, "comma-list").isEmpty(),
                  entry->value.isList());
-        const bool isTaken = isList(value) ? value.toStringList() == entry->value.texts()
-                                           : value == QVariant(entry->value.texts().constFirst());
-        QCOMPARE(findingsOf(findings, entry->extent.first, "at-sign").isEmpty(), isTaken);
+        const bool isUnchanged = isList(value)
+                                     ? value.toStringList() == entry->value.texts()
+                                     : value == QVariant(entry->value.texts().constFirst());
+        QCOMPARE(findingsOf(findings, entry->extent.first, "at-sign").isEmpty(), isUnchanged);
     }
 }
 
-// What the first look-up of a key finds. The file has another name each time: QSettings keeps what
-// it has read of a file.
+// Verifies what the first look-up of each key finds. The file has a different name each time:
+// QSettings caches what it has read from a file.
 void tst_IniRules::verifyFirstLookUps(const QByteArray& text, const IniReading& reading,
                                       const Findings& findings)
 {
@@ -181,9 +182,10 @@ void tst_IniRules::verifyText(const QByteArray& text, const char* codec, int num
     if (codec != nullptr) {
         settings.setIniCodec(codec);
     }
-    const QTextCodec* const given = codec != nullptr ? QTextCodec::codecForName(codec) : nullptr;
-    const IniReading reading(text, given);
-    const Findings findings = IniRules::check(text, given);
+    const QTextCodec* const textCodec =
+        codec != nullptr ? QTextCodec::codecForName(codec) : nullptr;
+    const IniReading reading(text, textCodec);
+    const Findings findings = IniRules::check(text, textCodec);
     verifyEntries(settings, reading, findings);
     verifyFirstLookUps(text, reading, findings);
 
@@ -194,8 +196,8 @@ void tst_IniRules::verifyText(const QByteArray& text, const char* codec, int num
              hasOpenSection || !reading.strays().isEmpty());
 }
 
-// Of texts at random.
-void tst_IniRules::readsAsQSettings()
+// With random texts.
+void tst_IniRules::readsLikeQSettings()
 {
     QFETCH(QByteArray, codec);
     QRandomGenerator random(4711);
@@ -209,7 +211,7 @@ void tst_IniRules::readsAsQSettings()
     }
 }
 
-void tst_IniRules::namesAreWrittenAsByQSettings()
+void tst_IniRules::namesAreWrittenLikeQSettings()
 {
     const QString filePath = path("written.ini");
     for (int code = 1; code < 0x180; ++code) {
@@ -224,7 +226,7 @@ void tst_IniRules::namesAreWrittenAsByQSettings()
             settings.setValue(name, "x");
         }
         QCOMPARE(readFile(filePath), "[General]\n" + line);
-        // What QSettings writes may surprise, but is right.
+        // What QSettings writes may be surprising, but is correct.
         for (const Finding& finding : IniRules::check(line, nullptr)) {
             QCOMPARE(finding.rule, QStringLiteral("name-escape"));
             QCOMPARE(finding.severity, Severity::Warning);
@@ -232,7 +234,7 @@ void tst_IniRules::namesAreWrittenAsByQSettings()
     }
 }
 
-void tst_IniRules::rulesStandInTheirOrder()
+void tst_IniRules::rulesAreSorted()
 {
     const QVector<IniRules::Rule>& rules = IniRules::all();
     QVERIFY(std::is_sorted(rules.cbegin(), rules.cend(),
@@ -243,37 +245,37 @@ void tst_IniRules::rulesStandInTheirOrder()
     QVERIFY(!IniRules::contains("colon"));
 }
 
-void tst_IniRules::marksOfStoredObjects_data()
+void tst_IniRules::convertedValuesAreFound_data()
 {
     QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<bool>("isOther");
+    QTest::addColumn<bool>("isConverted");
 
     QTest::newRow("object") << QByteArray("@Variant(\\0\\0\\0\\x2\\0\\0\\0\\x5)") << true;
     QTest::newRow("bytes") << QByteArray("@ByteArray(abc)") << true;
     QTest::newRow("text") << QByteArray("@String(abc)") << true;
     QTest::newRow("rectangle") << QByteArray("@Rect(1 2 3 4)") << true;
     QTest::newRow("rectangle with too few numbers") << QByteArray("@Rect(1 2 3)") << false;
-    QTest::newRow("rectangle with a bracket") << QByteArray("@Size(1))") << true;
+    QTest::newRow("size with two parentheses") << QByteArray("@Size(1))") << true;
     QTest::newRow("two marks") << QByteArray("@@abc") << true;
     QTest::newRow("unknown mark") << QByteArray("@Color(1)") << false;
     QTest::newRow("address") << QByteArray("@home") << false;
-    QTest::newRow("mark within") << QByteArray("a@Invalid()") << false;
+    QTest::newRow("mark inside a text") << QByteArray("a@Invalid()") << false;
 }
 
-void tst_IniRules::marksOfStoredObjects()
+void tst_IniRules::convertedValuesAreFound()
 {
     QFETCH(QByteArray, value);
-    QFETCH(bool, isOther);
+    QFETCH(bool, isConverted);
 
     const QByteArray text = "k=" + value + "\n";
     const QSettings settings(writeFile("marks.ini", text), QSettings::IniFormat);
     const QString plain =
         IniReading(text, nullptr).entries().constFirst().value.texts().constFirst();
-    QCOMPARE(settings.value(QStringLiteral("k")) != QVariant(plain), isOther);
-    QCOMPARE(findingsOf(IniRules::check(text, nullptr), 1, "at-sign").size(), isOther ? 1 : 0);
+    QCOMPARE(settings.value(QStringLiteral("k")) != QVariant(plain), isConverted);
+    QCOMPARE(findingsOf(IniRules::check(text, nullptr), 1, "at-sign").size(), isConverted ? 1 : 0);
 }
 
-void tst_IniRules::commaMakesATextEmpty()
+void tst_IniRules::listReadAsAStringIsEmpty()
 {
     const QSettings settings(writeFile("list.ini", "a=1,2\nb=@x,y\nc=,\n"), QSettings::IniFormat);
     for (const char* key : {"a", "b", "c"}) {
@@ -291,7 +293,7 @@ void tst_IniRules::generalIsTheTopLevel()
     QCOMPARE(settings.value(QStringLiteral("General/b")).toString(), "2");
 }
 
-void tst_IniRules::wordsAndNumbers()
+void tst_IniRules::booleanWordsAndLargeNumbersAreFound()
 {
     const QByteArray text = "a=off\nb=No\nc=disabled\nd=false\ne=0\nf=\ng=2147483647\n"
                             "h=2147483648\ni=-2147483649\nj=99999999999999999999\nk=4294967301\n";
@@ -301,8 +303,8 @@ void tst_IniRules::wordsAndNumbers()
     for (const QString& key : settings.allKeys()) {
         ++line;
         const QVariant value = settings.value(key);
-        const bool isNoWord = line > 3; // other words are true, too, and nobody doubts it
-        QCOMPARE(findingsOf(findings, line, "boolean-word").size(), isNoWord ? 0 : 1);
+        const bool isBooleanWord = line <= 3; // that is read as true
+        QCOMPARE(findingsOf(findings, line, "boolean-word").size(), isBooleanWord ? 1 : 0);
         QCOMPARE(value.toBool(), line < 4 || line > 6);
 
         bool isNumber = false;
@@ -320,20 +322,21 @@ void tst_IniRules::wordsAndNumbers()
     QCOMPARE(line, 11);
 }
 
-// Which of two values counts depends on what is asked for first.
-void tst_IniRules::sectionReadFirstLosesItsDuplicate()
+// Which of two values is found depends on what was looked up first.
+void tst_IniRules::duplicateKeyDependsOnTheOrderOfReading()
 {
     const QByteArray text = "[A]\nB\\k=one\n[A/B]\nk=two\n";
     const QString both = "A/B/k";
     const QSettings settings(writeFile("order1.ini", text), QSettings::IniFormat);
-    // The first look-up has the section read that the key's path begins with, the second one more.
+    // The first look-up parses the section with which the path begins, the second parses another
+    // one.
     QCOMPARE(settings.value(both).toString(), QStringLiteral("two"));
     QCOMPARE(settings.value(both).toString(), QStringLiteral("one"));
 
     QCOMPARE(findingsOf(IniRules::check(text, nullptr), 4, "read-order").size(), 1);
 }
 
-// What contains() says depends on what was looked up before.
+// The result of contains() depends on what was looked up before.
 void tst_IniRules::nestedSectionsHideKeys()
 {
     const QByteArray text = "[A]\na=1\nz=2\n[A/b]\n";
@@ -348,8 +351,8 @@ void tst_IniRules::nestedSectionsHideKeys()
     QCOMPARE(findingsOf(findings, 3, "read-order").size(), 1);
 }
 
-// Of texts at random, too.
-void tst_IniRules::errorsAreTrueAndNothingIsMissed()
+// With random texts, too.
+void tst_IniRules::findingsAgreeWithQSettings()
 {
     QRandomGenerator random(815);
     for (int round = 0; round < rounds(1500); ++round) {
@@ -363,49 +366,50 @@ void tst_IniRules::errorsAreTrueAndNothingIsMissed()
     }
 }
 
-void tst_IniRules::truthNoticesLies_data()
+void tst_IniRules::lintTruthDetectsContradictions_data()
 {
     QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("rule"); // of an error that is claimed for line 2; empty for none
+    QTest::addColumn<QString>("rule"); // of a finding in line 2; empty for none
     QTest::addColumn<QString>("message");
-    QTest::addColumn<bool>("isLie");
+    QTest::addColumn<bool>("isContradiction");
 
     const auto row = [](const char* name, const QByteArray& text, const char* rule,
-                        const char* message, bool isLie) {
+                        const char* message, bool isContradiction) {
         QTest::newRow(name) << text << QString::fromLatin1(rule) << QString::fromLatin1(message)
-                            << isLie;
+                            << isContradiction;
     };
-    row("value", "[s]\na=1\n", "escape", "", true);
-    row("value that is another", "[s]\na=1;2\n", "semicolon", "", false);
-    row("section", "a=1\n[s]\n", "section-end", "", true);
-    row("section that is another", "a=1\n[s\n", "section-end", "", false);
+    row("value that is read as it looks", "[s]\na=1\n", "escape", "", true);
+    row("value that is read differently", "[s]\na=1;2\n", "semicolon", "", false);
+    row("section that is read as it looks", "a=1\n[s]\n", "section-end", "", true);
+    row("section that is read differently", "a=1\n[s\n", "section-end", "", false);
     row("line that is read", "a=1\nb=1\nc\n", "no-equals", "", true);
     row("line that is skipped", "a=1\nb\n", "no-equals", "", false);
-    row("line by itself", "\na=1\nb=1\n", "multi-line", "everything up to line 3", true);
-    row("line with the next", "\na=\"\nb=1\"\n", "multi-line", "everything up to line 3", false);
-    row("file in Latin-1", "\n\xE4=\xFF\n", "byte-order-mark", "UTF-16", true);
-    row("order that does not count", "[s]\na=1\n[t]\n", "read-order", "", true);
-    row("order that counts", "[s]\nz=1\n[s/t]\n", "read-order", "", false);
-    row("nothing found, value", "a=1,2\n", "", "", true);
-    row("nothing found, name", "%41=1\n", "", "", true);
-    row("nothing found, skipped line", "a\n", "", "", true);
-    row("nothing found, section", "[s\na=1\n", "", "", true);
-    row("nothing found, hidden key", "[s]\nz=1\n[s/t]\n", "", "", true);
-    row("nothing found, nothing wrong", "# a\n[s]\na=1\nb=\"2 \"\n", "", "", false);
+    row("line that is read alone", "\na=1\nb=1\n", "multi-line", "everything up to line 3", true);
+    row("line that is merged with the next", "\na=\"\nb=1\"\n", "multi-line",
+        "everything up to line 3", false);
+    row("UTF-16 in a Latin-1 file", "\n\xE4=\xFF\n", "byte-order-mark", "UTF-16", true);
+    row("order that does not matter", "[s]\na=1\n[t]\n", "read-order", "", true);
+    row("order that matters", "[s]\nz=1\n[s/t]\n", "read-order", "", false);
+    row("no finding, value read differently", "a=1,2\n", "", "", true);
+    row("no finding, name read differently", "%41=1\n", "", "", true);
+    row("no finding, skipped line", "a\n", "", "", true);
+    row("no finding, section read differently", "[s\na=1\n", "", "", true);
+    row("no finding, hidden key", "[s]\nz=1\n[s/t]\n", "", "", true);
+    row("no finding, read as it looks", "# a\n[s]\na=1\nb=\"2 \"\n", "", "", false);
 }
 
-void tst_IniRules::truthNoticesLies()
+void tst_IniRules::lintTruthDetectsContradictions()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, rule);
     QFETCH(QString, message);
-    QFETCH(bool, isLie);
+    QFETCH(bool, isContradiction);
 
     Findings findings;
     if (!rule.isEmpty()) {
         findings.append({2, 1, 2, Severity::Error, rule, message});
     }
-    QCOMPARE(!LintTruth(text, findings, directory()).contradictions().isEmpty(), isLie);
+    QCOMPARE(!LintTruth(text, findings, directory()).contradictions().isEmpty(), isContradiction);
 }
 
 QTEST_GUILESS_MAIN(tst_IniRules)

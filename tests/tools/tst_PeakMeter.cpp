@@ -51,40 +51,40 @@ QByteArray recordJson(const char* minimum, const char* maximum, const char* date
 
 } // namespace
 
-// The program that keeps the range of the values that it reads.
+// The program that records the range of the values that it reads.
 class tst_PeakMeter : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void takesValues_data();
-    void takesValues();
-    void everyLineShowsAtOnce();
+    void readsValues_data();
+    void readsValues();
+    void everyLineIsShownImmediately();
     void manyExtremesNeedFewSystemCalls();
     void printsJson();
-    void terminalsGetJsonAlone();
-    void goesOnFromTheFile();
+    void jsonOnATerminalHasNoStatusLine();
+    void continuesFromTheFile();
     void resetClearsOneRecord();
-    void resetAloneIsKept();
-    void readsDatesInTheOlderForm();
-    void leavesADamagedFileAlone_data();
-    void leavesADamagedFileAlone();
-    void saysWhenItCannotSave();
-    void keepsTheFileWhenTheDiskIsFull();
-    void oneRunAtATime();
-    void savesReplaceTheFileAsAWhole();
-    void aKilledRunLosesNothingThatItShowed();
-    void signalsEndItInGoodOrder_data();
-    void signalsEndItInGoodOrder();
-    void terminalsGetALineThatIsRedrawn();
-    void terminalLinesFit_data();
-    void terminalLinesFit();
-    void verboseShowsWhatTheLibraryLogs();
-    void refusesWhatItCannotUse_data();
-    void refusesWhatItCannotUse();
-    void saysWhenThereIsNoInput_data();
-    void saysWhenThereIsNoInput();
-    void helpNamesEveryExitCode();
+    void resetWithoutValuesIsSaved();
+    void readsDatesInTheOldFormat();
+    void damagedFileIsNotChanged_data();
+    void damagedFileIsNotChanged();
+    void failedSaveIsReported();
+    void fullDiskKeepsTheOldFile();
+    void secondRunWithTheFileIsRefused();
+    void saveReplacesTheFileAtomically();
+    void killedRunKeepsEveryValueShown();
+    void signalSavesAndPrintsTheSummary_data();
+    void signalSavesAndPrintsTheSummary();
+    void statusLineIsRedrawnOnATerminal();
+    void statusLineFitsTheTerminal_data();
+    void statusLineFitsTheTerminal();
+    void verboseShowsLogMessages();
+    void invalidArgumentsAreRefused_data();
+    void invalidArgumentsAreRefused();
+    void unreadableInputIsReported_data();
+    void unreadableInputIsReported();
+    void helpListsEveryExitCode();
 
 private:
     ProgramResult run(const QStringList& arguments, const QByteArray& input = QByteArray()) const;
@@ -92,7 +92,7 @@ private:
     DragIndicator keptRecords() const;
 };
 
-// The dates, which are others every time, are left out of the output.
+// Replaces the dates in the output, which differ in each run.
 ProgramResult tst_PeakMeter::run(const QStringList& arguments, const QByteArray& input) const
 {
     ProgramRun programRun(program, arguments, directory());
@@ -102,7 +102,7 @@ ProgramResult tst_PeakMeter::run(const QStringList& arguments, const QByteArray&
     return result;
 }
 
-// Two records, each with a value; none at all when the file is not whole.
+// The two records of the file; without values if the file is incomplete.
 DragIndicator tst_PeakMeter::keptRecords() const
 {
     DragIndicator indicator;
@@ -110,7 +110,7 @@ DragIndicator tst_PeakMeter::keptRecords() const
     return indicator;
 }
 
-void tst_PeakMeter::takesValues_data()
+void tst_PeakMeter::readsValues_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<int>("exitCode");
@@ -118,9 +118,9 @@ void tst_PeakMeter::takesValues_data()
     QTest::addColumn<QString>("errors");
 
     const QString title = "in this run";
-    QTest::newRow("nothing") << QByteArray() << 0
-                             << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
-                             << "";
+    QTest::newRow("empty input") << QByteArray() << 0
+                                 << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
+                                 << "";
     QTest::newRow("blank lines") << QByteArray("\n \t\n\r\n") << 0
                                  << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
                                  << "";
@@ -129,14 +129,14 @@ void tst_PeakMeter::takesValues_data()
         << "line 1: new minimum and maximum 5\nSummary: 1 value, 0 lines refused\n" +
                record(title, "5", "5")
         << "";
-    QTest::newRow("changes only") << QByteArray("5\n7\n6\n7\n\n2.5\n5\n") << 0
-                                  << "line 1: new minimum and maximum 5\n"
-                                     "line 2: new maximum 7\n"
-                                     "line 6: new minimum 2.5\n"
-                                     "Summary: 6 values, 0 lines refused\n" +
-                                         record(title, "2.5", "7")
-                                  << "";
-    QTest::newRow("blanks, other line ends, signs, exponents, no line feed at the end")
+    QTest::newRow("only changes are printed") << QByteArray("5\n7\n6\n7\n\n2.5\n5\n") << 0
+                                              << "line 1: new minimum and maximum 5\n"
+                                                 "line 2: new maximum 7\n"
+                                                 "line 6: new minimum 2.5\n"
+                                                 "Summary: 6 values, 0 lines refused\n" +
+                                                     record(title, "2.5", "7")
+                                              << "";
+    QTest::newRow("spaces, other line endings, signs, exponents, no trailing line feed")
         << QByteArray("  1e1 \r\n\t+2\r\n-.5E1") << 0
         << "line 1: new minimum and maximum 10\n"
            "line 2: new minimum 2\n"
@@ -155,7 +155,7 @@ void tst_PeakMeter::takesValues_data()
                                           "Summary: 4 values, 0 lines refused\n" +
                                               record(title, "0", "5e-324")
                                        << "";
-    QTest::newRow("overflow, other texts that resemble numbers")
+    QTest::newRow("overflow, texts that resemble numbers")
         << QByteArray("1e400\n1e-400x\n0x1p-2000\n") << 1
         << "Summary: 0 values, 3 lines refused\nin this run: no value\n"
         << "peak-meter: line 1: not a finite number: '1e400'\n"
@@ -169,7 +169,7 @@ void tst_PeakMeter::takesValues_data()
                                  "Summary: 4 values, 0 lines refused\n" +
                                      record(title, "-1e+308", "1.7976931348623157e+308")
                               << "";
-    QTest::newRow("lines that are no numbers")
+    QTest::newRow("lines that are not numbers")
         << QByteArray("1\nabc\n\n1,5\n0x10\n2 3\n1\0002\n9\nx\n", 28) << 1
         << "line 1: new minimum and maximum 1\n"
            "line 8: new maximum 9\n"
@@ -181,7 +181,7 @@ void tst_PeakMeter::takesValues_data()
            "peak-meter: line 6: not a finite number: '2 3'\n"
            "peak-meter: line 7: not a finite number: '1\\x002'\n"
            "peak-meter: line 9: not a finite number: 'x'\n";
-    QTest::newRow("neither finite nor within a double")
+    QTest::newRow("not finite, or beyond the range of a double")
         << QByteArray("nan\ninf\n-inf\n1e999\n4") << 1
         << "line 5: new minimum and maximum 4\nSummary: 1 value, 4 lines refused\n" +
                record(title, "4", "4")
@@ -189,7 +189,7 @@ void tst_PeakMeter::takesValues_data()
            "peak-meter: line 2: not a finite number: 'inf'\n"
            "peak-meter: line 3: not a finite number: '-inf'\n"
            "peak-meter: line 4: not a finite number: '1e999'\n";
-    QTest::newRow("only the begin of a refused line, and nothing that a terminal obeys")
+    QTest::newRow("refused line is truncated and escaped")
         << QByteArray("\x1b[31m") + QByteArray(100, 'x') << 1
         << "Summary: 0 values, 1 line refused\nin this run: no value\n"
         << "peak-meter: line 1: not a finite number: '\\x1b[31m" + QString(35, 'x') + "...'\n";
@@ -214,7 +214,7 @@ void tst_PeakMeter::takesValues_data()
         << "peak-meter: line 1: longer than 4096 bytes\n";
 }
 
-void tst_PeakMeter::takesValues()
+void tst_PeakMeter::readsValues()
 {
     QFETCH(QByteArray, input);
     QFETCH(int, exitCode);
@@ -229,11 +229,11 @@ void tst_PeakMeter::takesValues()
              QStringList());
 }
 
-void tst_PeakMeter::everyLineShowsAtOnce()
+void tst_PeakMeter::everyLineIsShownImmediately()
 {
     ProgramRun programRun(program, withFile, directory());
     for (int value = 1; value <= 5; ++value) {
-        // The input stays open; a number may come in two pieces.
+        // The input stays open; each number arrives in two parts.
         programRun.write("10");
         programRun.write(QByteArray::number(value) + '\n');
         QVERIFY(programRun.waitForOutput(QStringLiteral("line %1: new ").arg(value)));
@@ -243,7 +243,7 @@ void tst_PeakMeter::everyLineShowsAtOnce()
     QCOMPARE(programRun.finish().exitCode, 0);
 }
 
-// Rising values are all extremes. Each has its line and its date, but no system call of its own.
+// Rising values are all extremes. Each has a line and a date, but needs no separate system call.
 void tst_PeakMeter::manyExtremesNeedFewSystemCalls()
 {
     constexpr int values = 50000;
@@ -254,7 +254,7 @@ void tst_PeakMeter::manyExtremesNeedFewSystemCalls()
     writeFile("input", input);
     struct rusage before = {};
     getrusage(RUSAGE_CHILDREN, &before);
-    // What the shell's ended children did counts as its own.
+    // The counters of a process include those of its terminated children.
     const ProgramResult result =
         ProgramRun("sh", {"-c", "unset TZ; \"$0\" <input && grep syscw /proc/$$/io", program},
                    directory())
@@ -311,7 +311,7 @@ void tst_PeakMeter::printsJson()
                                   "\"sinceReset\":null,\"values\":0}\n"));
 }
 
-void tst_PeakMeter::terminalsGetJsonAlone()
+void tst_PeakMeter::jsonOnATerminalHasNoStatusLine()
 {
     Terminal terminal(60);
     terminal.start(program, {"--json"});
@@ -324,7 +324,7 @@ void tst_PeakMeter::terminalsGetJsonAlone()
     }
 }
 
-void tst_PeakMeter::goesOnFromTheFile()
+void tst_PeakMeter::continuesFromTheFile()
 {
     QCOMPARE(run(withFile, "5e-324\n0.1\n").exitCode, 0);
     const ProgramResult result = run(withFile, "0.05\n-1e308\n");
@@ -333,7 +333,7 @@ void tst_PeakMeter::goesOnFromTheFile()
                                 sinceReset("-1e+308", "0.1") + ever("-1e+308", "0.1"));
     QCOMPARE(result.exitCode, 0);
 
-    // Without a change the file is not written again.
+    // Without a change the file is not rewritten.
     const QByteArray kept = readFile(peaks());
     const QDateTime written = QFileInfo(peaks()).lastModified();
     QCOMPARE(run(withFile, "0\n").exitCode, 0);
@@ -355,7 +355,7 @@ void tst_PeakMeter::resetClearsOneRecord()
                                        sinceReset("4", "5") + ever("1", "9"));
 }
 
-void tst_PeakMeter::resetAloneIsKept()
+void tst_PeakMeter::resetWithoutValuesIsSaved()
 {
     QCOMPARE(run(withFile, "1\n9\n").exitCode, 0);
     const QString expected =
@@ -366,7 +366,7 @@ void tst_PeakMeter::resetAloneIsKept()
     QCOMPARE(result.output, expected);
     QCOMPARE(result.exitCode, 0);
 
-    // Also where there was nothing to reset.
+    // The same without a file.
     QVERIFY(QFile::remove(peaks()));
     QCOMPARE(run(withFile + QStringList(QStringLiteral("--reset"))).exitCode, 0);
     QCOMPARE(run(withFile).output, QStringLiteral("Summary: 0 values, 0 lines refused\n"
@@ -374,7 +374,7 @@ void tst_PeakMeter::resetAloneIsKept()
                                                   "ever: no value\n"));
 }
 
-void tst_PeakMeter::readsDatesInTheOlderForm()
+void tst_PeakMeter::readsDatesInTheOldFormat()
 {
     const QByteArray older = recordJson("1", "9", "Fri Mar 1 12:30:05 2024");
     writeFile("peaks.json", '[' + older + ',' + older + ']');
@@ -382,39 +382,40 @@ void tst_PeakMeter::readsDatesInTheOlderForm()
     QCOMPARE(readFile(peaks()).count("\"2024-03-01T12:30:05\""), 4);
 }
 
-void tst_PeakMeter::leavesADamagedFileAlone_data()
+void tst_PeakMeter::damagedFileIsNotChanged_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("reason");
 
-    const QByteArray sound = recordJson("1", "9", "2024-03-01T12:30:05");
-    const QByteArray whole = '[' + sound + ',' + sound + ']';
-    const QString unsound = "it does not contain two valid records";
-    const auto with = [&sound](const QByteArray& record) {
-        return '[' + sound + ',' + record + ']';
+    const QByteArray valid = recordJson("1", "9", "2024-03-01T12:30:05");
+    const QByteArray complete = '[' + valid + ',' + valid + ']';
+    const QString invalid = "it does not contain two valid records";
+    const auto with = [&valid](const QByteArray& record) {
+        return '[' + valid + ',' + record + ']';
     };
-    const auto without = [&](const char* what, const char* replacement) {
-        return with(QByteArray(sound).replace(what, replacement));
+    const auto replaced = [&](const char* text, const char* replacement) {
+        return with(QByteArray(valid).replace(text, replacement));
     };
 
     QTest::newRow("empty") << QByteArray() << "damaged: illegal value";
-    QTest::newRow("cut") << whole.left(whole.size() - 1) << "damaged: unterminated array";
+    QTest::newRow("truncated") << complete.left(complete.size() - 1)
+                               << "damaged: unterminated array";
     QTest::newRow("other text") << QByteArray("peaks") << "damaged: illegal value";
     QTest::newRow("zeros") << QByteArray(300, '\0') << "damaged: illegal value";
-    QTest::newRow("object") << QByteArray("{}") << unsound;
-    QTest::newRow("one record") << '[' + sound + ']' << unsound;
-    QTest::newRow("three records") << '[' + sound + ',' + sound + ',' + sound + ']' << unsound;
-    QTest::newRow("no record") << with("7") << unsound;
-    QTest::newRow("member missing") << without("MaxValueDate", "Other") << unsound;
-    QTest::newRow("text for a number") << without("9", "\"9\"") << unsound;
-    QTest::newRow("value that JSON does not know") << without("9", "null") << unsound;
-    QTest::newRow("no flag") << without("true", "1") << unsound;
-    QTest::newRow("no date") << without("2024-03-01T12:30:05", "") << unsound;
-    QTest::newRow("impossible date") << without("2024-03", "2024-13") << unsound;
-    QTest::newRow("minimum above maximum") << without("9", "0") << unsound;
+    QTest::newRow("object") << QByteArray("{}") << invalid;
+    QTest::newRow("one record") << '[' + valid + ']' << invalid;
+    QTest::newRow("three records") << '[' + valid + ',' + valid + ',' + valid + ']' << invalid;
+    QTest::newRow("number for a record") << with("7") << invalid;
+    QTest::newRow("member missing") << replaced("MaxValueDate", "Other") << invalid;
+    QTest::newRow("string for a number") << replaced("9", "\"9\"") << invalid;
+    QTest::newRow("null for a number") << replaced("9", "null") << invalid;
+    QTest::newRow("number for a boolean") << replaced("true", "1") << invalid;
+    QTest::newRow("empty date") << replaced("2024-03-01T12:30:05", "") << invalid;
+    QTest::newRow("impossible date") << replaced("2024-03", "2024-13") << invalid;
+    QTest::newRow("minimum above maximum") << replaced("9", "0") << invalid;
 }
 
-void tst_PeakMeter::leavesADamagedFileAlone()
+void tst_PeakMeter::damagedFileIsNotChanged()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, reason);
@@ -432,8 +433,8 @@ void tst_PeakMeter::leavesADamagedFileAlone()
              QStringList("peaks.json"));
 }
 
-// The directory goes while values come; what is known by then is said nevertheless.
-void tst_PeakMeter::saysWhenItCannotSave()
+// The directory is removed during the run; the program prints the summary nevertheless.
+void tst_PeakMeter::failedSaveIsReported()
 {
     QVERIFY(QDir().mkpath(path("medium")));
     ProgramRun programRun(program, {"-f", "medium/peaks.json"}, directory());
@@ -450,8 +451,8 @@ void tst_PeakMeter::saysWhenItCannotSave()
     QCOMPARE(result.exitCode, 4);
 }
 
-// A limit on the size of files stands for the full disk: what is written fails when it is flushed.
-void tst_PeakMeter::keepsTheFileWhenTheDiskIsFull()
+// A limit on file sizes simulates the full disk: the write fails when it is flushed.
+void tst_PeakMeter::fullDiskKeepsTheOldFile()
 {
     QCOMPARE(run(withFile, "1\n").exitCode, 0);
     const QByteArray kept = readFile(peaks());
@@ -465,7 +466,7 @@ void tst_PeakMeter::keepsTheFileWhenTheDiskIsFull()
     QCOMPARE(readFile(peaks()), kept);
 }
 
-void tst_PeakMeter::oneRunAtATime()
+void tst_PeakMeter::secondRunWithTheFileIsRefused()
 {
     ProgramRun first(program, withFile, directory());
     first.write("1\n");
@@ -479,11 +480,11 @@ void tst_PeakMeter::oneRunAtATime()
     QCOMPARE(run(withFile, "2\n").exitCode, 0);
 }
 
-void tst_PeakMeter::savesReplaceTheFileAsAWhole()
+void tst_PeakMeter::saveReplacesTheFileAtomically()
 {
     QCOMPARE(run(withFile, "1\n").exitCode, 0);
     const QByteArray old = readFile(peaks());
-    // Who has the old file open goes on reading the old file.
+    // A reader that has the old file open still reads the old content.
     QFile file(peaks());
     QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
     QCOMPARE(run(withFile, "2\n").exitCode, 0);
@@ -491,7 +492,7 @@ void tst_PeakMeter::savesReplaceTheFileAsAWhole()
     QVERIFY(readFile(peaks()) != old);
 }
 
-void tst_PeakMeter::aKilledRunLosesNothingThatItShowed()
+void tst_PeakMeter::killedRunKeepsEveryValueShown()
 {
     const int runs = isEmulated() ? 10 : 40;
     constexpr int valuesPerRun = 300;
@@ -509,7 +510,7 @@ void tst_PeakMeter::aKilledRunLosesNothingThatItShowed()
             input += QByteArray::number(value) + '\n';
         }
         programRun.write(input);
-        // Before the save that is due, in its midst, and after it.
+        // Before, during and after the pending save.
         QTest::qSleep(1 + 3 * i);
         programRun.send(SIGKILL);
         const ProgramResult result = programRun.finish();
@@ -529,14 +530,14 @@ void tst_PeakMeter::aKilledRunLosesNothingThatItShowed()
             QVERIFY(kept.getMaxValue(place) <= last);
         }
     }
-    // Otherwise the kills came too late to try anything.
+    // Otherwise all kills came too late.
     QVERIFY(cut > 0);
     const ProgramResult result = run(withFile);
     QCOMPARE(result.errors, QString());
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_PeakMeter::signalsEndItInGoodOrder_data()
+void tst_PeakMeter::signalSavesAndPrintsTheSummary_data()
 {
     QTest::addColumn<int>("signalNumber");
     QTest::newRow("Ctrl-C") << SIGINT;
@@ -544,7 +545,7 @@ void tst_PeakMeter::signalsEndItInGoodOrder_data()
     QTest::newRow("SIGHUP") << SIGHUP;
 }
 
-void tst_PeakMeter::signalsEndItInGoodOrder()
+void tst_PeakMeter::signalSavesAndPrintsTheSummary()
 {
     QFETCH(int, signalNumber);
 
@@ -561,7 +562,7 @@ void tst_PeakMeter::signalsEndItInGoodOrder()
              QStringList("peaks.json"));
 }
 
-void tst_PeakMeter::terminalsGetALineThatIsRedrawn()
+void tst_PeakMeter::statusLineIsRedrawnOnATerminal()
 {
     Terminal terminal(60);
     terminal.start(program, {"-f", peaks()});
@@ -582,25 +583,25 @@ void tst_PeakMeter::terminalsGetALineThatIsRedrawn()
     }
     const QByteArray written = terminal.finish();
     QVERIFY2(!written.contains("new m"), written.constData());
-    // Nothing of the drawn lines is left behind.
+    // The status line is erased.
     const QByteArray screen = Terminal::screenAfter(written).join('\n');
     QCOMPARE(withoutDates(QString::fromUtf8(screen)), "Summary: 7 values, 0 lines refused\n" +
                                                           sinceReset("-1e+308", "1e+308") +
                                                           ever("-1e+308", "1e+308"));
 
-    // What was kept is drawn before any value comes.
+    // The saved range is drawn before the first value.
     terminal.start(program, {"-f", peaks()});
     QVERIFY(terminal.waitForText("\r-1e+308 [-----------------------] 1e+308"));
     terminal.finish();
 }
 
-void tst_PeakMeter::terminalLinesFit_data()
+void tst_PeakMeter::statusLineFitsTheTerminal_data()
 {
     QTest::addColumn<int>("columns");
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<QByteArray>("expected");
 
-    // The value in the bar's middle, whatever the distance of the ends.
+    // 0 is in the middle of the bar.
     QTest::newRow("unknown width")
         << 0 << QByteArray("-2\n2\n0\n")
         << "-2 [" + QByteArray(26, '-') + '|' + QByteArray(26, '-') + "] 2  now 0";
@@ -609,15 +610,14 @@ void tst_PeakMeter::terminalLinesFit_data()
     QTest::newRow("smallest numbers")
         << 60 << QByteArray("-5e-324\n5e-324\n0\n")
         << QByteArray("-4.94066e-324 [-----|-----] 4.94066e-324  now 0");
-    QTest::newRow("ends next to each other")
-        << 50 << QByteArray("1e308\n1.0000000000000002e308\n")
-        << QByteArray("1e+308 [-------------|] 1e+308  now 1e+308");
+    QTest::newRow("adjacent limits") << 50 << QByteArray("1e308\n1.0000000000000002e308\n")
+                                     << QByteArray("1e+308 [-------------|] 1e+308  now 1e+308");
     QTest::newRow("no room for a bar")
         << 25 << QByteArray("-2\n2\n0\n") << QByteArray("-2..2  now 0");
-    QTest::newRow("room for the value alone") << 10 << QByteArray("-2\n2\n0\n") << QByteArray("0");
+    QTest::newRow("room for the value only") << 10 << QByteArray("-2\n2\n0\n") << QByteArray("0");
 }
 
-void tst_PeakMeter::terminalLinesFit()
+void tst_PeakMeter::statusLineFitsTheTerminal()
 {
     QFETCH(int, columns);
     QFETCH(QByteArray, input);
@@ -636,7 +636,7 @@ void tst_PeakMeter::terminalLinesFit()
     QVERIFY2(isDrawn, written.constData());
 }
 
-void tst_PeakMeter::verboseShowsWhatTheLibraryLogs()
+void tst_PeakMeter::verboseShowsLogMessages()
 {
     writeFile("peaks.json", "[]");
     QCOMPARE(run(withFile + QStringList(QStringLiteral("--verbose"))).errors,
@@ -648,7 +648,7 @@ void tst_PeakMeter::verboseShowsWhatTheLibraryLogs()
                             "valid records; the file is unchanged\n"));
 }
 
-void tst_PeakMeter::refusesWhatItCannotUse_data()
+void tst_PeakMeter::invalidArgumentsAreRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("exitCode");
@@ -663,7 +663,7 @@ void tst_PeakMeter::refusesWhatItCannotUse_data()
     QTest::newRow("value as an argument")
         << QStringList{"5"} << 2
         << "peak-meter: values come from standard input, not from an argument: '5'\n" + hint;
-    QTest::newRow("reset of nothing")
+    QTest::newRow("reset without a file")
         << QStringList{"--reset"} << 2 << "peak-meter: --reset requires --file\n" + hint;
     QTest::newRow("directory") << QStringList{"--file", "."} << 3
                                << "peak-meter: cannot restore from .: it is not a regular file\n";
@@ -675,8 +675,8 @@ void tst_PeakMeter::refusesWhatItCannotUse_data()
         << "peak-meter: cannot write none/peaks.json: No such file or directory\n";
 }
 
-// At once: the input is still open.
-void tst_PeakMeter::refusesWhatItCannotUse()
+// The program exits although the input is still open.
+void tst_PeakMeter::invalidArgumentsAreRefused()
 {
     QFETCH(QStringList, arguments);
     QFETCH(int, exitCode);
@@ -692,7 +692,7 @@ void tst_PeakMeter::refusesWhatItCannotUse()
              QStringList());
 }
 
-void tst_PeakMeter::saysWhenThereIsNoInput_data()
+void tst_PeakMeter::unreadableInputIsReported_data()
 {
     QTest::addColumn<QString>("redirection");
     QTest::addColumn<QString>("reason");
@@ -703,7 +703,7 @@ void tst_PeakMeter::saysWhenThereIsNoInput_data()
                                << "Is a directory";
 }
 
-void tst_PeakMeter::saysWhenThereIsNoInput()
+void tst_PeakMeter::unreadableInputIsReported()
 {
     QFETCH(QString, redirection);
     QFETCH(QString, reason);
@@ -715,7 +715,7 @@ void tst_PeakMeter::saysWhenThereIsNoInput()
     QCOMPARE(result.exitCode, 5);
 }
 
-void tst_PeakMeter::helpNamesEveryExitCode()
+void tst_PeakMeter::helpListsEveryExitCode()
 {
     const ProgramResult result = run({"--help"});
     QCOMPARE(result.errors, QString());

@@ -14,8 +14,8 @@ namespace {
 const QString program = QStringLiteral(RUN_AND_GREP_PROGRAM);
 const QString hint = "run-and-grep: try --help\n";
 
-// A process that nobody has waited for yet is over, too.
-bool isOver(int pid)
+// Whether a process has terminated; it may still be a zombie.
+bool hasTerminated(int pid)
 {
     QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
     return !file.open(QIODevice::ReadOnly) || file.readAll().contains(") Z ");
@@ -23,7 +23,7 @@ bool isOver(int pid)
 
 } // namespace
 
-// The program that matches expressions over a command's output or a file.
+// The program that searches a command's output or a file for expressions.
 class tst_RunAndGrep : public TestCase
 {
     Q_OBJECT
@@ -33,27 +33,27 @@ private Q_SLOTS:
     void matchesAFile();
     void runsACommand_data();
     void runsACommand();
-    void keepsTheOutput();
-    void keepsTheOldFileWhenTheCommandFails();
-    void leavesNothingBehind();
-    void needsNoDirectoryForTemporaryFiles();
-    void signalsReachWhatTheCommandHasStarted_data();
-    void signalsReachWhatTheCommandHasStarted();
-    void timeoutReachesWhatTheCommandHasStarted();
-    void killedRunTakesTheCommandAlong();
-    void passesTheExitCodeOn_data();
-    void passesTheExitCodeOn();
+    void outputIsSaved();
+    void oldFileStaysWhenTheCommandDoesNotStart();
+    void noTemporaryFileStays();
+    void needsNoTemporaryDirectory();
+    void signalStopsTheCommandAndItsChildren_data();
+    void signalStopsTheCommandAndItsChildren();
+    void timeoutStopsTheCommandAndItsChildren();
+    void commandIsKilledWithTheProgram();
+    void exitCodeOfTheCommandIsReturned_data();
+    void exitCodeOfTheCommandIsReturned();
     void dashIsStandardInput();
-    void outputOnStandardOutput();
-    void outputReplacesOnlyFiles();
-    void zeroByteEndsWhatIsSearched();
-    void stopsACommandThatTakesTooLong();
-    void terminalsShowWhatIsWaitedFor_data();
-    void terminalsShowWhatIsWaitedFor();
-    void verboseShowsWhatTheLibraryLogs();
-    void refusesWhatItCannotUse_data();
-    void refusesWhatItCannotUse();
-    void helpNamesEveryExitCode();
+    void dashWritesTheOutputToStandardOutput();
+    void specialFileIsNotReplaced();
+    void searchStopsAtAZeroByte();
+    void timeoutKillsTheCommand();
+    void terminalShowsWhatIsRunOrRead_data();
+    void terminalShowsWhatIsRunOrRead();
+    void verboseShowsLogMessages();
+    void invalidArgumentsAreRefused_data();
+    void invalidArgumentsAreRefused();
+    void helpListsEveryExitCode();
 
 private:
     void writeSpawner(const QByteArray& beforeWaiting);
@@ -76,7 +76,7 @@ void tst_RunAndGrep::matchesAFile_data()
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("output");
 
-    QTest::newRow("whole matches")
+    QTest::newRow("entire matches")
         << QStringList{"-e", "version=\\S+"} << 0 << "version=1.2\nversion=3\n";
     QTest::newRow("first group") << QStringList{"-e", "version=(\\S+)"} << 0 << "1.2\n3\n";
     QTest::newRow("first match") << QStringList{"--first", "-e", "version=(\\S+)"} << 0 << "1.2\n";
@@ -85,7 +85,7 @@ void tst_RunAndGrep::matchesAFile_data()
         << "version=(\\S+): 1.2\n\\w+$: alpha\n";
     QTest::newRow("several expressions, one without a match")
         << QStringList{"-e", "none", "-e", "^beta"} << 0 << "^beta: beta\n";
-    QTest::newRow("ends of lines") << QStringList{"-e", "^\\w+$"} << 0 << "alpha\n";
+    QTest::newRow("line anchors") << QStringList{"-e", "^\\w+$"} << 0 << "alpha\n";
     QTest::newRow("across lines") << QStringList{"-e", "alpha\\nbeta"} << 0 << "alpha\\nbeta\n";
     QTest::newRow("letters beyond ASCII") << QStringList{"-e", QString::fromUtf8("caf\xc3\xa9")}
                                           << 0 << QString::fromUtf8("caf\xc3\xa9\n");
@@ -118,31 +118,31 @@ void tst_RunAndGrep::runsACommand_data()
     QTest::newRow("another exit code")
         << QStringList{"-e", "a", "--", "sh", "-c", "echo a; exit 7"} << 0 << "a\n"
         << "run-and-grep: sh exited with code 7\n";
-    QTest::newRow("arguments as they are")
+    QTest::newRow("arguments are not expanded")
         << QStringList{"-e", ".+", "--", "printf", "%s\n", "a  b", "--", "-e", "$HOME"} << 0
         << "a  b\n--\n-e\n$HOME\n"
         << "run-and-grep: printf exited with code 0\n";
-    QTest::newRow("standard error behind standard output")
+    QTest::newRow("standard error after standard output")
         << QStringList{"-e", "^.*$", "--", "sh", "-c", "echo error >&2; printf output"} << 0
         << "output\nerror\n"
         << "run-and-grep: sh exited with code 0\n";
-    QTest::newRow("standard error alone")
+    QTest::newRow("standard error only")
         << QStringList{"-e", ".+", "--", "sh", "-c", "echo error >&2"} << 0 << "error\n"
         << "run-and-grep: sh exited with code 0\n";
-    QTest::newRow("standard input has nothing") << QStringList{"-e", "x", "--", "cat"} << 1 << ""
-                                                << "run-and-grep: cat exited with code 0\n";
+    QTest::newRow("standard input is empty") << QStringList{"-e", "x", "--", "cat"} << 1 << ""
+                                             << "run-and-grep: cat exited with code 0\n";
     QTest::newRow("crash") << QStringList{"-e", "a", "--", "sh", "-c", "echo a; kill -SEGV $$"} << 4
                            << "a\n"
                            << "run-and-grep: sh crashed with signal 11\n";
     QTest::newRow("unknown program")
         << QStringList{"-e", "a", "--", "no-such-program"} << 3 << ""
         << "run-and-grep: cannot start no-such-program: no such program\n";
-    QTest::newRow("file that is no program")
+    QTest::newRow("file that is not executable")
         << QStringList{"-e", "a", "--", "./text"} << 3 << ""
         << "run-and-grep: cannot start ./text: not an executable program\n";
-    QTest::newRow("time-out") << QStringList{"-e", "a", "--timeout", "50", "--", "sleep", "60"} << 3
-                              << ""
-                              << "run-and-grep: sleep did not exit within 50 ms and was stopped\n";
+    QTest::newRow("timeout") << QStringList{"-e", "a", "--timeout", "50", "--", "sleep", "60"} << 3
+                             << ""
+                             << "run-and-grep: sleep did not exit within 50 ms and was stopped\n";
 }
 
 void tst_RunAndGrep::runsACommand()
@@ -156,7 +156,7 @@ void tst_RunAndGrep::runsACommand()
     verifyRun(arguments, exitCode, output, errors);
 }
 
-void tst_RunAndGrep::keepsTheOutput()
+void tst_RunAndGrep::outputIsSaved()
 {
     writeFile("kept", "something older that is longer\n");
     verifyRun({"--output", "kept", "-e", "none", "--", "echo", QString::fromUtf8("\xc3\xa9")}, 1,
@@ -165,7 +165,7 @@ void tst_RunAndGrep::keepsTheOutput()
     QCOMPARE(QDir(directory()).entryList(QDir::Files | QDir::Hidden), QStringList("kept"));
 }
 
-void tst_RunAndGrep::keepsTheOldFileWhenTheCommandFails()
+void tst_RunAndGrep::oldFileStaysWhenTheCommandDoesNotStart()
 {
     writeFile("kept", "older\n");
     const ProgramResult result = run({"--output", "kept", "-e", "older", "--", "no-such-program"});
@@ -174,16 +174,16 @@ void tst_RunAndGrep::keepsTheOldFileWhenTheCommandFails()
     QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("older\n"));
 }
 
-void tst_RunAndGrep::leavesNothingBehind()
+void tst_RunAndGrep::noTemporaryFileStays()
 {
-    // The row's directory takes the temporary files as well.
+    // Temporary files would be in the row's directory, too.
     const ProgramResult result = run({"-e", ".", "--", "ls", directory()});
     QCOMPARE(result.exitCode, 1);
     QCOMPARE(QDir(directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
 }
 
-void tst_RunAndGrep::needsNoDirectoryForTemporaryFiles()
+void tst_RunAndGrep::needsNoTemporaryDirectory()
 {
     const ProgramResult result =
         ProgramRun(program, {"-e", "a", "--", "echo", "a"}, directory(), "/none").finish();
@@ -191,7 +191,7 @@ void tst_RunAndGrep::needsNoDirectoryForTemporaryFiles()
     QCOMPARE(result.exitCode, 0);
 }
 
-// The program in the file "spawn" and a child of it write their numbers into "pids", and wait.
+// The script "spawn" and its child write their process IDs to the file "pids", and wait.
 void tst_RunAndGrep::writeSpawner(const QByteArray& beforeWaiting)
 {
     writeFile("spawn", "mkfifo never; " + beforeWaiting +
@@ -215,12 +215,12 @@ void tst_RunAndGrep::verifyNothingRuns(const QList<int>& pids)
     QCOMPARE(pids.size(), 2);
     for (const int pid : pids) {
         QVERIFY(pid > 0);
-        // One whose parent is gone may wait a moment for its new one.
-        QTRY_VERIFY2(isOver(pid), qPrintable(QString::number(pid)));
+        // An orphan may take a moment to be reaped by its new parent.
+        QTRY_VERIFY2(hasTerminated(pid), qPrintable(QString::number(pid)));
     }
 }
 
-void tst_RunAndGrep::signalsReachWhatTheCommandHasStarted_data()
+void tst_RunAndGrep::signalStopsTheCommandAndItsChildren_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<QByteArray>("beforeWaiting");
@@ -230,7 +230,7 @@ void tst_RunAndGrep::signalsReachWhatTheCommandHasStarted_data()
     QTest::newRow("SIGTERM ignored") << SIGTERM << QByteArray("trap '' TERM");
 }
 
-void tst_RunAndGrep::signalsReachWhatTheCommandHasStarted()
+void tst_RunAndGrep::signalStopsTheCommandAndItsChildren()
 {
     QFETCH(int, number);
     QFETCH(QByteArray, beforeWaiting);
@@ -243,7 +243,7 @@ void tst_RunAndGrep::signalsReachWhatTheCommandHasStarted()
     verifyNothingRuns(spawned());
 }
 
-void tst_RunAndGrep::timeoutReachesWhatTheCommandHasStarted()
+void tst_RunAndGrep::timeoutStopsTheCommandAndItsChildren()
 {
     writeSpawner(":");
     verifyRun({"-e", "a", "--timeout", "1500", "--", "sh", "spawn"}, 3, QString(),
@@ -251,17 +251,17 @@ void tst_RunAndGrep::timeoutReachesWhatTheCommandHasStarted()
     verifyNothingRuns(spawned());
 }
 
-void tst_RunAndGrep::killedRunTakesTheCommandAlong()
+void tst_RunAndGrep::commandIsKilledWithTheProgram()
 {
     writeFile("wait", "mkfifo never; echo $$ >pids; read x <never");
     ProgramRun run(program, {"-e", "a", "--", "sh", "wait"}, directory());
     QTRY_COMPARE(spawned().size(), 1);
     run.send(SIGKILL);
     run.finish();
-    QTRY_VERIFY(isOver(spawned().constFirst()));
+    QTRY_VERIFY(hasTerminated(spawned().constFirst()));
 }
 
-void tst_RunAndGrep::passesTheExitCodeOn_data()
+void tst_RunAndGrep::exitCodeOfTheCommandIsReturned_data()
 {
     QTest::addColumn<QString>("script");
     QTest::addColumn<int>("exitCode");
@@ -270,7 +270,7 @@ void tst_RunAndGrep::passesTheExitCodeOn_data()
     QTest::newRow("crash") << "kill -SEGV $$" << 4;
 }
 
-void tst_RunAndGrep::passesTheExitCodeOn()
+void tst_RunAndGrep::exitCodeOfTheCommandIsReturned()
 {
     QFETCH(QString, script);
     QFETCH(int, exitCode);
@@ -284,13 +284,13 @@ void tst_RunAndGrep::dashIsStandardInput()
     verifyResult(run.finish(), 0, "b1\n");
 }
 
-void tst_RunAndGrep::outputOnStandardOutput()
+void tst_RunAndGrep::dashWritesTheOutputToStandardOutput()
 {
     verifyRun({"--output", "-", "-e", "b", "--", "echo", "abc"}, 0, "abc\nb\n",
               "run-and-grep: echo exited with code 0\n");
 }
 
-void tst_RunAndGrep::outputReplacesOnlyFiles()
+void tst_RunAndGrep::specialFileIsNotReplaced()
 {
     const QString pipe = path("pipe");
     QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
@@ -302,14 +302,14 @@ void tst_RunAndGrep::outputReplacesOnlyFiles()
     QVERIFY(S_ISFIFO(status.st_mode));
 }
 
-void tst_RunAndGrep::zeroByteEndsWhatIsSearched()
+void tst_RunAndGrep::searchStopsAtAZeroByte()
 {
     verifyRun({"--output", "kept", "-e", "[ab]", "--", "printf", "a\\0b"}, 0, "a\n",
               "run-and-grep: printf exited with code 0\n");
     QCOMPARE(readFile(path(QStringLiteral("kept"))), QByteArray("a\0b", 3));
 }
 
-void tst_RunAndGrep::stopsACommandThatTakesTooLong()
+void tst_RunAndGrep::timeoutKillsTheCommand()
 {
     const ProgramResult result =
         run({"-e", "a", "--timeout", "1000", "--", "sh", "-c", "echo $$ >pid; exec sleep 60"});
@@ -319,7 +319,7 @@ void tst_RunAndGrep::stopsACommandThatTakesTooLong()
     QVERIFY(kill(pid, 0) == -1 && errno == ESRCH);
 }
 
-void tst_RunAndGrep::terminalsShowWhatIsWaitedFor_data()
+void tst_RunAndGrep::terminalShowsWhatIsRunOrRead_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("status");
@@ -333,8 +333,8 @@ void tst_RunAndGrep::terminalsShowWhatIsWaitedFor_data()
                           << QByteArray();
 }
 
-// Nobody writes into the pipe yet, so reading it takes its time.
-void tst_RunAndGrep::terminalsShowWhatIsWaitedFor()
+// The pipe has no writer at first, so reading it blocks.
+void tst_RunAndGrep::terminalShowsWhatIsRunOrRead()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, status);
@@ -351,18 +351,18 @@ void tst_RunAndGrep::terminalsShowWhatIsWaitedFor()
     writer.close();
     const QByteArray written = terminal.finish();
     QVERIFY2(Terminal::screenAfter(written).contains(last), written.constData());
-    // Nothing is left of the line.
+    // The status line is erased.
     QVERIFY2(!Terminal::screenAfter(written).join().contains(status), written.constData());
 }
 
-void tst_RunAndGrep::verboseShowsWhatTheLibraryLogs()
+void tst_RunAndGrep::verboseShowsLogMessages()
 {
     verifyRun({"--verbose", "-e", "a", "none"}, 5, QString(),
               QStringLiteral("run-and-grep: log: TextFileParser: \"File doesn't exists: none\"\n"
                              "run-and-grep: cannot read none: no such file\n"));
 }
 
-void tst_RunAndGrep::refusesWhatItCannotUse_data()
+void tst_RunAndGrep::invalidArgumentsAreRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("exitCode");
@@ -370,8 +370,9 @@ void tst_RunAndGrep::refusesWhatItCannotUse_data()
 
     const QString neither =
         "run-and-grep: requires either '-- PROGRAM [ARGUMENTS]' or exactly one FILE\n" + hint;
-    QTest::newRow("nothing") << QStringList() << 2
-                             << "run-and-grep: an expression is required: -e EXPRESSION\n" + hint;
+    QTest::newRow("no arguments") << QStringList() << 2
+                                  << "run-and-grep: an expression is required: -e EXPRESSION\n" +
+                                         hint;
     QTest::newRow("no expression")
         << QStringList{"text"} << 2
         << "run-and-grep: an expression is required: -e EXPRESSION\n" + hint;
@@ -384,16 +385,16 @@ void tst_RunAndGrep::refusesWhatItCannotUse_data()
     QTest::newRow("two files") << QStringList{"-e", "a", "text", "text"} << 2 << neither;
     QTest::newRow("file and program")
         << QStringList{"-e", "a", "text", "--", "true"} << 2 << neither;
-    QTest::newRow("output of a file")
+    QTest::newRow("--output with a file")
         << QStringList{"-e", "a", "--output", "b", "text"} << 2
         << "run-and-grep: --output, --timeout and --exit-code require a PROGRAM\n" + hint;
-    QTest::newRow("time-out of a file")
+    QTest::newRow("--timeout with a file")
         << QStringList{"-e", "a", "--timeout", "9", "text"} << 2
         << "run-and-grep: --output, --timeout and --exit-code require a PROGRAM\n" + hint;
-    QTest::newRow("time-out in words")
+    QTest::newRow("timeout is not a number")
         << QStringList{"-e", "a", "--timeout", "soon", "--", "true"} << 2
         << "run-and-grep: --timeout requires a number from 1 up, not 'soon'\n" + hint;
-    // Before the command is run, which would write a file.
+    // Detected before the command runs, which would create a file.
     QTest::newRow("invalid expression")
         << QStringList{"-e", "a(b", "--", "touch", "ran"} << 2
         << "run-and-grep: invalid expression 'a(b': missing closing parenthesis at character 3\n";
@@ -406,7 +407,7 @@ void tst_RunAndGrep::refusesWhatItCannotUse_data()
         << "run-and-grep: cannot write none/kept: No such file or directory\n";
 }
 
-void tst_RunAndGrep::refusesWhatItCannotUse()
+void tst_RunAndGrep::invalidArgumentsAreRefused()
 {
     QFETCH(QStringList, arguments);
     QFETCH(int, exitCode);
@@ -417,7 +418,7 @@ void tst_RunAndGrep::refusesWhatItCannotUse()
     QCOMPARE(QDir(directory()).entryList(QDir::Files), QStringList(QStringLiteral("text")));
 }
 
-void tst_RunAndGrep::helpNamesEveryExitCode()
+void tst_RunAndGrep::helpListsEveryExitCode()
 {
     const ProgramResult result = run({"--help"});
     QCOMPARE(result.errors, QString());

@@ -12,7 +12,7 @@ namespace {
 const QString tools = QStringLiteral(PROJECT_DIRECTORY "/tools");
 const QString completion = QStringLiteral(COMPLETION_DIRECTORY "/misctools.");
 
-// What the expression's first group matches in a text's lines.
+// The sorted matches of the expression's first group in a text.
 QStringList linesOf(const QString& text, const QString& expression)
 {
     const QRegularExpression lines(expression, QRegularExpression::MultilineOption);
@@ -25,7 +25,7 @@ QStringList linesOf(const QString& text, const QString& expression)
     return result;
 }
 
-// The part of a text from a line that begins so to one that begins otherwise.
+// The part of a text from a line that starts with begin to one that starts with end.
 QString part(const QString& text, const QString& begin, const QString& end)
 {
     const int first = text.indexOf(QLatin1Char('\n') + begin);
@@ -33,13 +33,13 @@ QString part(const QString& text, const QString& begin, const QString& end)
     return first < 0 ? QString() : text.mid(first, last < 0 ? -1 : last - first);
 }
 
-// Of a line such as "  -e, --expression <EXPRESSION>  Print ...".
+// From lines such as "  -e, --expression <EXPRESSION>  Print ...".
 QStringList optionsOfHelp(const QString& help)
 {
     return linesOf(help, "^  (-\\w), --") + linesOf(help, "^  (?:-\\w, )?(--[a-z][a-z-]*)");
 }
 
-// Of a line such as ".It Fl e , Fl -expression Ar EXPRESSION".
+// From lines such as ".It Fl e , Fl -expression Ar EXPRESSION".
 QStringList optionsOfPage(const QString& page)
 {
     return linesOf(page, "^\\.It Fl (\\w) ,").replaceInStrings(QRegularExpression("^"), "-") +
@@ -49,7 +49,7 @@ QStringList optionsOfPage(const QString& page)
 
 } // namespace
 
-// The manual pages and the completion say of each program what its --help says.
+// The manual pages and the completion match the --help of each program.
 class tst_ToolPages : public TestCase
 {
     Q_OBJECT
@@ -60,31 +60,31 @@ private Q_SLOTS:
     void helpAndPageAgree();
     void helpAndCompletionAgree_data();
     void helpAndCompletionAgree();
-    void shellsOfferTheSame_data();
-    void shellsOfferTheSame();
-    void optionsTakeValuesWhereTheHelpSaysSo_data();
-    void optionsTakeValuesWhereTheHelpSaysSo();
-    void commandsOfTheImageProgram_data();
-    void commandsOfTheImageProgram();
-    void rulesOfTheLinter();
+    void shellsCompleteTheSameOptions_data();
+    void shellsCompleteTheSameOptions();
+    void optionsWithValuesMatchTheHelp_data();
+    void optionsWithValuesMatchTheHelp();
+    void commandsOfEepromImageAgree_data();
+    void commandsOfEepromImageAgree();
+    void rulesOfIniLintAgree();
     void completesValues_data();
     void completesValues();
     void versionIsThatOfTheLibrary_data();
     void versionIsThatOfTheLibrary();
-    void lostOutputIsAFailure_data();
-    void lostOutputIsAFailure();
-    void closedPipeEndsQuietly_data();
-    void closedPipeEndsQuietly();
-    void pagesAreSound_data();
-    void pagesAreSound();
+    void unwritableOutputIsReported_data();
+    void unwritableOutputIsReported();
+    void closedPipeIsNotReported_data();
+    void closedPipeIsNotReported();
+    void pagesAreValid_data();
+    void pagesAreValid();
 
 private:
     static QStringList programs();
     static void eachProgram();
     static QString page(const QString& program);
     QString help(const QString& program) const;
-    // What bash offers for the last of the words.
-    QStringList completed(const QStringList& words) const;
+    // The completions of bash for the last argument of a command line.
+    QStringList completed(const QStringList& commandLine) const;
     QStringList outputOf(const QString& shell, const QStringList& arguments) const;
 };
 
@@ -120,7 +120,7 @@ QString tst_ToolPages::help(const QString& program) const
         .output;
 }
 
-QStringList tst_ToolPages::completed(const QStringList& words) const
+QStringList tst_ToolPages::completed(const QStringList& commandLine) const
 {
     const QString script =
         QStringLiteral("source \"$0\" && complete -p \"${1##*/}\" >/dev/null || exit\n"
@@ -128,14 +128,14 @@ QStringList tst_ToolPages::completed(const QStringList& words) const
                        "_misctools \"$1\"\n"
                        "printf '%s\\n' \"${COMPREPLY[@]}\"");
     const ProgramResult result =
-        ProgramRun("bash", QStringList{"--norc", "-c", script, completion + "bash"} + words,
+        ProgramRun("bash", QStringList{"--norc", "-c", script, completion + "bash"} + commandLine,
                    directory())
             .finish();
     if (result.exitCode != 0 || !result.errors.isEmpty()) {
         qWarning("%s", qPrintable(result.errors));
     }
     QStringList lines = result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    lines.removeDuplicates(); // a command that two directories have
+    lines.removeDuplicates(); // a command can be in two directories
     lines.sort();
     return lines;
 }
@@ -179,7 +179,7 @@ void tst_ToolPages::helpAndCompletionAgree()
 {
     QFETCH(QString, program);
     QStringList offered = completed({program, "-"});
-    // Each command of the program has options of its own.
+    // Each command of the program has other options.
     if (program == "eeprom-image") {
         for (const QString& command : completed({program, QString()})) {
             offered += completed({program, command, "-"});
@@ -192,7 +192,7 @@ void tst_ToolPages::helpAndCompletionAgree()
     QCOMPARE(offered, options);
 }
 
-// The lines that a shell writes, sorted; what it complains of is a warning, which fails the test.
+// The lines that a shell writes, sorted. Its errors are a warning, which fails the test.
 QStringList tst_ToolPages::outputOf(const QString& shell, const QStringList& arguments) const
 {
     const ProgramResult result = ProgramRun(shell, arguments, directory()).finish();
@@ -205,10 +205,10 @@ QStringList tst_ToolPages::outputOf(const QString& shell, const QStringList& arg
     return lines;
 }
 
-void tst_ToolPages::shellsOfferTheSame_data()
+void tst_ToolPages::shellsCompleteTheSameOptions_data()
 {
     QTest::addColumn<QString>("shell");
-    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QStringList>("commandLine");
     // "script/check completion" installs the others.
     for (const char* shell : {"bash", "zsh", "fish"}) {
         if (QStandardPaths::findExecutable(QString::fromLatin1(shell)).isEmpty()) {
@@ -226,45 +226,46 @@ void tst_ToolPages::shellsOfferTheSame_data()
     }
 }
 
-void tst_ToolPages::shellsOfferTheSame()
+void tst_ToolPages::shellsCompleteTheSameOptions()
 {
     QFETCH(QString, shell);
-    QFETCH(QStringList, words);
+    QFETCH(QStringList, commandLine);
     const QString file = completion + shell;
     QStringList offered;
     if (shell == "zsh") {
-        // What it would hand to the function that completes options.
+        // What the completion passes to the function that completes options.
         const QString script =
             QStringLiteral("_arguments() { print -l -- \"$@\" }; _normal() { }\n"
                            "service=$2 words=(\"${@:2}\" -) CURRENT=$#; source $1");
-        offered = outputOf(shell, QStringList{"-f", "-c", script, "zsh", file} + words)
+        offered = outputOf(shell, QStringList{"-f", "-c", script, "zsh", file} + commandLine)
                       .filter(QRegularExpression("^\\*-"))
                       .replaceInStrings(QRegularExpression("^\\*(-[a-z-]+).*"), "\\1");
     } else if (shell == "bash") {
-        // Half a word leaves a part of them.
-        offered = completed(words + QStringList("--")) +
-                  completed(words + QStringList("-")).filter(QRegularExpression("^-\\w$"));
+        // "--" completes long options only.
+        offered = completed(commandLine + QStringList("--")) +
+                  completed(commandLine + QStringList("-")).filter(QRegularExpression("^-\\w$"));
     } else {
         const QString script = QStringLiteral("source $argv[1]; complete -C \"$argv[2] -\"\n"
                                               "complete -C \"$argv[2] --\"");
-        offered = outputOf(shell, {"--no-config", "-c", script, file, words.join(QLatin1Char(' '))})
-                      .filter(QRegularExpression("^-"))
-                      .replaceInStrings(QRegularExpression("[=\t].*"), QString());
+        offered =
+            outputOf(shell, {"--no-config", "-c", script, file, commandLine.join(QLatin1Char(' '))})
+                .filter(QRegularExpression("^-"))
+                .replaceInStrings(QRegularExpression("[=\t].*"), QString());
     }
     offered.removeDuplicates();
     offered.sort();
-    QStringList expected = completed(words + QStringList("-"));
+    QStringList expected = completed(commandLine + QStringList("-"));
     expected.sort();
     QVERIFY(expected.size() >= 4);
     QCOMPARE(offered, expected);
 }
 
-void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo_data()
+void tst_ToolPages::optionsWithValuesMatchTheHelp_data()
 {
     eachProgram();
 }
 
-void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo()
+void tst_ToolPages::optionsWithValuesMatchTheHelp()
 {
     QFETCH(QString, program);
     const QString table = QString::fromUtf8(readFile(tools + "/completion/options"));
@@ -279,10 +280,10 @@ void tst_ToolPages::optionsTakeValuesWhereTheHelpSaysSo()
     QCOMPARE(linesOf(table, row.arg(program, QString())), others);
 }
 
-void tst_ToolPages::commandsOfTheImageProgram_data()
+void tst_ToolPages::commandsOfEepromImageAgree_data()
 {
     QTest::addColumn<QString>("command");
-    QTest::addColumn<QStringList>("options"); // beside those of every command
+    QTest::addColumn<QStringList>("options"); // apart from those of every command
     QTest::newRow("create") << "create"
                             << QStringList{"--allow-overlap", "--fill", "--in-place", "--size",
                                            "--start"};
@@ -292,7 +293,7 @@ void tst_ToolPages::commandsOfTheImageProgram_data()
     QTest::newRow("extract") << "extract" << QStringList();
 }
 
-void tst_ToolPages::commandsOfTheImageProgram()
+void tst_ToolPages::commandsOfEepromImageAgree()
 {
     QFETCH(QString, command);
     QFETCH(QStringList, options);
@@ -307,7 +308,7 @@ void tst_ToolPages::commandsOfTheImageProgram()
     offered.removeOne("--help");
     offered.removeOne("--version");
     QCOMPARE(offered, options);
-    // The program takes each of them: it complains of nothing but the files.
+    // The program accepts each option: it reports only the missing files.
     for (const QString& option : offered) {
         const bool hasValue = QStringList{"--start", "--size", "--fill"}.contains(option);
         const ProgramResult result =
@@ -318,7 +319,7 @@ void tst_ToolPages::commandsOfTheImageProgram()
     }
 }
 
-void tst_ToolPages::rulesOfTheLinter()
+void tst_ToolPages::rulesOfIniLintAgree()
 {
     const QString program = "ini-lint";
     const QStringList rules =
@@ -332,30 +333,30 @@ void tst_ToolPages::rulesOfTheLinter()
 
 void tst_ToolPages::completesValues_data()
 {
-    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QStringList>("commandLine");
     QTest::addColumn<QStringList>("expected");
 
-    QTest::newRow("words of an option")
+    QTest::newRow("value of an option")
         << QStringList{"ini-lint", "--format", "t"} << QStringList{"text"};
-    QTest::newRow("words behind an equals sign")
+    QTest::newRow("value after an equals sign")
         << QStringList{"ini-lint", "--format", "=", "j"} << QStringList{"json"};
-    QTest::newRow("right behind an equals sign")
+    QTest::newRow("all values after an equals sign")
         << QStringList{"ini-lint", "--format", "="} << QStringList{"json", "sarif", "text"};
     QTest::newRow("severities") << QStringList{"ini-lint", "--level", ""}
                                 << QStringList{"error", "note", "warning"};
     QTest::newRow("file of rules to ignore")
         << QStringList{"ini-lint", "--ignore-list", "f"} << QStringList{"file.ini"};
-    QTest::newRow("argument behind an option with a value")
+    QTest::newRow("argument after an option with a value")
         << QStringList{"ini-lint", "--format", "=", "json", "f"} << QStringList{"file.ini"};
     QTest::newRow("files") << QStringList{"ini-lint", "f"} << QStringList{"file.ini"};
     QTest::newRow("image of a command")
         << QStringList{"eeprom-image", "dump", "f"} << QStringList{"file.ini"};
     QTest::newRow("file of an option")
         << QStringList{"peak-meter", "-f", "f"} << QStringList{"file.ini"};
-    QTest::newRow("directories alone") << QStringList{"watch-media", "f"} << QStringList{"files"};
+    QTest::newRow("directories only") << QStringList{"watch-media", "f"} << QStringList{"files"};
     QTest::newRow("no guess for a number")
         << QStringList{"watch-media", "--delay", "f"} << QStringList();
-    QTest::newRow("program behind the dashes")
+    QTest::newRow("program after the dashes")
         << QStringList{"run-and-grep", "-e", "x", "--", "mkfif"} << QStringList{"mkfifo"};
     QTest::newRow("no arguments") << QStringList{"device-report", "f"} << QStringList();
     QTest::newRow("program with its path")
@@ -364,15 +365,16 @@ void tst_ToolPages::completesValues_data()
 
 void tst_ToolPages::completesValues()
 {
-    QFETCH(QStringList, words);
+    QFETCH(QStringList, commandLine);
     QFETCH(QStringList, expected);
 
     writeFile("file.ini", "");
     QVERIFY(QDir(directory()).mkdir("files"));
-    if (words.contains("f") && !expected.isEmpty() && words.constFirst() != "watch-media") {
+    if (commandLine.contains("f") && !expected.isEmpty() &&
+        commandLine.constFirst() != "watch-media") {
         expected.append("files");
     }
-    QCOMPARE(completed(words), expected);
+    QCOMPARE(completed(commandLine), expected);
 }
 
 void tst_ToolPages::versionIsThatOfTheLibrary_data()
@@ -393,12 +395,12 @@ void tst_ToolPages::versionIsThatOfTheLibrary()
     }
 }
 
-void tst_ToolPages::lostOutputIsAFailure_data()
+void tst_ToolPages::unwritableOutputIsReported_data()
 {
     eachProgram();
 }
 
-void tst_ToolPages::lostOutputIsAFailure()
+void tst_ToolPages::unwritableOutputIsReported()
 {
     QFETCH(QString, program);
     const QString script = "\"$0\" %1 >/dev/full";
@@ -417,7 +419,7 @@ void tst_ToolPages::lostOutputIsAFailure()
     }
 }
 
-void tst_ToolPages::closedPipeEndsQuietly_data()
+void tst_ToolPages::closedPipeIsNotReported_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QString>("trap");
@@ -432,12 +434,12 @@ void tst_ToolPages::closedPipeEndsQuietly_data()
     }
 }
 
-void tst_ToolPages::closedPipeEndsQuietly()
+void tst_ToolPages::closedPipeIsNotReported()
 {
     QFETCH(QString, program);
     QFETCH(QString, trap);
     QFETCH(int, exitCode);
-    // A pipe whose only reader is closed before the program begins.
+    // A pipe whose only reader is closed before the program starts.
     const QString script = trap + QStringLiteral("mkfifo pipe; exec 3<>pipe 4>pipe 3<&-\n"
                                                  "\"$0\" --help >&4; exit $?");
     const ProgramResult result =
@@ -448,12 +450,12 @@ void tst_ToolPages::closedPipeEndsQuietly()
     QCOMPARE(result.exitCode, exitCode);
 }
 
-void tst_ToolPages::pagesAreSound_data()
+void tst_ToolPages::pagesAreValid_data()
 {
     eachProgram();
 }
 
-void tst_ToolPages::pagesAreSound()
+void tst_ToolPages::pagesAreValid()
 {
     if (QStandardPaths::findExecutable("groff").isEmpty()) {
         MISCTOOLS_SKIP("groff is not installed");

@@ -20,7 +20,7 @@ namespace {
 const QString program = QStringLiteral(WATCH_MEDIA_PROGRAM);
 const QString hint = "watch-media: try --help\n";
 
-// The summary without the time, which is another every time.
+// The output without the time in the summary, which differs in each run.
 QString withoutTime(QString output)
 {
     return output.replace(QRegularExpression(", \\d+\\.\\d s\n$"), "\n");
@@ -34,7 +34,7 @@ bool unmount(const QByteArray& medium)
 
 } // namespace
 
-// The program that follows what is copied to a medium.
+// The program that watches what is copied to a medium.
 class tst_WatchMedia : public TestCase
 {
     Q_OBJECT
@@ -42,26 +42,26 @@ class tst_WatchMedia : public TestCase
 private Q_SLOTS:
     void listsTheMedium_data();
     void listsTheMedium();
-    void showsATreeThatAppears();
+    void showsATreeThatIsMovedIn();
     void showsATreeThatIsCopiedIn();
-    void showsWhatGoes();
-    void watchesLaterDirectories();
-    void ownDirectoryAloneIsWatchedWithoutRecursive();
-    void aCopyInProgressKeepsTheWatchAlive();
-    void endsAfterTheBursts();
-    void endsWhenTheMediumIsTakenAway();
-    void pipesGetNoControlCharacters();
-    void terminalsGetALineThatIsRedrawn();
-    void narrowTerminalsGetAShortLine();
-    void mediaComeAndGo();
-    void mediumMountedAgainAtOnceIsWatched();
+    void showsRemovedFiles();
+    void watchesNewDirectories();
+    void subdirectoriesNeedRecursive();
+    void idleTimeStartsAfterTheLastChange();
+    void exitsAfterTheBursts();
+    void exitsWhenTheDirectoryIsRemoved();
+    void controlCharactersAreEscapedInAPipe();
+    void statusLineIsRedrawnOnATerminal();
+    void statusLineFitsANarrowTerminal();
+    void mountedAndRemovedMediaAreReported();
+    void remountedMediumIsWatched();
     void printsJson();
-    void signalsEndWithASummary_data();
-    void signalsEndWithASummary();
-    void namesThatAreNoUtf8AreCounted();
-    void refusesWhatItCannotUse_data();
-    void refusesWhatItCannotUse();
-    void helpNamesEveryExitCode();
+    void signalPrintsTheSummary_data();
+    void signalPrintsTheSummary();
+    void namesThatAreNotUtf8AreCounted();
+    void invalidArgumentsAreRefused_data();
+    void invalidArgumentsAreRefused();
+    void helpListsEveryExitCode();
 
 private:
     QString medium(const QString& name) const { return path("medium/" + name); }
@@ -86,7 +86,7 @@ void tst_WatchMedia::makeMedium() const
     makeFile(".hidden.mp3");
 }
 
-// With the row's medium as the directory, by the name that it has in the row's directory.
+// The options and the directory of the row's medium, relative to the row's directory.
 QStringList tst_WatchMedia::arguments(const QStringList& options) const
 {
     return options + QStringList("medium");
@@ -125,10 +125,11 @@ void tst_WatchMedia::listsTheMedium_data()
                                    "  c.txt\n"
                                    "Watching 1 directory; ends after 0.1 s without a change\n"
                                    "Summary: 3 files, 0 new since the start, 0 gone, 0 bursts\n";
-    QTest::newRow("nothing fits") << QStringList{"--pattern", "*.wav"}
-                                  << "medium: 0 files (*.wav)\n"
-                                     "Watching 1 directory; ends after 0.1 s without a change\n"
-                                     "Summary: 0 files, 0 new since the start, 0 gone, 0 bursts\n";
+    QTest::newRow("no file matches")
+        << QStringList{"--pattern", "*.wav"}
+        << "medium: 0 files (*.wav)\n"
+           "Watching 1 directory; ends after 0.1 s without a change\n"
+           "Summary: 0 files, 0 new since the start, 0 gone, 0 bursts\n";
 }
 
 void tst_WatchMedia::listsTheMedium()
@@ -145,7 +146,7 @@ void tst_WatchMedia::listsTheMedium()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_WatchMedia::showsATreeThatAppears()
+void tst_WatchMedia::showsATreeThatIsMovedIn()
 {
     makeFile("a.mp3");
     QDir().mkpath(path("tree/deep/deeper"));
@@ -176,8 +177,7 @@ void tst_WatchMedia::showsATreeThatIsCopiedIn()
     constexpr int files = 400;
 
     QDir().mkpath(path("medium"));
-    // The pauses end bursts all the time, so that directories are found while they are being
-    // filled.
+    // The pauses end bursts continually, so directories are found while they are being filled.
     ProgramRun run(program, arguments({"--recursive", "--delay", "1", "--idle", "700"}),
                    directory());
     QVERIFY(run.waitForOutput("Watching"));
@@ -199,7 +199,7 @@ void tst_WatchMedia::showsATreeThatIsCopiedIn()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_WatchMedia::showsWhatGoes()
+void tst_WatchMedia::showsRemovedFiles()
 {
     makeMedium();
     ProgramRun run(program, arguments({"--delay", "50", "--bursts", "2"}), directory());
@@ -220,7 +220,7 @@ void tst_WatchMedia::showsWhatGoes()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_WatchMedia::watchesLaterDirectories()
+void tst_WatchMedia::watchesNewDirectories()
 {
     makeFile("a");
     ProgramRun run(program, arguments({"--recursive", "--delay", "50", "--bursts", "5"}),
@@ -230,7 +230,7 @@ void tst_WatchMedia::watchesLaterDirectories()
     QVERIFY(run.waitForOutput("Burst 1: 0 new, 0 gone, now 1 file\n"));
     makeFile("later/b");
     QVERIFY(run.waitForOutput("+ later/b\nBurst 2: 1 new, 0 gone, now 2 files\n"));
-    // The directory goes, and one of the same name comes.
+    // The directory is removed and created again.
     QVERIFY(QDir(medium("later")).removeRecursively());
     QVERIFY(run.waitForOutput("- later/b\nBurst 3: 0 new, 1 gone, now 1 file\n"));
     QVERIFY(QDir().mkpath(medium("later")));
@@ -240,7 +240,7 @@ void tst_WatchMedia::watchesLaterDirectories()
     QCOMPARE(run.finish().exitCode, 0);
 }
 
-void tst_WatchMedia::ownDirectoryAloneIsWatchedWithoutRecursive()
+void tst_WatchMedia::subdirectoriesNeedRecursive()
 {
     makeMedium();
     ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), directory());
@@ -254,7 +254,7 @@ void tst_WatchMedia::ownDirectoryAloneIsWatchedWithoutRecursive()
              qPrintable(result.output));
 }
 
-void tst_WatchMedia::aCopyInProgressKeepsTheWatchAlive()
+void tst_WatchMedia::idleTimeStartsAfterTheLastChange()
 {
     constexpr int copyInMs = 1500; // longer than the idle time of the run
 
@@ -276,7 +276,7 @@ void tst_WatchMedia::aCopyInProgressKeepsTheWatchAlive()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_WatchMedia::endsAfterTheBursts()
+void tst_WatchMedia::exitsAfterTheBursts()
 {
     makeFile("a");
     ProgramRun run(program, arguments({"--delay", "50", "--idle", "20000", "--bursts", "1"}),
@@ -288,7 +288,7 @@ void tst_WatchMedia::endsAfterTheBursts()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_WatchMedia::endsWhenTheMediumIsTakenAway()
+void tst_WatchMedia::exitsWhenTheDirectoryIsRemoved()
 {
     makeMedium();
     ProgramRun run(program, arguments({"--delay", "50"}), directory());
@@ -302,7 +302,7 @@ void tst_WatchMedia::endsWhenTheMediumIsTakenAway()
     QCOMPARE(result.exitCode, 4);
 }
 
-void tst_WatchMedia::pipesGetNoControlCharacters()
+void tst_WatchMedia::controlCharactersAreEscapedInAPipe()
 {
     makeFile("two\nlines");
     ProgramRun run(program, arguments({"--delay", "50", "--bursts", "1"}), directory());
@@ -317,15 +317,15 @@ void tst_WatchMedia::pipesGetNoControlCharacters()
     QVERIFY(!control.match(output).hasMatch());
 }
 
-void tst_WatchMedia::terminalsGetALineThatIsRedrawn()
+void tst_WatchMedia::statusLineIsRedrawnOnATerminal()
 {
     for (int i = 0; i < 13; ++i) {
         makeFile(QStringLiteral("file%1").arg(i, 2, 10, QLatin1Char('0')));
     }
     const QString output =
         QString::fromUtf8(Terminal(80).run(program, {"--idle", "400", path("medium")}));
-    // At most ten files, then the line: begun by a carriage return each time, never by a line feed.
-    // A slow search shows it, too.
+    // At most ten files, then the status line: each time it starts with a carriage return, never
+    // with a line feed. A slow search shows it, too.
     const QRegularExpression expected(QStringLiteral(
         "^\rlisting [^\r\n]+\r +\r"
         "[^\r\n]+/medium: 13 files \\(\\*\\)\n"
@@ -340,18 +340,18 @@ void tst_WatchMedia::terminalsGetALineThatIsRedrawn()
     QVERIFY2(expected.match(output).hasMatch(), qPrintable(output));
 }
 
-void tst_WatchMedia::narrowTerminalsGetAShortLine()
+void tst_WatchMedia::statusLineFitsANarrowTerminal()
 {
     QDir().mkpath(path("medium"));
     const QByteArray output = Terminal(20).run(program, {"--idle", "400", path("medium")});
     QVERIFY2(output.contains(" s | 0 files, "), output.constData());
     for (const QByteArray& line : output.split('\r')) {
-        // What ends in a line feed stays, and may be as long as it is.
+        // A line with a line feed is not redrawn and may be longer.
         QVERIFY2(line.size() < 20 || line.endsWith('\n'), line.constData());
     }
 }
 
-void tst_WatchMedia::mediaComeAndGo()
+void tst_WatchMedia::mountedAndRemovedMediaAreReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     makeFile("below");
@@ -361,7 +361,7 @@ void tst_WatchMedia::mediaComeAndGo()
 
     for (const char* name : {"first", "second"}) {
         QCOMPARE(mount("tmpfs", medium.constData(), "tmpfs", 0, nullptr), 0);
-        // Until the medium is listed, a file would be one that was there.
+        // A file that is created before the medium is listed would not be new.
         const int times = name == QLatin1String("first") ? 1 : 2;
         QVERIFY(run.waitForOutput("medium mounted\nmedium: 0 files (*)\n", times));
         makeFile(QLatin1String(name));
@@ -396,8 +396,8 @@ void tst_WatchMedia::mediaComeAndGo()
     QCOMPARE(result.exitCode, 0);
 }
 
-// Between two looks of the program: the directory seems to be the same one, but its watch is lost.
-void tst_WatchMedia::mediumMountedAgainAtOnceIsWatched()
+// Between two checks by the program: the directory seems to be the same one, but its watch is lost.
+void tst_WatchMedia::remountedMediumIsWatched()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QDir().mkpath(path("medium"));
@@ -453,7 +453,7 @@ void tst_WatchMedia::printsJson()
     QVERIFY2(objects == expected, qPrintable(result.output));
 }
 
-void tst_WatchMedia::signalsEndWithASummary_data()
+void tst_WatchMedia::signalPrintsTheSummary_data()
 {
     QTest::addColumn<int>("number");
     QTest::newRow("Ctrl-C") << SIGINT;
@@ -461,7 +461,7 @@ void tst_WatchMedia::signalsEndWithASummary_data()
     QTest::newRow("SIGHUP") << SIGHUP;
 }
 
-void tst_WatchMedia::signalsEndWithASummary()
+void tst_WatchMedia::signalPrintsTheSummary()
 {
     QFETCH(int, number);
     makeFile("a");
@@ -476,7 +476,7 @@ void tst_WatchMedia::signalsEndWithASummary()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_WatchMedia::namesThatAreNoUtf8AreCounted()
+void tst_WatchMedia::namesThatAreNotUtf8AreCounted()
 {
     makeFile("a");
     QList<QByteArray> names{"medium/\xe9.txt", "medium/\xff", "medium/.\xff"};
@@ -484,7 +484,7 @@ void tst_WatchMedia::namesThatAreNoUtf8AreCounted()
         name.prepend(directory().toLocal8Bit() + '/');
         const int file = open(name.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
         if (file < 0) {
-            MISCTOOLS_SKIP("this file system takes no such names");
+            MISCTOOLS_SKIP("this file system does not accept such names");
         }
         close(file);
     }
@@ -504,7 +504,7 @@ void tst_WatchMedia::namesThatAreNoUtf8AreCounted()
     }
 }
 
-void tst_WatchMedia::refusesWhatItCannotUse_data()
+void tst_WatchMedia::invalidArgumentsAreRefused_data()
 {
     QTest::addColumn<QStringList>("commandLine");
     QTest::addColumn<int>("exitCode");
@@ -519,13 +519,13 @@ void tst_WatchMedia::refusesWhatItCannotUse_data()
     QTest::newRow("option without its value")
         << QStringList{"medium", "--delay"} << 2
         << "watch-media: Missing value after '--delay'.\n" + hint;
-    QTest::newRow("no delay") << QStringList{"--delay", "0", "medium"} << 2
-                              << "watch-media: --delay requires a number from 1 up, not '0'\n" +
-                                     hint;
+    QTest::newRow("delay of 0") << QStringList{"--delay", "0", "medium"} << 2
+                                << "watch-media: --delay requires a number from 1 up, not '0'\n" +
+                                       hint;
     QTest::newRow("negative idle time")
         << QStringList{"--idle", "-5", "medium"} << 2
         << "watch-media: --idle requires a number from 1 up, not '-5'\n" + hint;
-    QTest::newRow("bursts in words")
+    QTest::newRow("bursts are not a number")
         << QStringList{"--bursts", "two", "medium"} << 2
         << "watch-media: --bursts requires a number from 1 up, not 'two'\n" + hint;
     QTest::newRow("missing directory")
@@ -535,7 +535,7 @@ void tst_WatchMedia::refusesWhatItCannotUse_data()
                           << "watch-media: medium/a is not a directory\n";
 }
 
-void tst_WatchMedia::refusesWhatItCannotUse()
+void tst_WatchMedia::invalidArgumentsAreRefused()
 {
     QFETCH(QStringList, commandLine);
     QFETCH(int, exitCode);
@@ -548,7 +548,7 @@ void tst_WatchMedia::refusesWhatItCannotUse()
     QCOMPARE(result.exitCode, exitCode);
 }
 
-void tst_WatchMedia::helpNamesEveryExitCode()
+void tst_WatchMedia::helpListsEveryExitCode()
 {
     const ProgramResult result = ProgramRun(program, {"--help"}, directory()).finish();
     QCOMPARE(result.errors, QString());
