@@ -562,10 +562,10 @@ void tst_VersionManager::randomVersionsMatchTheLiteralVersion()
         }
     }
     for (const int count : dotCounts) {
-        QVERIFY(count >= versions / 50);
+        QVERIFY(count >= versions / 100);
     }
     for (const int count : {withTestIndex, withoutTestIndex, withoutMatch, withGitHash}) {
-        QVERIFY(count >= versions / 50);
+        QVERIFY(count >= versions / 100);
     }
 }
 
