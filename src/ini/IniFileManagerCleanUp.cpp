@@ -12,8 +12,8 @@ namespace {
 
 constexpr char canNotOpenFile[] = "Can not open file:";
 
-// Reads the text of the file at path. Warns and returns false if it cannot be opened. isWhole is
-// set to false if it could not be read to its end. Closes the file, so that replacing it needs no
+// Reads the text of the file at path, and sets isWhole if it was read to its end. Warns
+// and returns false if the file cannot be opened. Closes the file, so that replacing it needs no
 // additional descriptor.
 bool readText(const QString& path, const QMessageLogger& log, QString& text, bool& isWhole)
 {
