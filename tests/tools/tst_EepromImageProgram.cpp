@@ -515,20 +515,22 @@ void tst_EepromImageProgram::reportsALostOwner()
     writeFile(QStringLiteral("board.ini"), boardText);
     const QByteArray image = writeFile(QStringLiteral("eeprom"), "old").toLocal8Bit();
     QCOMPARE(chmod(image.constData(), 0666), 0);
-    QCOMPARE(chmod(directory().toLocal8Bit().constData(), 0777), 0);
-    // In a user namespace without a mapping not even the owner can change a file's owner.
-    const QStringList otherUser =
-        geteuid() == 0 ? QStringList{"setpriv", "--reuid=4711", "--regid=815", "--clear-groups"}
-                       : QStringList{"unshare", "--user"};
-    if (ProgramRun(otherUser.constFirst(), otherUser.mid(1) << "true", directory())
+    const bool isRoot = geteuid() == 0;
+    QVERIFY(!isRoot || chown(image.constData(), 4711, 815) == 0);
+    // Without this capability, root cannot change the owner of a file. In a user namespace without
+    // a mapping, not even the owner can.
+    const QStringList unprivileged =
+        isRoot ? QStringList{"setpriv", "--inh-caps=-all", "--bounding-set=-chown"}
+               : QStringList{"unshare", "--user"};
+    if (ProgramRun(unprivileged.constFirst(), unprivileged.mid(1) << "true", directory())
             .finish()
             .exitCode != 0) {
         MISCTOOLS_SKIP("this user cannot have a user namespace");
     }
-    const ProgramResult result = ProgramRun(otherUser.constFirst(),
-                                            otherUser.mid(1) << EEPROM_IMAGE_PROGRAM << "create"
-                                                             << "board.ini"
-                                                             << "eeprom",
+    const ProgramResult result = ProgramRun(unprivileged.constFirst(),
+                                            unprivileged.mid(1) << EEPROM_IMAGE_PROGRAM << "create"
+                                                                << "board.ini"
+                                                                << "eeprom",
                                             directory())
                                      .finish();
     QCOMPARE(result.errors,
