@@ -106,7 +106,7 @@ void makeTree(const QString& root)
 
 // Runs action, then the event loop until signal is emitted.
 template <typename Sender, typename Signal, typename Action>
-void awaitSignal(Sender* sender, Signal signal, const Action& action, const char* trouble)
+void awaitSignal(Sender* sender, Signal signal, const Action& action, const char* error)
 {
     QEventLoop loop;
     QTimer guard;
@@ -115,7 +115,7 @@ void awaitSignal(Sender* sender, Signal signal, const Action& action, const char
     QObject::connect(&guard, &QTimer::timeout, &loop, [&loop] { loop.exit(1); });
     guard.start(longWhileInMs);
     action();
-    require(loop.exec() == 0, trouble);
+    require(loop.exec() == 0, error);
 }
 
 void watchDirectories(const QString& root)
@@ -127,11 +127,11 @@ void watchDirectories(const QString& root)
                 "a directory cannot be watched");
     }
     const QString file = root + "/directory0/new.tmp";
-    const char* const trouble = "a change was not noticed";
+    const char* const error = "a change was not detected";
     awaitSignal(
-        &watcher, &DirectoryWatcher::directoryChanged, [&] { touch(file); }, trouble);
+        &watcher, &DirectoryWatcher::directoryChanged, [&] { touch(file); }, error);
     awaitSignal(
-        &watcher, &DirectoryWatcher::directoryChanged, [&] { QFile::remove(file); }, trouble);
+        &watcher, &DirectoryWatcher::directoryChanged, [&] { QFile::remove(file); }, error);
     // And a watcher that is destroyed during a burst.
     watcher.directoryGotChanged(root);
 }

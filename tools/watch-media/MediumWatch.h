@@ -32,7 +32,7 @@ enum ExitCode
 
 struct WatchOptions
 {
-    QString name;      // of the directory, as the user gave it
+    QString name;      // of the directory, as passed by the user
     QString directory; // absolute: a search of a relative one returns no paths relative to it
     QStringList patterns;
     bool isRecursive = false;
