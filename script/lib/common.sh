@@ -37,6 +37,10 @@ end_with_verdict()
     stage=
     remove_on_exit=()
     trap 'print_verdict $?' EXIT
+    # Without these, $? would be the exit code of the command before the signal.
+    trap 'exit 129' HUP
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
 }
 
 print_verdict()
