@@ -121,9 +121,10 @@ void tst_PeakMeter::readsValues_data()
     QTest::newRow("empty input") << QByteArray() << 0
                                  << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
                                  << "";
-    QTest::newRow("blank lines") << QByteArray("\n \t\n\r\n") << 0
-                                 << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
-                                 << "";
+    QTest::newRow("lines of white space")
+        << QByteArray("\n \t\n\r\n") << 0
+        << "Summary: 0 values, 0 lines refused\nin this run: no value\n"
+        << "";
     QTest::newRow("one value: minimum and maximum are the same")
         << QByteArray("5\n") << 0
         << "line 1: new minimum and maximum 5\nSummary: 1 value, 0 lines refused\n" +

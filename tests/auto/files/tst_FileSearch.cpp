@@ -129,7 +129,7 @@ void addLargeTree(const Tree& tree)
                                    "\xf0\x9f\x98\x80.txt",
                                    "latin\xe4.txt",
                                    "cut\xc3",
-                                   " blank .txt ",
+                                   " space .txt ",
                                    "...",
                                    "..dots",
                                    "trailing.",

@@ -315,7 +315,7 @@ void tst_DeviceRoot::restOfTheMachineIsVisible()
 void tst_DeviceRoot::argumentsArePassedThrough()
 {
     NEED_NAMESPACES();
-    const QStringList arguments{"two  blanks", QString(), "*",       "--inside",
+    const QStringList arguments{"two  spaces", QString(), "*",       "--inside",
                                 "line\nfeed",  "$HOME",   "quote'\""};
     const Result result = runShell("printf '<%s>' \"$@\"", arguments);
     QByteArray expected;
