@@ -132,7 +132,7 @@ void watchDirectories(const QString& root)
         &watcher, &DirectoryWatcher::directoryChanged, [&] { touch(file); }, error);
     awaitSignal(
         &watcher, &DirectoryWatcher::directoryChanged, [&] { QFile::remove(file); }, error);
-    // The watcher is destroyed during a burst.
+    // And a watcher that is destroyed during a burst.
     watcher.directoryGotChanged(root);
 }
 
