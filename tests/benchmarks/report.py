@@ -53,8 +53,8 @@ class Row(typing.NamedTuple):
 
 
 def run(command, **options):
-    """The output of a program; the end of this one if it fails."""
-    result = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE,
+    """Returns the output of a command; exits if the command fails."""
+    result = subprocess.run([str(argument) for argument in command], stdout=subprocess.PIPE,
                             stderr=subprocess.STDOUT, text=True, check=False, **options)
     if result.returncode != 0:
         sys.exit(f'{result.stdout}\nscript/bench: exit code {result.returncode}: {command}')
@@ -72,7 +72,7 @@ def readable_count(count):
 
 
 def markdown(table):
-    """The first row is the header."""
+    """Formats a table whose first row is the header."""
     widths = [max(map(len, column)) for column in zip(*table)]
     lines = ['| ' + ' | '.join(map(str.ljust, row, widths)) + ' |\n' for row in table]
     lines.insert(1, '|' + ''.join('-' * (width + 2) + '|' for width in widths) + '\n')
@@ -151,7 +151,7 @@ def plot(times):
 
 
 class Counter:
-    """Counts with copies of programs and library, whose paths always have the same length."""
+    """Counts with copies of the programs and the library, whose paths always have the same length."""
 
     def __init__(self, directory):
         self.directory = directory
@@ -201,7 +201,7 @@ class Counter:
         return (lines[1] - lines[0]) / 2
 
     def peak_heap(self, path, row):
-        """Count of the whole program with one call."""
+        """The peak of the entire program with one call."""
         output = self.run('valgrind', '--tool=dhat', '--dhat-out-file=/dev/null', path, '-iterations', 1,
                           row.argument())
         return float(re.search(r'At t-gmax: ([\d,]+) bytes', output)[1].replace(',', '')) / 1024
@@ -221,7 +221,7 @@ class Counter:
 
 
 def count(programs, directory):
-    """The counts of the programs, which run in parallel: counts are independent of load."""
+    """Counts in parallel, because counts do not depend on the load of the machine."""
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         results = pool.map(Counter(directory).count, programs)
         return {key: round(value, 1) for result in results for key, value in result.items()}
@@ -243,7 +243,7 @@ def record(counts):
 
 
 def compare(counts, programs):
-    """The number of counts that grew against the record or do not match it."""
+    """Returns the number of counts that grew, are not recorded, or were not counted."""
     recorded = {key: value for key, value in read_numbers(RECORD).items() if key[0] in programs}
     table = [['class', 'operation', 'measure', 'recorded', 'now', 'change', '']]
     failures = 0
@@ -259,7 +259,7 @@ def compare(counts, programs):
         table.append([*key, readable_count(before), readable_count(now), change, verdict])
     print(markdown(table))
     if any(f'# {tool}\n' not in RECORD.read_text(encoding='utf-8') for tool in tools()):
-        print('The record was made with different tools, which changes counts; the current ones are', tools())
+        print('The counts were recorded with other tools, which changes them; the current tools are', tools())
     print(f'script/bench: {len(counts)} counts; {failures} grew or do not match the record')
     return failures
 
@@ -287,7 +287,7 @@ def update_page(times, counts):
 def main():
     options = [argument for argument in sys.argv[1:] if argument.startswith('--')]
     names = [argument for argument in sys.argv[1:] if argument not in options]
-    # In memory if possible; otherwise the disk would be measured.
+    # In memory if possible; otherwise the benchmarks would measure the disk.
     memory = '/dev/shm' if os.access('/dev/shm', os.W_OK) else None
     with tempfile.TemporaryDirectory(prefix='misctools-bench.', dir=memory) as directory:
         directory = pathlib.Path(directory)

@@ -19,7 +19,7 @@ namespace {
     std::abort();
 }
 
-// Fatal messages do not come from the library: they end a target that cannot continue.
+// Prints the reason why a target aborts itself. The library logs no fatal messages.
 void printFatal(const Message& message)
 {
     if (message.level == QtFatalMsg) {
@@ -27,7 +27,7 @@ void printFatal(const Message& message)
     }
 }
 
-// What exists from the first input on.
+// The objects that exist from the first input on.
 class Session
 {
 public:
@@ -43,8 +43,8 @@ private:
     int m_argc = 1;
     char m_name[5] = "fuzz";
     char* m_argv[2] = {m_name, nullptr};
-    // Qt's data for expressions must be created before the application, so that it still exists
-    // when the application frees the main thread's part of it.
+    // Qt's data for regular expressions must be created before the application: the destructor of
+    // the application frees the main thread's part of it.
     bool m_isMatched;
     QCoreApplication m_application;
     MessageRecorder m_recorder;

@@ -8,18 +8,18 @@
 #include <cstddef>
 #include <cstdint>
 
-// The functions of a target, for libFuzzer and for the replay of its corpus. The initializing
+// The functions of a target, for libFuzzer and for the replay of its corpus. The initialization
 // function is optional.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 
-// Shared functions of the fuzz targets. A target that finds an error ends the process.
+// Shared functions of the fuzz targets. A target that finds an error aborts the process.
 namespace Fuzz {
 
 // The exit code of a target that this machine cannot run.
 constexpr int exitSkipped = 77;
 
-// Ends the process unless it runs in a device root (see script/device-root). Call this once, before
+// Exits unless the process runs in a device root (see script/device-root). Call this once, before
 // the first input.
 void needDeviceRoot();
 
@@ -33,7 +33,7 @@ QByteArray takeLine(QByteArray& bytes);
 // validation, so that texts may contain halves of surrogate pairs.
 QString toText(const QByteArray& bytes);
 
-// The directory of the process, which is in TMPDIR, and a path in it.
+// The temporary directory of the process, and a path in it.
 QString directory();
 QString path(const QString& name);
 
@@ -44,13 +44,13 @@ void removeFile(const QString& filePath);
 // Level and text of all messages since the last call, from any source.
 QStringList takeMessages();
 
-// Replaces paths in messages that differ from one run to another.
+// Replaces paths in messages, because paths differ between runs.
 extern const QString fileName;
 
 // The same messages, with filePath replaced by fileName.
 QStringList takeMessages(const QString& filePath);
 
-// Ends the process with both texts if they differ; what describes them.
+// Abort the process if the texts differ or the condition is false; what describes them.
 void verifySame(const char* what, const QStringList& actual, const QStringList& expected);
 void verifySame(const char* what, const QString& actual, const QString& expected);
 void verifySame(const char* what, const QByteArray& actual, const QByteArray& expected);

@@ -96,7 +96,7 @@ QString shown(const QJsonArray& array)
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
-// Whether imported text dates still have to be reported as a change; resets that.
+// Returns whether imported text dates are still to be reported as a change, and clears that state.
 bool takeTextDateImported(DragIndicator& indicator)
 {
     DragIndicator::DragIndicatorInstance record;
@@ -137,7 +137,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     Fuzz::verify(takeTextDateImported(indicator) == literal.hasTextDate(),
                  "whether dates were in text form");
 
-    // An export is imported unchanged, and a valid one without a message.
+    // Importing an export restores the same records, without a message if the export is valid.
     DragIndicator copy;
     const bool isCopied = copy.fromJsonArray(indicator.asJsonArray());
     Fuzz::verify(isCopied == Fuzz::takeMessages().isEmpty(), "messages of the second import");

@@ -1,5 +1,5 @@
 // The input is the image of an EEPROM. It is read unchanged and, if it has a complete header, again
-// with the right checksum, which random input would not find.
+// with a valid checksum, which random input rarely has.
 #include "EepromImage.h"
 #include "Fuzz.h"
 #include "HardwareInfo.h"
@@ -80,7 +80,7 @@ QStringList literalRecord(const QByteArray& block)
     return values;
 }
 
-// The expected result of reading the image at filePath: the record, or the reason for rejection.
+// The expected result of reading the image: the record, or the warning about its rejection.
 QStringList literalRead(const QByteArray& image, const QString& filePath)
 {
     const QStringList untouched = QStringList("no") + valuesOf(usedRecord());
@@ -159,7 +159,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     verifyHelpers(image);
     verifyRead(image);
     if (image.size() >= EepromImage::headerEnd) {
-        // If the block contains its own checksum, the new one may be wrong as well.
+        // If the block contains its own checksum, the new checksum may be invalid, too.
         qToLittleEndian(quint32(EepromImage::crc(blockOf(image))), image.data() + checksumField);
         verifyRead(image);
     }

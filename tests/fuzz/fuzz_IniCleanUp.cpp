@@ -1,5 +1,5 @@
-// The input is the file to clean up. After an asterisk it is repeated until the file is too large
-// to be read at once.
+// The input is the file to clean up. Input after an asterisk is repeated until the file is too
+// large for one chunk.
 #include "Fuzz.h"
 #include "IniFileManager.h"
 #include "LiteralIniFile.h"
@@ -10,7 +10,7 @@ namespace {
 
 constexpr int largeSize = 70000;
 
-void leaveAsItIs(QString&) {}
+void keepText(QString&) {}
 
 void verifyCleanUp(const char* what, const QByteArray& content, const QByteArray& expected)
 {
@@ -38,9 +38,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     Fuzz::removeFile(filePath);
 
     verifyCleanUp("bytes, in chunks", content, expected);
-    // With an additional function the text is processed as a whole.
-    IniFileManager::sm_CleanUpFunctions.append(&leaveAsItIs);
-    verifyCleanUp("bytes, as a whole", content, expected);
+    // An additional function requires the entire text.
+    IniFileManager::sm_CleanUpFunctions.append(&keepText);
+    verifyCleanUp("bytes, entire text", content, expected);
     IniFileManager::sm_CleanUpFunctions = usualFunctions;
     return 0;
 }

@@ -1,6 +1,6 @@
 // The input is a line of calls with four characters each (operation, group, key, value), followed
-// by the file on which they are made. Then every getter is called for the content of the file, and
-// the classes that read the device's files are used on it.
+// by the file to which they apply. Afterwards every getter reads the content of the file, and the
+// classes that read the device's files read it.
 #include "DeviceRoot.h"
 #include "Fuzz.h"
 #include "IniCall.h"
@@ -21,7 +21,7 @@ constexpr int contentLimit = 4096;
 constexpr int callLimit = 24;
 constexpr int nameLimit = 16; // number of names in the file that calls may use
 constexpr int sweepLimit = 6; // number of groups, and keys per group, that every getter reads
-// An expression may take a long time for longer texts.
+// Matching a longer expression may take a long time.
 constexpr int filterSize = 5;
 
 const char* const codecs[] = {nullptr, "UTF-8", "ISO 8859-15"};
@@ -85,7 +85,7 @@ QVector<IniCall> callsOf(const QByteArray& line, const QStringList& names)
     return calls;
 }
 
-// Calls every getter for everything that the file lists.
+// Calls every getter for the groups and keys that the file lists.
 template <typename File>
 QStringList readAll(File& file)
 {
@@ -158,7 +158,7 @@ QStringList play(const QByteArray& line, const QByteArray& content)
     return record;
 }
 
-// The results of the classes that read the device's files, for content.
+// The expected results of the classes that read the device's files.
 QStringList literalDevice(const QByteArray& content)
 {
     const QString filePath = writeNewFile(content);

@@ -6,27 +6,27 @@
 
 namespace {
 
-// The words of the command line, parsed character by character.
-QStringList literalWords(const QByteArray& content)
+// The arguments of the command line, parsed character by character.
+QStringList literalArguments(const QByteArray& content)
 {
-    QStringList words;
-    QString word;
-    const auto endWord = [&] {
-        if (!word.isEmpty() && word != QLatin1String("\n")) {
-            words += word;
+    QStringList arguments;
+    QString argument;
+    const auto endArgument = [&] {
+        if (!argument.isEmpty() && argument != QLatin1String("\n")) {
+            arguments += argument;
         }
-        word.clear();
+        argument.clear();
     };
     // Up to the first zero byte.
     for (const QChar character : QString::fromUtf8(content.constData())) {
         if (character == QLatin1Char(' ')) {
-            endWord();
+            endArgument();
         } else {
-            word += character;
+            argument += character;
         }
     }
-    endWord();
-    return words;
+    endArgument();
+    return arguments;
 }
 
 QStringList shown(const QString& argument, const QString& value, bool isThere)
@@ -40,19 +40,20 @@ QString literalValue(const QString& argument, const QString& key)
     return value.left(1) == QLatin1String("=") ? value.mid(1) : value;
 }
 
-QString literalArgument(const QStringList& words, const QString& key)
+QString literalArgument(const QStringList& arguments, const QString& key)
 {
-    for (const QString& word : words) {
-        if (word.left(key.size()) == key) {
-            return word;
+    for (const QString& argument : arguments) {
+        if (argument.left(key.size()) == key) {
+            return argument;
         }
     }
     return QString();
 }
 
-void verifyKey(const KernelCommandLineParser& parser, const QStringList& words, const QString& key)
+void verifyKey(const KernelCommandLineParser& parser, const QStringList& arguments,
+               const QString& key)
 {
-    const QString argument = literalArgument(words, key);
+    const QString argument = literalArgument(arguments, key);
     Fuzz::verifySame("argument and value",
                      shown(parser.findKey(key), parser.getValue(key), parser.contains(key)),
                      shown(argument, literalValue(argument, key), !argument.isEmpty()));
@@ -70,26 +71,26 @@ int LLVMFuzzerInitialize(int*, char***)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    constexpr int wordLimit = 8;
+    constexpr int argumentLimit = 8;
 
     QByteArray content = Fuzz::toBytes(data, size);
     const QString givenKey = Fuzz::toText(Fuzz::takeLine(content));
     DeviceRoot::setCommandLine(content);
 
-    const QStringList words = literalWords(content);
+    const QStringList arguments = literalArguments(content);
     const KernelCommandLineParser parser;
     const QString modeKey = "orvalismode";
     for (const QString& key : {givenKey, modeKey, QString()}) {
-        verifyKey(parser, words, key);
+        verifyKey(parser, arguments, key);
     }
-    for (const QString& word : words.mid(0, wordLimit)) {
-        verifyKey(parser, words, word);
-        verifyKey(parser, words, word.section(QLatin1Char('='), 0, 0));
-        verifyKey(parser, words, word.left(1));
+    for (const QString& argument : arguments.mid(0, argumentLimit)) {
+        verifyKey(parser, arguments, argument);
+        verifyKey(parser, arguments, argument.section(QLatin1Char('='), 0, 0));
+        verifyKey(parser, arguments, argument.left(1));
     }
 
     const bool isFactoryReset =
-        literalValue(literalArgument(words, modeKey), modeKey) == QLatin1String("factoryreset");
+        literalValue(literalArgument(arguments, modeKey), modeKey) == QLatin1String("factoryreset");
     const BootInformationHelper boot;
     Fuzz::verify(boot.isFactoryReset() == isFactoryReset, "factory reset");
     Fuzz::verify(boot.getCurrentBootMode() == (isFactoryReset

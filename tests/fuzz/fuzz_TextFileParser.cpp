@@ -10,13 +10,13 @@ namespace {
 constexpr int patternLimit = 80;
 constexpr int contentLimit = 1000;
 
-// The results that the library and the literal version have in common.
+// The text of results, error and messages, for comparison.
 QStringList shown(const QStringList& results, const QString& error)
 {
     return QStringList{LiteralTextFile::described(results), error} + Fuzz::takeMessages();
 }
 
-// The parser's warnings and its last error, in order.
+// The texts of the expected warnings, in order; the last one is the parser's last error.
 QStringList errorsOf(const QRegularExpression& expression, const QString& content)
 {
     QStringList errors;
@@ -52,7 +52,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     QByteArray bytes = Fuzz::toBytes(data, size);
     const QByteArray pattern = Fuzz::takeLine(bytes).left(patternLimit);
     bytes.truncate(contentLimit);
-    // Limits the steps of expressions with excessive backtracking, to leave time for others.
+    // Limits the steps of expressions with excessive backtracking, which would slow down fuzzing.
     const QRegularExpression expression("(*LIMIT_MATCH=5000)" + Fuzz::toText(pattern));
     const QString filePath = Fuzz::writeFile("text", bytes);
     const QString content = LiteralTextFile::content(bytes);

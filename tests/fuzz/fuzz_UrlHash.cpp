@@ -1,4 +1,4 @@
-// The input is arbitrary bytes: a URL, a UUID, a file to hash, a file name extension.
+// The input is used as a URL, a UUID, a file to hash, and a file name extension.
 #include "ExportFileNameCreator.h"
 #include "Fuzz.h"
 #include "HashGenerator.h"

@@ -1,4 +1,4 @@
-// The input is patterns, one per line, followed by a line with the file name.
+// The input contains patterns, one per line, followed by a line with the file name.
 #include "Fuzz.h"
 #include "WildcardFilter.h"
 
@@ -25,7 +25,7 @@ bool isPlain(const QString& pattern, const QString& fileName)
            std::all_of(fileName.cbegin(), fileName.cend(), isAscii);
 }
 
-// Simple wildcard matching: the prefixes of the name that the pattern's prefix matches.
+// Simple wildcard matching: records which prefixes of the name each prefix of the pattern matches.
 bool matchesPlain(const QString& pattern, const QString& name, Qt::CaseSensitivity sensitivity)
 {
     std::vector<bool> matched(size_t(name.size()) + 1);
@@ -84,7 +84,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                                                   ? QDir::Filters(QDir::CaseSensitive)
                                                   : QDir::Filters(QDir::AllEntries));
         Fuzz::verifySame("results", shown(filter.matchesFilters(fileName)), expected);
-        // A match leaves no state.
+        // A match does not change the filter.
         const WildcardFilter copy(filter);
         Fuzz::verifySame("results of the second call", shown(copy.matchesFilters(fileName)),
                          expected);

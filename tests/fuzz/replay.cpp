@@ -1,5 +1,5 @@
-// Replaces main() of libFuzzer, with any compiler: runs a target on every file that the arguments
-// name and on every file of the directories that they name.
+// Replaces main() of libFuzzer, with any compiler: runs a target on each file in the arguments and
+// on the files of each directory in the arguments.
 #include "Fuzz.h"
 
 #include <QtCore/QDir>
@@ -37,8 +37,8 @@ int main(int argc, char** argv)
     int inputs = 0;
     for (int i = 1; i < argc; ++i) {
         for (const QString& filePath : filesOf(QFile::decodeName(argv[i]))) {
-            // Printed before the target runs: the last name is that of the input that ended the
-            // process.
+            // Printed before the target runs: if the process aborts, the last name is that of the
+            // input.
             std::printf("%s\n", qPrintable(filePath));
             std::fflush(stdout);
             QFile file(filePath);

@@ -31,7 +31,7 @@ long countInotifyWatches()
     return watches;
 }
 
-// The parent is the second field after the name, which ends at the last parenthesis.
+// The parent's ID is the second field after the name, which ends at the last parenthesis.
 bool isChild(const QString& process)
 {
     const QByteArray stat = readAll(QStringLiteral("/proc/%1/stat").arg(process));
@@ -70,7 +70,7 @@ long readResidentInKiB()
 
 long readHeapInKiB()
 {
-    // Before 2.33, glibc has only the old call with 32-bit numbers.
+    // glibc before 2.33 has only the old function with 32-bit numbers.
 #if __GLIBC_PREREQ(2, 33)
     return static_cast<long>(mallinfo2().uordblks / 1024);
 #else

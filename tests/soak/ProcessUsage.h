@@ -1,7 +1,7 @@
 #ifndef TESTS_PROCESSUSAGE_H
 #define TESTS_PROCESSUSAGE_H
 
-// The system resources of this process, as the system counts them.
+// The system resources that this process uses.
 struct ProcessUsage
 {
     long descriptors = 0;

@@ -1,5 +1,5 @@
-// Repeatedly uses the classes that hold descriptors, threads, processes and watches, and verifies
-// that this process holds no more of them at the end than in the middle.
+// Repeatedly uses the classes that hold descriptors, threads, processes and watches. Verifies that
+// this process holds no more of them, and no more memory, at the end than in the middle.
 #include "EepromImage.h"
 #include "ProcessUsage.h"
 
@@ -57,13 +57,13 @@ std::atomic<int> libraryWarnings{0};
 
 void countWarning(QtMsgType, const QMessageLogContext& context, const QString&)
 {
-    // Here, messages of Qt have no file; those of the library always have one.
+    // The messages of a release build of Qt have no file; those of the library always have one.
     if (context.file != nullptr) {
         ++libraryWarnings;
     }
 }
 
-// The first error is reported and ends the run.
+// The first error, which terminates the run.
 class Failure
 {
 public:
@@ -92,7 +92,7 @@ bool touch(const QString& path)
     return write(path, QByteArray());
 }
 
-void makeTree(const QString& root)
+void createTree(const QString& root)
 {
     for (int i = 0; i < subdirectories; ++i) {
         const QString directory = QStringLiteral("%1/directory%2").arg(root).arg(i);
@@ -145,9 +145,9 @@ void searchInPool(const QString& root, QThreadPool& pool)
                      [&found](const QStringList& result) { found = result.size(); });
     awaitSignal(
         worker, &RecursiveFileSearchWorkerThread::searchFinished, [&] { pool.start(worker); },
-        "a search did not end");
+        "a search did not finish");
     require(found == subdirectories * filesPerDirectory,
-            "a search in the pool has the wrong result");
+            "a search in the pool has an incorrect result");
 }
 
 void searchMedium(const QString& root)
@@ -158,22 +158,22 @@ void searchMedium(const QString& root)
     QObject::connect(&watcher, &MediaWatcher::filesFound,
                      [&found](const QFileInfoList& files) { found = files.size(); });
     watcher.mediumMounted(root);
-    require(found == subdirectories, "the top directory of a medium has the wrong content");
+    require(found == subdirectories, "the top directory of a medium has an incorrect content");
     watcher.setRecursive(true);
     watcher.mediumMounted(root);
-    require(found == subdirectories * (filesPerDirectory + 1), "a medium has the wrong content");
+    require(found == subdirectories * (filesPerDirectory + 1), "a medium has an incorrect content");
 }
 
 void runPrograms()
 {
     QProcessHandler handler;
-    require(handler.startProcess("true", {}) == 0, "true has the wrong result");
+    require(handler.startProcess("true", {}) == 0, "true has an incorrect result");
     require(handler.startProcess("echo", {"text"}) == 0 &&
                 handler.getStandardOutput() == QLatin1String("text\n"),
-            "echo has the wrong result");
+            "echo has an incorrect result");
     require(handler.startProcess("/nonexistent/program", {}) == -1,
             "a missing program was started");
-    // Still running when the handler is destroyed.
+    // The program is still running when the handler is destroyed.
     handler.setWaitForFinishedTimeout(1);
     require(handler.startProcess("sleep", {"100"}) == -1, "sleep did not time out");
 }
@@ -184,7 +184,7 @@ void parseText(const QString& root)
     require(write(path, "version=1\nversion=2\n"), "a text file cannot be written");
     TextFileParser parser(path);
     require(parser.multiMatch(QRegularExpression("version=(\\d)")) == QStringList({"1", "2"}),
-            "a text file has the wrong match");
+            "a text file has an incorrect match");
     require(parser.match(QRegularExpression("(")).isNull(), "an invalid expression matches");
     require(TextFileParser(root + "/none").hasError(), "a missing file was read");
     require(QFile::remove(path), "a text file cannot be removed");
@@ -201,7 +201,7 @@ void readHardware(const QString& root)
     HardwareInfo info;
     require(write(path, image.bytes()) && reader.readHardwareInfoFromSysFs(temporary, path, info) &&
                 info.type() == QLatin1String("4711"),
-            "an EEPROM image has the wrong record");
+            "an EEPROM image has an incorrect record");
     require(write(path, EepromImage(image).flipBit(EepromImage::headerEnd, 0).bytes()) &&
                 !reader.readHardwareInfoFromSysFs(temporary, path, info),
             "a damaged EEPROM image was accepted");
@@ -214,7 +214,7 @@ void hashFiles(const QString& root)
     require(write(path, QByteArray(100000, 'x')), "a file to hash cannot be written");
     require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).toHex() ==
                 "d5816f35916d1d9482fb0f1ec201101d",
-            "a file has the wrong hash");
+            "a file has an incorrect hash");
     require(QFile::remove(path), "a hashed file cannot be removed");
     require(HashGenerator::createHashFromFile(path, QCryptographicHash::Md5).isNull(),
             "a missing file has a hash");
@@ -259,7 +259,7 @@ struct Figure
 {
     const char* name;
     long ProcessUsage::*member;
-    long slack; // how much more the end may have than the middle
+    long slack; // permitted growth from the middle to the end
     bool isJudged;
 };
 
@@ -278,8 +278,8 @@ const QVector<Figure>& figures()
     return theFigures;
 }
 
-// The minimum of a third of the samples; third 0 is the warm-up. A transient resource, such as an
-// ended thread that is still counted, is not in every sample; a leak is.
+// The minimum of a third of the samples; third 0 is the warm-up. A transient resource, such as a
+// finished thread that is still counted, is not in every sample; a leak is.
 long smallest(const QVector<ProcessUsage>& samples, int third, long ProcessUsage::*member)
 {
     const auto begin = samples.constBegin() + third * samples.size() / 3;
@@ -329,7 +329,7 @@ ExitCode soak(const Length& length)
     require(directory.isValid(), "there is no temporary directory");
     // From here on, only the library creates temporary files.
     qputenv("TMPDIR", QFile::encodeName(directory.path()));
-    makeTree(directory.path());
+    createTree(directory.path());
     QThreadPool pool;
     pool.setMaxThreadCount(2);
 
@@ -339,7 +339,7 @@ ExitCode soak(const Length& length)
     clock.start();
     int rounds = 0;
     qint64 due = 0;
-    // A slow machine takes longer instead of judging by few samples.
+    // A slow machine runs longer, because few samples are not reliable.
     while (due < 3 * samplesPerThird || samples.size() < leastSamples) {
         runRound(directory.path(), pool);
         ++rounds;
@@ -370,7 +370,8 @@ bool parse(const QStringList& arguments, Length& length)
 }
 
 // The heap caches freed blocks, which count as allocated and whose number grows for minutes.
-// Without the cache its size is exact; that has to be set before a program starts.
+// Without the cache the size of the heap is exact; the variable must be set before a program
+// starts.
 void restartWithPlainHeap(char* argv[])
 {
     constexpr const char* name = "GLIBC_TUNABLES";
@@ -391,7 +392,7 @@ int main(int argc, char* argv[])
     if (!parse(QCoreApplication::arguments().mid(1), length)) {
         std::fprintf(stderr,
                      "usage: soak [SECONDS | --rounds ROUNDS]  (default %d seconds)\n"
-                     "exit codes: 0 flat, 1 something has grown, 2 wrong usage, 3 a wrong result\n",
+                     "exit codes: 0 flat, 1 growth, 2 wrong usage, 3 incorrect result\n",
                      defaultSeconds);
         return WrongUsage;
     }

@@ -1,8 +1,7 @@
-// Makes Qt visible to the thread sanitizer. The sanitizer sees only code that was compiled with it,
-// which the distribution's Qt was not: it would report false races under a QMutex or across a
-// QSemaphore, and miss races on fields that QSettings does not guard. A test that links this file
-// gets wrappers of these Qt functions, which annotate the lock or the access and then call Qt's
-// function.
+// Makes Qt visible to the thread sanitizer, which sees only instrumented code. The distribution's
+// Qt is not instrumented, so the sanitizer would report false races under a QMutex or across a
+// QSemaphore, and miss races on fields that QSettings does not guard. Tests that link this file
+// call the wrappers below, which annotate the lock or the access and then call Qt's function.
 #include <QtCore/QMutex>
 #include <QtCore/QSemaphore>
 #include <QtCore/QSettings>
@@ -18,7 +17,7 @@
 #include <sys/syscall.h>
 
 extern "C" {
-// The function that the compiler calls for an access to one byte.
+// The compiler inserts calls of these functions for accesses to one byte.
 void __tsan_read1(void* address);
 void __tsan_write1(void* address);
 }
@@ -61,7 +60,7 @@ char* statusOf(const QSettings* settings)
     return privatePart(settings) + sizeof(void*);
 }
 
-// Every access to the content may have to parse a section, which sets the status.
+// Every access to the content may parse a section, which sets the status.
 void annotateRead(const QSettings* settings)
 {
     __tsan_read1(enteredGroup(settings));
@@ -77,7 +76,7 @@ void annotateWrite(const QSettings* settings)
 } // namespace
 
 // If the kernel supports process descriptors, Qt starts processes with the clone system call, which
-// the sanitizer does not intercept: the child deadlocks if another thread held one of the
+// the sanitizer does not intercept: the child deadlocks if another thread holds one of the
 // sanitizer's locks at that moment. Qt probes for the feature with waitid; if that fails, Qt calls
 // fork(), which the sanitizer handles.
 extern "C" Q_DECL_EXPORT long syscall(long number, ...) noexcept

@@ -82,7 +82,7 @@ void tst_IniFileManagerProcesses::noKeyIsLost()
         for (int round = 0; round < roundCount; ++round) {
             const QVariant value = values.value(keyOf(writer, round));
             // Qt checks whether the program that created a lock is still running. Under an emulator
-            // it finds the emulator instead, treats the lock as stale, and both processes write.
+            // it finds the emulator instead and treats the lock as stale, so both processes write.
             if (isEmulated() && value.isNull()) {
                 ++lost;
                 continue;

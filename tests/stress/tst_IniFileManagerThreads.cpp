@@ -22,7 +22,7 @@ const QString text = "Text";
 constexpr int shortWhileInMs = 40;
 constexpr int longWhileInMs = 10000;
 
-// A thread that makes one call and signals when it has returned.
+// A thread that makes one call and signals when the call has returned.
 class Caller
 {
 public:
@@ -69,7 +69,8 @@ struct Probe
     }
 };
 
-// A value that notifies a test when it is copied: small and movable, it is stored in the variant.
+// A value that notifies a test when it is copied. It is small and movable, so a variant stores it
+// inline.
 class CopyProbe
 {
 public:
@@ -95,7 +96,7 @@ Q_DECLARE_METATYPE(CopyProbe)
 Q_DECLARE_METATYPE(Probe)
 
 /*
- * Tests one manager in many threads. QSettings is not made for that, so these tests fail
+ * Tests one manager in many threads. QSettings does not support that, so these tests fail
  * immediately or crash if an operation is unguarded.
  */
 class tst_IniFileManagerThreads : public TestCase
@@ -356,7 +357,7 @@ void tst_IniFileManagerThreads::handlersMayCallBack()
 {
     QFETCH(Call, call);
 
-    const QString made = "MadeByHandler";
+    const QString added = "NewFromHandler";
     const QString file = iniFile();
     IniFileManager manager(file, nullptr);
     int value = 0;
@@ -368,11 +369,11 @@ void tst_IniFileManagerThreads::handlersMayCallBack()
         value = manager.getValueInteger(group, key, 5);
         missingValue = manager.getValueInteger(group, missing, 6);
         indexedValue = manager.getValueInteger(-1, key, 7);
-        manager.setValue(group, made, 8);
-        manager.setGeneralValue(made, 9);
+        manager.setValue(group, added, 8);
+        manager.setGeneralValue(added, 9);
         manager.sync();
         written = readFile(file);
-        manager.removeGeneralValue(made);
+        manager.removeGeneralValue(added);
         keys = manager.getGroupValues(group).keys();
     });
     call(manager);
@@ -380,10 +381,10 @@ void tst_IniFileManagerThreads::handlersMayCallBack()
     QCOMPARE(value, 2);
     QCOMPARE(missingValue, 6);
     QCOMPARE(indexedValue, 2);
-    QVERIFY(written.startsWith("[General]\nKey=1\nMadeByHandler=9\nText=abc\n"));
-    QVERIFY(written.contains("\nMadeByHandler=8\n"));
-    QCOMPARE(keys, QStringList({key, made, QStringLiteral("Position"), text}));
-    QVERIFY(!manager.containsGeneral(made));
+    QVERIFY(written.startsWith("[General]\nKey=1\nNewFromHandler=9\nText=abc\n"));
+    QVERIFY(written.contains("\nNewFromHandler=8\n"));
+    QCOMPARE(keys, QStringList({key, added, QStringLiteral("Position"), text}));
+    QVERIFY(!manager.containsGeneral(added));
     // Qt prints messages that a handler logs and does not pass them to a handler.
     QCOMPARE(messages().take().size(), 1);
 }
@@ -421,7 +422,7 @@ void tst_IniFileManagerThreads::groupIsNotEnteredByOtherThreads()
         writeFile("groups.ini", "top=1\n[A]\nk=1\nn/deep=1\n[B]\nk=2\n[C]\nk=3\n"), nullptr);
     const QStringList expected = {"A", "B", "C"};
     std::atomic<bool> stop{false};
-    std::atomic<int> wrongValues{0};
+    std::atomic<int> incorrectValues{0};
     std::vector<std::thread> threads;
     for (int i = 0; i < expected.size(); ++i) {
         threads.emplace_back([&, i] {
@@ -430,25 +431,25 @@ void tst_IniFileManagerThreads::groupIsNotEnteredByOtherThreads()
                 if (manager.getValueInteger(ownGroup, "k", -1) != i + 1 ||
                     !manager.contains(ownGroup, "k") ||
                     manager.getChildKeys(ownGroup) != QStringList("k")) {
-                    ++wrongValues;
+                    ++incorrectValues;
                 }
                 manager.setValue(ownGroup, "k", i + 1);
                 manager.removeValue(ownGroup, "none");
             }
         });
     }
-    int wrongGroups = 0;
+    int incorrectGroups = 0;
     for (int i = 0; i < queries; ++i) {
         if (manager.getGroups() != expected) {
-            ++wrongGroups;
+            ++incorrectGroups;
         }
     }
     stop = true;
     for (std::thread& thread : threads) {
         thread.join();
     }
-    QCOMPARE(wrongGroups, 0);
-    QCOMPARE(wrongValues.load(), 0);
+    QCOMPARE(incorrectGroups, 0);
+    QCOMPARE(incorrectValues.load(), 0);
 }
 
 void tst_IniFileManagerThreads::listingsAreConsistent()
@@ -486,7 +487,7 @@ void tst_IniFileManagerThreads::indexedReadsAreConsistent_data()
 void tst_IniFileManagerThreads::indexedReadsAreConsistent()
 {
     // The first group loses its Position before its key, and gets its key back before its Position.
-    // So the group that a search finds has the key, unless another thread interferes before the
+    // So the group that a search finds has the key, unless another thread changes it before the
     // read.
     const int reads = stressRounds(10000, 10000);
 
@@ -533,9 +534,9 @@ void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes_data()
 
 void tst_IniFileManagerThreads::noWriteIsLostBetweenFlushes()
 {
-    // A write right after a flush must set the pending flag again, or it is never written. Here one
-    // thread flushes continuously while another makes the last write; then the object is destroyed,
-    // which is the last chance for that write.
+    // A write right after a flush must set the pending flag again; otherwise the value is never
+    // stored. Here one thread flushes continuously while another makes the last write; then the
+    // destructor flushes for the last time.
     const int rounds = stressRounds(400, 400);
     const QByteArray content = "Text=0\nKey=0\n[Group]\nText=0\nKey=0\n";
 
@@ -602,7 +603,7 @@ void tst_IniFileManagerThreads::mixedCallsKeepTheValuesOfEachThread()
         content += "[Thread" + number + "]\nk=-1\nPosition=" + position + '\n';
     }
     const QString file = writeFile("mixed.ini", content);
-    std::atomic<int> mistakes{0};
+    std::atomic<int> errors{0};
     {
         IniFileManager manager(file, "UTF-8");
         std::atomic<int> running{threadCount};
@@ -611,7 +612,7 @@ void tst_IniFileManagerThreads::mixedCallsKeepTheValuesOfEachThread()
             threads.emplace_back([&, t] {
                 const QString own = QStringLiteral("Thread%1").arg(t);
                 const QString general = QStringLiteral("general%1").arg(t);
-                const auto check = [&mistakes](bool right) { mistakes += right ? 0 : 1; };
+                const auto check = [&errors](bool isCorrect) { errors += isCorrect ? 0 : 1; };
                 for (int i = 0; i < rounds; ++i) {
                     manager.setValue(own, "k", i);
                     manager.setGeneralValue(general, i);
@@ -661,7 +662,7 @@ void tst_IniFileManagerThreads::mixedCallsKeepTheValuesOfEachThread()
             thread.join();
         }
     }
-    QCOMPARE(mistakes.load(), 0);
+    QCOMPARE(errors.load(), 0);
     const IniFileManager reopened(file, "UTF-8");
     for (int t = 0; t < threadCount; ++t) {
         QCOMPARE(reopened.getValueString(QStringLiteral("Thread%1").arg(t), "k", QString()), "end");

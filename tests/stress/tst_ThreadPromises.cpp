@@ -35,7 +35,7 @@
 /*
  * Tests the guarantees of docs/threads.md, row by row, with the thread sanitizer. IniFileManager,
  * UniqueIdGenerator and WildcardFilter have their own tests. Each thread has its own files and
- * values, so that state shared by mistake also causes a wrong result.
+ * values, so that state shared by mistake also causes an incorrect result.
  */
 class tst_ThreadPromises : public TestCase
 {

@@ -15,10 +15,10 @@ constexpr int threadCount = 8;
 struct Name
 {
     QString text;
-    bool fits;
+    bool isMatch;
 };
 
-// Of different lengths, so that no thread's name fits in the buffer of another.
+// The lengths differ, so that no thread's name fits in the buffer of another thread.
 QVector<Name> namesOfThread(int thread)
 {
     const QString stem = QString(1 + 7 * thread, QChar('a' + thread));
@@ -34,12 +34,12 @@ WildcardFilter makeFilter()
     return WildcardFilter({"*.txt", "*.tar.?z", "[k-m]og*"}, QDir::Files);
 }
 
-// The number of wrong results when each thread calls its filter.
-int wrongResults(int callsPerThread,
-                 const std::function<const WildcardFilter&(int)>& filterOfThread)
+// Calls a filter in each thread; returns the number of incorrect results.
+int incorrectResults(int callsPerThread,
+                     const std::function<const WildcardFilter&(int)>& filterOfThread)
 {
     std::atomic<int> waiting(threadCount);
-    std::atomic<int> wrong(0);
+    std::atomic<int> incorrect(0);
     std::vector<std::thread> threads;
     for (int thread = 0; thread < threadCount; ++thread) {
         threads.emplace_back([&, thread] {
@@ -51,8 +51,8 @@ int wrongResults(int callsPerThread,
             }
             for (int i = 0; i < callsPerThread; ++i) {
                 const Name& name = names.at(i % names.size());
-                if (filter.matchesFilters(name.text) != name.fits) {
-                    ++wrong;
+                if (filter.matchesFilters(name.text) != name.isMatch) {
+                    ++incorrect;
                 }
             }
         });
@@ -60,14 +60,14 @@ int wrongResults(int callsPerThread,
     for (std::thread& thread : threads) {
         thread.join();
     }
-    return wrong;
+    return incorrect;
 }
 
 } // namespace
 
 /*
  * Tests filters in many threads. QRegExp matching modifies the expression object, so these tests
- * crash or count wrong results if threads share one.
+ * crash or count incorrect results if threads share one.
  */
 class tst_WildcardFilterThreads : public TestCase
 {
@@ -85,18 +85,18 @@ private:
 void tst_WildcardFilterThreads::filterMayBeShared()
 {
     const WildcardFilter filter = makeFilter();
-    QCOMPARE(
-        wrongResults(callsPerThread(), [&filter](int) -> const WildcardFilter& { return filter; }),
-        0);
+    QCOMPARE(incorrectResults(callsPerThread(),
+                              [&filter](int) -> const WildcardFilter& { return filter; }),
+             0);
 }
 
 void tst_WildcardFilterThreads::copiesOfOneFilterAreIndependent()
 {
     const std::vector<WildcardFilter> filters(threadCount, makeFilter());
-    QCOMPARE(wrongResults(callsPerThread(),
-                          [&filters](int thread) -> const WildcardFilter& {
-                              return filters.at(size_t(thread));
-                          }),
+    QCOMPARE(incorrectResults(callsPerThread(),
+                              [&filters](int thread) -> const WildcardFilter& {
+                                  return filters.at(size_t(thread));
+                              }),
              0);
 }
 
@@ -106,10 +106,10 @@ void tst_WildcardFilterThreads::equalFiltersAreIndependent()
     for (int thread = 0; thread < threadCount; ++thread) {
         filters.push_back(makeFilter());
     }
-    QCOMPARE(wrongResults(callsPerThread(),
-                          [&filters](int thread) -> const WildcardFilter& {
-                              return filters.at(size_t(thread));
-                          }),
+    QCOMPARE(incorrectResults(callsPerThread(),
+                              [&filters](int thread) -> const WildcardFilter& {
+                                  return filters.at(size_t(thread));
+                              }),
              0);
 }
 

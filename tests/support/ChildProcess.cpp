@@ -18,8 +18,8 @@ namespace {
 
 constexpr unsigned int ordinaryUser = 65534; // "nobody"
 
-// Whether a thread of this process other than the calling one is running.
-bool isAnotherThreadAtWork()
+// Whether any other thread of this process is running.
+bool isAnotherThreadRunning()
 {
     const QByteArray own = QByteArray::number(qint64(syscall(SYS_gettid)));
     const QString tasks = "/proc/self/task/";
@@ -73,7 +73,7 @@ void ChildProcess::letOtherThreadsSleep()
 
     QElapsedTimer clock;
     clock.start();
-    while (isAnotherThreadAtWork() && clock.elapsed() < longWhileInMs) {
+    while (isAnotherThreadRunning() && clock.elapsed() < longWhileInMs) {
         usleep(100);
     }
 }

@@ -5,10 +5,10 @@
 
 #include <functional>
 
-// How a child ended, and its output.
+// How a child terminated, and its output.
 struct ChildResult
 {
-    bool exited = false; // false if a signal ended it
+    bool exited = false; // false if a signal terminated it
     int exitCode = -1;
     int signal = 0;
     QByteArray output; // standard output and standard error
@@ -17,15 +17,15 @@ struct ChildResult
 namespace ChildProcess {
 
 /*
- * Runs function in a forked copy of this process and waits until it ends; the function's result is
- * the exit code. Use it for code that would end the test itself (a crash, an assertion) or must not
- * change it (its user, its limits). The child logs to its standard error.
+ * Runs function in a forked copy of this process and waits for its exit; the function's result is
+ * the exit code. Use it for code that would terminate the test (a crash, an assertion) or change
+ * its state (its user, its limits). The child logs to its standard error.
  */
 ChildResult run(const std::function<int()>& function);
 
 /*
  * Like run(), but as an ordinary user without privileges, because root passes every permission
- * check. The user may read and write only what everyone may.
+ * check. The user may access only files that everyone may access.
  */
 ChildResult runAsOrdinaryUser(const std::function<int()>& function);
 
@@ -36,7 +36,8 @@ ChildResult runAsOrdinaryUser(const std::function<int()>& function);
  */
 void letOtherThreadsSleep();
 
-// Ends a forked copy of this process without affecting what it shares with the original.
+// Exits a forked copy of this process without affecting the resources that it shares with the
+// original.
 [[noreturn]] void leave(int exitCode);
 
 } // namespace ChildProcess

@@ -3,7 +3,8 @@
 
 #include <ctime>
 
-// CPU time of this process since construction, in seconds: limits hold on a busy machine, too.
+// CPU time of this process since construction, in seconds. Unlike elapsed time, it hardly depends
+// on the load of the machine.
 class CpuTime
 {
 public:

@@ -53,7 +53,7 @@ void require(int result, const char* what, const char* path)
 
 bool DeviceRoot::isEntered()
 {
-    // The variable alone is no proof, and clear() must never remove the files of a real device.
+    // The variable may be a leftover, and clear() must never remove the files of a real device.
     static const bool entered = qEnvironmentVariableIsSet("MISCTOOLS_DEVICE_ROOT") &&
                                 isSameFile("/proc/cmdline", commandLinePath());
     return entered;

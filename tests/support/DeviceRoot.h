@@ -6,8 +6,8 @@
 #include <QtCore/QtGlobal>
 
 /*
- * The files of a device, at their real paths. They may be changed only where the test runs in a
- * device root (see script/device-root), which is private to it.
+ * The files of a device, at their real paths. A test may change them only in a device root (see
+ * script/device-root), which is private to the test.
  */
 namespace DeviceRoot {
 
@@ -23,14 +23,14 @@ void writeFile(const QString& filePath, const QByteArray& content);
 // Sets the content of /proc/cmdline.
 void setCommandLine(const QByteArray& content);
 
-// Hides a file or directory under something else during the object's lifetime.
+// Mounts another file or directory over a path during the object's lifetime.
 class Covered
 {
 public:
-    // Hides the directory at directoryPath under an empty one, for example to simulate a machine
-    // without /proc/cmdline.
+    // Mounts an empty directory over directoryPath, for example to simulate a machine without
+    // /proc/cmdline.
     explicit Covered(const char* directoryPath);
-    // Hides the file at filePath under the one at otherPath.
+    // Mounts the file at otherPath over filePath.
     Covered(const char* filePath, const QString& otherPath);
     ~Covered();
 

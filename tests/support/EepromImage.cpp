@@ -60,7 +60,7 @@ EepromImage& EepromImage::bytesToRead(quint32 length)
 EepromImage& EepromImage::checksum(quint16 value)
 {
     m_checksum = value;
-    m_checksumIsRight = false;
+    m_isChecksumValid = false;
     return *this;
 }
 
@@ -84,7 +84,7 @@ QByteArray EepromImage::bytes() const
     put(image, reservedField, m_reserved);
     put(image, startAddressField, m_writtenStartAddress);
     put(image, bytesToReadField, m_bytesToRead);
-    image = m_checksumIsRight ? withRightChecksum(image) : withChecksum(image, m_checksum);
+    image = m_isChecksumValid ? withValidChecksum(image) : withChecksum(image, m_checksum);
     for (const Bit& bit : m_flippedBits) {
         image[bit.address] = char(image.at(bit.address) ^ (1 << bit.number));
     }
@@ -98,11 +98,11 @@ QByteArray EepromImage::withChecksum(const QByteArray& image, quint16 value) con
     return result;
 }
 
-QByteArray EepromImage::withRightChecksum(const QByteArray& image) const
+QByteArray EepromImage::withValidChecksum(const QByteArray& image) const
 {
     const int start = int(m_startAddress);
-    // A block that contains its own checksum changes with it, so the loop searches for a checksum
-    // that matches after it was stored. Otherwise the first one is right.
+    // If the block contains its own checksum, storing it changes the block, so the loop searches
+    // for a checksum that matches afterwards. Otherwise the first one matches.
     quint16 value = crc(withChecksum(image, 0).mid(start, m_block.size()));
     for (int tries = 0; tries <= 0xFFFF; ++tries, ++value) {
         const QByteArray result = withChecksum(image, value);

@@ -6,9 +6,9 @@
 
 /*
  * Builds the image of a board's EEPROM: filler bytes, the header at address 20, and a block of INI
- * text. The image is valid except for what is requested otherwise: the block follows the header,
- * the image ends with the block, and length and checksum are right. Where block and header overlap,
- * the header overwrites the block, and the checksum is that of the resulting bytes.
+ * text. By default the image is valid: the block follows the header, the image ends with the block,
+ * and length and checksum are correct. Where block and header overlap, the header overwrites the
+ * block, and the checksum is that of the resulting bytes.
  */
 class EepromImage
 {
@@ -26,7 +26,7 @@ public:
     EepromImage& reserved(quint32 word);
     EepromImage& upperChecksumBits(quint16 bits);
 
-    // Deliberate damage: a header with wrong values, and bits flipped afterwards.
+    // Deliberate damage: invalid values in the header, and bits that are flipped afterwards.
     EepromImage& bytesToRead(quint32 length);
     EepromImage& checksum(quint16 value);
     EepromImage& writtenStartAddress(quint32 address);
@@ -45,7 +45,7 @@ private:
     };
 
     QByteArray withChecksum(const QByteArray& image, quint16 value) const;
-    QByteArray withRightChecksum(const QByteArray& image) const;
+    QByteArray withValidChecksum(const QByteArray& image) const;
 
     QByteArray m_block;
     quint32 m_startAddress = headerEnd;
@@ -54,7 +54,7 @@ private:
     quint32 m_reserved = 0;
     quint16 m_upperChecksumBits = 0;
     quint16 m_checksum = 0;
-    bool m_checksumIsRight = true;
+    bool m_isChecksumValid = true;
     int m_size = headerEnd;
     char m_fill = '\xFF';
     QVector<Bit> m_flippedBits;

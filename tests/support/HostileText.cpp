@@ -37,7 +37,7 @@ QByteArray hostileText(QRandomGenerator& random)
     for (int count = random.bounded(24); count > 0; --count) {
         const QByteArray& piece =
             pieces[random.bounded(int(std::end(pieces) - std::begin(pieces)))];
-        // A zero byte ends the text, so there are few of them.
+        // Parsers ignore the text after a zero byte, so there are few of them.
         if (!piece.startsWith('\0') || random.bounded(8) == 0) {
             content += piece;
         }

@@ -5,7 +5,7 @@
 #include <QtCore/QRandomGenerator>
 
 // Random sequences of bytes that are hard for text parsers: carriage returns, zero bytes, byte
-// order marks, incomplete UTF-8 sequences, and what the clean-up of INI files replaces.
+// order marks, incomplete UTF-8 sequences, and the text that the clean-up of INI files replaces.
 QByteArray hostileText(QRandomGenerator& random);
 
 #endif

@@ -69,7 +69,7 @@ QString ExpectedMessage::difference(const Message& message) const
     if (!m_file.isNull()) {
         compare("file", message.file, m_file);
         if (message.line <= 0) {
-            differences.append("it has no line");
+            differences.append("it has no line number");
         }
     }
     // Compilers write signatures differently; GCC's form is the reference.

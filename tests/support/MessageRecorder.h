@@ -9,7 +9,7 @@
 
 #include <functional>
 
-// One log message as a message handler sees it.
+// One log message as a message handler receives it.
 struct Message
 {
     QtMsgType level = QtDebugMsg;
@@ -22,7 +22,7 @@ struct Message
     QString description() const;
 };
 
-// A message that a test expects. Only what is specified is compared.
+// A message that a test expects. Properties that are not specified are not compared.
 class ExpectedMessage
 {
 public:

@@ -12,7 +12,7 @@
 
 /*
  * The base of every test class: each row has its own directory and message recorder, and fails if
- * an unexpected message was logged or an expected one was not.
+ * an unexpected message was logged or an expected one is missing.
  */
 class TestCase : public QObject
 {
@@ -42,7 +42,7 @@ protected:
     // environment variable MISCTOOLS_STRESS is "full". Under an emulator, a tenth of a quick run.
     static int stressRounds(int quickRounds, int fullRounds);
 
-    // The whole content of a file; a null array if it cannot be read.
+    // The content of a file; a null array if it cannot be read.
     static QByteArray readFile(const QString& filePath);
 
 private Q_SLOTS:
@@ -63,7 +63,7 @@ private:
         if (!qEnvironmentVariableIsEmpty("CI")) {                                                  \
             QFAIL("must not be skipped where CI is set: " reason);                                 \
         }                                                                                          \
-        QSKIP(reason, ); /* clang wants something for the dots of Qt's macro, if nothing */        \
+        QSKIP(reason, ); /* clang requires an argument for "..." of the macro */                   \
     } while (false)
 
 #endif

@@ -18,7 +18,7 @@ struct StubbornType
     QString toText(bool* ok) const
     {
         *ok = false;
-        return "not to be seen";
+        return "must not be returned";
     }
     bool toBool(bool* ok) const
     {
@@ -53,8 +53,7 @@ QVector<VariantSample> numbers()
         Sample("ushort", QVariant::fromValue(ushort(5))).toBool(true).toText("5"),
         Sample("char", QVariant::fromValue('A')).toBool(true).toText("A"),
         Sample("signed char", QVariant::fromValue<signed char>('A')).toBool(true).toText("A"),
-        // QVariant::toString() converts these, although canConvert() says that they cannot be
-        // converted.
+        // QVariant::toString() converts these, although canConvert() returns false for them.
         Sample("uchar", QVariant::fromValue<uchar>('A'), "QVariant(uchar, 65)"),
         Sample("long", QVariant::fromValue(5L), "QVariant(long, 5)"),
         Sample("ulong", QVariant::fromValue(5UL), "QVariant(ulong, 5)"),

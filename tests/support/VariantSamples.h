@@ -6,20 +6,20 @@
 #include <QtCore/QVariant>
 #include <QtCore/QVector>
 
-// A variant, how it is logged, and what it converts to.
+// A variant, its log format, and the results of its conversions.
 struct VariantSample
 {
     VariantSample() = default;
     VariantSample(const char* situation, const QVariant& variant,
                   const QString& debugText = QString());
 
-    // Converts to this bool or text; without these calls it does not convert.
+    // Set the result of a conversion. Without these calls the value does not convert.
     VariantSample& toBool(bool result);
     VariantSample& toText(const QString& result);
 
     QByteArray name;
     QVariant value;
-    QString debugged; // as QDebug writes it; empty if it converts to both
+    QString debugged; // in the format of QDebug; empty if it converts to both
     bool isBool = false;
     bool asBool = false;
     bool isText = false;

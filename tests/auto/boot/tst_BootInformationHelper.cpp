@@ -13,7 +13,7 @@ int productCodeQueries = 0;
 const QString rebootMarker = "/orvalis-reboot";
 const QString firmwareMarker = "/orvalis/etc/orvalis-first-boot";
 
-// What is at the path of a marker.
+// The kind of entry at the path of a marker.
 enum class Marker
 {
     None,
@@ -37,7 +37,7 @@ const NamedMarker markers[] = {
     {"link to file", Marker::LinkToFile},
 };
 
-bool counts(Marker marker)
+bool exists(Marker marker)
 {
     return marker != Marker::None && marker != Marker::DanglingLink;
 }
@@ -86,11 +86,11 @@ Q_DECLARE_METATYPE(Marker)
 static_assert(sizeof(BootInformationHelper) == sizeof(void*), "no fields");
 static_assert(std::has_virtual_destructor<BootInformationHelper>::value, "virtual destructor");
 static_assert(std::is_same<std::underlying_type<BootInformationHelper::BootMode>::type, int>::value,
-              "an int");
-static_assert(BootInformationHelper::BootModeNormal == 0, "published");
-static_assert(BootInformationHelper::BootModeFirmwareUpdate == 1, "published");
-static_assert(BootInformationHelper::BootModeFactoryReset == 2, "published");
-static_assert(BootInformationHelper::BootModeHardReset == 3, "published");
+              "the underlying type is int");
+static_assert(BootInformationHelper::BootModeNormal == 0, "a documented value");
+static_assert(BootInformationHelper::BootModeFirmwareUpdate == 1, "a documented value");
+static_assert(BootInformationHelper::BootModeFactoryReset == 2, "a documented value");
+static_assert(BootInformationHelper::BootModeHardReset == 3, "a documented value");
 
 class tst_BootInformationHelper : public TestCase
 {
@@ -102,7 +102,7 @@ private Q_SLOTS:
     void commandLineIsReadByEveryCall();
     void commandLineIsReadOnlyWhenNeeded_data();
     void commandLineIsReadOnlyWhenNeeded();
-    void queriesKeepTheMarkers();
+    void queriesDoNotDeleteMarkers();
     void deleteFirmwareUpdateMarker_data();
     void deleteFirmwareUpdateMarker();
     void deleteOrvalisRebootMarker_data();
@@ -143,7 +143,7 @@ void tst_BootInformationHelper::bootMode_data()
         {"factory reset", "console=ttyS0 orvalismode=factoryreset quiet\n", true},
         {"factory reset, trailing space", "orvalismode=factoryreset \n", true},
         {"factory reset without line feed", "orvalismode=factoryreset", true},
-        {"factory reset as last word", "console=ttyS0 orvalismode=factoryreset\n", false},
+        {"factory reset as last argument", "console=ttyS0 orvalismode=factoryreset\n", false},
         {"factory reset after another mode", "orvalismode=x orvalismode=factoryreset quiet\n",
          false},
         {"factory reset without equals sign", "orvalismodefactoryreset quiet\n", true},
@@ -159,9 +159,9 @@ void tst_BootInformationHelper::bootMode_data()
         for (const Product& product : products) {
             for (const NamedMarker& firmware : markers) {
                 for (const Argument& argument : arguments) {
-                    const bool hardReset = !counts(reboot.marker) && product.isHardResetProduct;
+                    const bool hardReset = !exists(reboot.marker) && product.isHardResetProduct;
                     const int mode = hardReset                 ? 3
-                                     : counts(firmware.marker) ? 1
+                                     : exists(firmware.marker) ? 1
                                      : argument.isFactoryReset ? 2
                                                                : 0;
                     QTest::addRow("reboot: %s, %s, firmware: %s, %s", reboot.name, product.name,
@@ -190,8 +190,8 @@ void tst_BootInformationHelper::bootMode()
     put(firmwareMarker, firmware);
     DeviceRoot::setCommandLine(commandLine);
     productCode = product;
-    // The command line is read only if the markers do not decide.
-    const int queries = counts(reboot) ? 0 : 1;
+    // The product code is queried only if there is no reboot marker.
+    const int queries = exists(reboot) ? 0 : 1;
 
     const BootInformationHelper helper;
     productCodeQueries = 0;
@@ -230,7 +230,7 @@ void tst_BootInformationHelper::commandLineIsReadOnlyWhenNeeded_data()
 
     QTest::newRow("hard reset") << "640917" << Marker::None << 3 << false;
     QTest::newRow("firmware update") << QString() << Marker::File << 1 << false;
-    QTest::newRow("neither") << QString() << Marker::None << 0 << true;
+    QTest::newRow("neither of them") << QString() << Marker::None << 0 << true;
 }
 
 void tst_BootInformationHelper::commandLineIsReadOnlyWhenNeeded()
@@ -255,7 +255,7 @@ void tst_BootInformationHelper::commandLineIsReadOnlyWhenNeeded()
     QVERIFY(!helper.isFactoryReset());
 }
 
-void tst_BootInformationHelper::queriesKeepTheMarkers()
+void tst_BootInformationHelper::queriesDoNotDeleteMarkers()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     put(rebootMarker, Marker::File);

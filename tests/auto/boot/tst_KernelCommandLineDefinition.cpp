@@ -17,12 +17,12 @@ class tst_KernelCommandLineDefinition : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void names_data();
-    void names();
+    void namesAreConstant_data();
+    void namesAreConstant();
     void constructionLogsNothing();
 };
 
-void tst_KernelCommandLineDefinition::names_data()
+void tst_KernelCommandLineDefinition::namesAreConstant_data()
 {
     QTest::addColumn<Name>("name");
     QTest::addColumn<QString>("text");
@@ -33,7 +33,7 @@ void tst_KernelCommandLineDefinition::names_data()
     QTest::newRow("value") << Name(&Definition::getValueOrvalisModeFactoryReset) << "factoryreset";
 }
 
-void tst_KernelCommandLineDefinition::names()
+void tst_KernelCommandLineDefinition::namesAreConstant()
 {
     QFETCH(Name, name);
     QFETCH(QString, text);
@@ -42,7 +42,7 @@ void tst_KernelCommandLineDefinition::names()
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
 
-    // The whole process shares one string.
+    // All threads share one string.
     const QString* elsewhere = nullptr;
     std::thread([&] { elsewhere = &name(); }).join();
     QCOMPARE(elsewhere, &first);

@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 static_assert(sizeof(KernelCommandLineParser) == sizeof(void*) + sizeof(QStringList),
-              "the arguments alone");
+              "only the list of arguments");
 static_assert(std::has_virtual_destructor<KernelCommandLineParser>::value, "virtual destructor");
 
 class tst_KernelCommandLineParser : public TestCase
@@ -20,10 +20,10 @@ class tst_KernelCommandLineParser : public TestCase
 private Q_SLOTS:
     void lookUp_data();
     void lookUp();
-    void longLine();
+    void longLineIsParsedCompletely();
     void fileIsReadOncePerObject();
-    void missingFile();
-    void unreadableFile();
+    void missingFileWarns();
+    void unreadableFileWarns();
 
 private:
     void verifyParserIsEmpty(const KernelCommandLineParser& parser);
@@ -47,32 +47,32 @@ void tst_KernelCommandLineParser::lookUp_data()
     const QString lineFeed = "\n";
 
     const QByteArray usual("console=ttyS0 orvalismode=factoryreset quiet\n");
-    newRow("first word", usual, "console", "console=ttyS0", "ttyS0");
-    newRow("middle word", usual, "orvalismode", "orvalismode=factoryreset", "factoryreset");
-    newRow("last word keeps its line feed", usual, "quiet", "quiet\n", lineFeed);
+    newRow("first argument", usual, "console", "console=ttyS0", "ttyS0");
+    newRow("middle argument", usual, "orvalismode", "orvalismode=factoryreset", "factoryreset");
+    newRow("last argument keeps its line feed", usual, "quiet", "quiet\n", lineFeed);
     newRow("last value keeps its line feed", "a mode=x\n", "mode", "mode=x\n", "x\n");
     newRow("no line feed", "a mode=x", "mode", modeX, x);
-    newRow("missing word", usual, "root", none, none);
+    newRow("missing argument", usual, "root", none, none);
 
     newRow("empty file", "", "a", none, none);
     newRow("empty file, empty key", "", "", none, none);
     newRow("only spaces", "   ", "", none, none);
     newRow("only a line feed", "\n", "", none, none);
     newRow("space and line feed", " \n", "", none, none);
-    newRow("two line feeds are a word", "\n\n", "", "\n\n", "\n\n");
+    newRow("two line feeds are an argument", "\n\n", "", "\n\n", "\n\n");
 
     newRow("two spaces", "a  mode=x b", "mode", modeX, x);
     newRow("leading spaces", "  mode=x b", "", modeX, modeX);
     newRow("trailing spaces", "mode=x  ", "mode", modeX, x);
     newRow("trailing space and line feed", "mode=x \n", "mode", modeX, x);
-    newRow("lone line feeds everywhere", "\n \n mode=x \n", "", modeX, modeX);
-    newRow("lone line feeds are not words", "\n mode=x \n", "\n", none, none);
+    newRow("several lone line feeds", "\n \n mode=x \n", "", modeX, modeX);
+    newRow("lone line feeds are not arguments", "\n mode=x \n", "\n", none, none);
     newRow("tab does not separate", "a\tmode=x", "mode", none, none);
-    newRow("tab stays in the word", "mode=x\ty b", "mode", "mode=x\ty", "x\ty");
+    newRow("tab is part of the argument", "mode=x\ty b", "mode", "mode=x\ty", "x\ty");
     newRow("line feed does not separate", "a\nmode=x b", "mode", none, none);
-    newRow("line feed in a word stays", "a\nmode=x b", "a", "a\nmode=x", "\nmode=x");
-    newRow("carriage return stays", "mode=x\r\n", "mode", "mode=x\r\n", "x\r\n");
-    newRow("lone carriage return is a word", "\r \n", "", "\r", "\r");
+    newRow("line feed is part of the argument", "a\nmode=x b", "a", "a\nmode=x", "\nmode=x");
+    newRow("carriage return is part of the argument", "mode=x\r\n", "mode", "mode=x\r\n", "x\r\n");
+    newRow("lone carriage return is an argument", "\r \n", "", "\r", "\r");
     newRow("quotes have no meaning", "mode=\"x y\" z", "mode", "mode=\"x", "\"x");
 
     newRow("before a zero byte", QByteArray("mode=x\0y b", 10), "mode", modeX, x);
@@ -83,30 +83,30 @@ void tst_KernelCommandLineParser::lookUp_data()
     newRow("UTF-8 key", "m\xc3\xb6=x b", "m\xc3\xb6", QStringLiteral("m\u00f6=x"), x);
     newRow("invalid UTF-8", "mode=\xff b", "mode", QStringLiteral("mode=\ufffd"),
            QStringLiteral("\ufffd"));
-    newRow("invalid UTF-8 before it", "\xc3 mode=x b", "mode", modeX, x);
+    newRow("invalid UTF-8 in an earlier argument", "\xc3 mode=x b", "mode", modeX, x);
 
     newRow("longer name that begins with the key", "orvalismodex=1 b", "orvalismode",
            "orvalismodex=1", "x=1");
-    newRow("longer name comes first", "modex=1 mode=x b", "mode", "modex=1", "x=1");
-    newRow("longer name comes second", "mode=x modex=1 b", "mode", modeX, x);
-    newRow("key in the middle of a word", "amode=x b", "mode", none, none);
-    newRow("key longer than the word", "mod=x b", "mode", none, none);
+    newRow("longer name first", "modex=1 mode=x b", "mode", "modex=1", "x=1");
+    newRow("longer name second", "mode=x modex=1 b", "mode", modeX, x);
+    newRow("key in the middle of an argument", "amode=x b", "mode", none, none);
+    newRow("key longer than the argument", "mod=x b", "mode", none, none);
     newRow("different case", "MODE=x Mode=y b", "mode", none, none);
     newRow("key twice", "mode=x mode=y b", "mode", modeX, x);
     newRow("key twice, first without value", "mode mode=y b", "mode", mode, none);
 
-    newRow("bare word", "orvalismode b", "orvalismode", "orvalismode", none);
+    newRow("no equals sign", "orvalismode b", "orvalismode", "orvalismode", none);
     newRow("empty value", "mode= b", "mode", "mode=", none);
     newRow("equals sign in the value", "mode=a=b c", "mode", "mode=a=b", "a=b");
     newRow("two equals signs", "mode==x c", "mode", "mode==x", "=x");
     newRow("key again in the value", "mode=a-mode=b c", "mode", "mode=a-mode=b", "a-mode=b");
     newRow("key with equals sign", "mode=x b", "mode=", modeX, x);
-    newRow("key with equals sign, two in the word", "mode==x b", "mode=", "mode==x", x);
+    newRow("key with equals sign, argument with two", "mode==x b", "mode=", "mode==x", x);
     newRow("key with value", "mode=x b", "mode=x", modeX, none);
-    newRow("empty key finds the first word", "console mode=x b", "", "console", "console");
-    newRow("empty key, word begins with equals sign", "=x b", "", "=x", x);
-    newRow("word without a name", "a =x b", "=", "=x", x);
-    newRow("word without a name, two equals signs", "a ==x b", "=", "==x", x);
+    newRow("empty key finds the first argument", "console mode=x b", "", "console", "console");
+    newRow("empty key, argument begins with equals sign", "=x b", "", "=x", x);
+    newRow("argument without a name", "a =x b", "=", "=x", x);
+    newRow("argument without a name, two equals signs", "a ==x b", "=", "==x", x);
     newRow("key with a space", "a mode=x b", "a mode", none, none);
 }
 
@@ -125,7 +125,7 @@ void tst_KernelCommandLineParser::lookUp()
     QCOMPARE(parser.getValue(key), value);
 }
 
-void tst_KernelCommandLineParser::longLine()
+void tst_KernelCommandLineParser::longLineIsParsedCompletely()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     const QByteArray last(" mode=x \n");
@@ -163,7 +163,7 @@ void tst_KernelCommandLineParser::verifyParserIsEmpty(const KernelCommandLinePar
     }
 }
 
-void tst_KernelCommandLineParser::missingFile()
+void tst_KernelCommandLineParser::missingFileWarns()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     DeviceRoot::setCommandLine("mode=x b\n");
@@ -175,7 +175,7 @@ void tst_KernelCommandLineParser::missingFile()
     verifyParserIsEmpty(parser);
 }
 
-void tst_KernelCommandLineParser::unreadableFile()
+void tst_KernelCommandLineParser::unreadableFileWarns()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     // Not even root can open a socket in the file system.

@@ -83,10 +83,10 @@ private Q_SLOTS:
     void typeIsRegisteredByFirstUse_data(); // must be first: later functions register the type
     void typeIsRegisteredByFirstUse();
     void typeIsRegisteredOnce();
-    void codes();
-    void freshContainer();
-    void setError_data();
-    void setError();
+    void codesAreFixed();
+    void newContainerHasNoError();
+    void setErrorStoresCodeAndMessage_data();
+    void setErrorStoresCodeAndMessage();
     void setCodeWithoutMessageClearsMessage();
     void setMessageWithoutCodeSetsDefaultCode();
     void copiesAreIndependent();
@@ -94,10 +94,10 @@ private Q_SLOTS:
     void variantHoldsACopy();
     void queuedSignalDeliversACopy_data();
     void queuedSignalDeliversACopy();
-    void debugOutput_data();
-    void debugOutput();
+    void debugOutputFollowsStreamFormat_data();
+    void debugOutputFollowsStreamFormat();
     void debugOutputKeepsStreamState();
-    void debugOutputInMessage();
+    void messageContainsCodeAndText();
 };
 
 void tst_ErrorContainer::typeIsRegisteredByFirstUse_data()
@@ -106,9 +106,9 @@ void tst_ErrorContainer::typeIsRegisteredByFirstUse_data()
     QTest::addColumn<int>("threads");
 
     QTest::newRow("construction") << true << 1;
-    QTest::newRow("explicit") << false << 1;
+    QTest::newRow("explicit registration") << false << 1;
     QTest::newRow("construction in 8 threads") << true << 8;
-    QTest::newRow("explicit in 8 threads") << false << 8;
+    QTest::newRow("explicit registration in 8 threads") << false << 8;
 }
 
 void tst_ErrorContainer::typeIsRegisteredByFirstUse()
@@ -117,7 +117,7 @@ void tst_ErrorContainer::typeIsRegisteredByFirstUse()
     QFETCH(int, threads);
 
     QCOMPARE(registeredType(), int(QMetaType::UnknownType));
-    // Child processes, so that each row is the first use.
+    // In a child process, so that each row is the first use of the type.
     const ChildResult result = ChildProcess::run([constructs, threads] {
         std::vector<int> types(size_t(threads), QMetaType::UnknownType);
         std::vector<std::thread> users;
@@ -163,7 +163,7 @@ void tst_ErrorContainer::typeIsRegisteredOnce()
     QCOMPARE(qRegisterMetaType<TypeAfter>(), before + 1);
 }
 
-void tst_ErrorContainer::codes()
+void tst_ErrorContainer::codesAreFixed()
 {
     QCOMPARE(ErrorContainer::getErrorCodeNoError(), 0);
     QCOMPARE(ErrorContainer::getDefaultErrorCode(), -1);
@@ -173,7 +173,7 @@ void tst_ErrorContainer::codes()
     QCOMPARE(ErrorContainer::getErrorCodeFunctionNotImplemented(), -38);
 }
 
-void tst_ErrorContainer::freshContainer()
+void tst_ErrorContainer::newContainerHasNoError()
 {
     const ErrorContainer error;
     QCOMPARE(error.getErrorCode(), 0);
@@ -181,7 +181,7 @@ void tst_ErrorContainer::freshContainer()
     QVERIFY(!error.isError());
 }
 
-void tst_ErrorContainer::setError_data()
+void tst_ErrorContainer::setErrorStoresCodeAndMessage_data()
 {
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("message");
@@ -201,7 +201,7 @@ void tst_ErrorContainer::setError_data()
         << -1 << QString::fromUtf16(u"\u00E4\0\u20AC", 3) << true;
 }
 
-void tst_ErrorContainer::setError()
+void tst_ErrorContainer::setErrorStoresCodeAndMessage()
 {
     QFETCH(int, code);
     QFETCH(QString, message);
@@ -314,7 +314,7 @@ void tst_ErrorContainer::queuedSignalDeliversACopy()
     QVERIFY(receiver.thread == &thread);
 }
 
-void tst_ErrorContainer::debugOutput_data()
+void tst_ErrorContainer::debugOutputFollowsStreamFormat_data()
 {
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("message");
@@ -326,7 +326,7 @@ void tst_ErrorContainer::debugOutput_data()
     QTest::newRow("default format") << -2 << abc << true << true << "-2 \"abc\" ";
     QTest::newRow("no quotes") << -2 << abc << false << true << "-2 abc ";
     QTest::newRow("no spaces") << -2 << abc << true << false << "-2\"abc\"";
-    QTest::newRow("neither") << -2 << abc << false << false << "-2abc";
+    QTest::newRow("no quotes, no spaces") << -2 << abc << false << false << "-2abc";
     QTest::newRow("no error") << 0 << QString() << true << true << "0 \"\" ";
     QTest::newRow("no error, no quotes") << 0 << QString() << false << true << "0  ";
     QTest::newRow("spaces and special characters") << -38 << " a \"b\"\n"
@@ -335,7 +335,7 @@ void tst_ErrorContainer::debugOutput_data()
                                                               << false << true << "-38  a \"b\"\n ";
 }
 
-void tst_ErrorContainer::debugOutput()
+void tst_ErrorContainer::debugOutputFollowsStreamFormat()
 {
     QFETCH(int, code);
     QFETCH(QString, message);
@@ -364,7 +364,7 @@ void tst_ErrorContainer::debugOutputKeepsStreamState()
     QCOMPARE(text, QStringLiteral("-2abc|-2abc|after"));
 }
 
-void tst_ErrorContainer::debugOutputInMessage()
+void tst_ErrorContainer::messageContainsCodeAndText()
 {
     messages().expect(QtWarningMsg, "failed: -2 \"abc\"");
     qWarning() << "failed:" << makeError(-2, "abc");

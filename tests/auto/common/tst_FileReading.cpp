@@ -5,7 +5,7 @@
 #include <QtCore/QBuffer>
 #include <QtCore/QRandomGenerator>
 
-// Compares reading and decoding of files with Qt.
+// Compares the library's reading and decoding of files with Qt's.
 class tst_FileReading : public TestCase
 {
     Q_OBJECT

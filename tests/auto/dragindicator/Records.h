@@ -16,10 +16,10 @@ QJsonObject object(double minValue, double maxValue, const QString& date, bool i
 // A record without a value.
 QJsonObject emptyObject();
 
-// The enumerator of the record at an index, even where no enumerator is declared.
+// Converts an index to the enumeration, even if no enumerator is declared for it.
 DragIndicator::DragIndicatorInstances at(int index);
 
-// Whether imported text dates still have to be reported as a change; resets that.
+// Returns whether imported text dates are still to be reported as a change, and clears that state.
 bool takeTextDateImported(DragIndicator& indicator);
 
 } // namespace Records

@@ -7,7 +7,7 @@
 /*
  * Replaces the local clock during its lifetime, as seen by QDate::currentDate() and
  * QTime::currentTime(). The test program interposes these functions; without a test clock they
- * return what Qt's functions return.
+ * return the same as Qt's functions.
  */
 class TestClock
 {

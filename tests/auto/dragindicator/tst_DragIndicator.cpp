@@ -115,8 +115,8 @@ class tst_DragIndicator : public TestCase
 
 private Q_SLOTS:
     void destructorIsVirtual();
-    void recordStartsEmpty();
-    void startsWithTwoEmptyRecords();
+    void newRecordIsEmpty();
+    void newIndicatorHasTwoEmptyRecords();
     void valuesUpdateExtremes_data();
     void valuesUpdateExtremes();
     void firstValueReadsClockOnce();
@@ -165,7 +165,7 @@ void tst_DragIndicator::expectMissingRecord(const char* what, int index, const c
         .function(signature);
 }
 
-void tst_DragIndicator::recordStartsEmpty()
+void tst_DragIndicator::newRecordIsEmpty()
 {
     const Record record;
     QVERIFY(record.minValueDate.isNull());
@@ -174,7 +174,7 @@ void tst_DragIndicator::recordStartsEmpty()
     QVERIFY(!record.initialized);
 }
 
-void tst_DragIndicator::startsWithTwoEmptyRecords()
+void tst_DragIndicator::newIndicatorHasTwoEmptyRecords()
 {
     DragIndicator indicator;
     for (const int index : {0, 1}) {
@@ -188,7 +188,7 @@ void tst_DragIndicator::startsWithTwoEmptyRecords()
 void tst_DragIndicator::valuesUpdateExtremes_data()
 {
     QTest::addColumn<QVector<double>>("values");
-    // One letter per value: whether it caused a change.
+    // One letter per value: "y" if it caused a change, otherwise "n".
     QTest::addColumn<QByteArray>("changes");
     QTest::addColumn<QByteArray>("range");
     // The indexes of the values that the dates belong to.
@@ -211,8 +211,9 @@ void tst_DragIndicator::valuesUpdateExtremes_data()
     QTest::newRow("lower") << Values{5, 3} << QByteArray("yy") << rangeText(3, 5) << 1 << 0;
     QTest::newRow("extremes again")
         << Values{5, 7, 3, 7, 3} << QByteArray("yyynn") << rangeText(3, 7) << 2 << 1;
-    QTest::newRow("inside") << Values{3, 7, 5} << QByteArray("yyn") << rangeText(3, 7) << 0 << 1;
-    QTest::newRow("ever wider range")
+    QTest::newRow("within the range")
+        << Values{3, 7, 5} << QByteArray("yyn") << rangeText(3, 7) << 0 << 1;
+    QTest::newRow("each value widens the range")
         << Values{1, 2, 3, 0, -1} << QByteArray("yyyyy") << rangeText(-1, 3) << 4 << 2;
     QTest::newRow("next double") << Values{1, afterOne, 1, afterOne} << QByteArray("yynn")
                                  << rangeText(1, afterOne) << 0 << 1;
@@ -245,14 +246,14 @@ void tst_DragIndicator::valuesUpdateExtremes()
     QFETCH(int, minSetter);
     QFETCH(int, maxSetter);
 
-    const auto momentOf = [](int place) { return noon.addSecs(60 * place); };
+    const auto timeOf = [](int place) { return noon.addSecs(60 * place); };
     DragIndicator indicator;
     Record record;
     QByteArray computeResults;
     QByteArray checkResults;
     TestClock clock(noon);
     for (int i = 0; i < values.size(); ++i) {
-        clock.set(momentOf(i));
+        clock.set(timeOf(i));
         computeResults += indicator.compute(values.at(i)) ? 'y' : 'n';
         checkResults += indicator.checkInstance(record, values.at(i)) ? 'y' : 'n';
     }
@@ -261,14 +262,14 @@ void tst_DragIndicator::valuesUpdateExtremes()
     for (const int index : {0, 1}) {
         QVERIFY(indicator.isInitialized(Records::at(index)));
         QCOMPARE(rangeOf(indicator, index), range);
-        QCOMPARE(minDateOf(indicator, index), momentOf(minSetter).toString(Qt::ISODate));
-        QCOMPARE(maxDateOf(indicator, index), momentOf(maxSetter).toString(Qt::ISODate));
+        QCOMPARE(minDateOf(indicator, index), timeOf(minSetter).toString(Qt::ISODate));
+        QCOMPARE(maxDateOf(indicator, index), timeOf(maxSetter).toString(Qt::ISODate));
     }
     QCOMPARE(checkResults, changes);
     QVERIFY(record.initialized);
     QCOMPARE(rangeOf(record), range);
-    QCOMPARE(record.minValueDate, momentOf(minSetter));
-    QCOMPARE(record.maxValueDate, momentOf(maxSetter));
+    QCOMPARE(record.minValueDate, timeOf(minSetter));
+    QCOMPARE(record.maxValueDate, timeOf(maxSetter));
 }
 
 void tst_DragIndicator::firstValueReadsClockOnce()
@@ -300,7 +301,7 @@ void tst_DragIndicator::firstDatesAreTheCurrentTime()
 
 void tst_DragIndicator::maximumIsUpdatedBeforeMinimum()
 {
-    // Only a hand-made record can have one value change both extremes.
+    // One value changes both extremes only if the minimum of the record exceeds its maximum.
     Record record = filledRecord(9, 1);
     DragIndicator indicator;
     TestClock clock(noon.addDays(1), 1000);
@@ -319,11 +320,11 @@ void tst_DragIndicator::everyNewExtremeReadsClockAgain_data()
     QTest::addColumn<int>("maxSeconds");
 
     const QStringList once{"date", "time"};
-    QTest::newRow("inside") << 5.0 << QStringList() << 0 << 0;
+    QTest::newRow("within the range") << 5.0 << QStringList() << 0 << 0;
     QTest::newRow("minimum again") << 4.0 << QStringList() << 0 << 0;
     QTest::newRow("maximum again") << 6.0 << QStringList() << 0 << 0;
-    QTest::newRow("lower") << 3.0 << once << 61 << 0;
-    QTest::newRow("higher") << 7.0 << once << 0 << 61;
+    QTest::newRow("new minimum") << 3.0 << once << 61 << 0;
+    QTest::newRow("new maximum") << 7.0 << once << 0 << 61;
 }
 
 void tst_DragIndicator::everyNewExtremeReadsClockAgain()
@@ -379,7 +380,7 @@ void tst_DragIndicator::datesKeepTheirTimeSpec_data()
 
     const QDate newDay(2024, 3, 2);
     const QTime newTime(13, 14, 15, 16);
-    QTest::newRow("none") << QDateTime() << QDateTime(newDay, newTime);
+    QTest::newRow("no previous date") << QDateTime() << QDateTime(newDay, newTime);
     QTest::newRow("local") << noon << QDateTime(newDay, newTime);
     QTest::newRow("UTC") << QDateTime(noon.date(), noon.time(), Qt::UTC)
                          << QDateTime(newDay, newTime, Qt::UTC);
@@ -387,7 +388,7 @@ void tst_DragIndicator::datesKeepTheirTimeSpec_data()
                             << QDateTime(newDay, newTime, Qt::OffsetFromUTC, 7200);
 }
 
-// The existing date receives the clock's date and time and keeps its time spec.
+// An update replaces the date and time, but not the time spec.
 void tst_DragIndicator::datesKeepTheirTimeSpec()
 {
     QFETCH(QDateTime, before);
@@ -442,7 +443,7 @@ void tst_DragIndicator::resetClearsOnlyFirstRecord()
     QVERIFY(indicator.isInitialized(DragIndicator::PermanentInstance));
     QCOMPARE(indicator.asJsonArray(), QJsonArray({Records::emptyObject(), second}));
 
-    // The first record starts again; the second continues.
+    // The first record starts with the next value; the second continues.
     QVERIFY(indicator.compute(6));
     QCOMPARE(rangeOf(indicator, 0), QByteArray("6 to 6"));
     QCOMPARE(indicator.asJsonArray().at(1), second);
@@ -541,14 +542,14 @@ void tst_DragIndicator::negativeIndexAbortsProcess_data()
     QTest::addColumn<Operation>("read");
 
     for (const int index : {-1, std::numeric_limits<int>::min()}) {
-        QTest::addRow("minimum of %d", index)
+        QTest::addRow("getMinValue(%d)", index)
             << Operation([index](DragIndicator& it) { it.getMinValue(Records::at(index)); });
-        QTest::addRow("maximum of %d", index)
+        QTest::addRow("getMaxValue(%d)", index)
             << Operation([index](DragIndicator& it) { it.getMaxValue(Records::at(index)); });
-        QTest::addRow("whether %d is initialized", index)
+        QTest::addRow("isInitialized(%d)", index)
             << Operation([index](DragIndicator& it) { it.isInitialized(Records::at(index)); });
     }
-    QTest::newRow("no records") << Operation([](DragIndicator& it) {
+    QTest::newRow("getMinValue(-1), no records") << Operation([](DragIndicator& it) {
         it.fromJsonArray(QJsonArray());
         it.getMinValue(Records::at(-1));
     });
@@ -578,7 +579,7 @@ void tst_DragIndicator::importedTextDatesReportOneChange_data()
 
     using Values = QVector<double>;
     QTest::newRow("ISO dates") << records(isoDate) << Values{5, 5} << QByteArray("nn");
-    QTest::newRow("inside") << records(textDate) << Values{5, 5, 5} << QByteArray("ynn");
+    QTest::newRow("within the range") << records(textDate) << Values{5, 5, 5} << QByteArray("ynn");
     QTest::newRow("at the extremes") << records(textDate) << Values{4, 6} << QByteArray("yn");
     QTest::newRow("NaN") << records(textDate) << Values{notANumber, 5} << QByteArray("yn");
     QTest::newRow("value that changes an extreme")
@@ -616,8 +617,8 @@ void tst_DragIndicator::otherCallsKeepTextDatesPending_data()
         QVERIFY(it.checkInstance(record, 5));
     });
     QTest::newRow("reset") << Operation([](DragIndicator& it) { it.reset(); });
-    QTest::newRow("more records") << Operation([](DragIndicator& it) { it.initObject(); });
-    QTest::newRow("reading") << Operation([](DragIndicator& it) {
+    QTest::newRow("initObject") << Operation([](DragIndicator& it) { it.initObject(); });
+    QTest::newRow("getters") << Operation([](DragIndicator& it) {
         it.getMinValue(DragIndicator::ResettableInstance);
         it.getMaxValue(DragIndicator::ResettableInstance);
         it.isInitialized(DragIndicator::ResettableInstance);
@@ -668,7 +669,7 @@ void tst_DragIndicator::copiesAreIndependent()
 
 void tst_DragIndicator::recordsAreSharedUntilOneChanges()
 {
-    // The list's heap block, to which the word after the vtable pointer points.
+    // The address of the list's heap block, which is stored after the vtable pointer.
     const auto records = [](const DragIndicator& indicator) {
         return reinterpret_cast<const void* const*>(&indicator)[1];
     };

@@ -11,7 +11,7 @@
 
 #include <limits>
 
-// The JSON format of saved records: what export writes and how import reports errors.
+// Tests the JSON format of saved records, and the errors that import reports.
 class tst_DragIndicatorJson : public TestCase
 {
     Q_OBJECT
@@ -20,18 +20,18 @@ private Q_SLOTS:
     void exportOfEmptyRecords();
     void exportOfValues();
     void exportOfNoRecords();
-    void wrongCount_data();
-    void wrongCount();
+    void invalidCountIsReported_data();
+    void invalidCountIsReported();
     void nonObjectElementIsReported_data();
     void nonObjectElementIsReported();
     void errorsAreReportedInOrder();
-    void soleObjectBecomesFirstRecord();
+    void onlyValidElementBecomesFirstRecord();
     void missingKeyIsLoggedWithItsObject();
     void otherMembersAreIgnored();
     void everyStateOfEveryMember_data();
     void everyStateOfEveryMember();
-    void dateForms_data();
-    void dateForms();
+    void dateFormatsAreParsed_data();
+    void dateFormatsAreParsed();
     void datesUnderLocales_data();
     void datesUnderLocales();
     void timeInDstGapLosesItsDate_data();
@@ -52,7 +52,7 @@ private Q_SLOTS:
 private:
     void expectFromImport(const QString& text);
     void expectMissingKey(const QString& key, const QJsonObject& object);
-    void expectEnd();
+    void expectResetMessage();
 };
 
 namespace {
@@ -75,7 +75,7 @@ int recordCount(const DragIndicator& indicator)
     return indicator.asJsonArray().size();
 }
 
-// The language of the process during its lifetime.
+// Sets the default locale during the object's lifetime.
 class DefaultLocale
 {
 public:
@@ -107,7 +107,7 @@ void tst_DragIndicatorJson::expectMissingKey(const QString& key, const QJsonObje
         QStringLiteral("Cannot find key \"%1\" in json object: %2 !").arg(key, shown.trimmed()));
 }
 
-void tst_DragIndicatorJson::expectEnd()
+void tst_DragIndicatorJson::expectResetMessage()
 {
     expectFromImport("Resetting drag indicator due to errors on importing json data!");
 }
@@ -143,21 +143,21 @@ void tst_DragIndicatorJson::exportOfNoRecords()
 {
     DragIndicator indicator;
     expectFromImport("Received invalid count for drag indicator instances: 0 , 2 !");
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray(QJsonArray()));
     QCOMPARE(indicator.asJsonArray(), QJsonArray());
 }
 
-void tst_DragIndicatorJson::wrongCount_data()
+void tst_DragIndicatorJson::invalidCountIsReported_data()
 {
     QTest::addColumn<int>("count");
-    QTest::newRow("none") << 0;
-    QTest::newRow("one") << 1;
-    QTest::newRow("three") << 3;
-    QTest::newRow("many") << 100;
+    QTest::newRow("no record") << 0;
+    QTest::newRow("one record") << 1;
+    QTest::newRow("three records") << 3;
+    QTest::newRow("100 records") << 100;
 }
 
-void tst_DragIndicatorJson::wrongCount()
+void tst_DragIndicatorJson::invalidCountIsReported()
 {
     QFETCH(int, count);
     QJsonArray array;
@@ -168,7 +168,7 @@ void tst_DragIndicatorJson::wrongCount()
     indicator.compute(1.0);
     expectFromImport(
         QStringLiteral("Received invalid count for drag indicator instances: %1 , 2 !").arg(count));
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray(array));
     QCOMPARE(recordCount(indicator), 0);
     QVERIFY(!indicator.compute(1.0));
@@ -197,14 +197,14 @@ void tst_DragIndicatorJson::nonObjectElementIsReported()
 
     DragIndicator second;
     expectFromImport(text);
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!second.fromJsonArray({validObject(), element}));
     QCOMPARE(second.asJsonArray(), QJsonArray{validObject()});
 
     DragIndicator both;
     expectFromImport(text);
     expectFromImport(text);
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!both.fromJsonArray({element, element}));
     QCOMPARE(recordCount(both), 0);
 }
@@ -223,24 +223,24 @@ void tst_DragIndicatorJson::errorsAreReportedInOrder()
     };
     expectFromObject();
     expectFromObject();
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray({object, object}));
     const QJsonObject taken = Records::object(1.5, 0.0, QString(), false);
     QCOMPARE(indicator.asJsonArray(), (QJsonArray{taken, taken}));
 
     expectFromImport("Cannot convert json value for instance to object: QJsonValue(null) !");
     expectFromObject();
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray({QJsonValue(), object}));
     QCOMPARE(indicator.asJsonArray(), QJsonArray{taken});
 }
 
-void tst_DragIndicatorJson::soleObjectBecomesFirstRecord()
+void tst_DragIndicatorJson::onlyValidElementBecomesFirstRecord()
 {
     DragIndicator indicator;
     expectFromImport(QStringLiteral(
         "Cannot convert json value for instance to object: QJsonValue(double, 5) !"));
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray({5, validObject()}));
     QCOMPARE(recordCount(indicator), 1);
     QCOMPARE(indicator.getMaxValue(Records::at(0)), 2.5);
@@ -255,7 +255,7 @@ void tst_DragIndicatorJson::missingKeyIsLoggedWithItsObject()
         QStringLiteral("Cannot find key \"Initialized\" in json object: "
                        "QJsonObject({\"MaxValue\":2.5,\"MaxValueDate\":\"2024-03-01T12:30:05\","
                        "\"MinValue\":1.5,\"MinValueDate\":\"2024-03-01T12:30:05\"}) !"));
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray({object, validObject()}));
     QCOMPARE(recordCount(indicator), 2);
     QVERIFY(!indicator.isInitialized(Records::at(0)));
@@ -287,7 +287,7 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
     {
         QString key;
         QJsonValue wrongType;
-        QJsonValue unread; // the record's member if import fails
+        QJsonValue unread; // the member of the record if it cannot be imported
         QString emptyText;
     };
     const Member members[] = {
@@ -301,7 +301,7 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
     };
     enum State
     {
-        Good,
+        Valid,
         Missing,
         WrongType,
         Empty
@@ -318,7 +318,7 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
             const Member& member = members[i];
             state.append(State(rest % states));
             switch (state.last()) {
-            case Good:
+            case Valid:
                 continue;
             case Missing:
                 object.remove(member.key);
@@ -340,13 +340,13 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
         for (int i = 0; i < 5; ++i) {
             if (state.at(i) == Empty) {
                 expectFromImport(members[i].emptyText);
-            } else if (state.at(i) != Good) {
+            } else if (state.at(i) != Valid) {
                 expectMissingKey(members[i].key, object);
             }
         }
         const bool isComplete = code == 0;
         if (!isComplete) {
-            expectEnd();
+            expectResetMessage();
         }
         QJsonArray array{validObject(), validObject()};
         array.replace(index, object);
@@ -356,14 +356,14 @@ void tst_DragIndicatorJson::everyStateOfEveryMember()
         DragIndicator indicator;
         QCOMPARE(indicator.fromJsonArray(array), isComplete);
         QCOMPARE(indicator.asJsonArray(), expectedArray);
-        QVERIFY(!Records::takeTextDateImported(indicator)); // an empty date does not count, either
+        QVERIFY(!Records::takeTextDateImported(indicator)); // an empty date is not a text date
         const QStringList problems = messages().takeProblems();
         QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QLatin1Char('\n'))));
     }
     QCOMPARE(cases, 3 * 3 * 4 * 4 * 3);
 }
 
-void tst_DragIndicatorJson::dateForms_data()
+void tst_DragIndicatorJson::dateFormatsAreParsed_data()
 {
     QTest::addColumn<QString>("date");
     QTest::addColumn<QString>("exported");
@@ -387,7 +387,7 @@ void tst_DragIndicatorJson::dateForms_data()
     QTest::newRow("leading space") << " 2024-03-01T12:30:05" << none << true;
 }
 
-void tst_DragIndicatorJson::dateForms()
+void tst_DragIndicatorJson::dateFormatsAreParsed()
 {
     QFETCH(QString, date);
     QFETCH(QString, exported);
@@ -428,12 +428,13 @@ void tst_DragIndicatorJson::datesUnderLocales_data()
         << none << germanDefault << textDate << isoDate << true;
     QTest::newRow("English names, Arabic default")
         << none << arabicDefault << textDate << isoDate << true;
-    QTest::newRow("English names, Arabic both")
+    QTest::newRow("English names, Arabic system and default")
         << arabic << arabicDefault << textDate << isoDate << true;
     QTest::newRow("ISO, German system") << german << c << isoDate << isoDate << false;
-    QTest::newRow("ISO, Arabic both") << arabic << arabicDefault << isoDate << isoDate << false;
+    QTest::newRow("ISO, Arabic system and default")
+        << arabic << arabicDefault << isoDate << isoDate << false;
 
-    // The month may also be in the system's language; the weekday is ignored.
+    // The name of the month may also be in the system's language; that of the weekday is ignored.
     QTest::newRow("German names, German system") << german << c << germanDate << isoDate << true;
     QTest::newRow("Arabic names, Arabic system") << arabic << c << arabicDate << isoDate << true;
     // Qt 5.15.2 accepts only five or six words as a date.
@@ -441,12 +442,12 @@ void tst_DragIndicatorJson::datesUnderLocales_data()
         << vietnamese << c << vietnameseDate << (isQtOfDebian11() ? QString() : isoDate) << true;
     QTest::newRow("day before month, German system") << german << c << "Sa. 1. Dez. 12:30:05 2018"
                                                      << "2018-12-01T12:30:05" << true;
-    // Newer Qt than 5.15.2 takes a name that ends in a period for the day of the month.
+    // Versions of Qt after 5.15.2 parse a name that ends in a period as the day of the month.
     QTest::newRow("abbreviated month, German system")
         << german << c << "Sa. Dez. 1 12:30:05 2018"
         << (isQtOfDebian11() ? QStringLiteral("2018-12-01T12:30:05") : QString()) << true;
 
-    QTest::newRow("German names, unrelated system") << none << c << germanDate << QString() << true;
+    QTest::newRow("German names, C system") << none << c << germanDate << QString() << true;
     QTest::newRow("German names, Arabic system") << arabic << c << germanDate << QString() << true;
     // The default locale has no effect.
     QTest::newRow("German names, German default")
@@ -454,12 +455,12 @@ void tst_DragIndicatorJson::datesUnderLocales_data()
     QTest::newRow("Arabic names, Arabic default")
         << none << arabicDefault << arabicDate << QString() << true;
 
-    QTest::newRow("Arabic digits in a text, Arabic both")
+    QTest::newRow("Arabic digits in a text, Arabic system and default")
         << arabic << arabicDefault
         << QStringLiteral(u"Fri Mar \u0661 \u0661\u0662:\u0663\u0660:\u0660\u0665 "
                           u"\u0662\u0660\u0662\u0664")
         << QString() << true;
-    QTest::newRow("ISO in Arabic digits, Arabic both")
+    QTest::newRow("ISO in Arabic digits, Arabic system and default")
         << arabic << arabicDefault
         << QStringLiteral(u"\u0662\u0660\u0662\u0664-\u0660\u0663-\u0660\u0661") << QString()
         << false;
@@ -491,7 +492,7 @@ void tst_DragIndicatorJson::datesUnderLocales()
         return;
     }
 
-    const DefaultLocale program(defaultLocale);
+    const DefaultLocale locale(defaultLocale);
     DragIndicator indicator;
     QVERIFY(indicator.fromJsonArray(
         {Records::object(1.5, 2.5, date), Records::object(1.5, 2.5, isoDate)}));
@@ -536,8 +537,8 @@ void tst_DragIndicatorJson::timeInDstGapLosesItsDate_data()
         true);
 }
 
-// A record saved in another time zone, or with a wrong clock, may have a local time that does not
-// exist here. It is imported without an error, but loses its date, so the next import fails.
+// A record saved in another time zone, or with an incorrect clock, may have a local time that does
+// not exist here. It is imported without an error, but loses its date, so the next import fails.
 void tst_DragIndicatorJson::timeInDstGapLosesItsDate()
 {
     QFETCH(QByteArray, zone);
@@ -555,12 +556,12 @@ void tst_DragIndicatorJson::timeInDstGapLosesItsDate()
     if (!exists) {
         expectFromImport("Received an empty min date string!");
         expectFromImport("Received an empty max date string!");
-        expectEnd();
+        expectResetMessage();
     }
     QCOMPARE(indicator.fromJsonArray(saved), exists);
 }
 
-// Dates are saved without a UTC offset: two dates an hour apart are saved as the same text.
+// Local dates are saved without a UTC offset: two dates an hour apart are saved as the same text.
 void tst_DragIndicatorJson::timesInDstOverlapExportTheSameDate()
 {
     const TimeZone place(centralEurope);
@@ -607,7 +608,7 @@ void tst_DragIndicatorJson::failedImportKeepsImportedMembers()
     object.remove("MinValue");
     DragIndicator indicator;
     expectMissingKey("MinValue", object);
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray({object, validObject()}));
     QCOMPARE(indicator.getMinValue(Records::at(0)), 0.0);
     QCOMPARE(indicator.getMaxValue(Records::at(0)), 2.5);
@@ -623,7 +624,7 @@ void tst_DragIndicatorJson::failedImportKeepsTextDate_data()
 {
     QTest::addColumn<QJsonArray>("damaged");
 
-    QTest::newRow("wrong count") << QJsonArray();
+    QTest::newRow("invalid count") << QJsonArray();
     QTest::newRow("elements that are not objects") << QJsonArray{5, 5};
 }
 
@@ -641,7 +642,7 @@ void tst_DragIndicatorJson::failedImportKeepsTextDate()
         expectFromImport(QStringLiteral(
             "Cannot convert json value for instance to object: QJsonValue(double, 5) !"));
     }
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray(damaged));
     QVERIFY(!indicator.compute(2.0)); // there is no record
     QVERIFY(Records::takeTextDateImported(indicator));
@@ -654,7 +655,7 @@ void tst_DragIndicatorJson::exportOfEmptyRecordsCannotBeImported()
         expectFromImport("Received an empty min date string!");
         expectFromImport("Received an empty max date string!");
     }
-    expectEnd();
+    expectResetMessage();
     QVERIFY(!indicator.fromJsonArray(DragIndicator().asJsonArray()));
     QCOMPARE(indicator.asJsonArray(), DragIndicator().asJsonArray());
     QVERIFY(!Records::takeTextDateImported(indicator));
@@ -744,7 +745,7 @@ void tst_DragIndicatorJson::nonFiniteValuesAreLostInJson()
         expectMissingKey("MinValue", element.toObject());
         expectMissingKey("MaxValue", element.toObject());
     }
-    expectEnd();
+    expectResetMessage();
     DragIndicator restored;
     QVERIFY(!restored.fromJsonArray(array));
     QVERIFY(restored.isInitialized(Records::at(0)));

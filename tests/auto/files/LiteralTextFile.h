@@ -6,7 +6,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// What TextFileParser does, implemented in the simplest way.
+// A simple implementation of TextFileParser, which the library is compared with.
 namespace LiteralTextFile {
 
 // The text of a file's bytes; null if they are only carriage returns.

@@ -60,7 +60,7 @@ private Q_SLOTS:
     void methods();
     void burstIsOneSignal_data();
     void burstIsOneSignal();
-    void burstMayBeStartedThroughTheMetaObject();
+    void slotMayBeInvokedByName();
     void defaultDelayIsOneSecond();
     void everyNotificationRestartsTheDelay();
     void nextBurstStartsEmpty();
@@ -85,8 +85,8 @@ private Q_SLOTS:
     void addPathReturnsWhetherPathIsWatched_data();
     void addPathReturnsWhetherPathIsWatched();
     void pathBelowAFileIsLoggedByQt();
-    void pathThatIsAlreadyWatched();
-    void pathsAreAdded();
+    void watchedPathIsNotAddedAgain();
+    void addPathsKeepsEarlierPaths();
     void unwatchablePathsAreSkipped();
     void emptyListLogsNothing();
     void emptyPathsAreLoggedByQt();
@@ -100,7 +100,7 @@ QString tst_DirectoryWatcher::makeDirectory(const QString& name)
 {
     const QString directoryPath = path(name);
     if (!QDir().mkdir(directoryPath)) {
-        qFatal("cannot make %s", qPrintable(directoryPath));
+        qFatal("cannot create %s", qPrintable(directoryPath));
     }
     return directoryPath;
 }
@@ -154,17 +154,17 @@ void tst_DirectoryWatcher::methods()
 void tst_DirectoryWatcher::burstIsOneSignal_data()
 {
     QTest::addColumn<QStringList>("notifications");
-    QTest::newRow("one") << QStringList(directoryA);
-    QTest::newRow("several in order") << QStringList({directoryA, directoryB, directoryA});
-    QTest::newRow("the same three times") << QStringList({directoryB, directoryB, directoryB});
+    QTest::newRow("one path") << QStringList(directoryA);
+    QTest::newRow("several paths") << QStringList({directoryA, directoryB, directoryA});
+    QTest::newRow("the same path three times") << QStringList({directoryB, directoryB, directoryB});
     QTest::newRow("an empty path") << QStringList({QString(), directoryA, QString()});
-    QTest::newRow("not sorted") << QStringList({directoryB, directoryA});
+    QTest::newRow("unsorted paths") << QStringList({directoryB, directoryA});
 
     QStringList thousand;
     for (int i = 0; i < 1000; ++i) {
         thousand.append(QString::number(i % 7));
     }
-    QTest::newRow("a thousand") << thousand;
+    QTest::newRow("a thousand paths") << thousand;
 }
 
 void tst_DirectoryWatcher::burstIsOneSignal()
@@ -185,14 +185,14 @@ void tst_DirectoryWatcher::burstIsOneSignal()
     QCOMPARE(changes.count(), 1);
     QCOMPARE(changes.first().first().toStringList(), notifications);
 
-    // The burst is over: nothing else is reported.
+    // The next signal reports only the next burst.
     watcher.directoryGotChanged(directoryB);
     QVERIFY(changes.wait());
     QCOMPARE(changes.count(), 2);
     QCOMPARE(changes.last().first().toStringList(), QStringList(directoryB));
 }
 
-void tst_DirectoryWatcher::burstMayBeStartedThroughTheMetaObject()
+void tst_DirectoryWatcher::slotMayBeInvokedByName()
 {
     DirectoryWatcher watcher{QStringList()};
     watcher.setDelayInMs(0);
@@ -208,7 +208,7 @@ void tst_DirectoryWatcher::defaultDelayIsOneSecond()
 {
     DirectoryWatcher watcher{QStringList()};
     QSignalSpy changes(&watcher, &DirectoryWatcher::directoryChanged);
-    // Timers expire in order, however busy the machine is.
+    // Timers expire in order even if the machine is busy.
     QTimer later;
     QSignalSpy laterExpiry(&later, &QTimer::timeout);
     QElapsedTimer clock;
@@ -392,14 +392,14 @@ void tst_DirectoryWatcher::timeoutReportsAndClearsTheList()
 
 void tst_DirectoryWatcher::destructionDiscardsTheBurst_data()
 {
-    QTest::addColumn<bool>("isNoticed");
+    QTest::addColumn<bool>("isDetected");
     QTest::newRow("in a burst") << true;
-    QTest::newRow("before the change is noticed") << false;
+    QTest::newRow("before the change is detected") << false;
 }
 
 void tst_DirectoryWatcher::destructionDiscardsTheBurst()
 {
-    QFETCH(bool, isNoticed);
+    QFETCH(bool, isDetected);
 
     std::unique_ptr<DirectoryWatcher> watcher(new DirectoryWatcher(directory()));
     watcher->setDelayInMs(shortDelayInMs);
@@ -408,7 +408,7 @@ void tst_DirectoryWatcher::destructionDiscardsTheBurst()
     other.setDelayInMs(2 * shortDelayInMs);
     QSignalSpy otherChanges(&other, &DirectoryWatcher::directoryChanged);
     writeFile("file", "");
-    if (isNoticed) {
+    if (isDetected) {
         watcher->directoryGotChanged(directoryA);
     }
     watcher.reset();
@@ -557,7 +557,7 @@ void tst_DirectoryWatcher::removedDirectoryIsReportedAndForgotten()
     QVERIFY(changes.takeFirst().first().toStringList().contains(watched));
     QVERIFY(!watcher.addPath(watched));
 
-    // A new directory of the same name has to be added again.
+    // A new directory of the same name must be added again.
     makeDirectory("watched");
     QVERIFY(watcher.addPath(watched));
     writeFile("watched/file", "");
@@ -601,7 +601,7 @@ void tst_DirectoryWatcher::pathBelowAFileIsLoggedByQt()
     QVERIFY(!watcher.addPath(below));
 }
 
-void tst_DirectoryWatcher::pathThatIsAlreadyWatched()
+void tst_DirectoryWatcher::watchedPathIsNotAddedAgain()
 {
     const QString watched = makeDirectory("watched");
     const int watchesBefore = resources().watches;
@@ -617,7 +617,7 @@ void tst_DirectoryWatcher::pathThatIsAlreadyWatched()
     QCOMPARE(changes.count(), 1);
 }
 
-void tst_DirectoryWatcher::pathsAreAdded()
+void tst_DirectoryWatcher::addPathsKeepsEarlierPaths()
 {
     const QStringList paths = {makeDirectory("a"), makeDirectory("b"), makeDirectory("c")};
     const int watchesBefore = resources().watches;

@@ -98,7 +98,7 @@ void addSmallTree(const Tree& tree)
     tree.addPipe("pipe.txt");
 }
 
-// Several hundred entries, with everything that a removable medium may contain.
+// Several hundred entries, with all types and names that occur on removable media.
 void addLargeTree(const Tree& tree)
 {
     addSmallTree(tree);
@@ -283,12 +283,12 @@ private Q_SLOTS:
     void randomTreesMatchQDirIterator();
     void deepTreesNeedLittleStack();
     void longPathsAreSearched();
-    void searchAtProgramExit();
+    void searchWorksAtProgramExit();
     void otherLocaleEncodings_data();
     void otherLocaleEncodings();
     void unreadableDirectories();
-    void startPaths_data();
-    void startPaths();
+    void startPathsAreResolved_data();
+    void startPathsAreResolved();
     void entriesOfAnEmptyDirectory();
     void namesThatCannotBeEncoded();
     void unsearchablePathsHaveNoEntries_data();
@@ -348,7 +348,7 @@ void tst_FileSearch::entryTypes_data()
     row("NoFilter with a pattern that contains a directory", QDir::NoFilter, "sub/deep.txt", "");
     row("Files", QDir::Files, "*.txt",
         "UPPER.TXT lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
-    row("Files and case", QDir::Files | QDir::CaseSensitive, "*.txt",
+    row("Files, case-sensitive", QDir::Files | QDir::CaseSensitive, "*.txt",
         "lower.txt link.txt sub/deep.txt sub/deeper.txt/deepest.txt");
     row("Files, including hidden", QDir::Files | QDir::Hidden, "*.txt",
         ".hidden.txt .hiddendirectory/inner.txt UPPER.TXT lower.txt link.txt sub/deep.txt "
@@ -491,7 +491,8 @@ void tst_FileSearch::randomTreesMatchQDirIterator()
     QVERIFY(found > 3 * int(count)); // the trees are not empty
 }
 
-// A tree as deep as descriptors allow, with a stack size that is realistic on a small device.
+// A tree as deep as the limit of descriptors allows, and a stack size that is realistic on a small
+// device.
 void tst_FileSearch::deepTreesNeedLittleStack()
 {
     // With many open directories an emulator takes minutes.
@@ -534,13 +535,13 @@ void tst_FileSearch::longPathsAreSearched()
     QCOMPARE(sorted(searched(directory(), patterns)), sorted(expected));
     QCOMPARE(sorted(searchedRelatively(directory(), patterns)),
              sorted(relativeTo(directory(), expected)));
-    // The same search, starting there.
+    // The same search, starting in the deepest directory.
     QCOMPARE(searched(deepest, patterns), QStringList(expected.constLast()));
     QCOMPARE(searchedRelatively(deepest, patterns), patterns);
 }
 
-// The program's destructor searches after Qt has destroyed its globals.
-void tst_FileSearch::searchAtProgramExit()
+// The program searches in a destructor that runs after Qt has destroyed its globals.
+void tst_FileSearch::searchWorksAtProgramExit()
 {
     writeFile("one", QByteArray());
     writeFile("two", QByteArray());
@@ -629,7 +630,7 @@ void tst_FileSearch::unreadableDirectories()
     QCOMPARE(child.exitCode, 0);
 }
 
-void tst_FileSearch::startPaths_data()
+void tst_FileSearch::startPathsAreResolved_data()
 {
     QTest::addColumn<QString>("current"); // below the row's directory
     QTest::addColumn<QString>("start");   // %1 is the row's directory
@@ -655,16 +656,16 @@ void tst_FileSearch::startPaths_data()
     row("absolute, double slash", "", "%1//sub", sub);
     row("absolute, with dot components", "", "%1/./empty/../sub", sub);
     row("absolute, linked", "", "%1/linkeddirectory", sub);
-    row("absolute, linked and back", "", "%1/linkeddirectory/..", top);
+    row("absolute, parent of a link", "", "%1/linkeddirectory/..", top);
     row("absolute, above the current directory", "sub/deeper.txt", "%1/sub", sub);
     // QDir keeps a relative path relative to the current directory.
     row("relative", "", "sub", subFromTop);
     row("relative, trailing slash", "", "sub/", subFromTop);
     row("relative, with dot components", "", "./sub", subFromTop);
-    row("relative, down and up again", "", "sub/../sub", subFromTop);
+    row("relative, into the directory twice", "", "sub/../sub", subFromTop);
     row("relative, linked", "", "linkeddirectory", linkedFromTop);
     row("relative, linked, trailing slash", "", "linkeddirectory/", linkedFromTop);
-    row("relative, linked and back", "", "linkeddirectory/..", top);
+    row("relative, parent of a link", "", "linkeddirectory/..", top);
     row("current directory", "sub", ".", sub);
     row("current directory, trailing slash", "sub", "./", sub);
     row("parent directory", "empty", "..", topFromEmpty);
@@ -672,10 +673,10 @@ void tst_FileSearch::startPaths_data()
     row("empty path", "sub", "", {});
     row("file", "", "lower.txt", {});
     row("missing directory", "", "missing", {});
-    row("missing directory and back", "", "missing/../sub", {});
+    row("sibling of a missing directory", "", "missing/../sub", {});
 }
 
-void tst_FileSearch::startPaths()
+void tst_FileSearch::startPathsAreResolved()
 {
     QFETCH(QString, current);
     QFETCH(QString, start);

@@ -76,15 +76,15 @@ private Q_SLOTS:
     void listIsDeliveredToOtherThreads();
     void topDirectoryIsSorted();
     void namesAreSortedByCodeUnit();
-    void wholeMediumIsInFileSystemOrder();
+    void recursiveResultsAreInFileSystemOrder();
     void filesAreFound_data();
     void filesAreFound();
     void mountPathIsUsedAsGiven_data();
     void mountPathIsUsedAsGiven();
     void emptyMediumListsDotEntries_data();
     void emptyMediumListsDotEntries();
-    void noMatchEmitsNoSignal_data();
-    void noMatchEmitsNoSignal();
+    void unsearchablePathEmitsNoSignal_data();
+    void unsearchablePathEmitsNoSignal();
     void settingsAreReplaced();
     void signalIsEmittedDuringTheCall();
     void parentOwnsTheWatcher();
@@ -126,7 +126,7 @@ void tst_MediaWatcher::initTestCase()
 // Qt warns if two threads register a list type at the same time.
 void tst_MediaWatcher::listTypeIsRegisteredInManyThreads()
 {
-    // Child processes, so that each is the first use.
+    // In child processes, so that each is the first use of the type.
     for (int i = 0; i < 50; ++i) {
         const ChildResult result = ChildProcess::run([] {
             callInManyThreads([](int) { const MediaWatcher watcher(nullptr); });
@@ -183,7 +183,7 @@ void tst_MediaWatcher::listTypeIsRegistered()
     QCOMPARE(QMetaType::type("QList<QFileInfo>"), type);
     QCOMPARE(QMetaType::sizeOf(type), int(sizeof(QFileInfoList)));
 
-    // Another watcher changes nothing.
+    // Another watcher does not register it again.
     const MediaWatcher other(nullptr);
     QCOMPARE(QMetaType::type(listTypeName), type);
 }
@@ -214,7 +214,7 @@ void tst_MediaWatcher::listIsDeliveredToOtherThreads_data()
     QTest::newRow("by name, queued") << true << Qt::QueuedConnection;
 }
 
-// Lives in a different thread from the watcher and is read after that thread has ended.
+// Lives in a different thread from the watcher; the test reads it after that thread has finished.
 class Receiver : public QObject
 {
     Q_OBJECT
@@ -251,10 +251,10 @@ void tst_MediaWatcher::listIsDeliveredToOtherThreads()
     watcher.mediumMounted(directory());
     QCOMPARE(receiver.paths, QStringList()); // its event loop is not running yet
     thread.start();
-    const bool hasEnded = thread.wait(10000);
+    const bool isFinished = thread.wait(10000);
     thread.quit();
     thread.wait();
-    QVERIFY(hasEnded);
+    QVERIFY(isFinished);
     QCOMPARE(receiver.calledIn, &thread);
     QCOMPARE(receiver.paths, inDirectory(words("a.mp3 b.mp3")));
 }
@@ -288,7 +288,7 @@ void tst_MediaWatcher::namesAreSortedByCodeUnit()
     QCOMPARE(findings.take(), QVector<QStringList>({inDirectory(expected)}));
 }
 
-void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
+void tst_MediaWatcher::recursiveResultsAreInFileSystemOrder()
 {
     addMedium();
     for (int i = 0; i < 100; ++i) {
@@ -316,7 +316,7 @@ void tst_MediaWatcher::wholeMediumIsInFileSystemOrder()
 void tst_MediaWatcher::filesAreFound_data()
 {
     QTest::addColumn<QStringList>("patterns");
-    QTest::addColumn<QStringList>("ofTopDirectory"); // sorted case-insensitively, like all below
+    QTest::addColumn<QStringList>("ofTopDirectory"); // both sorted case-insensitively
     QTest::addColumn<QStringList>("ofWholeMedium");
 
     QTest::newRow("one pattern") << words("*.mp3")
@@ -327,7 +327,7 @@ void tst_MediaWatcher::filesAreFound_data()
                                       << words("Bravo.txt delta.mp3 echo.txt Music/live/d.mp3");
     QTest::newRow("directories match, too")
         << words("[lm]*c* live empty") << words("empty Music") << words("empty Music Music/live");
-    QTest::newRow("only below the top directory")
+    QTest::newRow("only in a subdirectory")
         << words("*.png") << QStringList() << words("Music/live/cover.png");
     QTest::newRow("no match") << words("*.ogg") << QStringList() << QStringList();
     QTest::newRow("hidden") << words(".hidden*") << QStringList() << QStringList();
@@ -370,7 +370,7 @@ void tst_MediaWatcher::mountPathIsUsedAsGiven_data()
         QTest::addRow("%s, with dot components", mode)
             << "/empty/.././Music/live" << recursive << "/empty/.././Music/live/d.mp3";
         // ".." after a link is the parent of the link's target, not the directory of the link.
-        QTest::addRow("%s, link and back", mode)
+        QTest::addRow("%s, parent of a link", mode)
             << "/link/.." << recursive
             << (recursive ? QStringLiteral("/link/../live/d.mp3") : QString());
     }
@@ -438,7 +438,7 @@ void tst_MediaWatcher::emptyMediumListsDotEntries()
     }
 }
 
-void tst_MediaWatcher::noMatchEmitsNoSignal_data()
+void tst_MediaWatcher::unsearchablePathEmitsNoSignal_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("missing") << "missing";
@@ -446,7 +446,7 @@ void tst_MediaWatcher::noMatchEmitsNoSignal_data()
     QTest::newRow("below a file") << "file/directory";
 }
 
-void tst_MediaWatcher::noMatchEmitsNoSignal()
+void tst_MediaWatcher::unsearchablePathEmitsNoSignal()
 {
     QFETCH(QString, name);
     writeFile("file", "");

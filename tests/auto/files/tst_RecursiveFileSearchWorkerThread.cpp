@@ -36,7 +36,7 @@ class tst_RecursiveFileSearchWorkerThread : public TestCase
 
 private Q_SLOTS:
     void metaObject();
-    void freshWorker();
+    void newWorkerIsDeletedAutomatically();
     void directRunFindsFiles_data();
     void directRunFindsFiles();
     void resultIsInFileSystemOrder();
@@ -44,7 +44,7 @@ private Q_SLOTS:
     void argumentsAreCopied();
     void poolDeletesTheWorker();
     void poolKeepsTheWorkerWithoutAutoDelete();
-    void manyWorkersAtOnce();
+    void workersMayRunInParallel();
     void workerMayBeDeletedAsQRunnable();
 
 private:
@@ -76,7 +76,7 @@ void tst_RecursiveFileSearchWorkerThread::metaObject()
     QCOMPARE(finished.parameterNames(), QList<QByteArray>({"result"}));
 }
 
-void tst_RecursiveFileSearchWorkerThread::freshWorker()
+void tst_RecursiveFileSearchWorkerThread::newWorkerIsDeletedAutomatically()
 {
     const RecursiveFileSearchWorkerThread worker(directory(), {});
     QCOMPARE(worker.metaObject(), &RecursiveFileSearchWorkerThread::staticMetaObject);
@@ -102,7 +102,7 @@ void tst_RecursiveFileSearchWorkerThread::directRunFindsFiles_data()
                                 << words(". . ../ d.csv deeper.csv deeper.csv deeper.csv/e.csv");
     QTest::newRow("trailing slash") << "sub/" << words("d*") << words("d.csv deeper.csv");
     // ".." after a link is the parent of the link's target, not the directory of the link.
-    QTest::newRow("link and back")
+    QTest::newRow("parent of a link")
         << "link/.." << words("[de]*") << words("d.csv deeper.csv deeper.csv/e.csv");
     QTest::newRow("no match") << QString() << words("*.ogg") << QStringList();
     QTest::newRow("empty directory") << "empty" << words("*.csv") << QStringList();
@@ -195,7 +195,7 @@ void tst_RecursiveFileSearchWorkerThread::poolDeletesTheWorker()
     QVERIFY(guard.isNull());
     QVERIFY(emittedIn != nullptr);
     QVERIFY(emittedIn != QThread::currentThread());
-    // The signal waits for this thread's event loop although the sender is gone.
+    // The queued signal is delivered by this thread's event loop even after the sender was deleted.
     QCOMPARE(resultCount, 0);
     QTRY_COMPARE(resultCount, 1);
     QCOMPARE(receivedIn, QThread::currentThread());
@@ -222,26 +222,26 @@ void tst_RecursiveFileSearchWorkerThread::poolKeepsTheWorkerWithoutAutoDelete()
     QTRY_COMPARE(results, QStringList({QString(), "a.csv"}));
 }
 
-void tst_RecursiveFileSearchWorkerThread::manyWorkersAtOnce()
+void tst_RecursiveFileSearchWorkerThread::workersMayRunInParallel()
 {
     constexpr int workerCount = 50;
 
     addTree();
-    int right = 0;
+    int correct = 0;
     QObject receiver;
     QThreadPool pool;
     pool.setMaxThreadCount(8);
     for (int i = 0; i < workerCount; ++i) {
         auto* const worker = new RecursiveFileSearchWorkerThread(directory(), {"?.csv"});
         connect(worker, &RecursiveFileSearchWorkerThread::searchFinished, &receiver,
-                [&right](const QStringList& paths) {
+                [&correct](const QStringList& paths) {
                     if (sorted(paths) == words("A.CSV b.csv sub/d.csv sub/deeper.csv/e.csv")) {
-                        ++right;
+                        ++correct;
                     }
                 });
         pool.start(worker);
     }
-    QTRY_COMPARE(right, workerCount);
+    QTRY_COMPARE(correct, workerCount);
 }
 
 void tst_RecursiveFileSearchWorkerThread::workerMayBeDeletedAsQRunnable()

@@ -29,15 +29,15 @@ const char* const signature = "void TextFileParser::setError(const QString&)";
 
 using Options = QRegularExpression::PatternOptions;
 
-// Whether expressions are compiled to machine code. Otherwise there is no small stack, and matching
-// a long text takes minutes.
+// Whether expressions are compiled to machine code. Otherwise matching uses the heap instead of a
+// small stack, and takes minutes for a long text.
 const bool areExpressionsCompiled = qgetenv("QT_ENABLE_REGEXP_JIT") != "0";
 
 // The outcome of matching an expression with a text.
 enum Outcome
 {
     NoMatch,
-    GivenUp, // the limit of steps or of the stack was reached
+    LimitExceeded, // of steps or of the stack
     Invalid
 };
 
@@ -121,11 +121,11 @@ class tst_TextFileParser : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void decodesTheFile_data();
-    void decodesTheFile();
+    void fileIsDecoded_data();
+    void fileIsDecoded();
     void fileIsUtf8InEveryLocale();
-    void readsFilesOfUnknownSize();
-    void readsLargeFiles();
+    void filesOfUnknownSizeAreRead();
+    void largeFilesAreRead();
     void hugeFileEndsAtItsZeroByte_data();
     void hugeFileEndsAtItsZeroByte();
     void hugeFileNeedsLittleAddressSpace();
@@ -133,15 +133,15 @@ private Q_SLOTS:
     void fifoIsReadToItsEnd();
     void contentIsReadAtConstruction();
 
-    void missingFile_data();
-    void missingFile();
-    void directoryIsNotAFile();
-    void unreadableFile();
-    void fileInAnInaccessibleDirectory();
-    void relativeFileName();
+    void missingFileIsReported_data();
+    void missingFileIsReported();
+    void directoryIsReported();
+    void unreadableFileIsReported();
+    void fileInAnInaccessibleDirectoryIsMissing();
+    void relativePathIsReportedAsGiven();
 
-    void matches_data();
-    void matches();
+    void matchesAreReturned_data();
+    void matchesAreReturned();
     void emptyContentMatchesEmptyExpressions();
     void matchesTheLiteralVersion();
 
@@ -149,7 +149,7 @@ private Q_SLOTS:
     void invalidExpressionIsReportedByMultiMatch();
     void invalidExpressionIsReportedByInternalMatch();
     void invalidExpressionIsReportedByMatch();
-    void endlessBacktrackingEnds();
+    void excessiveBacktrackingIsReported();
     void missingRequiredCharacterAvoidsBacktracking();
     void backtrackingAfterAMatchEndsTheList();
     void hostileExpressions_data();
@@ -171,7 +171,7 @@ private:
             .function(signature);
     }
 
-    // The whole text of the parser.
+    // The entire text of the parser.
     static QString contentOf(TextFileParser& parser)
     {
         return parser.match(
@@ -179,7 +179,7 @@ private:
     }
 };
 
-void tst_TextFileParser::decodesTheFile_data()
+void tst_TextFileParser::fileIsDecoded_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("content");
@@ -203,7 +203,7 @@ void tst_TextFileParser::decodesTheFile_data()
         << QByteArray("a\xe2\x82") << QStringLiteral("a\ufffd\ufffd");
 }
 
-void tst_TextFileParser::decodesTheFile()
+void tst_TextFileParser::fileIsDecoded()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, content);
@@ -226,7 +226,7 @@ void tst_TextFileParser::fileIsUtf8InEveryLocale()
 }
 
 // Kernel files report size 0.
-void tst_TextFileParser::readsFilesOfUnknownSize()
+void tst_TextFileParser::filesOfUnknownSizeAreRead()
 {
     TextFileParser parser("/proc/self/status");
     QCOMPARE(parser.match(QRegularExpression(QStringLiteral("\\bPid:\\s+(\\d+)"))),
@@ -234,7 +234,7 @@ void tst_TextFileParser::readsFilesOfUnknownSize()
     QVERIFY(!parser.hasError());
 }
 
-void tst_TextFileParser::readsLargeFiles()
+void tst_TextFileParser::largeFilesAreRead()
 {
     QByteArray bytes;
     int count = 0;
@@ -312,7 +312,7 @@ void tst_TextFileParser::growingFileIsReadUpToItsInitialSize()
     TextFileParser parser(filePath);
     isWriting = false;
     writer.join();
-    // A parser that follows the writer would read everything that is written.
+    // Without the limit, the parser would read everything that the writer appends.
     QVERIFY(contentOf(parser).size() >= initialSize);
     QVERIFY2(contentOf(parser).size() < finalSize,
              QByteArray::number(contentOf(parser).size()).constData());
@@ -324,7 +324,7 @@ void tst_TextFileParser::fifoIsReadToItsEnd()
     const QString filePath = path("fifo");
     const QByteArray name = QFile::encodeName(filePath);
     QCOMPARE(mkfifo(name.constData(), 0600), 0);
-    // Several times the size of a pipe, so that the writer notices if the reader stops early.
+    // Several times the size of a pipe's buffer, so that the write fails if the reader stops early.
     const QByteArray bytes = QByteArray("a\0", 2) + QByteArray(300000 - 2, 'b');
     std::atomic<ssize_t> written(-1);
     std::thread writer([&name, &bytes, &written] {
@@ -354,7 +354,7 @@ void tst_TextFileParser::contentIsReadAtConstruction()
     QVERIFY(!parser.hasError());
 }
 
-void tst_TextFileParser::missingFile_data()
+void tst_TextFileParser::missingFileIsReported_data()
 {
     QTest::addColumn<QString>("filePath");
 
@@ -366,7 +366,7 @@ void tst_TextFileParser::missingFile_data()
     QTest::newRow("empty") << QString();
 }
 
-void tst_TextFileParser::missingFile()
+void tst_TextFileParser::missingFileIsReported()
 {
     QFETCH(QString, filePath);
 
@@ -387,7 +387,7 @@ void tst_TextFileParser::missingFile()
     QCOMPARE(parser.getLastError(), error);
 }
 
-void tst_TextFileParser::directoryIsNotAFile()
+void tst_TextFileParser::directoryIsReported()
 {
     const QString error =
         "Can't open file " + directory() + " IO Error: file to open is a directory";
@@ -399,7 +399,7 @@ void tst_TextFileParser::directoryIsNotAFile()
     QCOMPARE(parser.getLastError(), error);
 }
 
-void tst_TextFileParser::unreadableFile()
+void tst_TextFileParser::unreadableFileIsReported()
 {
     const QString filePath = writeFile("file", "secret");
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::WriteOwner));
@@ -418,8 +418,8 @@ void tst_TextFileParser::unreadableFile()
     QCOMPARE(result.output, '"' + error.toUtf8() + "\"\n");
 }
 
-// A file that cannot be reached counts as missing.
-void tst_TextFileParser::fileInAnInaccessibleDirectory()
+// A file in an inaccessible directory is reported as missing.
+void tst_TextFileParser::fileInAnInaccessibleDirectoryIsMissing()
 {
     const QString filePath = writeFile("file", "secret");
     const QString error = "File doesn't exists: " + filePath;
@@ -435,7 +435,7 @@ void tst_TextFileParser::fileInAnInaccessibleDirectory()
     QCOMPARE(result.output, '"' + error.toUtf8() + "\"\n");
 }
 
-void tst_TextFileParser::relativeFileName()
+void tst_TextFileParser::relativePathIsReportedAsGiven()
 {
     writeFile("file", "content");
     QVERIFY(QDir(directory()).mkdir("sub"));
@@ -451,7 +451,7 @@ void tst_TextFileParser::relativeFileName()
     QCOMPARE(sub.getLastError(), error);
 }
 
-void tst_TextFileParser::matches_data()
+void tst_TextFileParser::matchesAreReturned_data()
 {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<Options>("options");
@@ -488,7 +488,7 @@ void tst_TextFileParser::matches_data()
     addRow("empty expression", QString(), "a", {empty, empty});
     addRow("look-behind", "(?<==)\\d", lines, {"1", "3"});
     addRow("negative look-behind", "(?<!b)a", "ba ca", {"a"});
-    addRow("look-behind sees what was matched before", "(?<=a)b|a", "ab", {"a", "b"});
+    addRow("look-behind includes the previous match", "(?<=a)b|a", "ab", {"a", "b"});
     addRow("look-ahead", "\\w+(?==)", lines, {"name", "version", "version"});
     addRow("group in a look-ahead", "version(?==(\\S+))", lines, {"1.2", "3"});
     addRow("match start moved", "version=\\K\\d", lines, {"1", "3"});
@@ -511,7 +511,7 @@ void tst_TextFileParser::matches_data()
     addRow("dot does not match a line feed", "e.t", "e\nt", {});
     addRow("dot matches a line feed", "e.t", "e\r\nt", {"e\nt"},
            QRegularExpression::DotMatchesEverythingOption);
-    addRow("no carriage returns are left", "\\r", "one\r\ntwo\r", {});
+    addRow("carriage returns are removed", "\\r", "one\r\ntwo\r", {});
     addRow("groups do not capture", "version=(\\S+)", lines, {"version=1.2", "version=3"},
            QRegularExpression::DontCaptureOption);
     addRow("inverted greediness", "a+", "aa", {"a", "a"},
@@ -520,7 +520,7 @@ void tst_TextFileParser::matches_data()
            QRegularExpression::ExtendedPatternSyntaxOption);
 }
 
-void tst_TextFileParser::matches()
+void tst_TextFileParser::matchesAreReturned()
 {
     QFETCH(QString, pattern);
     QFETCH(Options, options);
@@ -570,14 +570,14 @@ void tst_TextFileParser::matchesTheLiteralVersion()
                      qPrintable(expression.pattern() + " over " + content + ": " + result));
             QCOMPARE(difference({parser.match(expression)}, {expected.value(0)}), QString());
             // If the first match takes too many steps, both calls report an error.
-            const bool isGivenUp = !expression.globalMatch(content).isValid();
-            QCOMPARE(parser.hasError(), isGivenUp);
-            QCOMPARE(messages().take().size(), isGivenUp ? 2 : 0);
+            const bool isLimitExceeded = !expression.globalMatch(content).isValid();
+            QCOMPARE(parser.hasError(), isLimitExceeded);
+            QCOMPARE(messages().take().size(), isLimitExceeded ? 2 : 0);
             parser.clearLastError();
             withResults += expected.isEmpty() ? 0 : 1;
         }
     }
-    // The patterns are useful: many match and many do not.
+    // Enough patterns match, and not all do.
     QVERIFY(withResults > files * patternsPerFile / 4);
     QVERIFY(withResults < files * patternsPerFile);
 }
@@ -632,8 +632,8 @@ void tst_TextFileParser::invalidExpressionIsReportedByMatch()
     QCOMPARE(parser.getLastError(), QStringLiteral("Invalid match on expresion: ["));
 }
 
-// Even a valid expression has no valid match if matching exceeds a limit.
-void tst_TextFileParser::endlessBacktrackingEnds()
+// A match of a valid expression is invalid if matching exceeds a limit.
+void tst_TextFileParser::excessiveBacktrackingIsReported()
 {
     TextFileParser parser(writeFile("file", QByteArray(60, 'x') + " y"));
     const QString pattern = "(x+x+)+y";
@@ -664,41 +664,41 @@ void tst_TextFileParser::backtrackingAfterAMatchEndsTheList()
 void tst_TextFileParser::hostileExpressions_data()
 {
     QTest::addColumn<QString>("pattern");
-    QTest::addColumn<QByteArray>("fitting"); // a line that matches; empty: there is none
+    QTest::addColumn<QByteArray>("matching"); // a line that matches; empty if there is none
     QTest::addColumn<QByteArray>("hostile");
     QTest::addColumn<Outcome>("outcome"); // for the hostile text
 
-    const auto row = [](const char* name, const char* pattern, const QByteArray& fitting,
+    const auto row = [](const char* name, const char* pattern, const QByteArray& matching,
                         const QByteArray& hostile, Outcome outcome) {
         // The interpreter takes several times as long for the same number of steps.
         const QString limit =
             areExpressionsCompiled ? QString() : QStringLiteral("(*LIMIT_MATCH=100000)");
-        QTest::newRow(name) << limit + QString::fromLatin1(pattern) << fitting << hostile
+        QTest::newRow(name) << limit + QString::fromLatin1(pattern) << matching << hostile
                             << outcome;
     };
     const auto as = [](int count) { return QByteArray(count, 'a'); };
 
     // The number of ways to split the text is exponential.
-    row("repetition of a repetition", "(a+)+b", "aab", as(40) + "!b", GivenUp);
-    row("repetition of a possibly empty group", "(a*)*b", "aab", as(40) + "!b", GivenUp);
-    row("repetition of a repetition, at the end", "(a+)+$", "", as(40) + '!', GivenUp);
-    row("lazy repetitions", "(a+?)+?b", "aab", as(40) + "!b", GivenUp);
-    row("overlapping alternatives", "(a|aa)+b", "aab", as(80) + "!b", GivenUp);
-    row("identical alternatives", "(?:a|a|a)+b", "aab", as(40) + "!b", GivenUp);
-    row("many dots and stars", "(.*a){20}b", "", as(60) + "!b", GivenUp);
+    row("repetition of a repetition", "(a+)+b", "aab", as(40) + "!b", LimitExceeded);
+    row("repetition of a possibly empty group", "(a*)*b", "aab", as(40) + "!b", LimitExceeded);
+    row("repetition of a repetition, at the end", "(a+)+$", "", as(40) + '!', LimitExceeded);
+    row("lazy repetitions", "(a+?)+?b", "aab", as(40) + "!b", LimitExceeded);
+    row("overlapping alternatives", "(a|aa)+b", "aab", as(80) + "!b", LimitExceeded);
+    row("identical alternatives", "(?:a|a|a)+b", "aab", as(40) + "!b", LimitExceeded);
+    row("many greedy repetitions", "(.*a){20}b", "", as(60) + "!b", LimitExceeded);
     row("fields of a CSV line", "(?m)^(?:.*?,){11}P", "1,2,3,4,5,6,7,8,9,10,11,P",
-        QByteArray("1,").repeated(60) + "xP", GivenUp);
-    row("class name", "(?m)^(([a-z])+.)+[A-Z]([a-z])+$", "aaBb", as(60) + '!', GivenUp);
+        QByteArray("1,").repeated(60) + "xP", LimitExceeded);
+    row("class name", "(?m)^(([a-z])+.)+[A-Z]([a-z])+$", "aaBb", as(60) + '!', LimitExceeded);
     row("optional letters", "(?:a?){30}a{30}b", as(60) + 'b', as(29) + '!' + QByteArray(9, 'b'),
-        GivenUp);
-    row("look-ahead in a look-ahead", "(?=(?=(a|aa)+b)a)a+b", "aab", as(80) + "!b", GivenUp);
-    row("negative look-ahead", "(?!(a|aa)+c)a+b", "aab", as(80) + "!bc", GivenUp);
-    row("look-behind", "(?<=!)(a+)+b", "!aab", '!' + as(40) + "!b", GivenUp);
-    row("back-reference", "(?:(a*)\\1)+b", "aab", as(80) + "!b", GivenUp);
-    row("three back-references", "(a*)(a*)(a*)\\1\\2\\3b", "aab", as(1000) + "!b", GivenUp);
-    row("match start moved", "(?:a\\K|aa)+b", "aab", as(80) + "!b", GivenUp);
-    row("huge quantifiers", "(?:a{1,65535}){1,50}b", "aab", as(3000) + "!b", GivenUp);
-    row("condition", "(?:(?(?=aa)a|a)|aa)+b", "aab", as(80) + "!b", GivenUp);
+        LimitExceeded);
+    row("look-ahead in a look-ahead", "(?=(?=(a|aa)+b)a)a+b", "aab", as(80) + "!b", LimitExceeded);
+    row("negative look-ahead", "(?!(a|aa)+c)a+b", "aab", as(80) + "!bc", LimitExceeded);
+    row("look-behind", "(?<=!)(a+)+b", "!aab", '!' + as(40) + "!b", LimitExceeded);
+    row("back-reference", "(?:(a*)\\1)+b", "aab", as(80) + "!b", LimitExceeded);
+    row("three back-references", "(a*)(a*)(a*)\\1\\2\\3b", "aab", as(1000) + "!b", LimitExceeded);
+    row("match start moved", "(?:a\\K|aa)+b", "aab", as(80) + "!b", LimitExceeded);
+    row("huge quantifiers", "(?:a{1,65535}){1,50}b", "aab", as(3000) + "!b", LimitExceeded);
+    row("condition", "(?:(?(?=aa)a|a)|aa)+b", "aab", as(80) + "!b", LimitExceeded);
 
     // Expressions that are rejected.
     row("nested huge quantifiers", "((x{1,65535}){1,65535}){1,65535}", "", "x", Invalid);
@@ -710,12 +710,12 @@ void tst_TextFileParser::hostileExpressions_data()
         return;
     }
 
-    // The stack for recursion and groups is small.
-    row("recursion", "a(?R)?b", "aabb", as(100000) + 'b', GivenUp);
+    // The stack for recursion and groups is limited.
+    row("recursion", "a(?R)?b", "aabb", as(100000) + 'b', LimitExceeded);
     row("recursion in alternatives", "(?:a|\\((?R)(?R)?\\))*c", "(ac)c",
-        QByteArray(100000, '(') + 'c', GivenUp);
-    row("recursion that consumes nothing", "(?R)?a|b", "", as(40), GivenUp);
-    row("a group for each character", "(.|\\n)*z", "", QByteArray(1000000, 'a'), GivenUp);
+        QByteArray(100000, '(') + 'c', LimitExceeded);
+    row("recursion that consumes nothing", "(?R)?a|b", "", as(40), LimitExceeded);
+    row("a group for each character", "(.|\\n)*z", "", QByteArray(1000000, 'a'), LimitExceeded);
 
     row("one repetition for all characters", "(?s)\\A.*z", "", QByteArray(1000000, 'a'), NoMatch);
 
@@ -730,7 +730,7 @@ void tst_TextFileParser::hostileExpressions_data()
 void tst_TextFileParser::hostileExpressions()
 {
     QFETCH(QString, pattern);
-    QFETCH(QByteArray, fitting);
+    QFETCH(QByteArray, matching);
     QFETCH(QByteArray, hostile);
     QFETCH(Outcome, outcome);
 
@@ -751,9 +751,9 @@ void tst_TextFileParser::hostileExpressions()
     QCOMPARE(parser.hasError(), outcome != NoMatch);
     QCOMPARE(parser.getLastError(), outcome == NoMatch ? QString() : invalidMatch + pattern);
 
-    // After a match there is no error, whatever the outcome.
-    if (!fitting.isEmpty()) {
-        TextFileParser both(writeFile("both", fitting + '\n' + hostile));
+    // After a match there is no error, regardless of the outcome.
+    if (!matching.isEmpty()) {
+        TextFileParser both(writeFile("both", matching + '\n' + hostile));
         QCOMPARE(both.multiMatch(expression).size(), 1);
         QVERIFY(!both.hasError());
     }
@@ -764,7 +764,7 @@ void tst_TextFileParser::hostileExpressions()
 
 void tst_TextFileParser::patternMayLimitSteps()
 {
-    // Without the limit this takes half a minute and ends without an error.
+    // Without the limit this takes half a minute and finishes without an error.
     const QString pattern = "(*LIMIT_MATCH=10000)(?:a|b)*(?:a|c)*[xy]";
     TextFileParser parser(writeFile("file", QByteArray(3000, 'a') + '!'));
     expectError("Invalid match on expresion: " + pattern);
@@ -851,7 +851,7 @@ void tst_TextFileParser::setErrorWarns()
 
     TextFileParser parser(writeFile("file", QByteArray()));
     messages().expectWarning("TextFileParser", warning).function(signature);
-    // A message handler can read the error that the message is about.
+    // A message handler can already read the error.
     QStringList errorsInHandler;
     messages().setObserver([&parser, &errorsInHandler](const Message&) {
         errorsInHandler.append(parser.hasError() ? parser.getLastError() : QStringLiteral("none"));

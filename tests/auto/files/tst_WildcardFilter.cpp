@@ -46,10 +46,10 @@ private Q_SLOTS:
 void tst_WildcardFilter::onlyTheFlagDecidesCaseSensitivity_data()
 {
     QTest::addColumn<QDir::Filters>("filters");
-    QTest::addColumn<bool>("caseCounts");
+    QTest::addColumn<bool>("isCaseSensitive");
 
-    const auto row = [](const char* name, QDir::Filters filters, bool caseCounts) {
-        QTest::newRow(name) << filters << caseCounts;
+    const auto row = [](const char* name, QDir::Filters filters, bool isCaseSensitive) {
+        QTest::newRow(name) << filters << isCaseSensitive;
     };
     row("no flag", QDir::Filters(), false);
     row("CaseSensitive", QDir::CaseSensitive, true);
@@ -77,12 +77,12 @@ void tst_WildcardFilter::onlyTheFlagDecidesCaseSensitivity_data()
 void tst_WildcardFilter::onlyTheFlagDecidesCaseSensitivity()
 {
     QFETCH(QDir::Filters, filters);
-    QFETCH(bool, caseCounts);
+    QFETCH(bool, isCaseSensitive);
 
     const WildcardFilter filter({"*.TXT"}, filters);
     QVERIFY(filter.matchesFilters("A.TXT"));
-    QCOMPARE(filter.matchesFilters(QStringLiteral("a.txt")), !caseCounts);
-    QCOMPARE(filter.matchesFilters(QStringLiteral("a.Txt")), !caseCounts);
+    QCOMPARE(filter.matchesFilters(QStringLiteral("a.txt")), !isCaseSensitive);
+    QCOMPARE(filter.matchesFilters(QStringLiteral("a.Txt")), !isCaseSensitive);
     QVERIFY(!filter.matchesFilters("a.bin"));
     // Flags for entry types do not affect a filter for names.
     QVERIFY(filter.matchesFilters(".HIDDEN.TXT"));
@@ -104,7 +104,7 @@ void tst_WildcardFilter::patternsMatchWholeNames_data()
     row("start of the name", "archive*", text("archive.tar.gz"), true);
     row("only the start", "archive", text("archive.tar.gz"), false);
     row("star at both ends", "*tar*", text("archive.tar.gz"), true);
-    row("whole name", "archive.tar.gz", text("archive.tar.gz"), true);
+    row("complete name", "archive.tar.gz", text("archive.tar.gz"), true);
     row("more than the name", "archive.tar.gz?", text("archive.tar.gz"), false);
     row("dot matches only a dot", "a.b", text("axb"), false);
     row("star matches everything", "*", text("anything at all"), true);
@@ -168,8 +168,8 @@ void tst_WildcardFilter::patternsMatchWholeNames()
     QCOMPARE(filter.matchesFilters(name), fits);
 }
 
-// File names have at most 255 bytes, and the patterns are as long. None of them matches, so every
-// possibility has to be tried.
+// File names have at most 255 bytes, and the patterns have the same length. No pattern matches, so
+// a backtracking implementation would try every possibility.
 void tst_WildcardFilter::manyStarsOnTheLongestName_data()
 {
     QTest::addColumn<QString>("pattern");

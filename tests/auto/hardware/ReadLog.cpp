@@ -8,8 +8,7 @@
 
 namespace {
 
-// Used by the one thread that reads. The inode identifies the file, because its descriptor is
-// unknown.
+// Only one thread reads. The inode identifies the file, because its descriptor is unknown.
 bool isWatching = false;
 struct stat watchedFile;
 QVector<Read> watchedReads;

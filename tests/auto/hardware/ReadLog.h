@@ -18,7 +18,7 @@ inline bool operator==(const Read& left, const Read& right)
 
 /*
  * Records each read() of one file during its lifetime, in order. The program interposes read() of
- * the C library, so the log shows what Qt requests below its buffers.
+ * the C library, so reads from Qt's buffers are not in the log.
  */
 class ReadLog
 {

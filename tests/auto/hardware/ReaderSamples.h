@@ -7,7 +7,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-// A board's text, the resulting record, and the reader's warnings.
+// The INI text of a board, the resulting record, and the warnings of HardwareInfoReader.
 namespace ReaderSamples {
 
 extern const QByteArray boardText;

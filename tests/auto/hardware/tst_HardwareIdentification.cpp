@@ -9,7 +9,8 @@
 // Applications may derive from the class and delete objects through a base pointer.
 static_assert(std::is_polymorphic<HardwareIdentification>::value, "has virtual functions");
 static_assert(std::has_virtual_destructor<HardwareIdentification>::value, "may be derived from");
-static_assert(std::is_constructible<HardwareIdentification, const QString&>::value, "takes an ID");
+static_assert(std::is_constructible<HardwareIdentification, const QString&>::value,
+              "can be constructed from an ID");
 static_assert(std::is_copy_constructible<HardwareIdentification>::value &&
                   std::is_copy_assignable<HardwareIdentification>::value,
               "is a value");
@@ -188,7 +189,7 @@ void tst_HardwareIdentification::invalidIdLeavesPartsEmpty_data()
     const QString mathematical = QString::fromUtf8("\xF0\x9D\x9F\x8F").repeated(8);
     numbers("digits of two UTF-16 units", mathematical, mathematical);
 
-    // The space of the text and the one that QDebug inserts between items.
+    // Two spaces: the trailing one of the message and the one that QDebug inserts between items.
     const QString documentType = "Document type count number is invalid  \"000\"";
     QTest::newRow("document type 000") << "1234560000000167" << documentType;
     QTest::newRow("only document type 000") << "1234567800034567" << documentType;
@@ -262,9 +263,9 @@ void tst_HardwareIdentification::containsSixteenDigits_data()
     QTest::newRow("16 zeros") << QString(16, QLatin1Char('0')) << true;
     QTest::newRow("17 digits") << validId + QLatin1Char('8') << true;
     QTest::newRow("many digits") << validId.repeated(100) << true;
-    QTest::newRow("16 digits after a word") << "ID " + validId << true;
-    QTest::newRow("16 digits before a word") << validId + " is it" << true;
-    QTest::newRow("16 digits between others") << "1 22 333 x" + validId + "x4" << true;
+    QTest::newRow("16 digits after letters") << "ID " + validId << true;
+    QTest::newRow("16 digits before letters") << validId + " is it" << true;
+    QTest::newRow("16 digits between other characters") << "1 22 333 x" + validId + "x4" << true;
     QTest::newRow("16 digits in the second line") << "a\n" + validId << true;
     QTest::newRow("16 digits after a NUL") << QString(1, QChar::Null) + validId << true;
     QTest::newRow("twice 15 digits")

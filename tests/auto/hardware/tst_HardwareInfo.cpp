@@ -95,7 +95,8 @@ void tst_HardwareInfo::copiesAreIndependent()
 
 void tst_HardwareInfo::fieldsAreInDeclaredOrder()
 {
-    static_assert(std::has_virtual_destructor<HardwareInfo>::value, "destroyed through the base");
+    static_assert(std::has_virtual_destructor<HardwareInfo>::value,
+                  "may be deleted through a base pointer");
     static_assert(sizeof(HardwareInfo) == sizeof(void*) + 6 * sizeof(QString), "a fixed layout");
 
     HardwareInfo info;

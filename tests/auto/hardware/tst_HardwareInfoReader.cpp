@@ -27,7 +27,7 @@ const QByteArray shortText = "Type=4711\n";
 constexpr char readFunction[] = "bool HardwareInfoReader::readHardwareInfoFromSysFs(const "
                                 "QString&, const QString&, HardwareInfo&)";
 
-// Without these keys, the warnings show in which order they are read. (A missing comment logs
+// If these keys are missing, the warnings show the order of the reads. (A missing comment logs
 // nothing.)
 const QStringList keysInReadOrder = {"Version", "LP-ID", "Type", "TypeName", "CompatibilityIndex"};
 
@@ -54,39 +54,39 @@ class tst_HardwareInfoReader : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void validImages_data();
-    void validImages();
-    void blockBeforeOrOverlappingTheHeader_data();
-    void blockBeforeOrOverlappingTheHeader();
-    void blockAnywhereInAHugeImage_data();
-    void blockAnywhereInAHugeImage();
-    void truncatedImage_data();
-    void truncatedImage();
-    void blockBeyondTheImage_data();
-    void blockBeyondTheImage();
+    void validImagesAreRead_data();
+    void validImagesAreRead();
+    void blockMayPrecedeOrOverlapTheHeader_data();
+    void blockMayPrecedeOrOverlapTheHeader();
+    void blockMayBeAnywhereInAHugeImage_data();
+    void blockMayBeAnywhereInAHugeImage();
+    void truncatedImageIsRejected_data();
+    void truncatedImageIsRejected();
+    void blockBeyondTheImageIsRejected_data();
+    void blockBeyondTheImageIsRejected();
     void blockLengthLimit_data();
     void blockLengthLimit();
-    void emptyBlock_data();
-    void emptyBlock();
-    void wrongChecksum_data();
-    void wrongChecksum();
+    void emptyBlockYieldsAnEmptyRecord_data();
+    void emptyBlockYieldsAnEmptyRecord();
+    void invalidChecksumIsRejected_data();
+    void invalidChecksumIsRejected();
     void everyFlippedBitOfTheBlockIsDetected();
-    void missingFile_data();
-    void missingFile();
-    void imageThatCannotBeOpened_data();
-    void imageThatCannotBeOpened();
-    void imageWithoutReadPermission();
-    void failedSeeksInAPipe_data();
-    void failedSeeksInAPipe();
+    void missingFileIsReported_data();
+    void missingFileIsReported();
+    void imageThatCannotBeOpenedIsReported_data();
+    void imageThatCannotBeOpenedIsReported();
+    void imageWithoutReadPermissionIsReported();
+    void failedSeekInAPipeIsReported_data();
+    void failedSeekInAPipeIsReported();
     void onlyTheFirstFailureIsReported_data();
     void onlyTheFirstFailureIsReported();
     void onlyHeaderAndBlockAreRead_data();
     void onlyHeaderAndBlockAreRead();
     void keysAreReadInOrder();
     void temporaryFileExistsOnlyWhileParsing();
-    void unusableTemporaryFile();
+    void unusableTemporaryFileYieldsAnEmptyRecord();
     void readerMayBeUsedAgain();
-    void readersOnSeveralThreads();
+    void readersInSeveralThreadsAreIndependent();
     void data2HwInfoFillsTheRecord();
     void bytes2Uint32_data();
     void bytes2Uint32();
@@ -95,7 +95,7 @@ private Q_SLOTS:
     void crcVectors();
     void crcOfRandomBlocks();
     void crcOfZeroBytesReadsNoData();
-    void classIsAPlainQObject();
+    void classAddsNothingToTheMetaObject();
     void fieldsAreInDeclaredOrder();
 
 private:
@@ -159,7 +159,7 @@ void tst_HardwareInfoReader::expectMissingKeys(const QStringList& keys)
     }
 }
 
-void tst_HardwareInfoReader::validImages_data()
+void tst_HardwareInfoReader::validImagesAreRead_data()
 {
     QTest::addColumn<QByteArray>("image");
 
@@ -180,13 +180,13 @@ void tst_HardwareInfoReader::validImages_data()
     row("upper checksum bits mixed", Image(boardText).upperChecksumBits(0xA5C3));
 }
 
-void tst_HardwareInfoReader::validImages()
+void tst_HardwareInfoReader::validImagesAreRead()
 {
     QFETCH(QByteArray, image);
     verifyRead(writeImage(image), boardRecord);
 }
 
-void tst_HardwareInfoReader::blockBeforeOrOverlappingTheHeader_data()
+void tst_HardwareInfoReader::blockMayPrecedeOrOverlapTheHeader_data()
 {
     QTest::addColumn<QByteArray>("image");
 
@@ -205,11 +205,10 @@ void tst_HardwareInfoReader::blockBeforeOrOverlappingTheHeader_data()
         Image(shortText).startAddress(35).upperChecksumBits(quint16(word("\0T\0"))));
     row("starting with the start address",
         Image(QByteArray(12, '?') + '\n' + shortText).startAddress(24));
-    row("around the whole header",
-        Image(';' + QByteArray(35, '?') + '\n' + shortText).startAddress(0));
+    row("around the header", Image(';' + QByteArray(35, '?') + '\n' + shortText).startAddress(0));
 }
 
-void tst_HardwareInfoReader::blockBeforeOrOverlappingTheHeader()
+void tst_HardwareInfoReader::blockMayPrecedeOrOverlapTheHeader()
 {
     QFETCH(QByteArray, image);
     QStringList missing = keysInReadOrder;
@@ -223,7 +222,7 @@ void tst_HardwareInfoReader::blockBeforeOrOverlappingTheHeader()
     verifyRead(writeImage(image), record);
 }
 
-void tst_HardwareInfoReader::blockAnywhereInAHugeImage_data()
+void tst_HardwareInfoReader::blockMayBeAnywhereInAHugeImage_data()
 {
     QTest::addColumn<quint32>("address");
     QTest::newRow("across 2^31") << quint32(0x7FFFFFF0U);
@@ -233,7 +232,7 @@ void tst_HardwareInfoReader::blockAnywhereInAHugeImage_data()
 }
 
 // A sparse file: the gigabytes before the block use no disk space.
-void tst_HardwareInfoReader::blockAnywhereInAHugeImage()
+void tst_HardwareInfoReader::blockMayBeAnywhereInAHugeImage()
 {
     QFETCH(quint32, address);
     const QString image =
@@ -246,7 +245,7 @@ void tst_HardwareInfoReader::blockAnywhereInAHugeImage()
     verifyRead(image, boardRecord);
 }
 
-void tst_HardwareInfoReader::truncatedImage_data()
+void tst_HardwareInfoReader::truncatedImageIsRejected_data()
 {
     QTest::addColumn<int>("size");
     const int full = EepromImage(boardText).bytes().size();
@@ -255,12 +254,12 @@ void tst_HardwareInfoReader::truncatedImage_data()
     }
 }
 
-void tst_HardwareInfoReader::truncatedImage()
+void tst_HardwareInfoReader::truncatedImageIsRejected()
 {
     QFETCH(int, size);
-    const QByteArray whole = EepromImage(boardText).bytes();
-    const QString image = writeImage(whole.left(size));
-    if (size == whole.size()) {
+    const QByteArray complete = EepromImage(boardText).bytes();
+    const QString image = writeImage(complete.left(size));
+    if (size == complete.size()) {
         verifyRead(image, boardRecord);
         return;
     }
@@ -272,7 +271,7 @@ void tst_HardwareInfoReader::truncatedImage()
     verifyNotRead(image);
 }
 
-void tst_HardwareInfoReader::blockBeyondTheImage_data()
+void tst_HardwareInfoReader::blockBeyondTheImageIsRejected_data()
 {
     QTest::addColumn<quint32>("address");
     const quint32 end = quint32(EepromImage(boardText).bytes().size());
@@ -284,7 +283,7 @@ void tst_HardwareInfoReader::blockBeyondTheImage_data()
     QTest::newRow("2^32 - 1") << quint32(0xFFFFFFFFU);
 }
 
-void tst_HardwareInfoReader::blockBeyondTheImage()
+void tst_HardwareInfoReader::blockBeyondTheImageIsRejected()
 {
     QFETCH(quint32, address);
     const QString image = writeImage(EepromImage(boardText).writtenStartAddress(address).bytes());
@@ -319,7 +318,7 @@ void tst_HardwareInfoReader::blockLengthLimit()
     verifyNotRead(image);
 }
 
-void tst_HardwareInfoReader::emptyBlock_data()
+void tst_HardwareInfoReader::emptyBlockYieldsAnEmptyRecord_data()
 {
     QTest::addColumn<QByteArray>("image");
     QTest::newRow("header only") << EepromImage(QByteArray()).bytes();
@@ -330,14 +329,14 @@ void tst_HardwareInfoReader::emptyBlock_data()
     QTest::newRow("only zeros") << QByteArray(256, '\0');
 }
 
-void tst_HardwareInfoReader::emptyBlock()
+void tst_HardwareInfoReader::emptyBlockYieldsAnEmptyRecord()
 {
     QFETCH(QByteArray, image);
     expectNoTextInTemporaryFile("Error on writing to temporary file for version data!");
     verifyRead(writeImage(image), sixEmptyTexts);
 }
 
-void tst_HardwareInfoReader::wrongChecksum_data()
+void tst_HardwareInfoReader::invalidChecksumIsRejected_data()
 {
     QTest::addColumn<QByteArray>("image");
 
@@ -351,7 +350,7 @@ void tst_HardwareInfoReader::wrongChecksum_data()
     row("bit 8", Image(boardText).checksum(right ^ 0x0100));
     row("highest bit", Image(boardText).checksum(right ^ 0x8000));
     row("inverted", Image(boardText).checksum(quint16(~right)));
-    row("bytes swapped", Image(boardText).checksum(qbswap(right)));
+    row("swapped bytes", Image(boardText).checksum(qbswap(right)));
     row("checksum in the upper bits", Image(boardText).checksum(0).upperChecksumBits(right));
     row("empty block", Image(QByteArray()).checksum(1));
     row("empty block, highest bit", Image(QByteArray()).checksum(0x8000));
@@ -359,7 +358,7 @@ void tst_HardwareInfoReader::wrongChecksum_data()
     row("length off by one", Image(boardText).bytesToRead(quint32(boardText.size()) - 1));
 }
 
-void tst_HardwareInfoReader::wrongChecksum()
+void tst_HardwareInfoReader::invalidChecksumIsRejected()
 {
     QFETCH(QByteArray, image);
     const QString file = writeImage(image);
@@ -377,7 +376,7 @@ void tst_HardwareInfoReader::everyFlippedBitOfTheBlockIsDetected()
     }
 }
 
-void tst_HardwareInfoReader::missingFile_data()
+void tst_HardwareInfoReader::missingFileIsReported_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("no such file") << "none";
@@ -385,7 +384,7 @@ void tst_HardwareInfoReader::missingFile_data()
     QTest::newRow("file as directory") << "file/eeprom";
 }
 
-void tst_HardwareInfoReader::missingFile()
+void tst_HardwareInfoReader::missingFileIsReported()
 {
     QFETCH(QString, name);
     writeFile("file", "content");
@@ -398,7 +397,7 @@ void tst_HardwareInfoReader::missingFile()
     verifyNotRead(path(name));
 }
 
-void tst_HardwareInfoReader::imageThatCannotBeOpened_data()
+void tst_HardwareInfoReader::imageThatCannotBeOpenedIsReported_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("directory") << QString();
@@ -406,7 +405,7 @@ void tst_HardwareInfoReader::imageThatCannotBeOpened_data()
     QTest::newRow("dangling link") << "link";
 }
 
-void tst_HardwareInfoReader::imageThatCannotBeOpened()
+void tst_HardwareInfoReader::imageThatCannotBeOpenedIsReported()
 {
     QFETCH(QString, name);
     QVERIFY(QFile::link(path("none"), path("link")));
@@ -419,7 +418,7 @@ void tst_HardwareInfoReader::imageThatCannotBeOpened()
     verifyNotRead(path(name));
 }
 
-void tst_HardwareInfoReader::imageWithoutReadPermission()
+void tst_HardwareInfoReader::imageWithoutReadPermissionIsReported()
 {
     const QString image = writeImage(EepromImage(boardText).bytes());
     QVERIFY(QFile::setPermissions(image, QFileDevice::Permissions()));
@@ -437,7 +436,7 @@ void tst_HardwareInfoReader::imageWithoutReadPermission()
              QStringLiteral("Can't open eeprom binary file \"%1\" .\n").arg(image));
 }
 
-void tst_HardwareInfoReader::failedSeeksInAPipe_data()
+void tst_HardwareInfoReader::failedSeekInAPipeIsReported_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("headerBytes");
@@ -445,16 +444,16 @@ void tst_HardwareInfoReader::failedSeeksInAPipe_data()
     const auto header = [](const EepromImage& image) {
         return image.bytes().mid(EepromImage::headerAddress, EepromImage::headerSize);
     };
-    // A pipe is not seekable: its first bytes are read as the header, and only the failure of the
-    // seek to the block is noticed.
-    QTest::newRow("whole header") << header(EepromImage(boardText).writtenStartAddress(0x80000001U))
-                                  << 16;
+    // A pipe is not seekable: its first bytes are read as the header, and only the failed seek to
+    // the block is detected.
+    QTest::newRow("complete header")
+        << header(EepromImage(boardText).writtenStartAddress(0x80000001U)) << 16;
     QTest::newRow("length over the limit")
         << header(EepromImage(boardText).writtenStartAddress(0x80000001U).bytesToRead(65536)) << 16;
     QTest::newRow("truncated header") << QByteArray("seven b") << 7;
 }
 
-void tst_HardwareInfoReader::failedSeeksInAPipe()
+void tst_HardwareInfoReader::failedSeekInAPipeIsReported()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, headerBytes);
@@ -463,7 +462,7 @@ void tst_HardwareInfoReader::failedSeeksInAPipe()
     QCOMPARE(write(ends[1], content.constData(), size_t(content.size())), ssize_t(content.size()));
     close(ends[1]);
     const QString image = QStringLiteral("/proc/self/fd/%1").arg(ends[0]);
-    // QFile itself warns that it cannot seek; the first such failure has no effect.
+    // QFile warns about each failed seek; the first failure has no other effect.
     const auto expectSeekOfQFile = [this](quint32 address) {
         messages().expect(QtWarningMsg,
                           QStringLiteral("QFile::at: Cannot set file position %1").arg(address));
@@ -486,17 +485,17 @@ void tst_HardwareInfoReader::onlyTheFirstFailureIsReported_data()
 
     using Image = EepromImage;
     const QString file = "%1";
-    const QByteArray wrong = Image(boardText).checksum(0).bytes();
+    const QByteArray invalid = Image(boardText).checksum(0).bytes();
     QTest::newRow("short header before any other failure")
         << Image(boardText).bytesToRead(0xFFFFFFFFU).checksum(0).bytes().left(35)
         << shortHeader(15, file);
     QTest::newRow("length over the limit before short block")
         << Image(boardText).bytesToRead(65536).writtenStartAddress(0xFFFFFFFFU).bytes()
         << tooLong(65536, file);
-    QTest::newRow("length over the limit before wrong checksum")
+    QTest::newRow("length over the limit before invalid checksum")
         << Image(QByteArray(65536, ';')).checksum(0).bytes() << tooLong(65536, file);
-    QTest::newRow("short block before wrong checksum")
-        << wrong.left(wrong.size() - 1) << shortBlock(file);
+    QTest::newRow("short block before invalid checksum")
+        << invalid.left(invalid.size() - 1) << shortBlock(file);
 }
 
 void tst_HardwareInfoReader::onlyTheFirstFailureIsReported()
@@ -575,7 +574,7 @@ void tst_HardwareInfoReader::temporaryFileExistsOnlyWhileParsing()
     QStringList record = sixEmptyTexts;
     record[5] = "no more";
     verifyRead(writeImage(EepromImage(text).bytes()), record);
-    // There is one file when each of the messages is logged.
+    // There is exactly one file at each message.
     QStringList expected;
     for (int i = 0; i < keysInReadOrder.size(); ++i) {
         expected.append(QString::fromLatin1(text));
@@ -584,7 +583,7 @@ void tst_HardwareInfoReader::temporaryFileExistsOnlyWhileParsing()
 }
 
 // The block is valid, so the read succeeds although no value could be read.
-void tst_HardwareInfoReader::unusableTemporaryFile()
+void tst_HardwareInfoReader::unusableTemporaryFileYieldsAnEmptyRecord()
 {
     expectNoTextInTemporaryFile("Can't open temporary file for version data!");
     HardwareInfo info = usedRecord();
@@ -612,25 +611,25 @@ void tst_HardwareInfoReader::readerMayBeUsedAgain()
     }
 }
 
-void tst_HardwareInfoReader::readersOnSeveralThreads()
+void tst_HardwareInfoReader::readersInSeveralThreadsAreIndependent()
 {
     constexpr int threadCount = 4;
     constexpr int readsPerThread = 25;
     QDir(directory()).mkdir("tmp");
-    QAtomicInt goodReads;
+    QAtomicInt correctReads;
     std::vector<std::unique_ptr<QThread>> threads;
     for (int i = 0; i < threadCount; ++i) {
         QByteArray text = boardText;
         text.replace("4711", QByteArray::number(i));
         const QString image = writeFile(QString::number(i), EepromImage(text).bytes());
-        threads.emplace_back(QThread::create([this, image, i, &goodReads] {
+        threads.emplace_back(QThread::create([this, image, i, &correctReads] {
             HardwareInfoReader reader(nullptr);
             for (int read = 0; read < readsPerThread; ++read) {
                 HardwareInfo info;
                 if (reader.readHardwareInfoFromSysFs(fileTemplate(), image, info) &&
                     info.type() == QString::number(i) &&
                     info.Comment() == boardRecord.constLast()) {
-                    goodReads.ref();
+                    correctReads.ref();
                 }
             }
         }));
@@ -639,7 +638,7 @@ void tst_HardwareInfoReader::readersOnSeveralThreads()
     for (const auto& thread : threads) {
         QVERIFY(thread->wait());
     }
-    QCOMPARE(goodReads.loadAcquire(), threadCount * readsPerThread);
+    QCOMPARE(correctReads.loadAcquire(), threadCount * readsPerThread);
     QCOMPARE(temporaryFiles(), QStringList());
 }
 
@@ -755,7 +754,7 @@ void tst_HardwareInfoReader::crcOfZeroBytesReadsNoData()
     QCOMPARE(reader.checksumXModemCRC("AB", 1), quint16(0x58E5));
 }
 
-void tst_HardwareInfoReader::classIsAPlainQObject()
+void tst_HardwareInfoReader::classAddsNothingToTheMetaObject()
 {
     std::unique_ptr<QObject> parent(new QObject);
     const QPointer<HardwareInfoReader> reader(new HardwareInfoReader(parent.get()));
@@ -776,7 +775,7 @@ void tst_HardwareInfoReader::classIsAPlainQObject()
     QCOMPARE(reader->qt_metacast("HardwareInfo"), nullptr);
     QVERIFY(reader->inherits("HardwareInfoReader"));
     QVERIFY(reader->inherits("QObject"));
-    // The class handles no meta-calls of its own.
+    // The class adds no meta-calls.
     const int firstOwn = QObject::staticMetaObject.methodCount();
     QCOMPARE(reader->qt_metacall(QMetaObject::InvokeMetaMethod, firstOwn + 3, nullptr), 3);
 

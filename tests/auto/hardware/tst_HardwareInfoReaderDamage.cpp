@@ -23,7 +23,7 @@ quint32 word(const QByteArray& image, int address)
     return qFromLittleEndian<quint32>(image.constData() + address);
 }
 
-// The reader's warning for an image, determined in a simple way; empty for a valid image.
+// A simple implementation of the reader's checks: the warning for an image; empty if it is valid.
 QString warningOf(const QByteArray& image, const QString& filePath)
 {
     if (image.size() < EepromImage::headerEnd) {
@@ -47,26 +47,27 @@ QString warningOf(const QByteArray& image, const QString& filePath)
 } // namespace
 
 /*
- * Damaged images: either the image is rejected with one message and the record is unchanged, or the
- * damage does not affect the result.
+ * Reads damaged images. Either the reader rejects the image with one message and does not change
+ * the record, or the damage does not affect the record.
  */
 class tst_HardwareInfoReaderDamage : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyPrefix();
-    void everyBit();
-    void everyTwoBitsOfTheBlock();
-    void everyTwoBitsOfTheHeader();
-    void erasedImages_data();
-    void erasedImages();
-    void garbage();
+    void everyPrefixIsRejected();
+    void everyFlippedBitIsDetectedOrIgnored();
+    void everyTwoFlippedBitsOfTheBlockAreDetected();
+    void everyTwoFlippedBitsOfTheHeaderAreDetectedOrIgnored();
+    void erasedImagesAreValidOnlyIfZero_data();
+    void erasedImagesAreValidOnlyIfZero();
+    void randomImagesAreRejectedOrValid();
 
 private:
     void store(const QByteArray& image);
     void flip(int bit);
-    // Whether the stored image was read, and whether the message agrees.
+    // Reads the stored image and returns whether that succeeded. The test fails if the messages or
+    // the record differ from the expected ones.
     bool isRead(const QString& warning);
     bool isRead() { return isRead(warningOf(m_image, m_file->fileName())); }
 
@@ -84,7 +85,7 @@ void tst_HardwareInfoReaderDamage::store(const QByteArray& image)
     QCOMPARE(m_file->write(image), qint64(image.size()));
 }
 
-// Flips a bit in the stored image; a second call restores it.
+// Flips a bit of the stored image; a second call restores the bit.
 void tst_HardwareInfoReaderDamage::flip(int bit)
 {
     const int address = bit / 8;
@@ -100,11 +101,11 @@ bool tst_HardwareInfoReaderDamage::isRead(const QString& warning)
     const bool isRead =
         m_reader.readHardwareInfoFromSysFs(path("hwinfo.XXXXXX"), m_file->fileName(), m_info);
     const QVector<Message> taken = messages().take();
-    const bool isAsSaid = isRead ? warning.isEmpty()
-                                 : taken.size() == 1 && taken.first().text == warning &&
-                                       taken.first().level == QtWarningMsg &&
-                                       values(m_info) == untouched;
-    if (!isAsSaid) {
+    const bool isAsExpected = isRead ? warning.isEmpty()
+                                     : taken.size() == 1 && taken.first().text == warning &&
+                                           taken.first().level == QtWarningMsg &&
+                                           values(m_info) == untouched;
+    if (!isAsExpected) {
         const QString report = "image %1: result %2, %3 messages: %4";
         QTest::qFail(
             qPrintable(report.arg(QString::fromLatin1(m_image.toHex()), QVariant(isRead).toString(),
@@ -115,7 +116,7 @@ bool tst_HardwareInfoReaderDamage::isRead(const QString& warning)
     return isRead;
 }
 
-void tst_HardwareInfoReaderDamage::everyPrefix()
+void tst_HardwareInfoReaderDamage::everyPrefixIsRejected()
 {
     const QByteArray image = EepromImage(boardText).bytes();
     for (int size = 0; size < image.size(); ++size) {
@@ -127,7 +128,7 @@ void tst_HardwareInfoReaderDamage::everyPrefix()
     QCOMPARE(values(m_info), boardRecord);
 }
 
-void tst_HardwareInfoReaderDamage::everyBit()
+void tst_HardwareInfoReaderDamage::everyFlippedBitIsDetectedOrIgnored()
 {
     store(EepromImage(guardedBlock()).bytes());
     QVERIFY(isRead());
@@ -142,11 +143,11 @@ void tst_HardwareInfoReaderDamage::everyBit()
         QVERIFY(!QTest::currentTestFailed());
         flip(bit);
     }
-    // Nothing evaluates the bytes before the header, its first word, and half of its last word.
+    // The reader ignores the bytes before the header, its first word, and half of its last word.
     QCOMPARE(reads, (20 + 4 + 2) * 8);
 }
 
-void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheBlock()
+void tst_HardwareInfoReaderDamage::everyTwoFlippedBitsOfTheBlockAreDetected()
 {
     store(EepromImage(guardedBlock()).bytes());
     const QString warning = invalidChecksum(m_file->fileName());
@@ -166,7 +167,7 @@ void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheBlock()
     QCOMPARE(pairs, isEmulated() ? 32320 : 319600);
 }
 
-void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheHeader()
+void tst_HardwareInfoReaderDamage::everyTwoFlippedBitsOfTheHeaderAreDetectedOrIgnored()
 {
     store(EepromImage(guardedBlock()).bytes());
     QVERIFY(isRead());
@@ -187,11 +188,11 @@ void tst_HardwareInfoReaderDamage::everyTwoBitsOfTheHeader()
         }
         flip(first);
     }
-    // Both bits are among the 48 that are not evaluated.
+    // The reads that succeed are those with both bits among the 48 ignored ones.
     QCOMPARE(reads, 48 * 47 / 2);
 }
 
-void tst_HardwareInfoReaderDamage::erasedImages_data()
+void tst_HardwareInfoReaderDamage::erasedImagesAreValidOnlyIfZero_data()
 {
     QTest::addColumn<QByteArray>("image");
     QTest::addColumn<bool>("isAccepted");
@@ -202,7 +203,7 @@ void tst_HardwareInfoReaderDamage::erasedImages_data()
     }
 }
 
-void tst_HardwareInfoReaderDamage::erasedImages()
+void tst_HardwareInfoReaderDamage::erasedImagesAreValidOnlyIfZero()
 {
     QFETCH(QByteArray, image);
     QFETCH(bool, isAccepted);
@@ -211,7 +212,7 @@ void tst_HardwareInfoReaderDamage::erasedImages()
     QCOMPARE(values(m_info), isAccepted ? sixEmptyTexts : untouched);
 }
 
-void tst_HardwareInfoReaderDamage::garbage()
+void tst_HardwareInfoReaderDamage::randomImagesAreRejectedOrValid()
 {
     QRandomGenerator random(20240229);
     const int images = rounds(20000);

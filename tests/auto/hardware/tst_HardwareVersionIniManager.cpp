@@ -28,8 +28,8 @@ using Name = const QString& (HardwareVersionIniManager::*)() const;
 Q_DECLARE_METATYPE(Reader)
 Q_DECLARE_METATYPE(Name)
 
-// The operator new that the library calls where it can continue without an object. It uses the
-// ordinary operator new, so that the ordinary delete matches.
+// Replaces the operator new that the library calls where it can continue without an object. It
+// calls the ordinary operator new, so that the ordinary delete matches.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     return memoryIsExhausted ? nullptr : ::operator new(size);
@@ -41,8 +41,8 @@ class tst_HardwareVersionIniManager : public TestCase
 
 private Q_SLOTS:
     void readsTheSixKeys();
-    void namesOfKeysAndGroup_data();
-    void namesOfKeysAndGroup();
+    void namesAreConstant_data();
+    void namesAreConstant();
     void valuesFollowTheIniFormat_data();
     void valuesFollowTheIniFormat();
     void missingKeyWarns_data();
@@ -54,12 +54,12 @@ private Q_SLOTS:
     void textIsStoredInATemporaryFile();
     void emptyTextIsReportedAsWriteError_data();
     void emptyTextIsReportedAsWriteError();
-    void unusableTemplate_data();
-    void unusableTemplate();
-    void exhaustedMemory();
-    void fullDisk_data();
-    void fullDisk();
-    void classLayout();
+    void unusableTemplateIsReported_data();
+    void unusableTemplateIsReported();
+    void exhaustedMemoryIsReported();
+    void fullDiskYieldsEmptyValues_data();
+    void fullDiskYieldsEmptyValues();
+    void fieldsAreInDeclaredOrder();
 
 private:
     QString fileTemplate() const { return path("hwinfo.XXXXXX"); }
@@ -121,7 +121,7 @@ void tst_HardwareVersionIniManager::readsTheSixKeys()
     QCOMPARE(manager.getComment(), QStringLiteral("Made up"));
 }
 
-void tst_HardwareVersionIniManager::namesOfKeysAndGroup_data()
+void tst_HardwareVersionIniManager::namesAreConstant_data()
 {
     QTest::addColumn<Name>("name");
     QTest::addColumn<QString>("text");
@@ -137,7 +137,7 @@ void tst_HardwareVersionIniManager::namesOfKeysAndGroup_data()
     row("Comment", &HardwareVersionIniManager::getKeyComment);
 }
 
-void tst_HardwareVersionIniManager::namesOfKeysAndGroup()
+void tst_HardwareVersionIniManager::namesAreConstant()
 {
     QFETCH(Name, name);
     QFETCH(QString, text);
@@ -146,7 +146,7 @@ void tst_HardwareVersionIniManager::namesOfKeysAndGroup()
     const QString& first = (manager.*name)();
     QCOMPARE(first, text);
     QVERIFY(!first.isNull());
-    // The whole process shares one string.
+    // All objects share one string.
     QCOMPARE(&(manager.*name)(), &first);
     QCOMPARE(&(other.*name)(), &first);
 }
@@ -294,14 +294,14 @@ void tst_HardwareVersionIniManager::emptyTextIsReportedAsWriteError()
     QCOMPARE(filesInDirectory(), QStringList());
 }
 
-void tst_HardwareVersionIniManager::unusableTemplate_data()
+void tst_HardwareVersionIniManager::unusableTemplateIsReported_data()
 {
     QTest::addColumn<QString>("templateName");
     QTest::newRow("missing directory") << "none/hwinfo.XXXXXX";
     QTest::newRow("directory is a file") << "file/hwinfo.XXXXXX";
 }
 
-void tst_HardwareVersionIniManager::unusableTemplate()
+void tst_HardwareVersionIniManager::unusableTemplateIsReported()
 {
     QFETCH(QString, templateName);
     const QString file = writeFile("file", "content");
@@ -317,7 +317,7 @@ void tst_HardwareVersionIniManager::unusableTemplate()
     QCOMPARE(readFile(file), QByteArray("content"));
 }
 
-void tst_HardwareVersionIniManager::exhaustedMemory()
+void tst_HardwareVersionIniManager::exhaustedMemoryIsReported()
 {
     messages()
         .expect(QtCriticalMsg, "Can't create 'IniFileManager' object!")
@@ -336,16 +336,16 @@ void tst_HardwareVersionIniManager::exhaustedMemory()
     QCOMPARE(filesInDirectory(), QStringList());
 }
 
-void tst_HardwareVersionIniManager::fullDisk_data()
+void tst_HardwareVersionIniManager::fullDiskYieldsEmptyValues_data()
 {
     QTest::addColumn<QByteArray>("text");
-    // The first text fails when it is flushed, the second already when it is written.
+    // The first text fails when it is flushed, the second when it is written.
     QTest::newRow("text that fits a buffer") << boardText;
     QTest::newRow("text longer than a buffer") << boardText + QByteArray(40000, ';');
 }
 
-// A failed write differs from an empty text: there is a manager, which finds no key.
-void tst_HardwareVersionIniManager::fullDisk()
+// Unlike an empty text, a failed write leaves a manager, which finds no key.
+void tst_HardwareVersionIniManager::fullDiskYieldsEmptyValues()
 {
     QFETCH(QByteArray, text);
     const ChildResult result = ChildProcess::run([this, &text] {
@@ -367,10 +367,11 @@ void tst_HardwareVersionIniManager::fullDisk()
     QVERIFY2(expected.match(output).hasMatch(), result.output.constData());
 }
 
-void tst_HardwareVersionIniManager::classLayout()
+void tst_HardwareVersionIniManager::fieldsAreInDeclaredOrder()
 {
     using Class = HardwareVersionIniManager;
-    static_assert(std::has_virtual_destructor<Class>::value, "destroyed through the base");
+    static_assert(std::has_virtual_destructor<Class>::value,
+                  "may be deleted through a base pointer");
     static_assert(!std::is_copy_constructible<Class>::value, "the file has one owner");
     static_assert(!std::is_copy_assignable<Class>::value, "the file has one owner");
     static_assert(sizeof(Class) ==

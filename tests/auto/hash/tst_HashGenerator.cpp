@@ -25,7 +25,7 @@ qint64 sizeAtFirstRead = -1;
 
 } // namespace
 
-// Interposes the system's read(): another process truncates the file that is being read.
+// Interposes read() to simulate another process that truncates the file during the read.
 extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
 {
     using Function = ssize_t (*)(int, void*, size_t);
@@ -55,7 +55,7 @@ struct Content
 
 QVector<Content> contents()
 {
-    // Qt reads chunks of 16 KiB: carriage returns on both sides of a boundary, and far after it.
+    // Qt reads chunks of 16 KiB, so there are carriage returns on both sides of a chunk boundary.
     const QByteArray piece(16383, 'x');
     return {
         {"empty", "", ""},
@@ -90,32 +90,32 @@ class tst_HashGenerator : public TestCase
 
 private Q_SLOTS:
     void destructorIsVirtual();
-    void fileHash_data();
-    void fileHash();
-    void largeFile();
-    void fileThatShrinksWhileItIsRead();
+    void fileHashOmitsCarriageReturns_data();
+    void fileHashOmitsCarriageReturns();
+    void largeFileIsHashedCompletely();
+    void truncationDuringReadOmitsBytes();
     void fileHashVectors_data();
     void fileHashVectors();
-    void fileOfUnknownSize();
+    void fileOfUnknownSizeIsHashed();
     void hashingDoesNotChangeTheFile();
-    void missingFile_data();
-    void missingFile();
-    void danglingLink();
-    void linkToFile();
+    void missingFileIsReported_data();
+    void missingFileIsReported();
+    void danglingLinkIsReported();
+    void linkedFileIsHashed();
     void directoryHasNoHash();
-    void unreadableFile();
-    void filesWithoutPermission_data();
-    void filesWithoutPermission();
-    void textHash_data();
-    void textHash();
+    void unreadableBytesAreOmitted();
+    void missingPermissionIsReported_data();
+    void missingPermissionIsReported();
+    void textHashIsFnv1a_data();
+    void textHashIsFnv1a();
     void textHashOfEveryByte();
     void textHashEndsAtTheZeroByte();
-    void variantHash_data();
-    void variantHash();
+    void variantHashIsThatOfItsText_data();
+    void variantHashIsThatOfItsText();
     void variantHashVectors_data();
     void variantHashVectors();
     void variantIsHashedAsUtf8InEveryLocale();
-    void manyThreads();
+    void threadsDoNotInterfere();
 };
 
 void tst_HashGenerator::destructorIsVirtual()
@@ -123,7 +123,7 @@ void tst_HashGenerator::destructorIsVirtual()
     QVERIFY(isDestroyedThroughBase<HashGenerator>());
 }
 
-void tst_HashGenerator::fileHash_data()
+void tst_HashGenerator::fileHashOmitsCarriageReturns_data()
 {
     QTest::addColumn<int>("algorithm");
     QTest::addColumn<QByteArray>("bytes");
@@ -139,7 +139,7 @@ void tst_HashGenerator::fileHash_data()
     }
 }
 
-void tst_HashGenerator::fileHash()
+void tst_HashGenerator::fileHashOmitsCarriageReturns()
 {
     QFETCH(int, algorithm);
     QFETCH(QByteArray, bytes);
@@ -151,9 +151,9 @@ void tst_HashGenerator::fileHash()
     QCOMPARE(hash.toHex(), QCryptographicHash::hash(hashed, method).toHex());
 }
 
-void tst_HashGenerator::largeFile()
+void tst_HashGenerator::largeFileIsHashedCompletely()
 {
-    // Too large for a single read, and not a multiple of the page size.
+    // Too large for a single read and not a multiple of the page size.
     constexpr int lines = 800001;
     const QByteArray bytes = QByteArray("0123456789\r\n").repeated(lines);
     QVERIFY(bytes.size() > 8 * 1024 * 1024);
@@ -162,8 +162,8 @@ void tst_HashGenerator::largeFile()
              QCryptographicHash::hash(QByteArray("0123456789\n").repeated(lines), method));
 }
 
-// Bytes that are gone when they would be read are omitted, whatever the size was at opening.
-void tst_HashGenerator::fileThatShrinksWhileItIsRead()
+// Bytes that are removed before they are read are omitted, regardless of the size at opening.
+void tst_HashGenerator::truncationDuringReadOmitsBytes()
 {
     const QByteArray start = QByteArray("0123456789\r\n").repeated(100);
     for (const qint64 mebibytes : {1, 65, 200}) {
@@ -211,7 +211,7 @@ void tst_HashGenerator::fileHashVectors()
              hash);
 }
 
-void tst_HashGenerator::fileOfUnknownSize()
+void tst_HashGenerator::fileOfUnknownSizeIsHashed()
 {
     // The file reports size 0 but has content.
     const QString filePath = "/proc/self/cmdline";
@@ -233,7 +233,7 @@ void tst_HashGenerator::hashingDoesNotChangeTheFile()
     QCOMPARE(HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5), first);
 }
 
-void tst_HashGenerator::missingFile_data()
+void tst_HashGenerator::missingFileIsReported_data()
 {
     QTest::addColumn<QString>("filePath");
     QTest::addColumn<QString>("shown");
@@ -247,7 +247,7 @@ void tst_HashGenerator::missingFile_data()
                                   << "/proc/version/file";
 }
 
-void tst_HashGenerator::missingFile()
+void tst_HashGenerator::missingFileIsReported()
 {
     QFETCH(QString, filePath);
     QFETCH(QString, shown);
@@ -258,7 +258,7 @@ void tst_HashGenerator::missingFile()
     QVERIFY(HashGenerator::createHashFromFile(filePath, QCryptographicHash::Md5).isNull());
 }
 
-void tst_HashGenerator::danglingLink()
+void tst_HashGenerator::danglingLinkIsReported()
 {
     // The link itself exists; only opening it fails.
     const QString link = path("link");
@@ -269,7 +269,7 @@ void tst_HashGenerator::danglingLink()
     QVERIFY(HashGenerator::createHashFromFile(link, QCryptographicHash::Md5).isNull());
 }
 
-void tst_HashGenerator::linkToFile()
+void tst_HashGenerator::linkedFileIsHashed()
 {
     const QString link = path("link");
     QVERIFY(QFile::link(writeFile("file", "a\r\n"), link));
@@ -288,9 +288,9 @@ void tst_HashGenerator::directoryHasNoHash()
     QVERIFY(HashGenerator::createHashFromFile(directory(), QCryptographicHash::Md5).isNull());
 }
 
-void tst_HashGenerator::unreadableFile()
+void tst_HashGenerator::unreadableBytesAreOmitted()
 {
-    // The file can be opened, but its start is unmapped memory; what cannot be read is omitted.
+    // The file can be opened, but its start is unmapped memory; unreadable bytes are omitted.
     QFile file("/proc/self/mem");
     QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
     char byte = 0;
@@ -299,23 +299,25 @@ void tst_HashGenerator::unreadableFile()
              QByteArray("d41d8cd98f00b204e9800998ecf8427e"));
 }
 
-void tst_HashGenerator::filesWithoutPermission_data()
+void tst_HashGenerator::missingPermissionIsReported_data()
 {
     QTest::addColumn<bool>("isDirectoryOpen");
     QTest::addColumn<QString>("warning");
 
-    QTest::newRow("file") << true << "Can't open file: \"%1\" ( \"Permission denied\" )!";
-    QTest::newRow("directory") << false << "Can't find file: \"%1\" !";
+    QTest::newRow("unreadable file")
+        << true << "Can't open file: \"%1\" ( \"Permission denied\" )!";
+    QTest::newRow("inaccessible directory") << false << "Can't find file: \"%1\" !";
 }
 
-void tst_HashGenerator::filesWithoutPermission()
+void tst_HashGenerator::missingPermissionIsReported()
 {
     QFETCH(bool, isDirectoryOpen);
     QFETCH(QString, warning);
 
     const QString filePath = writeFile("file", "content");
     QVERIFY(QFile::setPermissions(filePath, QFileDevice::Permissions()));
-    // An ordinary user who runs this test owns the directory, so it must deny access to the owner.
+    // If an ordinary user runs this test, that user owns the directory, which must deny access even
+    // to its owner.
     QVERIFY(
         QFile::setPermissions(directory(), QFileDevice::Permissions(isDirectoryOpen ? 0x7755 : 0)));
     const ChildResult result = ChildProcess::runAsOrdinaryUser([&filePath] {
@@ -328,7 +330,7 @@ void tst_HashGenerator::filesWithoutPermission()
     QCOMPARE(QString::fromLocal8Bit(result.output), warning.arg(filePath) + QLatin1Char('\n'));
 }
 
-void tst_HashGenerator::textHash_data()
+void tst_HashGenerator::textHashIsFnv1a_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<uint>("hash");
@@ -352,7 +354,7 @@ void tst_HashGenerator::textHash_data()
     QTest::newRow("UTF-8") << QByteArray("\xC3\xA4") << 0x199DE0E2u;
 }
 
-void tst_HashGenerator::textHash()
+void tst_HashGenerator::textHashIsFnv1a()
 {
     QFETCH(QByteArray, text);
     QFETCH(uint, hash);
@@ -375,7 +377,7 @@ void tst_HashGenerator::textHashEndsAtTheZeroByte()
     QCOMPARE(hashFromString("\0foo"), 0x811C9DC5u);
 }
 
-void tst_HashGenerator::variantHash_data()
+void tst_HashGenerator::variantHashIsThatOfItsText_data()
 {
     QTest::addColumn<VariantSample>("sample");
     for (const VariantSample& sample : variantSamples()) {
@@ -383,7 +385,7 @@ void tst_HashGenerator::variantHash_data()
     }
 }
 
-void tst_HashGenerator::variantHash()
+void tst_HashGenerator::variantHashIsThatOfItsText()
 {
     QFETCH(VariantSample, sample);
 
@@ -397,7 +399,7 @@ void tst_HashGenerator::variantHashVectors_data()
     QTest::addColumn<uint>("hash");
 
     QTest::newRow("invalid") << QVariant() << 0u;
-    QTest::newRow("no string") << QVariant(QPoint(1, 2)) << 0u;
+    QTest::newRow("not convertible to text") << QVariant(QPoint(1, 2)) << 0u;
     QTest::newRow("42") << QVariant(42) << 0x87E38583u;
     QTest::newRow("the text 42") << QVariant(QStringLiteral("42")) << 0x87E38583u;
     QTest::newRow("empty text") << QVariant(QStringLiteral("")) << 0x811C9DC5u;
@@ -429,8 +431,9 @@ void tst_HashGenerator::variantIsHashedAsUtf8InEveryLocale()
     QCOMPARE(hash, 0x199DE0E2u);
 }
 
-// Each thread has its own file and text, so state that calls share would show in a result.
-void tst_HashGenerator::manyThreads()
+// Each thread has its own file and text, so that state shared between calls causes an incorrect
+// result.
+void tst_HashGenerator::threadsDoNotInterfere()
 {
     constexpr int callsPerThread = 100;
     QStringList filePaths;

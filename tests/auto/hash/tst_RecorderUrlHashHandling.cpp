@@ -7,7 +7,7 @@
 static_assert(sizeof(RecorderUrlHashHandling) == sizeof(void*), "no fields");
 static_assert(std::has_virtual_destructor<RecorderUrlHashHandling>::value, "virtual destructor");
 static_assert(std::is_default_constructible<RecorderUrlHashHandling>::value,
-              "an object can be made");
+              "objects can be created");
 
 class tst_RecorderUrlHashHandling : public TestCase
 {
@@ -15,13 +15,13 @@ class tst_RecorderUrlHashHandling : public TestCase
 
 private Q_SLOTS:
     void destructorIsVirtual();
-    void urlHash_data();
-    void urlHash();
+    void urlHashIsMd5_data();
+    void urlHashIsMd5();
     void partsAreConcatenated_data();
     void partsAreConcatenated();
-    void uuid_data();
-    void uuid();
-    void uuidOfUrl();
+    void uuidIsFormattedFromSixteenBytes_data();
+    void uuidIsFormattedFromSixteenBytes();
+    void urlHashFormsAUuid();
 };
 
 void tst_RecorderUrlHashHandling::destructorIsVirtual()
@@ -29,7 +29,7 @@ void tst_RecorderUrlHashHandling::destructorIsVirtual()
     QVERIFY(isDestroyedThroughBase<RecorderUrlHashHandling>());
 }
 
-void tst_RecorderUrlHashHandling::urlHash_data()
+void tst_RecorderUrlHashHandling::urlHashIsMd5_data()
 {
     QTest::addColumn<QByteArray>("url");
     QTest::addColumn<QByteArray>("hash"); // in hexadecimal
@@ -55,7 +55,7 @@ void tst_RecorderUrlHashHandling::urlHash_data()
         << QByteArray("a\0\xFF\r\n", 5) << QByteArray("de679145b757973fad9c497c32321f4c");
 }
 
-void tst_RecorderUrlHashHandling::urlHash()
+void tst_RecorderUrlHashHandling::urlHashIsMd5()
 {
     QFETCH(QByteArray, url);
     QFETCH(QByteArray, hash);
@@ -78,7 +78,7 @@ void tst_RecorderUrlHashHandling::partsAreConcatenated_data()
     QTest::addColumn<QByteArray>("first");
     QTest::addColumn<QByteArray>("second");
     QTest::addColumn<QByteArray>("third");
-    QTest::addColumn<QByteArray>("whole");
+    QTest::addColumn<QByteArray>("joined");
 
     QTest::newRow("ab, c, empty") << QByteArray("ab") << QByteArray("c") << QByteArray("")
                                   << QByteArray("abc");
@@ -104,13 +104,13 @@ void tst_RecorderUrlHashHandling::partsAreConcatenated()
     QFETCH(QByteArray, first);
     QFETCH(QByteArray, second);
     QFETCH(QByteArray, third);
-    QFETCH(QByteArray, whole);
+    QFETCH(QByteArray, joined);
 
     QCOMPARE(RecorderUrlHashHandling::createUrlHash(first, second, third),
-             RecorderUrlHashHandling::createUrlHash(whole));
+             RecorderUrlHashHandling::createUrlHash(joined));
 }
 
-void tst_RecorderUrlHashHandling::uuid_data()
+void tst_RecorderUrlHashHandling::uuidIsFormattedFromSixteenBytes_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("text"); // null: no UUID
@@ -129,7 +129,7 @@ void tst_RecorderUrlHashHandling::uuid_data()
     QTest::newRow("32 bytes") << QByteArray(32, 'a') << QString();
 }
 
-void tst_RecorderUrlHashHandling::uuid()
+void tst_RecorderUrlHashHandling::uuidIsFormattedFromSixteenBytes()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, text);
@@ -139,7 +139,7 @@ void tst_RecorderUrlHashHandling::uuid()
     QCOMPARE(result.isNull(), text.isNull());
 }
 
-void tst_RecorderUrlHashHandling::uuidOfUrl()
+void tst_RecorderUrlHashHandling::urlHashFormsAUuid()
 {
     QCOMPARE(RecorderUrlHashHandling::buildUUIDFromByteArray(
                  RecorderUrlHashHandling::createUrlHash(QByteArray())),

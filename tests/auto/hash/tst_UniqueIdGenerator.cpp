@@ -25,7 +25,7 @@ int nextId(UniqueIdGenerator& generator)
     return generator.getId().loadRelaxed();
 }
 
-// The identifiers that threadCount threads get from the generator, sorted.
+// The sorted identifiers that threadCount threads get from the generator.
 std::vector<int> drawFromManyThreads(UniqueIdGenerator& generator, int identifiersPerThread)
 {
     std::vector<int> identifiers(size_t(threadCount * identifiersPerThread), -1);
@@ -60,7 +60,7 @@ private Q_SLOTS:
     void identifiersAreUniqueAcrossThreads();
     void identifiersOfTheInstanceAreUniqueAcrossThreads();
     void laterIdentifierSeesEarlierWrites();
-    void wrapsAround();
+    void counterWrapsAround();
 
 private:
     static int identifiersPerThread() { return stressRounds(100000, 1000000); }
@@ -77,8 +77,8 @@ void tst_UniqueIdGenerator::nextProcessStartsAtZeroAgain_data()
 {
     QTest::addColumn<QString>("testFunction");
 
-    QTest::newRow("at zero") << "processStartsAtZero";
-    QTest::newRow("with calls of many threads") << "instanceIsASingleton";
+    QTest::newRow("in one thread") << "processStartsAtZero";
+    QTest::newRow("in many threads") << "instanceIsASingleton";
 }
 
 void tst_UniqueIdGenerator::nextProcessStartsAtZeroAgain()
@@ -155,7 +155,7 @@ void tst_UniqueIdGenerator::laterIdentifierSeesEarlierWrites()
             isEnded.storeRelease(1);
         });
         bool isLast = false;
-        bool isOneMissing = false; // that the writer has
+        bool isOneMissing = false; // the writer has it
         for (int expected = 0; !isOneMissing && !isLast; ++expected) {
             isLast = isEnded.loadRelaxed() != 0;
             isOneMissing = nextId(generator) != expected;
@@ -166,7 +166,7 @@ void tst_UniqueIdGenerator::laterIdentifierSeesEarlierWrites()
     }
 }
 
-void tst_UniqueIdGenerator::wrapsAround()
+void tst_UniqueIdGenerator::counterWrapsAround()
 {
     UniqueIdGenerator generator;
     // Counting up to the maximum would take too long.

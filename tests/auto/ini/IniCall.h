@@ -6,8 +6,8 @@
 #include <QtCore/QVariant>
 
 /*
- * A call on an INI file with all possible arguments. It can be made on the library's class and on
- * its literal version.
+ * One call on an INI file, with arguments for every function. It can be made on the library's class
+ * or on its literal version.
  */
 struct IniCall
 {
@@ -20,7 +20,7 @@ struct IniCall
     QString filter;
     int index = 0;
 
-    // Makes the call; returns a text that shows call and result.
+    // Makes the call; returns a text with the call and its result.
     template <typename File>
     QString on(File& file) const;
 

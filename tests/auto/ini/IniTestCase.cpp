@@ -21,9 +21,9 @@ QString IniTestCase::copyOfIniFile() const
     return copy;
 }
 
-QStringList IniTestCase::words(const char* blankSeparated)
+QStringList IniTestCase::words(const char* spaceSeparated)
 {
-    return QString::fromUtf8(blankSeparated).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    return QString::fromUtf8(spaceSeparated).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
 void IniTestCase::addValueRows()
@@ -41,7 +41,7 @@ void IniTestCase::addValueRows()
         QTest::newRow(name) << QByteArray(text) << QVariant(asString) << asString << (integer != 0)
                             << true << integer << QString();
     };
-    const auto word = [](const char* name, const char* text, const char* string, bool truth) {
+    const auto nonNumber = [](const char* name, const char* text, const char* string, bool truth) {
         const QString asString = QString::fromUtf8(string);
         QTest::newRow(name) << QByteArray(text) << QVariant(asString) << asString << truth << false
                             << 0 << "QVariant(QString, \"" + asString + "\")";
@@ -67,27 +67,27 @@ void IniTestCase::addValueRows()
     number("64 bits are truncated", "4294967301", "4294967301", 5);
     number("largest 64-bit number", "9223372036854775807", "9223372036854775807", -1);
 
-    word("65 bits", "9223372036854775808", "9223372036854775808", true);
-    word("word", "abc", "abc", true);
-    word("number with a unit", "12V", "12V", true);
-    word("hexadecimal", "0x1F", "0x1F", true);
-    word("fraction", "1.5", "1.5", true);
-    word("exponent", "1e3", "1e3", true);
-    word("true", "true", "true", true);
-    word("false", "false", "false", false);
-    word("false in uppercase", "FALSE", "FALSE", false);
-    word("off", "off", "off", true);
-    word("no", "no", "no", true);
-    word("zero with a fraction", "0.0", "0.0", true);
-    word("empty value", "", "", false);
-    word("empty quotes", "\"\"", "", false);
-    word("space in quotes", "\" \"", " ", true);
-    word("hash does not start a comment", "#5", "#5", true);
-    word("percent escape is kept", "%235", "%235", true);
-    word("hexadecimal escape", "\\x41\\x42", "AB", true);
-    word("comma in quotes", "\"1,2\"", "1,2", true);
-    word("doubled at sign", "@@Invalid()", "@Invalid()", true);
-    word("Latin-1", "\xe4", "\xc3\xa4", true);
+    nonNumber("65 bits", "9223372036854775808", "9223372036854775808", true);
+    nonNumber("letters", "abc", "abc", true);
+    nonNumber("number with a unit", "12V", "12V", true);
+    nonNumber("hexadecimal", "0x1F", "0x1F", true);
+    nonNumber("fraction", "1.5", "1.5", true);
+    nonNumber("exponent", "1e3", "1e3", true);
+    nonNumber("true", "true", "true", true);
+    nonNumber("false", "false", "false", false);
+    nonNumber("false in uppercase", "FALSE", "FALSE", false);
+    nonNumber("off", "off", "off", true);
+    nonNumber("no", "no", "no", true);
+    nonNumber("zero with a fraction", "0.0", "0.0", true);
+    nonNumber("empty value", "", "", false);
+    nonNumber("empty quotes", "\"\"", "", false);
+    nonNumber("space in quotes", "\" \"", " ", true);
+    nonNumber("hash does not start a comment", "#5", "#5", true);
+    nonNumber("percent escape is kept", "%235", "%235", true);
+    nonNumber("hexadecimal escape", "\\x41\\x42", "AB", true);
+    nonNumber("comma in quotes", "\"1,2\"", "1,2", true);
+    nonNumber("doubled at sign", "@@Invalid()", "@Invalid()", true);
+    nonNumber("Latin-1", "\xe4", "\xc3\xa4", true);
 
     other("list", "1,2", words("1 2"), QString(), R"(QVariant(QStringList, ("1", "2")))");
     other("list of empty elements", ",", QStringList({QString(), QString()}), QString(),

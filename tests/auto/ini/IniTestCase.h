@@ -5,7 +5,7 @@
 
 #include <QtCore/QVariant>
 
-// The base of the tests of IniFileManager: one INI file per row, and the form of its warnings.
+// The base of the tests of IniFileManager: one INI file per row, and the format of its warnings.
 class IniTestCase : public TestCase
 {
 protected:
@@ -16,12 +16,12 @@ protected:
     // Expects a warning that starts with the log prefix of the row's file.
     ExpectedMessage& expectIniWarning(const QString& items);
 
-    // A copy of the row's file, which QSettings has not cached and must parse.
+    // Copies the row's file; QSettings has not cached the copy and must parse it.
     QString copyOfIniFile() const;
 
-    static QStringList words(const char* blankSeparated);
+    static QStringList words(const char* spaceSeparated);
 
-    // Rows of text after "key=" in a file, and the value that each getter must return.
+    // Adds rows with the text after "key=" in a file and the value that each getter must return.
     static void addValueRows();
 };
 

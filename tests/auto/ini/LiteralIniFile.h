@@ -9,7 +9,7 @@
 
 /*
  * A simple implementation of IniFileManager on top of QSettings, without thread safety or
- * optimizations. The differential test compares the library with it.
+ * optimizations. Tests compare the library with it.
  */
 class LiteralIniFile
 {

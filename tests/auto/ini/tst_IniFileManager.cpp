@@ -10,7 +10,7 @@
 static_assert(!std::is_polymorphic<IniFileManager>::value, "no virtual functions");
 static_assert(!std::is_copy_constructible<IniFileManager>::value &&
                   !std::is_copy_assignable<IniFileManager>::value,
-              "it owns settings and a mutex");
+              "owns settings and a mutex");
 static_assert(sizeof(IniFileManager) == sizeof(QSettings) + sizeof(QMutex),
               "the layout is published: the settings, then the mutex");
 static_assert(std::is_same<decltype(&IniFileManager::containsGeneral),
@@ -23,7 +23,7 @@ int syncs = 0;
 
 } // namespace
 
-// Interposes Qt's function for callers outside of Qt.
+// Interposes Qt's function, except for calls from Qt itself.
 void QSettings::sync()
 {
     ++syncs;
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void missingFileWarnsOnce_data();
     void missingFileWarnsOnce();
     void emptyPathWarns();
-    void relativePathWarnsAsGiven();
+    void relativePathIsLoggedAsGiven();
     void existingPathOpensWithoutWarning_data();
     void existingPathOpensWithoutWarning();
     void openingDoesNotChangeTheFile();
@@ -62,8 +62,8 @@ private Q_SLOTS:
 
     void logInfoNamesTheAbsolutePath_data();
     void logInfoNamesTheAbsolutePath();
-    void groupsOfFile_data();
-    void groupsOfFile();
+    void groupsAreListed_data();
+    void groupsAreListed();
 
     void gettersReturnThePresentValue_data();
     void gettersReturnThePresentValue();
@@ -71,21 +71,21 @@ private Q_SLOTS:
     void missingKeyReturnsDefault();
     void defaultsKeepTheirType_data();
     void defaultsKeepTheirType();
-    void typedDefaults();
+    void typedDefaultsAreReturned();
     void emptyKeyReturnsDefault_data();
     void emptyKeyReturnsDefault();
 
     void setGeneralValueWritesTheKey_data();
     void setGeneralValueWritesTheKey();
-    void typesSurviveTheRoundTrip_data();
-    void typesSurviveTheRoundTrip();
+    void roundTripKeepsOnlyIniTypes_data();
+    void roundTripKeepsOnlyIniTypes();
     void unsyncedListOfOneConverts();
     void removeGeneralValueRemovesTheKey_data();
     void removeGeneralValueRemovesTheKey();
-    void containsGeneralKey_data();
-    void containsGeneralKey();
-    void generalChildKeys_data();
-    void generalChildKeys();
+    void containsGeneralFindsKeys_data();
+    void containsGeneralFindsKeys();
+    void generalChildKeysAreListed_data();
+    void generalChildKeysAreListed();
 };
 
 void tst_IniFileManager::missingFileWarnsOnce_data()
@@ -130,7 +130,7 @@ void tst_IniFileManager::emptyPathWarns()
     QCOMPARE(manager.getGeneralValue(QString(), 1), QVariant(1));
 }
 
-void tst_IniFileManager::relativePathWarnsAsGiven()
+void tst_IniFileManager::relativePathIsLoggedAsGiven()
 {
     // The working directory of the tests has no such file.
     const QString name = "tst_IniFileManager-none.ini";
@@ -228,7 +228,7 @@ void tst_IniFileManager::codecDecodesValues_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("value");
 
-    const QByteArray utf8 = "\xc3\xa4\xe2\x82\xac"; // a with dots, euro sign
+    const QByteArray utf8 = "\xc3\xa4\xe2\x82\xac"; // a with diaeresis, euro sign
     const QString decoded = QString::fromUtf8(utf8);
     const QString asLatin1 = QString::fromLatin1(utf8);
     QTest::newRow("UTF-8") << QByteArray("UTF-8") << utf8 << decoded;
@@ -260,7 +260,7 @@ void tst_IniFileManager::codecEncodesValues_data()
     QTest::addColumn<QByteArray>("content");
 
     const QByteArray escaped = "[G%E4]\n%E4%U20AC=\\xe4\\x20ac\n";
-    // Names of keys and sections are escaped whatever the codec is.
+    // Names of keys and sections are escaped with any codec.
     QTest::newRow("UTF-8") << QByteArray("UTF-8")
                            << QByteArray("[G%E4]\n%E4%U20AC=\xc3\xa4\xe2\x82\xac\n");
     QTest::newRow("no codec") << QByteArray() << escaped;
@@ -322,7 +322,7 @@ void tst_IniFileManager::eventLoopWritesToTheFile()
     IniFileManager manager(iniFile(), nullptr);
     manager.setGeneralValue("key", 2);
     QTRY_COMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n"));
-    // A second time: the first flush must not leave a flag that a flush is pending.
+    // A second time: the first flush must clear the flag of a pending flush.
     manager.setValue("Net", "Port", 80);
     QTRY_COMPARE(readFile(iniFile()), QByteArray("[General]\nkey=2\n\n[Net]\nPort=80\n"));
     manager.removeGeneralValue("key");
@@ -331,7 +331,7 @@ void tst_IniFileManager::eventLoopWritesToTheFile()
     QTRY_COMPARE(readFile(iniFile()), QByteArray());
 }
 
-// Unlike Qt's flush, the manager's flush is guarded against writes of other threads.
+// Unlike Qt's flush, the manager's flush is synchronized with writes in other threads.
 void tst_IniFileManager::eventLoopWritesThroughTheManager()
 {
     writeIni("key=1\n");
@@ -395,7 +395,7 @@ void tst_IniFileManager::logInfoNamesTheAbsolutePath()
     QCOMPARE(logInfo, QStringLiteral("Ini-File (%1):").arg(iniFile()));
 }
 
-void tst_IniFileManager::groupsOfFile_data()
+void tst_IniFileManager::groupsAreListed_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QStringList>("groups");
@@ -420,7 +420,7 @@ void tst_IniFileManager::groupsOfFile_data()
     QTest::newRow("nameless group") << QByteArray("[]\nk=1\n") << QStringList(QString());
 }
 
-void tst_IniFileManager::groupsOfFile()
+void tst_IniFileManager::groupsAreListed()
 {
     QFETCH(QByteArray, content);
     QFETCH(QStringList, groups);
@@ -544,7 +544,7 @@ void tst_IniFileManager::defaultsKeepTheirType()
     QCOMPARE(manager.getValue(QStringLiteral("Net"), QString(), defaultValue), defaultValue);
 }
 
-void tst_IniFileManager::typedDefaults()
+void tst_IniFileManager::typedDefaultsAreReturned()
 {
     writeIni(QByteArray());
     const IniFileManager manager(iniFile(), nullptr);
@@ -622,7 +622,7 @@ void tst_IniFileManager::setGeneralValueWritesTheKey()
     QCOMPARE(readFile(iniFile()), content);
 }
 
-void tst_IniFileManager::typesSurviveTheRoundTrip_data()
+void tst_IniFileManager::roundTripKeepsOnlyIniTypes_data()
 {
     QTest::addColumn<QVariant>("written");
     QTest::addColumn<QByteArray>("text");
@@ -647,7 +647,7 @@ void tst_IniFileManager::typesSurviveTheRoundTrip_data()
     row("invalid", QVariant(), "@Invalid()", QVariant());
 }
 
-void tst_IniFileManager::typesSurviveTheRoundTrip()
+void tst_IniFileManager::roundTripKeepsOnlyIniTypes()
 {
     QFETCH(QVariant, written);
     QFETCH(QByteArray, text);
@@ -719,7 +719,7 @@ void tst_IniFileManager::removeGeneralValueRemovesTheKey()
     QCOMPARE(readFile(iniFile()), content);
 }
 
-void tst_IniFileManager::containsGeneralKey_data()
+void tst_IniFileManager::containsGeneralFindsKeys_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<bool>("contained");
@@ -740,7 +740,7 @@ void tst_IniFileManager::containsGeneralKey_data()
     row("only a slash, no nameless key", "/", false);
 }
 
-void tst_IniFileManager::containsGeneralKey()
+void tst_IniFileManager::containsGeneralFindsKeys()
 {
     QFETCH(QString, key);
     QFETCH(bool, contained);
@@ -749,7 +749,7 @@ void tst_IniFileManager::containsGeneralKey()
     QCOMPARE(manager.containsGeneral(key), contained);
 }
 
-void tst_IniFileManager::generalChildKeys_data()
+void tst_IniFileManager::generalChildKeysAreListed_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QStringList>("keys");
@@ -767,7 +767,7 @@ void tst_IniFileManager::generalChildKeys_data()
     QTest::newRow("nameless key") << QByteArray("=5\n") << QStringList(QString());
 }
 
-void tst_IniFileManager::generalChildKeys()
+void tst_IniFileManager::generalChildKeysAreListed()
 {
     QFETCH(QByteArray, content);
     QFETCH(QStringList, keys);

@@ -23,13 +23,13 @@ Q_DECLARE_METATYPE(CleanUpFunctions)
 
 namespace {
 
-// The number of reads that succeed with half of the requested bytes before all others fail; -1: all
-// reads succeed.
+// The number of reads that return half of the requested bytes before all further reads fail; -1: no
+// read fails.
 int readsBeforeFailure = -1;
 
 } // namespace
 
-// Interposes the system's read(): a medium is removed while a file is read.
+// Interposes read() to simulate a medium that is removed during the read.
 extern "C" Q_DECL_EXPORT ssize_t read(int descriptor, void* buffer, size_t size)
 {
     using Function = ssize_t (*)(int, void*, size_t);
@@ -91,7 +91,7 @@ void removeDirectory(QString&)
     QDir(directoryToRemove).removeRecursively();
 }
 
-void leaveAsItIs(QString&) {}
+void keepText(QString&) {}
 
 // Not stat(), which fails on 32-bit machines for files of 2 GiB or more.
 ino64_t inodeOf(const QString& filePath)
@@ -112,14 +112,14 @@ class tst_IniFileManagerCleanUp : public IniTestCase
 private Q_SLOTS:
     void randomFilesMatchTheLiteralVersion_data();
     void randomFilesMatchTheLiteralVersion();
-    void commentsStep_data();
-    void commentsStep();
-    void listSeparatorsStep_data();
-    void listSeparatorsStep();
+    void cleanUpCommentsReplacesEscapes_data();
+    void cleanUpCommentsReplacesEscapes();
+    void cleanUpListSeparatorsReplacesCommas_data();
+    void cleanUpListSeparatorsReplacesCommas();
     void fileIsRewritten_data();
     void fileIsRewritten();
     void cleanedFileIsReadAsIntended();
-    void defaultFunctions();
+    void defaultFunctionsAreTheTwoSteps();
 
     void unchangedFileIsReplacedAtomically();
     void permissionsAreKept();
@@ -128,8 +128,8 @@ private Q_SLOTS:
     void missingFileIsNotCreated();
     void emptyPathWarns();
     void fileRemovedBeforeItIsWritten();
-    void withoutPermission_data();
-    void withoutPermission();
+    void missingPermissionIsReported_data();
+    void missingPermissionIsReported();
     void failedReplacementLogsNothing_data();
     void failedReplacementLogsNothing();
 
@@ -144,10 +144,10 @@ private Q_SLOTS:
     void functionsReceiveTheTextOfTheFile();
     void nullFunctionsAreSkipped_data();
     void nullFunctionsAreSkipped();
-    void noFunctions();
+    void withoutFunctionsOnlyLineEndingsChange();
 };
 
-void tst_IniFileManagerCleanUp::commentsStep_data()
+void tst_IniFileManagerCleanUp::cleanUpCommentsReplacesEscapes_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("cleaned");
@@ -165,7 +165,7 @@ void tst_IniFileManagerCleanUp::commentsStep_data()
     row("fullwidth digits are kept", "%\xef\xbc\x92\xef\xbc\x93", "%\xef\xbc\x92\xef\xbc\x93");
 }
 
-void tst_IniFileManagerCleanUp::commentsStep()
+void tst_IniFileManagerCleanUp::cleanUpCommentsReplacesEscapes()
 {
     QFETCH(QString, text);
     QFETCH(QString, cleaned);
@@ -173,7 +173,7 @@ void tst_IniFileManagerCleanUp::commentsStep()
     QCOMPARE(text, cleaned);
 }
 
-void tst_IniFileManagerCleanUp::listSeparatorsStep_data()
+void tst_IniFileManagerCleanUp::cleanUpListSeparatorsReplacesCommas_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("cleaned");
@@ -189,7 +189,7 @@ void tst_IniFileManagerCleanUp::listSeparatorsStep_data()
     row("other commas are kept", "\xd8\x8c\xef\xbc\x8c", "\xd8\x8c\xef\xbc\x8c");
 }
 
-void tst_IniFileManagerCleanUp::listSeparatorsStep()
+void tst_IniFileManagerCleanUp::cleanUpListSeparatorsReplacesCommas()
 {
     QFETCH(QString, text);
     QFETCH(QString, cleaned);
@@ -248,7 +248,7 @@ void tst_IniFileManagerCleanUp::cleanedFileIsReadAsIntended()
     QCOMPARE(manager.getGeneralValue(QStringLiteral("list"), 0), QVariant(QStringLiteral("a b c")));
 }
 
-void tst_IniFileManagerCleanUp::defaultFunctions()
+void tst_IniFileManagerCleanUp::defaultFunctionsAreTheTwoSteps()
 {
     const CleanUpFunctions expected = {&IniFileManager::cleanUpComments,
                                        &IniFileManager::cleanUpListSeperators};
@@ -341,7 +341,7 @@ void tst_IniFileManagerCleanUp::fileRemovedBeforeItIsWritten()
     QVERIFY(!QFile::exists(directoryToRemove));
 }
 
-void tst_IniFileManagerCleanUp::withoutPermission_data()
+void tst_IniFileManagerCleanUp::missingPermissionIsReported_data()
 {
     QTest::addColumn<int>("filePermissions");
     QTest::addColumn<int>("directoryPermissions");
@@ -351,7 +351,7 @@ void tst_IniFileManagerCleanUp::withoutPermission_data()
     QTest::newRow("read-only file and directory") << 0x4444 << 0x5555;
 }
 
-void tst_IniFileManagerCleanUp::withoutPermission()
+void tst_IniFileManagerCleanUp::missingPermissionIsReported()
 {
     QFETCH(int, filePermissions);
     QFETCH(int, directoryPermissions);
@@ -366,7 +366,7 @@ void tst_IniFileManagerCleanUp::withoutPermission()
         return 0;
     });
 
-    // Before any check, so that the directory can be removed.
+    // Restored before any check can fail, so that the directory can be removed.
     QVERIFY(QFile::setPermissions(directory(), QFileDevice::Permissions(0x7700)));
     QVERIFY(QFile::setPermissions(iniFile(), QFileDevice::Permissions(0x6600)));
     QVERIFY(result.exited);
@@ -434,7 +434,8 @@ void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
 {
     writeIni("a=%23,\n");
     const ChildResult result = ChildProcess::run([this] {
-        IniFileManager::cleanUp(path("missing")); // opens what only a first call opens
+        // The first call opens descriptors that later calls use.
+        IniFileManager::cleanUp(path("missing"));
         rlimit limit = {};
         getrlimit(RLIMIT_NOFILE, &limit);
         limit.rlim_cur = 64;
@@ -453,7 +454,7 @@ void tst_IniFileManagerCleanUp::oneFreeDescriptorIsEnough()
     QCOMPARE(readFile(iniFile()), QByteArray("a=# \n"));
 }
 
-// Also a file of size 0: it may have content, as kernel files do.
+// A file of size 0 may have content, as kernel files do.
 void tst_IniFileManagerCleanUp::unreadableFileOfSizeZeroIsKept()
 {
     writeIni("");
@@ -464,7 +465,7 @@ void tst_IniFileManagerCleanUp::unreadableFileOfSizeZeroIsKept()
     QCOMPARE(inodeOf(iniFile()), before);
 }
 
-// Qt reads nothing from such a file, which must not be emptied because of that.
+// Qt reads no bytes from such a file; cleanUp() must not empty it.
 void tst_IniFileManagerCleanUp::fileTooLargeForAByteArrayIsKept()
 {
     writeIni("a=%23,\n");
@@ -486,14 +487,14 @@ void tst_IniFileManagerCleanUp::functionsRunInOrder_data()
         << CleanUpFunctions{&appendA, &IniFileManager::cleanUpListSeperators, &appendB,
                             &appendA, &IniFileManager::cleanUpComments,       &recordText}
         << QStringList{"%23,", "%23 A", "%23 AB", "# ABA"} << QByteArray("# ABA");
-    // As many functions as the library has, but none of the library.
+    // The same number of functions as the default.
     QTest::newRow("two functions of the application")
         << CleanUpFunctions{&appendA, &appendB} << words("%23, %23,A") << QByteArray("%23,AB");
-    QTest::newRow("the library's two, in reverse order")
+    QTest::newRow("the library's functions in reverse order")
         << CleanUpFunctions{&IniFileManager::cleanUpListSeperators, &recordText,
                             &IniFileManager::cleanUpComments}
         << QStringList("%23 ") << QByteArray("# ");
-    QTest::newRow("one of the library's twice")
+    QTest::newRow("one of the library's functions twice")
         << CleanUpFunctions{&IniFileManager::cleanUpComments, &IniFileManager::cleanUpComments}
         << QStringList() << QByteArray("#,");
 }
@@ -534,7 +535,7 @@ void tst_IniFileManagerCleanUp::functionsReceiveTheTextOfTheFile()
 
 void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped_data()
 {
-    QTest::addColumn<QString>("functions"); // "0" is a null
+    QTest::addColumn<QString>("functions"); // "0" is a null pointer
     QTest::addColumn<QByteArray>("cleaned");
     QTest::newRow("first") << "0AB" << QByteArray("xAB");
     QTest::newRow("middle") << "A0B" << QByteArray("xAB");
@@ -565,7 +566,7 @@ void tst_IniFileManagerCleanUp::nullFunctionsAreSkipped()
     QVERIFY(IniFileManager::sm_CleanUpFunctions == list);
 }
 
-void tst_IniFileManagerCleanUp::noFunctions()
+void tst_IniFileManagerCleanUp::withoutFunctionsOnlyLineEndingsChange()
 {
     writeIni("%23,\r\n");
     const CleanUpFunctionsGuard guard({});
@@ -578,8 +579,8 @@ void tst_IniFileManagerCleanUp::randomFilesMatchTheLiteralVersion_data()
     QTest::addColumn<CleanUpFunctions>("functions");
     const CleanUpFunctions usual = IniFileManager::sm_CleanUpFunctions;
     QTest::newRow("default functions") << usual;
-    // With an additional function the text is processed as a whole.
-    QTest::newRow("one additional function") << usual + CleanUpFunctions{&leaveAsItIs};
+    // An additional function requires the entire text.
+    QTest::newRow("one additional function") << usual + CleanUpFunctions{&keepText};
 }
 
 void tst_IniFileManagerCleanUp::randomFilesMatchTheLiteralVersion()
@@ -589,7 +590,7 @@ void tst_IniFileManagerCleanUp::randomFilesMatchTheLiteralVersion()
     QRandomGenerator random(2);
     const int count = rounds(500);
     for (int i = 0; i < count; ++i) {
-        // Sometimes more than one chunk.
+        // Some files have more than one chunk.
         QByteArray content = hostileText(random);
         if (random.bounded(20) == 0) {
             content = content.repeated(random.bounded(5000)) + hostileText(random);

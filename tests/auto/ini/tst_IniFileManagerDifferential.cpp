@@ -211,8 +211,8 @@ QString anyFilter(QRandomGenerator& random)
     return pick(random, filters);
 }
 
-// QSettings recognizes a changed file by its size and time. Two changes within the resolution of
-// the clock would be noticed in one run and not in another.
+// QSettings detects a changed file by its size and time. Two changes within the resolution of the
+// clock would be detected in one run and not in another.
 void setUniqueTime(const QString& filePath, int number)
 {
     QFile file(filePath);
@@ -223,8 +223,8 @@ void setUniqueTime(const QString& filePath, int number)
     }
 }
 
-// One random call on file. Only the random numbers determine which, so that the same seed causes
-// the same calls on the library and the literal version.
+// Makes one random call on file. It depends only on the random numbers, so the same seed causes the
+// same calls on the library and the literal version.
 template <typename File>
 QString callAnything(File& file, QRandomGenerator& random)
 {
@@ -317,8 +317,8 @@ void tst_IniFileManagerDifferential::randomCallsMatchTheLiteralVersion()
     }
 }
 
-// If two sections contain a key, the section that is parsed last wins. Here it is the first one:
-// listing the group parses the other section, although the requested keys were added and need none.
+// If two sections contain a key, the section that is parsed last wins. Here that is the top level:
+// listing the group first parses [A], although the requested keys were added and need no parsing.
 template <typename File>
 QStringList readAddedKey(const QString& filePath)
 {

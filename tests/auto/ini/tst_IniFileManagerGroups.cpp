@@ -13,15 +13,15 @@ private Q_SLOTS:
     void gettersReturnThePresentValue();
     void keyIsFound_data();
     void keyIsFound();
-    void pointersAreValues();
+    void pointersAreStoredAsValues();
     void missingKeyReturnsDefault_data();
     void missingKeyReturnsDefault();
     void emptyKeyReturnsDefault();
-    void integerWithDefault_data();
-    void integerWithDefault();
+    void invalidIntegerReturnsDefault_data();
+    void invalidIntegerReturnsDefault();
 
-    void containsKey_data();
-    void containsKey();
+    void containsFindsKeys_data();
+    void containsFindsKeys();
     void setValueWritesTheKey_data();
     void setValueWritesTheKey();
     void removeValueRemovesTheKey_data();
@@ -35,15 +35,15 @@ private Q_SLOTS:
     void filterThatExceedsTheMatchLimitSelectsNothing();
     void containsGroupComparesExactly_data();
     void containsGroupComparesExactly();
-    void childKeysOfGroup_data();
-    void childKeysOfGroup();
-    void groupValues_data();
-    void groupValues();
+    void childKeysAreListed_data();
+    void childKeysAreListed();
+    void groupValuesAreReturned_data();
+    void groupValuesAreReturned();
     void groupValuesWithNamelessKey();
     void groupValuesOfSectionsWithCommonKeys();
     void groupValuesOfSectionsOnThreeLevels();
     void singlePathLookUpWouldFindAnotherValue();
-    void groupIsLeftAfterEveryCall();
+    void everyCallReturnsToTheTopLevel();
 };
 
 void tst_IniFileManagerGroups::gettersReturnThePresentValue_data()
@@ -122,7 +122,7 @@ void tst_IniFileManagerGroups::keyIsFound()
     QCOMPARE(manager.getGroupValues(group).value(key), QVariant(QStringLiteral("5")));
 }
 
-void tst_IniFileManagerGroups::pointersAreValues()
+void tst_IniFileManagerGroups::pointersAreStoredAsValues()
 {
     IniFileManager manager(writeFile("net.ini", "[Net]\nPort=5\n"), nullptr);
     const QVariant pointer = QVariant::fromValue(static_cast<void*>(&manager));
@@ -155,7 +155,7 @@ void tst_IniFileManagerGroups::missingKeyReturnsDefault_data()
     row("empty group", "", "Port");
     row("empty group, section", "", "Net");
     row("General as the top level", "General", "top");
-    row("group as given, not normalized", "/Net//Sub/", "none");
+    row("group is not normalized", "/Net//Sub/", "none");
     row("spaces", " ", " ");
     row("umlauts", "\xc3\xa4", "\xc3\xb6");
 }
@@ -199,20 +199,20 @@ void tst_IniFileManagerGroups::emptyKeyReturnsDefault()
     }
 }
 
-void tst_IniFileManagerGroups::integerWithDefault_data()
+void tst_IniFileManagerGroups::invalidIntegerReturnsDefault_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("warning");
     QTest::addColumn<int>("port");
 
     QTest::newRow("number") << QByteArray("[Net]\nPort=8080\n") << QString() << 8080;
-    QTest::newRow("word") << QByteArray("[Net]\nPort=eighty\n")
-                          << "Conversion failed: QVariant(QString, \"eighty\")" << 80;
+    QTest::newRow("letters") << QByteArray("[Net]\nPort=eighty\n")
+                             << "Conversion failed: QVariant(QString, \"eighty\")" << 80;
     QTest::newRow("no key") << QByteArray("[Net]\nName=a\n")
                             << "Key \"Port\" not found in Group \"Net\" !" << 80;
 }
 
-void tst_IniFileManagerGroups::integerWithDefault()
+void tst_IniFileManagerGroups::invalidIntegerReturnsDefault()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, warning);
@@ -225,7 +225,7 @@ void tst_IniFileManagerGroups::integerWithDefault()
     QCOMPARE(manager.getValueInteger(QStringLiteral("Net"), QStringLiteral("Port"), 80), port);
 }
 
-void tst_IniFileManagerGroups::containsKey_data()
+void tst_IniFileManagerGroups::containsFindsKeys_data()
 {
     QTest::addColumn<QString>("group");
     QTest::addColumn<QString>("key");
@@ -252,7 +252,7 @@ void tst_IniFileManagerGroups::containsKey_data()
     row("only a slash, nameless key", "Other", "/", true);
 }
 
-void tst_IniFileManagerGroups::containsKey()
+void tst_IniFileManagerGroups::containsFindsKeys()
 {
     QFETCH(QString, group);
     QFETCH(QString, key);
@@ -330,8 +330,8 @@ void tst_IniFileManagerGroups::removeValueRemovesTheKey_data()
         "[General]\na=1\n\n[Net]\nSub\\a=1\nSub\\b=2\nab=2\n\n[Other]\na=1\n");
     row("last key of a group", "Other", "a",
         "[General]\na=1\n\n[Net]\nSub\\a=1\nSub\\b=2\na=1\nab=2\n");
-    row("only a slash: the whole group", "Net", "/", "[General]\na=1\n\n[Other]\na=1\n");
-    row("only slashes: the whole group", "Net", "//", "[General]\na=1\n\n[Other]\na=1\n");
+    row("only a slash: the entire group", "Net", "/", "[General]\na=1\n\n[Other]\na=1\n");
+    row("only slashes: the entire group", "Net", "//", "[General]\na=1\n\n[Other]\na=1\n");
     row("group and key of one slash: everything", "/", "/", "");
 }
 
@@ -391,7 +391,7 @@ void tst_IniFileManagerGroups::filterSelectsGroups_data()
         QTest::newRow(situation) << QString::fromUtf8(filter) << words(groups);
     };
     row("prefix", "Sensor", "Sensor1 Sensor10 SensorA");
-    row("whole name is a prefix, too", "Sensor1", "Sensor1 Sensor10");
+    row("complete name is also a prefix", "Sensor1", "Sensor1 Sensor10");
     row("end anchored", "Sensor1$", "Sensor1");
     row("anything before", ".*1", "Motor1 Sensor1 Sensor10 a1b sensor1");
     row("middle of a name", "otor", "");
@@ -402,7 +402,7 @@ void tst_IniFileManagerGroups::filterSelectsGroups_data()
     row("not escaped", "a.b", "a.b a1b");
     row("empty filter", "", "Motor1 Sensor1 Sensor10 SensorA a.b a1b line\nend sensor1 xSensor");
     row("line feed in the name", "line", "line\nend");
-    row("backslash at the end: escapes what is appended", "Sensor1\\", "Sensor1 Sensor10");
+    row("backslash at the end escapes the appended text", "Sensor1\\", "Sensor1 Sensor10");
     row("different case", "sensor", "sensor1");
     row("filter with case-insensitive option", "(?i)sensor", "Sensor1 Sensor10 SensorA sensor1");
     row("alternation: the anchor holds for the first branch only", "Motor|Sensor",
@@ -437,7 +437,7 @@ void tst_IniFileManagerGroups::invalidFilterSelectsNothing()
 
 void tst_IniFileManagerGroups::filterThatExceedsTheMatchLimitSelectsNothing()
 {
-    // Only the group that takes too many steps is omitted, without a message.
+    // Only the group whose match takes too many steps is omitted, without a message.
     writeIni("[aab]\nk=1\n[" + QByteArray(60, 'a') + "!b]\nk=1\n[ab]\nk=1\n");
     const IniFileManager manager(iniFile(), nullptr);
     const CpuTime time;
@@ -477,7 +477,7 @@ void tst_IniFileManagerGroups::containsGroupComparesExactly()
     QCOMPARE(manager.containsGroup(group), contained);
 }
 
-void tst_IniFileManagerGroups::childKeysOfGroup_data()
+void tst_IniFileManagerGroups::childKeysAreListed_data()
 {
     QTest::addColumn<QString>("group");
     QTest::addColumn<QStringList>("keys");
@@ -496,7 +496,7 @@ void tst_IniFileManagerGroups::childKeysOfGroup_data()
     row("General", "General", "");
 }
 
-void tst_IniFileManagerGroups::childKeysOfGroup()
+void tst_IniFileManagerGroups::childKeysAreListed()
 {
     QFETCH(QString, group);
     QFETCH(QStringList, keys);
@@ -506,7 +506,7 @@ void tst_IniFileManagerGroups::childKeysOfGroup()
     QCOMPARE(QStringList(manager.getGroupValues(group).keys()), keys);
 }
 
-void tst_IniFileManagerGroups::groupValues_data()
+void tst_IniFileManagerGroups::groupValuesAreReturned_data()
 {
     QTest::addColumn<QString>("group");
     QTest::addColumn<QVariantMap>("values");
@@ -522,7 +522,7 @@ void tst_IniFileManagerGroups::groupValues_data()
     QTest::newRow("group with subgroups only") << "Deep" << QVariantMap();
 }
 
-void tst_IniFileManagerGroups::groupValues()
+void tst_IniFileManagerGroups::groupValuesAreReturned()
 {
     QFETCH(QString, group);
     QFETCH(QVariantMap, values);
@@ -576,7 +576,7 @@ void tst_IniFileManagerGroups::singlePathLookUpWouldFindAnotherValue()
              QVariant(QStringLiteral("section")));
 }
 
-void tst_IniFileManagerGroups::groupIsLeftAfterEveryCall()
+void tst_IniFileManagerGroups::everyCallReturnsToTheTopLevel()
 {
     writeIni("top=1\n[Net]\nPort=80\n");
     IniFileManager manager(iniFile(), nullptr);

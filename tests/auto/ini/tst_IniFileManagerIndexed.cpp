@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <functional>
 
-// A file may contain a list of records: one group per record, numbered by the key "Position".
+// Tests lists of records in a file: one group per record, numbered by the key "Position".
 class tst_IniFileManagerIndexed : public IniTestCase
 {
     Q_OBJECT
@@ -14,8 +14,8 @@ private Q_SLOTS:
     void searchFindsPosition();
     void searchRejectsTooHighIndex_data();
     void searchRejectsTooHighIndex();
-    void searchWarnsOfGroupsWithoutPosition_data();
-    void searchWarnsOfGroupsWithoutPosition();
+    void searchWarnsAboutGroupsWithoutPosition_data();
+    void searchWarnsAboutGroupsWithoutPosition();
 
     void gettersReturnTheValue();
     void gettersBehaveAsThoseByGroup_data();
@@ -24,7 +24,7 @@ private Q_SLOTS:
     void gettersRejectTooHighIndex();
     void missingPositionReturnsDefault_data();
     void missingPositionReturnsDefault();
-    void gettersWarnOfGroupsWithoutPosition();
+    void gettersWarnAboutGroupsWithoutPosition();
 
     void namelessGroupReadsTheTopLevel();
     void changesOfAnotherManagerAreSeen();
@@ -89,13 +89,13 @@ void tst_IniFileManagerIndexed::searchFindsPosition_data()
     const char numbers[] = "[R2]\nPosition=0\n[R10]\nPosition=0\n";
     row("numbers in names sort as text", numbers, 0, "R10");
     const char doubled[] = "[c]\nPosition=0\n[b]\nPosition=1\n[a]\nPosition=1\n";
-    row("first of two wins", doubled, 1, "a");
+    row("first of two groups wins", doubled, 1, "a");
     row("after a duplicate Position", doubled, 0, "c");
-    row("no group has it", "[a]\nPosition=0\n[b]\nPosition=0\n", 1, nullptr);
+    row("no group has this position", "[a]\nPosition=0\n[b]\nPosition=0\n", 1, nullptr);
     row("last position", "[a]\nPosition=0\n[b]\nPosition=1\n[c]\nPosition=2\n", 2, "c");
     row("only one group", "[a]\nPosition=0\n", 0, "a");
 
-    row("negative, no group has it", "[a]\nPosition=0\n", -1, nullptr);
+    row("negative, not found", "[a]\nPosition=0\n", -1, nullptr);
     row("negative, found", "[a]\nPosition=0\n[b]\nPosition=-1\n", -1, "b");
     row("smallest number, found", "[a]\nPosition=-2147483648\n", -2147483647 - 1, "a");
     row("negative in an empty file", "", -1, nullptr);
@@ -144,7 +144,7 @@ void tst_IniFileManagerIndexed::searchRejectsTooHighIndex_data()
     QTest::newRow("empty file") << QByteArray() << 0;
     QTest::newRow("top-level keys only") << QByteArray("Position=0\nk=1\n") << 0;
     QTest::newRow("number of groups") << three << 3;
-    QTest::newRow("above, although a group has it") << three << 5;
+    QTest::newRow("above, position of a group") << three << 5;
     QTest::newRow("largest number") << three << 2147483647;
     QTest::newRow("groups without keys do not count") << QByteArray("[a]\n[b]\n") << 0;
     QTest::newRow("subgroups do not count") << QByteArray("[a]\nPosition=0\nb\\Position=1\n") << 1;
@@ -157,27 +157,27 @@ void tst_IniFileManagerIndexed::searchRejectsTooHighIndex()
     writeIni(content);
     const IniFileManager manager(iniFile(), nullptr);
 
-    // That there is only one warning also shows that no group is read.
+    // Since there is only this warning, no group is read.
     expectIniWarning("Invalid external index!").function(searchIndexSignature);
     int groupIndex = untouched;
     QVERIFY(!manager.searchIndex(externalIndex, groupIndex));
     QCOMPARE(groupIndex, untouched);
 }
 
-void tst_IniFileManagerIndexed::searchWarnsOfGroupsWithoutPosition_data()
+void tst_IniFileManagerIndexed::searchWarnsAboutGroupsWithoutPosition_data()
 {
     QTest::addColumn<int>("externalIndex");
     QTest::addColumn<int>("groupIndex");
     QTest::addColumn<int>("warnings");
 
     QTest::newRow("negative, before all warnings") << -1 << 0 << 0;
-    QTest::newRow("no Position is 0") << 0 << 1 << 1;
+    QTest::newRow("missing Position counts as 0") << 0 << 1 << 1;
     QTest::newRow("after some groups") << 3 << 6 << 4;
     QTest::newRow("after all groups") << 4 << 8 << 5;
-    QTest::newRow("none") << 5 << untouched << 5;
+    QTest::newRow("not found") << 5 << untouched << 5;
 }
 
-void tst_IniFileManagerIndexed::searchWarnsOfGroupsWithoutPosition()
+void tst_IniFileManagerIndexed::searchWarnsAboutGroupsWithoutPosition()
 {
     QFETCH(int, externalIndex);
     QFETCH(int, groupIndex);
@@ -185,7 +185,7 @@ void tst_IniFileManagerIndexed::searchWarnsOfGroupsWithoutPosition()
     writeIni("[a]\nPosition=-1\n"
              "[b]\nk=1\n"
              "[c]\nPosition=first\n"
-             "[d]\nposition=3\n" // another key: names are case-sensitive
+             "[d]\nposition=3\n" // a different key: names are case-sensitive
              "[e]\nPosition=1,3\n"
              "[f]\nPosition=0\n"
              "[g]\nPosition=3\n"
@@ -238,8 +238,8 @@ void tst_IniFileManagerIndexed::gettersBehaveAsThoseByGroup_data()
     QTest::newRow("zero") << QByteArray("k=0\n") << key << none << none << 0 << "0" << false;
     QTest::newRow("64 bits are truncated")
         << QByteArray("k=4294967301\n") << key << none << none << 5 << "4294967301" << true;
-    QTest::newRow("word") << QByteArray("k=abc\n") << key << none << "QVariant(QString, \"abc\")"
-                          << 99 << "abc" << true;
+    QTest::newRow("letters") << QByteArray("k=abc\n") << key << none << "QVariant(QString, \"abc\")"
+                             << 99 << "abc" << true;
     QTest::newRow("empty value") << QByteArray("k=\n") << key << none << "QVariant(QString, \"\")"
                                  << 99 << "" << false;
     QTest::newRow("list") << QByteArray("k=1,2\n") << key << none
@@ -352,7 +352,7 @@ void tst_IniFileManagerIndexed::missingPositionReturnsDefault()
     QCOMPARE(groupIndex, untouched);
 }
 
-void tst_IniFileManagerIndexed::gettersWarnOfGroupsWithoutPosition()
+void tst_IniFileManagerIndexed::gettersWarnAboutGroupsWithoutPosition()
 {
     writeIni("[a]\nk=1\n[b]\nPosition=x\nk=2\n[c]\nPosition=2\nk=3\n[d]\nk=4\n");
     const IniFileManager manager(iniFile(), nullptr);

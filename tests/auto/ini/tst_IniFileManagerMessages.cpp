@@ -7,15 +7,15 @@
 using WarningCall = std::function<QVariant(IniFileManager&)>;
 Q_DECLARE_METATYPE(WarningCall)
 
-// For every place where an object logs a message: the text and context of the message, the result
-// of the call, and that a message handler may use the object.
+// Tests every message of an object: its text and context, the result of the call, and that a
+// message handler may use the object.
 class tst_IniFileManagerMessages : public IniTestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void warning_data();
-    void warning();
+    void callsLogOneWarning_data();
+    void callsLogOneWarning();
     void handlerUsesTheObject_data();
     void handlerUsesTheObject();
     void handlerWritesThroughTheObject();
@@ -28,7 +28,7 @@ private:
     }
 };
 
-void tst_IniFileManagerMessages::warning_data()
+void tst_IniFileManagerMessages::callsLogOneWarning_data()
 {
     QTest::addColumn<WarningCall>("call");
     QTest::addColumn<QString>("items");
@@ -243,7 +243,7 @@ void tst_IniFileManagerMessages::warning_data()
     }
 }
 
-void tst_IniFileManagerMessages::warning()
+void tst_IniFileManagerMessages::callsLogOneWarning()
 {
     QFETCH(WarningCall, call);
     QFETCH(QString, items);
@@ -262,7 +262,7 @@ void tst_IniFileManagerMessages::warning()
 
 void tst_IniFileManagerMessages::handlerUsesTheObject_data()
 {
-    warning_data();
+    callsLogOneWarning_data();
 }
 
 void tst_IniFileManagerMessages::handlerUsesTheObject()
@@ -274,7 +274,7 @@ void tst_IniFileManagerMessages::handlerUsesTheObject()
     expectIniWarning(items);
     IniFileManager manager(iniFile(), nullptr);
 
-    // If the group were still entered, or the mutex not recursive, these would fail or deadlock.
+    // These calls fail if a group is still entered, and deadlock if the mutex is not recursive.
     int handled = 0;
     messages().setObserver([&manager, &handled](const Message&) {
         ++handled;

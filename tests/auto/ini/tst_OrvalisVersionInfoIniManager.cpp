@@ -17,7 +17,7 @@ using Getter = QString (OrvalisVersionInfoIniManager::*)() const;
 
 } // namespace
 
-// Only the vtable pointer and the file's manager.
+// Only the vtable pointer and the IniFileManager.
 static_assert(sizeof(OrvalisVersionInfoIniManager) == sizeof(void*) + sizeof(IniFileManager),
               "layout");
 static_assert(std::has_virtual_destructor<OrvalisVersionInfoIniManager>::value,
@@ -33,15 +33,15 @@ class tst_OrvalisVersionInfoIniManager : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void publishedNames_data();
-    void publishedNames();
-    void values_data();
-    void values();
-    void missingFile();
+    void publishedNamesAreConstant_data();
+    void publishedNamesAreConstant();
+    void valuesAreReturned_data();
+    void valuesAreReturned();
+    void missingFileIsReported();
     void fileIsNotChanged();
 };
 
-void tst_OrvalisVersionInfoIniManager::publishedNames_data()
+void tst_OrvalisVersionInfoIniManager::publishedNamesAreConstant_data()
 {
     QTest::addColumn<Name>("name");
     QTest::addColumn<QString>("text");
@@ -57,7 +57,7 @@ void tst_OrvalisVersionInfoIniManager::publishedNames_data()
     QTest::newRow("creation date") << Name(&Manager::getKeyCreationDate) << "CreationDate";
 }
 
-void tst_OrvalisVersionInfoIniManager::publishedNames()
+void tst_OrvalisVersionInfoIniManager::publishedNamesAreConstant()
 {
     QFETCH(Name, name);
     QFETCH(QString, text);
@@ -66,13 +66,13 @@ void tst_OrvalisVersionInfoIniManager::publishedNames()
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
 
-    // The whole process shares one string.
+    // All threads share one string.
     const QString* elsewhere = nullptr;
     std::thread([&] { elsewhere = &name(); }).join();
     QCOMPARE(elsewhere, &first);
 }
 
-void tst_OrvalisVersionInfoIniManager::values_data()
+void tst_OrvalisVersionInfoIniManager::valuesAreReturned_data()
 {
     QTest::addColumn<Getter>("getter");
     QTest::addColumn<QString>("key");
@@ -97,7 +97,7 @@ void tst_OrvalisVersionInfoIniManager::values_data()
     };
     for (const Source& source : sources) {
         const QByteArray key(source.key);
-        // How this dialect writes a group named General.
+        // The spelling of a group named General in Qt's INI format.
         const QByteArray section =
             source.group == groupGeneral ? QByteArray("[%General]\n") : "[ApplicationVersion]\n";
         const auto newRow = [&](const char* situation, const QByteArray& content,
@@ -116,14 +116,15 @@ void tst_OrvalisVersionInfoIniManager::values_data()
         newRow("empty file", QByteArray(), QString());
         // [General] contains the keys outside all groups.
         newRow("only in [General]", "[General]\n" + key + "=1\n", QString());
-        newRow("[General] and its own", "[General]\n" + key + "=1\n" + section + key + "=2\n", "2");
+        newRow("in [General] and in its section",
+               "[General]\n" + key + "=1\n" + section + key + "=2\n", "2");
     }
-    QTest::newRow("creation date, with the application's")
+    QTest::newRow("creation date, only in the application's section")
         << Getter(&OrvalisVersionInfoIniManager::getCreationDate) << "CreationDate" << groupGeneral
         << QByteArray("[ApplicationVersion]\nCreationDate=1\n") << QString();
 }
 
-void tst_OrvalisVersionInfoIniManager::values()
+void tst_OrvalisVersionInfoIniManager::valuesAreReturned()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(Getter, getter);
@@ -140,7 +141,7 @@ void tst_OrvalisVersionInfoIniManager::values()
     QCOMPARE((manager.*getter)(), value);
 }
 
-void tst_OrvalisVersionInfoIniManager::missingFile()
+void tst_OrvalisVersionInfoIniManager::missingFileIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     {

@@ -11,7 +11,7 @@ const QString filePath = "/etc/rauc/system.conf";
 
 } // namespace
 
-// Only the vtable pointer and the file's manager.
+// Only the vtable pointer and the IniFileManager.
 static_assert(sizeof(RaucSystemConfigIniManager) == sizeof(void*) + sizeof(IniFileManager),
               "layout");
 static_assert(std::has_virtual_destructor<RaucSystemConfigIniManager>::value, "virtual destructor");
@@ -23,13 +23,13 @@ class tst_RaucSystemConfigIniManager : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void number_data();
-    void number();
-    void valueThatIsNoNumber_data();
-    void valueThatIsNoNumber();
-    void missingKey_data();
-    void missingKey();
-    void missingFile();
+    void integerIsReturned_data();
+    void integerIsReturned();
+    void otherTextReturnsZero_data();
+    void otherTextReturnsZero();
+    void missingKeyReturnsZero_data();
+    void missingKeyReturnsZero();
+    void missingFileReturnsZero();
     void fileIsNotChanged();
 
 private:
@@ -41,7 +41,7 @@ void tst_RaucSystemConfigIniManager::expectMissingIndex()
     IniWarnings::expectMissingKey(messages(), filePath, "compatible", "system");
 }
 
-void tst_RaucSystemConfigIniManager::number_data()
+void tst_RaucSystemConfigIniManager::integerIsReturned_data()
 {
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<QString>("index");
@@ -55,12 +55,12 @@ void tst_RaucSystemConfigIniManager::number_data()
     QTest::newRow("quoted") << QByteArray("\"7\"") << "7";
     QTest::newRow("largest") << QByteArray("2147483647") << "2147483647";
     QTest::newRow("smallest") << QByteArray("-2147483648") << "-2147483648";
-    // A text is converted to 64 bits, of which the lower half is used.
-    QTest::newRow("one too large") << QByteArray("2147483648") << "-2147483648";
+    // A text is converted to 64 bits and truncated to 32 bits.
+    QTest::newRow("largest plus one") << QByteArray("2147483648") << "-2147483648";
     QTest::newRow("64 bits") << QByteArray("4294967303") << "7";
 }
 
-void tst_RaucSystemConfigIniManager::number()
+void tst_RaucSystemConfigIniManager::integerIsReturned()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, value);
@@ -70,7 +70,7 @@ void tst_RaucSystemConfigIniManager::number()
     QCOMPARE(RaucSystemConfigIniManager().getDeviceIndex(), index);
 }
 
-void tst_RaucSystemConfigIniManager::valueThatIsNoNumber_data()
+void tst_RaucSystemConfigIniManager::otherTextReturnsZero_data()
 {
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<QString>("shown");
@@ -92,7 +92,7 @@ void tst_RaucSystemConfigIniManager::valueThatIsNoNumber_data()
     QTest::newRow("list") << QByteArray("7,8") << "QVariant(QStringList, (\"7\", \"8\"))";
 }
 
-void tst_RaucSystemConfigIniManager::valueThatIsNoNumber()
+void tst_RaucSystemConfigIniManager::otherTextReturnsZero()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, value);
@@ -103,19 +103,19 @@ void tst_RaucSystemConfigIniManager::valueThatIsNoNumber()
     QCOMPARE(RaucSystemConfigIniManager().getDeviceIndex(), QStringLiteral("0"));
 }
 
-void tst_RaucSystemConfigIniManager::missingKey_data()
+void tst_RaucSystemConfigIniManager::missingKeyReturnsZero_data()
 {
     QTest::addColumn<QByteArray>("content");
 
-    QTest::newRow("key") << QByteArray("[system]\nbootloader=custom\n");
-    QTest::newRow("section") << QByteArray("[slot.rootfs.0]\ncompatible=7\n");
-    QTest::newRow("whole file") << QByteArray();
+    QTest::newRow("no key") << QByteArray("[system]\nbootloader=custom\n");
+    QTest::newRow("no section") << QByteArray("[slot.rootfs.0]\ncompatible=7\n");
+    QTest::newRow("empty file") << QByteArray();
     QTest::newRow("section in different case") << QByteArray("[System]\ncompatible=7\n");
     QTest::newRow("key in different case") << QByteArray("[system]\nCompatible=7\n");
-    QTest::newRow("section line") << QByteArray("compatible=7\n");
+    QTest::newRow("key without a section") << QByteArray("compatible=7\n");
 }
 
-void tst_RaucSystemConfigIniManager::missingKey()
+void tst_RaucSystemConfigIniManager::missingKeyReturnsZero()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, content);
@@ -125,7 +125,7 @@ void tst_RaucSystemConfigIniManager::missingKey()
     QCOMPARE(RaucSystemConfigIniManager().getDeviceIndex(), QStringLiteral("0"));
 }
 
-void tst_RaucSystemConfigIniManager::missingFile()
+void tst_RaucSystemConfigIniManager::missingFileReturnsZero()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     {

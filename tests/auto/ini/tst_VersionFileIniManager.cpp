@@ -15,7 +15,7 @@ using Name = const QString& (*)();
 
 } // namespace
 
-// Only the vtable pointer and the file's manager.
+// Only the vtable pointer and the IniFileManager.
 static_assert(sizeof(VersionFileIniManager) == sizeof(void*) + sizeof(IniFileManager), "layout");
 static_assert(std::has_virtual_destructor<VersionFileIniManager>::value, "virtual destructor");
 static_assert(!std::is_copy_constructible<VersionFileIniManager>::value, "not copyable");
@@ -28,16 +28,16 @@ class tst_VersionFileIniManager : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void publishedNames_data();
-    void publishedNames();
-    void values_data();
-    void values();
-    void missingFile();
+    void publishedNamesAreConstant_data();
+    void publishedNamesAreConstant();
+    void valuesAreReturned_data();
+    void valuesAreReturned();
+    void missingFileIsReported();
     void fileIsNotChanged();
     void changedFileIsReadByTheNextObject();
 };
 
-void tst_VersionFileIniManager::publishedNames_data()
+void tst_VersionFileIniManager::publishedNamesAreConstant_data()
 {
     QTest::addColumn<Name>("name");
     QTest::addColumn<QString>("text");
@@ -48,7 +48,7 @@ void tst_VersionFileIniManager::publishedNames_data()
                              << "MainVersion";
 }
 
-void tst_VersionFileIniManager::publishedNames()
+void tst_VersionFileIniManager::publishedNamesAreConstant()
 {
     QFETCH(Name, name);
     QFETCH(QString, text);
@@ -57,13 +57,13 @@ void tst_VersionFileIniManager::publishedNames()
     QCOMPARE(first, text);
     QCOMPARE(&name(), &first);
 
-    // The whole process shares one string.
+    // All threads share one string.
     const QString* elsewhere = nullptr;
     std::thread([&] { elsewhere = &name(); }).join();
     QCOMPARE(elsewhere, &first);
 }
 
-void tst_VersionFileIniManager::values_data()
+void tst_VersionFileIniManager::valuesAreReturned_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("version"); // null: default, with a warning
@@ -106,7 +106,7 @@ void tst_VersionFileIniManager::values_data()
         << "1,2";
 }
 
-void tst_VersionFileIniManager::values()
+void tst_VersionFileIniManager::valuesAreReturned()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, content);
@@ -125,7 +125,7 @@ void tst_VersionFileIniManager::values()
     QCOMPARE(manager.getVersionStringHash(), hash);
 }
 
-void tst_VersionFileIniManager::missingFile()
+void tst_VersionFileIniManager::missingFileIsReported()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     {

@@ -1,4 +1,5 @@
-// The program that the tests of QProcessHandler run; it does what its arguments say, without Qt.
+// The program that the tests of QProcessHandler run. Its first argument is a command. It does not
+// use Qt.
 
 #include <chrono>
 #include <csignal>
@@ -51,8 +52,8 @@ void writeProcessId(const std::string& filePath)
     std::rename(unfinished.c_str(), filePath.c_str());
 }
 
-// signal N: ends itself with that signal.
-int endBySignal(int number)
+// signal N: terminates itself with that signal.
+int terminateBySignal(int number)
 {
     const rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
@@ -62,7 +63,7 @@ int endBySignal(int number)
     return EXIT_FAILURE;
 }
 
-// write OUT ERR: writes these hexadecimal bytes to the two channels.
+// write OUT ERR: writes these hexadecimal bytes to standard output and standard error.
 int writeBytes(const std::string& output, const std::string& error)
 {
     return writeAll(STDOUT_FILENO, fromHex(output)) && writeAll(STDERR_FILENO, fromHex(error))
@@ -70,7 +71,7 @@ int writeBytes(const std::string& output, const std::string& error)
                : EXIT_FAILURE;
 }
 
-// flood OUT ERR: writes that many bytes to the two channels, alternately.
+// flood OUT ERR: writes these numbers of bytes to standard output and standard error, alternately.
 int flood(std::size_t output, std::size_t error)
 {
     constexpr std::size_t blockSize = 4096;
@@ -121,7 +122,7 @@ int printArguments(const Arguments& arguments)
     return EXIT_SUCCESS;
 }
 
-// stay FILE: writes its process ID to the file and does not end by itself.
+// stay FILE: writes its process ID to the file and runs until it is killed.
 int stay(const std::string& processIdFile)
 {
     writeProcessId(processIdFile);
@@ -149,7 +150,7 @@ int waitForFile(const std::string& go, const std::string& done)
 
 int main(int argc, char* argv[])
 {
-    // The program ends shortly after a test that was killed.
+    // Terminates the program if the test was killed.
     alarm(60);
     const Arguments arguments(argv, argv + argc);
     const std::string command = argc > 1 ? arguments[1] : std::string();
@@ -157,7 +158,7 @@ int main(int argc, char* argv[])
         return std::stoi(arguments[2]);
     }
     if (command == "signal" && argc == 3) {
-        return endBySignal(std::stoi(arguments[2]));
+        return terminateBySignal(std::stoi(arguments[2]));
     }
     if (command == "delay" && argc == 3) {
         sleepMs(std::stoi(arguments[2]));
@@ -184,6 +185,6 @@ int main(int argc, char* argv[])
     if (command == "wait-for" && argc == 4) {
         return waitForFile(arguments[2], arguments[3]);
     }
-    // Without a command the program succeeds: starting it is all that was requested.
+    // Without a command the program exits successfully.
     return argc == 1 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -56,7 +56,7 @@ bool hasChildren()
     return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT | __WALL) == 0;
 }
 
-// Delays the loading of a program, by a lease on its file, until release().
+// Delays the start of a program until release(), by a lease on its file.
 class HeldProgram
 {
 public:
@@ -107,37 +107,37 @@ class tst_QProcessHandler : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void beforeTheFirstRun();
-    void defaultTimeouts();
+    void resultsAreEmptyBeforeTheFirstRun();
+    void defaultTimeoutsAreThirtySeconds();
 
-    void exitCodes();
-    void terminationBySignal_data();
-    void terminationBySignal();
+    void exitCodesAreReturned();
+    void terminationBySignalIsACrash_data();
+    void terminationBySignalIsACrash();
     void outputIsDecoded_data();
     void outputIsDecoded();
     void outputIsUtf8InEveryLocale();
-    void largeOutput_data();
-    void largeOutput();
+    void largeOutputIsReadCompletely_data();
+    void largeOutputIsReadCompletely();
     void argumentsArriveUnchanged_data();
     void argumentsArriveUnchanged();
     void programIsFoundInThePath();
 
     void programThatCannotBeStarted_data();
     void programThatCannotBeStarted();
-    void emptyProgramName();
-    void missingWorkingDirectory();
-    void missingStandardInputFile();
-    void startTimeout();
+    void emptyProgramNameIsReported();
+    void missingWorkingDirectoryIsReported();
+    void missingStandardInputFileIsReported();
+    void startTimeoutIsReported();
 
     void finishTimeout();
     void finishTimeoutShowsArguments_data();
     void finishTimeoutShowsArguments();
     void outputAfterATimeoutIsKept();
-    void finishTimeoutOfZero();
+    void finishTimeoutOfZeroExpiresImmediately();
     void negativeTimeoutsNeverExpire();
     void secondStartWaitsForTheFirstProgram();
     void secondStartTimesOutOnTheFirstProgram();
-    void startAfterTheLateEndOfAProgram();
+    void outputBetweenRunsIsDiscarded();
 
     void standardInputStaysOpen();
     void settingsPersist();
@@ -146,7 +146,7 @@ private Q_SLOTS:
     void resultsAreClearedWhileTheProgramRuns();
     void clearLastStatesClearsResults();
     void saveLastStatesKeepsTheExitStatus();
-    void saveLastStatesBeforeTheFirstRun();
+    void saveLastStatesBeforeTheFirstRunReadsNothing();
 
     void destructionKillsTheProgram();
     void destructionKillsAStartingProgram();
@@ -173,7 +173,7 @@ private:
         }
     }
 
-    // The arguments of a program that waits for release() and creates a file when it ends.
+    // The arguments of a program that waits for release() and creates a file before it exits.
     QStringList waiting() const { return {"wait-for", path("go"), path("done")}; }
 
     void release() const { writeFile("go", QByteArray()); }
@@ -188,7 +188,7 @@ private:
     }
 };
 
-void tst_QProcessHandler::beforeTheFirstRun()
+void tst_QProcessHandler::resultsAreEmptyBeforeTheFirstRun()
 {
     const QProcessHandler handler;
     QVERIFY(handler.getStandardOutput().isNull());
@@ -196,8 +196,8 @@ void tst_QProcessHandler::beforeTheFirstRun()
     QCOMPARE(handler.getLastExitStatus(), 1);
 }
 
-// 30 seconds are too long to wait, so the test reads the fields.
-void tst_QProcessHandler::defaultTimeouts()
+// The test does not wait for 30 seconds; it reads the fields.
+void tst_QProcessHandler::defaultTimeoutsAreThirtySeconds()
 {
     QProcessHandler handler;
     const auto timeouts = [&handler] {
@@ -213,7 +213,7 @@ void tst_QProcessHandler::defaultTimeouts()
     QCOMPARE(timeouts(), qMakePair(-5, 7));
 }
 
-void tst_QProcessHandler::exitCodes()
+void tst_QProcessHandler::exitCodesAreReturned()
 {
     QProcessHandler handler;
     for (int exitCode = 0; exitCode <= 255; ++exitCode) {
@@ -224,7 +224,7 @@ void tst_QProcessHandler::exitCodes()
     }
 }
 
-void tst_QProcessHandler::terminationBySignal_data()
+void tst_QProcessHandler::terminationBySignalIsACrash_data()
 {
     QTest::addColumn<int>("signal");
 
@@ -235,7 +235,7 @@ void tst_QProcessHandler::terminationBySignal_data()
     QTest::newRow("broken pipe") << SIGPIPE;
 }
 
-void tst_QProcessHandler::terminationBySignal()
+void tst_QProcessHandler::terminationBySignalIsACrash()
 {
     QFETCH(int, signal);
 
@@ -301,7 +301,7 @@ void tst_QProcessHandler::outputIsUtf8InEveryLocale()
     QCOMPARE(handler.getStandardError(), QStringLiteral("\u00f6"));
 }
 
-void tst_QProcessHandler::largeOutput_data()
+void tst_QProcessHandler::largeOutputIsReadCompletely_data()
 {
     QTest::addColumn<int>("output");
     QTest::addColumn<int>("error");
@@ -313,7 +313,7 @@ void tst_QProcessHandler::largeOutput_data()
     QTest::newRow("more on standard error") << 5000 << tenMegabytes + 1;
 }
 
-void tst_QProcessHandler::largeOutput()
+void tst_QProcessHandler::largeOutputIsReadCompletely()
 {
     QFETCH(int, output);
     QFETCH(int, error);
@@ -418,7 +418,7 @@ void tst_QProcessHandler::programThatCannotBeStarted()
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("exit"), "4"}), 4);
 }
 
-void tst_QProcessHandler::emptyProgramName()
+void tst_QProcessHandler::emptyProgramNameIsReported()
 {
     const QString warning = warningText("Timeout on starting command ", QString(), "a");
     QProcessHandler handler;
@@ -431,14 +431,14 @@ void tst_QProcessHandler::emptyProgramName()
     QVERIFY(handler.getStandardError().isNull());
     QCOMPARE(handler.getLastExitStatus(), 0);
 
-    // Nothing was started, so QProcess keeps the exit status of the previous run.
+    // No program was started, so QProcess keeps the exit status of the previous run.
     QCOMPARE(handler.startProcess(testProgram(), {QStringLiteral("signal"), "9"}), 9);
     expectWarning(warning);
     QCOMPARE(handler.startProcess(QString(), {QStringLiteral("a")}), -1);
     QCOMPARE(handler.getLastExitStatus(), 1);
 }
 
-void tst_QProcessHandler::missingWorkingDirectory()
+void tst_QProcessHandler::missingWorkingDirectoryIsReported()
 {
     QProcessHandler handler;
     handler.setWorkingDirectory(path("missing"));
@@ -452,7 +452,7 @@ void tst_QProcessHandler::missingWorkingDirectory()
     QCOMPARE(handler.getStandardOutput(), path(QStringLiteral("missing")));
 }
 
-void tst_QProcessHandler::missingStandardInputFile()
+void tst_QProcessHandler::missingStandardInputFileIsReported()
 {
     QProcessHandler handler;
     handler.setStandardInputFile(path("missing"));
@@ -465,7 +465,7 @@ void tst_QProcessHandler::missingStandardInputFile()
     QCOMPARE(handler.getStandardOutput(), QStringLiteral("found"));
 }
 
-void tst_QProcessHandler::startTimeout()
+void tst_QProcessHandler::startTimeoutIsReported()
 {
     const QString program = path("program");
     QVERIFY(QFile::copy(testProgram(), program));
@@ -490,7 +490,7 @@ void tst_QProcessHandler::startTimeout()
     QVERIFY(handler.getStandardError().isNull());
     QCOMPARE(handler.getLastExitStatus(), 0);
 
-    // The program is still starting, so no other can be started.
+    // The program is still starting, so no other program can be started.
     handler.setWaitForStartedTimeout(0);
     messages().expect(QtWarningMsg, "QProcess::start: Process is already running");
     expectWarning(warningText(text, "other", QString()));
@@ -586,7 +586,7 @@ void tst_QProcessHandler::outputAfterATimeoutIsKept()
     QCOMPARE(handler.getLastExitStatus(), 0);
 }
 
-void tst_QProcessHandler::finishTimeoutOfZero()
+void tst_QProcessHandler::finishTimeoutOfZeroExpiresImmediately()
 {
     expectWarning(warningText("Timeout from command ", testProgram(), "echo"));
     expectDestroyedWhileRunning();
@@ -639,7 +639,7 @@ void tst_QProcessHandler::secondStartTimesOutOnTheFirstProgram()
 }
 
 // Output between two runs belongs to neither.
-void tst_QProcessHandler::startAfterTheLateEndOfAProgram()
+void tst_QProcessHandler::outputBetweenRunsIsDiscarded()
 {
     QProcessHandler handler;
     startWaiting(handler);
@@ -652,7 +652,7 @@ void tst_QProcessHandler::startAfterTheLateEndOfAProgram()
     QVERIFY(handler.getStandardError().isNull());
 }
 
-// A program that reads standard input to the end never gets there.
+// A program that reads its standard input until the end never exits.
 void tst_QProcessHandler::standardInputStaysOpen()
 {
     QProcessHandler handler;
@@ -714,7 +714,7 @@ void tst_QProcessHandler::resultsAreClearedByTheNextRun()
     QVERIFY(handler.getStandardError().isNull());
 }
 
-// The message handler is called before the run has ended.
+// The message handler is called before startProcess() returns.
 void tst_QProcessHandler::resultsAreClearedWhileTheProgramRuns()
 {
     QProcessHandler handler;
@@ -754,7 +754,7 @@ void tst_QProcessHandler::saveLastStatesKeepsTheExitStatus()
     QCOMPARE(handler.getLastExitStatus(), 0);
 }
 
-void tst_QProcessHandler::saveLastStatesBeforeTheFirstRun()
+void tst_QProcessHandler::saveLastStatesBeforeTheFirstRunReadsNothing()
 {
     QProcessHandler handler;
     expectNotOpen(2);
@@ -782,7 +782,7 @@ void tst_QProcessHandler::destructionKillsTheProgram()
         QCOMPARE(kill(processId, 0), 0);
         expectDestroyedWhileRunning();
     }
-    // Not even a zombie is left.
+    // Not even a zombie remains.
     QCOMPARE(kill(processId, 0), -1);
     QCOMPARE(errno, ESRCH);
     QVERIFY(!hasChildren());

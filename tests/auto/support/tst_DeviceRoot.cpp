@@ -13,7 +13,7 @@
 
 namespace {
 
-// How a program in a device root ended, and the output of it and the launcher.
+// The exit state of a program in a device root, and the output of the program and the launcher.
 struct Result
 {
     QProcess::ExitStatus status = QProcess::CrashExit;
@@ -22,11 +22,11 @@ struct Result
     QByteArray errors;
 };
 
-// Lists a device's paths in a shell.
+// A shell command that lists a device's paths.
 const QByteArray listDevice("for f in /orvalis /orvalis-reboot /etc/rauc; do "
                             "[ -e $f ] && echo $f; done; cat /proc/cmdline");
 
-// The names in / of the machine, and the files of a device that the machine has.
+// The entries of the machine's root directory, and the device files that the machine has.
 QStringList machine()
 {
     QStringList entries = QDir("/").entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
@@ -63,15 +63,15 @@ private Q_SLOTS:
     void workingDirectoryIsKept_data();
     void workingDirectoryIsKept();
     void linksInTheTreeAreKept();
-    void relativeTree();
-    void unusableTree_data();
-    void unusableTree();
-    void usage();
-    void ordinaryUser();
-    void unreadableTree_data();
-    void unreadableTree();
-    void withoutNamespaces();
-    void withoutARequiredSystemProgram();
+    void treePathMayBeRelative();
+    void unusableTreeIsRejected_data();
+    void unusableTreeIsRejected();
+    void missingProgramShowsUsage();
+    void ordinaryUserMayUseADeviceRoot();
+    void unreadableTreeIsRejected_data();
+    void unreadableTreeIsRejected();
+    void programRunsWithoutNamespaces();
+    void programRunsWithoutPivotRoot();
     void testsAreSkippedWithoutNamespaces();
     void skipFailsInContinuousIntegration_data();
     void skipFailsInContinuousIntegration();
@@ -88,7 +88,7 @@ private:
     Result runShell(const QByteArray& command, const QStringList& arguments = QStringList());
     // Runs a shell command in the row's directory as an ordinary user; "$LAUNCHER" is the launcher.
     ChildResult runAsOrdinaryUser(const QByteArray& command);
-    // Makes the row's programs use an unshare that fails as where namespaces are forbidden.
+    // Makes the row's programs use an unshare that fails as if namespaces were forbidden.
     void forbidNamespaces();
 
     const QString m_launcher = QStringLiteral(MISCTOOLS_DEVICE_ROOT_LAUNCHER);
@@ -136,7 +136,7 @@ Result tst_DeviceRoot::runProgram(const QString& program, const QStringList& arg
     process.closeWriteChannel();
     Result result;
     if (!process.waitForFinished(60000)) {
-        qFatal("%s does not end", qPrintable(program));
+        qFatal("%s does not exit", qPrintable(program));
     }
     result.status = process.exitStatus();
     result.exitCode = process.exitCode();
@@ -161,11 +161,11 @@ ChildResult tst_DeviceRoot::runAsOrdinaryUser(const QByteArray& command)
     }
     const QByteArray place = QFile::encodeName(directory());
     chmod(place.constData(), 0755);
-    const QByteArray whole = "cd '" + place + "' && LAUNCHER=./launcher && " + command;
-    return ChildProcess::runAsOrdinaryUser([&whole] {
+    const QByteArray script = "cd '" + place + "' && LAUNCHER=./launcher && " + command;
+    return ChildProcess::runAsOrdinaryUser([&script] {
         // An ordinary user's PATH often lacks the directories of system tools.
         setenv("PATH", "/usr/bin:/bin", 1);
-        execl("/bin/sh", "sh", "-c", whole.constData(), nullptr);
+        execl("/bin/sh", "sh", "-c", script.constData(), nullptr);
         return 254;
     });
 }
@@ -292,7 +292,7 @@ void tst_DeviceRoot::twoDeviceRootsAreIndependent()
 void tst_DeviceRoot::restOfTheMachineIsVisible()
 {
     NEED_NAMESPACES();
-    // Every file of / and /etc on this machine is visible in the device root, too.
+    // Every other entry of the machine's / and /etc is visible in the device root, too.
     QByteArray expected;
     for (const QString& name : {QStringLiteral("/"), QStringLiteral("/etc")}) {
         const QStringList entries =
@@ -376,11 +376,11 @@ void tst_DeviceRoot::signalsArePassedThrough()
 
 void tst_DeviceRoot::workingDirectoryIsKept_data()
 {
-    QTest::addColumn<QString>("directoryPath"); // null: the row's own
+    QTest::addColumn<QString>("directoryPath"); // null: the row's directory
     QTest::newRow("temporary directory") << QString();
     QTest::newRow("root") << "/";
     QTest::newRow("tmp") << "/tmp";
-    QTest::newRow("where the new root is created") << "/mnt";
+    QTest::newRow("mount point of the new root") << "/mnt";
     QTest::newRow("the project") << QFileInfo(m_launcher).path();
     QTest::newRow("etc") << "/etc";
 }
@@ -406,7 +406,7 @@ void tst_DeviceRoot::linksInTheTreeAreKept()
     QCOMPARE(result.output, QByteArray("/nothing\n/etc/passwd\n"));
 }
 
-void tst_DeviceRoot::relativeTree()
+void tst_DeviceRoot::treePathMayBeRelative()
 {
     NEED_NAMESPACES();
     QVERIFY(QDir(directory()).mkpath("a  tree/-odd"));
@@ -417,7 +417,7 @@ void tst_DeviceRoot::relativeTree()
     QCOMPARE(result.output, QByteArray("odd"));
 }
 
-void tst_DeviceRoot::unusableTree_data()
+void tst_DeviceRoot::unusableTreeIsRejected_data()
 {
     QTest::addColumn<QString>("tree");
     QTest::newRow("missing") << "none";
@@ -425,7 +425,7 @@ void tst_DeviceRoot::unusableTree_data()
     QTest::newRow("empty name") << QString();
 }
 
-void tst_DeviceRoot::unusableTree()
+void tst_DeviceRoot::unusableTreeIsRejected()
 {
     QFETCH(QString, tree);
     prepare();
@@ -436,7 +436,7 @@ void tst_DeviceRoot::unusableTree()
     QCOMPARE(result.exitCode, 125);
 }
 
-void tst_DeviceRoot::usage()
+void tst_DeviceRoot::missingProgramShowsUsage()
 {
     prepare();
     const Result result = runProgram(m_launcher, {directory()});
@@ -445,7 +445,7 @@ void tst_DeviceRoot::usage()
     QCOMPARE(result.exitCode, 125);
 }
 
-void tst_DeviceRoot::ordinaryUser()
+void tst_DeviceRoot::ordinaryUserMayUseADeviceRoot()
 {
     NEED_NAMESPACES();
     writeTreeFile("orvalis/VersionFile.ini", "version");
@@ -462,18 +462,18 @@ void tst_DeviceRoot::ordinaryUser()
     QVERIFY(!QFile::exists("/orvalis-reboot"));
 }
 
-void tst_DeviceRoot::unreadableTree_data()
+void tst_DeviceRoot::unreadableTreeIsRejected_data()
 {
     QTest::addColumn<QString>("file");
     QTest::newRow("command line is a directory") << QString();
-    // In a device root nothing denies a file's owner access, so this row needs root, who can run as
-    // another user.
+    // In a device root the owner of a file always has access, so this row needs root, which can run
+    // the launcher as another user.
     if (geteuid() == 0) {
         QTest::newRow("no permission") << "orvalis/VersionFile.ini";
     }
 }
 
-void tst_DeviceRoot::unreadableTree()
+void tst_DeviceRoot::unreadableTreeIsRejected()
 {
     NEED_NAMESPACES();
     QFETCH(QString, file);
@@ -492,7 +492,7 @@ void tst_DeviceRoot::unreadableTree()
     QCOMPARE(result.exitCode, 125);
 }
 
-void tst_DeviceRoot::withoutNamespaces()
+void tst_DeviceRoot::programRunsWithoutNamespaces()
 {
     prepare();
     writeTreeFile("orvalis-reboot", "");
@@ -501,7 +501,7 @@ void tst_DeviceRoot::withoutNamespaces()
 
     const Result result =
         runShell("echo \"$1,${MISCTOOLS_DEVICE_ROOT-none}\"; pwd; exit 7", {"it runs"});
-    // The program runs without a device root, and one line explains why.
+    // The program runs without a device root, and a single line explains why.
     QCOMPARE(result.output, "it runs,none\n" + QFile::encodeName(directory()) + '\n');
     QCOMPARE(result.exitCode, 7);
     QVERIFY2(result.errors.startsWith("device root: not available here; to allow it: "),
@@ -510,7 +510,7 @@ void tst_DeviceRoot::withoutNamespaces()
     QVERIFY(!result.errors.contains("Operation not permitted"));
 }
 
-void tst_DeviceRoot::withoutARequiredSystemProgram()
+void tst_DeviceRoot::programRunsWithoutPivotRoot()
 {
     NEED_NAMESPACES();
     // Inside a device root a system program can be hidden by a mount.
@@ -538,7 +538,7 @@ void tst_DeviceRoot::testsAreSkippedWithoutNamespaces()
     QVERIFY2(result.output.contains("needs the device's fixed paths; run it through "
                                     "script/device-root, where namespaces are allowed"),
              result.output.constData());
-    // The line by which CTest recognizes a test that skipped something.
+    // CTest recognizes a skipped test by this line.
     const QRegularExpression skipped(QStringLiteral(MISCTOOLS_SKIPPED_EXPRESSION));
     QVERIFY(skipped.isValid());
     QVERIFY2(skipped.match(QString::fromUtf8(result.output)).hasMatch(), result.output.constData());

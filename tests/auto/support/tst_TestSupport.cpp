@@ -6,7 +6,7 @@
 
 Q_DECLARE_METATYPE(ExpectedMessage)
 
-// Tests the test support: a recorder that misses a message would make every other test worthless.
+// Tests the test support: if the recorder missed a message, no other test would detect it.
 class tst_TestSupport : public TestCase
 {
     Q_OBJECT
@@ -18,9 +18,9 @@ private Q_SLOTS:
     void differencesAreReported_data();
     void differencesAreReported();
     void wrongOrderIsReported();
-    void everyRowHasAFreshDirectory_data();
-    void everyRowHasAFreshDirectory();
-    void childProcessReportsHowItEnded();
+    void everyRowHasANewDirectory_data();
+    void everyRowHasANewDirectory();
+    void childProcessReportsExitCodeOrSignal();
     void permissionsApplyToOrdinaryUser();
 };
 
@@ -94,20 +94,20 @@ void tst_TestSupport::wrongOrderIsReported()
     QCOMPARE(messages().takeProblems().size(), 2);
 }
 
-void tst_TestSupport::everyRowHasAFreshDirectory_data()
+void tst_TestSupport::everyRowHasANewDirectory_data()
 {
     QTest::addColumn<int>("row");
     QTest::newRow("first") << 1;
     QTest::newRow("second") << 2;
 }
 
-void tst_TestSupport::everyRowHasAFreshDirectory()
+void tst_TestSupport::everyRowHasANewDirectory()
 {
     QVERIFY(QDir(directory()).isEmpty());
     QCOMPARE(readFile(writeFile(QStringLiteral("left-over"), "content")), QByteArray("content"));
 }
 
-void tst_TestSupport::childProcessReportsHowItEnded()
+void tst_TestSupport::childProcessReportsExitCodeOrSignal()
 {
     const ChildResult exited = ChildProcess::run([] {
         fprintf(stderr, "visible");

@@ -18,8 +18,8 @@ namespace {
 
 const QString filePath = "/etc/rauc/system.conf";
 
-// The local time in the format of a name, from the C library. (Not from time(), whose coarse clock
-// may lag at the turn of a second.)
+// The local time in the format of a name, from the C library. (The coarse clock of time() may lag
+// behind when a second begins.)
 QString localTime()
 {
     const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
@@ -51,18 +51,18 @@ class tst_ExportFileNameCreator : public TestCase
 
 private Q_SLOTS:
     void destructorIsVirtual();
-    void nameFormat();
-    void extension_data();
-    void extension();
-    void deviceIndex_data();
-    void deviceIndex();
-    void deviceIndexMissing();
+    void nameHasTheDocumentedFormat();
+    void extensionIsAppendedUnchanged_data();
+    void extensionIsAppendedUnchanged();
+    void nameBeginsWithTheDeviceIndex_data();
+    void nameBeginsWithTheDeviceIndex();
+    void missingDeviceIndexIsZero();
     void deviceIndexIsReadByEveryCall();
     void localTimeIsUsed_data();
     void localTimeIsUsed();
     void languageHasNoEffect();
     void callsWithinOneSecondReturnTheSameName();
-    void manyThreads();
+    void namesAreCorrectInManyThreads();
 };
 
 void tst_ExportFileNameCreator::destructorIsVirtual()
@@ -70,7 +70,7 @@ void tst_ExportFileNameCreator::destructorIsVirtual()
     QVERIFY(isDestroyedThroughBase<ExportFileNameCreator>());
 }
 
-void tst_ExportFileNameCreator::nameFormat()
+void tst_ExportFileNameCreator::nameHasTheDocumentedFormat()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     DeviceRoot::writeFile(filePath, "[system]\ncompatible=3\n");
@@ -80,7 +80,7 @@ void tst_ExportFileNameCreator::nameFormat()
     QVERIFY2(form.match(name).hasMatch(), qPrintable(name));
 }
 
-void tst_ExportFileNameCreator::extension_data()
+void tst_ExportFileNameCreator::extensionIsAppendedUnchanged_data()
 {
     QTest::addColumn<QString>("extension");
 
@@ -99,7 +99,7 @@ void tst_ExportFileNameCreator::extension_data()
     QTest::newRow("non-Latin script") << QString(QChar(0x4e2d));
 }
 
-void tst_ExportFileNameCreator::extension()
+void tst_ExportFileNameCreator::extensionIsAppendedUnchanged()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QString, extension);
@@ -112,17 +112,17 @@ void tst_ExportFileNameCreator::extension()
     QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
 }
 
-void tst_ExportFileNameCreator::deviceIndex_data()
+void tst_ExportFileNameCreator::nameBeginsWithTheDeviceIndex_data()
 {
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<QString>("begin");
 
     QTest::newRow("zero") << QByteArray("0") << "V0_";
     QTest::newRow("large") << QByteArray("2147483647") << "V2147483647_";
-    QTest::newRow("negative, keeps its dash") << QByteArray("-1") << "V-1_";
+    QTest::newRow("negative, with its minus sign") << QByteArray("-1") << "V-1_";
 }
 
-void tst_ExportFileNameCreator::deviceIndex()
+void tst_ExportFileNameCreator::nameBeginsWithTheDeviceIndex()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     QFETCH(QByteArray, value);
@@ -136,7 +136,7 @@ void tst_ExportFileNameCreator::deviceIndex()
     QVERIFY2(earliest <= time && time <= latest, qPrintable(name));
 }
 
-void tst_ExportFileNameCreator::deviceIndexMissing()
+void tst_ExportFileNameCreator::missingDeviceIndexIsZero()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     IniWarnings::expectMissingFile(messages(), filePath);
@@ -215,7 +215,7 @@ void tst_ExportFileNameCreator::callsWithinOneSecondReturnTheSameName()
     QCOMPARE(first, QStringLiteral("V3_") + before + QStringLiteral(".csv"));
 }
 
-void tst_ExportFileNameCreator::manyThreads()
+void tst_ExportFileNameCreator::namesAreCorrectInManyThreads()
 {
     MISCTOOLS_NEED_DEVICE_ROOT();
     constexpr int threadCount = 8;

@@ -10,7 +10,8 @@
 static_assert(std::is_polymorphic<VersionManager>::value, "has virtual functions");
 static_assert(std::has_virtual_destructor<VersionManager>::value,
               "may be deleted through a base pointer");
-static_assert(std::is_constructible<VersionManager, const QString&>::value, "takes a version");
+static_assert(std::is_constructible<VersionManager, const QString&>::value,
+              "can be constructed from a version");
 static_assert(std::is_copy_constructible<VersionManager>::value &&
                   std::is_copy_assignable<VersionManager>::value,
               "is a value");
@@ -23,9 +24,9 @@ namespace {
 constexpr char dotsSignature[] = "bool VersionManager::isOldVersion(const QString&)";
 constexpr char oldSignature[] = "void VersionManager::initializeVersionsOld(const QString&)";
 
-QStringList words(const char* blankSeparated)
+QStringList words(const char* spaceSeparated)
 {
-    return QString::fromUtf8(blankSeparated).split(QLatin1Char(' '));
+    return QString::fromUtf8(spaceSeparated).split(QLatin1Char(' '));
 }
 
 template <typename T, int N>
@@ -110,15 +111,15 @@ class tst_VersionManager : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void oldFormat_data();
-    void oldFormat();
-    void oldFormatWithoutMatch_data();
-    void oldFormatWithoutMatch();
-    void newFormat_data();
-    void newFormat();
+    void oldFormatIsParsed_data();
+    void oldFormatIsParsed();
+    void oldFormatWithoutMatchWarns_data();
+    void oldFormatWithoutMatchWarns();
+    void newFormatIsParsed_data();
+    void newFormatIsParsed();
     void unsupportedDotCountWarns_data();
     void unsupportedDotCountWarns();
-    void nullVersion();
+    void nullVersionHasNullParts();
 
     void gettersOfTheOtherFormatWarn();
     void isOldVersionCountsDots_data();
@@ -126,9 +127,9 @@ private Q_SLOTS:
     void isOldVersionIgnoresTheFields();
     void initializeVersionsOldKeepsOtherParts();
     void initializeVersionsNewKeepsOtherParts();
-    void initializeAgain();
-    void copies();
-    void expression();
+    void initializeVersionsKeepsOtherParts();
+    void copiesAreIndependent();
+    void expressionIsConstant();
     void randomVersionsMatchTheLiteralVersion();
 
 private:
@@ -164,7 +165,7 @@ QStringList tst_VersionManager::takeTexts()
     return texts;
 }
 
-void tst_VersionManager::oldFormat_data()
+void tst_VersionManager::oldFormatIsParsed_data()
 {
     QTest::addColumn<QString>("version");
     QTest::addColumn<QStringList>("components"); // main version to test index
@@ -179,7 +180,7 @@ void tst_VersionManager::oldFormat_data()
     row("at most three digits of test index", "1.2.3-1234", "<1.2.3> <1> <2> <3> <123>");
     row("dash without a test index", "1.2.3-", "<1.2.3> <1> <2> <3> null");
     row("two dashes", "1.2.3--7", "<1.2.3> <1> <2> <3> null");
-    row("word after the dash", "1.2.3-rc1", "<1.2.3> <1> <2> <3> null");
+    row("letters after the dash", "1.2.3-rc1", "<1.2.3> <1> <2> <3> null");
     row("test index without a dash", "1.2.345", "<1.2.34> <1> <2> <34> <5>");
     row("many digits without a dash", "1.2.3456789", "<1.2.34> <1> <2> <34> <567>");
     row("two digits and a test index", "1.22.33-444", "<1.22.33> <1> <22> <33> <444>");
@@ -187,7 +188,7 @@ void tst_VersionManager::oldFormat_data()
     row("long base number", "123456.2.3", "<123456.2.3> <123456> <2> <3> null");
     row("base number is any text without spaces", "x1.2.3", "<x1.2.3> <x1> <2> <3> null");
     row("lowercase v", "v1.2.3", "<v1.2.3> <v1> <2> <3> null");
-    row("two V: the second belongs to the base number", "VV1.2.3", "<V1.2.3> <V1> <2> <3> null");
+    row("two V, the second is part of the base number", "VV1.2.3", "<V1.2.3> <V1> <2> <3> null");
     row("dashes in the base number", "a-b-1.2.3-4", "<a-b-1.2.3> <a-b-1> <2> <3> <4>");
     row("no base number", ".1.2", "<.1.2> <> <1> <2> null");
     row("V without a base number", "V.1.2", "<.1.2> <> <1> <2> null");
@@ -196,9 +197,9 @@ void tst_VersionManager::oldFormat_data()
         "<\xD9\xA3.2.3> <\xD9\xA3> <2> <3> null");
     row("non-Latin digits as test index", "1.2.3-\xD9\xA3", "<1.2.3> <1> <2> <3> null");
 
-    // The first match counts, wherever it is.
-    row("leading words", "Release V1.2.3-4", "<1.2.3> <1> <2> <3> <4>");
-    row("trailing words", "1.2.3-4 of today", "<1.2.3> <1> <2> <3> <4>");
+    // The first match counts, at any position.
+    row("leading text", "Release V1.2.3-4", "<1.2.3> <1> <2> <3> <4>");
+    row("trailing text", "1.2.3-4 of today", "<1.2.3> <1> <2> <3> <4>");
     row("space in the base number", "1 2.3.4", "<2.3.4> <2> <3> <4> null");
     row("leading line feed", "first\n1.2.3", "<1.2.3> <1> <2> <3> null");
     row("trailing line feed", "1.2.3\n", "<1.2.3> <1> <2> <3> null");
@@ -217,7 +218,7 @@ void tst_VersionManager::oldFormat_data()
                         QLatin1Char('<') + withNul + QLatin1Char('>'), "<1>", "<2>", "null"});
 }
 
-void tst_VersionManager::oldFormat()
+void tst_VersionManager::oldFormatIsParsed()
 {
     QFETCH(QString, version);
     QFETCH(QStringList, components);
@@ -226,7 +227,7 @@ void tst_VersionManager::oldFormat()
     QCOMPARE(componentsOf(manager), QStringList("old") + components + words("null null null"));
 }
 
-void tst_VersionManager::oldFormatWithoutMatch_data()
+void tst_VersionManager::oldFormatWithoutMatchWarns_data()
 {
     QTest::addColumn<QString>("version");
     QTest::addColumn<QString>("shownVersion"); // as QDebug shows it
@@ -252,7 +253,7 @@ void tst_VersionManager::oldFormatWithoutMatch_data()
         << QChar(0xD800) + QStringLiteral(" 1.2.3") << QStringLiteral("\\uD800 1.2.3");
 }
 
-void tst_VersionManager::oldFormatWithoutMatch()
+void tst_VersionManager::oldFormatWithoutMatchWarns()
 {
     QFETCH(QString, version);
     QFETCH(QString, shownVersion);
@@ -263,7 +264,7 @@ void tst_VersionManager::oldFormatWithoutMatch()
     QCOMPARE(componentsOf(manager), words("old null null null null null null null null"));
 }
 
-void tst_VersionManager::newFormat_data()
+void tst_VersionManager::newFormatIsParsed_data()
 {
     QTest::addColumn<QString>("version");
     QTest::addColumn<QStringList>("components"); // main version to minor index, patch to git hash
@@ -278,7 +279,7 @@ void tst_VersionManager::newFormat_data()
     row("dash in the git hash", "1.2.3.4.5-abc-def", "<1.2.3.4.5> <1> <2> <3> <4> <5> <abc-def>");
     row("dashes around the git hash", "1.2.3.4.5--a--b-",
         "<1.2.3.4.5> <1> <2> <3> <4> <5> <-a--b->");
-    row("V belongs to the base number", "V1.2.3.4.5", "<V1.2.3.4.5> <V1> <2> <3> <4> <5> null");
+    row("V is part of the base number", "V1.2.3.4.5", "<V1.2.3.4.5> <V1> <2> <3> <4> <5> null");
     row("widths are not checked", "1.0222.33333.4.555555555",
         "<1.0222.33333.4.555555555> <1> <0222> <33333> <4> <555555555> null");
     row("letters", "a.b.c.d.e-f", "<a.b.c.d.e> <a> <b> <c> <d> <e> <f>");
@@ -296,7 +297,7 @@ void tst_VersionManager::newFormat_data()
         << QStringList({"< 1 . 2.3.4.5 >", "< 1 >", "< 2>", "<3>", "<4>", "<5 >", "< g >"});
 }
 
-void tst_VersionManager::newFormat()
+void tst_VersionManager::newFormatIsParsed()
 {
     QFETCH(QString, version);
     QFETCH(QStringList, components);
@@ -317,9 +318,9 @@ void tst_VersionManager::unsupportedDotCountWarns_data()
         QTest::newRow(situation) << QString::fromUtf8(version) << dots << words(components);
     };
     row("empty", "", 0, "<> <> null null null null null null");
-    row("word", "abc", 0, "<abc> <abc> null null null null null null");
+    row("letters", "abc", 0, "<abc> <abc> null null null null null null");
     row("only a dash", "-", 0, "<> <> null null null null null null");
-    row("word and git hash", "abc-def", 0, "<abc> <abc> null null null null null <def>");
+    row("letters and git hash", "abc-def", 0, "<abc> <abc> null null null null null <def>");
     row("one dot", "1.2", 1, "<1.2> <1> <2> null null null null null");
     row("one dot and git hash", "1.2-3", 1, "<1.2> <1> <2> null null null null <3>");
     row("three dots", "1.2.3.4", 3, "<1.2.3.4> <1> <2> <3> null <4> null null");
@@ -345,9 +346,9 @@ void tst_VersionManager::unsupportedDotCountWarns()
     QCOMPARE(componentsOf(manager), QStringList(QStringLiteral("new")) + components);
 }
 
-void tst_VersionManager::nullVersion()
+void tst_VersionManager::nullVersionHasNullParts()
 {
-    // The warning shows an empty text, but every component stays null.
+    // The warning shows an empty text, but every component is null.
     expectWarning("Number of dots 0 in version not allowed: \"\"", dotsSignature);
     const VersionManager manager{QString()};
     expectNewGetterWarnings();
@@ -474,7 +475,7 @@ void tst_VersionManager::initializeVersionsNewKeepsOtherParts()
     QCOMPARE(componentsOf(manager), words("old <...> <> <> <> <45> <> <10> null"));
 }
 
-void tst_VersionManager::initializeAgain()
+void tst_VersionManager::initializeVersionsKeepsOtherParts()
 {
     VersionManager manager("1.2.3-45");
     manager.initializeVersions("6.7.8.9.10-g");
@@ -495,7 +496,7 @@ void tst_VersionManager::initializeAgain()
     QVERIFY(manager.isOldVersion());
 }
 
-void tst_VersionManager::copies()
+void tst_VersionManager::copiesAreIndependent()
 {
     const VersionManager original("1.2.3.4.5-g");
     VersionManager copy(original);
@@ -512,7 +513,7 @@ void tst_VersionManager::copies()
     QCOMPARE(componentsOf(original), components);
 }
 
-void tst_VersionManager::expression()
+void tst_VersionManager::expressionIsConstant()
 {
     const QString& text = VersionManager::getRegularExpressionVersion();
     QCOMPARE(text, QStringLiteral("V?((\\S*)\\.(\\d{1,2})\\.(\\d{1,2}))\\-?(\\d{1,3})?"));

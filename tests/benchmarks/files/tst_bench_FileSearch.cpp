@@ -33,7 +33,7 @@ void measureSearch(int files)
         searchFilesOnPathRecursive(root, patterns, result);
         return result;
     };
-    // One by one: a second list would increase the peak memory use.
+    // Compares one by one, because a second list would increase the peak memory use.
     const auto check = [&root](const QStringList& result) {
         QDirIterator each(root, patterns, QDir::NoFilter, QDirIterator::Subdirectories);
         for (const QString& name : result) {
@@ -56,7 +56,7 @@ void measureQtWalk(int files)
         }
         return entries;
     };
-    // Each directory, and in each of them and the root the entries "." and "..".
+    // Each directory, and the entries "." and ".." of each directory and the root.
     const int directories = files / 100;
     measure(walk, patterns.isEmpty() ? files + directories + 2 * (directories + 1) : files / 10);
 }

@@ -65,7 +65,7 @@ void measureReadAll(int bytes)
     measureChecked(load, check);
 }
 
-// The first group of each match, from the library below QRegularExpression.
+// The first group of each match, from the library that QRegularExpression uses.
 QStringList allMatches(const pcre2_code* code, pcre2_match_data* match, const QString& text)
 {
     QStringList result;

@@ -30,8 +30,7 @@ private Q_SLOTS:
             measureChecked(read,
                            [](const HardwareInfo& info) { QCOMPARE(info.Comment(), comment); });
         });
-        // The text is already in memory; what remains is writing it to a file and reading the
-        // values.
+        // The text is already in memory; the peer only writes it to a file and reads the values.
         rows.add("QTemporaryFile and QSettings", [](int) {
             const auto read = [] {
                 QTemporaryFile file(path(QStringLiteral("text.XXXXXX")));

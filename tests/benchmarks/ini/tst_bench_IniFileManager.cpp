@@ -48,7 +48,7 @@ void writeKeys(QIODevice& file, int keys)
     }
 }
 
-// This many keys, in one section or at the top level.
+// A file with this number of keys, in one section or at the top level.
 QString fileWithKeys(int keys, const QByteArray& section = "[Group]\n")
 {
     const QString name = QStringLiteral("%1-keys-%2.ini").arg(keys).arg(section.size());
@@ -58,7 +58,7 @@ QString fileWithKeys(int keys, const QByteArray& section = "[Group]\n")
     });
 }
 
-// The Position of each section is its number.
+// A file with this number of sections; the Position of each is its number.
 QString fileWithSections(int sections)
 {
     return file(QStringLiteral("sections-%1.ini").arg(sections), [sections](QIODevice& file) {
@@ -70,7 +70,7 @@ QString fileWithSections(int sections)
 }
 
 // Sections of fifty keys, in a file with forty names. QSettings caches the thirty files that were
-// closed last, so it reads a file again only under a name that was not used for a while.
+// closed last, so it reads a file again only under a name that was not used recently.
 class FileWithManyNames
 {
 public:
@@ -117,7 +117,7 @@ QVariant listedValue(QSettings& settings, const QString& key)
     return result;
 }
 
-// The file is copied before each call; the measurement includes that.
+// The measurement includes copying the file before each call.
 template <void (*cleanUp)(const QString& filePath)>
 void measureCleanUp(int bytes)
 {
@@ -248,7 +248,7 @@ private Q_SLOTS:
         });
     }
 
-    // Each read of a key without a group lists all of them.
+    // Each read of a key without a group lists all such keys.
     void getGeneralValue() { runRow(); }
     void getGeneralValue_data()
     {

@@ -7,7 +7,7 @@
 
 /*
  * The rows of a benchmark: at each size, the library, always named "MiscTools", and its peers,
- * which do the same work by other means. Rows are named "CONTENDER" or "CONTENDER, SIZE UNIT".
+ * which do the same work without the library. Rows are named "CONTENDER" or "CONTENDER, SIZE UNIT".
  */
 namespace Benchmark {
 
@@ -112,8 +112,8 @@ void keep(const Value& value)
     asm volatile("" : : "g"(&value) : "memory");
 }
 
-// First, check verifies the result of a call with QCOMPARE, and the messages of that call are
-// counted.
+// Before the measurement, check verifies the result of one call with QCOMPARE, and the messages of
+// that call are counted.
 template <typename Call, typename Check>
 void measureChecked(const Call& call, const Check& check, int messages = 0)
 {
@@ -121,7 +121,7 @@ void measureChecked(const Call& call, const Check& check, int messages = 0)
     check(call());
     QCOMPARE(counter.count, messages);
     if (!QTest::currentTestFailed()) {
-        // Leaves the heap as a call leaves it, whatever the check allocated.
+        // After this call, the state of the heap does not depend on the check.
         keep(call());
         QBENCHMARK
         {
@@ -137,8 +137,8 @@ void measure(const Call& call, const Result& expected, int messages = 0)
     measureChecked(call, check, messages);
 }
 
-// For a call that is as fast as a round of Qt Test's loop: the size of a row is a number of calls,
-// and the table shows the time of a single call.
+// For a call that is as fast as an iteration of Qt Test's loop: the size of a row is the number of
+// calls, and the table shows the time of a single call.
 template <typename Call, typename Result>
 void measureCalls(int calls, const Call& call, const Result& expected)
 {

@@ -19,10 +19,11 @@ using Operation = std::function<bool(const QString& filePath)>;
 Q_DECLARE_METATYPE(Operation)
 
 /*
- * Memory that the library takes for input that may come from anywhere, as a multiple of its size:
- * docs/security.md states these bounds. The inputs are those that take the most per byte.
+ * The memory that the library allocates for untrusted input, as a multiple of the input's size;
+ * docs/security.md documents these bounds. Each row has the kind of input that needs the most
+ * memory per byte.
  */
-class tst_ForeignInput : public TestCase
+class tst_UntrustedInput : public TestCase
 {
     Q_OBJECT
 
@@ -31,7 +32,7 @@ private Q_SLOTS:
     void memoryIsAMultipleOfTheInput();
 
 private:
-    // Not where the memory of a sanitizer or an emulator counts, too.
+    // False if the measured memory includes that of a sanitizer or an emulator.
     static bool isMemoryJudged()
     {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -58,7 +59,7 @@ QByteArray repeated(const QByteArray& text)
     return text.repeated(inputSize / text.size());
 }
 
-// Keys of few bytes, each another one.
+// Different keys of a few bytes each.
 QByteArray shortKeys()
 {
     QByteArray text;
@@ -79,7 +80,7 @@ QByteArray shortSections()
 
 } // namespace
 
-void tst_ForeignInput::memoryIsAMultipleOfTheInput_data()
+void tst_UntrustedInput::memoryIsAMultipleOfTheInput_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<Operation>("operation");
@@ -131,7 +132,7 @@ void tst_ForeignInput::memoryIsAMultipleOfTheInput_data()
     });
 }
 
-void tst_ForeignInput::memoryIsAMultipleOfTheInput()
+void tst_UntrustedInput::memoryIsAMultipleOfTheInput()
 {
     QFETCH(QByteArray, input);
     QFETCH(Operation, operation);
@@ -150,5 +151,5 @@ void tst_ForeignInput::memoryIsAMultipleOfTheInput()
     QVERIFY2(child.exitCode == 0, lastLine.constData());
 }
 
-QTEST_GUILESS_MAIN(tst_ForeignInput)
-#include "tst_ForeignInput.moc"
+QTEST_GUILESS_MAIN(tst_UntrustedInput)
+#include "tst_UntrustedInput.moc"
