@@ -55,6 +55,7 @@ private Q_SLOTS:
     void findingsAsSarif();
     void dryRunPrintsADiff_data();
     void dryRunPrintsADiff();
+    void diffQuotesSpecialNames();
     void patchAcceptsTheDiff_data();
     void patchAcceptsTheDiff();
     void cleanMakesTheChangesOfTheDryRun();
@@ -771,6 +772,15 @@ void tst_IniLint::dryRunPrintsADiff()
     QCOMPARE(filesInTheDirectory(), QStringList(file));
 }
 
+void tst_IniLint::diffQuotesSpecialNames()
+{
+    const QString name = QString::fromUtf8("a \"b\"\\\n\xC3\xA4.ini");
+    writeFile(name, "a=1,2\n");
+    const QByteArray quoted = "\"a \\\"b\\\"\\\\\\012\xC3\xA4.ini\"\n";
+    QCOMPARE(cleanUpDiff(name),
+             "--- " + quoted + "+++ " + quoted + "@@ -1,1 +1,1 @@\n-a=1,2\n+a=1 2\n");
+}
+
 // With the diff, patch creates the same file as a clean-up.
 void tst_IniLint::patchAcceptsTheDiff_data()
 {
@@ -784,7 +794,8 @@ void tst_IniLint::patchAcceptsTheDiff()
     }
     QFETCH(QByteArray, text);
 
-    for (const char* name : {"file.ini", "a \"b\"\\\n\xC3\xA4.ini"}) {
+    // From version 2.8 on, patch refuses names with a line feed.
+    for (const char* name : {"file.ini", "a \"b\"\\\t\xC3\xA4.ini"}) {
         const QString patched = QString::fromUtf8(name);
         writeFile("cleaned.ini", text);
         QCOMPARE(run({"--clean", "cleaned.ini"}).exitCode, 0);
