@@ -435,7 +435,7 @@ void tst_HashGenerator::variantIsHashedAsUtf8InEveryLocale()
 // result.
 void tst_HashGenerator::threadsDoNotInterfere()
 {
-    constexpr int callsPerThread = 100;
+    constexpr int callsPerThread = 500;
     QStringList filePaths;
     QVector<QByteArray> fileHashes;
     QVector<QByteArray> texts;
