@@ -106,6 +106,8 @@ class tst_IniFileManagerThreads : public TestCase
 private Q_SLOTS:
     void lockingCallsWait_data();
     void lockingCallsWait();
+    void callsGuardTheSettings_data();
+    void callsGuardTheSettings();
     void unlockedCallsDoNotWait_data();
     void unlockedCallsDoNotWait();
     void warningsAreLoggedUnderTheLock_data();
@@ -127,6 +129,7 @@ private Q_SLOTS:
 
 private:
     QString iniFile();
+    static void addLockingRows();
     static void addWarningRows();
 };
 
@@ -135,7 +138,8 @@ QString tst_IniFileManagerThreads::iniFile()
     return writeFile("file.ini", "Key=1\nText=abc\n[Group]\nKey=2\nText=abc\nPosition=-1\n");
 }
 
-void tst_IniFileManagerThreads::lockingCallsWait_data()
+// One row per call that locks the object's mutex.
+void tst_IniFileManagerThreads::addLockingRows()
 {
     QTest::addColumn<Call>("call");
 
@@ -172,6 +176,11 @@ void tst_IniFileManagerThreads::lockingCallsWait_data()
     row("getValueBool, indexed", [](IniFileManager& file) { file.getValueBool(-1, key, true); });
 }
 
+void tst_IniFileManagerThreads::lockingCallsWait_data()
+{
+    addLockingRows();
+}
+
 void tst_IniFileManagerThreads::lockingCallsWait()
 {
     QFETCH(Call, call);
@@ -194,6 +203,34 @@ void tst_IniFileManagerThreads::lockingCallsWait()
         QVERIFY(waiter.isDoneWithin(longWhileInMs));
     }
     QCOMPARE(messages().take().size(), 1);
+}
+
+void tst_IniFileManagerThreads::callsGuardTheSettings_data()
+{
+    addLockingRows();
+    QTest::newRow("getGroups") << Call([](IniFileManager& file) { file.getGroups(); });
+    QTest::newRow("sync") << Call([](IniFileManager& file) { file.sync(); });
+}
+
+// sync() holds only the guard of the settings, so nothing but that guard orders the two threads:
+// the thread sanitizer detects a call without it, whichever thread is first.
+void tst_IniFileManagerThreads::callsGuardTheSettings()
+{
+    constexpr int rounds = 100;
+
+    QFETCH(Call, call);
+    IniFileManager manager(iniFile(), nullptr);
+    std::thread caller([&] {
+        for (int i = 0; i < rounds; ++i) {
+            call(manager);
+        }
+    });
+    for (int i = 0; i < rounds; ++i) {
+        manager.sync();
+    }
+    caller.join();
+    QCOMPARE(manager.getGroups(), QStringList(group));
+    // No warning is expected, so an incorrect read fails this test.
 }
 
 void tst_IniFileManagerThreads::unlockedCallsDoNotWait_data()
