@@ -8,6 +8,10 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
+// The interface of the leak sanitizer; null in programs without it.
+extern "C" __attribute__((weak)) void __lsan_disable();
+extern "C" __attribute__((weak)) void __lsan_enable();
+
 namespace {
 
 const QString minValue = "MinValue";
@@ -91,6 +95,20 @@ private:
     bool m_hasTextDate = false;
 };
 
+// Qt 5.15's parser leaks an array or object whose key occurs again later. The corpus contains no
+// such input: libFuzzer would look for leaks after most of its mutations and be ten times slower.
+QJsonArray parse(const QByteArray& bytes)
+{
+    if (__lsan_disable != nullptr) {
+        __lsan_disable();
+    }
+    const QJsonArray array = QJsonDocument::fromJson(bytes).array();
+    if (__lsan_enable != nullptr) {
+        __lsan_enable();
+    }
+    return array;
+}
+
 QString shown(const QJsonArray& array)
 {
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
@@ -124,7 +142,7 @@ void verifyGetters(const DragIndicator& indicator)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const QJsonArray array = QJsonDocument::fromJson(Fuzz::toBytes(data, size)).array();
+    const QJsonArray array = parse(Fuzz::toBytes(data, size));
 
     const LiteralImport literal(array);
     const QStringList expected = Fuzz::takeMessages();
